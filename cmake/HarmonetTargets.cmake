@@ -1,0 +1,44 @@
+# How Harmonet's targets are made. Everything that runs lands in one folder, bin/, so that the programs find
+# the libraries and the output drivers beside themselves without being installed.
+
+include(GNUInstallDirs)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+
+# The tests look inside the library; a build without them shows what a user of the library sees.
+if(HARMONET_BUILD_TESTS)
+    set(CMAKE_CXX_VISIBILITY_PRESET default)
+else()
+    set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+    set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+endif()
+
+# One room of the library: an object library named harmonet_<room> that the shared library is linked from.
+function(harmonet_room room)
+    add_library(harmonet_${room} OBJECT ${ARGN})
+    target_include_directories(harmonet_${room} PUBLIC "${PROJECT_SOURCE_DIR}")
+    target_compile_definitions(harmonet_${room} PRIVATE HARMONET_BUILDING_LIBRARY)
+    target_link_libraries(harmonet_${room} PUBLIC harmonet_engine)
+endfunction()
+
+# An output driver: a module whose file name is the name that the option "Sound" gives.
+function(harmonet_driver target name)
+    add_library(${target} MODULE ${ARGN})
+    set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME "${name}")
+    target_link_libraries(${target} PRIVATE harmonet)
+    install(TARGETS ${target} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/harmonet")
+endfunction()
+
+# A test program test_<name>; each of its tests is known to CTest by its own name.
+function(harmonet_test name)
+    add_executable(test_${name} ${ARGN})
+    target_link_libraries(test_${name} PRIVATE harmonet_test_support harmonet GTest::gtest_main GTest::gmock)
+    gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+endfunction()
