@@ -1,0 +1,35 @@
+#include "harmonet/output/SndChannel.h"
+
+namespace Quon
+{
+
+namespace
+{
+constexpr int noTimeout = -1;
+}
+
+SndChannel::SndChannel()
+    : chanLock(nullptr)
+{
+}
+
+SndChannel::~SndChannel() = default;
+
+void SndChannel::SetSndFile(SndFile* file)
+{
+    Lock();
+    sndFile = file;
+    Unlock();
+}
+
+void SndChannel::Lock()
+{
+    chanLock.Lock(noTimeout);
+}
+
+void SndChannel::Unlock()
+{
+    chanLock.Unlock();
+}
+
+} // namespace Quon

@@ -1,0 +1,8 @@
+#include "harmonet/output/SndDriver.h"
+
+namespace Quon
+{
+
+SndDriver::~SndDriver() = default;
+
+} // namespace Quon

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Quon
+{
+
+/// What an output driver can do: 16 flags in two bytes, filled in by the driver. Known to users of the library
+/// as `SoundSystem::Caps`.
+///
+/// The library reads one flag, capEnvReverbSource; the others pass through to the host unread.
+struct SoundCaps
+{
+    std::uint8_t low = 0;
+    std::uint8_t high = 0;
+
+    /// The 16 flags as one number, `high` above `low`.
+    unsigned int GetFlags() const { return static_cast<unsigned int>(high) << 8 | low; }
+
+    /// Stores the lowest 16 bits of `flags`.
+    void SetFlags(unsigned int flags)
+    {
+        low = static_cast<std::uint8_t>(flags);
+        high = static_cast<std::uint8_t>(flags >> 8);
+    }
+};
+
+/// The driver can apply properties of an environmental reverb to single sources.
+inline constexpr unsigned int capEnvReverbSource = 0x0400;
+
+} // namespace Quon
