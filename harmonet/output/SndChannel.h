@@ -20,8 +20,8 @@ struct FXGargle;
 struct FXParamEq;
 struct FXWavesReverb;
 
-/// One voice of an output driver: it plays one sound file, and the files queued behind it, until it is stopped
-/// or reports its end. An output driver derives from this class.
+/// One voice of an output driver: it plays one sound file, and the files queued behind it, until it is
+/// stopped or reports its end. An output driver derives from this class.
 ///
 /// The driver makes, owns and deletes its channels; the library only borrows them. A channel's life, as the
 /// library sees it: SndDriver::CreateChannel() gives it; then, in this order, FadeIn() if the sound fades in,
@@ -64,7 +64,8 @@ public:
     virtual void Play() = 0;
     /// Keeps its place in the table of operations; the library never calls it.
     virtual void Spare1() = 0;
-    /// Ends the output at once. The channel goes back to the driver, which leaves the file alone from here on.
+    /// Ends the output at once. The channel goes back to the driver, which leaves the file alone from here
+    /// on.
     virtual void Stop() = 0;
     /// Rises from silence to the set gain over `ms` milliseconds, beginning with Play().
     virtual void FadeIn(int ms) = 0;
@@ -74,7 +75,8 @@ public:
     virtual unsigned long GetRemainLength() = 0;
     /// Keeps its place in the table of operations; the library never calls it.
     virtual void Spare2() = 0;
-    /// Linear factor from 0.0 to 1.0. A new channel starts at 1.0, and is not told if that is what it is to be.
+    /// Linear factor from 0.0 to 1.0. A new channel starts at 1.0, and is not told if that is what it is to
+    /// be.
     virtual void SetGain(float gain) = 0;
     /// Position of the source in world units, in the coordinates of the scene.
     virtual void SetPosition(const Vector3& position) = 0;

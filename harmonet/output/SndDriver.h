@@ -22,8 +22,8 @@ enum SndDriverEvent : int
     /// The channel has finished: its queue has run out, or its fade-out is over. `data` is the SndChannel*.
     /// The channel is the driver's again once the callback has returned.
     SndChannelEnded = 1,
-    /// The channel has moved on to the next file of its queue. `data` is a SndFileChange*. The library deletes
-    /// the old file inside the callback.
+    /// The channel has moved on to the next file of its queue. `data` is a SndFileChange*. The library
+    /// deletes the old file inside the callback.
     SndFileChanged = 2
 };
 

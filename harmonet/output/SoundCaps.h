@@ -5,8 +5,8 @@
 namespace Quon
 {
 
-/// What an output driver can do: 16 flags in two bytes, filled in by the driver. Known to users of the library
-/// as `SoundSystem::Caps`.
+/// What an output driver can do: 16 flags in two bytes, filled in by the driver. Known to users of the
+/// library as `SoundSystem::Caps`.
 ///
 /// The library reads one flag, capEnvReverbSource; the others pass through to the host unread.
 struct SoundCaps

@@ -1,0 +1,145 @@
+#pragma once
+
+#include "harmonet/Export.h"
+#include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/PString.h"
+#include "harmonet/files/WaveFormatEx.h"
+#include "harmonet/output/SoundFormat.h"
+
+namespace Quon
+{
+
+class SndFileCache;
+class SndFileHandle;
+class Sound;
+struct SndNode;
+
+/// The reader of one piece of sound data: it hands out PCM from a position that is counted in sample frames,
+/// skips forward, and goes back to the start.
+///
+/// It hides where the data lie (a shared open file, bytes in the data cache, memory of the caller) and how
+/// they are coded. Every sound that plays owns a reader of its own; several readers can share one open file
+/// or one piece of cached data, each at its own position. A reader does not loop, does not wrap around and
+/// does not pad with silence. The format that it inherits from SoundFormat is that of the PCM it hands out.
+///
+/// *Threads.* One reader is used by one thread at a time and takes no lock: a driver's own thread may read
+/// under the lock of the channel that plays the file; everything else runs on the task thread.
+///
+/// *Queue.* A reader can be continued by further ones, a chain through GetNext(). The sound owns the head of
+/// the chain and through it the rest. A reader never moves along the chain by itself.
+class HARMONET_API SndFile : public SoundFormat, public Allocated
+{
+public:
+    enum Snd_FileType
+    {
+        FileNone = 0, ///< No data open.
+        FileWav = 1, ///< PCM in a RIFF/WAVE file or in memory.
+        FileAdpcm = 2, ///< Microsoft ADPCM in a RIFF/WAVE file.
+        FileMP3 = 3 ///< MPEG audio Layer III, bare or in a RIFF/WAVE file.
+    };
+
+    /// Opens a file by its content, whatever its name ends in. `substName` is the owner below whose folder
+    /// the engine finds `fileName`. Returns a reader that the caller owns, or null. FileEx passes through
+    /// when the system cannot tell the file's length.
+    static SndFile* OpenFile(const PString& substName, const PString& fileName);
+    /// Opens data that lie in the cache. The node's use count is the cache's affair.
+    static SndFile* OpenFile(SndNode* node);
+    /// Opens a block of bare PCM in the caller's memory, which is not copied and must stay valid until the
+    /// owner hears of its release (CloseFile()). Anything but PCM gives null and leaves the block alone.
+    static SndFile* OpenFile(void* data, unsigned long size, WaveFormatEx* format);
+
+    /// Where files are opened: the kernel's list of shared open files, or null while the system is stopped,
+    /// and no file can then be opened.
+    static void SetSndFileCache(SndFileCache* cache);
+    static SndFileCache* sndFileCache;
+
+    SndFile();
+    /// Copies every field as it stands, without counting references: a copy must not be closed as well as
+    /// its source.
+    SndFile(const SndFile&) = default;
+    SndFile& operator=(const SndFile&) = default;
+
+    /// Closes the file, telling nobody of a caller's block: see CloseFile().
+    virtual ~SndFile();
+
+    /// These are for the opening operations above. On false the reader is closed and holds nothing.
+    virtual bool OpenMemory(void* newData, unsigned long newSize, WaveFormatEx* format) = 0;
+    virtual bool Open(SndNode* newNode);
+    /// On false the handle stays the caller's to release.
+    virtual bool OpenHandle(SndFileHandle* newHandle) = 0;
+    /// What a reader of cached data needs beyond the format, in a block from Alloc that the caller owns; null
+    /// if there is nothing.
+    virtual void* CreateNodeInfo() = 0;
+    /// Lets go of the data. A caller's block is announced to `owner`, if there is one, through
+    /// Sound::OnBufferFree() with `soundID`; a block goes back once. Clears the link to the next file, which
+    /// must have been dealt with before. Closing twice is harmless.
+    virtual void CloseFile(unsigned int soundID, Sound* owner);
+    /// Reads all of the sound data into memory and gives the file back; returns the data. Null, and the
+    /// reader goes on reading from the file, when the file does not hold as many bytes as it states.
+    virtual unsigned char* Load();
+    /// Writes up to `samples` sample frames of interleaved PCM in this reader's format to `buffer`, which
+    /// must have room for them, moves on by as many as were written and returns their number. Fewer than
+    /// asked for means that the data have ended. A caller that wants an exact end asks for no more than the
+    /// sound samples less the current sample: beyond that a reader may go on as long as there are bytes.
+    /// 16-bit samples are signed and little-endian, 8-bit samples are unsigned. Allocates nothing.
+    virtual int ReadSamples(unsigned char* buffer, int samples) = 0;
+    /// Moves forward without delivering anything; returns the sample frames skipped, fewer than asked for at
+    /// the end of the data. Negative counts skip nothing.
+    virtual int SkipSamples(int samples) = 0;
+    /// Back to the first sample, with all decoder history cleared.
+    virtual void Rewind() = 0;
+    /// Milliseconds left of this file alone, truncated.
+    virtual unsigned long GetRemainLength() = 0;
+    /// Milliseconds up to the current sample, truncated.
+    virtual unsigned long GetCurrentLength() = 0;
+
+    Snd_FileType FileType() const { return fileType; }
+    /// Bytes of sound data; of an MPEG stream the whole file.
+    unsigned long Size() const { return size; }
+    /// Milliseconds of the whole file.
+    unsigned long GetSoundLength() const { return soundLength; }
+    /// The sample frame that a read delivers next.
+    int GetCurrentSample() const { return currentSample; }
+    /// Whether the data lie in the cache.
+    bool IsCached() const { return node != nullptr; }
+    /// For the cache, when it has taken over the data that Load() read.
+    void SetCached(SndNode* newNode) { node = newNode; }
+    /// The name under which the file was opened; empty for a block of memory.
+    PString GetFileName() const;
+
+    /// The file that continues this one, or null.
+    SndFile* GetNext() const { return next; }
+    /// Appends `file` at the end of the chain; the owner of the chain owns it from here on. Not part of a
+    /// chain of its own, and not yet in this one.
+    void Add(SndFile* file);
+    /// How many files stand behind this one.
+    int GetQueueLength();
+    /// Cuts the chain behind this file; deletes nothing.
+    void ClearQueue() { next = nullptr; }
+    /// Closes and deletes every file behind this one, the last one first, each with CloseFile(soundID,
+    /// owner).
+    void DeleteQueue(unsigned int soundID, Sound* owner);
+
+protected:
+    /// Copies bytes of sound data, `position` counting from their first byte; returns how many there were.
+    int Read(unsigned char* buffer, int bytes, int position);
+    /// Milliseconds that `samples` sample frames last at this reader's rate, truncated; 0 without a rate.
+    unsigned long CalcLength(int samples) const;
+    /// The base part of the two readings of time: whether `type` is open, and the sums of the interface
+    /// above.
+    unsigned long CalcRemainLength(Snd_FileType type) const;
+    unsigned long CalcCurrentLength(Snd_FileType type) const;
+
+    Snd_FileType fileType = FileNone;
+    unsigned long size = 0;
+    bool userMemory = false;
+    unsigned char* data = nullptr;
+    SndFileHandle* handle = nullptr;
+    unsigned long dataOffset = 0;
+    int currentSample = 0;
+    SndNode* node = nullptr;
+    unsigned long soundLength = 0;
+    SndFile* next = nullptr;
+};
+
+} // namespace Quon

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/PString.h"
+
+namespace Quon
+{
+
+class SndFileHandle;
+
+/// The list of open files: one SndFileHandle for each file in use, so that all readers that stream from one
+/// file share one handle of the operating system. The kernel owns one such list. Task thread only.
+class SndFileCache : public Allocated
+{
+public:
+    SndFileCache();
+    SndFileCache(const SndFileCache&) = delete;
+    SndFileCache& operator=(const SndFileCache&) = delete;
+    /// As ReleaseAll().
+    ~SndFileCache();
+
+    /// The handle of that file, opened if need be, with one use more; null if it cannot be opened.
+    SndFileHandle* Acquire(const PString& substName, const PString& fileName);
+    /// Gives one use back; the last one closes the file. Null is ignored.
+    void Release(SndFileHandle* handle);
+    /// Closes every file, whatever its uses: for shutdown, after all sounds are gone.
+    void ReleaseAll();
+
+    int GetCount() const { return count; }
+
+private:
+    SndFileHandle* first = nullptr;
+    SndFileHandle* last = nullptr;
+    int count = 0;
+};
+
+} // namespace Quon

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/File.h"
+#include "harmonet/engine/PString.h"
+#include "harmonet/engine/SyncObject.h"
+
+namespace Quon
+{
+
+/// One open file that any number of readers share. Made and counted by SndFileCache, on the task thread.
+class SndFileHandle : public Allocated
+{
+public:
+    /// Reads up to `bytes` bytes that stand `offset` bytes from the start of the file, and returns how many
+    /// there were; 0 when the file does not reach that far. Safe from several threads at once: a seek and
+    /// its read are one step under the handle's mutex.
+    int ReadAt(void* buffer, int bytes, unsigned long offset);
+
+    /// The file itself, for its length.
+    File& GetFile() { return file; }
+    const PString& GetFileName() const { return fileName; }
+    const PString& GetSubstName() const { return substName; }
+    int GetUseCount() const { return useCount; }
+
+private:
+    friend class SndFileCache;
+
+    SndFileHandle(const PString& newSubstName, const PString& newFileName);
+
+    SndFileHandle* next = nullptr;
+    SndFileHandle* prev = nullptr;
+    PString fileName;
+    PString substName;
+    File file;
+    int useCount = 1;
+    Mutex mutex;
+};
+
+} // namespace Quon

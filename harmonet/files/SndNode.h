@@ -1,0 +1,35 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/PString.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/output/SoundFormat.h"
+
+namespace Quon
+{
+
+/// The sound data of one file in memory, as they stand in the file. Made by SndNodeCache; shared, read-only,
+/// by all readers that are open on it. Task thread only, but for the bytes themselves.
+struct SndNode : Allocated
+{
+    SndNode() = default;
+    SndNode(const SndNode&) = delete;
+    SndNode& operator=(const SndNode&) = delete;
+    /// Frees the data and the decoder's data.
+    ~SndNode();
+
+    SndNode* next = nullptr; ///< Null, like `prev`, while the node is off the cache's list.
+    SndNode* prev = nullptr;
+    SoundFormat format;
+    SndFile::Snd_FileType fileType = SndFile::FileNone;
+    PString fileName;
+    PString substName;
+    unsigned char* data = nullptr; ///< Owned.
+    void* nodeInfo = nullptr; ///< What SndFile::CreateNodeInfo() gave. Owned.
+    unsigned long size = 0; ///< Bytes of `data`: what the node costs the budget.
+    int priority = 0; ///< The highest priority of any sound that has used the node.
+    int useCount = 0; ///< Readers that are open on the node.
+    bool cached = false; ///< The node stands on the cache's list.
+};
+
+} // namespace Quon
