@@ -1,0 +1,54 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+
+/// A library that is loaded at run time. OS::CreateDynamicLibrary() makes one; the caller owns it and deletes
+/// it. Task thread only.
+
+namespace Quon
+{
+
+/// What the file name of a loadable library ends with on this platform.
+#if defined(_WIN32)
+constexpr const char* dynamicLibrarySuffix = ".dll";
+#elif defined(__APPLE__)
+constexpr const char* dynamicLibrarySuffix = ".dylib";
+#else
+constexpr const char* dynamicLibrarySuffix = ".so";
+#endif
+
+class HARMONET_ENGINE_API DynamicLibrary : public Allocated
+{
+public:
+    /// \p newFolders are looked through first for a name without a folder, in their order.
+    explicit DynamicLibrary(const EngineVector<EngineString>& newFolders);
+    DynamicLibrary(const DynamicLibrary&) = delete;
+    DynamicLibrary& operator=(const DynamicLibrary&) = delete;
+
+    /// Loads the library of that file name, and closes first what the object still holds.
+    ///
+    /// A name without a folder is looked for in the host's driver folders, then beside the engine library,
+    /// then by the rules of the platform's loader; what is there and cannot be loaded is passed over. A name
+    /// with a folder is taken as it stands. False if nothing could be loaded; then the object holds nothing.
+    /// May block on the disk, and runs the code that the library has for its start.
+    virtual bool Open(const char* name);
+
+    /// Unloads the library; does nothing if there is none. No code, object or text of it may be used
+    /// afterwards.
+    virtual void Close();
+
+    /// Stores the address of the symbol, valid until Close(). False, and null stored, if the library has no
+    /// such symbol or none is open.
+    virtual bool GetSymbol(void** address, const char* name);
+
+    /// Closes.
+    virtual ~DynamicLibrary();
+
+private:
+    bool OpenFile(const EngineString& path);
+
+    EngineVector<EngineString> folders;
+    void* handle = nullptr;
+};
+
+} // namespace Quon

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+
+/// What a display can be asked to draw. This engine has no display: the class only holds the place of the
+/// operation that nodes of a drawing engine have.
+
+namespace Quon
+{
+
+class Display;
+
+class HARMONET_ENGINE_API Element : public Allocated
+{
+public:
+    Element() = default;
+    Element(const Element&) = default;
+    Element& operator=(const Element&) = default;
+    virtual ~Element();
+
+    /// Draws nothing here.
+    virtual void Render(Display* display);
+};
+
+} // namespace Quon

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "harmonet/engine/Export.h"
+
+#include <exception>
+
+/// What the engine throws, and the handler that a host puts around the code that may throw it.
+
+namespace Quon
+{
+
+/// The place and the text are not copied: they must live as long as the exception, as literals do.
+class HARMONET_ENGINE_API Exception : public std::exception
+{
+public:
+    Exception(const char* newFile, int newLine, const char* newMessage);
+    Exception(const Exception&) = default;
+    Exception& operator=(const Exception&) = default;
+    ~Exception() override;
+
+    /// The source file that raised it.
+    const char* GetFile() const { return file; }
+    int GetLine() const { return line; }
+    const char* GetMessage() const { return message; }
+
+    /// The same as GetMessage().
+    const char* what() const noexcept override;
+
+private:
+    const char* file;
+    int line;
+    const char* message;
+};
+
+/// A file could not tell what it was asked.
+class HARMONET_ENGINE_API FileEx : public Exception
+{
+public:
+    using Exception::Exception;
+    FileEx(const FileEx&) = default;
+    FileEx& operator=(const FileEx&) = default;
+    ~FileEx() override;
+};
+
+class HARMONET_ENGINE_API ExceptionHandler
+{
+public:
+    /// What Main() returns when an exception ended the function.
+    static constexpr int failed = -1;
+
+    /// Runs function(argument) and returns its result. An exception that leaves the function ends here: its
+    /// message and place go to the standard error stream, and the result is `failed`. Any thread.
+    static int Main(int (*function)(void*), void* argument);
+};
+
+} // namespace Quon

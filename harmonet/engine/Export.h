@@ -1,0 +1,13 @@
+#pragma once
+
+/// HARMONET_ENGINE_API marks what the host, the sound library and the output drivers may link to of the
+/// engine services.
+#if defined(_WIN32)
+#if defined(HARMONET_BUILDING_ENGINE)
+#define HARMONET_ENGINE_API __declspec(dllexport)
+#else
+#define HARMONET_ENGINE_API __declspec(dllimport)
+#endif
+#else
+#define HARMONET_ENGINE_API __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+
+/// A text that can be changed, owned by whoever holds the object. One thread at a time.
+
+namespace Quon
+{
+
+class HARMONET_ENGINE_API String
+{
+public:
+    /// Empty.
+    String() = default;
+
+    /// Zero-terminated and never null; valid until the text changes.
+    const char* GetText() const { return text.c_str(); }
+
+    /// In bytes, without the zero at the end.
+    unsigned int GetLength() const { return static_cast<unsigned int>(text.size()); }
+
+    /// Inserts \p inserted, which may be part of this string, so that it begins at \p position; a position
+    /// behind the end appends. Null inserts nothing.
+    void Ins(const char* inserted, unsigned int position);
+
+    /// Replaces the text; null makes it empty.
+    void Set(const char* newText);
+
+    void Clear() { text.clear(); }
+
+private:
+    EngineString text;
+};
+
+} // namespace Quon
