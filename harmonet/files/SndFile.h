@@ -6,6 +6,8 @@
 #include "harmonet/files/WaveFormatEx.h"
 #include "harmonet/output/SoundFormat.h"
 
+#include <cstdint>
+
 namespace Quon
 {
 
@@ -77,6 +79,14 @@ public:
     /// Reads all of the sound data into memory and gives the file back; returns the data. Null, and the
     /// reader goes on reading from the file, when the file does not hold as many bytes as it states.
     virtual unsigned char* Load();
+
+protected:
+    /// Copies up to `bytes` bytes of sound data, `position` counting from their first byte, and returns how
+    /// many there were. The position has 32 bits without a sign: a negative one lies beyond 2 GiB. Data in
+    /// memory end with Size(), data in a file with the file.
+    virtual int Read(unsigned char* buffer, int bytes, int position);
+
+public:
     /// Writes up to `samples` sample frames of interleaved PCM in this reader's format to `buffer`, which
     /// must have room for them, moves on by as many as were written and returns their number. Fewer than
     /// asked for means that the data have ended. A caller that wants an exact end asks for no more than the
@@ -121,12 +131,19 @@ public:
     void DeleteQueue(unsigned int soundID, Sound* owner);
 
 protected:
-    /// Copies bytes of sound data, `position` counting from their first byte; returns how many there were.
-    int Read(unsigned char* buffer, int bytes, int position);
+    /// What a size or a position in sound data can be at most: they have 32 bits.
+    static constexpr unsigned long maxDataBytes = 0xFFFFFFFF;
+    /// The length of what lasts longer than 32 bits of milliseconds.
+    static constexpr unsigned long unknownLengthMs = 0xFFFFFFFF;
+
+    /// Lets go of the data without giving anything back or telling anybody: for an open that fails, where all
+    /// that was handed in stays the caller's. `userMemory` stays as it is.
+    void Abandon();
+    /// A count of sample frames as an int; more than an int can hold are cut.
+    static int ClampSamples(std::uint64_t samples);
     /// Milliseconds that `samples` sample frames last at this reader's rate, truncated; 0 without a rate.
     unsigned long CalcLength(int samples) const;
-    /// The base part of the two readings of time: whether `type` is open, and the sums of the interface
-    /// above.
+    /// What the two readings of time give while a file of `type` is open; 0 otherwise.
     unsigned long CalcRemainLength(Snd_FileType type) const;
     unsigned long CalcCurrentLength(Snd_FileType type) const;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/IListNode.h"
 #include "harmonet/engine/PString.h"
 
 namespace Quon
@@ -13,7 +14,7 @@ class SndFileHandle;
 class SndFileCache : public Allocated
 {
 public:
-    SndFileCache();
+    SndFileCache() = default;
     SndFileCache(const SndFileCache&) = delete;
     SndFileCache& operator=(const SndFileCache&) = delete;
     /// As ReleaseAll().
@@ -21,7 +22,8 @@ public:
 
     /// The handle of that file, opened if need be, with one use more; null if it cannot be opened.
     SndFileHandle* Acquire(const PString& substName, const PString& fileName);
-    /// Gives one use back; the last one closes the file. Null is ignored.
+    /// Gives one use back; the last one closes the file. A handle that another list or nobody keeps is closed
+    /// at once. Null is ignored.
     void Release(SndFileHandle* handle);
     /// Closes every file, whatever its uses: for shutdown, after all sounds are gone.
     void ReleaseAll();
@@ -29,8 +31,11 @@ public:
     int GetCount() const { return count; }
 
 private:
-    SndFileHandle* first = nullptr;
-    SndFileHandle* last = nullptr;
+    SndFileHandle* Find(const PString& substName, const PString& fileName);
+    bool Holds(const SndFileHandle& handle) const;
+    void Destroy(SndFileHandle* handle);
+
+    IListNode handles; ///< The files in order of their opening.
     int count = 0;
 };
 

@@ -2,6 +2,7 @@
 
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/File.h"
+#include "harmonet/engine/IListNode.h"
 #include "harmonet/engine/PString.h"
 #include "harmonet/engine/SyncObject.h"
 
@@ -9,9 +10,14 @@ namespace Quon
 {
 
 /// One open file that any number of readers share. Made and counted by SndFileCache, on the task thread.
-class SndFileHandle : public Allocated
+class SndFileHandle : public Allocated, private IListNode
 {
 public:
+    /// Closes the file.
+    ~SndFileHandle();
+    SndFileHandle(const SndFileHandle&) = delete;
+    SndFileHandle& operator=(const SndFileHandle&) = delete;
+
     /// Reads up to `bytes` bytes that stand `offset` bytes from the start of the file, and returns how many
     /// there were; 0 when the file does not reach that far. Safe from several threads at once: a seek and
     /// its read are one step under the handle's mutex.
@@ -28,13 +34,11 @@ private:
 
     SndFileHandle(const PString& newSubstName, const PString& newFileName);
 
-    SndFileHandle* next = nullptr;
-    SndFileHandle* prev = nullptr;
     PString fileName;
     PString substName;
     File file;
     int useCount = 1;
-    Mutex mutex;
+    Mutex mutex; ///< Keeps a seek of `file` and the read behind it together.
 };
 
 } // namespace Quon

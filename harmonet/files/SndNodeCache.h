@@ -42,6 +42,7 @@ private:
     void Insert(SndNode* node);
     void Unlink(SndNode* node);
     SndFile* OpenMiss(const PString& substName, const PString& fileName, SndNode*& node);
+    unsigned long EvictBytes(unsigned long bytes);
 
     SndNode sentinel; ///< Head of the circular list: links to itself when the cache is empty.
     int count = 0;

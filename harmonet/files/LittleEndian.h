@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+namespace Quon
+{
+
+/// Numbers as they stand in wave files, lowest byte first, at any address and on any machine.
+inline std::uint16_t LoadLittle16(const unsigned char* bytes)
+{
+    return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);
+}
+
+inline std::int16_t LoadLittleSigned16(const unsigned char* bytes)
+{
+    return static_cast<std::int16_t>(LoadLittle16(bytes));
+}
+
+inline std::uint32_t LoadLittle32(const unsigned char* bytes)
+{
+    return LoadLittle16(bytes) | static_cast<std::uint32_t>(LoadLittle16(bytes + 2)) << 16;
+}
+
+} // namespace Quon

@@ -1,0 +1,256 @@
+#include "harmonet/files/SndFile.h"
+
+#include "harmonet/files/BufferOwner.h"
+#include "harmonet/files/SndFileCache.h"
+#include "harmonet/files/SndFileHandle.h"
+#include "harmonet/files/SndFileWav.h"
+#include "harmonet/files/SndNode.h"
+#include "harmonet/files/WaveProbe.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+namespace Quon
+{
+
+namespace
+{
+
+/// One use of a shared open file, given back at the end of the scope unless a reader has taken it over.
+class HandleUse
+{
+public:
+    HandleUse(SndFileCache& newCache, SndFileHandle* newHandle)
+        : cache(newCache)
+        , handle(newHandle)
+    {
+    }
+    ~HandleUse() { cache.Release(handle); }
+    HandleUse(const HandleUse&) = delete;
+    HandleUse& operator=(const HandleUse&) = delete;
+
+    SndFileHandle* Get() const { return handle; }
+    void HandOver() { handle = nullptr; }
+
+private:
+    SndFileCache& cache;
+    SndFileHandle* handle;
+};
+
+std::unique_ptr<SndFile> MakeReader(int fileType)
+{
+    switch (fileType) {
+    case SndFile::FileWav:
+        return std::make_unique<SndFileWav>();
+    default:
+        return nullptr;
+    }
+}
+
+} // namespace
+
+SndFileCache* SndFile::sndFileCache = nullptr;
+
+SndFile* SndFile::OpenFile(const PString& substName, const PString& fileName)
+{
+    if (sndFileCache == nullptr)
+        return nullptr;
+    HandleUse use(*sndFileCache, sndFileCache->Acquire(substName, fileName));
+    if (use.Get() == nullptr)
+        return nullptr;
+    std::unique_ptr<SndFile> file = MakeReader(ProbeWave(use.Get()));
+    if (file == nullptr)
+        return nullptr;
+    if (!file->OpenHandle(use.Get())) {
+        file->Abandon();
+        return nullptr;
+    }
+    use.HandOver();
+    return file.release();
+}
+
+SndFile* SndFile::OpenFile(SndNode* node)
+{
+    std::unique_ptr<SndFile> file = MakeReader(node->fileType);
+    if (file == nullptr)
+        return nullptr;
+    if (!file->Open(node)) {
+        file->Abandon();
+        return nullptr;
+    }
+    return file.release();
+}
+
+SndFile* SndFile::OpenFile(void* data, unsigned long size, WaveFormatEx* format)
+{
+    if (ProbeFormat(format) != FileWav)
+        return nullptr;
+    auto file = std::make_unique<SndFileWav>();
+    return file->OpenMemory(data, size, format) ? file.release() : nullptr;
+}
+
+void SndFile::SetSndFileCache(SndFileCache* cache)
+{
+    sndFileCache = cache;
+}
+
+SndFile::SndFile() = default;
+
+SndFile::~SndFile()
+{
+    SndFile::CloseFile(0, nullptr);
+}
+
+bool SndFile::Open(SndNode* newNode)
+{
+    static_cast<SoundFormat&>(*this) = newNode->format;
+    fileType = newNode->fileType;
+    size = newNode->size;
+    data = newNode->data;
+    node = newNode;
+    return true;
+}
+
+void SndFile::CloseFile(unsigned int soundID, Sound* owner)
+{
+    next = nullptr;
+    if (handle != nullptr) {
+        if (sndFileCache != nullptr)
+            sndFileCache->Release(handle);
+        handle = nullptr;
+    }
+    // Everything is cleared before anybody hears of it: a handler may come back to this object.
+    unsigned char* const block = data;
+    SndNode* const usedNode = node;
+    Abandon();
+    if (usedNode != nullptr) {
+        --usedNode->useCount;
+        if (!usedNode->cached && usedNode->useCount < 1)
+            delete usedNode;
+    }
+    else if (!userMemory) {
+        Alloc::Delete(block);
+    }
+    else if (block != nullptr && owner != nullptr) {
+        NotifyBufferFree(*owner, soundID, block);
+    }
+}
+
+void SndFile::Abandon()
+{
+    handle = nullptr;
+    node = nullptr;
+    fileType = FileNone;
+    size = 0;
+    data = nullptr;
+}
+
+unsigned char* SndFile::Load()
+{
+    if (size == 0 || handle == nullptr || data != nullptr)
+        return data;
+    // The size is what the file says of itself: no memory is taken on its word.
+    const std::uint64_t end = std::uint64_t{dataOffset} + size;
+    if (size > static_cast<unsigned long>(std::numeric_limits<int>::max()) || end > handle->GetFile().Size())
+        return nullptr;
+    auto* const block = static_cast<unsigned char*>(Alloc::New(static_cast<unsigned int>(size)));
+    const int bytes = static_cast<int>(size);
+    if (handle->ReadAt(block, bytes, dataOffset) != bytes) {
+        Alloc::Delete(block);
+        return nullptr;
+    }
+    data = block;
+    userMemory = false;
+    if (sndFileCache != nullptr)
+        sndFileCache->Release(handle);
+    handle = nullptr;
+    return data;
+}
+
+int SndFile::Read(unsigned char* buffer, int bytes, int position)
+{
+    if (size == 0 || bytes <= 0)
+        return 0;
+    const std::uint64_t start = static_cast<std::uint32_t>(position);
+    if (data != nullptr) {
+        if (start >= size)
+            return 0;
+        const auto count = std::min<std::uint64_t>(size - start, static_cast<std::uint64_t>(bytes));
+        std::memcpy(buffer, data + start, count);
+        return static_cast<int>(count);
+    }
+    return handle != nullptr ? handle->ReadAt(buffer, bytes, dataOffset + start) : 0;
+}
+
+PString SndFile::GetFileName() const
+{
+    if (node != nullptr)
+        return node->fileName;
+    return handle != nullptr ? handle->GetFileName() : PString();
+}
+
+void SndFile::Add(SndFile* file)
+{
+    SndFile* last = this;
+    while (last->next != nullptr)
+        last = last->next;
+    last->next = file;
+}
+
+int SndFile::GetQueueLength()
+{
+    int length = 0;
+    for (const SndFile* file = next; file != nullptr; file = file->next)
+        ++length;
+    return length;
+}
+
+void SndFile::DeleteQueue(unsigned int soundID, Sound* owner)
+{
+    // The chain is cut off first and turned round: the last file goes first, and what an owner appends in
+    // answer stands behind this file and not behind one that is on its way out.
+    SndFile* reversed = nullptr;
+    while (next != nullptr) {
+        SndFile* const file = next;
+        next = file->next;
+        file->next = reversed;
+        reversed = file;
+    }
+    while (reversed != nullptr) {
+        SndFile* const file = reversed;
+        reversed = file->next;
+        file->CloseFile(soundID, owner);
+        delete file;
+    }
+}
+
+int SndFile::ClampSamples(std::uint64_t samples)
+{
+    return static_cast<int>(std::min<std::uint64_t>(samples, std::numeric_limits<int>::max()));
+}
+
+unsigned long SndFile::CalcLength(int samples) const
+{
+    if (samples <= 0 || sampleFrequency <= 0)
+        return 0;
+    const std::uint64_t lengthMs = static_cast<std::uint64_t>(samples) * 1000 / sampleFrequency;
+    return std::min<std::uint64_t>(lengthMs, unknownLengthMs);
+}
+
+unsigned long SndFile::CalcRemainLength(Snd_FileType type) const
+{
+    if (fileType != type || currentSample >= soundSamples || sampleFrequency <= 0)
+        return 0;
+    const double samples = static_cast<double>(soundSamples) - currentSample;
+    const double lengthMs = samples / sampleFrequency * 1000.0;
+    return static_cast<unsigned long>(std::min<double>(lengthMs, unknownLengthMs));
+}
+
+unsigned long SndFile::CalcCurrentLength(Snd_FileType type) const
+{
+    return fileType == type ? CalcLength(currentSample) : 0;
+}
+
+} // namespace Quon

@@ -1,0 +1,73 @@
+#include "harmonet/files/SndFileCache.h"
+
+#include "harmonet/files/SndFileHandle.h"
+
+#include <memory>
+
+namespace Quon
+{
+
+SndFileCache::~SndFileCache()
+{
+    ReleaseAll();
+}
+
+SndFileHandle* SndFileCache::Acquire(const PString& substName, const PString& fileName)
+{
+    if (SndFileHandle* known = Find(substName, fileName)) {
+        ++known->useCount;
+        return known;
+    }
+    std::unique_ptr<SndFileHandle> opened(new SndFileHandle(substName, fileName));
+    if (!opened->file.Open(substName, fileName.GetText(), File::modeRead).IsOk())
+        return nullptr;
+    opened->LinkBefore(handles);
+    ++count;
+    return opened.release();
+}
+
+void SndFileCache::Release(SndFileHandle* handle)
+{
+    if (handle == nullptr)
+        return;
+    if (!Holds(*handle)) {
+        delete handle;
+        return;
+    }
+    if (--handle->useCount <= 0)
+        Destroy(handle);
+}
+
+void SndFileCache::ReleaseAll()
+{
+    while (handles.IsLinked())
+        Destroy(static_cast<SndFileHandle*>(handles.next));
+}
+
+SndFileHandle* SndFileCache::Find(const PString& substName, const PString& fileName)
+{
+    for (IListNode* node = handles.next; node != &handles; node = node->next) {
+        auto* handle = static_cast<SndFileHandle*>(node);
+        if (handle->fileName == fileName && handle->substName == substName)
+            return handle;
+    }
+    return nullptr;
+}
+
+bool SndFileCache::Holds(const SndFileHandle& handle) const
+{
+    for (const IListNode* node = handles.next; node != &handles; node = node->next) {
+        if (node == &handle)
+            return true;
+    }
+    return false;
+}
+
+void SndFileCache::Destroy(SndFileHandle* handle)
+{
+    handle->Unlink();
+    --count;
+    delete handle;
+}
+
+} // namespace Quon

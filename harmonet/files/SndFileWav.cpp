@@ -1,0 +1,137 @@
+#include "harmonet/files/SndFileWav.h"
+
+#include "harmonet/engine/File.h"
+#include "harmonet/files/RiffWalk.h"
+#include "harmonet/files/SndFileHandle.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace Quon
+{
+
+bool SndFileWav::OpenMemory(void* newData, unsigned long newSize, WaveFormatEx* format)
+{
+    CloseFile(0, nullptr);
+    if (format == nullptr || (newData == nullptr && newSize > 0) || newSize > maxDataBytes ||
+        !TakeFormat(*format))
+        return false;
+    fileType = FileWav;
+    size = newSize;
+    data = static_cast<unsigned char*>(newData);
+    userMemory = true;
+    soundSamples = ClampSamples(size / static_cast<unsigned long>(BytesPerFrame()));
+    soundLength = CalcLength(soundSamples);
+    currentSample = 0;
+    return true;
+}
+
+bool SndFileWav::Open(SndNode* newNode)
+{
+    SndFile::Open(newNode);
+    if (fileType != FileWav || BytesPerFrame() <= 0 || sampleFrequency <= 0) {
+        Abandon();
+        return false;
+    }
+    currentSample = 0;
+    soundLength = CalcLength(soundSamples);
+    return true;
+}
+
+bool SndFileWav::OpenHandle(SndFileHandle* newHandle)
+{
+    CloseFile(0, nullptr);
+    if (!newHandle->GetFile().IsOpen())
+        return false;
+    const unsigned long fileBytes = newHandle->GetFile().Size();
+    handle = newHandle;
+    size = fileBytes;
+    if (!ParseWave()) {
+        Abandon();
+        return false;
+    }
+    currentSample = 0;
+    return true;
+}
+
+bool SndFileWav::ParseWave()
+{
+    fileType = FileNone;
+    const WaveData found = FindWaveData(*handle, [this](RiffWalk& walk) {
+        if (walk.GetSize() < RiffWalk::minFormatBytes || walk.GetSize() > RiffWalk::maxFormatBytes ||
+            !TakeFormat(walk.ReadFormat()))
+            return false;
+        fileType = FileWav;
+        return true;
+    });
+    dataOffset = found.offset;
+    if (dataOffset == 0 || fileType != FileWav) {
+        fileType = FileNone;
+        return false;
+    }
+    size = found.bytes;
+    soundSamples = ClampSamples(found.LimitSamples(size / static_cast<unsigned long>(BytesPerFrame())));
+    soundLength = CalcLength(soundSamples);
+    return true;
+}
+
+bool SndFileWav::TakeFormat(const WaveFormatEx& format)
+{
+    constexpr auto maxRateHz = static_cast<std::uint32_t>(std::numeric_limits<int>::max());
+    if (format.formatTag != waveTagPcm || format.channels == 0 || format.bitsPerSample < 8 ||
+        format.samplesPerSecond == 0 || format.samplesPerSecond > maxRateHz)
+        return false;
+    bytesPerSample = format.bitsPerSample / 8;
+    sampleFrequency = static_cast<int>(format.samplesPerSecond);
+    channels = format.channels;
+    return true;
+}
+
+void* SndFileWav::CreateNodeInfo()
+{
+    return nullptr;
+}
+
+int SndFileWav::ReadSamples(unsigned char* buffer, int samples)
+{
+    const int frameBytes = BytesPerFrame();
+    if (fileType != FileWav || samples <= 0)
+        return 0;
+    const std::uint64_t position = static_cast<std::uint64_t>(frameBytes) * currentSample;
+    if (position > maxDataBytes)
+        return 0;
+    const int wanted = std::min(samples, std::numeric_limits<int>::max() / frameBytes);
+    const int got = Read(buffer, frameBytes * wanted, static_cast<int>(position)) / frameBytes;
+    if (got > 0)
+        currentSample += got;
+    return got;
+}
+
+int SndFileWav::SkipSamples(int samples)
+{
+    if (fileType != FileWav)
+        return 0;
+    const std::int64_t framesInData = static_cast<std::int64_t>(size) / BytesPerFrame();
+    const std::int64_t end = std::min<std::int64_t>(soundSamples, framesInData);
+    const int skipped = static_cast<int>(
+        std::clamp<std::int64_t>(samples, 0, std::max<std::int64_t>(end - currentSample, 0)));
+    currentSample += skipped;
+    return skipped;
+}
+
+void SndFileWav::Rewind()
+{
+    currentSample = 0;
+}
+
+unsigned long SndFileWav::GetRemainLength()
+{
+    return CalcRemainLength(FileWav);
+}
+
+unsigned long SndFileWav::GetCurrentLength()
+{
+    return CalcCurrentLength(FileWav);
+}
+
+} // namespace Quon

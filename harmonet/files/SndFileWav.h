@@ -1,0 +1,36 @@
+#pragma once
+
+#include "harmonet/files/SndFile.h"
+
+namespace Quon
+{
+
+/// The reader of PCM: wave files, and blocks of bare samples in the caller's memory. It hands out the samples
+/// as they are stored, of any width that is a whole number of bytes. Ownership and threads as for every
+/// SndFile.
+///
+/// A file or format with zero channels, a rate of 0 or of 2^31 Hz and more, or fewer than 8 bits per sample
+/// is refused. More sample frames than an int can count are cut to that number.
+class HARMONET_API SndFileWav : public SndFile
+{
+public:
+    /// Also refuses a null block with a size above 0, and blocks of 4 GiB and more.
+    bool OpenMemory(void* newData, unsigned long newSize, WaveFormatEx* format) override;
+    bool Open(SndNode* newNode) override;
+    bool OpenHandle(SndFileHandle* newHandle) override;
+    /// Null: the format in the node says all there is to say.
+    void* CreateNodeInfo() override;
+    int ReadSamples(unsigned char* buffer, int samples) override;
+    /// Touches neither the file nor a buffer: a file that is shorter than it states is not noticed here.
+    int SkipSamples(int samples) override;
+    void Rewind() override;
+    unsigned long GetRemainLength() override;
+    unsigned long GetCurrentLength() override;
+
+private:
+    bool ParseWave();
+    bool TakeFormat(const WaveFormatEx& format);
+    int BytesPerFrame() const { return bytesPerSample * channels; }
+};
+
+} // namespace Quon

@@ -1,0 +1,12 @@
+#include "harmonet/files/SndNode.h"
+
+namespace Quon
+{
+
+SndNode::~SndNode()
+{
+    Alloc::Delete(data);
+    Alloc::Delete(nodeInfo);
+}
+
+} // namespace Quon
