@@ -1,0 +1,52 @@
+#pragma once
+
+#include "harmonet/output/SndChannel.h"
+
+#include <cstdint>
+
+namespace Quon
+{
+
+class SoundFormat;
+
+/// The lowest and the highest playback rate that a channel takes, in Hz.
+inline constexpr unsigned long minRateHz = 100;
+inline constexpr unsigned long maxRateHz = 100000;
+
+/// The part of a channel that is the same in every driver: the places that nobody calls, and the answer "ask
+/// the sound" to every question for the live values of an effect. A driver that applies an effect overrides
+/// its getter. Task thread only.
+class DriverChannel : public SndChannel
+{
+public:
+    void Spare1() override {}
+    void Spare2() override {}
+    void Spare3() override {}
+
+    bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties*) override { return false; }
+    bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties*) override { return false; }
+    bool GetFXEnvReverbListenerProperties(FXEnvReverb*) override { return false; }
+    bool GetFXChorus(FXChorus*) override { return false; }
+    bool GetFXFlanger(FXFlanger*) override { return false; }
+    bool GetFXEcho(FXEcho*) override { return false; }
+    bool GetFXDistortion(FXDistortion*) override { return false; }
+    bool GetFXCompressor(FXCompressor*) override { return false; }
+    bool GetFXParamEq(FXParamEq*) override { return false; }
+    bool GetFXGargle(FXGargle*) override { return false; }
+    bool GetFXWavesReverb(FXWavesReverb*) override { return false; }
+};
+
+/// Whether a driver takes sound data of this form: 1 to 4 bytes per sample, 1 to 64 channels, a rate of 1 to
+/// 768 000 Hz. Anything else comes from a broken or hostile file and gets no channel.
+bool IsPlayable(const SoundFormat& format);
+
+/// Whether SetFrequency() takes this rate; 0 stands for the file's own.
+inline bool IsRateAccepted(unsigned long hz)
+{
+    return hz == 0 || (hz >= minRateHz && hz <= maxRateHz);
+}
+
+/// The time that `sampleFrames` last at `rateHz`, in milliseconds, truncated; 0 without a rate or frames.
+unsigned long ToMilliseconds(std::int64_t sampleFrames, int rateHz);
+
+} // namespace Quon

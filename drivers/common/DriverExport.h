@@ -1,0 +1,8 @@
+#pragma once
+
+/// HARMONET_DRIVER_EXPORT marks the one function that an output driver's library shows: CreateSoundDriver.
+#if defined(_WIN32)
+#define HARMONET_DRIVER_EXPORT extern "C" __declspec(dllexport)
+#else
+#define HARMONET_DRIVER_EXPORT extern "C" __attribute__((visibility("default")))
+#endif

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+
+#include <cstdint>
+
+namespace Quon
+{
+
+class SndFile;
+
+/// One step of a channel from a file of its queue to the next.
+struct FileStep
+{
+    SndFile* oldFile;
+    SndFile* newFile;
+    std::int64_t position; ///< Sample frames of the channel's stream that stand before the new file's first.
+};
+
+/// The steps that a channel has taken and the library has not been told of yet, oldest first.
+///
+/// A driver reads ahead: it steps to the next file when it reads from it and reports the step when it is
+/// heard. In between the old file still belongs to the sound. Owned by a channel; whoever shares it brings
+/// the lock. Allocates only when more steps are outstanding than ever before.
+class FileSteps
+{
+public:
+    bool IsEmpty() const { return steps.empty(); }
+    const FileStep& GetOldest() const { return steps.front(); }
+    void Add(const FileStep& step) { steps.push_back(step); }
+    void DropOldest() { steps.erase(steps.begin()); }
+    void Clear() { steps.clear(); }
+
+    /// Where the channel's `sndFile` has to stand when the channel is given back, so that the library finds
+    /// the whole chain behind it: the file that was left by the oldest step, or `current` if there is none.
+    SndFile* GetOldestFile(SndFile* current) const;
+
+private:
+    EngineVector<FileStep> steps;
+};
+
+} // namespace Quon

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "drivers/common/DriverChannel.h"
+#include "drivers/common/FileSteps.h"
+#include "drivers/common/QueueReader.h"
+#include "drivers/common/SampleClock.h"
+#include "harmonet/output/SndDriver.h"
+
+#include <span>
+
+namespace Quon
+{
+
+/// A voice that nobody hears: it reads its file at the rate of the sound, in time with the updates, and
+/// throws the PCM away. Owned by the NullDriver, used again and again; task thread only.
+///
+/// It reads nothing ahead, so its file stands exactly where a listener would be. A step to the next file is
+/// due as soon as the last sample frame of the old one has been read. Gain, position and the like have no
+/// effect and are not kept. Every channel can change its rate.
+class NullChannel final : public DriverChannel
+{
+public:
+    void Play() override;
+    void Stop() override;
+    /// The sound of a fade-in is the same as without one.
+    void FadeIn(int) override {}
+    /// A time of 0 or less ends the channel at the next EndUpdate().
+    void FadeOut(int ms) override;
+    unsigned long GetRemainLength() override;
+    void SetGain(float) override {}
+    void SetPosition(const Vector3&) override {}
+    void SetMinMaxDistance(float, float, bool) override {}
+    void SetCone(float, float, float) override {}
+    void SetDirection(const Vector3&) override {}
+    /// Takes 100 to 100 000 Hz, and 0 for the file's own rate.
+    bool SetFrequency(unsigned long hz) override;
+    unsigned long GetFrequency() override;
+
+    bool IsFree() const { return state == State::Free; }
+
+    /// Makes a free channel ready to play `file`.
+    void Prepare(unsigned int flags, SndFile* file);
+
+    /// Plays on for `elapsedMs`. `scratch` takes the PCM that is read.
+    void Advance(std::uint32_t elapsedMs, std::span<unsigned char> scratch);
+
+    /// Gives the oldest step to another file that has not been reported. After true the step counts as
+    /// reported, so the event has to follow at once.
+    bool TakeChange(SndFileChange& change);
+
+    /// Whether the channel has come to its end. After true it waits for Release(), which has to follow the
+    /// event.
+    bool TakeEnd();
+    void Release();
+
+private:
+    enum class State
+    {
+        Free,
+        Ready, ///< Made, but not yet told to play.
+        Playing,
+        Ending ///< The end is being reported.
+    };
+
+    int GetPassLength() const;
+    void Pull(std::uint64_t sampleFrames, std::span<unsigned char> scratch);
+
+    State state = State::Free;
+    bool looping = false;
+    QueueReader reader;
+    FileSteps steps;
+    SampleClock clock;
+    unsigned long wantedHz = 0; ///< 0: the file's own rate.
+    bool fading = false;
+    std::uint32_t fadeLeftMs = 0;
+};
+
+} // namespace Quon

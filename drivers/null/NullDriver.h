@@ -1,0 +1,57 @@
+#pragma once
+
+#include "drivers/null/NullChannel.h"
+#include "harmonet/output/SndDriver.h"
+
+#include <array>
+#include <memory>
+
+namespace Quon
+{
+
+/// An output that makes no sound and takes no time of its own: its clock is the time that BeginUpdate() is
+/// given. For servers without sound and for tests: the same files, calls and times give the same reads and
+/// the same events, always. It needs no thread and no device. Task thread only.
+///
+/// BeginUpdate() plays all channels on; EndUpdate() reports, first all changes of file and then all ends,
+/// each in the order of the channels, of which a new sound takes the first free one. A sound whose data have
+/// run out and are appended to in between goes on instead of ending.
+///
+/// Channels are made when they are first needed, up to the number of SetMaxChannels(), and kept. Before that
+/// call there are none. It has no effects, and no capability.
+class NullDriver final : public SndDriver
+{
+public:
+    bool Open(OS* os, const SoundFormat* format, int streamLength, bool driverFlag) override;
+    void SetCallback(SndDriverCallback newCallback, void* newUser) override;
+    void SetMaxChannels(int count) override;
+    /// Times of 2^32 ms and more count as the largest below.
+    void BeginUpdate(unsigned long elapsedMs) override;
+    void EndUpdate() override;
+    bool GetCaps(SoundCaps& caps) override;
+    void SetMainGain(float gain) override;
+    float GetMainGain() override { return mainGain; }
+    void SetListenerPosition(const Vector3&) override {}
+    void SetListenerOrientation(const Vector3&, const Vector3&) override {}
+    void Spare1() override {}
+    void SetRolloffFactor(float factor) override;
+    float GetRolloffFactor() override { return rolloffFactor; }
+    bool SetFXEnvReverb(const FXEnvReverb*, long, unsigned int) override { return false; }
+    void ResetFXEnvReverb(unsigned int) override {}
+    /// Null beyond the number of channels, and for a file of no playable format.
+    SndChannel* CreateChannel(unsigned int flags, SndFile* file, SndFXList fx) override;
+
+private:
+    NullChannel* FindFree();
+    void Report(int event, void* data);
+
+    SndDriverCallback callback = nullptr;
+    void* user = nullptr;
+    std::size_t maxChannels = 0;
+    EngineVector<std::unique_ptr<NullChannel>> channels;
+    float mainGain = 1.0f;
+    float rolloffFactor = 1.0f;
+    std::array<unsigned char, 16384> scratch;
+};
+
+} // namespace Quon
