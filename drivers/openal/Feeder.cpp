@@ -1,0 +1,95 @@
+#include "drivers/openal/Feeder.h"
+
+#include "drivers/openal/OutputDevice.h"
+#include "drivers/openal/VoicePool.h"
+
+#include <algorithm>
+#include <chrono>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr std::chrono::milliseconds roundTime{10};
+constexpr int minReadAheadMs = 80;
+constexpr int maxReadAheadMs = 200;
+constexpr int blocksAhead = 5;
+static_assert(blocksAhead < Voice::bufferCount);
+
+// The last block goes in when the first of them has been heard.
+ReadAhead MakeReadAhead(int readAheadMs)
+{
+    const std::int64_t whole = std::int64_t{std::clamp(readAheadMs, minReadAheadMs, maxReadAheadMs)} * 1000;
+    const std::int64_t block = whole / blocksAhead;
+    return {whole - block, block, block};
+}
+
+} // namespace
+
+Feeder::Feeder(const OutputDevice& outputDevice, VoicePool& voicePool, int readAheadMs)
+    : device(outputDevice)
+    , voices(voicePool)
+    , readAhead(MakeReadAhead(readAheadMs))
+{
+}
+
+Feeder::~Feeder()
+{
+    Stop();
+}
+
+void Feeder::Start(Channels allChannels)
+{
+    channels = allChannels;
+    thread = std::thread([this] { Run(); });
+}
+
+void Feeder::Stop()
+{
+    {
+        const std::scoped_lock lock(mutex);
+        isEnding = true;
+    }
+    wake.notify_one();
+    if (thread.joinable()) {
+        thread.join();
+    }
+}
+
+void Feeder::Wake()
+{
+    {
+        const std::scoped_lock lock(mutex);
+        isWoken = true;
+    }
+    wake.notify_one();
+}
+
+void Feeder::Run()
+{
+    const ContextScope scope(device);
+    while (WaitForRound()) {
+        Round();
+    }
+}
+
+// False when the thread is to end.
+bool Feeder::WaitForRound()
+{
+    std::unique_lock lock(mutex);
+    wake.wait_for(lock, roundTime, [this] { return isWoken || isEnding; });
+    isWoken = false;
+    return !isEnding;
+}
+
+void Feeder::Round()
+{
+    for (const auto& channel : channels) {
+        channel->Pump(readAhead, device.GetTime(), false);
+    }
+    voices.Reap();
+}
+
+} // namespace Quon

@@ -1,0 +1,64 @@
+#include "drivers/openal/OfflineRenderer.h"
+
+#include "drivers/openal/OutputDevice.h"
+#include "drivers/openal/VoicePool.h"
+
+#include <algorithm>
+
+namespace Quon
+{
+
+namespace
+{
+constexpr std::int64_t microsecondsPerSecond = 1000000;
+constexpr std::int64_t fallMicroseconds = 5000;
+constexpr int blocksPerSecond = 100;
+constexpr int fallsPerSecond = 200;
+constexpr std::size_t channelsOut = 2;
+} // namespace
+
+OfflineRenderer::OfflineRenderer(OutputDevice& outputDevice, VoicePool& voicePool)
+    : device(outputDevice)
+    , voices(voicePool)
+{
+}
+
+bool OfflineRenderer::Open(const char* path, int rateHz)
+{
+    rate = rateHz;
+    block.reserve(static_cast<std::size_t>(rateHz / blocksPerSecond) * channelsOut);
+    return sink.Open(path, rateHz);
+}
+
+void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
+{
+    std::uint64_t left = clock.Advance(elapsedMs, static_cast<std::uint32_t>(rate));
+    while (left > 0) {
+        voices.Reap();
+        const auto largest =
+            static_cast<std::uint64_t>(rate / (voices.IsAnyFading() ? fallsPerSecond : blocksPerSecond));
+        // Even blocks: one of a few sample frames would be no time for a change of gain.
+        const std::uint64_t blocks = (left + largest - 1) / largest;
+        const std::uint64_t sampleFrames = (left + blocks - 1) / blocks;
+        RenderBlock(static_cast<int>(sampleFrames), channels);
+        left -= sampleFrames;
+    }
+    voices.Reap();
+    sink.Commit();
+}
+
+void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)
+{
+    // Rounded up, or a block could be one sample frame short.
+    const std::int64_t blockMicroseconds = (sampleFrames * microsecondsPerSecond + rate - 1) / rate;
+    const ReadAhead ahead = {
+        blockMicroseconds + fallMicroseconds, fallMicroseconds, 2 * (blockMicroseconds + fallMicroseconds)};
+    for (const auto& channel : channels) {
+        channel->Pump(ahead, device.GetTime() + sampleFrames, true);
+    }
+    block.resize(static_cast<std::size_t>(sampleFrames) * channelsOut);
+    device.Render(block.data(), sampleFrames);
+    sink.Write(block);
+}
+
+} // namespace Quon

@@ -1,0 +1,163 @@
+#pragma once
+
+#include "drivers/common/DriverChannel.h"
+#include "drivers/openal/PcmFeed.h"
+#include "drivers/openal/Placement.h"
+#include "harmonet/output/SndDriver.h"
+
+#include <atomic>
+#include <mutex>
+
+namespace Quon
+{
+
+class Feeder;
+class OutputDevice;
+class Voice;
+class VoicePool;
+
+/// How far a channel is to read ahead of what is heard, in microseconds.
+struct ReadAhead
+{
+    std::int64_t target; ///< Blocks are queued until that much is ahead.
+    std::int64_t minBlock; ///< And each is at least that long,
+    std::int64_t maxBlock; ///< and at most that.
+};
+
+/// The listener, as far as channels have to know of it. Task thread only.
+struct Listener
+{
+    Vector3 position;
+    float rolloffFactor = 1.0f;
+};
+
+/// What a channel uses of its driver. All of it outlives the channel.
+struct ChannelServices
+{
+    OutputDevice& device;
+    VoicePool& voices;
+    const Listener& listener;
+    Feeder* feeder; ///< Null when the output is rendered by call.
+};
+
+/// One sound on the OpenAL output. Owned by the driver, in a fixed number, and used again and again.
+///
+/// The task thread makes all calls; beside it one thread pumps: it reads from the file, queues what it has
+/// read and carries out fades, with Pump(). Three kinds of members follow from that. Those of the task thread
+/// alone need no lock. Those of reading are under the channel's lock, which is held while a file is read.
+/// Those of the output are under `outputMutex`, which is not, so that setting a gain or asking for the
+/// remaining time never waits for the disk. The channel's lock is taken before the mutex.
+///
+/// A step to the next file is reported when the last sample frame before it has been heard. Stop() and the
+/// end of a fade set `sndFile` back to the oldest file that has not been reported as left, so that whoever
+/// owns the chain finds all of it. Both let the sound fall silent over the next block that is mixed, out of
+/// what is queued already.
+class OpenALChannel final : public DriverChannel
+{
+public:
+    explicit OpenALChannel(const ChannelServices& channelServices);
+
+    void Play() override;
+    /// Waits for a read that is going on, and for nothing else.
+    void Stop() override;
+    void FadeIn(int ms) override;
+    /// A time of 0 or less ends the channel at the next update.
+    void FadeOut(int ms) override;
+    /// Counts by what has been handed to the device, which is some milliseconds ahead of the ear.
+    unsigned long GetRemainLength() override;
+    /// Held to 0.0 to 1.0; what is no number is ignored.
+    void SetGain(float newGain) override;
+    /// These are ignored on a channel that is not positional, and so are values that are no numbers.
+    void SetPosition(const Vector3& newPosition) override;
+    void SetMinMaxDistance(float minDistance, float maxDistance, bool cutout) override;
+    void SetCone(float innerAngle, float outerAngle, float outerGain) override;
+    void SetDirection(const Vector3& direction) override;
+    /// Takes 100 to 100 000 Hz, and 0 for the file's own rate, on every channel; heard in all that is queued.
+    bool SetFrequency(unsigned long hz) override;
+    unsigned long GetFrequency() override;
+
+    // For the driver, on the task thread.
+
+    bool IsFree() const { return state == State::Free; }
+
+    /// Makes a free channel ready to play `file`. False, and it stays free, if there is no voice for it.
+    bool Prepare(unsigned int flags, SndFile* file);
+
+    /// Follows a change of the listener's position or of the rolloff factor.
+    void OnListenerMoved();
+    void OnRolloffChanged();
+
+    /// Gives the oldest step to another file that has been heard and not reported. After true the step counts
+    /// as reported, so the event has to follow at once.
+    bool TakeChange(SndFileChange& change);
+
+    /// Whether the channel has come to its end. After true it waits for Release(), which has to follow the
+    /// event.
+    bool TakeEnd();
+    void Release() { state = State::Free; }
+
+    // For the thread that pumps.
+
+    /// Reads and queues what is missing, plays on, and sets the level of a fade to what it is to be at `time`
+    /// on the device's clock. If `mayWait` is false and the channel's lock is taken, it does nothing this
+    /// time.
+    void Pump(const ReadAhead& ahead, std::int64_t time, bool mayWait);
+
+private:
+    enum class State
+    {
+        Free,
+        Ready, ///< Made, but not yet told to play.
+        Playing,
+        Ending ///< The end is being reported.
+    };
+
+    /// The next block: how many sample frames, and at what rate they will be heard.
+    struct Wanted
+    {
+        int sampleFrames;
+        double speedHz;
+    };
+
+    void PumpRound(const ReadAhead& ahead, std::int64_t time);
+    void StartRound(std::int64_t time);
+    Wanted CountWanted(const ReadAhead& ahead);
+    void QueueBlock(int sampleFrames, bool ranDry);
+    void UpdateFileEnd();
+    double GetSpeedHz() const;
+    void ApplyGain(std::int64_t time);
+    void ApplySpeed();
+    void UpdateCutOut();
+    void GiveBackVoice();
+    void WakeFeeder();
+
+    ChannelServices services;
+
+    // Task thread only.
+    State state = State::Free;
+    bool positional = false;
+    Vector3 position;
+    DistanceRange range;
+    Cone cone;
+
+    // Under the channel's lock.
+    PcmFeed feed;
+
+    /// Whether there is anything to pump. Tells the pumping thread which channels it can pass over; what it
+    /// then finds it looks at again under the lock.
+    std::atomic<bool> isPumped = false;
+
+    std::mutex outputMutex; ///< Guards all that follows.
+    Voice* voice = nullptr; ///< Present in every state but Free and Ending.
+    FileSteps steps;
+    std::int64_t fileEnd = 0; ///< Where the file that is read now ends, in sample frames of the stream.
+    int passLength = 0; ///< Sample frames of a loop; 0 without one.
+    int fileRateHz = 0; ///< Of all that is queued.
+    unsigned long wantedHz = 0; ///< 0: the file's own rate.
+    bool isDry = false; ///< The last look at the queue found nothing to read.
+    float gain = 1.0f;
+    bool isCutOut = false;
+    Fall fadeOut;
+};
+
+} // namespace Quon

@@ -1,0 +1,210 @@
+#include "drivers/openal/OpenALDriver.h"
+
+#include "harmonet/definitions/SndFXList.h"
+#include "harmonet/engine/OS.h"
+#include "harmonet/engine/String.h"
+#include "harmonet/files/SndFile.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr const char* renderOption = "OpenALRender";
+constexpr int outputChannels = 2;
+constexpr int readAheadParts = 5;
+constexpr int maxDriverChannels = 512;
+
+bool GetRenderPath(const OS* os, String& path)
+{
+    Options* const options = os ? os->GetOptions() : nullptr;
+    if (!options) {
+        return false;
+    }
+    // A path can hold anything but the end of a line.
+    options->SetSeperators(renderOption, "\n");
+    return options->GetNext(renderOption, path);
+}
+
+} // namespace
+
+OpenALDriver::~OpenALDriver()
+{
+    feeder.reset();
+    if (!channels.empty()) {
+        const ContextScope scope(device);
+        voices.Clear();
+    }
+}
+
+bool OpenALDriver::Open(OS* os, const SoundFormat* format, int streamLength, bool)
+{
+    if (!format || format->GetChannels() != outputChannels || format->GetSampleFrequency() <= 0) {
+        return false;
+    }
+    String path;
+    return GetRenderPath(os, path) ? OpenRendered(path.GetText(), format->GetSampleFrequency())
+                                   : OpenLive(format->GetSampleFrequency(), streamLength);
+}
+
+bool OpenALDriver::OpenRendered(const char* path, int rateHz)
+{
+    if (!device.OpenLoopback(rateHz)) {
+        return false;
+    }
+    renderer = std::make_unique<OfflineRenderer>(device, voices);
+    return renderer->Open(path, rateHz);
+}
+
+bool OpenALDriver::OpenLive(int rateHz, int streamLength)
+{
+    if (!device.OpenLive(rateHz)) {
+        return false;
+    }
+    feeder = std::make_unique<Feeder>(device, voices, streamLength / readAheadParts);
+    return true;
+}
+
+void OpenALDriver::SetCallback(SndDriverCallback newCallback, void* newUser)
+{
+    callback = newCallback;
+    user = newUser;
+}
+
+void OpenALDriver::SetMaxChannels(int count)
+{
+    const int wanted = std::clamp(count, 0, maxDriverChannels);
+    if (!channels.empty() || wanted == 0) {
+        return;
+    }
+    const ContextScope scope(device);
+    const int available = std::min(voices.Build(2 * wanted), wanted);
+    for (int i = 0; i < available; ++i) {
+        channels.push_back(
+            std::make_unique<OpenALChannel>(ChannelServices{device, voices, listener, feeder.get()}));
+    }
+    if (feeder) {
+        feeder->Start(channels);
+    }
+}
+
+void OpenALDriver::BeginUpdate(unsigned long elapsedMs)
+{
+    if (renderer) {
+        const ContextScope scope(device);
+        const auto ms = std::min<unsigned long>(elapsedMs, std::numeric_limits<std::uint32_t>::max());
+        renderer->Render(static_cast<std::uint32_t>(ms), channels);
+    }
+    ReportEvents();
+    const ContextScope scope(device);
+    voices.SetDeferred(true);
+    device.DeferUpdates();
+    isDeferring = true;
+}
+
+void OpenALDriver::EndUpdate()
+{
+    if (!isDeferring) {
+        return;
+    }
+    const ContextScope scope(device);
+    device.ProcessUpdates();
+    voices.SetDeferred(false);
+    isDeferring = false;
+}
+
+// A callback may stop channels and start new ones, so each channel is looked at as it is when its turn comes.
+// No lock is held meanwhile, and no context of ours is current.
+void OpenALDriver::ReportEvents()
+{
+    for (const auto& channel : channels) {
+        SndFileChange change;
+        while (channel->TakeChange(change)) {
+            Report(SndFileChanged, &change);
+        }
+    }
+    for (const auto& channel : channels) {
+        if (channel->TakeEnd()) {
+            Report(SndChannelEnded, static_cast<SndChannel*>(channel.get()));
+            channel->Release();
+        }
+    }
+}
+
+void OpenALDriver::Report(int event, void* data)
+{
+    if (callback) {
+        callback(event, data, user);
+    }
+}
+
+bool OpenALDriver::GetCaps(SoundCaps& caps)
+{
+    caps.SetFlags(0);
+    return true;
+}
+
+void OpenALDriver::SetMainGain(float gain)
+{
+    if (std::isnan(gain)) {
+        return;
+    }
+    mainGain = std::clamp(gain, 0.0f, 1.0f);
+    const ContextScope scope(device);
+    device.SetMainGain(mainGain);
+}
+
+void OpenALDriver::SetListenerPosition(const Vector3& position)
+{
+    if (!TakePosition(position, listener.position)) {
+        return;
+    }
+    const ContextScope scope(device);
+    device.SetListenerPosition(listener.position);
+    for (const auto& channel : channels) {
+        channel->OnListenerMoved();
+    }
+}
+
+void OpenALDriver::SetListenerOrientation(const Vector3& front, const Vector3& top)
+{
+    Vector3 newFront;
+    Vector3 newTop;
+    if (!TakePosition(front, newFront) || !TakePosition(top, newTop)) {
+        return;
+    }
+    const ContextScope scope(device);
+    device.SetListenerOrientation(newFront, newTop);
+}
+
+void OpenALDriver::SetRolloffFactor(float factor)
+{
+    if (std::isnan(factor)) {
+        return;
+    }
+    listener.rolloffFactor = std::clamp(factor, 0.0f, std::numeric_limits<float>::max());
+    const ContextScope scope(device);
+    for (const auto& channel : channels) {
+        channel->OnRolloffChanged();
+    }
+}
+
+SndChannel* OpenALDriver::CreateChannel(unsigned int flags, SndFile* file, SndFXList)
+{
+    if (!file || !IsPlayable(*file)) {
+        return nullptr;
+    }
+    for (const auto& channel : channels) {
+        if (channel->IsFree()) {
+            return channel->Prepare(flags, file) ? channel.get() : nullptr;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace Quon

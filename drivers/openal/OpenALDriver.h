@@ -1,0 +1,76 @@
+#pragma once
+
+#include "drivers/openal/Feeder.h"
+#include "drivers/openal/OfflineRenderer.h"
+#include "drivers/openal/OpenALChannel.h"
+#include "drivers/openal/OutputDevice.h"
+#include "drivers/openal/VoicePool.h"
+
+namespace Quon
+{
+
+/// Output through OpenAL Soft: to the machine's default device, or, if the engine's option "OpenALRender"
+/// names a file (a path of the operating system), into that WAV file of 16 bits and two channels.
+///
+/// *Live.* A thread of the driver reads the sounds' files ahead of what is heard, by a fifth of the option
+/// "StreamLength", held to 80 to 200 ms. Fades go by the time of the machine.
+///
+/// *Rendered.* No thread: BeginUpdate() renders exactly the time it is given, at the rate of the output
+/// format, and everything goes by that time.
+///
+/// BeginUpdate() then reports, first all changes of file and then all ends, in the order of the channels.
+/// What is set between BeginUpdate() and EndUpdate() takes hold together. A sound whose data have run out and
+/// are appended to before its end is reported goes on.
+///
+/// Channels: as many as SetMaxChannels() asks for, or as OpenAL has sources; none before that call. No
+/// effects yet, and so no capability. Coordinates are those of OpenAL: right-handed, the listener looks along
+/// negative Z with Y up. All operations on the task thread. The host may use OpenAL for itself: the process's
+/// context and that of the calling thread are left as they are.
+class OpenALDriver final : public SndDriver
+{
+public:
+    ~OpenALDriver() override;
+
+    /// False without a device that can be opened, or a file that can be written; if `format` is not stereo;
+    /// and for a rate that OpenAL refuses. Nothing here waits for a device to appear.
+    bool Open(OS* os, const SoundFormat* format, int streamLength, bool driverFlag) override;
+    void SetCallback(SndDriverCallback newCallback, void* newUser) override;
+    /// Only the first call counts.
+    void SetMaxChannels(int count) override;
+    /// Times of 2^32 ms and more count as the largest below.
+    void BeginUpdate(unsigned long elapsedMs) override;
+    void EndUpdate() override;
+    bool GetCaps(SoundCaps& caps) override;
+    /// Held to 0.0 to 1.0. Here and below, what is no number is ignored.
+    void SetMainGain(float gain) override;
+    float GetMainGain() override { return mainGain; }
+    void SetListenerPosition(const Vector3& position) override;
+    void SetListenerOrientation(const Vector3& front, const Vector3& top) override;
+    void Spare1() override {}
+    /// Negative factors become 0.
+    void SetRolloffFactor(float factor) override;
+    float GetRolloffFactor() override { return listener.rolloffFactor; }
+    bool SetFXEnvReverb(const FXEnvReverb*, long, unsigned int) override { return false; }
+    void ResetFXEnvReverb(unsigned int) override {}
+    /// Null when no channel is free, and for a file of no playable format.
+    SndChannel* CreateChannel(unsigned int flags, SndFile* file, SndFXList fx) override;
+
+private:
+    bool OpenRendered(const char* path, int rateHz);
+    bool OpenLive(int rateHz, int streamLength);
+    void ReportEvents();
+    void Report(int event, void* data);
+
+    SndDriverCallback callback = nullptr;
+    void* user = nullptr;
+    float mainGain = 1.0f;
+    Listener listener;
+    bool isDeferring = false;
+    OutputDevice device;
+    VoicePool voices{device};
+    EngineVector<std::unique_ptr<OpenALChannel>> channels;
+    std::unique_ptr<OfflineRenderer> renderer; ///< Either this
+    std::unique_ptr<Feeder> feeder; ///< or that, once open. Goes before the channels.
+};
+
+} // namespace Quon

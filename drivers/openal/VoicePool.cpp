@@ -1,0 +1,108 @@
+#include "drivers/openal/VoicePool.h"
+
+#include "drivers/openal/OutputDevice.h"
+
+namespace Quon
+{
+
+namespace
+{
+constexpr std::int64_t notYet = -1;
+}
+
+VoicePool::VoicePool(const OutputDevice& outputDevice)
+    : device(outputDevice)
+{
+}
+
+int VoicePool::Build(int wanted)
+{
+    const std::scoped_lock lock(mutex);
+    while (static_cast<int>(voices.size()) < wanted) {
+        auto voice = std::make_unique<Voice>();
+        if (!voice->Create()) {
+            break;
+        }
+        voices.push_back(std::move(voice));
+    }
+    free.reserve(voices.size());
+    fading.reserve(voices.size());
+    for (const auto& voice : voices) {
+        free.push_back(voice.get());
+    }
+    return static_cast<int>(voices.size());
+}
+
+void VoicePool::Clear()
+{
+    const std::scoped_lock lock(mutex);
+    free.clear();
+    fading.clear();
+    voices.clear();
+}
+
+Voice* VoicePool::Take()
+{
+    const std::scoped_lock lock(mutex);
+    if (free.empty() && !fading.empty()) {
+        Free(fading.front().voice);
+        fading.erase(fading.begin());
+    }
+    if (free.empty()) {
+        return nullptr;
+    }
+    Voice* const voice = free.back();
+    free.pop_back();
+    return voice;
+}
+
+void VoicePool::Retire(Voice* voice)
+{
+    const std::scoped_lock lock(mutex);
+    if (!voice->IsPlaying()) {
+        Free(voice);
+        return;
+    }
+    voice->SetGain(0.0f);
+    fading.push_back({voice, notYet});
+}
+
+void VoicePool::Reap()
+{
+    const std::scoped_lock lock(mutex);
+    if (isDeferred || fading.empty()) {
+        return;
+    }
+    const std::int64_t now = device.GetMixClock();
+    std::size_t kept = 0;
+    for (Fading entry : fading) {
+        entry.since = entry.since == notYet ? now : entry.since;
+        if (now - entry.since >= device.GetSettleTime() || !entry.voice->IsPlaying()) {
+            Free(entry.voice);
+        }
+        else {
+            fading[kept++] = entry;
+        }
+    }
+    fading.resize(kept);
+}
+
+bool VoicePool::IsAnyFading()
+{
+    const std::scoped_lock lock(mutex);
+    return !fading.empty();
+}
+
+void VoicePool::SetDeferred(bool deferred)
+{
+    const std::scoped_lock lock(mutex);
+    isDeferred = deferred;
+}
+
+void VoicePool::Free(Voice* voice)
+{
+    voice->Halt();
+    free.push_back(voice);
+}
+
+} // namespace Quon
