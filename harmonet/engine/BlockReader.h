@@ -49,7 +49,7 @@ namespace Quon
 class HARMONET_ENGINE_API BlockReaderListener
 {
 public:
-    /// A keyword that was ignored, or of which something was left unread.
+    /// A keyword of which something was left unread.
     struct Skipped
     {
         const PString& keyword;
@@ -59,8 +59,8 @@ public:
         int valueCount;
         /// It has a block that nobody entered.
         bool hasBlock;
-        /// Something of it was asked for, be it in vain. False for a keyword that was ignored altogether.
-        bool wasAsked;
+        /// Some value of it was read. False for a keyword that was ignored altogether.
+        bool wasRead;
         /// It stands behind the place where the reading of its block ended. False for one that Next() gave
         /// out.
         bool isBehindEnd;
@@ -137,16 +137,15 @@ private:
     BlockReader(Text& newText, int newDepth);
 
     bool IsCurrent() const;
-    template<class Parse>
-    bool ReadValue(const char* wanted, Parse parse);
+    void LeaveKeyword();
+    void SkipBlock();
 
-    BlockReaderListener* listener = nullptr;
-    /// Owned by the outermost reader, which has made it in Init().
-    std::unique_ptr<Text> ownedText;
-    /// The text that all readers of one tree share; null before Init().
+    /// The text that all readers of one tree share; the outermost one owns it.
     Text* text = nullptr;
+    std::unique_ptr<Text> ownedText;
     /// The reader of the blocks below this one, made once and used for each of them.
     std::unique_ptr<BlockReader> inner;
+    BlockReaderListener* listener = nullptr;
     int depth = 0;
 };
 

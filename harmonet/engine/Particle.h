@@ -97,8 +97,7 @@ protected:
 private:
     /// The node has come to stand elsewhere in the tree.
     void MarkMoved() const;
-    void UpdateGlobal() const;
-    void UpdateGlobalFromParent() const;
+    void UpdateGlobalFrom(const Particle* cleanParent) const;
 
     /// Valid while globalPositionStale is clear.
     mutable Quaternion globalOrientation;

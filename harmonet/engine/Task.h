@@ -42,8 +42,7 @@ public:
     /// For a task that has something to give back while it lives on; this one does nothing.
     virtual void Done();
 
-    /// Does the work. \p seconds have passed since the last call. A task that deletes itself here returns
-    /// UpdateContinue.
+    /// Does the work. \p seconds have passed since the last call.
     virtual UpdateCode Update(float seconds) = 0;
 
     void SetActive(bool newActive) { active = newActive; }

@@ -1,0 +1,102 @@
+#pragma once
+
+#include "harmonet/Export.h"
+#include "harmonet/definitions/SndFXList.h"
+#include "harmonet/engine/PString.h"
+#include "harmonet/engine/Resource.h"
+#include "harmonet/engine/Vector.h"
+
+namespace Quon
+{
+
+class Music;
+class Sound;
+
+/// What a sound is in the resource database: how one sound is to be played, and the name of its file. It
+/// plays nothing and holds no sound data.
+///
+/// This class stands for a plain sound file, with the defaults below; SoundDefResource reads them from a
+/// text. The database owns it. Whoever wants the settings takes a reference, locks, reads, unlocks and
+/// releases; they are valid between lock and unlock. Cannot be copied.
+class HARMONET_API SoundResource : public Resource
+{
+public:
+    SoundResource(const PString& newName, const ResourceDatabase* database);
+    SoundResource(const SoundResource&) = delete;
+    SoundResource& operator=(const SoundResource&) = delete;
+    ~SoundResource() override;
+
+    using Resource::Load;
+    /// Sets the defaults, and `path` as the name of the sound file, which is not opened. Always succeeds.
+    Result Load(const ResourceDatabase* database, char* path) const override;
+    /// The same, through Load().
+    Result LoadTxt(const ResourceDatabase* database, char* path) const override;
+
+    /// Called for a sound or piece of music that has just been set up from this resource, which is locked.
+    /// These do nothing and return true; the result is ignored. A derived resource can act on the new sound.
+    virtual bool ApplySoundSettings(Sound* sound, int soundID) const;
+    virtual bool ApplyMusicSettings(Music* music) const;
+
+    /// The sound is not audible beyond its maximum distance. Default true.
+    bool GetCutout() const { return cutout; }
+    bool GetLooping() const { return looping; }
+    /// The rate can change while the sound plays.
+    bool GetChgFrequency() const { return chgFrequency; }
+    /// The listener's effects do not apply.
+    bool GetDisableMicFX() const { return disableMicFX; }
+    /// Linear. Default 1.0.
+    float GetGain() const { return gain; }
+    /// Degrees. Default 180.0 for both: no cone.
+    float GetInnerConeAngle() const { return innerConeAngle; }
+    float GetOuterConeAngle() const { return outerConeAngle; }
+    /// Linear factor outside the outer cone. Default 1.0.
+    float GetConeGain() const { return coneGain; }
+    /// World units. Defaults 10.0 and 500.0.
+    float GetMinDistance() const { return minDistance; }
+    float GetMaxDistance() const { return maxDistance; }
+    /// Name of the sound file below the folder of GetOwnerName().
+    PString& GetFileName() const { return fileName; }
+    /// Hz; 0, the default, for the file's own rate.
+    int GetFrequency() const { return frequency; }
+    /// Milliseconds before the sound starts.
+    int GetDelay() const { return delay; }
+    const Vector3& GetPosition() const { return position; }
+    /// Additional sources of a sound along a line.
+    int GetNumAddSounds() const { return numAddSounds; }
+    /// Degrees: the least angle between two of its sources, as seen from the listener. Default 45.0.
+    float GetMinAngle() const { return minAngle; }
+    /// The points of the line, owned by the resource; null and 0 for a sound that is none.
+    int GetNumPoints() const { return numPoints; }
+    const Vector3* GetPolyline() const { return polyline; }
+    /// The effects; the block is the resource's.
+    const SndFXList GetFXList() const { return fxList; }
+
+protected:
+    /// Sets the defaults of all settings but the file name and the effects. The points are dropped without
+    /// being freed: that is the caller's affair.
+    virtual void Init() const;
+    /// Frees the points of the line.
+    void FreePolyline() const;
+
+    mutable bool cutout : 1;
+    mutable bool looping : 1;
+    mutable bool chgFrequency : 1;
+    mutable bool disableMicFX : 1;
+    mutable float gain = 1.0F;
+    mutable float innerConeAngle = 180.0F;
+    mutable float outerConeAngle = 180.0F;
+    mutable float coneGain = 1.0F;
+    mutable float minDistance = 10.0F;
+    mutable float maxDistance = 500.0F;
+    mutable PString fileName;
+    mutable int frequency = 0;
+    mutable int delay = 0;
+    mutable Vector3 position;
+    mutable int numAddSounds = 0;
+    mutable float minAngle = 45.0F;
+    mutable int numPoints = 0;
+    mutable Vector3* polyline = nullptr;
+    mutable SndFXList fxList;
+};
+
+} // namespace Quon

@@ -1,0 +1,165 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+
+#include <type_traits>
+#include <utility>
+
+namespace Quon
+{
+
+/// A list of plain entries in a ring of chunks, each with room for `chunkSize` of them.
+///
+/// Appending moves no existing entry, so that a place in the list stays valid while entries are appended.
+/// Empty chunks are freed at once; an empty list owns no memory. Not for several threads.
+template<class T, int chunkSize>
+class ChunkRing
+{
+    static_assert(std::is_trivially_copyable_v<T>);
+
+public:
+    struct Chunk : Allocated
+    {
+        Chunk* next;
+        Chunk* previous;
+        int count;
+        T entries[chunkSize];
+    };
+
+    ChunkRing() = default;
+    ChunkRing(const ChunkRing&) = delete;
+    ChunkRing& operator=(const ChunkRing&) = delete;
+    ~ChunkRing() { Clear(); }
+
+    /// A place in the list: an entry, or behind the last one.
+    class Place
+    {
+    public:
+        bool IsValid() const { return chunk && index < chunk->count; }
+        T& operator*() const { return chunk->entries[index]; }
+        T* operator->() const { return &chunk->entries[index]; }
+
+        /// To the next entry. The count of the chunk is read anew each time, for entries can be appended.
+        void MoveOn()
+        {
+            ++index;
+            SettleAtChunkEnd();
+        }
+
+    private:
+        friend class ChunkRing;
+
+        Place(const ChunkRing& newRing, Chunk* newChunk, int newIndex)
+            : ring(&newRing)
+            , chunk(newChunk)
+            , index(newIndex)
+        {
+        }
+
+        void SettleAtChunkEnd()
+        {
+            if (index >= chunk->count && chunk->next != ring->first) {
+                chunk = chunk->next;
+                index = 0;
+            }
+        }
+
+        const ChunkRing* ring;
+        Chunk* chunk;
+        int index;
+    };
+
+    bool IsEmpty() const { return !first; }
+    Chunk* GetFirst() const { return first; }
+    Place GetBegin() const { return Place(*this, first, 0); }
+
+    /// Appends behind the last entry, in a new chunk if the last one is full.
+    void Append(const T& entry)
+    {
+        if (!first || first->previous->count == chunkSize)
+            AddChunk();
+        Chunk* last = first->previous;
+        last->entries[last->count++] = entry;
+    }
+
+    /// Stores the entry in the first chunk that has room, behind those it holds; returns the chunk.
+    Chunk* AddWhereRoom(const T& entry)
+    {
+        Chunk* chunk = first;
+        while (chunk && chunk->count == chunkSize)
+            chunk = chunk->next != first ? chunk->next : nullptr;
+        if (!chunk)
+            chunk = AddChunk();
+        chunk->entries[chunk->count++] = entry;
+        return chunk;
+    }
+
+    /// Takes the entry out; those behind it in its chunk move forward. The place is then the next entry.
+    void Erase(Place& place)
+    {
+        Chunk* chunk = place.chunk;
+        if (chunk->count == 1) {
+            const bool wasLast = chunk->next == first;
+            Chunk* following = wasLast ? nullptr : chunk->next;
+            RemoveChunk(chunk);
+            place.chunk = following;
+            place.index = 0;
+            return;
+        }
+        for (int i = place.index; i + 1 < chunk->count; ++i)
+            chunk->entries[i] = chunk->entries[i + 1];
+        --chunk->count;
+        place.SettleAtChunkEnd();
+    }
+
+    /// Takes the entry out; the last entry of its chunk moves into its place.
+    void EraseUnordered(const Place& place)
+    {
+        Chunk* chunk = place.chunk;
+        if (chunk->count == 1) {
+            RemoveChunk(chunk);
+            return;
+        }
+        chunk->entries[place.index] = chunk->entries[--chunk->count];
+    }
+
+    void Clear()
+    {
+        while (first)
+            RemoveChunk(first);
+    }
+
+private:
+    Chunk* AddChunk()
+    {
+        auto* chunk = new Chunk;
+        chunk->count = 0;
+        if (!first) {
+            first = chunk->next = chunk->previous = chunk;
+            return chunk;
+        }
+        chunk->next = first;
+        chunk->previous = first->previous;
+        chunk->previous->next = chunk;
+        first->previous = chunk;
+        return chunk;
+    }
+
+    void RemoveChunk(Chunk* chunk)
+    {
+        if (chunk->next == chunk) {
+            first = nullptr;
+        }
+        else {
+            chunk->next->previous = chunk->previous;
+            chunk->previous->next = chunk->next;
+            if (first == chunk)
+                first = chunk->next;
+        }
+        delete chunk;
+    }
+
+    Chunk* first = nullptr;
+};
+
+} // namespace Quon

@@ -1,8 +1,0 @@
-#include "harmonet/engine/ResourceObserver.h"
-
-namespace Quon
-{
-
-ResourceObserver::~ResourceObserver() = default;
-
-} // namespace Quon

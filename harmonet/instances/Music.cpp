@@ -1,0 +1,149 @@
+#include "harmonet/instances/Music.h"
+
+#include "harmonet/definitions/SoundResource.h"
+#include "harmonet/instances/SndBase.h"
+#include "harmonet/instances/TakenResource.h"
+#include "harmonet/kernel/SndKernel.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr int lookupMode = 0;
+constexpr float applyGainAgain = -1.0F;
+
+} // namespace
+
+float SndBase::CalcMusicGain() const
+{
+    const Music* music = GetParentMusic();
+    return (music ? music->GetGain() : 1.0F) * theKernel->GetMainGainMusic() * gain;
+}
+
+Music::~Music()
+{
+    Stop();
+}
+
+SndBase* Music::FindLive() const
+{
+    return soundID > 0 && theKernel ? theKernel->FindSound(soundID) : nullptr;
+}
+
+void Music::Stop()
+{
+    delete FindLive();
+}
+
+bool Music::Play(const PString& name, bool loop)
+{
+    return FadeIn(name, nullptr, 0, loop);
+}
+
+bool Music::Play(const PString& name, const ResourceDatabase* db, bool loop)
+{
+    return FadeIn(name, db, 0, loop);
+}
+
+bool Music::FadeIn(const PString& name, int ms, bool loop)
+{
+    return FadeIn(name, nullptr, ms, loop);
+}
+
+bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool loop)
+{
+    if (!theKernel || !theKernel->AcceptsSounds())
+        return false;
+    SndBase* instance = FindLive();
+    if (instance && instance->GetSndChannel())
+        return false;
+    const bool isNew = !instance;
+    if (isNew)
+        instance = new SndBase(true);
+    else
+        theKernel->GiveUpFile(*instance);
+    instance->ResetFlags(FlagMusic | FlagDistLTMax);
+    if (ms > 0)
+        instance->SetFadeIn(ms);
+    if (loop)
+        instance->SetLooping();
+    if (db ? StartResource(*instance, isNew, name, *db) : StartFile(*instance, isNew, name))
+        return true;
+    soundID = 0;
+    delete instance;
+    return false;
+}
+
+bool Music::StartFile(SndBase& instance, bool isNew, const PString& name)
+{
+    instance.SetFileName(name);
+    Adopt(instance, isNew);
+    instance.SetGain(applyGainAgain);
+    return theKernel->StartMusic(instance);
+}
+
+bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase& db)
+{
+    TakenResource resource(name, db, lookupMode);
+    if (!resource)
+        return false;
+    instance.SetFileName(resource->GetFileName());
+    instance.SetSubstName(resource->GetOwnerName());
+    if (resource->GetLooping())
+        instance.SetLooping();
+    Adopt(instance, isNew);
+    instance.SetGain(resource->GetGain());
+    // Whole: the mask of resource effects is for sound effects.
+    if (resource->GetFXList().GetNumEffects() > 0)
+        instance.SetCopyFXList(resource->GetFXList());
+    resource->ApplyMusicSettings(this);
+    resource.Unlock();
+    return theKernel->StartMusic(instance);
+}
+
+void Music::Adopt(SndBase& instance, bool isNew)
+{
+    soundID = instance.GetSoundID();
+    instance.SetParentMusic(this);
+    if (isNew)
+        theKernel->AddSound(&instance);
+}
+
+bool Music::FadeOut(int ms)
+{
+    SndBase* instance = FindLive();
+    return instance && instance->FadeOut(ms);
+}
+
+bool Music::CrossFade(const PString& name, int ms, bool loop)
+{
+    return CrossFade(name, nullptr, ms, loop);
+}
+
+bool Music::CrossFade(const PString& name, const ResourceDatabase* db, int ms, bool loop)
+{
+    FadeOut(ms);
+    return FadeIn(name, db, ms, loop);
+}
+
+void Music::SetGain(float newGain)
+{
+    if (std::isnan(newGain))
+        return;
+    gain = std::clamp(newGain, 0.0F, 1.0F);
+    if (SndBase* instance = FindLive())
+        instance->SetGain(applyGainAgain);
+}
+
+unsigned long Music::GetRemainLength() const
+{
+    const SndBase* instance = FindLive();
+    return instance ? instance->GetRemainLength() : 0;
+}
+
+} // namespace Quon

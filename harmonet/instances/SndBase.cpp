@@ -1,0 +1,346 @@
+#include "harmonet/instances/SndBase.h"
+
+#include "harmonet/engine/Vector.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/instances/Snd3D.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/SndKernel.h"
+#include "harmonet/output/SndChannel.h"
+#include "harmonet/output/SndDriver.h"
+
+namespace Quon
+{
+
+bool SndBase::useMultiplier = true;
+int SndBase::lastSoundID = 0;
+
+int SndBase::NextSoundID()
+{
+    return theKernel ? ++lastSoundID : 0;
+}
+
+SndBase::SndBase(bool music)
+    : soundID(NextSoundID())
+    , sndFlags(music ? FlagMusic : SndFlags())
+{
+}
+
+SndBase::SndBase(const SndBase& other)
+    : IListNode()
+    , soundID(NextSoundID())
+    , sndFlags(other.sndFlags)
+    , fileName(other.fileName)
+    , substName(other.substName)
+    , soundLength(other.soundLength)
+    , fadeDuration(other.fadeDuration)
+    , gain(other.gain)
+    , priority(other.priority)
+    , delay(other.delay)
+    , newFrequency(other.newFrequency)
+{
+}
+
+SndBase& SndBase::operator=(const SndBase& other)
+{
+    soundID = other.soundID;
+    parent = other.parent;
+    sndFlags = other.sndFlags;
+    fileName = other.fileName;
+    substName = other.substName;
+    sndFile = other.sndFile;
+    startSample = other.startSample;
+    stateTime = other.stateTime;
+    soundLength = other.soundLength;
+    fadeDuration = other.fadeDuration;
+    gain = other.gain;
+    priority = other.priority;
+    distSqr = other.distSqr;
+    multiplier = other.multiplier;
+    delay = other.delay;
+    newFrequency = other.newFrequency;
+    fxList = other.fxList;
+    sndChannel = other.sndChannel;
+    fadeOutChannel = other.fadeOutChannel;
+    return *this;
+}
+
+SndBase::~SndBase()
+{
+    Done();
+}
+
+void SndBase::Done()
+{
+    beingTold = true;
+    NotifyEnd();
+    if (theKernel) {
+        if (sndChannel) {
+            sndChannel->Stop();
+            sndChannel = nullptr;
+        }
+        if (fadeOutChannel)
+            ReleaseFadeOutChannel();
+        theKernel->RemoveSound(this);
+    }
+    SetIsPlaying(false);
+    SndFile* file = sndFile;
+    sndFile = nullptr;
+    CloseAndDelete(file);
+    if (!HasAnyFlag(FlagSharedFXList))
+        fxList.Clear();
+}
+
+void SndBase::NotifyEnd()
+{
+    Sound* group = GetParentSound();
+    if (!group || HasAnyFlag(FlagPolylineSource))
+        return;
+    if (!IsPlaying()) {
+        // An observer always sees a begin before an abort.
+        group->OnSoundBegin(soundID, fileName);
+        group->OnSoundAbort(soundID, fileName, static_cast<int>(static_cast<std::uint32_t>(soundLength)));
+        return;
+    }
+    const std::uint32_t remaining = CalcRemainAtEnd();
+    if (remaining > 0)
+        group->OnSoundAbort(soundID, fileName, static_cast<int>(remaining));
+    else
+        group->OnSoundEnd(soundID, fileName);
+}
+
+std::uint32_t SndBase::CalcRemainAtEnd() const
+{
+    if (IsLooping())
+        return static_cast<std::uint32_t>(unknownLength);
+    std::uint32_t remaining = 0;
+    if (sndChannel)
+        remaining = static_cast<std::uint32_t>(sndChannel->GetRemainLength());
+    else if (sndFile)
+        remaining = static_cast<std::uint32_t>(sndFile->GetRemainLength());
+    return remaining + CalcQueueLength();
+}
+
+// Milliseconds of the files behind the current one.
+std::uint32_t SndBase::CalcQueueLength() const
+{
+    std::uint32_t length = 0;
+    if (!sndFile)
+        return length;
+    for (const SndFile* file = sndFile->GetNext(); file; file = file->GetNext())
+        length += static_cast<std::uint32_t>(file->GetSoundLength());
+    return length;
+}
+
+// What a channel held goes with its queue; blocks of memory are reported to the group.
+void SndBase::CloseAndDelete(SndFile* file)
+{
+    if (!file)
+        return;
+    const auto id = static_cast<unsigned int>(soundID);
+    file->DeleteQueue(id, GetParentSound());
+    file->CloseFile(id, GetParentSound());
+    delete file;
+}
+
+void SndBase::ReleaseFadeOutChannel()
+{
+    SndChannel* channel = fadeOutChannel;
+    fadeOutChannel = nullptr;
+    channel->Stop();
+    SndFile* file = channel->GetSndFile();
+    if (!file)
+        return;
+    channel->SetSndFile(nullptr);
+    Telling telling(*this);
+    CloseAndDelete(file);
+}
+
+void SndBase::Play(SndFile* file)
+{
+    sndFile = file;
+    if (!IsPlaying()) {
+        if (startSample > 0) {
+            const int samples = startSample;
+            startSample = 0;
+            SkipSamples(samples);
+        }
+        SetIsPlaying(true);
+        if (Sound* group = GetParentSound()) {
+            Telling telling(*this);
+            group->OnSoundBegin(soundID, fileName);
+        }
+    }
+    stateTime = 0;
+}
+
+bool SndBase::Emulate()
+{
+    if (sndChannel) {
+        sndChannel->Stop();
+        sndChannel = nullptr;
+    }
+    if (fadeOutChannel)
+        ReleaseFadeOutChannel();
+    stateTime = 0;
+    return IsPolyline() || sndFile;
+}
+
+bool SndBase::FadeOut(int ms)
+{
+    AddFlags(FlagFadeOut);
+    if (!sndChannel) {
+        delete this;
+        return false;
+    }
+    if (fadeOutChannel)
+        ReleaseFadeOutChannel();
+    // The file is the fading channel's before the queue goes, so that a handler that hears of a freed block
+    // finds no queue to append to.
+    SndChannel* channel = sndChannel;
+    fadeOutChannel = channel;
+    sndChannel = nullptr;
+    sndFile = nullptr;
+    {
+        Telling telling(*this);
+        channel->Lock();
+        if (SndFile* file = channel->GetSndFile())
+            file->DeleteQueue(static_cast<unsigned int>(soundID), GetParentSound());
+        channel->Unlock();
+    }
+    channel->FadeOut(ms);
+    return true;
+}
+
+float SndBase::GetOutputGain() const
+{
+    if (!theKernel)
+        return gain;
+    if (IsMusic())
+        return CalcMusicGain();
+    const float groupGain = GetParentSound() ? GetParentSound()->GetGain() : 1.0F;
+    return groupGain * (Is3D() ? theKernel->GetMainGain3D() : theKernel->GetMainGain2D()) * gain;
+}
+
+void SndBase::SetGain(float newGain)
+{
+    if (newGain >= 0.0F && newGain <= 1.0F)
+        gain = newGain;
+    if (SndChannel* channel = sndChannel ? sndChannel : fadeOutChannel)
+        channel->SetGain(GetOutputGain());
+}
+
+bool SndBase::SetFrequency(unsigned long hz)
+{
+    if (fxList.GetNumEffects() > 0 || (IsPlaying() && !IsChgFrequency()))
+        return false;
+    if (sndChannel && !sndChannel->SetFrequency(hz))
+        return false;
+    newFrequency = hz;
+    AddFlags(FlagChgFrequency);
+    return true;
+}
+
+unsigned long SndBase::GetFrequency() const
+{
+    if (const unsigned long hz = sndChannel ? sndChannel->GetFrequency() : 0)
+        return hz;
+    if (newFrequency != 0)
+        return newFrequency;
+    return sndFile ? static_cast<unsigned long>(sndFile->GetSampleFrequency()) : 0;
+}
+
+unsigned long SndBase::GetRemainLength() const
+{
+    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || fadeOutChannel))
+        return unknownLength;
+    if (sndChannel)
+        return static_cast<std::uint32_t>(sndChannel->GetRemainLength() + CalcQueueLength());
+    if (fadeOutChannel)
+        return fadeOutChannel->GetRemainLength();
+    if (HasAnyFlag(FlagFadeOut))
+        return static_cast<std::uint32_t>(fadeDuration);
+    if (sndFile)
+        return static_cast<std::uint32_t>(sndFile->GetRemainLength() + CalcQueueLength());
+    return soundLength;
+}
+
+unsigned long SndBase::GetCurrentLength() const
+{
+    unsigned long remaining = soundLength;
+    if (sndChannel)
+        remaining = sndChannel->GetRemainLength();
+    else if (fadeOutChannel)
+        remaining = fadeOutChannel->GetRemainLength();
+    else if (sndFile)
+        remaining = sndFile->GetRemainLength();
+    const auto sum = static_cast<std::uint32_t>(remaining + CalcQueueLength());
+    return sum < soundLength ? soundLength - sum : 0;
+}
+
+bool SndBase::operator<(const SndBase& other) const
+{
+    if (priority != other.priority)
+        return priority < other.priority;
+    if (!useMultiplier)
+        return distSqr > other.distSqr;
+    return multiplier * distSqr > other.multiplier * other.distSqr;
+}
+
+bool SndBase::operator>(const SndBase& other) const
+{
+    return other < *this;
+}
+
+unsigned int SndBase::GetChannelFlags() const
+{
+    unsigned int flags = 0;
+    if (Is3D()) {
+        flags |= ChanPositional;
+        if (static_cast<const Snd3D*>(this)->GetCutout())
+            flags |= ChanCutOut;
+        if (IsDisableMicFX())
+            flags |= ChanDisableMicFX;
+    }
+    if (IsLooping())
+        flags |= ChanLooping;
+    if (IsChgFrequency())
+        flags |= ChanChgFrequency;
+    return flags;
+}
+
+void SndBase::SetDelay(int ms)
+{
+    delay = ms;
+}
+
+void SndBase::CalcDistSqr(const Vector3&) {}
+
+float SndBase::GetDistSqr() const
+{
+    return distSqr;
+}
+
+void SndBase::SetPriority(int newPriority)
+{
+    priority = newPriority;
+}
+
+void SndBase::SetFadeIn(int ms)
+{
+    fadeDuration = ms;
+    AddFlags(FlagFadeIn);
+}
+
+void SndBase::SetDistLTMax()
+{
+    AddFlags(FlagDistLTMax);
+    ClearFlags(FlagDistGTMax);
+}
+
+void SndBase::SetDistGTMax()
+{
+    AddFlags(FlagDistGTMax);
+    ClearFlags(FlagDistLTMax);
+}
+
+} // namespace Quon

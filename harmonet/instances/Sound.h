@@ -1,0 +1,228 @@
+#pragma once
+
+#include "harmonet/Export.h"
+#include "harmonet/definitions/FXRecords.h"
+#include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/PString.h"
+#include "harmonet/engine/Quaternion.h"
+#include "harmonet/engine/Vector.h"
+#include "harmonet/files/WaveFormatEx.h"
+#include "harmonet/instances/ObserverSubject.h"
+#include "harmonet/instances/SoundObserver.h"
+
+namespace Quon
+{
+
+class Particle;
+class ResourceDatabase;
+class Snd3D;
+class SndBase;
+class SndFile;
+class SoundResource;
+
+/// Through this object game code plays sound effects. A `Sound` is a group: it gives its sounds a gain, the
+/// observers and the axis of their cones. A game makes as many as it likes and keeps them where it likes.
+///
+/// Game code never holds a sound but its id, an integer. An id whose sound has ended, for whatever reason,
+/// finds nothing, and every call with it does nothing and returns its empty value (told with each operation;
+/// 0, false or nothing where it is not). Ids are never used twice in the life of the process; 0 is no sound.
+///
+/// A sound that was started lives exactly as long as it runs, and nothing need be freed. A sound that was
+/// made
+/// (`New...`) but never started stays until StopSound(), DeleteSound() or the end of this object.
+///
+/// `name` is the name of a resource when there is a `db`, and the name of a file when `db` is null.
+///
+/// Task thread only. Works without a running sound system: every creation then returns 0. While the group is
+/// being destroyed, or the system shut down, an observer can make no new sound. Groups cannot be copied,
+/// since an observer has a link to one group only.
+class HARMONET_API Sound : public ObserverSubject<SoundObserver>, public Allocated
+{
+public:
+    /// What can be set on a positional sound in the call that plays it.
+    struct Settings
+    {
+        bool setCone = false; ///< Whether the next three apply.
+        float innerConeAngle = 0.0F; ///< Degrees.
+        float outerConeAngle = 0.0F; ///< Degrees.
+        float coneGain = 0.0F; ///< Linear factor outside the outer cone.
+        bool setDistance = false; ///< Whether the next three apply.
+        float minDistance = 0.0F; ///< World units.
+        float maxDistance = 0.0F; ///< World units.
+        bool cutout = false; ///< Not audible beyond the maximum distance.
+    };
+
+    /// How a sound is to be started; other bits are ignored.
+    enum StartFlags : int
+    {
+        /// The sound has no end. Takes precedence over StartQueued; refused for a sound with a queue.
+        StartLooping = 0x01,
+        /// The channel gets the position once, at the start.
+        StartNotMovable = 0x02,
+        /// The sound ends instead of running on unheard. Ignored for a sound along a line.
+        StartNoEmulation = 0x04,
+        /// The sound asks for a channel at once instead of competing at the next update.
+        StartImmediately = 0x08,
+        /// CatSound() stays allowed while the sound plays.
+        StartQueued = 0x10,
+        /// SetFrequency() stays allowed while the sound plays. Ignored for a sound with effects.
+        StartChgFrequency = 0x20,
+        /// The listener's effects do not apply.
+        StartDisableMicFX = 0x40
+    };
+
+    Sound();
+    Sound(const Sound&) = delete;
+    Sound& operator=(const Sound&) = delete;
+
+    void AddObserver(SoundObserver* observer) override;
+    void RemoveObserver(SoundObserver* observer) override;
+    /// Ends all sounds of this group, with their notifications, then tells the observers OnShutDown().
+    virtual ~Sound();
+
+    // Creation. Each returns the id of the new sound, or 0. A file is opened when the sound starts, so that a
+    // missing one shows there.
+
+    int New2DSound(const PString& name, const ResourceDatabase* db);
+    /// On a block of bare PCM, which is not copied: it must stay valid until OnBufferFree() reports it, or
+    /// until the sound is gone after DeleteSound(). 0 for anything but PCM, and the block stays the caller's.
+    int New2DSound(void* data, unsigned long size, WaveFormatEx* format);
+    /// A sound along a line, if the resource has one.
+    int New3DSound(const PString& name, const ResourceDatabase* db);
+    int New3DSound(void* data, unsigned long size, WaveFormatEx* format);
+
+    // Playing in one call. Each returns the id of the started sound, or 0. A priority or delay of 0 leaves
+    // the value as it stands. `flags` are StartFlags; `delay` is in milliseconds.
+
+    int Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay);
+    int Play2DSound(void* data, unsigned long size, WaveFormatEx* format, int flags, int priority, int delay);
+    /// Hangs the sound below the node called `nodeName` in the scene below `parent`.
+    int Play3DSound(Particle* parent, const PString& nodeName, const PString& name,
+        const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay);
+    int Play3DSound(const Vector3& position, const Quaternion& orientation, const PString& name,
+        const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay);
+    int Play3DSound(const Vector3& position, const PString& name, const ResourceDatabase* db, int flags,
+        int priority, const Settings& settings, int delay);
+
+    // Control of one sound.
+
+    /// False for a sound that runs already, a loop with a queue, or a sound that cannot be had. After a false
+    /// the sound may still exist, not started; DeleteSound() settles it.
+    bool StartSound(int id, int flags);
+    /// Ends the sound; the observers are told and blocks of memory reported.
+    void StopSound(int id);
+    /// Ends the sound without a word: no observer is told, and the caller has its memory back at once.
+    void DeleteSound(int id);
+    /// Falls silent over `ms` milliseconds and ends. Without a channel the sound ends at once, and the result
+    /// is false.
+    bool FadeOutSound(int id, unsigned int ms);
+    /// Appends a file behind the sound, before the start, or during play if it was started with StartQueued.
+    /// False, and nothing is appended, for a looping sound, a file that cannot be opened, or one whose bytes
+    /// per sample, channels or rate are not those of the sound. Opens the file at once, with the channel's
+    /// lock held.
+    bool CatSound(int id, const PString& name, const ResourceDatabase* db);
+    /// Appends a block of PCM. After a false the block stays the caller's and is not reported.
+    bool CatSound(int id, void* data, unsigned long size, WaveFormatEx* format);
+    /// How many files wait behind the current one.
+    int GetQueueLength(int id);
+    /// Hangs a positional sound that is not along a line below a node of the scene.
+    bool AttachSound(int id, Particle* parent, const PString& nodeName);
+
+    // Settings of one sound.
+
+    /// Linear, clamped to 0.0 to 1.0; NaN changes nothing.
+    void SetSoundGain(int id, float newGain);
+    float GetSoundGain(int id) const;
+    void SetSoundPriority(int id, int priority);
+    /// The second argument is ignored.
+    int GetSoundPriority(int id, int);
+    /// Milliseconds before the sound may start. Ignored once it runs, like the next one.
+    void SetSoundDelay(int id, int ms);
+    /// Each time the sound gets a channel it rises from silence over `ms` milliseconds.
+    void SetSoundFadeIn(int id, int ms);
+    /// 100 to 100000 Hz, or 0 for the file's own rate; anything else is refused.
+    bool SetFrequency(int id, unsigned long hz);
+    unsigned long GetFrequency(int id);
+    /// Milliseconds; unknownLength until the file has been opened.
+    unsigned long GetSoundLength(int id);
+    /// Milliseconds still to come, the queue included; unknownLength for a looping sound.
+    unsigned long GetRemainLength(int id);
+    /// Milliseconds already played.
+    unsigned long GetCurrentLength(int id);
+    /// For positional sounds, those along a line included; world units.
+    void SetSoundMinMaxDistance(int id, float minDistance, float maxDistance, bool cutout);
+
+    // These are for positional sounds that are not along a line.
+    void SetSoundCone(int id, float inner, float outer, float coneGain);
+    void SetSoundPosition(int id, const Vector3& position);
+    /// The node's local position; (0, 0, 0) for any other sound.
+    Vector3 GetSoundPosition(int id);
+    void SetSoundOrientation(int id, const Quaternion& orientation);
+    /// The node's local orientation; the identity for any other sound.
+    Quaternion GetSoundOrientation(int id);
+    /// Which axis of the node is the direction of the cone, also for a sound along a line: see
+    /// Snd3D::BindAxisToDirection(). An axis of -3 does nothing.
+    void BindSoundAxisToDirection(int id, int axis);
+
+    // Effects of one sound: see SndBase.
+    bool SetFXEnvReverbListenerProperties(int id, const FXEnvReverb* record, long quality);
+    bool GetFXEnvReverbListenerProperties(int id, FXEnvReverb* record);
+    bool SetFXEnvReverbSourceProperties(int id, const FXEnvReverbSourceProperties* record);
+    bool GetFXEnvReverbSourceProperties(int id, FXEnvReverbSourceProperties* record);
+    bool SetFXChorus(int id, const FXChorus* record);
+    bool GetFXChorus(int id, FXChorus* record);
+    bool SetFXFlanger(int id, const FXFlanger* record);
+    bool GetFXFlanger(int id, FXFlanger* record);
+    bool SetFXEcho(int id, const FXEcho* record);
+    bool GetFXEcho(int id, FXEcho* record);
+    bool SetFXDistortion(int id, const FXDistortion* record);
+    bool GetFXDistortion(int id, FXDistortion* record);
+    bool SetFXCompressor(int id, const FXCompressor* record);
+    bool GetFXCompressor(int id, FXCompressor* record);
+    bool SetFXParamEq(int id, const FXParamEq* record);
+    bool GetFXParamEq(int id, FXParamEq* record);
+    bool SetFXGargle(int id, const FXGargle* record);
+    bool GetFXGargle(int id, FXGargle* record);
+    bool SetFXWavesReverb(int id, const FXWavesReverb* record);
+    bool GetFXWavesReverb(int id, FXWavesReverb* record);
+
+    // The group.
+
+    float GetGain() const { return gain; }
+    /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. Sounds that are heard follow at once.
+    void SetGain(float newGain);
+    /// The axis that new positional sounds get; those that exist keep theirs.
+    void BindAxisToDirection(int axis) { defaultAxis = axis; }
+    /// Milliseconds of a sound, without making one; 0 if its file cannot be opened.
+    static unsigned long CalcSoundLength(const PString& name, const ResourceDatabase* db);
+
+private:
+    friend class SndBase;
+    friend void NotifyBufferFree(Sound& owner, unsigned int soundID, void* buffer);
+
+    void OnSoundBegin(int soundID, const PString& fileName);
+    void OnSoundAbort(int soundID, const PString& fileName, int remaining);
+    void OnSoundEnd(int soundID, const PString& fileName);
+    void OnBufferFree(int soundID, void* buffer);
+
+    int New3DSound(const PString& name, const ResourceDatabase* db, bool ignorePlacement);
+    SndBase* FindSound(int id) const;
+    Snd3D* Find3D(int id) const;
+    Snd3D* FindPlaced3D(int id) const;
+    SndBase* FindForCat(int id) const;
+    bool CanMakeSounds() const;
+    /// Enters the sound in the kernel's table, with this object as its parent; returns its id.
+    int AddSound(SndBase* instance);
+    int AddMemorySound(SndBase* instance, SndFile* file);
+    void NameData(int id, const SoundResource& resource);
+    int SetUpAndStart(int id, int flags, int priority, int delay);
+    void SetUp(int id, int priority, int delay);
+    void ApplySettings(int id, const Settings& settings);
+    int StartOrDelete(int id, int flags);
+
+    int defaultAxis = -3;
+    float gain = 1.0F;
+    bool closing = false;
+};
+
+} // namespace Quon

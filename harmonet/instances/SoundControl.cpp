@@ -1,0 +1,266 @@
+// How a group starts, stops and continues its sounds.
+
+#include "harmonet/definitions/SoundResource.h"
+#include "harmonet/engine/Particle.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/files/SndNodeCache.h"
+#include "harmonet/instances/Snd3D.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/instances/TakenResource.h"
+#include "harmonet/kernel/SndKernel.h"
+#include "harmonet/output/SndChannel.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr int lookupMode = 2;
+
+// Holds the lock of a channel, if there is one.
+class ChannelLock
+{
+public:
+    explicit ChannelLock(SndChannel* newChannel)
+        : channel(newChannel)
+    {
+        if (channel)
+            channel->Lock();
+    }
+    ~ChannelLock()
+    {
+        if (channel)
+            channel->Unlock();
+    }
+    ChannelLock(const ChannelLock&) = delete;
+    ChannelLock& operator=(const ChannelLock&) = delete;
+
+private:
+    SndChannel* channel;
+};
+
+void ApplyStartFlags(SndBase& sound, int flags)
+{
+    if (flags & Sound::StartLooping)
+        sound.SetLooping();
+    if (flags & Sound::StartNotMovable)
+        sound.AddFlags(FlagNotMovable);
+    if ((flags & Sound::StartNoEmulation) && !sound.IsPolyline())
+        sound.AddFlags(FlagNoEmulation);
+    if (flags & Sound::StartImmediately)
+        sound.AddFlags(FlagImmediately);
+    if ((flags & Sound::StartQueued) && !(flags & Sound::StartLooping))
+        sound.AddFlags(FlagQueued);
+    if ((flags & Sound::StartChgFrequency) && sound.GetThisFXList().GetNumEffects() == 0)
+        sound.AddFlags(FlagChgFrequency | FlagDisableMicFX);
+    if (flags & Sound::StartDisableMicFX)
+        sound.AddFlags(FlagDisableMicFX);
+}
+
+// A sound that was started without StartQueued has no place for more data.
+bool MayAppend(const SndBase& sound)
+{
+    if (!sound.GetSndFile() && (sound.IsPlaying() || sound.GetFileName().IsEmpty()))
+        return false;
+    return !sound.IsPlaying() || sound.HasAnyFlag(FlagQueued);
+}
+
+bool HaveSameForm(const SoundFormat& a, const SoundFormat& b)
+{
+    return a.GetBytesPerSample() == b.GetBytesPerSample() && a.GetChannels() == b.GetChannels() &&
+        a.GetSampleFrequency() == b.GetSampleFrequency();
+}
+
+bool OpenHead(SndBase& sound)
+{
+    if (sound.GetSndFile())
+        return true;
+    SndFile* file =
+        theKernel->GetDataCache()->OpenSound(sound.GetSubstName(), sound.GetFileName(), sound.GetPriority());
+    if (!file)
+        return false;
+    sound.SetSndFile(file);
+    sound.SetSoundLength(file->GetSoundLength());
+    return true;
+}
+
+// Takes over the file, or deletes it.
+bool Append(SndBase& sound, SndFile* file)
+{
+    if (!file)
+        return false;
+    if (!HaveSameForm(*file, *sound.GetSndFile())) {
+        delete file;
+        return false;
+    }
+    sound.SetSoundLength(static_cast<std::uint32_t>(sound.GetSoundLength() + file->GetSoundLength()));
+    sound.GetSndFile()->Add(file);
+    return true;
+}
+
+} // namespace
+
+bool Sound::StartSound(int id, int flags)
+{
+    SndBase* sound = FindSound(id);
+    if (!sound || sound->IsBeingTold() || sound->IsPlaying() || sound->GetSndChannel())
+        return false;
+    if ((flags & StartLooping) && sound->HasAnyFlag(FlagQueued))
+        return false;
+    ApplyStartFlags(*sound, flags);
+    return theKernel->PlaySound(sound);
+}
+
+void Sound::StopSound(int id)
+{
+    SndBase* sound = FindSound(id);
+    if (sound && !sound->IsBeingTold())
+        delete sound;
+}
+
+void Sound::DeleteSound(int id)
+{
+    SndBase* sound = FindSound(id);
+    if (!sound || sound->IsBeingTold())
+        return;
+    theKernel->UnregisterSound(sound);
+    sound->SetParentSound(nullptr);
+    delete sound;
+}
+
+bool Sound::FadeOutSound(int id, unsigned int ms)
+{
+    SndBase* sound = FindSound(id);
+    return sound && !sound->IsBeingTold() && sound->FadeOut(static_cast<int>(ms));
+}
+
+int Sound::Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay)
+{
+    return SetUpAndStart(New2DSound(name, db), flags, priority, delay);
+}
+
+int Sound::Play2DSound(
+    void* data, unsigned long size, WaveFormatEx* format, int flags, int priority, int delay)
+{
+    return SetUpAndStart(New2DSound(data, size, format), flags, priority, delay);
+}
+
+int Sound::Play3DSound(Particle* parent, const PString& nodeName, const PString& name,
+    const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay)
+{
+    const int id = New3DSound(name, db);
+    if (id == 0)
+        return 0;
+    if (!AttachSound(id, parent, nodeName)) {
+        DeleteSound(id);
+        return 0;
+    }
+    SetUp(id, priority, delay);
+    ApplySettings(id, settings);
+    return StartOrDelete(id, flags);
+}
+
+int Sound::Play3DSound(const Vector3& position, const Quaternion& orientation, const PString& name,
+    const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay)
+{
+    const int id = New3DSound(name, db);
+    SetUp(id, priority, delay);
+    ApplySettings(id, settings);
+    SetSoundPosition(id, position);
+    SetSoundOrientation(id, orientation);
+    return StartOrDelete(id, flags);
+}
+
+int Sound::Play3DSound(const Vector3& position, const PString& name, const ResourceDatabase* db, int flags,
+    int priority, const Settings& settings, int delay)
+{
+    const int id = New3DSound(name, db);
+    SetUp(id, priority, delay);
+    ApplySettings(id, settings);
+    SetSoundPosition(id, position);
+    return StartOrDelete(id, flags);
+}
+
+int Sound::SetUpAndStart(int id, int flags, int priority, int delay)
+{
+    SetUp(id, priority, delay);
+    return StartOrDelete(id, flags);
+}
+
+void Sound::SetUp(int id, int priority, int delay)
+{
+    if (priority != 0)
+        SetSoundPriority(id, priority);
+    if (delay != 0)
+        SetSoundDelay(id, delay);
+}
+
+void Sound::ApplySettings(int id, const Settings& settings)
+{
+    if (settings.setDistance)
+        SetSoundMinMaxDistance(id, settings.minDistance, settings.maxDistance, settings.cutout);
+    if (settings.setCone) {
+        SetSoundCone(id, settings.innerConeAngle, settings.outerConeAngle, settings.coneGain);
+        BindSoundAxisToDirection(id, defaultAxis);
+    }
+}
+
+int Sound::StartOrDelete(int id, int flags)
+{
+    if (StartSound(id, flags))
+        return id;
+    DeleteSound(id);
+    return 0;
+}
+
+bool Sound::CatSound(int id, const PString& name, const ResourceDatabase* db)
+{
+    SndBase* sound = FindForCat(id);
+    if (!sound)
+        return false;
+    PString fileName = name;
+    PString ownerName;
+    if (db) {
+        TakenResource resource(name, *db, lookupMode);
+        if (!resource)
+            return false;
+        fileName = resource->GetFileName();
+        ownerName = resource->GetOwnerName();
+    }
+    if (!MayAppend(*sound))
+        return false;
+    sound->AddFlags(FlagQueued);
+    ChannelLock lock(sound->GetSndChannel());
+    return OpenHead(*sound) && Append(*sound, theKernel->GetDataCache()->OpenSound(ownerName, fileName, 0));
+}
+
+bool Sound::CatSound(int id, void* data, unsigned long size, WaveFormatEx* format)
+{
+    SndBase* sound = FindForCat(id);
+    if (!sound || !MayAppend(*sound))
+        return false;
+    sound->AddFlags(FlagQueued);
+    ChannelLock lock(sound->GetSndChannel());
+    return OpenHead(*sound) && Append(*sound, SndFile::OpenFile(data, size, format));
+}
+
+SndBase* Sound::FindForCat(int id) const
+{
+    SndBase* sound = FindSound(id);
+    return sound && theKernel->AcceptsSounds() && !sound->IsLooping() ? sound : nullptr;
+}
+
+int Sound::GetQueueLength(int id)
+{
+    const SndBase* sound = FindSound(id);
+    return sound && sound->GetSndFile() ? sound->GetSndFile()->GetQueueLength() : 0;
+}
+
+bool Sound::AttachSound(int id, Particle* parent, const PString& nodeName)
+{
+    Snd3D* sound = FindPlaced3D(id);
+    return sound && parent && parent->Add(nodeName, sound);
+}
+
+} // namespace Quon

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "harmonet/Export.h"
+
+namespace Quon
+{
+
+class PString;
+template<class Observer>
+class ObserverSubject;
+
+/// Base class of game code that wants to hear what becomes of the sounds of a `Sound`. The handlers do
+/// nothing here; override those that matter.
+///
+/// The handlers are called on the task thread, out of the middle of other work. They may start, stop, fade
+/// and delete any other sounds, add and remove observers, and destroy the observer itself. They must not
+/// stop, delete or fade out the sound that they are being told about (such a call does nothing) and must not
+/// destroy the `Sound`.
+class HARMONET_API SoundObserver
+{
+public:
+    SoundObserver() = default;
+    /// A copy knows the `Sound` of its model but stands in nobody's list.
+    SoundObserver(const SoundObserver&) = default;
+    SoundObserver& operator=(const SoundObserver&) = default;
+
+    /// Leaves the `Sound` to which it was last added.
+    virtual ~SoundObserver();
+    /// The `Sound` is being destroyed; the observer is no longer linked to it.
+    virtual void OnShutDown();
+    /// The sound starts for the first time. Can come before the game has the id, from inside the call that
+    /// starts the sound. A sound that never started tells it at its end, right before OnSoundAbort(). The
+    /// name is empty for a sound in memory.
+    virtual void OnSoundBegin(int soundID, const PString& fileName);
+    /// The sound ends with something left, or never started. `remaining` is what was left in milliseconds,
+    /// the queue included; -1 for a looping sound, or when the length was not yet known.
+    virtual void OnSoundAbort(int soundID, const PString& fileName, int remaining);
+    /// The sound ends and nothing of it was left.
+    virtual void OnSoundEnd(int soundID, const PString& fileName);
+    /// The block of memory that was lent to a sound is no longer in use and may be freed or used again. Can
+    /// come while the lock of the sound's channel is held; the handler may append more data to that sound.
+    virtual void OnBufferFree(int soundID, void* buffer);
+
+    /// The `Sound` to which this observer was last added, or null.
+    ObserverSubject<SoundObserver>* subject = nullptr;
+};
+
+} // namespace Quon

@@ -1,0 +1,163 @@
+// What a group sets on its sounds and asks of them.
+
+#include "harmonet/instances/Snd3D.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/SndKernel.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr unsigned long minFrequencyHz = 100;
+constexpr unsigned long maxFrequencyHz = 100000;
+constexpr int defaultConeAxis = -3;
+
+} // namespace
+
+SndBase* Sound::FindSound(int id) const
+{
+    return theKernel ? theKernel->FindSound(id) : nullptr;
+}
+
+Snd3D* Sound::Find3D(int id) const
+{
+    SndBase* sound = FindSound(id);
+    return sound && sound->Is3D() ? static_cast<Snd3D*>(sound) : nullptr;
+}
+
+Snd3D* Sound::FindPlaced3D(int id) const
+{
+    Snd3D* sound = Find3D(id);
+    return sound && !sound->IsPolyline() ? sound : nullptr;
+}
+
+void Sound::SetGain(float newGain)
+{
+    if (std::isnan(newGain))
+        return;
+    gain = std::clamp(newGain, 0.0F, 1.0F);
+    if (theKernel)
+        theKernel->RefreshGains(this);
+}
+
+void Sound::SetSoundGain(int id, float newGain)
+{
+    SndBase* sound = FindSound(id);
+    if (sound && !std::isnan(newGain))
+        sound->SetGain(std::clamp(newGain, 0.0F, 1.0F));
+}
+
+float Sound::GetSoundGain(int id) const
+{
+    const SndBase* sound = FindSound(id);
+    return sound ? sound->GetGain() : 0.0F;
+}
+
+void Sound::SetSoundPriority(int id, int priority)
+{
+    if (SndBase* sound = FindSound(id))
+        sound->SetPriority(priority);
+}
+
+int Sound::GetSoundPriority(int id, int)
+{
+    const SndBase* sound = FindSound(id);
+    return sound ? sound->GetPriority() : 0;
+}
+
+void Sound::SetSoundDelay(int id, int ms)
+{
+    SndBase* sound = FindSound(id);
+    if (sound && !sound->IsPlaying())
+        sound->SetDelay(ms);
+}
+
+void Sound::SetSoundFadeIn(int id, int ms)
+{
+    SndBase* sound = FindSound(id);
+    if (sound && !sound->IsPlaying())
+        sound->SetFadeIn(ms);
+}
+
+bool Sound::SetFrequency(int id, unsigned long hz)
+{
+    SndBase* sound = FindSound(id);
+    if (!sound || (hz != 0 && (hz < minFrequencyHz || hz > maxFrequencyHz)))
+        return false;
+    return sound->SetFrequency(hz);
+}
+
+unsigned long Sound::GetFrequency(int id)
+{
+    const SndBase* sound = FindSound(id);
+    return sound ? sound->GetFrequency() : 0;
+}
+
+unsigned long Sound::GetSoundLength(int id)
+{
+    const SndBase* sound = FindSound(id);
+    return sound ? sound->GetSoundLength() : 0;
+}
+
+unsigned long Sound::GetRemainLength(int id)
+{
+    const SndBase* sound = FindSound(id);
+    return sound ? sound->GetRemainLength() : 0;
+}
+
+unsigned long Sound::GetCurrentLength(int id)
+{
+    const SndBase* sound = FindSound(id);
+    return sound ? sound->GetCurrentLength() : 0;
+}
+
+void Sound::SetSoundMinMaxDistance(int id, float minDistance, float maxDistance, bool cutout)
+{
+    if (Snd3D* sound = Find3D(id))
+        sound->SetMinMaxDistance(minDistance, maxDistance, cutout);
+}
+
+void Sound::SetSoundCone(int id, float inner, float outer, float coneGain)
+{
+    if (Snd3D* sound = FindPlaced3D(id))
+        sound->SetCone(inner, outer, coneGain);
+}
+
+void Sound::SetSoundPosition(int id, const Vector3& position)
+{
+    if (Snd3D* sound = FindPlaced3D(id))
+        sound->SetPosition(position);
+}
+
+Vector3 Sound::GetSoundPosition(int id)
+{
+    const Snd3D* sound = FindPlaced3D(id);
+    return sound ? sound->GetPosition() : Vector3();
+}
+
+void Sound::SetSoundOrientation(int id, const Quaternion& orientation)
+{
+    if (Snd3D* sound = FindPlaced3D(id))
+        sound->SetOrientation(orientation);
+}
+
+Quaternion Sound::GetSoundOrientation(int id)
+{
+    const Snd3D* sound = FindPlaced3D(id);
+    return sound ? sound->GetOrientation() : Quaternion();
+}
+
+void Sound::BindSoundAxisToDirection(int id, int axis)
+{
+    if (axis == defaultConeAxis)
+        return;
+    if (Snd3D* sound = Find3D(id))
+        sound->BindAxisToDirection(axis);
+}
+
+} // namespace Quon

@@ -1,0 +1,210 @@
+#include "harmonet/kernel/SndKernel.h"
+
+#include "harmonet/engine/DynamicLibrary.h"
+#include "harmonet/engine/OS.h"
+#include "harmonet/engine/Options.h"
+#include "harmonet/engine/String.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/files/SndFileCache.h"
+#include "harmonet/files/SndNodeCache.h"
+#include "harmonet/instances/Microphone.h"
+#include "harmonet/kernel/HarmonetStrings.h"
+#include "harmonet/output/SndDriver.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr const char* driverOption = "Sound";
+constexpr const char* driverSymbol = "CreateSoundDriver";
+
+constexpr int defaultBytesPerSample = 2;
+constexpr int defaultSampleFrequency = 22050;
+constexpr int defaultChannels = 2;
+
+// A sound that fades out and music may pass the limit of audible sounds.
+constexpr int spareChannels = 4;
+
+enum StartCode
+{
+    StartRunning = 0,
+    StartNoDriver = 1,
+    StartNotLoaded = 2,
+    StartNotOpened = 3
+};
+
+int HandleDriverEvent(int event, void* data, void* user)
+{
+    return static_cast<SndKernel*>(user)->OnDriverEvent(event, data);
+}
+
+} // namespace
+
+SndKernel* theKernel = nullptr;
+
+SoundOptions::SoundOptions()
+{
+    format.SetFormat(defaultBytesPerSample, defaultSampleFrequency, 0, defaultChannels);
+}
+
+SndKernel::SndKernel() = default;
+
+SndKernel::~SndKernel()
+{
+    Done();
+    for (SndList* list : {&waitingList, &emulatedList, &playingList}) {
+        while (SndBase* sound = list->TakeHead())
+            delete sound;
+    }
+}
+
+int SndKernel::Init(OS* os, bool driverFlag)
+{
+    Done();
+    goingDown = false;
+    elapsed = 0;
+    ReadOptions(*os->GetOptions());
+    const int code = OpenDriver(os, driverFlag);
+    if (code != StartRunning)
+        return code;
+    maxAudible = options.maxSounds;
+    driver->SetCallback(HandleDriverEvent, this);
+    driver->SetMaxChannels(maxAudible + spareChannels);
+    theKernel = this;
+    dataCache = new SndNodeCache;
+    dataCache->SetLimit(options.cacheSize > 0 ? static_cast<unsigned long>(options.cacheSize) : 0);
+    fileCache = new SndFileCache;
+    SndFile::SetSndFileCache(fileCache);
+    driver->GetCaps(caps);
+    return StartRunning;
+}
+
+void SndKernel::ReadOptions(const Options& hostOptions)
+{
+    int sampleFrequency = defaultSampleFrequency;
+    hostOptions.Get(HarmonetStrings::cacheSize.GetText(), options.cacheSize, options.cacheSize);
+    hostOptions.Get(HarmonetStrings::primaryFrequency.GetText(), sampleFrequency, sampleFrequency);
+    hostOptions.Get(HarmonetStrings::maxSounds.GetText(), options.maxSounds, options.maxSounds);
+    hostOptions.Get(HarmonetStrings::streamLength.GetText(), options.streamLength, options.streamLength);
+    options.format.SetFormat(defaultBytesPerSample, sampleFrequency, 0, defaultChannels);
+}
+
+int SndKernel::OpenDriver(OS* os, bool driverFlag)
+{
+    Options* hostOptions = os->GetOptions();
+    hostOptions->SetSeperators(driverOption, ",");
+    String name;
+    if (!hostOptions->GetNext(driverOption, name))
+        return StartNoDriver;
+    soundLibrary = os->CreateDynamicLibrary();
+    int code;
+    do {
+        name.Ins(dynamicLibrarySuffix, name.GetLength());
+        code = TryDriver(os, name.GetText(), driverFlag);
+    } while (code != StartRunning && hostOptions->GetNext(driverOption, name));
+    if (code != StartRunning)
+        CloseDriver();
+    return code;
+}
+
+int SndKernel::TryDriver(OS* os, const char* name, bool driverFlag)
+{
+    if (!soundLibrary->Open(name))
+        return StartNotLoaded;
+    void* symbol = nullptr;
+    if (!soundLibrary->GetSymbol(&symbol, driverSymbol))
+        return StartNoDriver;
+    driver = reinterpret_cast<CreateSoundDriverFunction>(symbol)();
+    if (!driver)
+        return StartNotOpened;
+    if (driver->Open(os, &options.format, options.streamLength, driverFlag))
+        return StartRunning;
+    delete driver;
+    driver = nullptr;
+    return StartNotOpened;
+}
+
+// The library goes after the driver, whose code it holds.
+void SndKernel::CloseDriver()
+{
+    delete driver;
+    driver = nullptr;
+    if (soundLibrary)
+        soundLibrary->Close();
+    delete soundLibrary;
+    soundLibrary = nullptr;
+}
+
+void SndKernel::Done()
+{
+    goingDown = true;
+    StopAll();
+    if (theKernel == this)
+        theKernel = nullptr;
+    if (fileCache)
+        SndFile::SetSndFileCache(nullptr);
+    delete fileCache;
+    fileCache = nullptr;
+    delete dataCache;
+    dataCache = nullptr;
+    CloseDriver();
+    activeMicrophone = nullptr;
+}
+
+bool SndKernel::GetCaps(SoundCaps& driverCaps)
+{
+    return driver && driver->GetCaps(driverCaps);
+}
+
+void SndKernel::SetMicrophone(Microphone* microphone)
+{
+    if (activeMicrophone && activeMicrophone != microphone)
+        activeMicrophone->SetActive(false);
+    activeMicrophone = microphone;
+    microphone->SetActive(true);
+    listenerChanged = true;
+}
+
+void SndKernel::ClearMicrophone(Microphone* microphone)
+{
+    if (activeMicrophone != microphone)
+        return;
+    microphone->SetActive(false);
+    activeMicrophone = nullptr;
+}
+
+void SndKernel::Set2DMainGain(float gain)
+{
+    mainGain2D = gain;
+    RefreshGains(0);
+}
+
+void SndKernel::Set3DMainGain(float gain)
+{
+    mainGain3D = gain;
+    RefreshGains(Flag3D);
+}
+
+void SndKernel::SetMusicMainGain(float gain)
+{
+    mainGainMusic = gain;
+    RefreshGains(FlagMusic);
+}
+
+bool SndKernel::IsConsistent() const
+{
+    for (const SndList* list : {&playingList, &emulatedList, &waitingList}) {
+        int count = 0;
+        for (const SndBase* sound = list->GetHead(); sound; sound = list->GetNext(*sound), ++count) {
+            if (!list->Holds(*sound) || soundTable.Find(sound->GetSoundID()) != sound)
+                return false;
+        }
+        if (count != list->GetCount())
+            return false;
+    }
+    return true;
+}
+
+} // namespace Quon

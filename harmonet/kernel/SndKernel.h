@@ -1,0 +1,228 @@
+#pragma once
+
+#include "harmonet/engine/Alloc.h"
+#include "harmonet/kernel/DuplicateRating.h"
+#include "harmonet/kernel/SndList.h"
+#include "harmonet/kernel/SoundTable.h"
+#include "harmonet/kernel/SoundWalk.h"
+#include "harmonet/output/SoundCaps.h"
+#include "harmonet/output/SoundFormat.h"
+
+namespace Quon
+{
+
+class DynamicLibrary;
+class Microphone;
+class OS;
+class Options;
+class PString;
+class SndDriver;
+class SndFile;
+class SndFileCache;
+class SndNodeCache;
+class Sound;
+struct SndFileChange;
+struct Vector3;
+
+/// What the kernel reads from the engine's options when it starts.
+struct SoundOptions
+{
+    SoundOptions();
+
+    int cacheSize = 1000000; ///< Bytes of sound data that the data cache may hold.
+    SoundFormat format; ///< Asked of the driver; only the rate can be configured.
+    int maxSounds = 20; ///< Limit of audible sounds at the start.
+    int minEmulationLength = 500; ///< Milliseconds: a sound with less left is not emulated. No option.
+    int streamLength = 500; ///< Milliseconds, for the driver.
+};
+
+/// The heart of the system: owns the output driver, the caches of sound data and every sound, and decides at
+/// each full update which of the running sounds are heard.
+///
+/// There is at most one that runs, `theKernel`; the task owns it. Private to the library. All of it is for
+/// the task thread, and there is no lock; a driver delivers its events on that thread, from inside its update
+/// calls.
+///
+/// *What observers do meanwhile.* Ending or starting a sound calls observers, and these may start, stop and
+/// delete other sounds. So nothing here walks a list or the table while it ends or starts sounds: a SoundWalk
+/// goes by the ids of those that stood there when it began, and an id that has gone finds nothing. A sound
+/// that is started during an update is dealt with at the next one.
+class SndKernel : public Allocated
+{
+public:
+    SndKernel();
+    SndKernel(const SndKernel&) = delete;
+    SndKernel& operator=(const SndKernel&) = delete;
+    /// Done(), and whatever is left.
+    virtual ~SndKernel();
+
+    // Start and end.
+
+    /// Reads the options and opens the first driver that will; on success this is `theKernel`. The result is
+    /// 0, or the code of the last attempt: 1, no name given or the library is no driver; 2, it could not be
+    /// loaded; 3, it made no driver or its driver did not open.
+    int Init(OS* os, bool driverFlag);
+    /// Ends all sounds and releases everything. New sounds are refused from here on.
+    void Done();
+    bool GetCaps(SoundCaps& driverCaps);
+    SndDriver* GetDriver() const { return driver; }
+    SndNodeCache* GetDataCache() const { return dataCache; }
+    const SoundOptions& GetOptions() const { return options; }
+    /// Whether the driver takes the source side of an environmental reverb.
+    bool CanSetEnvReverbSource() const { return (caps.GetFlags() & capEnvReverbSource) != 0; }
+
+    // The frame update.
+
+    /// Gathers time; once 40 ms have come together, runs one full update.
+    void Update(float seconds);
+
+    // Starting and ending sounds.
+
+    /// Starts a sound or queues it. On false the sound may have been deleted or live on, not started.
+    bool PlaySound(SndBase* sound);
+    /// Gives a sound a channel and puts it on the playing list. On false nothing has changed.
+    bool StartChannel(SndBase* sound);
+    /// Starts a sound without a channel and puts it on the emulated list. On false it is on no list.
+    bool EmulateSound(SndBase* sound);
+    /// StartChannel() for a piece of music, which passes neither the waiting list nor PlaySound().
+    bool StartMusic(SndBase& instance);
+    /// Prepares an instance without a `sndChannel` for another piece: it leaves its list, unless a fade-out
+    /// keeps it there, and closes what it has open.
+    void GiveUpFile(SndBase& instance);
+    /// Milliseconds of that file, from a like sound if there is one; 0 if it cannot be opened.
+    unsigned long GetLength(const PString& substName, const PString& fileName);
+    void StopAll();
+    void StopAll2D();
+    void StopAll3D();
+    /// Takes a driver's event. Always 0. An event for a channel that no sound holds is ignored.
+    int OnDriverEvent(int event, void* data);
+
+    // The sound table.
+
+    /// False while the kernel is going down: no sound may be made any more.
+    bool AcceptsSounds() const { return !goingDown; }
+    /// Enters a new sound, which the kernel owns from here on.
+    void AddSound(SndBase* sound) { soundTable.Add(sound); }
+    SndBase* FindSound(int id) const { return soundTable.Find(id); }
+    void UnregisterSound(SndBase* sound) { soundTable.Remove(sound); }
+    /// Takes the sound off its list and out of the table.
+    void RemoveSound(SndBase* sound);
+    /// Deletes all sounds of that group.
+    void DeleteSounds(Sound* parent);
+    /// Kind 0: every sound; 2: those neither positional nor music; 3: the positional ones.
+    void DeleteAllSounds(int kind);
+    /// Sends the sounds of a kind their output gain anew. Kind 0, Flag3D or FlagMusic.
+    void RefreshGains(int kind);
+    void RefreshGains(Sound* parent);
+
+    // Listener and gains.
+
+    Microphone* GetMicrophone() const { return activeMicrophone; }
+    void SetMicrophone(Microphone* microphone);
+    void ClearMicrophone(Microphone* microphone);
+    float GetMainGain2D() const { return mainGain2D; }
+    float GetMainGain3D() const { return mainGain3D; }
+    float GetMainGainMusic() const { return mainGainMusic; }
+    void Set2DMainGain(float gain);
+    void Set3DMainGain(float gain);
+    void SetMusicMainGain(float gain);
+    int GetMaxAudible() const { return maxAudible; }
+    void SetMaxAudible(int count) { maxAudible = count; }
+    unsigned long GetResourceFX() const { return resourceFX; }
+    void SetResourceFX(unsigned long mask) { resourceFX = mask; }
+
+    // The lists, for whoever looks on.
+
+    const SndList& GetPlayingList() const { return playingList; }
+    const SndList& GetEmulatedList() const { return emulatedList; }
+    const SndList& GetWaitingList() const { return waitingList; }
+    /// The sounds that hold a channel.
+    int GetAudibleCount() const { return playingList.GetCount(); }
+
+    /// The file of a sound that has none open: music streams, all else comes through the data cache.
+    SndFile* OpenFileOf(SndBase& sound);
+
+private:
+    friend class SoundWalk;
+
+    struct UpdateStep;
+
+    void ReadOptions(const Options& hostOptions);
+    int OpenDriver(OS* os, bool driverFlag);
+    int TryDriver(OS* os, const char* name, bool driverFlag);
+    void CloseDriver();
+
+    void RunFullUpdate(float seconds);
+    Vector3 UpdateListener();
+    int CountDownDelays(const Vector3& listener);
+    void UpdateEmulated(const UpdateStep& step);
+    void UpdatePlaying(const UpdateStep& step);
+    bool MustLeavePlaying(const SndBase& sound) const;
+    void LeavePlaying(SndBase& sound);
+    void StartEmulated();
+    bool MayReturn(const SndBase& sound) const;
+    void StartWaiting();
+    bool MayStart(const SndBase& sound) const;
+    void StartOrDelete(SndBase& sound);
+
+    void Allocate();
+    void RateDuplicates();
+    void SortLists();
+    void ProtectYoung(SndList& chosen);
+    void ChooseBest(SndList& chosen);
+    void EmulateLosers();
+    void StartChosen(SndList& chosen);
+    void EmulateWaiting();
+
+    bool IsLongEnough(const SndBase& sound) const;
+    /// Marks the sound as started now, so that an update that is running leaves it to the next one.
+    void MarkStarted(SndBase& sound) { sound.startSerial = ++startCounter; }
+    /// Whether the sound was started after the running update took its bearings.
+    bool IsNewcomer(const SndBase& sound) const;
+    bool StartImmediately(SndBase& sound);
+    bool EmulateOrDelete(SndBase& sound);
+    SndBase* FindLikeSound(const PString& substName, const PString& fileName, const SndBase* except) const;
+    void OnChannelEnded(SndChannel* channel);
+    void OnFileChanged(const SndFileChange& change);
+    SndBase* FindByChannel(const SndChannel* channel) const;
+    template<class Matches>
+    void DeleteListed(SndList& list, Matches matches);
+    template<class Matches>
+    void DeleteFromTable(Matches matches);
+    template<class Matches>
+    void RefreshMatching(Matches matches);
+    void Unlist(SndBase& sound);
+    /// Whether every list holds what the table holds, each sound once. For assertions.
+    bool IsConsistent() const;
+
+    SoundOptions options;
+    DynamicLibrary* soundLibrary = nullptr;
+    SndDriver* driver = nullptr;
+    Microphone* activeMicrophone = nullptr;
+    unsigned long elapsed = 0;
+    bool listenerChanged = true;
+    SndNodeCache* dataCache = nullptr;
+    SndFileCache* fileCache = nullptr;
+    unsigned long resourceFX = 0x1FF;
+    int maxAudible = 0;
+    SndList playingList;
+    SndList emulatedList;
+    SndList waitingList;
+    SoundTable soundTable;
+    float mainGain2D = 1.0F;
+    float mainGain3D = 1.0F;
+    float mainGainMusic = 1.0F;
+    SoundCaps caps;
+    DuplicateRating duplicates;
+    IdBuffers idBuffers;
+
+    bool goingDown = false; ///< Done() is running or has run: no new sounds.
+    bool updating = false; ///< A full update is running.
+    std::uint64_t startCounter = 0; ///< Counts starts: see MarkStarted().
+    std::uint64_t updateHorizon = 0; ///< `startCounter` when the running update took its bearings.
+};
+
+/// The running kernel, or null while the sound system is stopped.
+extern SndKernel* theKernel;
+
+} // namespace Quon

@@ -1,0 +1,161 @@
+#include "harmonet/kernel/SoundSystem.h"
+
+#include "harmonet/kernel/HarmonetStrings.h"
+#include "harmonet/kernel/HarmonetTask.h"
+#include "harmonet/kernel/SndKernel.h"
+#include "harmonet/output/SndDriver.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr unsigned long allResourceFX = (1UL << numResourceFX) - 1;
+
+SndDriver* GetDriver()
+{
+    return theKernel ? theKernel->GetDriver() : nullptr;
+}
+
+float ClampGain(float gain)
+{
+    return std::clamp(gain, 0.0F, 1.0F);
+}
+
+} // namespace
+
+SoundSystem::SoundSystem()
+    : task(nullptr)
+{
+}
+
+SoundSystem::~SoundSystem()
+{
+    Done();
+}
+
+bool SoundSystem::Init(OS* os, bool driverFlag)
+{
+    if (theKernel)
+        return false;
+    // The keys of the options are among them.
+    HarmonetStrings::Init();
+    auto kernel = std::make_unique<SndKernel>();
+    if (kernel->Init(os, driverFlag) != 0)
+        return false;
+    // A task that the engine has stopped by itself is still this object's.
+    delete task;
+    task = new HarmonetTask(kernel.release());
+    return true;
+}
+
+void SoundSystem::Done()
+{
+    delete task;
+    task = nullptr;
+}
+
+bool SoundSystem::GetCaps(Caps& caps)
+{
+    caps = Caps();
+    return theKernel && theKernel->GetCaps(caps);
+}
+
+void SoundSystem::SetMainGain(float gain)
+{
+    SndDriver* driver = GetDriver();
+    if (driver && !std::isnan(gain))
+        driver->SetMainGain(ClampGain(gain));
+}
+
+float SoundSystem::GetMainGain()
+{
+    SndDriver* driver = GetDriver();
+    return driver ? driver->GetMainGain() : 0.0F;
+}
+
+void SoundSystem::Set2DMainGain(float gain)
+{
+    if (theKernel && !std::isnan(gain))
+        theKernel->Set2DMainGain(ClampGain(gain));
+}
+
+float SoundSystem::Get2DMainGain()
+{
+    return theKernel ? theKernel->GetMainGain2D() : 0.0F;
+}
+
+void SoundSystem::Set3DMainGain(float gain)
+{
+    if (theKernel && !std::isnan(gain))
+        theKernel->Set3DMainGain(ClampGain(gain));
+}
+
+float SoundSystem::Get3DMainGain()
+{
+    return theKernel ? theKernel->GetMainGain3D() : 0.0F;
+}
+
+void SoundSystem::SetMusicMainGain(float gain)
+{
+    if (theKernel && !std::isnan(gain))
+        theKernel->SetMusicMainGain(ClampGain(gain));
+}
+
+float SoundSystem::GetMusicMainGain()
+{
+    return theKernel ? theKernel->GetMainGainMusic() : 0.0F;
+}
+
+void SoundSystem::StopAll()
+{
+    if (theKernel)
+        theKernel->StopAll();
+}
+
+void SoundSystem::StopAll2D()
+{
+    if (theKernel)
+        theKernel->StopAll2D();
+}
+
+void SoundSystem::StopAll3D()
+{
+    if (theKernel)
+        theKernel->StopAll3D();
+}
+
+void SoundSystem::SetMaxAudibleSounds(unsigned int count)
+{
+    if (theKernel)
+        theKernel->SetMaxAudible(static_cast<int>(count));
+}
+
+unsigned int SoundSystem::GetMaxAudibleSounds()
+{
+    return theKernel ? static_cast<unsigned int>(theKernel->GetMaxAudible()) : 0;
+}
+
+void SoundSystem::DisableResourceFX(unsigned long mask)
+{
+    if (theKernel)
+        theKernel->SetResourceFX(theKernel->GetResourceFX() & ~mask);
+}
+
+void SoundSystem::EnableResourceFX(unsigned long mask)
+{
+    if (theKernel)
+        theKernel->SetResourceFX(theKernel->GetResourceFX() | (mask & allResourceFX));
+}
+
+unsigned long SoundSystem::GetResourceFX()
+{
+    return theKernel ? theKernel->GetResourceFX() & allResourceFX : 0;
+}
+
+} // namespace Quon

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "harmonet/Export.h"
+#include "harmonet/output/SoundCaps.h"
+
+namespace Quon
+{
+
+class HarmonetTask;
+class OS;
+
+/// The front of the library for the host: starts and stops sound, sets the main gains, silences everything
+/// and limits the number of audible sounds.
+///
+/// Any number of these objects may exist; there is one sound system, and all operations but Init() and Done()
+/// act on that one. While it is stopped they do nothing and return the empty value told with each. Everything
+/// is for the thread that runs the engine's tasks.
+class HARMONET_API SoundSystem
+{
+public:
+    /// What the output driver can do.
+    using Caps = SoundCaps;
+
+    SoundSystem();
+    SoundSystem(const SoundSystem&) = delete;
+    SoundSystem& operator=(const SoundSystem&) = delete;
+    /// As Done().
+    ~SoundSystem();
+
+    /// Starts the system: finds and opens an output driver, and enters a task that runs it. Needs the option
+    /// "Sound", the names of driver libraries separated by commas; they are tried in order, and the first
+    /// that opens wins. `os` must outlive the system. `driverFlag` goes to the driver. False, and the system
+    /// stays stopped, when no driver can be had; false also when the system runs already, which is left
+    /// alone.
+    bool Init(OS* os, bool driverFlag);
+    /// Stops the system if this object has started it: ends all sounds, with their notifications, and
+    /// releases driver and files. What was an id finds nothing from then on. While it runs, no sound can be
+    /// made.
+    void Done();
+
+    /// Asks the driver what it can do. False, with all flags clear, when there is no driver.
+    bool GetCaps(Caps& caps);
+
+    // Gains are linear factors and are clamped to 0.0 to 1.0; NaN changes nothing. A getter gives 0.0 while
+    // the system is stopped.
+
+    /// The gain of the whole output; the driver keeps it.
+    static void SetMainGain(float gain);
+    static float GetMainGain();
+    /// The gain of all sounds of a kind, heard at once.
+    static void Set2DMainGain(float gain);
+    static float Get2DMainGain();
+    static void Set3DMainGain(float gain);
+    static float Get3DMainGain();
+    static void SetMusicMainGain(float gain);
+    static float GetMusicMainGain();
+
+    /// Ends all sounds, music included.
+    static void StopAll();
+    /// Ends all sounds that are neither positional nor music.
+    static void StopAll2D();
+    /// Ends all positional sounds.
+    static void StopAll3D();
+
+    /// The limit of audible sounds, in force from the next full update. The driver is not told: beyond what
+    /// the option "MaxSounds" gave it at the start it may refuse channels.
+    void SetMaxAudibleSounds(unsigned int count);
+    unsigned int GetMaxAudibleSounds();
+
+    /// Which effects new sounds take over from their resources: bit n stands for effect n of `SndFX`, 0 to 8.
+    /// All are enabled at the start. Sounds that exist keep theirs.
+    void DisableResourceFX(unsigned long mask);
+    void EnableResourceFX(unsigned long mask);
+    unsigned long GetResourceFX();
+
+private:
+    HarmonetTask* task;
+};
+
+} // namespace Quon
