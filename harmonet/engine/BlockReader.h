@@ -49,7 +49,7 @@ namespace Quon
 class HARMONET_ENGINE_API BlockReaderListener
 {
 public:
-    /// A keyword of which something was left unread.
+    /// A keyword that was ignored, or of which something was left unread.
     struct Skipped
     {
         const PString& keyword;
@@ -59,8 +59,8 @@ public:
         int valueCount;
         /// It has a block that nobody entered.
         bool hasBlock;
-        /// Some value of it was read. False for a keyword that was ignored altogether.
-        bool wasRead;
+        /// Something of it was asked for, be it in vain. False for a keyword that was ignored altogether.
+        bool wasAsked;
         /// It stands behind the place where the reading of its block ended. False for one that Next() gave
         /// out.
         bool isBehindEnd;
@@ -137,15 +137,16 @@ private:
     BlockReader(Text& newText, int newDepth);
 
     bool IsCurrent() const;
-    void LeaveKeyword();
-    void SkipBlock();
+    template<class Parse>
+    bool ReadValue(const char* wanted, Parse parse);
 
-    /// The text that all readers of one tree share; the outermost one owns it.
-    Text* text = nullptr;
+    BlockReaderListener* listener = nullptr;
+    /// Owned by the outermost reader, which has made it in Init().
     std::unique_ptr<Text> ownedText;
+    /// The text that all readers of one tree share; null before Init().
+    Text* text = nullptr;
     /// The reader of the blocks below this one, made once and used for each of them.
     std::unique_ptr<BlockReader> inner;
-    BlockReaderListener* listener = nullptr;
     int depth = 0;
 };
 

@@ -46,7 +46,8 @@ public:
         NoRoot = 1,
         /// The name is null, empty, or longer than the system takes.
         BadName = 2,
-        /// The name is absolute, contains `..`, or leads out of the root through a symbolic link.
+        /// The name is absolute, begins with a drive letter, contains `..`, or leads out of the root through
+        /// a symbolic link.
         OutsideRoot = 3,
         NotFound = 4,
         /// A folder, a device, a pipe: anything but a regular file.

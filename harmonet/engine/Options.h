@@ -67,8 +67,8 @@ private:
         mutable std::size_t walkPosition = 0;
     };
 
-    const Entry* Find(const char* key) const;
-    Entry& FindOrAdd(const char* key);
+    const Entry* Find(std::string_view key) const;
+    Entry& FindOrAdd(std::string_view key);
     bool SetFromLine(std::string_view line);
 
     std::list<Entry, EngineAllocator<Entry>> entries;

@@ -97,7 +97,8 @@ protected:
 private:
     /// The node has come to stand elsewhere in the tree.
     void MarkMoved() const;
-    void UpdateGlobalFrom(const Particle* cleanParent) const;
+    void UpdateGlobal() const;
+    void UpdateGlobalFromParent() const;
 
     /// Valid while globalPositionStale is clear.
     mutable Quaternion globalOrientation;

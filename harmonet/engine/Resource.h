@@ -120,8 +120,9 @@ private:
 
     Result LoadContent(const ResourceDatabase* database) const;
     void GiveUpContent() const;
-    /// The file is another one by now; null if it is gone.
-    void NoteStamp(const FileStamp* currentStamp) const;
+    /// The file is another one by now.
+    void NoteChange() const;
+    void SetType(const ResourceTypeBase* newType);
     template<class Notice>
     void TellObservers(Notice notice) const;
 

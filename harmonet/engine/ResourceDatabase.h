@@ -57,6 +57,7 @@ private:
     using Resources = std::unordered_map<PString, Resource*, std::hash<PString>, std::equal_to<PString>,
         EngineAllocator<std::pair<const PString, Resource*>>>;
 
+    static void Delete(Resource* resource);
     /// The type for that file name, or null.
     static const ResourceTypeBase* FindType(const PString& name);
     /// The owner of the first folder that has the file; false if none has.

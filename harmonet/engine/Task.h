@@ -42,7 +42,8 @@ public:
     /// For a task that has something to give back while it lives on; this one does nothing.
     virtual void Done();
 
-    /// Does the work. \p seconds have passed since the last call.
+    /// Does the work. \p seconds have passed since the last call. A task that deletes itself here returns
+    /// UpdateContinue.
     virtual UpdateCode Update(float seconds) = 0;
 
     void SetActive(bool newActive) { active = newActive; }

@@ -27,7 +27,8 @@ public:
     void Update(float seconds);
 
     /// Holds the tasks of that name back, those there are and those to come: their seconds are gathered until
-    /// at least \p seconds have come together, and are then passed on in one update. 0 or less ends that.
+    /// at least \p seconds have come together, and are then passed on in one update. 0 or less ends that. A
+    /// task that counts whole milliseconds of its own wants a step somewhat longer than what it waits for.
     void SetMinimumStep(const PString& taskName, float seconds);
 
     /// Calls Task::Init() on all tasks in their order. True if each gave true.

@@ -1,0 +1,213 @@
+#include "harmonet/engine/Particle.h"
+
+#include "harmonet/engine/Matrix.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace Quon
+{
+
+Particle::Particle() = default;
+
+Particle::Particle(const Particle& other)
+    : Element(other)
+    , ITree<Particle>(other)
+    , name(other.name)
+    , orientation(other.orientation)
+    , position(other.position)
+    , boundingCenter(other.boundingCenter)
+    , boundingRadius(other.boundingRadius)
+    , boundingSphereStale(other.boundingSphereStale)
+{
+}
+
+Particle& Particle::operator=(const Particle& other)
+{
+    name = other.name;
+    orientation = other.orientation;
+    position = other.position;
+    boundingCenter = other.boundingCenter;
+    boundingRadius = other.boundingRadius;
+    boundingSphereStale = other.boundingSphereStale;
+    MarkMoved();
+    return *this;
+}
+
+Particle::~Particle()
+{
+    Particle::RemoveAllChildren();
+    Particle::Remove();
+}
+
+int Particle::GetID() const
+{
+    return 0;
+}
+
+void Particle::SetName(const PString& newName)
+{
+    name = newName;
+}
+
+void Particle::SetPosition(const Vector3& newPosition)
+{
+    // A sphere that a broken number has spoiled is made good by the first sound one.
+    const Vector3 offset = boundingCenter - position;
+    boundingCenter = newPosition + (std::isfinite(LengthSquared(offset)) ? offset : Vector3());
+    position = newPosition;
+    MarkMoved();
+}
+
+void Particle::SetPositionXY(const Vector2& newPosition)
+{
+    SetPosition({newPosition.x, newPosition.y, position.z});
+}
+
+void Particle::SetOrientation(const Quaternion& newOrientation)
+{
+    if (!boundingSphereStale) {
+        const Vector3 offset = Rotate(Inverse(orientation), boundingCenter - position);
+        boundingCenter = Rotate(newOrientation, offset) + position;
+    }
+    orientation = newOrientation;
+    MarkMoved();
+}
+
+void Particle::SetReferenceFrame(const Matrix4& frame)
+{
+    Matrix3 rotation;
+    for (int row = 0; row < 3; ++row) {
+        rotation.rows[row] = {frame.m[row][0], frame.m[row][1], frame.m[row][2]};
+    }
+    Quaternion turned;
+    turned.Set(rotation);
+    SetOrientation(turned);
+    SetPosition({frame.m[3][0], frame.m[3][1], frame.m[3][2]});
+}
+
+void Particle::ResetGlobalBoundingCenter() const
+{
+    globalPositionStale = true;
+}
+
+void Particle::ResetParentSpheres() const
+{
+    for (const Particle* node = parent; node != nullptr; node = node->parent) {
+        node->boundingSphereStale = true;
+    }
+}
+
+void Particle::ResetChildGlobalBoundingCenters() const
+{
+    for (const Particle* node = GetNextBelow(this); node != nullptr; node = node->GetNextBelow(this)) {
+        node->ResetGlobalBoundingCenter();
+    }
+}
+
+void Particle::RecalculateGlobalBoundingCenter() const
+{
+    UpdateGlobal();
+}
+
+bool Particle::Add(Particle* child)
+{
+    if (child == nullptr || IsBelow(child)) {
+        return false;
+    }
+    if (child->parent != nullptr) {
+        child->ResetParentSpheres();
+        child->parent->UnlinkChild(child);
+    }
+    LinkChild(child);
+    child->MarkMoved();
+    return true;
+}
+
+bool Particle::Add(const PString& nodeName, Particle* child)
+{
+    Particle* node = this;
+    while (node != nullptr && !nodeName.IsEmpty() && !(node->name == nodeName)) {
+        node = node->GetNextBelow(this);
+    }
+    return node != nullptr && node->Add(child);
+}
+
+void Particle::Remove()
+{
+    if (parent != nullptr) {
+        parent->Remove(this);
+    }
+}
+
+bool Particle::Remove(Particle* child)
+{
+    if (child == nullptr || child->parent != this) {
+        return false;
+    }
+    child->ResetParentSpheres();
+    UnlinkChild(child);
+    child->MarkMoved();
+    return true;
+}
+
+void Particle::RemoveAllChildren()
+{
+    while (Particle* const child = GetFirstChild()) {
+        Particle::Remove(child);
+    }
+}
+
+const Vector3& Particle::GetGlobalPosition() const
+{
+    if (globalPositionStale) {
+        RecalculateGlobalBoundingCenter();
+    }
+    return globalPosition;
+}
+
+void Particle::LocalToGlobal(Quaternion& localOrientation) const
+{
+    UpdateGlobal();
+    localOrientation = Normalized(globalOrientation * localOrientation);
+}
+
+void Particle::MarkMoved() const
+{
+    ResetGlobalBoundingCenter();
+    ResetParentSpheres();
+    ResetChildGlobalBoundingCenters();
+}
+
+void Particle::UpdateGlobal() const
+{
+    // From the highest stale node downwards, as each is only as good as the one above it. A tree that is
+    // deeper than the table is worked off in several rounds: neither the stack nor the heap pays for depth.
+    constexpr std::size_t tableLength = 64;
+    std::array<const Particle*, tableLength> chain;
+    while (globalPositionStale) {
+        std::size_t count = 0;
+        for (const Particle* node = this; node != nullptr && node->globalPositionStale; node = node->parent) {
+            chain[count++ % tableLength] = node;
+        }
+        for (std::size_t left = std::min(count, tableLength); left > 0; --left) {
+            chain[--count % tableLength]->UpdateGlobalFromParent();
+        }
+    }
+}
+
+void Particle::UpdateGlobalFromParent() const
+{
+    if (parent != nullptr) {
+        globalPosition = parent->globalPosition + Rotate(parent->globalOrientation, position);
+        globalOrientation = Normalized(parent->globalOrientation * Normalized(orientation));
+    }
+    else {
+        globalPosition = position;
+        globalOrientation = Normalized(orientation);
+    }
+    globalPositionStale = false;
+}
+
+} // namespace Quon

@@ -1,0 +1,135 @@
+#include "harmonet/engine/ResourceDatabase.h"
+
+#include "harmonet/engine/PluginRegistry.h"
+#include "harmonet/engine/Resource.h"
+#include "harmonet/engine/ResourceTypeBase.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Quon
+{
+
+ResourceDatabase::ResourceDatabase() = default;
+
+ResourceDatabase::~ResourceDatabase()
+{
+    Resources going;
+    going.swap(resources);
+    for (const auto& [name, resource] : going) {
+        if (resource->GetReferenceCount() > 0) {
+            resource->leftBehind = true;
+        }
+        else {
+            Delete(resource);
+        }
+    }
+    for (const PString& owner : owners) {
+        File::RemoveRoot(owner);
+    }
+}
+
+bool ResourceDatabase::AddFolder(const PString& owner, const char* folder)
+{
+    if (!File::AddRoot(owner, folder)) {
+        return false;
+    }
+    if (std::find(owners.begin(), owners.end(), owner) == owners.end()) {
+        owners.push_back(owner);
+    }
+    return true;
+}
+
+const Resource* ResourceDatabase::Lookup(const PString& name, int) const
+{
+    const auto known = resources.find(name);
+    if (known != resources.end()) {
+        known->second->AddReference();
+        return known->second;
+    }
+    PString owner;
+    const ResourceTypeBase* const type = FindType(name);
+    if (type == nullptr || !FindOwner(name, owner)) {
+        return nullptr;
+    }
+    Resource* const resource = type->Create(name, this);
+    if (resource == nullptr) {
+        return nullptr;
+    }
+    resource->ownerName = owner;
+    resource->SetType(type);
+    resources.emplace(name, resource);
+    resource->AddReference();
+    return resource;
+}
+
+void ResourceDatabase::ReloadChanged()
+{
+    // Whoever hears of a change may look other resources up, so that the table is not walked meanwhile.
+    EngineVector<const Resource*> changed;
+    for (const auto& [name, resource] : resources) {
+        FileStamp stamp;
+        if (resource->IsLoaded() && File::GetStamp(resource->GetOwnerName(), name.GetText(), stamp).IsOk() &&
+            stamp != resource->loadedStamp) {
+            resource->AddReference();
+            changed.push_back(resource);
+        }
+    }
+    for (const Resource* resource : changed) {
+        resource->NoteChange();
+        resource->ReleaseReference();
+    }
+}
+
+void ResourceDatabase::DropUnused()
+{
+    EngineVector<Resource*> unused;
+    std::erase_if(resources, [&unused](const Resources::value_type& entry) {
+        Resource* const resource = entry.second;
+        if (resource->references > 0 || resource->locks > 0 || std::exchange(resource->touched, false)) {
+            return false;
+        }
+        unused.push_back(resource);
+        return true;
+    });
+    for (Resource* resource : unused) {
+        Delete(resource);
+    }
+}
+
+void ResourceDatabase::Delete(Resource* resource)
+{
+    resource->GiveUpContent();
+    delete resource;
+}
+
+const ResourceTypeBase* ResourceDatabase::FindType(const PString& name)
+{
+    const ResourceTypeBase* best = nullptr;
+    for (const PluginType* plugin : PluginRegistry::Get().GetTypes()) {
+        const auto* const type = dynamic_cast<const ResourceTypeBase*>(plugin);
+        if (type == nullptr || !type->Takes(name.GetView())) {
+            continue;
+        }
+        if (best == nullptr || type->GetName().GetView().size() > best->GetName().GetView().size()) {
+            best = type;
+        }
+    }
+    return best;
+}
+
+bool ResourceDatabase::FindOwner(const PString& name, PString& owner) const
+{
+    for (const PString& candidate : owners) {
+        FileStamp stamp;
+        const int code = File::GetStamp(candidate, name.GetText(), stamp).GetCode();
+        // A file that will not open is there all the same; Lock() tells what is wrong with it.
+        if (code == File::Opened || code == File::Empty || code == File::TooLarge) {
+            owner = candidate;
+            return true;
+        }
+    }
+    return false;
+}
+
+} // namespace Quon

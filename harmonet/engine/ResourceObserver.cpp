@@ -1,0 +1,8 @@
+#include "harmonet/engine/ResourceObserver.h"
+
+namespace Quon
+{
+
+ResourceObserver::~ResourceObserver() = default;
+
+} // namespace Quon

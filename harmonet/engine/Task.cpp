@@ -1,0 +1,36 @@
+#include "harmonet/engine/Task.h"
+
+#include "harmonet/engine/TaskList.h"
+
+namespace Quon
+{
+
+Task::Task(const PString& newName, float newOrder, bool newActive)
+    : name(newName)
+    , order(newOrder)
+    , active(newActive)
+{
+    TaskList::Get().Enter(*this);
+}
+
+Task::~Task()
+{
+    // A list that has ended before its tasks has let go of them.
+    if (IsLinked()) {
+        TaskList::Get().Leave(*this);
+    }
+}
+
+const PString& Task::GetName() const
+{
+    return name;
+}
+
+bool Task::Init(OS*)
+{
+    return true;
+}
+
+void Task::Done() {}
+
+} // namespace Quon
