@@ -1,6 +1,8 @@
 #pragma once
 
+#include <bit>
 #include <cstdint>
+#include <cstring>
 
 namespace Quon
 {
@@ -19,6 +21,14 @@ inline std::int16_t LoadLittleSigned16(const unsigned char* bytes)
 inline std::uint32_t LoadLittle32(const unsigned char* bytes)
 {
     return LoadLittle16(bytes) | static_cast<std::uint32_t>(LoadLittle16(bytes + 2)) << 16;
+}
+
+inline void StoreLittle16(unsigned char* bytes, int number)
+{
+    auto low = static_cast<std::uint16_t>(number);
+    if constexpr (std::endian::native == std::endian::big)
+        low = static_cast<std::uint16_t>(low << 8 | low >> 8);
+    std::memcpy(bytes, &low, sizeof low);
 }
 
 } // namespace Quon

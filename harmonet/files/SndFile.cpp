@@ -1,6 +1,7 @@
 #include "harmonet/files/SndFile.h"
 
 #include "harmonet/files/BufferOwner.h"
+#include "harmonet/files/SndFileAdpcm.h"
 #include "harmonet/files/SndFileCache.h"
 #include "harmonet/files/SndFileHandle.h"
 #include "harmonet/files/SndFileWav.h"
@@ -44,6 +45,8 @@ std::unique_ptr<SndFile> MakeReader(int fileType)
     switch (fileType) {
     case SndFile::FileWav:
         return std::make_unique<SndFileWav>();
+    case SndFile::FileAdpcm:
+        return std::make_unique<SndFileAdpcm>();
     default:
         return nullptr;
     }

@@ -100,7 +100,8 @@ int SndFileWav::ReadSamples(unsigned char* buffer, int samples)
     const std::uint64_t position = static_cast<std::uint64_t>(frameBytes) * currentSample;
     if (position > maxDataBytes)
         return 0;
-    const int wanted = std::min(samples, std::numeric_limits<int>::max() / frameBytes);
+    const int wanted = std::min({samples, std::numeric_limits<int>::max() / frameBytes,
+        std::numeric_limits<int>::max() - currentSample});
     const int got = Read(buffer, frameBytes * wanted, static_cast<int>(position)) / frameBytes;
     if (got > 0)
         currentSample += got;
