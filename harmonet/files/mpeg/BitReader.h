@@ -1,0 +1,49 @@
+#pragma once
+
+namespace Quon
+{
+
+/// Reads unsigned fields from a block of bytes, the most significant bit first. It borrows the bytes and
+/// knows no end: the caller's bit budgets keep it inside, and each read touches the three bytes at the
+/// position.
+class BitReader
+{
+public:
+    void Set(const unsigned char* bytes)
+    {
+        bitPointer = bytes;
+        bitOffset = 0;
+    }
+
+    /// The next `n` bits, 0 to 16. 0 reads nothing and gives 0.
+    unsigned GetBits(int n)
+    {
+        if (n == 0) {
+            return 0;
+        }
+        const unsigned window = bitPointer[0] << 16 | bitPointer[1] << 8 | bitPointer[2];
+        const unsigned bits = (window << bitOffset & 0xFFFFFFu) >> (24 - n);
+        Move(n);
+        return bits;
+    }
+
+    /// Goes back by `n` bits, which must have been read.
+    void UngetBits(int n) { Move(-n); }
+
+    /// Goes on by any number of bits, or back by a negative one.
+    void Move(int n)
+    {
+        const int position = bitOffset + n;
+        bitPointer += position >> 3;
+        bitOffset = position & 7;
+    }
+
+    const unsigned char* BitPointer() const { return bitPointer; }
+    int BitOffset() const { return bitOffset; }
+
+private:
+    const unsigned char* bitPointer = nullptr;
+    int bitOffset = 0;
+};
+
+} // namespace Quon

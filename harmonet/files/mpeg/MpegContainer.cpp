@@ -1,0 +1,89 @@
+// What wraps an MPEG stream: the probe and the parser of the RIFF/WAVE container.
+
+#include "harmonet/files/RiffWalk.h"
+#include "harmonet/files/SndFileHandle.h"
+#include "harmonet/files/mpeg/FrameParser.h"
+#include "harmonet/files/mpeg/SndFileMP3.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr std::uint32_t maxMpegFormatBytes = 4096;
+constexpr int unknownSamples = -1;
+
+bool IsMpegWave(SndFileHandle& handle)
+{
+    RiffWalk walk(handle);
+    while (walk.Next()) {
+        if (walk.Is("fmt ")) {
+            return walk.GetSize() >= RiffWalk::minFormatBytes && walk.GetSize() <= RiffWalk::maxFormatBytes &&
+                walk.ReadFormat().formatTag == waveTagMpegLayer3;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+int ProbeMpeg(SndFileHandle* handle)
+{
+    if (IsMpegWave(*handle)) {
+        return SndFile::FileMP3;
+    }
+    unsigned char bytes[frameHeaderBytes];
+    if (handle->ReadAt(bytes, frameHeaderBytes, 0) < frameHeaderBytes) {
+        return SndFile::FileNone;
+    }
+    const unsigned headerBits = LoadFrameHeader(bytes);
+    FrameHeader header = SplitFrameHeader(headerBits);
+    // The forbidden bitrate passes here and is left to the opening of the file.
+    if (header.bitrateIndex == 15) {
+        header.bitrateIndex = 1;
+    }
+    return HasFrameSync(headerBits) && IsPlayable(header) ? SndFile::FileMP3 : SndFile::FileNone;
+}
+
+// A failure is of no consequence: the stream is then taken from the start of the file, or from the data that
+// stand ahead of their format, and counted.
+bool SndFileMP3::ParseContainer()
+{
+    fileType = FileNone;
+    dataOffset = 0;
+    bytesPerSample = 2;
+    soundSamples = unknownSamples;
+    int factCount = unknownSamples;
+    bool hasData = false;
+    RiffWalk walk(*handle);
+    while (!hasData && walk.Next()) {
+        if (walk.Is("fmt ") && fileType != FileMP3) {
+            TakeContainerFormat(walk.GetSize(), walk.ReadFormat());
+        }
+        else if (walk.Is("fact")) {
+            factCount = static_cast<int>(walk.ReadNumber());
+        }
+        else if (walk.Is("data")) {
+            dataOffset = walk.GetContentOffset();
+            hasData = true;
+        }
+    }
+    if (!hasData || fileType != FileMP3) {
+        fileType = FileNone;
+        return false;
+    }
+    soundSamples = factCount;
+    return true;
+}
+
+void SndFileMP3::TakeContainerFormat(unsigned int chunkBytes, const WaveFormatEx& format)
+{
+    const bool fits = chunkBytes >= RiffWalk::minFormatBytes && chunkBytes <= maxMpegFormatBytes;
+    if (fits && format.formatTag == waveTagMpegLayer3) {
+        fileType = FileMP3;
+        bytesPerSample = format.bitsPerSample / 8 == 1 ? 1 : 2;
+    }
+}
+
+} // namespace Quon

@@ -1,0 +1,357 @@
+// The stream: opening, positions, and the frames as they are read. The decoding of a frame's content is in
+// SndFileMP3Decode.cpp, the container in MpegContainer.cpp.
+
+#include "harmonet/files/mpeg/SndFileMP3.h"
+
+#include "harmonet/engine/File.h"
+#include "harmonet/files/SndFileHandle.h"
+#include "harmonet/files/SndNode.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr int maxInt = std::numeric_limits<int>::max();
+/// Positions and counts are ints: a stream ends where the next frame could lead beyond them.
+constexpr int maxReadPosition = maxInt - 4096;
+
+template<class T>
+void AllocateZeroed(T*& buffer, int bytes)
+{
+    buffer = static_cast<T*>(Alloc::New(static_cast<unsigned int>(bytes)));
+    std::memset(buffer, 0, static_cast<std::size_t>(bytes));
+}
+
+template<class T>
+void Free(T*& buffer)
+{
+    Alloc::Delete(buffer);
+    buffer = nullptr;
+}
+
+} // namespace
+
+int SndFileMP3::livingObjects = 0;
+DecoderTables* SndFileMP3::tables = nullptr;
+const DecoderKernels* SndFileMP3::kernels = nullptr;
+
+SndFileMP3::SndFileMP3()
+{
+    if (livingObjects == 0) {
+        tables = new DecoderTables;
+    }
+    if (kernels == nullptr) {
+        kernels = &SelectKernels();
+    }
+    ++livingObjects;
+}
+
+SndFileMP3::~SndFileMP3()
+{
+    --livingObjects;
+    SndFileMP3::CloseFile(0, nullptr);
+    if (livingObjects == 0) {
+        delete tables;
+        tables = nullptr;
+    }
+}
+
+void SndFileMP3::UseKernels(const DecoderKernels* chosen)
+{
+    kernels = chosen != nullptr ? chosen : &SelectKernels();
+}
+
+bool SndFileMP3::OpenMemory(void*, unsigned long, WaveFormatEx*)
+{
+    return false;
+}
+
+bool SndFileMP3::Open(SndNode* newNode)
+{
+    CloseFile(0, nullptr);
+    SndFile::Open(newNode);
+    if (fileType != FileMP3) {
+        Abandon();
+        return false;
+    }
+    bytesPerSample = bytesPerSample == 1 ? 1 : 2;
+    AllocateBuffers();
+    Rewind();
+    if (!ReadHeader()) {
+        Abandon();
+        return false;
+    }
+    FinishOpen();
+    return true;
+}
+
+bool SndFileMP3::OpenHandle(SndFileHandle* newHandle)
+{
+    CloseFile(0, nullptr);
+    dataOffset = 0;
+    if (!newHandle->GetFile().IsOpen()) {
+        return false;
+    }
+    const unsigned long fileBytes = newHandle->GetFile().Size();
+    AllocateBuffers();
+    Rewind();
+    handle = newHandle;
+    size = fileBytes;
+    ParseContainer();
+    if (!ReadHeader()) {
+        Abandon();
+        return false;
+    }
+    if (soundSamples < 0) {
+        CountSamples();
+    }
+    FinishOpen();
+    return true;
+}
+
+void SndFileMP3::CountSamples()
+{
+    soundSamples = 0;
+    do {
+        soundSamples += frameSamples;
+        readPosition += frameLength;
+    } while (soundSamples <= maxInt - maxFrameSamples && ReadHeader());
+}
+
+// The format stays that of the last header read, and the reservoir is empty whatever that header said.
+void SndFileMP3::FinishOpen()
+{
+    fileType = FileMP3;
+    soundLength = CalcLength(soundSamples);
+    openChannels = channels;
+    readPosition = 0;
+    frameLength = 0;
+    pcmIndex = frameSamples;
+}
+
+void* SndFileMP3::CreateNodeInfo()
+{
+    return nullptr;
+}
+
+void SndFileMP3::CloseFile(unsigned int soundID, Sound* owner)
+{
+    FreeBuffers();
+    Rewind();
+    openChannels = 0;
+    SndFile::CloseFile(soundID, owner);
+}
+
+void SndFileMP3::AllocateBuffers()
+{
+    FreeBuffers();
+    AllocateZeroed(overlapBuffer, static_cast<int>(maxChannels * overlapPerChannel * sizeof(float)));
+    AllocateZeroed(synthBuffer, static_cast<int>(maxChannels * synthesisHistorySize * sizeof(float)));
+    AllocateZeroed(frameBuffer, frameBufferBytes);
+    AllocateZeroed(pcmBuffer, pcmBufferBytes);
+}
+
+void SndFileMP3::FreeBuffers()
+{
+    Free(overlapBuffer);
+    Free(synthBuffer);
+    Free(frameBuffer);
+    Free(pcmBuffer);
+}
+
+// A broken stream can read beyond its own bytes in `frameBuffer`: cleared, it gives the same again.
+void SndFileMP3::Rewind()
+{
+    currentSample = 0;
+    readPosition = 0;
+    previousLength = 0;
+    frameLength = 0;
+    frameSamples = 0;
+    pcmIndex = 0;
+    if (overlapBuffer != nullptr) {
+        std::fill_n(overlapBuffer, maxChannels * overlapPerChannel, 0.0f);
+    }
+    if (synthBuffer != nullptr) {
+        std::fill_n(synthBuffer, maxChannels * synthesisHistorySize, 0.0f);
+    }
+    if (frameBuffer != nullptr) {
+        std::fill_n(frameBuffer, frameBufferBytes, static_cast<unsigned char>(0));
+    }
+}
+
+unsigned long SndFileMP3::GetRemainLength()
+{
+    return CalcRemainLength(FileMP3);
+}
+
+unsigned long SndFileMP3::GetCurrentLength()
+{
+    return CalcCurrentLength(FileMP3);
+}
+
+bool SndFileMP3::ReadHeader()
+{
+    if (readPosition > maxReadPosition) {
+        return false;
+    }
+    headBytesHeld = Read(headBytes, headBytesRead, readPosition);
+    if (headBytesHeld < frameHeaderBytes) {
+        return false;
+    }
+    if (!HasFrameSync(LoadFrameHeader(headBytes))) {
+        if (!FindSync()) {
+            return false;
+        }
+        headBytesHeld = Read(headBytes, headBytesRead, readPosition);
+    }
+    readPosition += frameHeaderBytes;
+    const FrameHeader found = SplitFrameHeader(LoadFrameHeader(headBytes));
+    if (!IsPlayable(found)) {
+        return false;
+    }
+    header = found;
+    FollowHeader();
+    bitrate = BitrateKbps(header);
+    sideInfoLength = SideInfoBytes(header);
+    frameLength = FrameBytes(header);
+    frameSamples = FrameSamples(header);
+    msStereo = header.MsStereo();
+    intensityStereo = header.IntensityStereo();
+    return true;
+}
+
+void SndFileMP3::FollowHeader()
+{
+    channels = header.Channels();
+    sampleFrequency = SampleRateHz(header);
+}
+
+bool SndFileMP3::FindSync()
+{
+    unsigned char chunk[1024];
+    while (readPosition <= maxReadPosition) {
+        const int held = Read(chunk, sizeof chunk, readPosition);
+        const int candidates = held - (frameHeaderBytes - 1);
+        for (int i = 0; i < candidates; ++i) {
+            if (HasFrameSync(LoadFrameHeader(chunk + i))) {
+                readPosition += i;
+                return true;
+            }
+        }
+        if (held < static_cast<int>(sizeof chunk)) {
+            readPosition += held;
+            return false;
+        }
+        readPosition += candidates;
+    }
+    return false;
+}
+
+bool SndFileMP3::DecodeFrame()
+{
+    if (ReadFrame()) {
+        pcmIndex = 0;
+        return true;
+    }
+    // The header may have changed the length of a frame, and what lies in the buffer belongs to an old one.
+    pcmIndex = frameSamples;
+    return false;
+}
+
+int SndFileMP3::ReadSamples(unsigned char* buffer, int samples)
+{
+    if (samples <= 0 || fileType != FileMP3) {
+        return 0;
+    }
+    const std::int64_t room = std::int64_t{samples} * std::min(openChannels, channels) * bytesPerSample;
+    int delivered = 0;
+    while (delivered < samples && currentSample <= maxInt - maxFrameSamples) {
+        if (pcmIndex >= frameSamples && !DecodeNext(delivered > 0)) {
+            break;
+        }
+        FollowHeader();
+        const int stride = channels * bytesPerSample;
+        const int fitting = static_cast<int>(room / stride) - delivered;
+        const int count = std::min({samples - delivered, frameSamples - pcmIndex, fitting});
+        if (count <= 0) {
+            break;
+        }
+        std::memcpy(buffer + std::ptrdiff_t{delivered} * stride, pcmBuffer + pcmIndex * stride,
+            static_cast<std::size_t>(count) * stride);
+        pcmIndex += count;
+        delivered += count;
+        currentSample += count;
+    }
+    return delivered;
+}
+
+// What has been delivered is told apart by the format, which stays until the next call has samples of
+// another.
+bool SndFileMP3::DecodeNext(bool keepChannels)
+{
+    const int lastChannels = channels;
+    const int lastFrequency = sampleFrequency;
+    const bool decoded = DecodeFrame();
+    if (!keepChannels || (decoded && channels == lastChannels)) {
+        return decoded;
+    }
+    channels = lastChannels;
+    sampleFrequency = lastFrequency;
+    return false;
+}
+
+int SndFileMP3::SkipFrame(int samples)
+{
+    const int headerPosition = readPosition;
+    const int heldLength = frameLength;
+    const int heldSideInfo = sideInfoLength;
+    if (!ReadHeader()) {
+        return 0;
+    }
+    pcmIndex = frameSamples;
+    if (frameSamples > samples) {
+        // Longer than the frames before it: it is left to be decoded.
+        readPosition = headerPosition;
+        frameLength = heldLength;
+        sideInfoLength = heldSideInfo;
+        return 0;
+    }
+    readPosition += frameLength;
+    return frameSamples;
+}
+
+int SndFileMP3::SkipSamples(int samples)
+{
+    if (samples <= 0 || fileType != FileMP3) {
+        return 0;
+    }
+    int left = std::min(samples, maxInt - maxFrameSamples - currentSample);
+    const int wanted = left;
+    while (left > 0) {
+        if (pcmIndex < frameSamples) {
+            FollowHeader();
+            const int count = std::min(left, frameSamples - pcmIndex);
+            pcmIndex += count;
+            left -= count;
+        }
+        int skipped = frameSamples;
+        while (skipped != 0 && frameSamples != 0 && left >= frameSamples) {
+            skipped = SkipFrame(left);
+            left -= skipped;
+        }
+        if (left > 0 && !DecodeFrame()) {
+            break;
+        }
+    }
+    currentSample += std::max(wanted - left, 0);
+    return std::max(wanted - left, 0);
+}
+
+} // namespace Quon

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "harmonet/files/mpeg/DecoderTables.h"
+#include "harmonet/files/mpeg/SideInfo.h"
+
+namespace Quon
+{
+
+/// What intensity stereo needs of a granule. Block type and scale are those of the first channel's record;
+/// positions and limits are the right channel's.
+struct IntensityInput
+{
+    bool isMpeg1;
+    bool msStereo; ///< Mid/side is on where a line is not intensity coded.
+    const GranuleInfo& first;
+    const ScaleFactors& positions;
+    const SpectrumLimits& rightLimits;
+    const BandTable& bands;
+};
+
+/// Intensity stereo on both channels' 576 lines, in place: the bands above the end of the right channel's
+/// spectrum are shared out between the channels by position. Mid/side, where it is on as well, is done on the
+/// remaining lines. Function on plain arrays for SndFileMP3.
+void ApplyIntensityStereo(
+    const IntensityTables& tables, const IntensityInput& input, float* left, float* right);
+
+} // namespace Quon

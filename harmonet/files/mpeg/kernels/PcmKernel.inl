@@ -1,0 +1,44 @@
+// Conversion of samples to 16-bit PCM.
+
+/// Scales, truncates towards zero and clips. The comparisons are so arranged that a NaN comes out as a limit.
+[[gnu::always_inline]] inline IntLanes ToPcm(Lanes sample)
+{
+    const Lanes highest = Broadcast(32767.0f);
+    const Lanes lowest = Broadcast(-32768.0f);
+    sample *= highest;
+    sample = sample < highest ? sample : highest;
+    sample = sample > lowest ? sample : lowest;
+    return __builtin_convertvector(sample, IntLanes);
+}
+
+/// Two neighbouring 16-bit samples, the first one at the lower address.
+[[gnu::always_inline]] inline void StorePairs(IntLanes first, IntLanes second, unsigned char* pcm)
+{
+    if constexpr (isLittleEndian) {
+        const IntLanes pairs = (second << 16) | (first & 0xFFFF);
+        __builtin_memcpy(pcm, &pairs, sizeof pairs);
+    }
+    else {
+        for (int i = 0; i < laneCount; ++i) {
+            pcm[4 * i] = static_cast<unsigned char>(first[i]);
+            pcm[4 * i + 1] = static_cast<unsigned char>(first[i] >> 8);
+            pcm[4 * i + 2] = static_cast<unsigned char>(second[i]);
+            pcm[4 * i + 3] = static_cast<unsigned char>(second[i] >> 8);
+        }
+    }
+}
+
+void StorePcm16(const float* left, const float* right, int count, unsigned char* pcm)
+{
+    if (right != nullptr) {
+        for (int i = 0; i < count; i += laneCount) {
+            StorePairs(ToPcm(Load(left + i)), ToPcm(Load(right + i)), pcm + 4 * i);
+        }
+        return;
+    }
+    for (int i = 0; i < count; i += 2 * laneCount) {
+        const IntLanes low = ToPcm(Load(left + i));
+        const IntLanes high = ToPcm(Load(left + i + laneCount));
+        StorePairs(Evens(low, high), Odds(low, high), pcm + 2 * i);
+    }
+}
