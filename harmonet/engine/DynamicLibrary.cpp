@@ -1,8 +1,11 @@
 #include "harmonet/engine/DynamicLibrary.h"
 
+#include "harmonet/engine/LibraryImage.h"
+
 #include <string_view>
 
 #include <dlfcn.h>
+#include <unistd.h>
 
 namespace Quon
 {
@@ -20,15 +23,6 @@ EngineString OwnFolder()
     const std::string_view path = info.dli_fname;
     const std::size_t slash = path.rfind('/');
     return EngineString(slash != std::string_view::npos ? path.substr(0, slash + 1) : "./");
-}
-
-EngineString Joined(const EngineString& folder, const char* name)
-{
-    EngineString path = folder;
-    if (!path.ends_with('/')) {
-        path += '/';
-    }
-    return path += name;
 }
 
 } // namespace
@@ -52,16 +46,17 @@ bool DynamicLibrary::Open(const char* name)
     if (std::string_view(name).find('/') != std::string_view::npos) {
         return OpenFile(name);
     }
-    for (const EngineString& folder : folders) {
-        if (OpenFile(Joined(folder, name))) {
+    // The loader is asked last, and not about a file that was found and refused: it could find the same one
+    // by a path of its own and would not look at it as closely.
+    bool isRefused = false;
+    for (const EngineString& place : Places()) {
+        const EngineString path = place + name;
+        if (OpenFile(path)) {
             return true;
         }
+        isRefused = isRefused || access(path.c_str(), F_OK) == 0;
     }
-    const EngineString own = OwnFolder();
-    if (!own.empty() && OpenFile(Joined(own, name))) {
-        return true;
-    }
-    return OpenFile(name);
+    return !isRefused && Load(name);
 }
 
 void DynamicLibrary::Close()
@@ -78,9 +73,28 @@ bool DynamicLibrary::GetSymbol(void** address, const char* name)
     return *address != nullptr;
 }
 
+/// The folders to look in, each with a slash at its end.
+EngineVector<EngineString> DynamicLibrary::Places() const
+{
+    EngineVector<EngineString> places;
+    for (const EngineString& folder : folders) {
+        places.push_back(folder.ends_with('/') ? folder : folder + '/');
+    }
+    const EngineString own = OwnFolder();
+    if (!own.empty()) {
+        places.push_back(own);
+    }
+    return places;
+}
+
 bool DynamicLibrary::OpenFile(const EngineString& path)
 {
-    handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+    return IsWholeLibraryImage(path.c_str()) && Load(path.c_str());
+}
+
+bool DynamicLibrary::Load(const char* path)
+{
+    handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
     return handle != nullptr;
 }
 

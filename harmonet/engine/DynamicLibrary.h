@@ -28,9 +28,10 @@ public:
     /// Loads the library of that file name, and closes first what the object still holds.
     ///
     /// A name without a folder is looked for in the host's driver folders, then beside the engine library,
-    /// then by the rules of the platform's loader; what is there and cannot be loaded is passed over. A name
-    /// with a folder is taken as it stands. False if nothing could be loaded; then the object holds nothing.
-    /// May block on the disk, and runs the code that the library has for its start.
+    /// and what lies there and cannot be loaded is passed over; if there is no such file, the platform's
+    /// loader looks by its own rules. A name with a folder is taken as it stands. A file that is no library,
+    /// or only the first part of one, is refused. False if nothing could be loaded; then the object holds
+    /// nothing. May block on the disk, and runs the code that the library has for its start.
     virtual bool Open(const char* name);
 
     /// Unloads the library; does nothing if there is none. No code, object or text of it may be used
@@ -45,7 +46,9 @@ public:
     virtual ~DynamicLibrary();
 
 private:
+    EngineVector<EngineString> Places() const;
     bool OpenFile(const EngineString& path);
+    bool Load(const char* path);
 
     EngineVector<EngineString> folders;
     void* handle = nullptr;

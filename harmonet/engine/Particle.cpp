@@ -14,7 +14,7 @@ Particle::Particle() = default;
 Particle::Particle(const Particle& other)
     : Element(other)
     , ITree<Particle>(other)
-    , name(other.name)
+    , particleName(other.particleName)
     , orientation(other.orientation)
     , position(other.position)
     , boundingCenter(other.boundingCenter)
@@ -25,7 +25,7 @@ Particle::Particle(const Particle& other)
 
 Particle& Particle::operator=(const Particle& other)
 {
-    name = other.name;
+    particleName = other.particleName;
     orientation = other.orientation;
     position = other.position;
     boundingCenter = other.boundingCenter;
@@ -48,7 +48,7 @@ int Particle::GetID() const
 
 void Particle::SetName(const PString& newName)
 {
-    name = newName;
+    particleName = newName;
 }
 
 void Particle::SetPosition(const Vector3& newPosition)
@@ -128,7 +128,7 @@ bool Particle::Add(Particle* child)
 bool Particle::Add(const PString& nodeName, Particle* child)
 {
     Particle* node = this;
-    while (node != nullptr && !nodeName.IsEmpty() && !(node->name == nodeName)) {
+    while (node != nullptr && !nodeName.IsEmpty() && !(node->particleName == nodeName)) {
         node = node->GetNextBelow(this);
     }
     return node != nullptr && node->Add(child);

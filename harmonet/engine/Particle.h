@@ -72,7 +72,7 @@ public:
     /// Makes all children roots.
     virtual void RemoveAllChildren();
 
-    const PString& GetName() const { return name; }
+    const PString& GetName() const { return particleName; }
     /// In the parent's space.
     const Vector3& GetPosition() const { return position; }
     const Quaternion& GetOrientation() const { return orientation; }
@@ -83,7 +83,7 @@ public:
     void LocalToGlobal(Quaternion& localOrientation) const;
 
 protected:
-    PString name;
+    PString particleName;
     Quaternion orientation;
     Vector3 position;
     /// The sphere around the node and all below it, its centre in the parent's space. Nodes are not drawn or

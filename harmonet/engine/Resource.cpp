@@ -10,16 +10,16 @@ namespace Quon
 {
 
 Resource::Resource(const PString& newName, const ResourceDatabase* database)
-    : name(newName)
+    : resourceName(newName)
 {
-    if (database != nullptr && database->FindOwner(name, ownerName)) {
-        SetType(ResourceDatabase::FindType(name));
+    if (database != nullptr && database->FindOwner(resourceName, ownerName)) {
+        SetType(ResourceDatabase::FindType(resourceName));
     }
 }
 
 Resource::Resource(const Resource& other)
     : Allocated(other)
-    , name(other.name)
+    , resourceName(other.resourceName)
     , ownerName(other.ownerName)
 {
     SetType(other.type);
@@ -164,9 +164,9 @@ Result Resource::LoadContent(const ResourceDatabase* database) const
 {
     // The state before the load: a change during it is then seen as one.
     FileStamp stamp;
-    File::GetStamp(ownerName, name.GetText(), stamp);
+    File::GetStamp(ownerName, resourceName.GetText(), stamp);
 
-    const std::string_view nameText = name.GetView();
+    const std::string_view nameText = resourceName.GetView();
     EngineVector<char> path(nameText.begin(), nameText.end());
     path.push_back('\0');
 

@@ -96,7 +96,7 @@ public:
     /// The resource that stands for this one; null, as here, if it stands for itself.
     virtual const Resource* GetRedirection() const;
 
-    const PString& GetName() const { return name; }
+    const PString& GetName() const { return resourceName; }
 
     /// The owner, in the sense of File, of the folder in which the file was found; empty if it was not found.
     const PString& GetOwnerName() const { return ownerName; }
@@ -126,7 +126,7 @@ private:
     template<class Notice>
     void TellObservers(Notice notice) const;
 
-    PString name;
+    PString resourceName;
     PString ownerName;
     /// Null if no database found a type for the name. Held by a reference.
     const ResourceTypeBase* type = nullptr;

@@ -32,7 +32,7 @@ bool EndsWith(std::string_view text, std::string_view ending)
 } // namespace
 
 ResourceTypeBase::ResourceTypeBase(const PString& newName, const UId& newTypeID, const UId& newCommonID)
-    : name(newName)
+    : typeName(newName)
     , typeID(newTypeID)
     , commonID(newCommonID)
 {
@@ -50,12 +50,12 @@ bool ResourceTypeBase::Takes(std::string_view fileName) const
     const std::size_t separator = fileName.find_last_of("/\\");
     const std::string_view lastPart =
         separator != std::string_view::npos ? fileName.substr(separator + 1) : fileName;
-    return !name.IsEmpty() && EndsWith(lastPart, name.GetView());
+    return !typeName.IsEmpty() && EndsWith(lastPart, typeName.GetView());
 }
 
 bool ResourceTypeBase::IsText() const
 {
-    return EndsWith(name.GetView(), "txt");
+    return EndsWith(typeName.GetView(), "txt");
 }
 
 } // namespace Quon

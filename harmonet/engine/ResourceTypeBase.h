@@ -32,7 +32,7 @@ public:
     /// Makes a resource that has no file behind it. This one makes none and gives null.
     virtual Resource* CreateOnTheFly(const PString& name, const ResourceDatabase* database) const;
 
-    const PString& GetName() const { return name; }
+    const PString& GetName() const { return typeName; }
     const UId& GetTypeID() const { return typeID; }
     const UId& GetCommonID() const { return commonID; }
 
@@ -48,7 +48,7 @@ protected:
     ~ResourceTypeBase() override;
 
 private:
-    PString name;
+    PString typeName;
     UId typeID;
     UId commonID;
 };

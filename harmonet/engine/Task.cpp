@@ -6,7 +6,7 @@ namespace Quon
 {
 
 Task::Task(const PString& newName, float newOrder, bool newActive)
-    : name(newName)
+    : taskName(newName)
     , order(newOrder)
     , active(newActive)
 {
@@ -23,7 +23,7 @@ Task::~Task()
 
 const PString& Task::GetName() const
 {
-    return name;
+    return taskName;
 }
 
 bool Task::Init(OS*)

@@ -52,7 +52,7 @@ public:
 private:
     friend class TaskList;
 
-    PString name;
+    PString taskName;
     float order;
     bool active;
     /// Held back until this much time has gathered.

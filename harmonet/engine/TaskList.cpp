@@ -81,7 +81,7 @@ void TaskList::SetMinimumStep(const PString& taskName, float seconds)
     }
     for (IListNode* node = head.next; node != &head; node = node->next) {
         Task& task = static_cast<Task&>(*node);
-        if (task.name == taskName) {
+        if (task.taskName == taskName) {
             task.minimumStepSeconds = std::max(seconds, 0.0f);
         }
     }
@@ -111,7 +111,7 @@ void TaskList::Enter(Task& task)
         task.bornInUpdate = updateNumber;
     }
     for (const MinimumStep& step : minimumSteps) {
-        if (step.taskName == task.name) {
+        if (step.taskName == task.taskName) {
             task.minimumStepSeconds = step.seconds;
         }
     }

@@ -1,0 +1,152 @@
+#include "harmonet/engine/DynamicLibrary.h"
+#include "harmonet/engine/OS.h"
+
+#include "TempFolder.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <sys/stat.h>
+
+namespace Quon
+{
+namespace
+{
+
+const std::filesystem::path module = ENGINE_TEST_MODULE;
+const std::string moduleName = module.filename().string();
+
+std::unique_ptr<DynamicLibrary> MakeLibrary(const OS& os)
+{
+    return std::unique_ptr<DynamicLibrary>(os.CreateDynamicLibrary());
+}
+
+/// What the module's function gives, or -1 if it cannot be found.
+int Answer(DynamicLibrary& library)
+{
+    void* symbol = nullptr;
+    if (!library.GetSymbol(&symbol, "ModuleAnswer")) {
+        return -1;
+    }
+    int (*answer)() = nullptr;
+    std::memcpy(&answer, &symbol, sizeof(symbol));
+    return answer();
+}
+
+std::string ModuleBytes()
+{
+    std::ifstream file(module, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrder)
+{
+    const TempFolder broken;
+    broken.Write(moduleName, "this is no library");
+    OS os;
+    const auto before = MakeLibrary(os);
+    EXPECT_FALSE(before->Open(moduleName.c_str()));
+
+    os.AddDriverFolder(broken.Path().c_str());
+    os.AddDriverFolder("");
+    os.AddDriverFolder((module.parent_path().string() + "/").c_str());
+    const auto library = MakeLibrary(os);
+    ASSERT_TRUE(library->Open(moduleName.c_str()));
+    EXPECT_EQ(Answer(*library), 42);
+    EXPECT_TRUE(moduleName.ends_with(dynamicLibrarySuffix));
+}
+
+TEST(DynamicLibrary, IsFoundBesideTheEngineWithoutAFolderOfTheHost)
+{
+    const std::string name = "BesideTheEngine" + std::string(dynamicLibrarySuffix);
+    const std::filesystem::path place = std::filesystem::path(ENGINE_LIBRARY).parent_path() / name;
+    std::filesystem::copy_file(module, place, std::filesystem::copy_options::overwrite_existing);
+    const OS os;
+    const auto library = MakeLibrary(os);
+    EXPECT_TRUE(library->Open(name.c_str()));
+    EXPECT_EQ(Answer(*library), 42);
+    std::filesystem::remove(place);
+}
+
+TEST(DynamicLibrary, WithAFolderInItsNameIsTakenAsItStands)
+{
+    const OS os;
+    const auto library = MakeLibrary(os);
+    EXPECT_TRUE(library->Open(module.c_str()));
+    EXPECT_EQ(Answer(*library), 42);
+}
+
+TEST(DynamicLibrary, LetsGoOfTheOldLibraryWhenItOpensAnother)
+{
+    const OS os;
+    const auto library = MakeLibrary(os);
+    ASSERT_TRUE(library->Open(module.c_str()));
+    EXPECT_FALSE(library->Open("/nonexistent/library.so"));
+    EXPECT_EQ(Answer(*library), -1);
+    EXPECT_TRUE(library->Open(module.c_str()));
+    library->Close();
+    library->Close();
+    EXPECT_EQ(Answer(*library), -1);
+}
+
+TEST(DynamicLibrary, HasNoSymbolThatIsNotThere)
+{
+    const OS os;
+    const auto library = MakeLibrary(os);
+    ASSERT_TRUE(library->Open(module.c_str()));
+    void* symbol = &symbol;
+    EXPECT_FALSE(library->GetSymbol(&symbol, "NoSuchFunction"));
+    EXPECT_EQ(symbol, nullptr);
+    EXPECT_FALSE(library->GetSymbol(&symbol, nullptr));
+}
+
+TEST(DynamicLibrary, RefusesWhatIsNoLibrary)
+{
+    const TempFolder folder;
+    folder.Write("text.so", "#!/bin/sh\necho no\n");
+    folder.Write("empty.so", "");
+    folder.Write("magic.so",
+        "\x7F"
+        "ELF");
+    folder.Write("zeros.so", std::string(100000, '\0'));
+    std::filesystem::create_directory(folder.Path("folder.so"));
+    ASSERT_EQ(mkfifo(folder.Path("pipe.so").c_str(), 0600), 0);
+    std::filesystem::create_symlink("dangling", folder.Path("link.so"));
+    OS os;
+    os.AddDriverFolder(folder.Path().c_str());
+    for (const char* name : {"text.so", "empty.so", "magic.so", "zeros.so", "folder.so", "pipe.so", "link.so",
+             "missing.so", ""}) {
+        SCOPED_TRACE(name);
+        const auto library = MakeLibrary(os);
+        EXPECT_FALSE(library->Open(name));
+        EXPECT_FALSE(library->Open(folder.Path(name).c_str()));
+    }
+    EXPECT_FALSE(MakeLibrary(os)->Open(nullptr));
+}
+
+// The platform's loader maps a torn library without a look at its length and dies of it, so each prefix must
+// be refused before, or be enough to run.
+TEST(DynamicLibrary, RefusesEveryTruncationThatCannotRun)
+{
+    const TempFolder folder;
+    const std::string bytes = ModuleBytes();
+    ASSERT_GT(bytes.size(), 80000u);
+    const OS os;
+    int refused = 0;
+    for (std::size_t kept = 0; kept < bytes.size(); kept += 997) {
+        SCOPED_TRACE("kept " + std::to_string(kept) + " bytes");
+        // A fresh name for each: the loader knows a library again by its place on the disk.
+        const std::string path = folder.Write(std::to_string(kept) + ".so", bytes.substr(0, kept));
+        const auto library = MakeLibrary(os);
+        if (library->Open(path.c_str())) {
+            EXPECT_EQ(Answer(*library), 42);
+        }
+        else {
+            ++refused;
+        }
+    }
+    EXPECT_GT(refused, 40);
+}
+
+} // namespace
+} // namespace Quon

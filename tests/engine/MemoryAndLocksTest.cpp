@@ -1,0 +1,164 @@
+#include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/Exception.h"
+#include "harmonet/engine/SyncObject.h"
+#include "harmonet/engine/UId.h"
+
+#include <cstdint>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <memory>
+#include <thread>
+
+namespace Quon
+{
+namespace
+{
+
+struct Counted : Allocated
+{
+    virtual ~Counted() = default;
+    int value = 0;
+};
+
+struct Derived : Counted
+{
+    char more[1000] = {};
+};
+
+TEST(Alloc, CountsObjectsArraysAndContainersUntilTheyGo)
+{
+    const std::size_t before = Alloc::LiveBlocks();
+    {
+        const std::unique_ptr<Counted> object = std::make_unique<Derived>();
+        const std::unique_ptr<Counted[]> array(new Counted[3]);
+        EngineVector<int> vector(10);
+        EXPECT_EQ(Alloc::LiveBlocks(), before + 3);
+    }
+    EXPECT_EQ(Alloc::LiveBlocks(), before);
+}
+
+TEST(Alloc, GivesAlignedWritableBlocksOfAnySize)
+{
+    for (const unsigned int bytes : {0u, 1u, 7u, 16u, 100001u}) {
+        SCOPED_TRACE(bytes);
+        void* const block = Alloc::New(bytes);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % alignof(std::max_align_t), 0u);
+        std::memset(block, 0x5A, bytes);
+        Alloc::Delete(block);
+    }
+}
+
+TEST(Alloc, RefusesFourGibibytesInOnePiece)
+{
+    EngineVector<std::uint32_t> vector;
+    EXPECT_THROW(vector.reserve(std::size_t{1} << 30), std::bad_alloc);
+    EXPECT_THROW(Counted::operator new (std::size_t{1} << 32), std::bad_alloc);
+}
+
+template<class Lock>
+class Locks : public testing::Test
+{
+public:
+    /// Whether another thread gets the lock at once; it gives it back.
+    static bool IsFreeForAnotherThread(SyncObject& lock)
+    {
+        bool isFree = false;
+        std::thread([&lock, &isFree] {
+            isFree = lock.Lock(0);
+            if (isFree) {
+                lock.Unlock();
+            }
+        }).join();
+        return isFree;
+    }
+
+    static std::unique_ptr<SyncObject> Make();
+};
+
+template<>
+std::unique_ptr<SyncObject> Locks<CriticalSection>::Make()
+{
+    return std::make_unique<CriticalSection>(nullptr);
+}
+
+template<>
+std::unique_ptr<SyncObject> Locks<Mutex>::Make()
+{
+    return std::make_unique<Mutex>(false, nullptr);
+}
+
+using LockTypes = testing::Types<CriticalSection, Mutex>;
+TYPED_TEST_SUITE(Locks, LockTypes, );
+
+TYPED_TEST(Locks, AreHeldUntilTheLastOfNestedUnlocks)
+{
+    const std::unique_ptr<SyncObject> lock = this->Make();
+    ASSERT_TRUE(lock->Lock(-1));
+    {
+        const SyncLock nested(*lock);
+        ASSERT_TRUE(lock->Lock(0));
+        lock->Unlock();
+        EXPECT_FALSE(this->IsFreeForAnotherThread(*lock));
+    }
+    EXPECT_FALSE(this->IsFreeForAnotherThread(*lock));
+    lock->Unlock();
+    EXPECT_TRUE(this->IsFreeForAnotherThread(*lock));
+}
+
+TYPED_TEST(Locks, KeepTheThreadsApart)
+{
+    const std::unique_ptr<SyncObject> lock = this->Make();
+    int counter = 0;
+    const auto work = [&lock, &counter] {
+        for (int i = 0; i < 2000; ++i) {
+            const SyncLock guard(*lock);
+            counter = counter + 1;
+        }
+    };
+    std::thread first(work);
+    std::thread second(work);
+    first.join();
+    second.join();
+    EXPECT_EQ(counter, 4000);
+}
+
+TEST(Mutex, CanBeginInTheHandsOfItsMaker)
+{
+    Mutex mutex(true, "label");
+    EXPECT_FALSE(Locks<Mutex>::IsFreeForAnotherThread(mutex));
+    mutex.Unlock();
+    EXPECT_TRUE(Locks<Mutex>::IsFreeForAnotherThread(mutex));
+}
+
+TEST(ExceptionHandler, PassesTheResultOnAndStopsEveryException)
+{
+    const auto twice = [](void* argument) { return 2 * *static_cast<int*>(argument); };
+    int number = 21;
+    EXPECT_EQ(ExceptionHandler::Main(twice, &number), 42);
+
+    testing::internal::CaptureStderr();
+    const auto failing = [](void*) -> int { throw FileEx("place.cpp", 12, "it broke"); };
+    EXPECT_EQ(ExceptionHandler::Main(failing, nullptr), ExceptionHandler::failed);
+    EXPECT_EQ(ExceptionHandler::Main([](void*) -> int { throw 5; }, nullptr), ExceptionHandler::failed);
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_NE(told.find("it broke (place.cpp:12)"), std::string::npos) << told;
+}
+
+TEST(UId, ReadsItsTextFormAndNothingElse)
+{
+    const UId id("6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1");
+    const std::array<std::uint8_t, 16> bytes = {
+        0x6B, 0x7E, 0x21, 0x91, 0x3F, 0x4C, 0x41, 0xA7, 0x8C, 0x2D, 0x5E, 0x19, 0xA0, 0x7C, 0x33, 0xD1};
+    EXPECT_EQ(id.GetBytes(), bytes);
+    EXPECT_EQ(id, UId("6b7e2191-3f4c-41a7-8c2d-5e19a07c33d1"));
+    EXPECT_FALSE(id == UId("6B7E2192-3F4C-41A7-8C2D-5E19A07C33D1"));
+    for (const char* text : {"", "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D",
+             "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1 ", "6B7E2191-3F4C-41A7-8C2D-5E19A07C33G1",
+             "6B7E219103F4C-41A7-8C2D-5E19A07C33D1", "-B7E2191-3F4C-41A7-8C2D-5E19A07C33D1"}) {
+        EXPECT_TRUE(UId(text).IsZero()) << text;
+    }
+    EXPECT_TRUE(UId(nullptr).IsZero());
+}
+
+} // namespace
+} // namespace Quon

@@ -1,0 +1,323 @@
+#include "harmonet/engine/Resource.h"
+#include "harmonet/engine/PluginRegistry.h"
+#include "harmonet/engine/ResourceDatabase.h"
+#include "harmonet/engine/ResourceObserver.h"
+#include "harmonet/engine/ResourceTypeBase.h"
+
+#include "TempFolder.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <vector>
+
+namespace Quon
+{
+namespace
+{
+
+using Log = std::vector<std::string>;
+
+/// What all resources and types of a test write down.
+Log* theLog = nullptr;
+
+/// Loads itself by one of the two entries, as the sound resources do: data by Load(), definitions by
+/// LoadTxt().
+class LoggingResource : public Resource
+{
+public:
+    using Resource::Load;
+    using Resource::Resource;
+    ~LoggingResource() override { theLog->push_back("delete " + std::string(GetName().GetView())); }
+
+    Result Load(const ResourceDatabase*, char* path) const override
+    {
+        theLog->push_back(std::string("load ") + path);
+        return IsDefinition() ? OtherEntry : nextResult;
+    }
+    Result LoadTxt(const ResourceDatabase*, char* path) const override
+    {
+        theLog->push_back(std::string("text ") + path);
+        return nextResult;
+    }
+    void Unload() const override { theLog->push_back("unload " + std::string(GetName().GetView())); }
+
+    static int nextResult;
+
+private:
+    bool IsDefinition() const { return GetName().GetView().find(".sound") != std::string_view::npos; }
+};
+
+int LoggingResource::nextResult = 0;
+
+class LoggingType : public ResourceTypeBase
+{
+public:
+    explicit LoggingType(const char* name)
+        : ResourceTypeBase(name, UId(), UId())
+    {
+    }
+    ~LoggingType() override { theLog->push_back("delete type " + std::string(GetName().GetView())); }
+
+    Resource* Create(const PString& name, const ResourceDatabase* database) const override
+    {
+        theLog->push_back(std::string(GetName().GetView()) + " makes " + name.GetText());
+        return new LoggingResource(name, database);
+    }
+    int GetSize() const override { return sizeof(LoggingResource); }
+};
+
+class Resources : public testing::Test
+{
+protected:
+    Resources()
+    {
+        theLog = &log;
+        LoggingResource::nextResult = 0;
+        for (const char* name : {"txt", "sound", "sound.txt", "wav"}) {
+            new LoggingType(name);
+        }
+        folder.Write("first/shot.wav", "wave");
+        folder.Write("first/both.wav", "wave");
+        folder.Write("first/horn.sound", "*A");
+        folder.Write("first/bell.sound.txt", "*A");
+        folder.Write("first/readme.txt", "text");
+        folder.Write("first/strange.ogg", "ogg");
+        folder.Write("second/both.wav", "wave");
+        folder.Write("second/sub/Deep.WAV", "wave");
+        database = std::make_unique<ResourceDatabase>();
+        EXPECT_TRUE(database->AddFolder("first", folder.Path("first").c_str()));
+        EXPECT_TRUE(database->AddFolder("second", folder.Path("second").c_str()));
+    }
+
+    ~Resources() override
+    {
+        database.reset();
+        PluginRegistry::Get().ReleaseAll();
+        EXPECT_EQ(Alloc::LiveBlocks(), blocksBefore);
+    }
+
+    /// What the action makes the resources write down.
+    template<class Action>
+    Log LogOf(Action action)
+    {
+        log.clear();
+        action();
+        return log;
+    }
+
+    const Resource* Find(const char* name) { return database->Lookup(name, 2); }
+
+    const std::size_t blocksBefore = Alloc::LiveBlocks();
+    Log log;
+    TempFolder folder;
+    std::unique_ptr<ResourceDatabase> database;
+};
+
+TEST_F(Resources, AreMadeByTheTypeWithTheLongestEndingAndLoadedByItsEntry)
+{
+    struct Row
+    {
+        const char* name;
+        const char* owner;
+        Log made;
+        Log loaded;
+    };
+    const Row rows[] = {
+        {"shot.wav", "first", {"wav makes shot.wav"}, {"load shot.wav"}},
+        {"both.wav", "first", {"wav makes both.wav"}, {"load both.wav"}},
+        {"sub/Deep.WAV", "second", {"wav makes sub/Deep.WAV"}, {"load sub/Deep.WAV"}},
+        {"horn.sound", "first", {"sound makes horn.sound"}, {"load horn.sound", "text horn.sound"}},
+        {"bell.sound.txt", "first", {"sound.txt makes bell.sound.txt"}, {"text bell.sound.txt"}},
+        {"readme.txt", "first", {"txt makes readme.txt"}, {"text readme.txt"}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const Resource* resource = nullptr;
+        EXPECT_EQ(LogOf([&] { resource = Find(row.name); }), row.made);
+        ASSERT_NE(resource, nullptr);
+        EXPECT_TRUE(resource->GetOwnerName() == PString(row.owner));
+        EXPECT_EQ(LogOf([&] { EXPECT_TRUE(resource->Lock(database.get()).IsOk()); }), row.loaded);
+        resource->Unlock();
+        EXPECT_TRUE(resource->ReleaseReference());
+    }
+    for (const char* name :
+        {"strange.ogg", "missing.wav", "sub", "../first/shot.wav", "wav", "shotwav", ""}) {
+        EXPECT_EQ(Find(name), nullptr) << name;
+    }
+}
+
+TEST_F(Resources, AreSharedByNameAndCounted)
+{
+    const Resource* const resource = Find("shot.wav");
+    EXPECT_EQ(Find("shot.wav"), resource);
+    EXPECT_EQ(resource->GetReferenceCount(), 2);
+    EXPECT_EQ(LogOf([&] {
+        EXPECT_TRUE(resource->Lock(database.get()).IsOk());
+        EXPECT_TRUE(resource->Lock(database.get()).IsOk());
+    }),
+        Log{"load shot.wav"});
+    EXPECT_EQ(resource->GetLockCount(), 2);
+    resource->Unlock();
+    resource->Unlock();
+    resource->Unlock();
+    EXPECT_EQ(resource->GetLockCount(), 0);
+    EXPECT_FALSE(resource->ReleaseReference());
+    EXPECT_TRUE(resource->ReleaseReference());
+    EXPECT_EQ(database->GetCount(), 1u);
+}
+
+TEST_F(Resources, PassAFailedLoadOnAndTryAgain)
+{
+    const Resource* const resource = Find("horn.sound");
+    LoggingResource::nextResult = 17;
+    EXPECT_EQ(resource->Lock(database.get()).GetCode(), 17);
+    EXPECT_EQ(resource->GetLockCount(), 0);
+    EXPECT_FALSE(resource->IsLoaded());
+    LoggingResource::nextResult = 0;
+    EXPECT_EQ(resource->Lock(database.get()).GetCode(), 0);
+    EXPECT_EQ(resource->GetLockCount(), 1);
+    resource->Unlock();
+    resource->ReleaseReference();
+}
+
+TEST_F(Resources, AreLoadedAgainWhenTheirFileHasChanged)
+{
+    const Resource* const idle = Find("shot.wav");
+    const Resource* const locked = Find("horn.sound");
+    const Resource* const same = Find("both.wav");
+    for (const Resource* resource : {idle, locked, same}) {
+        ASSERT_TRUE(resource->Lock(database.get()).IsOk());
+    }
+    idle->Unlock();
+    same->Unlock();
+    folder.Write("first/shot.wav", "a longer wave");
+    folder.Write("first/horn.sound", "*A *B *C");
+    EXPECT_EQ(LogOf([&] { database->ReloadChanged(); }), Log{"unload shot.wav"});
+    EXPECT_EQ(LogOf([&] {
+        idle->Lock(database.get());
+        same->Lock(database.get());
+        // Others who lock the old content meanwhile share it.
+        locked->Lock(database.get());
+        locked->Unlock();
+    }),
+        Log{"load shot.wav"});
+    EXPECT_EQ(LogOf([&] { locked->Unlock(); }), Log{"unload horn.sound"});
+    EXPECT_EQ(LogOf([&] { locked->Lock(database.get()); }), (Log{"load horn.sound", "text horn.sound"}));
+    EXPECT_EQ(LogOf([&] { database->ReloadChanged(); }), Log());
+    for (const Resource* resource : {idle, locked, same}) {
+        resource->Unlock();
+        resource->ReleaseReference();
+    }
+}
+
+TEST_F(Resources, KeepTheirContentWhileTheirFileIsGone)
+{
+    const Resource* const resource = Find("shot.wav");
+    resource->Lock(database.get());
+    resource->Unlock();
+    std::filesystem::remove(folder.Path("first/shot.wav"));
+    EXPECT_EQ(LogOf([&] {
+        database->ReloadChanged();
+        EXPECT_TRUE(resource->Lock(database.get()).IsOk());
+    }),
+        Log());
+    resource->Unlock();
+    resource->ReleaseReference();
+}
+
+TEST_F(Resources, AreDroppedWhenNobodyHasUsedThemForARound)
+{
+    const Resource* const held = Find("shot.wav");
+    const Resource* const released = Find("both.wav");
+    released->ReleaseReference();
+    database->DropUnused();
+    EXPECT_EQ(database->GetCount(), 2u);
+    EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log{"delete both.wav"});
+    held->ReleaseReference();
+    Find("shot.wav")->ReleaseReference();
+    EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log());
+    EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log{"delete shot.wav"});
+    EXPECT_EQ(database->GetCount(), 0u);
+}
+
+TEST_F(Resources, OutliveTheirDatabaseWhileSomebodyHoldsThem)
+{
+    const Resource* const held = Find("shot.wav");
+    held->Lock(database.get());
+    EXPECT_EQ(LogOf([&] { database.reset(); }), Log());
+    held->Unlock();
+    EXPECT_EQ(LogOf([&] { held->ReleaseReference(); }), (Log{"unload shot.wav", "delete shot.wav"}));
+}
+
+// A type is used by its resources, and goes with the last of them.
+TEST_F(Resources, HoldTheirTypeBeyondTheRegistry)
+{
+    const Resource* const held = Find("shot.wav");
+    EXPECT_EQ(LogOf([&] { PluginRegistry::Get().ReleaseAll(); }),
+        (Log{"delete type txt", "delete type sound", "delete type sound.txt"}));
+    EXPECT_EQ(Find("both.wav"), nullptr);
+    held->ReleaseReference();
+    EXPECT_EQ(LogOf([&] { database.reset(); }), (Log{"delete shot.wav", "delete type wav"}));
+}
+
+/// Writes down what it hears, and takes itself and another off while it is told.
+class LeavingObserver : public ResourceObserver
+{
+public:
+    LeavingObserver(Log& newLog, const char* newName)
+        : log(newLog)
+        , name(newName)
+    {
+    }
+
+    void OnResourceLoaded(const Resource& resource) const override
+    {
+        log.push_back(name + " loaded");
+        if (companion != nullptr) {
+            resource.RemoveObserver(this);
+            resource.RemoveObserver(companion);
+            resource.AddObserver(companion);
+        }
+    }
+    void OnResourceUnloaded(const Resource&) const override { log.push_back(name + " unloaded"); }
+
+    const LeavingObserver* companion = nullptr;
+
+private:
+    Log& log;
+    std::string name;
+};
+
+TEST_F(Resources, TellTheirObserversWhoMayComeAndGo)
+{
+    LeavingObserver first(log, "first");
+    LeavingObserver second(log, "second");
+    LeavingObserver third(log, "third");
+    first.companion = &second;
+    const Resource* const resource = Find("shot.wav");
+    for (const LeavingObserver* observer : {&first, &second, &third}) {
+        resource->AddObserver(observer);
+    }
+    EXPECT_EQ(LogOf([&] { resource->Lock(database.get()); }),
+        (Log{"load shot.wav", "first loaded", "third loaded"}));
+    resource->Unlock();
+    folder.Write("first/shot.wav", "a longer wave");
+    EXPECT_EQ(LogOf([&] { database->ReloadChanged(); }),
+        (Log{"third unloaded", "second unloaded", "unload shot.wav"}));
+    resource->RemoveObserver(&second);
+    resource->RemoveObserver(&third);
+    resource->ReleaseReference();
+}
+
+TEST_F(Resources, WithoutADatabaseAskBothEntries)
+{
+    const LoggingResource sound("horn.sound", nullptr);
+    EXPECT_EQ(
+        LogOf([&] { EXPECT_TRUE(sound.Lock(nullptr).IsOk()); }), (Log{"load horn.sound", "text horn.sound"}));
+    EXPECT_TRUE(sound.GetOwnerName().IsEmpty());
+    const LoggingResource placed("horn.sound", database.get());
+    EXPECT_TRUE(placed.GetOwnerName() == PString("first"));
+}
+
+} // namespace
+} // namespace Quon

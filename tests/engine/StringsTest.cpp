@@ -1,0 +1,184 @@
+#include "harmonet/engine/PString.h"
+#include "harmonet/engine/String.h"
+
+#include <gtest/gtest.h>
+#include <random>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace Quon
+{
+namespace
+{
+
+TEST(PString, IsTheSamePointerExactlyForTheSameText)
+{
+    // Made at run time, so that the compiler does not share the literals.
+    const std::vector<std::string> texts = {"sound", "Sound", "soun", "sound.", "a", "", "\xC3\xA9t\xC3\xA9"};
+    for (const std::string& left : texts) {
+        for (const std::string& right : texts) {
+            SCOPED_TRACE(left + " and " + right);
+            const PString a(left.c_str());
+            const PString b(std::string_view(right + "tail").substr(0, right.size()));
+            EXPECT_EQ(a == b, left == right);
+            EXPECT_EQ(a.GetIdentity() == b.GetIdentity(), left == right);
+            EXPECT_EQ(a.GetView(), left);
+        }
+    }
+}
+
+TEST(PString, IsNullWithoutText)
+{
+    const unsigned char empty[] = "";
+    EXPECT_EQ(PString().GetText(), nullptr);
+    EXPECT_EQ(PString(static_cast<const char*>(nullptr)).GetText(), nullptr);
+    EXPECT_EQ(PString("").GetText(), nullptr);
+    EXPECT_EQ(PStringCache::Get()->Create(static_cast<const unsigned char*>(nullptr)), nullptr);
+    EXPECT_EQ(PString::cache->Create(empty), nullptr);
+    PString::cache->Destroy(nullptr);
+}
+
+TEST(PString, KeepsATextExactlyAsLongAsSomebodyHoldsIt)
+{
+    const std::size_t texts = PStringCache::Get()->GetCount();
+    const std::size_t blocks = Alloc::LiveBlocks();
+    {
+        PString first("a text of its own");
+        PString copy(first);
+        PString moved(std::move(first));
+        const PString& itself = copy;
+        copy = itself;
+        first = moved;
+        moved = PString("another text of its own");
+        EXPECT_EQ(PString::cache->GetCount(), texts + 2);
+        EXPECT_STREQ(copy.GetText(), "a text of its own");
+        EXPECT_TRUE(first == copy);
+        moved = first;
+        EXPECT_EQ(PString::cache->GetCount(), texts + 1);
+    }
+    EXPECT_EQ(PString::cache->GetCount(), texts);
+    EXPECT_EQ(Alloc::LiveBlocks(), blocks);
+}
+
+TEST(PString, LeavesItsNodeAloneWhileThereIsNoCache)
+{
+    PStringCache* const cache = PStringCache::Get();
+    PStringCache::Node* node = nullptr;
+    {
+        const PString string("kept through the end of the cache");
+        node = cache->Create(reinterpret_cast<const unsigned char*>(string.GetText()));
+        ASSERT_EQ(node->references.load(), 2u);
+        PString::cache = nullptr;
+    }
+    EXPECT_TRUE(PString("made without a cache").IsEmpty());
+    PString::cache = cache;
+    EXPECT_EQ(node->references.load(), 2u);
+    cache->Destroy(node);
+    cache->Destroy(node);
+}
+
+TEST(PString, FindsItsTextsAmongManyWhileTheTableGrowsAndEmpties)
+{
+    const std::size_t before = PStringCache::Get()->GetCount();
+    std::vector<PString> strings;
+    for (int i = 0; i < 5000; ++i) {
+        strings.emplace_back(("text number " + std::to_string(i)).c_str());
+    }
+    EXPECT_EQ(PString::cache->GetCount(), before + 5000);
+    for (int i = 0; i < 5000; i += 2) {
+        strings[i] = PString();
+    }
+    for (int i = 1; i < 5000; i += 2) {
+        ASSERT_TRUE(strings[i] == PString(("text number " + std::to_string(i)).c_str())) << i;
+    }
+    strings.clear();
+    EXPECT_EQ(PString::cache->GetCount(), before);
+}
+
+// Several threads make, copy and drop the same few texts, so that the last reference of one thread meets the
+// first of another again and again. The thread sanitizer watches; the count tells what got lost.
+TEST(PStringCache, LosesNothingBetweenThreads)
+{
+    const std::size_t textsBefore = PStringCache::Get()->GetCount();
+    const std::size_t blocksBefore = Alloc::LiveBlocks();
+    constexpr int threadCount = 4;
+    std::vector<int> mismatches(threadCount, 0);
+    {
+        std::vector<std::thread> threads;
+        for (int t = 0; t < threadCount; ++t) {
+            threads.emplace_back([t, &mismatches] {
+                std::mt19937 random(t + 1);
+                std::vector<PString> held(8);
+                for (int i = 0; i < 20000; ++i) {
+                    const std::string text = "shared " + std::to_string(random() % 5);
+                    PString& place = held[random() % held.size()];
+                    place = random() % 3 == 0 ? held[random() % held.size()] : PString(text.c_str());
+                    mismatches[t] += PString(text.c_str()).GetView() != text;
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+    }
+    EXPECT_EQ(mismatches, std::vector<int>(threadCount, 0));
+    EXPECT_EQ(PString::cache->GetCount(), textsBefore);
+    // The vectors of this test do not come from Alloc, so that only nodes can be missing.
+    EXPECT_EQ(Alloc::LiveBlocks(), blocksBefore);
+}
+
+// A string that the task thread holds is copied and dropped by a reader, as a driver's thread does with the
+// name of a file.
+TEST(PStringCache, LetsAThreadCopyAStringThatAnotherHolds)
+{
+    const PString held("held by the maker");
+    std::thread reader([&held] {
+        for (int i = 0; i < 10000; ++i) {
+            const PString copy(held);
+            if (copy.GetView() != "held by the maker") {
+                ADD_FAILURE() << "another text";
+            }
+        }
+    });
+    for (int i = 0; i < 10000; ++i) {
+        PString copy(held);
+        PString again("held by the maker");
+    }
+    reader.join();
+    EXPECT_STREQ(held.GetText(), "held by the maker");
+}
+
+TEST(String, InsertsWhereItIsTold)
+{
+    struct Row
+    {
+        const char* start;
+        const char* inserted;
+        unsigned int position;
+        const char* expected;
+    };
+    const Row rows[] = {{"HarmonetNull", ".so", 12, "HarmonetNull.so"}, {"", "abc", 0, "abc"},
+        {"ad", "bc", 1, "abcd"}, {"ab", "c", 99, "abc"}, {"ab", "", 1, "ab"}, {"ab", nullptr, 1, "ab"}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.expected);
+        String string;
+        string.Set(row.start);
+        string.Ins(row.inserted, row.position);
+        EXPECT_STREQ(string.GetText(), row.expected);
+        EXPECT_EQ(string.GetLength(), std::string(row.expected).size());
+    }
+}
+
+TEST(String, TakesPartsOfItself)
+{
+    String string;
+    string.Set("abcdefghijklmnopqrstuvwxyz");
+    string.Ins(string.GetText() + 23, 0);
+    EXPECT_STREQ(string.GetText(), "xyzabcdefghijklmnopqrstuvwxyz");
+    string.Set(string.GetText() + 26);
+    EXPECT_STREQ(string.GetText(), "xyz");
+}
+
+} // namespace
+} // namespace Quon

@@ -1,0 +1,203 @@
+#include "harmonet/engine/TaskList.h"
+#include "harmonet/engine/Task.h"
+
+#include <functional>
+#include <gtest/gtest.h>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace Quon
+{
+namespace
+{
+
+/// Writes down every call in a log that all tasks of a test share.
+class LoggingTask : public Task
+{
+public:
+    LoggingTask(std::vector<std::string>& newLog, const char* newName, float newOrder, bool newActive = true)
+        : Task(newName, newOrder, newActive)
+        , log(newLog)
+    {
+    }
+
+    bool Init(OS*) override
+    {
+        log.push_back(std::string("init ") + GetName().GetText());
+        return initResult;
+    }
+    void Done() override { log.push_back(std::string("done ") + GetName().GetText()); }
+    UpdateCode Update(float passed) override
+    {
+        log.push_back(GetName().GetText());
+        steps.push_back(passed);
+        const UpdateCode code = result;
+        // Last: the task may be gone behind it.
+        if (onUpdate) {
+            onUpdate();
+        }
+        return code;
+    }
+
+    std::vector<std::string>& log;
+    std::vector<float> steps;
+    std::function<void()> onUpdate;
+    UpdateCode result = UpdateContinue;
+    bool initResult = true;
+};
+
+using Log = std::vector<std::string>;
+
+class Tasks : public testing::Test
+{
+protected:
+    std::unique_ptr<LoggingTask> Make(const char* name, float order, bool active = true)
+    {
+        return std::make_unique<LoggingTask>(log, name, order, active);
+    }
+
+    Log Updated(float seconds = 0.02f)
+    {
+        log.clear();
+        TaskList::Get().Update(seconds);
+        return log;
+    }
+
+    Log log;
+};
+
+TEST_F(Tasks, RunInTheirOrderAndByAge)
+{
+    const auto late = Make("late", 9.0f);
+    const auto first = Make("first", 7.0f);
+    const auto early = Make("early", -1.0f);
+    const auto second = Make("second", 7.0f);
+    EXPECT_EQ(Updated(), (Log{"early", "first", "second", "late"}));
+    EXPECT_EQ(late->steps, std::vector<float>{0.02f});
+}
+
+TEST_F(Tasks, RunOnlyWhileTheyAreActive)
+{
+    const auto task = Make("task", 7.0f, false);
+    EXPECT_EQ(Updated(), Log());
+    task->SetActive(true);
+    EXPECT_EQ(Updated(), Log{"task"});
+}
+
+TEST_F(Tasks, MayGoWhileOthersRun)
+{
+    auto victimBefore = Make("before", 1.0f);
+    auto killer = Make("killer", 2.0f);
+    auto victimNext = Make("next", 3.0f);
+    auto victimLast = Make("last", 4.0f);
+    const auto survivor = Make("survivor", 5.0f);
+    killer->onUpdate = [&] {
+        victimBefore.reset();
+        victimNext.reset();
+        victimLast.reset();
+        killer.reset();
+    };
+    EXPECT_EQ(Updated(), (Log{"before", "killer", "survivor"}));
+    EXPECT_EQ(Updated(), Log{"survivor"});
+}
+
+TEST_F(Tasks, MadeWhileOthersRunAreFirstUpdatedTheNextTime)
+{
+    std::vector<std::unique_ptr<LoggingTask>> made;
+    const auto maker = Make("maker", 2.0f);
+    maker->onUpdate = [&] {
+        made.push_back(Make("earlier", 1.0f));
+        made.push_back(Make("equal", 2.0f));
+        made.push_back(Make("later", 3.0f));
+        maker->onUpdate = nullptr;
+    };
+    EXPECT_EQ(Updated(), Log{"maker"});
+    EXPECT_EQ(Updated(), (Log{"earlier", "maker", "equal", "later"}));
+}
+
+TEST_F(Tasks, ThatStopLeaveTheList)
+{
+    const auto task = Make("task", 1.0f);
+    const auto other = Make("other", 2.0f);
+    task->result = Task::UpdateStop;
+    EXPECT_EQ(Updated(), (Log{"task", "other"}));
+    EXPECT_EQ(Updated(), Log{"other"});
+}
+
+TEST_F(Tasks, AreNotUpdatedFromInsideAnUpdate)
+{
+    const auto task = Make("task", 1.0f);
+    task->onUpdate = [] { TaskList::Get().Update(0.1f); };
+    EXPECT_EQ(Updated(), Log{"task"});
+    EXPECT_EQ(Updated(), Log{"task"});
+}
+
+TEST_F(Tasks, RunAgainAfterOneHasThrown)
+{
+    const auto thrower = Make("thrower", 1.0f);
+    const auto other = Make("other", 2.0f);
+    thrower->onUpdate = [] { throw 5; };
+    EXPECT_THROW(TaskList::Get().Update(0.1f), int);
+    thrower->onUpdate = nullptr;
+    EXPECT_EQ(Updated(), (Log{"thrower", "other"}));
+}
+
+// Game frames of a quarter of a step: every fourth carries all the time, and over many none is lost.
+TEST_F(Tasks, ThatAreHeldBackGetTheGatheredSeconds)
+{
+    TaskList::Get().SetMinimumStep("held", 0.05f);
+    const auto held = Make("held", 1.0f);
+    const auto free = Make("free", 1.0f);
+    for (int frame = 0; frame < 8; ++frame) {
+        TaskList::Get().Update(0.0125f);
+    }
+    EXPECT_EQ(held->steps, (std::vector<float>{0.05f, 0.05f}));
+    EXPECT_EQ(free->steps.size(), 8u);
+
+    held->steps.clear();
+    double sent = 0.0;
+    for (int frame = 0; frame < 100000; ++frame) {
+        const float seconds = 0.001f + 0.00001f * static_cast<float>(frame % 977);
+        sent += seconds;
+        TaskList::Get().Update(seconds);
+    }
+    double received = 0.0;
+    for (const float step : held->steps) {
+        EXPECT_GE(step, 0.05f);
+        received += step;
+    }
+    EXPECT_LT(sent - received, 0.05);
+    EXPECT_GT(sent - received, -1e-6);
+
+    TaskList::Get().SetMinimumStep("held", 0.0f);
+    held->steps.clear();
+    TaskList::Get().Update(0.01f);
+    EXPECT_EQ(held->steps.size(), 1u);
+}
+
+TEST_F(Tasks, TakeTimeThatIsNoneAsZero)
+{
+    const auto task = Make("task", 1.0f);
+    for (const float seconds :
+        {-1.0f, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
+        TaskList::Get().Update(seconds);
+    }
+    EXPECT_EQ(task->steps, (std::vector<float>{0.0f, 0.0f, 0.0f}));
+}
+
+TEST_F(Tasks, AreInitialisedAndEndedInTheirOrder)
+{
+    const auto second = Make("second", 2.0f);
+    const auto first = Make("first", 1.0f);
+    EXPECT_TRUE(TaskList::Get().Init(nullptr));
+    TaskList::Get().Done();
+    EXPECT_EQ(log, (Log{"init first", "init second", "done first", "done second"}));
+    first->initResult = false;
+    EXPECT_FALSE(TaskList::Get().Init(nullptr));
+    EXPECT_EQ(Updated(), (Log{"first", "second"}));
+}
+
+} // namespace
+} // namespace Quon
