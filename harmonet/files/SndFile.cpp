@@ -7,6 +7,7 @@
 #include "harmonet/files/SndFileWav.h"
 #include "harmonet/files/SndNode.h"
 #include "harmonet/files/WaveProbe.h"
+#include "harmonet/files/mpeg/SndFileMP3.h"
 
 #include <algorithm>
 #include <cstring>
@@ -47,9 +48,18 @@ std::unique_ptr<SndFile> MakeReader(int fileType)
         return std::make_unique<SndFileWav>();
     case SndFile::FileAdpcm:
         return std::make_unique<SndFileAdpcm>();
+    case SndFile::FileMP3:
+        return std::make_unique<SndFileMP3>();
     default:
         return nullptr;
     }
+}
+
+/// What the file is by its content, whatever its name.
+int Probe(SndFileHandle* handle)
+{
+    const int waveType = ProbeWave(handle);
+    return waveType != SndFile::FileNone ? waveType : ProbeMpeg(handle);
 }
 
 } // namespace
@@ -63,7 +73,7 @@ SndFile* SndFile::OpenFile(const PString& substName, const PString& fileName)
     HandleUse use(*sndFileCache, sndFileCache->Acquire(substName, fileName));
     if (use.Get() == nullptr)
         return nullptr;
-    std::unique_ptr<SndFile> file = MakeReader(ProbeWave(use.Get()));
+    std::unique_ptr<SndFile> file = MakeReader(Probe(use.Get()));
     if (file == nullptr)
         return nullptr;
     if (!file->OpenHandle(use.Get())) {
