@@ -238,7 +238,7 @@ void BlockReader::Text::NoteEnd()
 void BlockReader::Text::Report(int valueCount, bool hasBlock, bool isBehindEnd) const
 {
     if (listener != nullptr) {
-        listener->OnSkipped({keyword, keywordLine, valueCount, hasBlock, wasAsked, isBehindEnd});
+        listener->OnSkipped({keyword, keywordLine, valueCount, hasBlock, wasAsked, isBehindEnd, depth});
     }
 }
 

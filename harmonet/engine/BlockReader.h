@@ -64,6 +64,8 @@ public:
         /// It stands behind the place where the reading of its block ended. False for one that Next() gave
         /// out.
         bool isBehindEnd;
+        /// How many blocks it stands in; 0 at the top level of the file.
+        int depth;
     };
 
     BlockReaderListener() = default;
