@@ -1,0 +1,64 @@
+#include "harmonet/definitions/DefinitionReport.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+DefinitionFault ToFault(const BlockReaderListener::Skipped& skipped)
+{
+    if (skipped.isBehindEnd)
+        return DefinitionFault::Lost;
+    if (skipped.wasAsked)
+        return DefinitionFault::LeftOver;
+    return skipped.depth == 0 ? DefinitionFault::OutsideDefinition : DefinitionFault::UnknownKeyword;
+}
+
+} // namespace
+
+void DefinitionReport::OnKeyword(
+    const PString& block, const PString& keyword, const BlockReader& reader) const
+{
+    if (listener)
+        listener->OnKeyword(block, keyword, reader.GetLine());
+}
+
+void DefinitionReport::OnFault(DefinitionFault fault, const PString& keyword, int line) const
+{
+    if (listener)
+        listener->OnRemark({fault, line, keyword});
+}
+
+void DefinitionReport::OnFault(DefinitionFault fault) const
+{
+    if (listener)
+        listener->OnRemark({fault, 0, PString()});
+}
+
+void DefinitionReport::CheckRange(const PString& keyword, const BlockReader& reader, double value,
+    double least, double most, DefinitionFault fault) const
+{
+    if (listener && !(value >= least && value <= most))
+        listener->OnRemark({fault, reader.GetLine(), keyword, nullptr, nullptr, value, least, most});
+}
+
+void DefinitionReport::OnSkipped(const Skipped& skipped)
+{
+    const DefinitionFault fault = ToFault(skipped);
+    if (fault != DefinitionFault::LeftOver || skipped.line != unreadableLine)
+        listener->OnRemark({fault, skipped.line, skipped.keyword});
+}
+
+void DefinitionReport::OnUnreadable(const PString& keyword, int line, const char* wanted, const char* found)
+{
+    unreadableLine = line;
+    listener->OnRemark({DefinitionFault::Unreadable, line, keyword, wanted, found});
+}
+
+void DefinitionReport::OnFault(int line, const char* fault)
+{
+    listener->OnRemark({DefinitionFault::Text, line, PString(), fault});
+}
+
+} // namespace Quon

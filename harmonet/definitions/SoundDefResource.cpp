@@ -1,0 +1,342 @@
+#include "harmonet/definitions/SoundDefResource.h"
+
+#include "harmonet/definitions/DefinitionReport.h"
+#include "harmonet/definitions/EffectKeywords.h"
+#include "harmonet/engine/BlockReader.h"
+#include "harmonet/engine/File.h"
+#include "harmonet/kernel/HarmonetStrings.h"
+
+#include <cstring>
+#include <limits>
+#include <new>
+#include <utility>
+
+namespace Quon
+{
+
+namespace
+{
+
+using Keys = HarmonetStrings;
+
+constexpr int minFrequencyHz = 100;
+constexpr int maxFrequencyHz = 100000;
+constexpr std::size_t coordinatesPerPoint = 3;
+constexpr std::size_t minPoints = 2;
+
+constexpr double mostFloat = std::numeric_limits<float>::max();
+constexpr double mostInt = std::numeric_limits<int>::max();
+
+template<class Store>
+bool ReadFlag(BlockReader& reader, Store store)
+{
+    bool on;
+    if (!reader.ReadBool(on))
+        return false;
+    store(on);
+    return true;
+}
+
+bool ReadFloatv(BlockReader& reader, EngineVector<float>& values, std::size_t count)
+{
+    for (; count > 0; --count) {
+        float value;
+        if (!reader.ReadFloat(value))
+            return false;
+        values.push_back(value);
+    }
+    return true;
+}
+
+/// The parameters of one effect while its block is being read.
+class EffectRecord
+{
+public:
+    explicit EffectRecord(const SndFXDefault& defaults)
+    {
+        std::memcpy(bytes, defaults.record, defaults.size);
+    }
+
+    bool Read(BlockReader& reader, const EffectField& field, const DefinitionReport& report)
+    {
+        std::int32_t whole = 0;
+        float number = 0.0F;
+        if (field.isInt ? !reader.ReadInt(whole) : !reader.ReadFloat(number))
+            return false;
+        if (field.isInt)
+            std::memcpy(bytes + field.offset, &whole, sizeof whole);
+        else
+            std::memcpy(bytes + field.offset, &number, sizeof number);
+        const double value = field.isInt ? whole : number;
+        report.CheckRange(field.keyword, reader, value, field.least, field.most);
+        return true;
+    }
+
+    const void* GetBytes() const { return bytes; }
+
+private:
+    static constexpr std::size_t largest = sizeof(FXEnvReverb);
+    unsigned char bytes[largest];
+};
+
+} // namespace
+
+DefinitionListener* SoundDefResource::listener = nullptr;
+
+/// The reading of a definition's own block.
+struct SoundDefResource::Reading
+{
+    const SoundDefResource& sound;
+    BlockReader& reader;
+    const PString& keyword; ///< The one being read.
+    const DefinitionReport& report;
+    bool hasFile = false;
+
+    bool ReadFloat(float& value, double least, double most)
+    {
+        if (!reader.ReadFloat(value))
+            return false;
+        report.CheckRange(keyword, reader, value, least, most);
+        return true;
+    }
+};
+
+/// A keyword with a value. `read` takes the value; false ends the reading.
+struct SoundDefResource::Setting
+{
+    const PString& keyword;
+    bool (*read)(Reading& reading);
+};
+
+SoundDefResource::SoundDefResource(const PString& newName, const ResourceDatabase* database)
+    : SoundResource(newName, database)
+{
+}
+
+SoundDefResource::~SoundDefResource() = default;
+
+DefinitionListener* SoundDefResource::SetListener(DefinitionListener* newListener)
+{
+    return std::exchange(listener, newListener);
+}
+
+Result SoundDefResource::Load(const ResourceDatabase*, char*) const
+{
+    return Result(OtherEntry);
+}
+
+Result SoundDefResource::LoadTxt(const ResourceDatabase*, char* path) const
+{
+    fxList.Clear();
+    FreePolyline();
+    File file;
+    if (!file.Open(GetOwnerName(), path, File::modeRead).IsOk())
+        return Result(LoadFailed);
+    DefinitionReport report(listener);
+    BlockReader reader;
+    if (report.IsWanted())
+        reader.SetListener(&report);
+    reader.Init(file);
+    Init();
+    const bool isRead = ReadDataTxt(&reader);
+    // Nothing behind the definition counts, but whoever wrote it may want to know.
+    PString passedOver;
+    while (report.IsWanted() && reader.Next(passedOver)) {
+    }
+    file.Close();
+    return Result(isRead ? Loaded : LoadFailed);
+}
+
+bool SoundDefResource::ReadDataTxt(BlockReader* reader) const
+{
+    const DefinitionReport report(listener);
+    PString keyword;
+    while (reader->Next(keyword) && keyword != Keys::soundDefinition) {
+    }
+    BlockReader* block = keyword == Keys::soundDefinition ? reader->Begin() : nullptr;
+    if (!block) {
+        report.OnFault(DefinitionFault::NoDefinition);
+        return false;
+    }
+    Reading reading{*this, *block, keyword, report};
+    bool goesOn = true;
+    while (goesOn && block->Next(keyword)) {
+        report.OnKeyword(PString(), keyword, *block);
+        goesOn = ReadKeyword(reading);
+        PreferEffects();
+    }
+    reader->End();
+    if (!reading.hasFile)
+        report.OnFault(DefinitionFault::NoFile);
+    return reading.hasFile;
+}
+
+bool SoundDefResource::ReadKeyword(Reading& reading) const
+{
+    if (const Setting* setting = FindSetting(reading.keyword))
+        return setting->read(reading);
+    if (reading.keyword == Keys::polyline)
+        return ReadPolyline(&reading.reader);
+    if (const EffectKeywords* effect = FindEffectKeywords(reading.keyword))
+        return ReadFXParam(&reading.reader, effect->effect);
+    return true;
+}
+
+const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& keyword)
+{
+    using R = Reading&;
+    static constexpr Setting settings[] = {
+        {Keys::file, [](R r) { return r.hasFile = r.reader.ReadString(r.sound.fileName); }},
+        {Keys::looping, [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.looping = on; }); }},
+        {Keys::gain, [](R r) { return r.ReadFloat(r.sound.gain, 0, 1); }},
+        {Keys::delay, [](R r) { return r.sound.ReadDelay(r.reader); }},
+        {Keys::minDistance, [](R r) { return r.ReadFloat(r.sound.minDistance, 0, mostFloat); }},
+        {Keys::maxDistance, [](R r) { return r.ReadFloat(r.sound.maxDistance, 0, mostFloat); }},
+        {Keys::cutout, [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.cutout = on; }); }},
+        {Keys::innerConeAngle, [](R r) { return r.ReadFloat(r.sound.innerConeAngle, 0, 360); }},
+        {Keys::outerConeAngle, [](R r) { return r.ReadFloat(r.sound.outerConeAngle, 0, 360); }},
+        {Keys::coneGain, [](R r) { return r.ReadFloat(r.sound.coneGain, 0, 1); }},
+        {Keys::position, [](R r) { return r.sound.ReadPosition(r.reader); }},
+        {Keys::set_frquency,
+            [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.chgFrequency = on; }); }},
+        {Keys::frequency, [](R r) { return r.sound.ReadFrequency(r.reader); }},
+        {Keys::disable_mic_fx,
+            [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.disableMicFX = on; }); }},
+    };
+    for (const Setting& setting : settings) {
+        if (setting.keyword == keyword)
+            return &setting;
+    }
+    return nullptr;
+}
+
+// A sound with effects cannot change its rate, in whichever order the keywords stand.
+void SoundDefResource::PreferEffects() const
+{
+    if (!chgFrequency || fxList.GetNumEffects() == 0)
+        return;
+    chgFrequency = false;
+    frequency = 0;
+}
+
+bool SoundDefResource::ReadFrequency(BlockReader& reader) const
+{
+    frequency = 0;
+    int hz;
+    if (!reader.ReadInt(hz))
+        return false;
+    if (hz >= minFrequencyHz && hz <= maxFrequencyHz) {
+        frequency = hz;
+        chgFrequency = true;
+    }
+    DefinitionReport(listener).CheckRange(Keys::frequency, reader, hz, minFrequencyHz, maxFrequencyHz);
+    return true;
+}
+
+bool SoundDefResource::ReadDelay(BlockReader& reader) const
+{
+    if (!reader.ReadInt(delay))
+        return false;
+    if (delay >= 0)
+        return true;
+    DefinitionReport(listener).CheckRange(Keys::delay, reader, delay, 0, mostInt, DefinitionFault::Refused);
+    delay = 0;
+    return false;
+}
+
+bool SoundDefResource::ReadPosition(BlockReader& reader) const
+{
+    float values[coordinatesPerPoint] = {position.x, position.y, position.z};
+    const int taken = reader.ReadFloatv(values, coordinatesPerPoint);
+    position = {values[0], values[1], values[2]};
+    return taken == coordinatesPerPoint;
+}
+
+bool SoundDefResource::ReadPolyline(BlockReader* reader) const
+{
+    FreePolyline();
+    const DefinitionReport report(listener);
+    BlockReader* block = reader->Begin();
+    if (!block) {
+        report.OnFault(DefinitionFault::NoBlock, Keys::polyline, reader->GetLine());
+        return false;
+    }
+    const int line = reader->GetLine();
+    EngineVector<float> coordinates;
+    const bool isRead = ReadLine(*block, coordinates);
+    reader->End();
+    if (!isRead)
+        return false;
+    if (coordinates.size() / coordinatesPerPoint < minPoints) {
+        report.OnFault(DefinitionFault::TooFewPoints, Keys::polyline, line);
+        return false;
+    }
+    StorePoints(coordinates);
+    return true;
+}
+
+bool SoundDefResource::ReadLine(BlockReader& block, EngineVector<float>& coordinates) const
+{
+    const DefinitionReport report(listener);
+    PString keyword;
+    bool goesOn = true;
+    while (goesOn && block.Next(keyword)) {
+        report.OnKeyword(Keys::polyline, keyword, block);
+        if (keyword == Keys::num_add_sounds)
+            goesOn = ReadNumAddSounds(block);
+        else if (keyword == Keys::angle)
+            goesOn = block.ReadFloat(minAngle);
+        else if (keyword == Keys::point)
+            goesOn = ReadFloatv(block, coordinates, coordinatesPerPoint);
+    }
+    return goesOn;
+}
+
+bool SoundDefResource::ReadNumAddSounds(BlockReader& reader) const
+{
+    if (!reader.ReadInt(numAddSounds))
+        return false;
+    if (numAddSounds >= 0)
+        return true;
+    DefinitionReport(listener).CheckRange(
+        Keys::num_add_sounds, reader, numAddSounds, 0, mostInt, DefinitionFault::Refused);
+    numAddSounds = 0;
+    return false;
+}
+
+void SoundDefResource::StorePoints(const EngineVector<float>& coordinates) const
+{
+    const std::size_t count = coordinates.size() / coordinatesPerPoint;
+    polyline = static_cast<Vector3*>(Alloc::New(static_cast<unsigned int>(count * sizeof(Vector3))));
+    for (std::size_t i = 0; i < count; ++i) {
+        const float* point = &coordinates[i * coordinatesPerPoint];
+        new (&polyline[i]) Vector3{point[0], point[1], point[2]};
+    }
+    numPoints = static_cast<int>(count);
+}
+
+bool SoundDefResource::ReadFXParam(BlockReader* reader, SndFX effect) const
+{
+    const DefinitionReport report(listener);
+    const EffectKeywords& keywords = GetEffectKeywords(effect);
+    const SndFXDefault& defaults = GetFXDefault(effect);
+    EffectRecord record(defaults);
+    // Without a block the effect has its defaults.
+    if (BlockReader* block = reader->Begin()) {
+        PString keyword;
+        bool goesOn = true;
+        while (goesOn && block->Next(keyword)) {
+            report.OnKeyword(keywords.keyword, keyword, *block);
+            if (const EffectField* field = keywords.FindField(keyword))
+                goesOn = record.Read(*block, *field, report);
+        }
+        reader->End();
+        if (!goesOn)
+            return false;
+    }
+    const unsigned long size = defaults.size + (effect == SndFXEnvReverb ? sizeof(std::int32_t) : 0);
+    fxList.AddFX(effect, record.GetBytes(), size, defaultEnvReverbQuality);
+    return true;
+}
+
+} // namespace Quon
