@@ -1,0 +1,34 @@
+// What the platform calls when it loads and unloads the library, on platforms that do. All start-up waits for
+// QuonGetPlugins() and SoundSystem::Init(), so that there is nothing to do here.
+
+#if defined(_WIN32)
+
+#include "harmonet/engine/Exception.h"
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+namespace
+{
+
+int AcceptReason(void* argument)
+{
+    switch (*static_cast<const DWORD*>(argument)) {
+    case DLL_PROCESS_DETACH:
+    case DLL_PROCESS_ATTACH:
+    case DLL_THREAD_ATTACH:
+    case DLL_THREAD_DETACH:
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+} // namespace
+
+extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
+{
+    return Quon::ExceptionHandler::Main(AcceptReason, &reason);
+}
+
+#endif
