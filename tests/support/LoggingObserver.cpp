@@ -1,0 +1,64 @@
+#include "tests/support/LoggingObserver.h"
+
+#include "harmonet/instances/Sound.h"
+#include "tests/support/HostTest.h"
+
+namespace Quon
+{
+
+SoundNames::SoundNames()
+{
+    Sound group;
+    lastIDBefore = group.New2DSound(PString("none"), nullptr);
+    EXPECT_GT(lastIDBefore, 0);
+    group.DeleteSound(lastIDBefore);
+}
+
+std::string SoundNames::GetName(void* block) const
+{
+    const auto found = blocks.find(block);
+    return found != blocks.end() ? found->second : "unknown block";
+}
+
+LoggingObserver::LoggingObserver(const SoundNames& newNames, std::string newPrefix)
+    : names(newNames)
+    , prefix(std::move(newPrefix))
+{
+}
+
+// The reaction may destroy this object: it is not used any more behind it.
+void LoggingObserver::Tell(const std::string& line, const Note& note)
+{
+    GetRecording().lines.push_back(prefix + line);
+    if (const std::function<void(const Note&)> reaction = react)
+        reaction(note);
+}
+
+void LoggingObserver::OnSoundBegin(int soundID, const PString& fileName)
+{
+    Tell("begin " + names.GetName(soundID) + ' ' + std::string(fileName.GetView()), {Note::Begin, soundID});
+}
+
+void LoggingObserver::OnSoundAbort(int soundID, const PString& fileName, int remaining)
+{
+    Tell("abort " + names.GetName(soundID) + ' ' + std::string(fileName.GetView()) + ' ' +
+            std::to_string(remaining),
+        {Note::Abort, soundID, remaining});
+}
+
+void LoggingObserver::OnSoundEnd(int soundID, const PString& fileName)
+{
+    Tell("end " + names.GetName(soundID) + ' ' + std::string(fileName.GetView()), {Note::End, soundID});
+}
+
+void LoggingObserver::OnBufferFree(int soundID, void* buffer)
+{
+    Tell("free " + names.GetName(soundID) + ' ' + names.GetName(buffer), {Note::Free, soundID, 0, buffer});
+}
+
+void LoggingObserver::OnShutDown()
+{
+    Tell("shutdown", {Note::ShutDown});
+}
+
+} // namespace Quon

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "harmonet/instances/SoundObserver.h"
+#include "tests/support/Recording.h"
+
+namespace Quon
+{
+
+/// What a test calls its sounds and its blocks of memory in the log: "#1" is the first sound that is made
+/// after this object.
+class SoundNames
+{
+public:
+    /// Needs a running sound system.
+    SoundNames();
+
+    std::string GetName(int id) const { return '#' + std::to_string(id - lastIDBefore); }
+    std::string GetName(void* block) const;
+    void SetName(void* block, const std::string& name) { blocks[block] = name; }
+
+private:
+    int lastIDBefore;
+    std::map<void*, std::string> blocks;
+};
+
+/// A notification.
+struct Note
+{
+    enum Kind
+    {
+        Begin,
+        End,
+        Abort,
+        Free,
+        ShutDown
+    };
+
+    Kind kind;
+    int id = 0;
+    int remaining = 0; ///< Of Abort.
+    void* block = nullptr; ///< Of Free.
+};
+
+/// Writes what it is told into the recording driver's log, so that calls and notifications stand there in
+/// their common order, and then does what the test has asked for.
+class LoggingObserver : public SoundObserver
+{
+public:
+    /// `newPrefix` begins its lines. `newNames` must outlive it.
+    explicit LoggingObserver(const SoundNames& newNames, std::string newPrefix = "");
+
+    std::function<void(const Note&)> react;
+
+    void OnSoundBegin(int soundID, const PString& fileName) override;
+    void OnSoundAbort(int soundID, const PString& fileName, int remaining) override;
+    void OnSoundEnd(int soundID, const PString& fileName) override;
+    void OnBufferFree(int soundID, void* buffer) override;
+    void OnShutDown() override;
+
+private:
+    void Tell(const std::string& line, const Note& note);
+
+    const SoundNames& names;
+    const std::string prefix;
+};
+
+} // namespace Quon

@@ -1,0 +1,89 @@
+#include "tests/support/RecordingState.h"
+
+#include "drivers/common/DriverExport.h"
+#include "harmonet/files/SndFile.h"
+#include "tests/support/RecordingDriver.h"
+
+#include <algorithm>
+
+namespace Quon
+{
+
+RecordingState recording;
+
+int RecordingState::Read(int channel, int sampleFrames)
+{
+    const ChannelRecord& record = channels.at(channel);
+    const bool isLooping = record.flags & ChanLooping;
+    record.channel->Lock();
+    SndFile* const file = record.channel->GetSndFile();
+    std::vector<unsigned char> pcm(static_cast<std::size_t>(sampleFrames) *
+        static_cast<std::size_t>(file->GetBytesPerSample() * file->GetChannels()));
+    int read = 0;
+    while (read < sampleFrames) {
+        const int left = std::max(file->GetSoundSamples() - file->GetCurrentSample(), 0);
+        const int got = file->ReadSamples(pcm.data(), std::min(sampleFrames - read, left));
+        read += got;
+        if (got == 0 && (!isLooping || file->GetCurrentSample() == 0))
+            break;
+        if (got == 0)
+            file->Rewind();
+    }
+    record.channel->Unlock();
+    return read;
+}
+
+SndFileChange RecordingState::StepFile(int channel)
+{
+    SndChannel* const stepping = channels.at(channel).channel;
+    stepping->Lock();
+    SndFile* const oldFile = stepping->GetSndFile();
+    SndFile* const newFile = oldFile->GetNext();
+    stepping->SetSndFile(newFile);
+    stepping->Unlock();
+    return {stepping, newFile, oldFile};
+}
+
+void RecordingState::End(int channel)
+{
+    SndChannel* const ended = channels.at(channel).channel;
+    // Nobody may call it from here on.
+    channels.erase(channel);
+    Send(SndChannelEnded, ended);
+}
+
+void RecordingState::Send(int event, void* data)
+{
+    driver->Send(event, data);
+}
+
+void RecordingState::Reset()
+{
+    lines.clear();
+    violations.clear();
+    giveNoDriver = refuseOpen = refuseFrequency = tellFrequency = refuseFX = hasLiveFX = false;
+    channelLimit = std::numeric_limits<int>::max();
+    acceptsChannel = nullptr;
+    caps = 0;
+    atBegin.clear();
+    atEnd.clear();
+    maxChannels = 0;
+}
+
+void RecordingState::Require(bool holds, const std::string& otherwise)
+{
+    if (!holds)
+        violations.push_back(otherwise);
+}
+
+} // namespace Quon
+
+HARMONET_DRIVER_EXPORT Quon::SndDriver* CreateSoundDriver()
+{
+    return Quon::recording.giveNoDriver ? nullptr : new Quon::RecordingDriver;
+}
+
+HARMONET_DRIVER_EXPORT Quon::Recording* GetRecording()
+{
+    return &Quon::recording;
+}

@@ -1,0 +1,111 @@
+#include "tests/support/SoundTest.h"
+
+#include "harmonet/instances/SndBase.h"
+#include "harmonet/kernel/SndKernel.h"
+
+namespace Quon
+{
+
+SoundTest::SoundTest()
+{
+    EXPECT_TRUE(Start());
+    microphone = std::make_unique<Microphone>();
+    microphone->Activate();
+    names = std::make_unique<SoundNames>();
+    observer = std::make_unique<LoggingObserver>(*names);
+    group = std::make_unique<Sound>();
+    group->AddObserver(observer.get());
+    TakeLog();
+}
+
+SoundTest::~SoundTest() = default;
+
+int SoundTest::Play(const PString& file, int flags, int priority, int delay)
+{
+    return group->Play2DSound(file, nullptr, flags, priority, delay);
+}
+
+int SoundTest::Play3D(const PString& file, float x, int flags, int priority, float maxDistance)
+{
+    Sound::Settings settings;
+    settings.setDistance = true;
+    settings.minDistance = 1.0F;
+    settings.maxDistance = maxDistance;
+    settings.cutout = true;
+    return group->Play3DSound(Vector3{x, 0.0F, 0.0F}, file, nullptr, flags, priority, settings, 0);
+}
+
+int SoundTest::PlayEmulated(const PString& file, int flags)
+{
+    const unsigned int limit = system.GetMaxAudibleSounds();
+    system.SetMaxAudibleSounds(0);
+    const int id = Play(file, flags);
+    Step(40);
+    system.SetMaxAudibleSounds(limit);
+    return id;
+}
+
+MemoryBlock& SoundTest::NewBlock(const std::string& name, const PcmForm& form)
+{
+    blocks.push_back(std::make_unique<MemoryBlock>(form));
+    names->SetName(blocks.back()->GetData(), name);
+    return *blocks.back();
+}
+
+int SoundTest::PlayBlock(MemoryBlock& block, int flags)
+{
+    return group->Play2DSound(block.GetData(), block.GetSize(), &block.format, flags, 0, 0);
+}
+
+Ids SoundTest::GetIds(const SndList& list)
+{
+    Ids ids;
+    for (const SndBase* sound = list.GetHead(); sound; sound = list.GetNext(*sound))
+        ids.push_back(sound->GetSoundID());
+    EXPECT_EQ(static_cast<int>(ids.size()), list.GetCount());
+    return ids;
+}
+
+Ids SoundTest::Playing() const
+{
+    return GetIds(theKernel->GetPlayingList());
+}
+
+Ids SoundTest::Emulated() const
+{
+    return GetIds(theKernel->GetEmulatedList());
+}
+
+Ids SoundTest::Waiting() const
+{
+    return GetIds(theKernel->GetWaitingList());
+}
+
+SndBase* SoundTest::Find(int id) const
+{
+    return theKernel ? theKernel->FindSound(id) : nullptr;
+}
+
+int SoundTest::ChannelOf(int id) const
+{
+    const SndBase* sound = Find(id);
+    for (const auto& [number, record] : recording.channels) {
+        if (sound && sound->GetSndChannel() == record.channel)
+            return number;
+    }
+    return 0;
+}
+
+void SoundTest::StepWithEnd(int channel, int ms)
+{
+    recording.atEnd.push_back([this, channel] { recording.End(channel); });
+    Step(ms);
+}
+
+void SoundTest::StepWithNextFile(int channel, int ms)
+{
+    recording.atEnd.push_back([this, channel] { recording.Send(recording.StepFile(channel)); });
+    Step(ms);
+}
+
+} // namespace Quon

@@ -1,0 +1,47 @@
+#include "tests/support/TempFolder.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <stdexcept>
+
+namespace Quon
+{
+
+TempFolder::TempFolder()
+{
+    std::string name = (std::filesystem::temp_directory_path() / "harmonet-test-XXXXXX").string();
+    if (!mkdtemp(name.data()))
+        throw std::runtime_error("no temporary folder can be made");
+    path = name;
+}
+
+TempFolder::~TempFolder()
+{
+    std::error_code ignored;
+    std::filesystem::remove_all(path, ignored);
+}
+
+void TempFolder::Write(const std::string& name, const std::vector<unsigned char>& bytes) const
+{
+    Write(name, std::string(bytes.begin(), bytes.end()));
+}
+
+void TempFolder::Write(const std::string& name, const std::string& text) const
+{
+    std::ofstream file(path / name, std::ios::binary | std::ios::trunc);
+    file.write(text.data(), static_cast<std::streamsize>(text.size()));
+    if (!file.flush())
+        throw std::runtime_error("cannot write " + name);
+}
+
+void TempFolder::Remove(const std::string& name) const
+{
+    std::filesystem::remove(path / name);
+}
+
+void TempFolder::Resize(const std::string& name, std::uintmax_t bytes) const
+{
+    std::filesystem::resize_file(path / name, bytes);
+}
+
+} // namespace Quon

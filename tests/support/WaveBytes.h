@@ -1,0 +1,36 @@
+#pragma once
+
+#include "harmonet/files/WaveFormatEx.h"
+
+#include <vector>
+
+namespace Quon
+{
+
+/// PCM of which each sample frame tells its own number: the samples of frame n are n in as many bits as there
+/// are, in every channel.
+struct PcmForm
+{
+    int frames = 0;
+    int rateHz = 1000; ///< So that a sample frame is a millisecond.
+    int channels = 1;
+    int bitsPerSample = 16;
+};
+
+std::vector<unsigned char> BuildPcm(const PcmForm& form);
+/// As a RIFF/WAVE file with a "fmt " and a "data" chunk.
+std::vector<unsigned char> BuildWave(const PcmForm& form);
+
+/// A block of memory as game code lends it to a sound.
+struct MemoryBlock
+{
+    explicit MemoryBlock(const PcmForm& form);
+
+    void* GetData() { return pcm.data(); }
+    unsigned long GetSize() const { return pcm.size(); }
+
+    std::vector<unsigned char> pcm;
+    WaveFormatEx format;
+};
+
+} // namespace Quon
