@@ -11,6 +11,9 @@
 #include "harmonet/kernel/HarmonetStrings.h"
 #include "harmonet/output/SndDriver.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace Quon
 {
 
@@ -71,7 +74,8 @@ int SndKernel::Init(OS* os, bool driverFlag)
         return code;
     maxAudible = options.maxSounds;
     driver->SetCallback(HandleDriverEvent, this);
-    driver->SetMaxChannels(maxAudible + spareChannels);
+    constexpr int mostAudible = std::numeric_limits<int>::max() - spareChannels;
+    driver->SetMaxChannels(std::min(maxAudible, mostAudible) + spareChannels);
     theKernel = this;
     dataCache = new SndNodeCache;
     dataCache->SetLimit(options.cacheSize > 0 ? static_cast<unsigned long>(options.cacheSize) : 0);
