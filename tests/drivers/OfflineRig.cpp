@@ -1,0 +1,101 @@
+#include "tests/drivers/OfflineRig.h"
+
+#include <gtest/gtest.h>
+#include <sndfile.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace Quon
+{
+
+namespace
+{
+
+class TestFolder
+{
+public:
+    TestFolder()
+    {
+        std::string name = (std::filesystem::temp_directory_path() / "harmonet-test-XXXXXX").string();
+        folder = mkdtemp(name.data());
+        setenv("HOME", folder.c_str(), 1);
+        setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
+        setenv("XDG_CONFIG_DIRS", folder.c_str(), 1);
+    }
+    ~TestFolder() { std::filesystem::remove_all(folder); }
+
+    std::filesystem::path folder;
+};
+
+// Before main(), since OpenAL reads its configuration when it is first used.
+const TestFolder testFolder;
+
+} // namespace
+
+const std::filesystem::path& GetTestFolder()
+{
+    return testFolder.folder;
+}
+
+double Rendering::At(size_t sampleFrame, int side) const
+{
+    const size_t index = sampleFrame * static_cast<size_t>(channels) + static_cast<size_t>(side);
+    return index < samples.size() ? samples[index] / 32768.0 : 0.0;
+}
+
+double Rendering::LargestStep(size_t begin, size_t end) const
+{
+    double largest = 0.0;
+    for (size_t i = std::max<size_t>(begin, 1); i < end; ++i) {
+        for (int side = 0; side < channels; ++side) {
+            largest = std::max(largest, std::abs(At(i, side) - At(i - 1, side)));
+        }
+    }
+    return largest;
+}
+
+double Rendering::Level(size_t begin, size_t end, int side) const
+{
+    double sum = 0.0;
+    for (size_t i = begin; i < end; ++i) {
+        sum += At(i, side) * At(i, side);
+    }
+    return std::sqrt(sum / static_cast<double>(end - begin));
+}
+
+Rendering ReadRendering(const std::string& path)
+{
+    Rendering read;
+    SF_INFO info = {};
+    SNDFILE* const file = sf_open(path.c_str(), SFM_READ, &info);
+    if (!file) {
+        ADD_FAILURE() << path << " is no sound file: " << sf_strerror(nullptr);
+        return read;
+    }
+    read.rateHz = info.samplerate;
+    read.channels = info.channels;
+    read.isSigned16 = info.format == (SF_FORMAT_WAV | SF_FORMAT_PCM_16);
+    read.samples.resize(static_cast<size_t>(info.frames * info.channels));
+    EXPECT_EQ(sf_readf_short(file, read.samples.data(), info.frames), info.frames);
+    sf_close(file);
+    return read;
+}
+
+OfflineRig::OfflineRig(int maxChannels, int outputRateHz)
+    : DriverRig("HarmonetOpenAL")
+{
+    static int fileNumber = 0;
+    path = (GetTestFolder() / ("heard, " + std::to_string(++fileNumber) + ".wav")).string();
+    GetOptions().Set("OpenALRender", path.c_str());
+    EXPECT_TRUE(Open(outputRateHz, maxChannels));
+}
+
+OfflineRig::~OfflineRig()
+{
+    Close();
+    std::filesystem::remove(path);
+}
+
+} // namespace Quon

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "tests/drivers/DriverRig.h"
+
+#include <filesystem>
+
+namespace Quon
+{
+
+/// A rendered sound file, as another library reads it.
+struct Rendering
+{
+    int rateHz = 0;
+    int channels = 0;
+    bool isSigned16 = false;
+    std::vector<short> samples; ///< Interleaved.
+
+    size_t GetFrames() const { return channels > 0 ? samples.size() / static_cast<size_t>(channels) : 0; }
+    /// From -1 to 1; side 0 is left. 0 beyond the end.
+    double At(size_t sampleFrame, int side = 0) const;
+    /// The largest step from one sample frame to the next within [begin, end), on either side.
+    double LargestStep(size_t begin, size_t end) const;
+    /// Root of the mean square over [begin, end).
+    double Level(size_t begin, size_t end, int side) const;
+};
+
+Rendering ReadRendering(const std::string& path);
+
+/// The OpenAL driver rendering into a file of its own, which goes away with it.
+class OfflineRig : public DriverRig
+{
+public:
+    static constexpr int rateHz = 44100;
+
+    /// Opens the driver.
+    explicit OfflineRig(int maxChannels = 8, int outputRateHz = rateHz);
+    ~OfflineRig();
+
+    const std::string& GetPath() const { return path; }
+
+    /// All that has been rendered so far. It goes on being rendered.
+    Rendering Heard() const { return ReadRendering(path); }
+
+private:
+    std::string path;
+};
+
+/// A folder for the files of this process's tests, removed at its end. No user's configuration of OpenAL
+/// reaches a program that links this.
+const std::filesystem::path& GetTestFolder();
+
+} // namespace Quon

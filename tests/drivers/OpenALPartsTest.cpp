@@ -1,0 +1,194 @@
+#include "drivers/openal/Fades.h"
+#include "drivers/openal/PcmConverter.h"
+#include "drivers/openal/Placement.h"
+#include "drivers/openal/WavSink.h"
+#include "harmonet/output/SoundFormat.h"
+#include "tests/drivers/OfflineRig.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <csignal>
+#include <limits>
+#include <sys/resource.h>
+
+namespace Quon
+{
+namespace
+{
+
+using testing::ElementsAreArray;
+
+constexpr float noNumber = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinite = std::numeric_limits<float>::infinity();
+
+TEST(PcmConverter, EveryFormComesOutAsTheFloatsThatItsBytesStandFor)
+{
+    struct Row
+    {
+        int bytesPerSample;
+        int channels;
+        std::vector<unsigned char> bytes;
+        std::vector<float> mono;
+        std::vector<float> stereo;
+    };
+    const Row rows[] = {
+        {1, 1, {0x80, 0x00, 0xFF}, {0.0f, -1.0f, 127.0f / 128}, {0, 0, -1, -1, 127.0f / 128, 127.0f / 128}},
+        {2, 1, {0x00, 0x80, 0xFF, 0x7F, 0xFF, 0xFF}, {-1.0f, 32767.0f / 32768, -1.0f / 32768},
+            {-1, -1, 32767.0f / 32768, 32767.0f / 32768, -1.0f / 32768, -1.0f / 32768}},
+        {3, 1, {0x00, 0x00, 0x80, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x40}, {-1.0f, -1.0f / 8388608, 0.5f},
+            {-1, -1, -1.0f / 8388608, -1.0f / 8388608, 0.5f, 0.5f}},
+        {4, 1, {0x00, 0x00, 0x00, 0x80, 0x00, 0x00, 0x00, 0x20}, {-1.0f, 0.25f}, {-1, -1, 0.25f, 0.25f}},
+        {2, 2, {0x00, 0x40, 0x00, 0xC0, 0x00, 0x40, 0x00, 0x00}, {0.0f, 0.25f}, {0.5f, -0.5f, 0.5f, 0}},
+        // Left, right, and two for both sides: (0.5 + 0.5 * (1/4 - 1)) / 2 and (-0.5 + 0.5 * (1/4 - 1)) / 2.
+        {1, 4, {0xC0, 0x40, 0xA0, 0x00}, {-0.1875f}, {0.0625f, -0.4375f}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(
+            std::to_string(row.bytesPerSample) + " bytes, " + std::to_string(row.channels) + " channels");
+        SoundFormat format;
+        format.SetFormat(row.bytesPerSample, 22050, 100, row.channels);
+        std::vector<float> mono(row.mono.size());
+        ConvertToMono(row.bytes, format, mono);
+        EXPECT_THAT(mono, ElementsAreArray(row.mono));
+        std::vector<float> stereo(row.stereo.size());
+        ConvertToStereo(row.bytes, format, stereo);
+        EXPECT_THAT(stereo, ElementsAreArray(row.stereo));
+    }
+}
+
+TEST(WavSink, SamplesAreRoundedToTheNearestAndClipped)
+{
+    const std::pair<float, int> rows[] = {{0.0f, 0}, {-1.0f, -32768}, {1.0f, 32767}, {7.0f, 32767},
+        {-7.0f, -32768}, {0.6f / 32768, 1}, {0.4f / 32768, 0}, {-0.6f / 32768, -1}, {12345.0f / 32768, 12345},
+        {noNumber, 0}, {infinite, 32767}, {-infinite, -32768}};
+    for (const auto& [sample, expected] : rows) {
+        EXPECT_EQ(ToSigned16(sample), expected) << sample;
+    }
+}
+
+TEST(WavSink, TheFileIsWholeAfterEveryCommitWhileItIsStillBeingWritten)
+{
+    const std::string path = (GetTestFolder() / "sink.wav").string();
+    WavSink sink;
+    ASSERT_TRUE(sink.Open(path.c_str(), 22050));
+    EXPECT_EQ(ReadRendering(path).GetFrames(), 0u);
+    const std::vector<float> block(2 * 700, 0.25f);
+    for (size_t commits = 1; commits <= 5; ++commits) {
+        sink.Write(block);
+        sink.Write(block);
+        sink.Commit();
+        sink.Write({});
+        const Rendering read = ReadRendering(path);
+        EXPECT_EQ(read.GetFrames(), 1400 * commits);
+        EXPECT_EQ(read.rateHz, 22050);
+        EXPECT_EQ(read.channels, 2);
+        EXPECT_TRUE(read.isSigned16);
+        EXPECT_EQ(std::filesystem::file_size(path), 44 + 4 * 1400 * commits);
+        EXPECT_EQ(read.samples.back(), 8192);
+    }
+}
+
+TEST(WavSink, AFolderAMissingFolderAndAFullDiskAreNoFileToWriteTo)
+{
+    WavSink sink;
+    EXPECT_FALSE(sink.Open(GetTestFolder().c_str(), 22050));
+    EXPECT_FALSE(sink.Open((GetTestFolder() / "none" / "a.wav").c_str(), 22050));
+    EXPECT_FALSE(sink.Open("/dev/full", 22050));
+}
+
+// The system refuses to let files grow beyond 10000 bytes, as a full disk would.
+TEST(WavSink, ADiskThatRunsFullLeavesTheFileOfTheLastCommit)
+{
+    const std::string path = (GetTestFolder() / "full.wav").string();
+    WavSink sink;
+    ASSERT_TRUE(sink.Open(path.c_str(), 22050));
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small = {10000, before.rlim_max};
+    std::signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &small);
+    for (int i = 0; i < 20; ++i) {
+        sink.Write(std::vector<float>(2 * 1000, 0.5f));
+        sink.Commit();
+    }
+    setrlimit(RLIMIT_FSIZE, &before);
+    std::signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(ReadRendering(path).GetFrames(), 2000u);
+}
+
+TEST(Rise, ItIsAStraightLineInTimeWhateverTheBlocksAndTheRate)
+{
+    Rise rise;
+    rise.Start(100.0);
+    std::vector<float> heard;
+    // 50 ms at 1000 Hz, then the rate doubles and the other 50 ms have 100 sample frames.
+    for (const auto& [sampleFrames, rateHz] :
+        {std::pair(20, 1000.0), {30, 1000.0}, {70, 2000.0}, {50, 2000.0}}) {
+        std::vector<float> block(static_cast<size_t>(2 * sampleFrames), 1.0f);
+        rise.Apply(block, 2, rateHz);
+        heard.insert(heard.end(), block.begin(), block.end());
+    }
+    for (int i = 0; i < 170; ++i) {
+        const double ms = i < 50 ? i : 50 + (i - 50) * 0.5;
+        EXPECT_NEAR(heard[static_cast<size_t>(2 * i)], std::min(ms / 100, 1.0), 1e-6) << i;
+        EXPECT_EQ(heard[static_cast<size_t>(2 * i + 1)], heard[static_cast<size_t>(2 * i)]);
+    }
+}
+
+TEST(Fall, ItIsAStraightLineFromItsBeginToSilence)
+{
+    Fall fall;
+    EXPECT_EQ(fall.GetLevel(1000000), 1.0f);
+    EXPECT_FALSE(fall.IsOver(1000000));
+    fall.Start(5000, 2000);
+    const std::pair<long, float> rows[] = {
+        {4000, 1.0f}, {5000, 1.0f}, {5500, 0.75f}, {6999, 0.0005f}, {7000, 0.0f}};
+    for (const auto& [time, level] : rows) {
+        EXPECT_FLOAT_EQ(fall.GetLevel(time), level) << time;
+        EXPECT_EQ(fall.IsOver(time), time >= 7000);
+    }
+    fall.Start(5000, -1);
+    EXPECT_TRUE(fall.IsOver(5000));
+    EXPECT_EQ(fall.GetLevel(5000), 0.0f);
+}
+
+TEST(Placement, WhatIsNoNumberIsRefusedAndWhatIsTooLargeIsHeld)
+{
+    Vector3 position = {1, 2, 3};
+    EXPECT_FALSE(TakePosition({0, noNumber, 0}, position));
+    EXPECT_EQ(position, (Vector3{1, 2, 3}));
+    EXPECT_TRUE(TakePosition({infinite, -3e38f, 5}, position));
+    EXPECT_TRUE(std::isfinite(LengthSquared(position)));
+    EXPECT_EQ(position.z, 5.0f);
+
+    DistanceRange range = {1, 2, true};
+    EXPECT_FALSE(TakeDistances(noNumber, 5, false, range));
+    EXPECT_FALSE(TakeDistances(5, noNumber, false, range));
+    EXPECT_EQ(range.maxDistance, 2.0f);
+    EXPECT_TRUE(TakeDistances(-4, infinite, false, range));
+    EXPECT_EQ(range.minDistance, 0.0f);
+    EXPECT_EQ(range.maxDistance, std::numeric_limits<float>::max());
+
+    Cone cone;
+    EXPECT_FALSE(TakeCone(10, 20, noNumber, cone));
+    EXPECT_EQ(cone.outerGain, 1.0f);
+    EXPECT_TRUE(TakeCone(400, 90, 2, cone));
+    EXPECT_EQ(cone.innerAngle, 360.0f);
+    EXPECT_EQ(cone.outerAngle, 360.0f);
+    EXPECT_EQ(cone.outerGain, 1.0f);
+}
+
+TEST(Placement, ASoundIsCutOutBeyondItsMaximumDistanceAndNotAtIt)
+{
+    const DistanceRange cut = {1, 5, true};
+    EXPECT_FALSE(IsCutOut(cut, {3, 0, 4}, {0, 0, 0}));
+    EXPECT_TRUE(IsCutOut(cut, {3, 0, 4.001f}, {0, 0, 0}));
+    EXPECT_FALSE(IsCutOut(cut, {103, 0, 4}, {100, 0, 0}));
+    EXPECT_FALSE(IsCutOut({1, 5, false}, {300, 0, 0}, {0, 0, 0}));
+    EXPECT_TRUE(IsCutOut(cut, {1e15f, 1e15f, 0}, {-1e15f, 0, 0}));
+}
+
+} // namespace
+} // namespace Quon
