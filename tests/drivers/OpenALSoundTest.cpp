@@ -1,6 +1,8 @@
 #include "tests/drivers/FormulaFile.h"
 #include "tests/drivers/OfflineRig.h"
 
+#include <AL/alc.h>
+#include <AL/alext.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -328,6 +330,30 @@ TEST(OpenALDriver, SeveralDriversRunOneAfterAnotherAndSideBySide)
         EXPECT_EQ(one.Heard().At(1000), 0.25);
         EXPECT_EQ(other.Heard().At(1000), 0.75);
     }
+}
+
+TEST(OpenALDriver, TheHostsOwnContextStaysCurrentAlsoInsideEvents)
+{
+    ALCdevice* const device = reinterpret_cast<LPALCLOOPBACKOPENDEVICESOFT>(
+        alcGetProcAddress(nullptr, "alcLoopbackOpenDeviceSOFT"))(nullptr);
+    const ALCint attributes[] = {ALC_FORMAT_CHANNELS_SOFT, ALC_STEREO_SOFT, ALC_FORMAT_TYPE_SOFT,
+        ALC_FLOAT_SOFT, ALC_FREQUENCY, rateHz, 0};
+    ALCcontext* const context = alcCreateContext(device, attributes);
+    ASSERT_TRUE(alcMakeContextCurrent(context));
+    {
+        OfflineRig rig;
+        const auto file = MakeFile({100, rateHz}, Constant(0.5));
+        SndChannel* const channel = rig.Play(*file, ChanPositional);
+        channel->SetPosition({1, 2, 3});
+        EXPECT_EQ(alcGetCurrentContext(), context);
+        rig.onEvent = [&](const DriverEvent&) { EXPECT_EQ(alcGetCurrentContext(), context); };
+        rig.Step(40);
+        EXPECT_EQ(rig.TakeEvents().size(), 1u);
+    }
+    EXPECT_EQ(alcGetCurrentContext(), context);
+    alcMakeContextCurrent(nullptr);
+    alcDestroyContext(context);
+    alcCloseDevice(device);
 }
 
 TEST(OpenALDriver, FormatsAndFilesThatCannotBeRenderedFailToOpen)
