@@ -49,6 +49,15 @@ struct Signed32
 };
 
 template<class Sample>
+void CopyAll(const unsigned char* at, std::span<float> out)
+{
+    for (float& sample : out) {
+        sample = Sample::Read(at);
+        at += Sample::size;
+    }
+}
+
+template<class Sample>
 void MixToMono(const unsigned char* at, int channels, std::span<float> out)
 {
     const auto scale = 1.0f / static_cast<float>(channels);
@@ -67,15 +76,6 @@ void SpreadToStereo(const unsigned char* at, std::span<float> out)
 {
     for (std::size_t i = 0; i + 1 < out.size(); i += 2, at += Sample::size) {
         out[i] = out[i + 1] = Sample::Read(at);
-    }
-}
-
-template<class Sample>
-void CopyStereo(const unsigned char* at, std::span<float> out)
-{
-    for (float& sample : out) {
-        sample = Sample::Read(at);
-        at += Sample::size;
     }
 }
 
@@ -106,10 +106,21 @@ void ToStereo(const unsigned char* at, int channels, std::span<float> out)
         SpreadToStereo<Sample>(at, out);
         break;
     case 2:
-        CopyStereo<Sample>(at, out);
+        CopyAll<Sample>(at, out);
         break;
     default:
         MixToStereo<Sample>(at, channels, out);
+    }
+}
+
+template<class Sample>
+void ToMono(const unsigned char* at, int channels, std::span<float> out)
+{
+    if (channels == 1) {
+        CopyAll<Sample>(at, out);
+    }
+    else {
+        MixToMono<Sample>(at, channels, out);
     }
 }
 
@@ -120,16 +131,16 @@ void ConvertToMono(std::span<const unsigned char> bytes, const SoundFormat& form
     const int channels = format.GetChannels();
     switch (format.GetBytesPerSample()) {
     case 1:
-        MixToMono<Unsigned8>(bytes.data(), channels, out);
+        ToMono<Unsigned8>(bytes.data(), channels, out);
         break;
     case 2:
-        MixToMono<Signed16>(bytes.data(), channels, out);
+        ToMono<Signed16>(bytes.data(), channels, out);
         break;
     case 3:
-        MixToMono<Signed24>(bytes.data(), channels, out);
+        ToMono<Signed24>(bytes.data(), channels, out);
         break;
     default:
-        MixToMono<Signed32>(bytes.data(), channels, out);
+        ToMono<Signed32>(bytes.data(), channels, out);
     }
 }
 

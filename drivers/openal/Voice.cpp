@@ -133,9 +133,13 @@ std::int64_t Voice::GetFramesHeard() const
     }
 }
 
-void Voice::SetGain(float gain)
+void Voice::SetGain(float newGain)
 {
-    alSourcef(source, AL_GAIN, gain);
+    // A source that is set has to be worked out anew by the mixer, also to the same value.
+    if (newGain != gain) {
+        gain = newGain;
+        alSourcef(source, AL_GAIN, gain);
+    }
 }
 
 void Voice::SetPitch(float pitch)

@@ -53,7 +53,7 @@ public:
     std::int64_t GetFramesHeard() const;
 
     /// In this version of OpenAL a change of gain is spread over the next block that is mixed.
-    void SetGain(float gain);
+    void SetGain(float newGain);
     void SetPitch(float pitch);
     void SetPosition(const Vector3& position);
     void SetDistances(float minDistance, float maxDistance);
@@ -80,6 +80,7 @@ private:
     int queueLength = 0;
     std::int64_t framesQueued = 0;
     std::int64_t framesReturned = 0;
+    float gain = 1.0f;
 };
 
 } // namespace Quon
