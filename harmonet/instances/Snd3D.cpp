@@ -181,6 +181,7 @@ bool Snd3D::SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* pr
 {
     if (!theKernel || !theKernel->CanSetEnvReverbSource())
         return false;
+    OwnFXList();
     fxList.AddFX(SndFXEnvReverbSource, properties, sizeof *properties, defaultEnvReverbQuality);
     SndChannel* channel = GetSndChannel();
     return !channel || channel->SetFXEnvReverbSourceProperties(properties);

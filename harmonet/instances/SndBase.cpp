@@ -2,7 +2,7 @@
 
 #include "harmonet/engine/Vector.h"
 #include "harmonet/files/SndFile.h"
-#include "harmonet/instances/Snd3D.h"
+#include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/output/SndChannel.h"
@@ -306,6 +306,11 @@ unsigned int SndBase::GetChannelFlags() const
     if (IsChgFrequency())
         flags |= ChanChgFrequency;
     return flags;
+}
+
+bool SndBase::IsBeingTold() const
+{
+    return beingTold || (IsPolyline() && static_cast<const SndPolyline*>(this)->IsSourceBeingTold());
 }
 
 void SndBase::SetDelay(int ms)

@@ -212,8 +212,9 @@ public:
     /// How a channel for this sound is to behave: SndChannelFlags.
     unsigned int GetChannelFlags() const;
     /// Whether one of this sound's own notifications is running, or its end. The instance must then not be
-    /// deleted, and the operations of the game that would do so pass it over.
-    bool IsBeingTold() const { return beingTold; }
+    /// deleted, and the operations of the game that would do so pass it over. The same holds for the head of
+    /// a line while one of its sources is told of, since the sources go with it.
+    bool IsBeingTold() const;
     /// The kernel's list on which the sound stands, or null.
     const SndList* GetList() const { return list; }
     /// Which start of a sound this was, counted by the kernel; 0 before the first.
@@ -249,6 +250,8 @@ protected:
     void Done();
     /// Moves the file forward by `samples` sample frames, round a loop or along the queue.
     void SkipSamples(int samples);
+    /// Turns a list that belongs to another instance into one of this sound's own, which may be changed.
+    void OwnFXList();
 
     void SetFlags(std::uint32_t mask, bool on) { on ? AddFlags(mask) : ClearFlags(mask); }
     /// The live record of the channel, or the stored one.

@@ -12,6 +12,7 @@ bool SndBase::AddEffect(SndFX effect, const void* record, unsigned long size, lo
         return false;
     ClearFlags(FlagChgFrequency);
     newFrequency = 0;
+    OwnFXList();
     fxList.AddFX(effect, record, size, quality);
     return true;
 }
@@ -114,6 +115,14 @@ bool SndBase::SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties*)
 bool SndBase::GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties*)
 {
     return false;
+}
+
+void SndBase::OwnFXList()
+{
+    if (!HasAnyFlag(FlagSharedFXList))
+        return;
+    fxList = fxList.Duplicate();
+    ClearFlags(FlagSharedFXList);
 }
 
 void SndBase::SetThisFXList(const SndFXList& newList)

@@ -10,6 +10,7 @@
 #include "harmonet/instances/TakenResource.h"
 #include "harmonet/kernel/SndKernel.h"
 
+#include <algorithm>
 #include <memory>
 
 namespace Quon
@@ -154,7 +155,11 @@ int Sound::New3DSound(const PString& name, const ResourceDatabase* db, bool igno
         sound->SetPosition(resource->GetPosition());
     resource->ApplySoundSettings(this, id);
     NameData(id, *resource);
-    return id;
+    if (ignorePlacement || !resource->GetPolyline())
+        return id;
+    // While the resource still holds the points.
+    return NewPolylineSound(id, resource->GetPolyline(), static_cast<unsigned int>(resource->GetNumPoints()),
+        static_cast<unsigned int>(std::max(resource->GetNumAddSounds(), 0)), resource->GetMinAngle());
 }
 
 // The resource's own code may have ended the sound meanwhile.

@@ -18,6 +18,7 @@ class ResourceDatabase;
 class Snd3D;
 class SndBase;
 class SndFile;
+class SndPolyline;
 class SoundResource;
 
 /// Through this object game code plays sound effects. A `Sound` is a group: it gives its sounds a gain, the
@@ -90,6 +91,13 @@ public:
     /// A sound along a line, if the resource has one.
     int New3DSound(const PString& name, const ResourceDatabase* db);
     int New3DSound(void* data, unsigned long size, WaveFormatEx* format);
+    /// A sound along the line through the given points, in world units; position and line of the resource are
+    /// ignored. It is heard through one source and up to `numAddSounds` more, seven at most, which lie in
+    /// directions at least `minAngle` degrees apart as seen from the listener (somewhat less, to leave room);
+    /// with an angle below 10 there is one source only. The sign of the angle does not matter, and it counts
+    /// modulo 180. Such a sound loops. It has one id, that of the whole line. 0 without points.
+    int New3DSound(const Vector3* points, unsigned int numPoints, const PString& name,
+        const ResourceDatabase* db, unsigned int numAddSounds, float minAngle);
 
     // Playing in one call. Each returns the id of the started sound, or 0. A priority or delay of 0 leaves
     // the value as it stands. `flags` are StartFlags; `delay` is in milliseconds.
@@ -130,7 +138,8 @@ public:
 
     // Settings of one sound.
 
-    /// Linear, clamped to 0.0 to 1.0; NaN changes nothing.
+    /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. For a sound along a line it is the gain of the
+    /// whole line.
     void SetSoundGain(int id, float newGain);
     float GetSoundGain(int id) const;
     void SetSoundPriority(int id, int priority);
@@ -163,6 +172,9 @@ public:
     /// Which axis of the node is the direction of the cone, also for a sound along a line: see
     /// Snd3D::BindAxisToDirection(). An axis of -3 does nothing.
     void BindSoundAxisToDirection(int id, int axis);
+    /// Where the sources of a sound along a line now are, the nearest to the listener first: stores up to
+    /// `most` places and returns how many. For drawing them; 0 for any other sound.
+    int GetSoundPlaces(int id, Vector3* places, int most) const;
 
     // Effects of one sound: see SndBase.
     bool SetFXEnvReverbListenerProperties(int id, const FXEnvReverb* record, long quality);
@@ -206,6 +218,10 @@ private:
     void OnBufferFree(int soundID, void* buffer);
 
     int New3DSound(const PString& name, const ResourceDatabase* db, bool ignorePlacement);
+    /// Makes a positional sound that has just been made the main source of a line; returns the line's id.
+    int NewPolylineSound(int soundID, const Vector3* points, unsigned int numPoints,
+        unsigned int numAddSounds, float minAngle);
+    bool StartPolyline(SndPolyline& line);
     SndBase* FindSound(int id) const;
     Snd3D* Find3D(int id) const;
     Snd3D* FindPlaced3D(int id) const;

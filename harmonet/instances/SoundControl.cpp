@@ -4,7 +4,7 @@
 #include "harmonet/engine/Particle.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/files/SndNodeCache.h"
-#include "harmonet/instances/Snd3D.h"
+#include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/instances/TakenResource.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -109,6 +109,8 @@ bool Sound::StartSound(int id, int flags)
     if ((flags & StartLooping) && sound->HasAnyFlag(FlagQueued))
         return false;
     ApplyStartFlags(*sound, flags);
+    if (sound->IsPolyline())
+        return StartPolyline(static_cast<SndPolyline&>(*sound));
     return theKernel->PlaySound(sound);
 }
 

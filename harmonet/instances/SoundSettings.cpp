@@ -1,6 +1,6 @@
 // What a group sets on its sounds and asks of them.
 
-#include "harmonet/instances/Snd3D.h"
+#include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/kernel/SndKernel.h"
 
@@ -48,8 +48,13 @@ void Sound::SetGain(float newGain)
 void Sound::SetSoundGain(int id, float newGain)
 {
     SndBase* sound = FindSound(id);
-    if (sound && !std::isnan(newGain))
-        sound->SetGain(std::clamp(newGain, 0.0F, 1.0F));
+    if (!sound || std::isnan(newGain))
+        return;
+    const float clamped = std::clamp(newGain, 0.0F, 1.0F);
+    if (sound->IsPolyline())
+        static_cast<SndPolyline*>(sound)->SetGain(clamped);
+    else
+        sound->SetGain(clamped);
 }
 
 float Sound::GetSoundGain(int id) const

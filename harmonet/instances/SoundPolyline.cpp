@@ -1,0 +1,124 @@
+// How a group makes and starts sounds along a line.
+
+#include "harmonet/instances/SndPolyline.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/SndKernel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <memory>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr unsigned int mostAddSounds = 7;
+constexpr float minUsefulAngle = 10.0F;
+constexpr float halfTurn = 180.0F;
+constexpr float fullTurn = 360.0F;
+constexpr int samplesApart = 1000;
+
+/// How many sources a line has beside the first, and how far apart in degrees they are to be.
+struct SourceLimits
+{
+    unsigned int numAddSounds;
+    float minAngle;
+};
+
+// A little less than was asked for, so that sources need not stand at exact divisions of the circle.
+float EaseAngle(float angle)
+{
+    struct Step
+    {
+        float above;
+        float less;
+    };
+    constexpr Step steps[] = {{135.0F, 20.0F}, {90.0F, 15.0F}, {45.0F, 10.0F}, {10.0F, 5.0F}};
+    const auto step = std::find_if(std::begin(steps), std::end(steps),
+        [angle](const Step& candidate) { return angle > candidate.above; });
+    return step != std::end(steps) ? angle - step->less : angle;
+}
+
+SourceLimits LimitSources(unsigned int numAddSounds, float minAngle)
+{
+    numAddSounds = std::min(numAddSounds, mostAddSounds);
+    float angle = std::isfinite(minAngle) ? std::fabs(minAngle) : 0.0F;
+    if (angle < minUsefulAngle)
+        numAddSounds = 0;
+    else
+        angle = std::fmod(angle, halfTurn);
+    const float most = angle > 0.0F ? std::trunc(fullTurn / angle) : std::numeric_limits<float>::infinity();
+    if (static_cast<float>(numAddSounds) >= most)
+        numAddSounds = static_cast<unsigned int>(most) - 1;
+    return {numAddSounds, EaseAngle(angle)};
+}
+
+} // namespace
+
+int Sound::New3DSound(const Vector3* points, unsigned int numPoints, const PString& name,
+    const ResourceDatabase* db, unsigned int numAddSounds, float minAngle)
+{
+    constexpr unsigned int mostPoints = std::numeric_limits<int>::max();
+    if (!points || numPoints == 0 || numPoints > mostPoints)
+        return 0;
+    const int id = New3DSound(name, db, true);
+    return id != 0 ? NewPolylineSound(id, points, numPoints, numAddSounds, minAngle) : 0;
+}
+
+int Sound::NewPolylineSound(
+    int soundID, const Vector3* points, unsigned int numPoints, unsigned int numAddSounds, float minAngle)
+{
+    Snd3D* main = FindPlaced3D(soundID);
+    if (!main)
+        return 0;
+    // The resource's own code has started it as it is.
+    if (main->IsPlaying() || main->GetList())
+        return soundID;
+    const SourceLimits limits = LimitSources(numAddSounds, minAngle);
+    const unsigned int numSources = limits.numAddSounds + 1;
+    auto* ids =
+        static_cast<unsigned int*>(Alloc::New(static_cast<unsigned int>(numSources * sizeof(unsigned int))));
+    auto made = std::make_unique<SndPolyline>(*main);
+    main->AddFlags(FlagLooping | FlagSharedFXList | FlagPolylineSource | FlagInPause);
+    made->AdoptSourceFX(main->GetThisFXList());
+    ids[0] = static_cast<unsigned int>(soundID);
+    for (unsigned int i = 1; i < numSources; ++i) {
+        auto* copy = new Snd3D(*main);
+        copy->SetThisFXList(main->GetThisFXList());
+        copy->SetStartSample(samplesApart * static_cast<int>(i));
+        ids[i] = static_cast<unsigned int>(AddSound(copy));
+    }
+    SndPolyline* line = made.release();
+    const int id = AddSound(line);
+    line->Init(points, static_cast<int>(numPoints), ids, static_cast<int>(numSources), limits.minAngle);
+    return id;
+}
+
+bool Sound::StartPolyline(SndPolyline& line)
+{
+    line.ShareFX();
+    for (int i = 0; i < line.GetNumSounds(); ++i) {
+        const int sourceID = static_cast<int>(line.GetSourceID(i));
+        SndBase* source = FindSound(sourceID);
+        // It runs already if an earlier start has failed half-way.
+        if (!source || source->IsPlaying())
+            continue;
+        if (!theKernel->PlaySound(source))
+            return false;
+        source = FindSound(sourceID);
+        if (i == 0 && source)
+            line.SetSoundLength(source->GetSoundLength());
+    }
+    return theKernel->EmulateSound(&line);
+}
+
+int Sound::GetSoundPlaces(int id, Vector3* places, int most) const
+{
+    const SndBase* sound = FindSound(id);
+    return sound && sound->IsPolyline() ? static_cast<const SndPolyline*>(sound)->GetPlaces(places, most) : 0;
+}
+
+} // namespace Quon
