@@ -30,6 +30,17 @@ Music::~Music()
     Stop();
 }
 
+Music& Music::operator=(const Music& other)
+{
+    // The piece that is left behind must not look for its gain in a handle that can go before it.
+    SndBase* left = soundID != other.soundID ? FindLive() : nullptr;
+    if (left && left->GetParentMusic() == this)
+        left->SetParentMusic(nullptr);
+    soundID = other.soundID;
+    gain = other.gain;
+    return *this;
+}
+
 SndBase* Music::FindLive() const
 {
     return soundID > 0 && theKernel ? theKernel->FindSound(soundID) : nullptr;

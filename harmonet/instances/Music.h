@@ -18,13 +18,14 @@ class SndBase;
 /// false or 0.
 ///
 /// The game owns the handle; the piece ends with it. A handle that is copied steers the same piece, whose
-/// gain follows the handle that started it; the copy must not outlive that one.
+/// gain follows the handle that started it and which ends with the first of the two. A piece whose only
+/// handle is assigned another one plays on, without a gain of a handle, until StopAll().
 class HARMONET_API Music
 {
 public:
     Music() = default;
     Music(const Music&) = default;
-    Music& operator=(const Music&) = default;
+    Music& operator=(const Music& other);
     /// As Stop().
     ~Music();
 
