@@ -35,6 +35,7 @@ public:
     class Place
     {
     public:
+        Place() = default;
         bool IsValid() const { return chunk && index < chunk->count; }
         T& operator*() const { return chunk->entries[index]; }
         T* operator->() const { return &chunk->entries[index]; }
@@ -64,34 +65,23 @@ public:
             }
         }
 
-        const ChunkRing* ring;
-        Chunk* chunk;
-        int index;
+        const ChunkRing* ring = nullptr;
+        Chunk* chunk = nullptr;
+        int index = 0;
     };
 
     bool IsEmpty() const { return !first; }
     Chunk* GetFirst() const { return first; }
     Place GetBegin() const { return Place(*this, first, 0); }
 
-    /// Appends behind the last entry, in a new chunk if the last one is full.
-    void Append(const T& entry)
+    /// Appends behind the last entry, in a new chunk if the last one is full; returns the place.
+    Place Append(const T& entry)
     {
         if (!first || first->previous->count == chunkSize)
             AddChunk();
         Chunk* last = first->previous;
         last->entries[last->count++] = entry;
-    }
-
-    /// Stores the entry in the first chunk that has room, behind those it holds; returns the chunk.
-    Chunk* AddWhereRoom(const T& entry)
-    {
-        Chunk* chunk = first;
-        while (chunk && chunk->count == chunkSize)
-            chunk = chunk->next != first ? chunk->next : nullptr;
-        if (!chunk)
-            chunk = AddChunk();
-        chunk->entries[chunk->count++] = entry;
-        return chunk;
+        return Place(*this, last, last->count - 1);
     }
 
     /// Takes the entry out; those behind it in its chunk move forward. The place is then the next entry.
@@ -112,15 +102,17 @@ public:
         place.SettleAtChunkEnd();
     }
 
-    /// Takes the entry out; the last entry of its chunk moves into its place.
-    void EraseUnordered(const Place& place)
+    /// Takes the entry out; the last entry of the list moves into its place, so that all chunks but the last
+    /// stay full, if no entry has been taken out with Erase(). True if an entry has moved.
+    bool EraseUnordered(const Place& place)
     {
-        Chunk* chunk = place.chunk;
-        if (chunk->count == 1) {
-            RemoveChunk(chunk);
-            return;
-        }
-        chunk->entries[place.index] = chunk->entries[--chunk->count];
+        Chunk* last = first->previous;
+        const bool isLast = place.chunk == last && place.index == last->count - 1;
+        if (!isLast)
+            place.chunk->entries[place.index] = last->entries[last->count - 1];
+        if (--last->count == 0)
+            RemoveChunk(last);
+        return !isLast;
     }
 
     void Clear()

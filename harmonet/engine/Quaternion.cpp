@@ -90,6 +90,10 @@ Quaternion operator*(const Quaternion& outer, const Quaternion& inner)
 Quaternion Normalized(const Quaternion& q)
 {
     const double lengthSquared = LengthSquared(q);
+    // Most orientations are of unit length already, as exactly as floats can be.
+    constexpr double rounding = 1.2e-7;
+    if (std::abs(lengthSquared - 1.0) < rounding)
+        return q;
     return HasDirection(lengthSquared) ? FromScaled(q.x, q.y, q.z, q.w, 1.0 / std::sqrt(lengthSquared))
                                        : Quaternion();
 }

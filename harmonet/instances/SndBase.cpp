@@ -4,6 +4,7 @@
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/NameNumbers.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
@@ -277,20 +278,6 @@ unsigned long SndBase::GetCurrentLength() const
     return sum < soundLength ? soundLength - sum : 0;
 }
 
-bool SndBase::operator<(const SndBase& other) const
-{
-    if (priority != other.priority)
-        return priority < other.priority;
-    if (!useMultiplier)
-        return distSqr > other.distSqr;
-    return multiplier * distSqr > other.multiplier * other.distSqr;
-}
-
-bool SndBase::operator>(const SndBase& other) const
-{
-    return other < *this;
-}
-
 unsigned int SndBase::GetChannelFlags() const
 {
     unsigned int flags = 0;
@@ -328,6 +315,16 @@ float SndBase::GetDistSqr() const
 void SndBase::SetPriority(int newPriority)
 {
     priority = newPriority;
+    // The list on which it stands may not be in order any more.
+    if (list)
+        list->ForgetOrder();
+}
+
+std::uint32_t SndBase::GetNameNumber(NameNumbers& names) const
+{
+    if (nameNumber == noNameNumber)
+        nameNumber = names.Get(fileName, substName);
+    return nameNumber;
 }
 
 void SndBase::SetFadeIn(int ms)

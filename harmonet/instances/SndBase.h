@@ -3,6 +3,7 @@
 #include "harmonet/Export.h"
 #include "harmonet/definitions/SndFXList.h"
 #include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/ChunkRing.h"
 #include "harmonet/engine/IListNode.h"
 #include "harmonet/engine/PString.h"
 
@@ -12,6 +13,8 @@ namespace Quon
 {
 
 class Music;
+class NameNumbers;
+class SndBase;
 class SndChannel;
 class SndFile;
 class SndList;
@@ -40,6 +43,9 @@ enum SndFlags : std::uint32_t
     FlagInPause = 0x20000000, ///< Left out of everything until released.
     FlagPlaying = 0x40000000 ///< Has started.
 };
+
+/// The kernel's table of sounds is made of these.
+using SoundBucket = ChunkRing<SndBase*, 29>;
 
 /// The length in milliseconds of what has no end, or of what is not known yet.
 inline constexpr unsigned long unknownLength = 0xFFFFFFFF;
@@ -109,9 +115,16 @@ public:
 
     /// Less important: lower priority, or as great a priority and farther away. The distance counts
     /// multiplied by the multiplier unless SetCompareUsingMultiplier(false) is in force.
-    bool operator<(const SndBase& other) const;
+    bool operator<(const SndBase& other) const
+    {
+        if (priority != other.priority)
+            return priority < other.priority;
+        if (!useMultiplier)
+            return distSqr > other.distSqr;
+        return GetWeightedDistance() > other.GetWeightedDistance();
+    }
     /// More important.
-    bool operator>(const SndBase& other) const;
+    bool operator>(const SndBase& other) const { return other < *this; }
     static void SetCompareUsingMultiplier(bool use) { useMultiplier = use; }
     static bool useMultiplier;
 
@@ -157,9 +170,17 @@ public:
     std::uint32_t GetSndFlags() const { return sndFlags; }
     bool HasAnyFlag(std::uint32_t mask) const { return (sndFlags & mask) != 0; }
     const PString& GetFileName() const { return fileName; }
-    void SetFileName(const PString& name) { fileName = name; }
+    void SetFileName(const PString& name)
+    {
+        fileName = name;
+        nameNumber = noNameNumber;
+    }
     const PString& GetSubstName() const { return substName; }
-    void SetSubstName(const PString& name) { substName = name; }
+    void SetSubstName(const PString& name)
+    {
+        substName = name;
+        nameNumber = noNameNumber;
+    }
     SndFile* GetSndFile() const { return sndFile; }
     void SetSndFile(SndFile* file) { sndFile = file; }
     void SetStartSample(int samples) { startSample = samples; }
@@ -174,6 +195,12 @@ public:
     int GetPriority() const { return priority; }
     float GetMultiplier() const { return multiplier; }
     void SetMultiplier(float factor) { multiplier = factor; }
+    /// The squared distance with its weight. At no distance the weight has no say, however great.
+    float GetWeightedDistance() const { return WeightDistance(distSqr, multiplier); }
+    static float WeightDistance(float squared, float weight)
+    {
+        return squared == 0.0F ? 0.0F : weight * squared;
+    }
     int GetDelay() const { return delay; }
     unsigned long GetNewFrequency() const { return newFrequency; }
     void SetNewFrequency(unsigned long hz) { newFrequency = hz; }
@@ -215,6 +242,10 @@ public:
     /// deleted, and the operations of the game that would do so pass it over. The same holds for the head of
     /// a line while one of its sources is told of, since the sources go with it.
     bool IsBeingTold() const;
+    /// The number of this sound's file and owner name among `names`, the kernel's; like sounds have the same.
+    std::uint32_t GetNameNumber(NameNumbers& names) const;
+    /// The squared distance, without a virtual call.
+    float GetPlainDistSqr() const { return distSqr; }
     /// The kernel's list on which the sound stands, or null.
     const SndList* GetList() const { return list; }
     /// Which start of a sound this was, counted by the kernel; 0 before the first.
@@ -289,6 +320,7 @@ private:
     std::uint32_t CalcRemainAtEnd() const;
 
     static int NextSoundID();
+    static constexpr std::uint32_t noNameNumber = 0xFFFFFFFF;
 
     int soundID;
     void* parent = nullptr;
@@ -315,6 +347,8 @@ private:
 
     SndList* list = nullptr; ///< The kernel's list that holds this sound; SndList keeps it.
     std::uint64_t startSerial = 0; ///< When it last went to the kernel to be played; the kernel keeps it.
+    SoundBucket::Place tablePlace; ///< Its place in the kernel's table; SoundTable keeps it.
+    mutable std::uint32_t nameNumber = noNameNumber;
     bool beingTold = false;
     static int lastSoundID;
 };

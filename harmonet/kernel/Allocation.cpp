@@ -39,8 +39,7 @@ private:
 
 void SndKernel::Allocate()
 {
-    RateDuplicates();
-    SortLists();
+    PutInOrder();
     ChosenList chosen(playingList, waitingList);
     ProtectYoung(chosen.sounds);
     ChooseBest(chosen.sounds);
@@ -49,21 +48,12 @@ void SndKernel::Allocate()
     EmulateWaiting();
 }
 
-void SndKernel::RateDuplicates()
+void SndKernel::PutInOrder()
 {
-    // Rated by plain distance: the multipliers of the last allocation have no say in the new ones.
-    SndBase::SetCompareUsingMultiplier(false);
-    duplicates.Restart();
-    for (const SndList* list : {&playingList, &emulatedList, &waitingList})
-        duplicates.Add(*list);
-    duplicates.Rate();
+    // The sorted insertions that follow compare with the multipliers, whoever has switched that off.
     SndBase::SetCompareUsingMultiplier(true);
-}
-
-void SndKernel::SortLists()
-{
-    for (SndList* list : {&playingList, &emulatedList, &waitingList})
-        list->Sort();
+    SndList* const lists[] = {&playingList, &emulatedList, &waitingList};
+    importanceOrder.Apply(lists, names);
 }
 
 void SndKernel::ProtectYoung(SndList& chosen)

@@ -14,8 +14,8 @@ constexpr unsigned long settledMs = 200;
 ChannelPicker::ChannelPicker(SndList& newList, std::uint64_t newHorizon)
     : list(newList)
     , horizon(newHorizon)
-    , musicPlace(newList.GetHead())
-    , nextRunEnd(nullptr)
+    , musicPlace(newList.HasMusic() ? newList.GetHead() : nullptr)
+    , nextRunEnd(newList.GetTail())
 {
 }
 

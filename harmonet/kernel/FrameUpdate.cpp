@@ -118,6 +118,7 @@ int SndKernel::CountDownDelays(const Vector3& listener)
         if (left <= 0 && !sound->GetInPause()) {
             ++due;
             sound->CalcDistSqr(listener);
+            waitingList.ForgetOrder();
         }
     }
     return due;
@@ -129,18 +130,28 @@ void SndKernel::UpdateEmulated(const UpdateStep& step)
 {
     SoundWalk walk(*this, emulatedList, SoundWalk::FromTail);
     while (SndBase* sound = walk.Next()) {
-        if (sound->SndUpdate(step.seconds, step.listener, step.listenerMoved))
+        if (UpdateSound(*sound, step))
             sound->stateTime += elapsed;
         else
             delete sound;
     }
 }
 
+// A list whose sounds have come nearer or gone away may not be in order any more.
+bool SndKernel::UpdateSound(SndBase& sound, const UpdateStep& step)
+{
+    const float distanceBefore = sound.distSqr;
+    const bool goesOn = sound.SndUpdate(step.seconds, step.listener, step.listenerMoved);
+    if (sound.distSqr != distanceBefore && sound.list)
+        sound.list->ForgetOrder();
+    return goesOn;
+}
+
 void SndKernel::UpdatePlaying(const UpdateStep& step)
 {
     SoundWalk walk(*this, playingList);
     while (SndBase* sound = walk.Next()) {
-        if (!sound->SndUpdate(step.seconds, step.listener, step.listenerMoved)) {
+        if (!UpdateSound(*sound, step)) {
             Unlist(*sound);
             delete sound;
             continue;

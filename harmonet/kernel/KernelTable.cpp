@@ -20,9 +20,12 @@ void SndKernel::Unlist(SndBase& sound)
 template<class Matches>
 void SndKernel::DeleteFromTable(Matches matches)
 {
-    EngineVector<int> ids = idBuffers.Take();
-    soundTable.CollectIds(ids, matches);
-    SoundWalk walk(*this, std::move(ids));
+    EngineVector<KnownSound> found = walkBuffers.Take();
+    soundTable.ForEach([&](SndBase& sound) {
+        if (matches(sound))
+            found.push_back({&sound, sound.GetSoundID()});
+    });
+    SoundWalk walk(*this, std::move(found));
     while (SndBase* sound = walk.Next()) {
         if (sound->IsBeingTold())
             continue;

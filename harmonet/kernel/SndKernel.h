@@ -1,7 +1,8 @@
 #pragma once
 
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/kernel/DuplicateRating.h"
+#include "harmonet/kernel/ImportanceOrder.h"
+#include "harmonet/kernel/NameNumbers.h"
 #include "harmonet/kernel/SndList.h"
 #include "harmonet/kernel/SoundTable.h"
 #include "harmonet/kernel/SoundWalk.h"
@@ -156,6 +157,7 @@ private:
     Vector3 UpdateListener();
     int CountDownDelays(const Vector3& listener);
     void UpdateEmulated(const UpdateStep& step);
+    bool UpdateSound(SndBase& sound, const UpdateStep& step);
     void UpdatePlaying(const UpdateStep& step);
     bool MustLeavePlaying(const SndBase& sound) const;
     void LeavePlaying(SndBase& sound);
@@ -166,8 +168,7 @@ private:
     void StartOrDelete(SndBase& sound);
 
     void Allocate();
-    void RateDuplicates();
-    void SortLists();
+    void PutInOrder();
     void ProtectYoung(SndList& chosen);
     void ChooseBest(SndList& chosen);
     void EmulateLosers();
@@ -213,8 +214,9 @@ private:
     float mainGain3D = 1.0F;
     float mainGainMusic = 1.0F;
     SoundCaps caps;
-    DuplicateRating duplicates;
-    IdBuffers idBuffers;
+    NameNumbers names;
+    ImportanceOrder importanceOrder;
+    WalkBuffers walkBuffers;
 
     bool goingDown = false; ///< Done() is running or has run: no new sounds.
     bool updating = false; ///< A full update is running.

@@ -1,47 +1,69 @@
 #include "harmonet/kernel/SoundTable.h"
 
-#include "harmonet/instances/SndBase.h"
+#include <bit>
+#include <utility>
 
 namespace Quon
 {
 
-int SoundTable::GetId(const SndBase& sound)
+namespace
 {
-    return sound.GetSoundID();
+constexpr std::size_t minIndexSize = 64;
 }
 
 void SoundTable::Add(SndBase* sound)
 {
-    lastSound = sound;
-    lastID = sound->soundID;
-    buckets[BucketOf(lastID)].AddWhereRoom(sound);
-}
-
-SndBase* SoundTable::Find(int id) const
-{
-    if (id == lastID)
-        return lastSound;
-    const Bucket& bucket = buckets[BucketOf(id)];
-    for (auto place = bucket.GetBegin(); place.IsValid(); place.MoveOn()) {
-        if ((*place)->soundID == id)
-            return *place;
-    }
-    return nullptr;
+    sound->tablePlace = buckets[BucketOf(sound->soundID)].Append(sound);
+    ++count;
+    if (2 * static_cast<std::size_t>(count) > index.size())
+        GrowIndex();
+    else
+        AddToIndex(sound);
 }
 
 void SoundTable::Remove(SndBase* sound)
 {
-    if (sound == lastSound) {
-        lastSound = nullptr;
-        lastID = 0;
-    }
-    Bucket& bucket = buckets[BucketOf(sound->soundID)];
-    for (auto place = bucket.GetBegin(); place.IsValid(); place.MoveOn()) {
-        if (*place == sound) {
-            bucket.EraseUnordered(place);
-            return;
+    if (!sound->tablePlace.IsValid())
+        return;
+    const SoundBucket::Place place = std::exchange(sound->tablePlace, SoundBucket::Place());
+    if (buckets[BucketOf(sound->soundID)].EraseUnordered(place))
+        (*place)->tablePlace = place;
+    RemoveFromIndex(sound->soundID);
+    --count;
+    ++numRemoved;
+}
+
+void SoundTable::AddToIndex(SndBase* sound)
+{
+    std::size_t place = HomeOf(sound->soundID);
+    while (index[place].sound)
+        place = (place + 1) & mask;
+    index[place] = {sound->soundID, sound};
+}
+
+// Closes the gap: whatever stands behind it and would no longer be found from its home moves forward.
+void SoundTable::RemoveFromIndex(int id)
+{
+    std::size_t gap = HomeOf(id);
+    while (index[gap].id != id)
+        gap = (gap + 1) & mask;
+    for (std::size_t place = (gap + 1) & mask; index[place].sound; place = (place + 1) & mask) {
+        const std::size_t distanceFromHome = (place - HomeOf(index[place].id)) & mask;
+        if (distanceFromHome >= ((place - gap) & mask)) {
+            index[gap] = index[place];
+            gap = place;
         }
     }
+    index[gap] = {0, nullptr};
+}
+
+void SoundTable::GrowIndex()
+{
+    const std::size_t newSize = index.empty() ? minIndexSize : 2 * index.size();
+    index.assign(newSize, {0, nullptr});
+    mask = newSize - 1;
+    shift = 32 - std::countr_zero(newSize);
+    ForEach([this](SndBase& sound) { AddToIndex(&sound); });
 }
 
 } // namespace Quon

@@ -2,6 +2,8 @@
 
 #include "harmonet/engine/Alloc.h"
 
+#include <cstdint>
+
 namespace Quon
 {
 
@@ -9,16 +11,24 @@ class SndBase;
 class SndKernel;
 class SndList;
 
-/// Memory for the ids of walks, kept so that a steady state allocates nothing. Walks can be nested; each
-/// takes a buffer and gives it back.
-class IdBuffers
+/// A sound and its id, by which one can tell later whether the sound still exists.
+struct KnownSound
+{
+    SndBase* sound;
+    int id;
+};
+
+/// Memory for walks, kept so that a steady state allocates nothing. Walks can be nested; each takes a buffer
+/// and gives it back.
+class WalkBuffers
 {
 public:
-    EngineVector<int> Take();
-    void GiveBack(EngineVector<int>&& buffer);
+    /// An empty buffer.
+    EngineVector<KnownSound> Take();
+    void GiveBack(EngineVector<KnownSound>&& buffer);
 
 private:
-    EngineVector<EngineVector<int>> spare;
+    EngineVector<EngineVector<KnownSound>> spare;
 };
 
 /// A walk over sounds that stays sound whatever happens on the way, when observers start, stop and delete
@@ -37,8 +47,8 @@ public:
     };
 
     SoundWalk(SndKernel& newKernel, const SndList& newList, Direction direction = FromHead);
-    /// Over the sounds with these ids, which come from the id table; see IdBuffers::Take().
-    SoundWalk(SndKernel& newKernel, EngineVector<int>&& newIds);
+    /// Over these sounds of the id table, in a buffer of the kernel's.
+    SoundWalk(SndKernel& newKernel, EngineVector<KnownSound>&& newSounds);
     SoundWalk(const SoundWalk&) = delete;
     SoundWalk& operator=(const SoundWalk&) = delete;
     ~SoundWalk();
@@ -47,10 +57,15 @@ public:
     SndBase* Next();
 
 private:
+    void FetchAhead() const;
+    bool HaveAllStayed() const;
+    bool IsStillThere(const KnownSound& known) const;
+
     SndKernel& kernel;
     const SndList* list;
-    EngineVector<int> ids;
+    EngineVector<KnownSound> sounds;
     std::size_t place = 0;
+    std::uint64_t numRemovedAtStart;
 };
 
 } // namespace Quon
