@@ -28,17 +28,24 @@ function(harmonet_room room)
     target_link_libraries(harmonet_${room} PUBLIC harmonet_engine)
 endfunction()
 
-# An output driver: a module whose file name is the name that the option "Sound" gives.
+# An output driver: a module whose file name is the name that the option "Sound" gives. It is installed beside
+# the engine library, which is where a driver is found without further ado.
 function(harmonet_driver target name)
     add_library(${target} MODULE ${ARGN})
     set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME "${name}")
     target_link_libraries(${target} PRIVATE harmonet)
-    install(TARGETS ${target} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/harmonet")
+    install(TARGETS ${target} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT drivers)
 endfunction()
 
-# A test program test_<name>; each of its tests is known to CTest by its own name.
+# A test program test_<name>; each of its tests is known to CTest by its own name. Those in
+# HARMONET_THREADED_TESTS make up the target threaded_tests and carry the label "threaded".
 function(harmonet_test name)
     add_executable(test_${name} ${ARGN})
     target_link_libraries(test_${name} PRIVATE harmonet_test_support harmonet GTest::gtest_main GTest::gmock)
-    gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300)
+    set(label sequential)
+    if(name IN_LIST HARMONET_THREADED_TESTS)
+        set(label threaded)
+        add_dependencies(threaded_tests test_${name})
+    endif()
+    gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS ${label})
 endfunction()
