@@ -35,7 +35,6 @@ public:
     class Place
     {
     public:
-        Place() = default;
         bool IsValid() const { return chunk && index < chunk->count; }
         T& operator*() const { return chunk->entries[index]; }
         T* operator->() const { return &chunk->entries[index]; }
@@ -65,23 +64,23 @@ public:
             }
         }
 
-        const ChunkRing* ring = nullptr;
-        Chunk* chunk = nullptr;
-        int index = 0;
+        const ChunkRing* ring;
+        Chunk* chunk;
+        int index;
     };
 
     bool IsEmpty() const { return !first; }
     Chunk* GetFirst() const { return first; }
     Place GetBegin() const { return Place(*this, first, 0); }
 
-    /// Appends behind the last entry, in a new chunk if the last one is full; returns the place.
-    Place Append(const T& entry)
+    /// Appends behind the last entry, in a new chunk if the last one is full; returns the chunk.
+    Chunk* Append(const T& entry)
     {
         if (!first || first->previous->count == chunkSize)
             AddChunk();
         Chunk* last = first->previous;
         last->entries[last->count++] = entry;
-        return Place(*this, last, last->count - 1);
+        return last;
     }
 
     /// Takes the entry out; those behind it in its chunk move forward. The place is then the next entry.
@@ -102,17 +101,20 @@ public:
         place.SettleAtChunkEnd();
     }
 
-    /// Takes the entry out; the last entry of the list moves into its place, so that all chunks but the last
-    /// stay full, if no entry has been taken out with Erase(). True if an entry has moved.
-    bool EraseUnordered(const Place& place)
+    /// Takes the entry out of its chunk; the last entry of the list moves into its place, so that all chunks
+    /// but the last stay full, if no entry has been taken out with Erase(). The entry must be there. Returns
+    /// the entry that has moved, or null.
+    T* EraseUnordered(Chunk* chunk, const T& entry)
     {
+        int index = 0;
+        while (chunk->entries[index] != entry)
+            ++index;
         Chunk* last = first->previous;
-        const bool isLast = place.chunk == last && place.index == last->count - 1;
-        if (!isLast)
-            place.chunk->entries[place.index] = last->entries[last->count - 1];
+        const bool isLast = chunk == last && index == last->count - 1;
+        chunk->entries[index] = last->entries[last->count - 1];
         if (--last->count == 0)
             RemoveChunk(last);
-        return !isLast;
+        return isLast ? nullptr : &chunk->entries[index];
     }
 
     void Clear()

@@ -50,6 +50,12 @@ using SoundBucket = ChunkRing<SndBase*, 29>;
 /// The length in milliseconds of what has no end, or of what is not known yet.
 inline constexpr unsigned long unknownLength = 0xFFFFFFFF;
 
+/// Whether start `serial` came after start `horizon`. The count of starts may wrap around.
+constexpr bool IsAfter(std::uint32_t serial, std::uint32_t horizon)
+{
+    return static_cast<std::int32_t>(serial - horizon) > 0;
+}
+
 /// One sound that can play. It goes on existing and running when it has no channel: it then keeps its open
 /// file and its place in time, and each update moves the file on as if the sound were being heard, so that it
 /// comes back at the right sample. To the game such a sound is simply playing.
@@ -249,7 +255,7 @@ public:
     /// The kernel's list on which the sound stands, or null.
     const SndList* GetList() const { return list; }
     /// Which start of a sound this was, counted by the kernel; 0 before the first.
-    std::uint64_t GetStartSerial() const { return startSerial; }
+    std::uint32_t GetStartSerial() const { return startSerial; }
 
     /// Marks the sound as being told about for as long as the object lives; may be nested.
     class Telling
@@ -329,6 +335,7 @@ private:
     PString substName;
     SndFile* sndFile = nullptr;
     int startSample = 0;
+    bool beingTold = false;
     unsigned long stateTime = 1000;
     unsigned long soundLength = unknownLength;
     int fadeDuration = 0;
@@ -346,10 +353,9 @@ private:
     SndChannel* fadeOutChannel = nullptr;
 
     SndList* list = nullptr; ///< The kernel's list that holds this sound; SndList keeps it.
-    std::uint64_t startSerial = 0; ///< When it last went to the kernel to be played; the kernel keeps it.
-    SoundBucket::Place tablePlace; ///< Its place in the kernel's table; SoundTable keeps it.
+    SoundBucket::Chunk* tableChunk = nullptr; ///< Where it stands in the kernel's table; SoundTable keeps it.
+    std::uint32_t startSerial = 0; ///< When it last went to the kernel to be played; the kernel keeps it.
     mutable std::uint32_t nameNumber = noNameNumber;
-    bool beingTold = false;
     static int lastSoundID;
 };
 

@@ -74,7 +74,7 @@ void SndKernel::ChooseBest(SndList& chosen)
 {
     struct Source
     {
-        explicit Source(SndList& newList, std::uint64_t horizon)
+        explicit Source(SndList& newList, std::uint32_t horizon)
             : list(newList)
             , picker(newList, horizon)
             , candidate(picker.PickBest())

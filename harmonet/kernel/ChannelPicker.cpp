@@ -11,7 +11,7 @@ constexpr unsigned long settledMs = 200;
 
 } // namespace
 
-ChannelPicker::ChannelPicker(SndList& newList, std::uint64_t newHorizon)
+ChannelPicker::ChannelPicker(SndList& newList, std::uint32_t newHorizon)
     : list(newList)
     , horizon(newHorizon)
     , musicPlace(newList.HasMusic() ? newList.GetHead() : nullptr)
@@ -78,7 +78,7 @@ void ChannelPicker::BeginRun()
 bool ChannelPicker::IsEligible(const SndBase& sound) const
 {
     return !sound.HasAnyFlag(FlagInPause | FlagPolyline) && sound.IsDistLTMax() && sound.GetDelay() <= 0 &&
-        sound.GetStateTime() >= settledMs && sound.GetStartSerial() <= horizon;
+        sound.GetStateTime() >= settledMs && !IsAfter(sound.GetStartSerial(), horizon);
 }
 
 } // namespace Quon

@@ -17,7 +17,7 @@ class ChannelPicker
 {
 public:
     /// `newHorizon` is the start serial after which a sound is too new.
-    ChannelPicker(SndList& newList, std::uint64_t newHorizon);
+    ChannelPicker(SndList& newList, std::uint32_t newHorizon);
 
     /// Takes the next sound out of the list; null when there is none.
     SndBase* PickBest();
@@ -29,7 +29,7 @@ private:
     bool IsEligible(const SndBase& sound) const;
 
     SndList& list;
-    std::uint64_t horizon;
+    std::uint32_t horizon;
     SndBase* musicPlace; ///< Where to look for music, towards the tail.
     SndBase* nextRunEnd; ///< The last sound of the run of equals behind the one at hand.
     SndBase* runPlace = nullptr; ///< Where to look in the run at hand, towards the tail.

@@ -92,11 +92,6 @@ void SndKernel::RunFullUpdate(float seconds)
     elapsed = 0;
 }
 
-bool SndKernel::IsNewcomer(const SndBase& sound) const
-{
-    return updating && sound.startSerial > updateHorizon;
-}
-
 Vector3 SndKernel::UpdateListener()
 {
     if (!activeMicrophone)

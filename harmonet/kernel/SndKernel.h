@@ -179,7 +179,10 @@ private:
     /// Marks the sound as started now, so that an update that is running leaves it to the next one.
     void MarkStarted(SndBase& sound) { sound.startSerial = ++startCounter; }
     /// Whether the sound was started after the running update took its bearings.
-    bool IsNewcomer(const SndBase& sound) const;
+    bool IsNewcomer(const SndBase& sound) const
+    {
+        return updating && startCounter != updateHorizon && IsAfter(sound.startSerial, updateHorizon);
+    }
     bool StartImmediately(SndBase& sound);
     bool EmulateOrDelete(SndBase& sound);
     SndBase* FindLikeSound(const PString& substName, const PString& fileName, const SndBase* except) const;
@@ -220,8 +223,8 @@ private:
 
     bool goingDown = false; ///< Done() is running or has run: no new sounds.
     bool updating = false; ///< A full update is running.
-    std::uint64_t startCounter = 0; ///< Counts starts: see MarkStarted().
-    std::uint64_t updateHorizon = 0; ///< `startCounter` when the running update took its bearings.
+    std::uint32_t startCounter = 0; ///< Counts starts: see MarkStarted().
+    std::uint32_t updateHorizon = 0; ///< `startCounter` when the running update took its bearings.
 };
 
 /// The running kernel, or null while the sound system is stopped.

@@ -13,7 +13,7 @@ constexpr std::size_t minIndexSize = 64;
 
 void SoundTable::Add(SndBase* sound)
 {
-    sound->tablePlace = buckets[BucketOf(sound->soundID)].Append(sound);
+    sound->tableChunk = buckets[BucketOf(sound->soundID)].Append(sound);
     ++count;
     if (2 * static_cast<std::size_t>(count) > index.size())
         GrowIndex();
@@ -23,11 +23,11 @@ void SoundTable::Add(SndBase* sound)
 
 void SoundTable::Remove(SndBase* sound)
 {
-    if (!sound->tablePlace.IsValid())
+    if (!sound->tableChunk)
         return;
-    const SoundBucket::Place place = std::exchange(sound->tablePlace, SoundBucket::Place());
-    if (buckets[BucketOf(sound->soundID)].EraseUnordered(place))
-        (*place)->tablePlace = place;
+    SoundBucket::Chunk* chunk = std::exchange(sound->tableChunk, nullptr);
+    if (SndBase** moved = buckets[BucketOf(sound->soundID)].EraseUnordered(chunk, sound))
+        (*moved)->tableChunk = chunk;
     RemoveFromIndex(sound->soundID);
     --count;
     ++numRemoved;
