@@ -78,8 +78,8 @@ bool FileRoots::Add(const PString& owner, const char* folder)
     if (canonical.empty() || !IsFolder(canonical.c_str())) {
         return false;
     }
-    Remove(owner);
     const std::lock_guard lock(mutex);
+    RemoveLocked(owner);
     roots.push_back({owner, canonical == "/" ? EngineString() : canonical});
     return true;
 }
@@ -87,6 +87,11 @@ bool FileRoots::Add(const PString& owner, const char* folder)
 void FileRoots::Remove(const PString& owner)
 {
     const std::lock_guard lock(mutex);
+    RemoveLocked(owner);
+}
+
+void FileRoots::RemoveLocked(const PString& owner)
+{
     roots.remove_if([&owner](const Root& root) { return root.owner == owner; });
 }
 

@@ -32,6 +32,7 @@ private:
         EngineString folder;
     };
 
+    void RemoveLocked(const PString& owner);
     bool FindFolder(const PString& owner, EngineString& folder) const;
 
     /// Guards the list.

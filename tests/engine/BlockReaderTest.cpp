@@ -341,6 +341,17 @@ TEST_F(BlockReaders, ReadLongFilesWithoutASeam)
     EXPECT_EQ(reader.GetLine(), static_cast<int>(std::count(text.begin(), text.end(), '\n')));
 }
 
+// Signs of two characters at each place around the border of a piece.
+TEST_F(BlockReaders, KeepSignsOfTwoCharactersTogetherAcrossASeam)
+{
+    for (std::size_t padding = 4060; padding < 4100; ++padding) {
+        SCOPED_TRACE("padding " + std::to_string(padding));
+        const std::string text = std::string(padding, ' ') + "*A 1//2\r\n*B 3\r\n\r\n*C a/b/c//d";
+        EXPECT_EQ(TreeOf(text), "*A(1 *B(3 *C(a/b/c ");
+        EXPECT_EQ(reader.GetLine(), 4);
+    }
+}
+
 TEST_F(BlockReaders, LeaveNoMemoryBehind)
 {
     const std::size_t before = Alloc::LiveBlocks();

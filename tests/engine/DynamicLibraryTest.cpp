@@ -68,6 +68,18 @@ TEST(DynamicLibrary, IsFoundBesideTheEngineWithoutAFolderOfTheHost)
     std::filesystem::remove(place);
 }
 
+// The loader could find a file again that was refused, and would not look at it as closely.
+TEST(DynamicLibrary, IsLeftToTheLoaderOnlyWhenNoFolderHasIt)
+{
+    constexpr const char* systemLibrary = "libm.so.6";
+    OS os;
+    EXPECT_TRUE(MakeLibrary(os)->Open(systemLibrary));
+    const TempFolder folder;
+    folder.Write(systemLibrary, "this is no library");
+    os.AddDriverFolder(folder.Path().c_str());
+    EXPECT_FALSE(MakeLibrary(os)->Open(systemLibrary));
+}
+
 TEST(DynamicLibrary, WithAFolderInItsNameIsTakenAsItStands)
 {
     const OS os;

@@ -128,6 +128,27 @@ TEST(PStringCache, LosesNothingBetweenThreads)
     EXPECT_EQ(Alloc::LiveBlocks(), blocksBefore);
 }
 
+// One text that is always about to go: whoever gives the last reference back waits for the lock while another
+// thread takes a new one.
+TEST(PStringCache, KeepsATextThatIsTakenWhileItIsGivenBack)
+{
+    const std::size_t before = PStringCache::Get()->GetCount();
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([] {
+            for (int i = 0; i < 50000; ++i) {
+                if (PString("always about to go").GetView() != "always about to go") {
+                    ADD_FAILURE() << "another text";
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(PString::cache->GetCount(), before);
+}
+
 // A string that the task thread holds is copied and dropped by a reader, as a driver's thread does with the
 // name of a file.
 TEST(PStringCache, LetsAThreadCopyAStringThatAnotherHolds)
