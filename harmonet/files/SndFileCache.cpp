@@ -65,7 +65,6 @@ bool SndFileCache::Holds(const SndFileHandle& handle) const
 
 void SndFileCache::Destroy(SndFileHandle* handle)
 {
-    handle->Unlink();
     --count;
     delete handle;
 }

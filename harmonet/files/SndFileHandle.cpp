@@ -14,6 +14,7 @@ SndFileHandle::SndFileHandle(const PString& newSubstName, const PString& newFile
 
 SndFileHandle::~SndFileHandle()
 {
+    Unlink();
     file.Close();
 }
 

@@ -13,7 +13,7 @@ namespace Quon
 class SndFileHandle : public Allocated, private IListNode
 {
 public:
-    /// Closes the file.
+    /// Closes the file and leaves the list.
     ~SndFileHandle();
     SndFileHandle(const SndFileHandle&) = delete;
     SndFileHandle& operator=(const SndFileHandle&) = delete;

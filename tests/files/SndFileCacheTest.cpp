@@ -1,0 +1,116 @@
+#include "SoundFolder.h"
+
+#include "harmonet/files/SndFileHandle.h"
+
+#include <atomic>
+#include <thread>
+
+using namespace Quon;
+
+namespace
+{
+
+class OpenFiles : public SoundFolder
+{
+protected:
+    OpenFiles() { Write("sound", Counting(1000)); }
+};
+
+TEST_F(OpenFiles, OneFileIsOpenedOnceAndClosedWithItsLastUse)
+{
+    SndFileHandle* const first = openFiles.Acquire(owner, "sound");
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(openFiles.Acquire(owner, "sound"), first);
+    EXPECT_EQ(first->GetUseCount(), 2);
+    EXPECT_EQ(openFiles.GetCount(), 1);
+    openFiles.Release(first);
+    EXPECT_EQ(first->GetUseCount(), 1);
+    openFiles.Release(first);
+    EXPECT_EQ(openFiles.GetCount(), 0);
+
+    // Another file of that name: the one that was open before is not found again.
+    Write("sound", {42, 43});
+    SndFileHandle* const anew = openFiles.Acquire(owner, "sound");
+    unsigned char bytes[4] = {};
+    EXPECT_EQ(anew->ReadAt(bytes, 4, 0), 2);
+    EXPECT_EQ(bytes[0], 42);
+    openFiles.Release(anew);
+}
+
+TEST_F(OpenFiles, OneNameUnderTwoOwnersIsTwoFiles)
+{
+    const PString other("other owner");
+    ASSERT_TRUE(File::AddRoot(other, folder.c_str()));
+    SndFileHandle* const first = openFiles.Acquire(owner, "sound");
+    SndFileHandle* const second = openFiles.Acquire(other, "sound");
+    ASSERT_NE(second, nullptr);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(second->GetSubstName(), other);
+    openFiles.ReleaseAll();
+    EXPECT_EQ(openFiles.GetCount(), 0);
+    File::RemoveRoot(other);
+}
+
+TEST_F(OpenFiles, WhatCannotBeOpenedLeavesNoTrace)
+{
+    const std::size_t before = Alloc::LiveBlocks();
+    EXPECT_EQ(openFiles.Acquire(owner, "missing"), nullptr);
+    EXPECT_EQ(openFiles.Acquire(owner, PString()), nullptr);
+    EXPECT_EQ(openFiles.Acquire("nobody", "sound"), nullptr);
+    EXPECT_EQ(openFiles.GetCount(), 0);
+    EXPECT_EQ(Alloc::LiveBlocks(), before);
+    openFiles.Release(nullptr);
+}
+
+TEST_F(OpenFiles, ShutdownClosesEveryFileWhateverItsUses)
+{
+    Write("other", Counting(10));
+    const std::size_t before = Alloc::LiveBlocks();
+    openFiles.Acquire(owner, "sound");
+    openFiles.Acquire(owner, "other");
+    openFiles.Acquire(owner, "sound");
+    openFiles.ReleaseAll();
+    EXPECT_EQ(openFiles.GetCount(), 0);
+    EXPECT_EQ(Alloc::LiveBlocks(), before);
+}
+
+TEST_F(OpenFiles, ReadsEndWithTheFileWhereverTheyBegin)
+{
+    SndFileHandle* const handle = openFiles.Acquire(owner, "sound");
+    unsigned char bytes[10] = {};
+    EXPECT_EQ(handle->ReadAt(bytes, 10, 0), 10);
+    EXPECT_EQ(bytes[9], 10);
+    EXPECT_EQ(handle->ReadAt(bytes, 10, 995), 5);
+    EXPECT_EQ(handle->ReadAt(bytes, 10, 1000), 0);
+    EXPECT_EQ(handle->ReadAt(bytes, 10, 0xFFFFFFFFul), 0);
+    EXPECT_EQ(handle->ReadAt(bytes, 10, ~0ul), 0) << "no system takes such an offset";
+    EXPECT_EQ(handle->ReadAt(bytes, 0, 0), 0);
+    EXPECT_EQ(handle->ReadAt(bytes, -1, 0), 0);
+    openFiles.Release(handle);
+}
+
+// A driver's thread reads one sound while the task thread opens and reads another one of the same file.
+TEST_F(OpenFiles, ReadersOnSeveralThreadsEachGetTheirOwnBytes)
+{
+    const Bytes samples = Counting(20'000);
+    Write("long", PcmWave(2, 8000, 16, samples));
+    const auto first = Open("long");
+    const auto second = Open("long");
+    const auto third = Open("long");
+    ASSERT_EQ(openFiles.GetCount(), 1);
+    std::atomic<int> wrong = 0;
+    const auto readOver = [&](SndFile& file, int step) {
+        for (int round = 0; round < 5; ++round) {
+            wrong += ReadAll(file, step) == samples ? 0 : 1;
+            file.Rewind();
+        }
+    };
+    std::thread one([&] { readOver(*first, 7); });
+    std::thread two([&] { readOver(*second, 13); });
+    readOver(*third, 64);
+    one.join();
+    two.join();
+    EXPECT_EQ(wrong, 0);
+}
+
+} // namespace

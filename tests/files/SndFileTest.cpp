@@ -1,0 +1,235 @@
+#include "SoundFolder.h"
+
+#include "harmonet/engine/Exception.h"
+#include "harmonet/files/SndFileHandle.h"
+#include "harmonet/files/SndFileWav.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/instances/SoundObserver.h"
+
+#include <functional>
+
+using namespace Quon;
+
+namespace
+{
+
+/// Opens up the raw access that the decoders stand on.
+class RawReader : public SndFileWav
+{
+public:
+    using SndFile::Read;
+};
+
+struct BufferFree
+{
+    int soundID;
+    const void* block;
+
+    bool operator==(const BufferFree&) const = default;
+};
+
+/// Writes down which blocks come back, and answers if it is told to.
+class Witness : public SoundObserver
+{
+public:
+    void OnBufferFree(int soundID, void* block) override
+    {
+        freed.push_back({soundID, block});
+        if (answer)
+            answer();
+    }
+
+    std::vector<BufferFree> freed;
+    std::function<void()> answer;
+};
+
+class SndFileBase : public SoundFolder
+{
+protected:
+    SndFileBase() { sound.AddObserver(&witness); }
+    ~SndFileBase() override { sound.RemoveObserver(&witness); }
+
+    /// A reader of one of the caller's blocks.
+    SndFile* OpenBlock(int index)
+    {
+        WaveFormatEx format = {};
+        format.formatTag = waveTagPcm;
+        format.channels = 1;
+        format.samplesPerSecond = 8000;
+        format.bitsPerSample = 8;
+        return SndFile::OpenFile(blocks[index], sizeof blocks[index], &format);
+    }
+
+    unsigned char blocks[4][16] = {};
+    Sound sound;
+    Witness witness;
+};
+
+TEST_F(SndFileBase, NothingOpensWithoutAListOfOpenFiles)
+{
+    Write("sound", PcmWave(1, 8000, 8, Counting(4)));
+    SndFile::SetSndFileCache(nullptr);
+    EXPECT_EQ(Open("sound"), nullptr);
+    SndFile::SetSndFileCache(&openFiles);
+    EXPECT_NE(Open("sound"), nullptr);
+}
+
+TEST_F(SndFileBase, QueueGrowsAtItsEndAndCountsWhatStandsBehind)
+{
+    const std::unique_ptr<SndFile> head(OpenBlock(0));
+    SndFile* const second = OpenBlock(1);
+    SndFile* const third = OpenBlock(2);
+    head->Add(second);
+    head->Add(third);
+    EXPECT_EQ(head->GetNext(), second);
+    EXPECT_EQ(second->GetNext(), third);
+    EXPECT_EQ(head->GetQueueLength(), 2);
+    EXPECT_EQ(second->GetQueueLength(), 1);
+    EXPECT_EQ(third->GetQueueLength(), 0);
+    head->DeleteQueue(1, nullptr);
+    EXPECT_EQ(head->GetQueueLength(), 0);
+}
+
+TEST_F(SndFileBase, QueueGoesFromTheLastFileForwardWithoutTheHead)
+{
+    const std::unique_ptr<SndFile> head(OpenBlock(0));
+    for (const int index : {1, 2, 3})
+        head->Add(OpenBlock(index));
+    head->DeleteQueue(7, &sound);
+    EXPECT_EQ(witness.freed, (std::vector<BufferFree>{{7, blocks[3]}, {7, blocks[2]}, {7, blocks[1]}}));
+    EXPECT_EQ(head->GetNext(), nullptr);
+    EXPECT_EQ(head->FileType(), SndFile::FileWav);
+}
+
+// The game hands over its next block as soon as it gets one back.
+TEST_F(SndFileBase, WhatAnOwnerAppendsWhileTheQueueGoesIsKept)
+{
+    const std::unique_ptr<SndFile> head(OpenBlock(0));
+    head->Add(OpenBlock(1));
+    head->Add(OpenBlock(2));
+    SndFile* appended = nullptr;
+    witness.answer = [&] {
+        if (appended == nullptr)
+            head->Add(appended = OpenBlock(3));
+    };
+    head->DeleteQueue(7, &sound);
+    EXPECT_EQ(witness.freed.size(), 2u);
+    EXPECT_EQ(head->GetNext(), appended);
+    head->DeleteQueue(7, &sound);
+    EXPECT_EQ(witness.freed.back(), (BufferFree{7, blocks[3]}));
+}
+
+TEST_F(SndFileBase, AQueueOfAnyLengthGoesWithoutDeepCalls)
+{
+    const std::unique_ptr<SndFile> head(OpenBlock(0));
+    SndFile* last = head.get();
+    for (int i = 0; i < 200'000; ++i) {
+        SndFile* const following = OpenBlock(1);
+        last->Add(following);
+        last = following;
+    }
+    head->DeleteQueue(0, nullptr);
+    EXPECT_EQ(head->GetQueueLength(), 0);
+}
+
+TEST_F(SndFileBase, ABlockGoesBackOnceAndOnlyToAnOwner)
+{
+    const std::unique_ptr<SndFile> told(OpenBlock(0));
+    told->CloseFile(9, &sound);
+    told->CloseFile(9, &sound);
+    EXPECT_EQ(witness.freed, (std::vector<BufferFree>{{9, blocks[0]}}));
+    EXPECT_EQ(told->FileType(), SndFile::FileNone);
+    EXPECT_EQ(told->Size(), 0u);
+
+    const std::unique_ptr<SndFile> untold(OpenBlock(1));
+    untold->CloseFile(9, nullptr);
+    untold->CloseFile(9, &sound);
+    EXPECT_EQ(witness.freed.size(), 1u);
+}
+
+TEST_F(SndFileBase, AClosedReaderHandsOutNothing)
+{
+    const std::unique_ptr<SndFile> file(OpenBlock(0));
+    ASSERT_EQ(file->SkipSamples(4), 4);
+    file->CloseFile(0, nullptr);
+    unsigned char sample = 0;
+    EXPECT_EQ(file->ReadSamples(&sample, 1), 0);
+    EXPECT_EQ(file->SkipSamples(1), 0);
+    EXPECT_EQ(file->GetRemainLength(), 0u);
+    EXPECT_EQ(file->GetCurrentLength(), 0u);
+}
+
+TEST_F(SndFileBase, LoadGivesTheFileBackAndKeepsTheDataOnly)
+{
+    const auto file = OpenBytes(Wave(
+        Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("data", Counting(9)) + Chunk("LIST", Bytes(20, 0xEE))));
+    ASSERT_NE(file, nullptr);
+    file->SkipSamples(2);
+    unsigned char* const data = file->Load();
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(openFiles.GetCount(), 0);
+    EXPECT_EQ(Bytes(data, data + 9), Counting(9));
+    std::filesystem::remove(folder / "sound");
+    EXPECT_EQ(file->Load(), data);
+    EXPECT_EQ(ReadAll(*file), (Bytes{3, 4, 5, 6, 7, 8, 9}));
+    EXPECT_FALSE(file->IsCached());
+}
+
+TEST_F(SndFileBase, RawReadsEndWithTheDataInMemoryAndWithTheFileOnDisk)
+{
+    Write("sound", PcmWave(1, 8000, 8, Counting(9)) + Bytes{70, 71, 72});
+    RawReader file;
+    ASSERT_TRUE(file.OpenHandle(openFiles.Acquire(owner, "sound")));
+    unsigned char got[8] = {};
+    EXPECT_EQ(file.Read(got, 2, 3), 2);
+    EXPECT_EQ(got[0], 4);
+    // Behind the nine bytes stand the pad byte and what else the file holds.
+    EXPECT_EQ(file.Read(got, 8, 9), 4);
+    EXPECT_EQ(got[1], 70);
+    EXPECT_EQ(file.Read(got, 8, 13), 0);
+    ASSERT_NE(file.Load(), nullptr);
+    EXPECT_EQ(file.Read(got, 8, 7), 2);
+    EXPECT_EQ(got[1], 9);
+    EXPECT_EQ(file.Read(got, 8, 9), 0);
+    EXPECT_EQ(file.Read(got, 8, 1000), 0);
+    EXPECT_EQ(file.Read(got, 8, -1), 0) << "a position far behind the end";
+    EXPECT_EQ(file.Read(got, 0, 0), 0);
+}
+
+TEST_F(SndFileBase, AFileWithoutALengthRaisesAndLeavesNoUseBehind)
+{
+    Write("sound", PcmWave(1, 8000, 8, Counting(4)));
+    SndFileHandle* const handle = openFiles.Acquire(owner, "sound");
+    handle->GetFile().Close();
+    try {
+        Open("sound");
+        FAIL() << "a closed file has told its length";
+    }
+    catch (const FileEx& failure) {
+        EXPECT_STREQ(failure.GetMessage(), "Size() failed to get file length");
+    }
+    EXPECT_EQ(handle->GetUseCount(), 1);
+    SndFileWav file;
+    EXPECT_FALSE(file.OpenHandle(handle)) << "a file that is not open is refused before its length is asked";
+    openFiles.Release(handle);
+}
+
+TEST_F(SndFileBase, EveryBlockOfMemoryIsGivenBack)
+{
+    Write("sound", PcmWave(1, 8000, 16, Counting(100)));
+    Write("noise", Counting(100));
+    const std::size_t before = Alloc::LiveBlocks();
+    {
+        const auto streamed = Open("sound");
+        const auto loaded = Open("sound");
+        ASSERT_NE(loaded->Load(), nullptr);
+        EXPECT_EQ(Open("noise"), nullptr);
+        EXPECT_EQ(Open("missing"), nullptr);
+        streamed->Add(OpenBlock(0));
+        streamed->DeleteQueue(0, nullptr);
+        EXPECT_GT(Alloc::LiveBlocks(), before);
+    }
+    EXPECT_EQ(Alloc::LiveBlocks(), before);
+}
+
+} // namespace

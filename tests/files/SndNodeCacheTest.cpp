@@ -1,0 +1,353 @@
+#include "SoundFolder.h"
+
+#include "harmonet/files/SndNodeCache.h"
+
+#include <algorithm>
+#include <list>
+#include <random>
+
+using namespace Quon;
+
+namespace
+{
+
+class NodeCache : public SoundFolder
+{
+protected:
+    /// A file whose sound data have that many bytes, all of them that value.
+    void WriteSound(const std::string& name, std::size_t bytes, unsigned char value = 1) const
+    {
+        Write(name, PcmWave(1, 8000, 8, Bytes(bytes, value)));
+    }
+
+    std::unique_ptr<SndFile> OpenSound(const std::string& name, int priority = 0)
+    {
+        return std::unique_ptr<SndFile>(cache.OpenSound(owner, PString(name.c_str()), priority));
+    }
+
+    SndNodeCache cache;
+};
+
+TEST_F(NodeCache, ASecondSoundOfAFileReadsTheSameBytesAtItsOwnPlace)
+{
+    Write("sound", PcmWave(1, 8000, 8, Counting(50)));
+    cache.SetLimit(1000);
+    const auto first = OpenSound("sound");
+    ASSERT_TRUE(first->IsCached());
+    EXPECT_EQ(openFiles.GetCount(), 0) << "a cached sound needs no open file";
+    std::filesystem::remove(folder / "sound");
+    const auto second = OpenSound("sound");
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(cache.GetCount(), 1);
+    EXPECT_EQ(cache.GetFreeBytes(), 950u);
+    EXPECT_EQ(first->Load(), second->Load());
+    first->SkipSamples(20);
+    EXPECT_EQ(ReadFrames(*second, 2), (Bytes{1, 2}));
+    EXPECT_EQ(ReadFrames(*first, 2), (Bytes{21, 22}));
+    EXPECT_EQ(second->GetFileName(), PString("sound"));
+    EXPECT_EQ(second->GetSoundLength(), first->GetSoundLength());
+}
+
+TEST_F(NodeCache, OnlyWhatIsSmallerThanTheFreeBytesIsKept)
+{
+    WriteSound("99", 99);
+    WriteSound("100", 100);
+    WriteSound("101", 101);
+    struct Row
+    {
+        const char* name;
+        bool cached;
+    };
+    for (const Row& row : {Row{"99", true}, Row{"100", false}, Row{"101", false}}) {
+        SCOPED_TRACE(row.name);
+        cache.Flush();
+        cache.SetLimit(100);
+        const auto file = OpenSound(row.name);
+        ASSERT_NE(file, nullptr);
+        EXPECT_EQ(file->IsCached(), row.cached);
+        EXPECT_EQ(cache.GetCount(), row.cached ? 1 : 0);
+        EXPECT_EQ(ReadFrames(*file, file->GetSoundSamples()).size(),
+            static_cast<std::size_t>(file->GetSoundSamples()));
+    }
+}
+
+TEST_F(NodeCache, AnOverlargeFileStreamsAndEmptiesWhatIsIdle)
+{
+    WriteSound("idle", 20);
+    WriteSound("used", 20);
+    WriteSound("huge", 200);
+    cache.SetLimit(100);
+    OpenSound("idle", 9);
+    const auto used = OpenSound("used");
+    const auto huge = OpenSound("huge");
+    ASSERT_NE(huge, nullptr);
+    EXPECT_FALSE(huge->IsCached());
+    EXPECT_EQ(cache.GetCount(), 1);
+    EXPECT_EQ(cache.GetFreeBytes(), 80u);
+}
+
+TEST_F(NodeCache, EvictionTakesLowPriorityFirstAndLongUnusedAmongEquals)
+{
+    for (const char* name : {"low", "first", "second"})
+        WriteSound(name, 10);
+    cache.SetLimit(1000);
+    OpenSound("low", 1);
+    OpenSound("first", 5);
+    OpenSound("second", 5);
+    OpenSound("first", 5);
+    const auto isHit = [&](const char* name) {
+        std::filesystem::remove(folder / name);
+        return OpenSound(name, 0) != nullptr;
+    };
+    EXPECT_EQ(cache.Evict(1), 10);
+    EXPECT_FALSE(isHit("low"));
+    EXPECT_EQ(cache.Evict(10), 10);
+    EXPECT_FALSE(isHit("second"));
+    EXPECT_TRUE(isHit("first"));
+    EXPECT_EQ(cache.Evict(11), 10) << "no more was left";
+    EXPECT_EQ(cache.Evict(1), 0);
+    EXPECT_EQ(cache.GetFreeBytes(), 1000u);
+}
+
+TEST_F(NodeCache, PriorityOfANodeNeverFalls)
+{
+    WriteSound("high", 10);
+    WriteSound("middle", 10);
+    cache.SetLimit(1000);
+    OpenSound("high", 9);
+    OpenSound("high", 2);
+    OpenSound("middle", 5);
+    EXPECT_EQ(cache.Evict(1), 10);
+    std::filesystem::remove(folder / "middle");
+    EXPECT_EQ(OpenSound("middle"), nullptr) << "it was not the one that went";
+}
+
+TEST_F(NodeCache, AFlushLeavesTheBytesToThoseWhoStillReadThem)
+{
+    WriteSound("used", 50, 7);
+    WriteSound("idle", 20);
+    cache.SetLimit(100);
+    const std::size_t before = Alloc::LiveBlocks();
+    auto file = OpenSound("used");
+    auto twin = OpenSound("used");
+    OpenSound("idle");
+    cache.Flush();
+    EXPECT_EQ(cache.GetCount(), 0);
+    EXPECT_EQ(cache.GetFreeBytes(), 100u);
+    EXPECT_EQ(ReadAll(*file), Bytes(50, 7));
+    file.reset();
+    EXPECT_EQ(ReadAll(*twin), Bytes(50, 7));
+    const auto fresh = OpenSound("used");
+    EXPECT_NE(fresh->Load(), twin->Load()) << "a node off the list is not found";
+    twin.reset();
+    EXPECT_EQ(ReadAll(*fresh), Bytes(50, 7));
+    cache.Clear();
+    fresh->CloseFile(0, nullptr);
+    EXPECT_EQ(Alloc::LiveBlocks(), before + 1) << "more is left than the closed reader";
+    EXPECT_EQ(cache.GetLimit(), 0u);
+}
+
+TEST_F(NodeCache, NoBudgetMeansThatEverythingStreams)
+{
+    WriteSound("sound", 10);
+    const auto first = OpenSound("sound");
+    const auto second = OpenSound("sound");
+    ASSERT_NE(second, nullptr);
+    EXPECT_FALSE(second->IsCached());
+    EXPECT_EQ(cache.GetCount(), 0);
+    EXPECT_EQ(openFiles.GetCount(), 1);
+}
+
+TEST_F(NodeCache, AFileThatStatesMoreThanItHoldsStreams)
+{
+    for (const std::uint32_t stated : {60u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+        SCOPED_TRACE(stated);
+        Write("sound", Wave(Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("data", Counting(50), stated)));
+        cache.Flush();
+        cache.SetLimit(0x200000000ul);
+        const auto file = OpenSound("sound");
+        ASSERT_NE(file, nullptr);
+        EXPECT_FALSE(file->IsCached());
+        EXPECT_EQ(cache.GetFreeBytes(), 0x200000000ul);
+        EXPECT_EQ(ReadAll(*file), Counting(50));
+    }
+}
+
+TEST_F(NodeCache, WhatIsNoSoundLeavesTheCacheAsItIs)
+{
+    Write("noise", Counting(50));
+    WriteSound("sound", 10);
+    cache.SetLimit(100);
+    OpenSound("sound");
+    EXPECT_EQ(OpenSound("noise"), nullptr);
+    EXPECT_EQ(OpenSound("missing"), nullptr);
+    EXPECT_EQ(cache.GetCount(), 1);
+    EXPECT_EQ(cache.GetFreeBytes(), 90u);
+    EXPECT_EQ(openFiles.GetCount(), 0);
+}
+
+TEST_F(NodeCache, ADecodersDataAreCachedToo)
+{
+    constexpr int blockBytes = 40;
+    Bytes block(blockBytes, 0x31);
+    block[0] = 1;
+    Write("sound",
+        Wave(Chunk("fmt ", AdpcmFormat(1, 8000, blockBytes, usualPairs)) + Chunk("data", block + block)));
+    Bytes expected;
+    {
+        const auto streamed = Open("sound");
+        ASSERT_NE(streamed, nullptr);
+        expected = ReadAll(*streamed);
+    }
+    cache.SetLimit(1000);
+    const auto loaded = OpenSound("sound");
+    std::filesystem::remove(folder / "sound");
+    const auto hit = OpenSound("sound");
+    ASSERT_NE(hit, nullptr);
+    EXPECT_EQ(hit->FileType(), SndFile::FileAdpcm);
+    EXPECT_EQ(hit->GetSoundSamples(), 2 * (2 * blockBytes - 12));
+    EXPECT_EQ(ReadAll(*loaded), expected);
+    EXPECT_EQ(ReadAll(*hit, 7), expected);
+}
+
+/// The cache's rules without its list: what is kept is looked through from end to end each time.
+class PlainCache
+{
+public:
+    explicit PlainCache(std::size_t newLimit)
+        : limit(newLimit)
+    {
+    }
+
+    struct Kept
+    {
+        int name;
+        std::size_t size;
+        int priority;
+        int lastUse;
+        int users;
+    };
+
+    std::size_t FreeBytes() const
+    {
+        std::size_t used = 0;
+        for (const Kept& entry : kept)
+            used += entry.size;
+        return limit - used;
+    }
+
+    bool Open(int name, std::size_t size, int priority)
+    {
+        ++clock;
+        for (Kept& entry : kept) {
+            if (entry.name == name) {
+                entry.priority = std::max(entry.priority, priority);
+                entry.lastUse = clock;
+                ++entry.users;
+                return true;
+            }
+        }
+        if (size > FreeBytes())
+            Evict(size - FreeBytes());
+        if (size >= FreeBytes())
+            return false;
+        kept.push_back({name, size, priority, clock, 1});
+        return true;
+    }
+
+    std::size_t Evict(std::size_t bytes)
+    {
+        std::size_t freed = 0;
+        while (freed < bytes) {
+            auto worst = kept.end();
+            for (auto entry = kept.begin(); entry != kept.end(); ++entry) {
+                const bool isWorse = worst == kept.end() || entry->priority < worst->priority ||
+                    (entry->priority == worst->priority && entry->lastUse < worst->lastUse);
+                if (entry->users == 0 && isWorse)
+                    worst = entry;
+            }
+            if (worst == kept.end())
+                break;
+            freed += worst->size;
+            kept.erase(worst);
+        }
+        return freed;
+    }
+
+    void Close(int name)
+    {
+        for (Kept& entry : kept)
+            entry.users -= entry.name == name ? 1 : 0;
+    }
+
+    std::vector<Kept> kept;
+
+private:
+    std::size_t limit;
+    int clock = 0;
+};
+
+struct Playing
+{
+    int name;
+    bool isCounted; ///< On an entry that the plain cache still has.
+    std::unique_ptr<SndFile> file;
+};
+
+TEST_F(NodeCache, AgreesWithAPlainCacheOverManyRandomSteps)
+{
+    constexpr int soundCount = 12;
+    constexpr std::size_t limit = 300;
+    const auto sizeOf = [](int name) { return static_cast<std::size_t>(10 + 8 * name); };
+    for (int name = 0; name < soundCount; ++name)
+        WriteSound(std::to_string(name), sizeOf(name), static_cast<unsigned char>(name));
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        std::mt19937 random(seed);
+        const auto draw = [&](int count) {
+            return static_cast<int>(random() % static_cast<unsigned>(count));
+        };
+        cache.Clear();
+        cache.SetLimit(limit);
+        PlainCache plain(limit);
+        std::vector<Playing> playing;
+        for (int step = 0; step < 400; ++step) {
+            SCOPED_TRACE("step " + std::to_string(step));
+            const int action = draw(100);
+            if (action < 50) {
+                const int name = draw(soundCount);
+                const int priority = draw(7) - 3;
+                auto file = OpenSound(std::to_string(name), priority);
+                ASSERT_NE(file, nullptr);
+                const bool isKept = plain.Open(name, sizeOf(name), priority);
+                ASSERT_EQ(file->IsCached(), isKept);
+                playing.push_back({name, isKept, std::move(file)});
+            }
+            else if (action < 90 && !playing.empty()) {
+                std::swap(playing[static_cast<std::size_t>(draw(static_cast<int>(playing.size())))],
+                    playing.back());
+                const Playing ending = std::move(playing.back());
+                playing.pop_back();
+                ASSERT_EQ(ReadAll(*ending.file),
+                    Bytes(sizeOf(ending.name), static_cast<unsigned char>(ending.name)));
+                if (ending.isCounted)
+                    plain.Close(ending.name);
+            }
+            else if (action < 97) {
+                const int bytes = draw(150);
+                ASSERT_EQ(static_cast<std::size_t>(cache.Evict(bytes)),
+                    plain.Evict(static_cast<std::size_t>(bytes)));
+            }
+            else {
+                cache.Flush();
+                plain.kept.clear();
+                for (Playing& sound : playing)
+                    sound.isCounted = false;
+            }
+            ASSERT_EQ(static_cast<std::size_t>(cache.GetCount()), plain.kept.size());
+            ASSERT_EQ(cache.GetFreeBytes(), plain.FreeBytes());
+        }
+    }
+}
+
+} // namespace

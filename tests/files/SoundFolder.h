@@ -1,0 +1,40 @@
+#pragma once
+
+#include "WaveBytes.h"
+
+#include "harmonet/engine/PString.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/files/SndFileCache.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+/// A folder of its own for each test, below which the readers find what the test writes, and the list of open
+/// files that they need.
+class SoundFolder : public testing::Test
+{
+protected:
+    SoundFolder();
+    ~SoundFolder() override;
+
+    void Write(const std::string& name, const Bytes& bytes) const;
+    /// Changes one byte of a file and nothing else.
+    void Patch(const std::string& name, std::size_t offset, unsigned char byte) const;
+    void Shorten(const std::string& name, std::size_t bytes) const;
+    std::unique_ptr<Quon::SndFile> Open(const std::string& name) const;
+    /// Writes the bytes under a name that says nothing of them, and opens that.
+    std::unique_ptr<Quon::SndFile> OpenBytes(const Bytes& bytes) const;
+
+    const Quon::PString owner{"sounds"};
+    const std::filesystem::path folder;
+    Quon::SndFileCache openFiles;
+};
+
+/// Reads as a driver does, `step` sample frames at a time, until a read falls short. No sound of these tests
+/// is longer than 128 KiB.
+Bytes ReadAll(Quon::SndFile& file, int step = 100);
+/// One read of that many sample frames.
+Bytes ReadFrames(Quon::SndFile& file, int frameCount);

@@ -1,0 +1,75 @@
+#include "WaveBytes.h"
+
+const std::vector<std::pair<int, int>> usualPairs = {
+    {256, 0}, {512, -256}, {0, 0}, {192, 64}, {240, 0}, {460, -208}, {392, -232}};
+
+Bytes operator+(Bytes front, const Bytes& back)
+{
+    front.insert(front.end(), back.begin(), back.end());
+    return front;
+}
+
+Bytes Little16(std::uint32_t number)
+{
+    return {static_cast<unsigned char>(number), static_cast<unsigned char>(number >> 8)};
+}
+
+Bytes Little32(std::uint32_t number)
+{
+    return Little16(number) + Little16(number >> 16);
+}
+
+Bytes FormatBytes(int tag, int channels, std::uint32_t rateHz, int blockAlign, int bits)
+{
+    return Little16(static_cast<std::uint32_t>(tag)) + Little16(static_cast<std::uint32_t>(channels)) +
+        Little32(rateHz) + Little32(0) + Little16(static_cast<std::uint32_t>(blockAlign)) +
+        Little16(static_cast<std::uint32_t>(bits));
+}
+
+Bytes PcmFormat(int channels, std::uint32_t rateHz, int bits)
+{
+    return FormatBytes(1, channels, rateHz, channels * bits / 8, bits);
+}
+
+Bytes AdpcmFormat(int channels, std::uint32_t rateHz, int blockAlign,
+    const std::vector<std::pair<int, int>>& pairs, std::optional<int> statedPairs)
+{
+    const auto extraBytes = static_cast<std::uint32_t>(4 + 4 * pairs.size());
+    const int samplesPerBlock = channels == 1 ? 2 * blockAlign - 12 : blockAlign - 12;
+    Bytes format = FormatBytes(2, channels, rateHz, blockAlign, 4) + Little16(extraBytes) +
+        Little16(static_cast<std::uint32_t>(samplesPerBlock)) +
+        Little16(static_cast<std::uint32_t>(statedPairs.value_or(static_cast<int>(pairs.size()))));
+    for (const auto& [coef1, coef2] : pairs)
+        format = format + Little16(static_cast<std::uint32_t>(coef1)) +
+            Little16(static_cast<std::uint32_t>(coef2));
+    return format;
+}
+
+Bytes Chunk(const std::string& id, const Bytes& content, std::optional<std::uint32_t> statedSize)
+{
+    Bytes chunk = Bytes(id.begin(), id.end()) +
+        Little32(statedSize.value_or(static_cast<std::uint32_t>(content.size()))) + content;
+    if (content.size() % 2 != 0)
+        chunk.push_back(0);
+    return chunk;
+}
+
+Bytes Wave(const Bytes& chunks)
+{
+    const Bytes form = {'W', 'A', 'V', 'E'};
+    return Chunk("RIFF", form + chunks);
+}
+
+Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples)
+{
+    return Wave(Chunk("fmt ", PcmFormat(channels, rateHz, bits)) + Chunk("data", samples));
+}
+
+Bytes Counting(std::size_t count)
+{
+    constexpr std::size_t period = 251;
+    Bytes bytes(count);
+    for (std::size_t i = 0; i < count; ++i)
+        bytes[i] = static_cast<unsigned char>(i % period + 1);
+    return bytes;
+}

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// Wave files put together byte by byte, right ones and wrong ones.
+
+using Bytes = std::vector<unsigned char>;
+
+Bytes operator+(Bytes front, const Bytes& back);
+
+Bytes Little16(std::uint32_t number);
+Bytes Little32(std::uint32_t number);
+
+/// The 16 bytes that every "fmt " chunk begins with.
+Bytes FormatBytes(int tag, int channels, std::uint32_t rateHz, int blockAlign, int bits);
+Bytes PcmFormat(int channels, std::uint32_t rateHz, int bits);
+/// The ADPCM record with its coefficient pairs; `statedPairs` is what it says of their number.
+Bytes AdpcmFormat(int channels, std::uint32_t rateHz, int blockAlign,
+    const std::vector<std::pair<int, int>>& pairs, std::optional<int> statedPairs = {});
+
+/// The seven usual pairs.
+extern const std::vector<std::pair<int, int>> usualPairs;
+
+/// One chunk with the pad byte behind an odd content; `statedSize` is what its size field says.
+Bytes Chunk(const std::string& id, const Bytes& content, std::optional<std::uint32_t> statedSize = {});
+
+/// The 12 bytes of a head and then the chunks.
+Bytes Wave(const Bytes& chunks);
+
+/// A plain PCM file.
+Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples);
+
+/// `count` bytes 1, 2, 3 ... that repeat after a prime number, so that no two places look alike.
+Bytes Counting(std::size_t count);

@@ -1,0 +1,328 @@
+#include "SoundFolder.h"
+
+#include "harmonet/files/SndFileHandle.h"
+#include "harmonet/files/SndFileWav.h"
+#include "harmonet/files/SndNode.h"
+
+#include <limits>
+
+using namespace Quon;
+
+namespace
+{
+
+WaveFormatEx MemoryFormat(int tag, int channels, std::uint32_t rateHz, int bits)
+{
+    WaveFormatEx format = {};
+    format.formatTag = static_cast<std::uint16_t>(tag);
+    format.channels = static_cast<std::uint16_t>(channels);
+    format.samplesPerSecond = rateHz;
+    format.bitsPerSample = static_cast<std::uint16_t>(bits);
+    return format;
+}
+
+class WaveReader : public SoundFolder
+{
+};
+
+TEST_F(WaveReader, HandsOutSamplesOfEveryWidthAsTheyAreStored)
+{
+    const Bytes samples = Counting(96);
+    for (const int bits : {8, 16, 24, 32}) {
+        for (const int channels : {1, 2, 3}) {
+            SCOPED_TRACE(std::to_string(bits) + " bits, " + std::to_string(channels) + " channels");
+            const auto file = OpenBytes(PcmWave(channels, 11025, bits, samples));
+            ASSERT_NE(file, nullptr);
+            EXPECT_EQ(file->GetBytesPerSample(), bits / 8);
+            EXPECT_EQ(file->GetChannels(), channels);
+            EXPECT_EQ(file->GetSampleFrequency(), 11025);
+            const auto frameBytes = static_cast<std::size_t>(bits / 8 * channels);
+            EXPECT_EQ(file->GetSoundSamples(), static_cast<int>(samples.size() / frameBytes));
+            const Bytes whole(samples.begin(),
+                samples.begin() + static_cast<std::ptrdiff_t>(samples.size() / frameBytes * frameBytes));
+            EXPECT_EQ(ReadAll(*file, 3), whole);
+        }
+    }
+}
+
+// 12 bits are stored in two bytes by most programs, but what counts here is the number of whole bytes stated.
+TEST_F(WaveReader, BitsThatAreNoWholeByteAreLeftOut)
+{
+    const auto file = OpenBytes(PcmWave(1, 8000, 12, Counting(10)));
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->GetBytesPerSample(), 1);
+    EXPECT_EQ(file->GetSoundSamples(), 10);
+}
+
+TEST_F(WaveReader, FactCountShortensAndNeverLengthens)
+{
+    const Bytes format = Chunk("fmt ", PcmFormat(2, 8000, 16));
+    const Bytes data = Chunk("data", Counting(40));
+    struct Row
+    {
+        const char* what;
+        Bytes fact;
+        int expected;
+    };
+    const std::vector<Row> rows = {
+        {"lower", Chunk("fact", Little32(7)), 7},
+        {"one", Chunk("fact", Little32(1)), 1},
+        {"none", {}, 10},
+        {"zero", Chunk("fact", Little32(0)), 10},
+        {"equal", Chunk("fact", Little32(10)), 10},
+        {"higher", Chunk("fact", Little32(11)), 10},
+        {"beyond what an int holds", Chunk("fact", Little32(0x80000000)), 10},
+        {"all ones", Chunk("fact", Little32(0xFFFFFFFF)), 10},
+        {"longer chunk", Chunk("fact", Little32(7) + Little32(3)), 7},
+        {"two chunks", Chunk("fact", Little32(3)) + Chunk("fact", Little32(8)), 8},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const auto file = OpenBytes(Wave(format + row.fact + data));
+        ASSERT_NE(file, nullptr);
+        EXPECT_EQ(file->GetSoundSamples(), row.expected);
+        EXPECT_EQ(file->SkipSamples(100), row.expected);
+    }
+}
+
+TEST_F(WaveReader, TornLastFrameIsNotDelivered)
+{
+    const auto file = OpenBytes(PcmWave(2, 8000, 16, {1, 2, 3, 4, 5}));
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->GetSoundSamples(), 1);
+    EXPECT_EQ(ReadFrames(*file, 10), (Bytes{1, 2, 3, 4}));
+    EXPECT_EQ(file->GetCurrentSample(), 1);
+    EXPECT_TRUE(ReadFrames(*file, 10).empty());
+}
+
+TEST_F(WaveReader, EmptyDataOpenAndHoldNothing)
+{
+    const auto file = OpenBytes(PcmWave(1, 8000, 16, {}));
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->GetSoundSamples(), 0);
+    EXPECT_EQ(file->GetSoundLength(), 0u);
+    EXPECT_TRUE(ReadFrames(*file, 10).empty());
+    EXPECT_EQ(file->SkipSamples(10), 0);
+}
+
+TEST_F(WaveReader, SizeBeyondTheEndIsKeptAndReadingStopsWhereTheFileDoes)
+{
+    for (const std::uint32_t stated : {1000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFFu}) {
+        SCOPED_TRACE(stated);
+        const auto file =
+            OpenBytes(Wave(Chunk("fmt ", PcmFormat(2, 8000, 16)) + Chunk("data", Counting(40), stated)));
+        ASSERT_NE(file, nullptr);
+        EXPECT_EQ(file->Size(), stated);
+        EXPECT_EQ(file->GetSoundSamples(), static_cast<int>(stated / 4));
+        EXPECT_EQ(file->Load(), nullptr) << "the file does not hold that much";
+        EXPECT_EQ(ReadAll(*file, 3), Counting(40));
+        file->Rewind();
+        EXPECT_EQ(file->SkipSamples(200), 200) << "a skip touches no file";
+        EXPECT_EQ(file->GetCurrentSample(), 200);
+        EXPECT_TRUE(ReadFrames(*file, 1).empty());
+    }
+}
+
+TEST_F(WaveReader, MoreFramesThanAnIntCountsAreCut)
+{
+    const auto file =
+        OpenBytes(Wave(Chunk("fmt ", PcmFormat(1, 1000, 8)) + Chunk("data", Counting(40), 0xFFFFFFFF)));
+    ASSERT_NE(file, nullptr);
+    constexpr int mostFrames = std::numeric_limits<int>::max();
+    EXPECT_EQ(file->GetSoundSamples(), mostFrames);
+    EXPECT_EQ(file->GetSoundLength(), 2147483647u);
+    EXPECT_EQ(file->SkipSamples(mostFrames), mostFrames);
+    EXPECT_EQ(file->SkipSamples(1), 0);
+    unsigned char sample = 0;
+    EXPECT_EQ(file->ReadSamples(&sample, mostFrames), 0);
+    EXPECT_EQ(file->GetRemainLength(), 0u);
+    EXPECT_EQ(file->GetCurrentLength(), 2147483647u);
+}
+
+TEST_F(WaveReader, SkipsStopAtTheEndAndAreExactBeforeIt)
+{
+    const Bytes samples = Counting(40);
+    const auto file = OpenBytes(PcmWave(1, 8000, 16, samples));
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->SkipSamples(7), 7);
+    EXPECT_EQ(file->SkipSamples(-3), 0);
+    EXPECT_EQ(ReadFrames(*file, 2), (Bytes{15, 16, 17, 18}));
+    EXPECT_EQ(file->SkipSamples(100), 11);
+    EXPECT_EQ(file->SkipSamples(1), 0);
+    EXPECT_EQ(file->GetRemainLength(), 0u);
+    file->Rewind();
+    EXPECT_EQ(ReadAll(*file), samples);
+    EXPECT_EQ(file->ReadSamples(nullptr, -5), 0);
+}
+
+// A caller who asks for more than the sound samples gets what follows in the file; the sum of skips stays
+// put.
+TEST_F(WaveReader, ReadingBeyondTheSoundLeavesNothingToSkip)
+{
+    const auto file = OpenBytes(Wave(
+        Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("fact", Little32(4)) + Chunk("data", Counting(10))));
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(ReadFrames(*file, 10), Counting(10));
+    EXPECT_EQ(file->GetCurrentSample(), 10);
+    EXPECT_EQ(file->SkipSamples(5), 0);
+    EXPECT_EQ(file->GetCurrentSample(), 10);
+    EXPECT_EQ(file->GetRemainLength(), 0u);
+}
+
+TEST_F(WaveReader, FormatsWithNothingToDivideByAreRefused)
+{
+    struct Row
+    {
+        const char* what;
+        Bytes format;
+        bool opens;
+    };
+    const std::vector<Row> rows = {
+        {"no channels", FormatBytes(1, 0, 8000, 2, 16), false},
+        {"no rate", FormatBytes(1, 1, 0, 2, 16), false},
+        {"no bits", FormatBytes(1, 1, 8000, 2, 0), false},
+        {"seven bits", FormatBytes(1, 1, 8000, 2, 7), false},
+        {"a rate that an int cannot hold", FormatBytes(1, 1, 0x80000000, 2, 16), false},
+        {"a rate that it just can hold", FormatBytes(1, 1, 0x7FFFFFFF, 2, 16), true},
+        {"as many and as wide channels as can be stated", FormatBytes(1, 65535, 8000, 2, 65535), true},
+        {"eight bits", FormatBytes(1, 1, 8000, 0, 8), true},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        const auto file = OpenBytes(Wave(Chunk("fmt ", row.format) + Chunk("data", Counting(8))));
+        ASSERT_EQ(file != nullptr, row.opens);
+        if (file != nullptr)
+            ReadAll(*file, 5);
+    }
+    EXPECT_EQ(openFiles.GetCount(), 0);
+}
+
+TEST_F(WaveReader, TimesAreTruncatedMilliseconds)
+{
+    struct Row
+    {
+        std::uint32_t rateHz;
+        int frames;
+        int position;
+        unsigned long length;
+        unsigned long current;
+        unsigned long remain;
+    };
+    const std::vector<Row> rows = {
+        {8000, 8000, 12, 1000, 1, 998},
+        {44100, 44100, 44, 1000, 0, 999},
+        {44100, 45, 45, 1, 1, 0},
+        {44100, 44, 0, 0, 0, 0},
+        {1, 60000, 59999, 60000000, 59999000, 1000},
+        // What 32 bits of milliseconds cannot hold has no known length.
+        {1, 5000000, 0, 0xFFFFFFFF, 0, 0xFFFFFFFF},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::to_string(row.frames) + " at " + std::to_string(row.rateHz));
+        const auto frameBytes = static_cast<std::uint32_t>(row.frames);
+        const auto file =
+            OpenBytes(Wave(Chunk("fmt ", PcmFormat(1, row.rateHz, 8)) + Chunk("data", {}, frameBytes)));
+        ASSERT_NE(file, nullptr);
+        EXPECT_EQ(file->SkipSamples(row.position), row.position);
+        EXPECT_EQ(file->GetSoundLength(), row.length);
+        EXPECT_EQ(file->GetCurrentLength(), row.current);
+        EXPECT_EQ(file->GetRemainLength(), row.remain);
+    }
+}
+
+TEST_F(WaveReader, CallersMemoryIsReadInPlaceUpToItsEnd)
+{
+    Bytes block = Counting(11);
+    WaveFormatEx format = MemoryFormat(1, 2, 8000, 16);
+    const std::unique_ptr<SndFile> file(SndFile::OpenFile(block.data(), block.size(), &format));
+    ASSERT_NE(file, nullptr);
+    EXPECT_EQ(file->GetSoundSamples(), 2);
+    EXPECT_TRUE(file->GetFileName().IsEmpty());
+    EXPECT_EQ(file->Load(), block.data());
+    EXPECT_EQ(ReadFrames(*file, 1), (Bytes{1, 2, 3, 4}));
+    block[4] = 99;
+    EXPECT_EQ(ReadFrames(*file, 5), (Bytes{99, 6, 7, 8}));
+    EXPECT_TRUE(ReadFrames(*file, 5).empty());
+}
+
+TEST_F(WaveReader, CallersMemoryInAnyOtherFormIsRefused)
+{
+    Bytes block = Counting(16);
+    struct Row
+    {
+        const char* what;
+        void* data;
+        unsigned long size;
+        WaveFormatEx format;
+    };
+    const std::vector<Row> rows = {
+        {"ADPCM", block.data(), 16, MemoryFormat(2, 1, 8000, 4)},
+        {"MPEG", block.data(), 16, MemoryFormat(85, 1, 8000, 16)},
+        {"no tag", block.data(), 16, MemoryFormat(0, 1, 8000, 16)},
+        {"no channels", block.data(), 16, MemoryFormat(1, 0, 8000, 16)},
+        {"no rate", block.data(), 16, MemoryFormat(1, 1, 0, 16)},
+        {"four bits", block.data(), 16, MemoryFormat(1, 1, 8000, 4)},
+        {"no block", nullptr, 16, MemoryFormat(1, 1, 8000, 16)},
+        {"4 GiB", block.data(), 0x100000000, MemoryFormat(1, 1, 8000, 16)},
+    };
+    for (Row row : rows) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(SndFile::OpenFile(row.data, row.size, &row.format), nullptr);
+        SndFileWav file;
+        EXPECT_FALSE(file.OpenMemory(row.data, row.size, &row.format));
+        EXPECT_EQ(file.Size(), 0u);
+        EXPECT_EQ(file.FileType(), SndFile::FileNone);
+    }
+    EXPECT_EQ(SndFile::OpenFile(block.data(), 16, nullptr), nullptr);
+}
+
+TEST_F(WaveReader, AReaderCanBeOpenedAgainOnSomethingElse)
+{
+    Bytes block = Counting(16);
+    WaveFormatEx format = MemoryFormat(1, 1, 8000, 16);
+    Write("sound", PcmWave(2, 22050, 8, Counting(30)));
+    SndFileWav file;
+    ASSERT_TRUE(file.OpenMemory(block.data(), block.size(), &format));
+    file.SkipSamples(5);
+    ASSERT_TRUE(file.OpenHandle(openFiles.Acquire(owner, "sound")));
+    EXPECT_EQ(file.GetSampleFrequency(), 22050);
+    ASSERT_NE(file.Load(), nullptr);
+    EXPECT_EQ(ReadAll(file), Counting(30));
+    ASSERT_TRUE(file.OpenMemory(block.data(), block.size(), &format));
+    EXPECT_EQ(ReadAll(file), block);
+}
+
+TEST_F(WaveReader, NodeOfAnotherKindIsRefusedAndLeftAlone)
+{
+    for (const auto type : {SndFile::FileNone, SndFile::FileAdpcm, SndFile::FileMP3}) {
+        SCOPED_TRACE(type);
+        SndNode node;
+        node.format.SetFormat(2, 8000, 8, 1);
+        node.fileType = type;
+        node.useCount = 1;
+        SndFileWav file;
+        EXPECT_FALSE(file.Open(&node));
+        file.CloseFile(0, nullptr);
+        EXPECT_EQ(node.useCount, 1);
+        EXPECT_EQ(file.IsCached(), false);
+    }
+}
+
+// The disk is full, the share is gone, somebody truncates: what has been promised at the open is not there.
+TEST_F(WaveReader, AFileThatShrinksWhileItPlaysEndsThere)
+{
+    constexpr std::size_t headBytes = 44;
+    const auto file = OpenBytes(PcmWave(1, 8000, 16, Counting(200)));
+    ASSERT_NE(file, nullptr);
+    ASSERT_EQ(ReadFrames(*file, 10).size(), 20u);
+    Shorten("sound", headBytes + 31);
+    EXPECT_EQ(file->Load(), nullptr);
+    EXPECT_EQ(ReadFrames(*file, 50).size(), 10u) << "the sixteenth frame is torn";
+    EXPECT_TRUE(ReadFrames(*file, 50).empty());
+    Shorten("sound", 0);
+    file->Rewind();
+    EXPECT_TRUE(ReadFrames(*file, 50).empty());
+    EXPECT_EQ(file->SkipSamples(50), 50);
+}
+
+} // namespace
