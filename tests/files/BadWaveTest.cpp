@@ -84,7 +84,10 @@ TEST_F(BadWaves, EveryTruncationIsRefusedOrPlayedShort)
 {
     for (const Sample& sample : samples) {
         Write("sound", sample.bytes);
-        const Bytes whole = ReadAll(*Open("sound"));
+        const auto good = Open("sound");
+        ASSERT_NE(good, nullptr);
+        const Bytes whole = ReadAll(*good);
+        good->CloseFile(0, nullptr);
         for (std::size_t kept = sample.bytes.size(); kept-- > 0;) {
             SCOPED_TRACE(std::string(sample.name) + ", kept " + std::to_string(kept) + " bytes");
             Shorten("sound", kept);
