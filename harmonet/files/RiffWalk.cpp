@@ -26,7 +26,7 @@ bool RiffWalk::Next()
     chunkOffset = nextOffset;
     unsigned char head[chunkHeadBytes];
     // A file that has shrunk since its length was asked would otherwise be walked to its former end.
-    if (handle.ReadAt(head, chunkHeadBytes, chunkOffset) != chunkHeadBytes)
+    if (!Fetch(head, chunkHeadBytes, chunkOffset))
         return false;
     std::memcpy(chunkId, head, sizeof chunkId);
     chunkSize = LoadLittle32(head + sizeof chunkId);
@@ -42,8 +42,21 @@ bool RiffWalk::Is(const char (&id)[5]) const
 
 void RiffWalk::ReadContent(unsigned char* buffer, int bytes)
 {
-    const int got = handle.ReadAt(buffer, bytes, GetContentOffset());
-    std::fill(buffer + got, buffer + bytes, static_cast<unsigned char>(0));
+    Fetch(buffer, bytes, GetContentOffset());
+}
+
+/// Whether all the bytes were there; those that were not are 0.
+bool RiffWalk::Fetch(unsigned char* buffer, int bytes, std::uint64_t offset)
+{
+    const auto wanted = static_cast<std::uint64_t>(bytes);
+    if (offset < windowOffset || offset + wanted > windowOffset + windowBytes) {
+        windowOffset = offset;
+        windowBytes = static_cast<std::uint64_t>(handle.ReadAt(window, maxContentBytes, offset));
+    }
+    const std::uint64_t got = std::min(wanted, windowOffset + windowBytes - offset);
+    std::memcpy(buffer, window + (offset - windowOffset), got);
+    std::fill(buffer + got, buffer + wanted, static_cast<unsigned char>(0));
+    return got == wanted;
 }
 
 WaveFormatEx RiffWalk::ReadFormat()

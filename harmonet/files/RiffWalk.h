@@ -37,9 +37,10 @@ public:
     std::uint32_t GetSize() const { return chunkSize; }
     /// The offset in the file of the first byte behind the chunk's head.
     std::uint64_t GetContentOffset() const { return chunkOffset + chunkHeadBytes; }
-    /// Reads the first bytes of the chunk's content; what the file does not hold becomes 0. It is up to the
-    /// caller not to read beyond the chunk.
+    /// Reads the first bytes of the chunk's content, `maxContentBytes` at most; what the file does not hold
+    /// becomes 0. It is up to the caller not to read beyond the chunk.
     void ReadContent(unsigned char* buffer, int bytes);
+    static constexpr int maxContentBytes = 1024;
     /// The content of a "fmt " chunk; `extraSize` is 0 if the chunk is too short to have one.
     WaveFormatEx ReadFormat();
     /// The first four bytes of the content as a number.
@@ -49,8 +50,15 @@ private:
     static constexpr int riffHeadBytes = 12;
     static constexpr int chunkHeadBytes = 8;
 
+    bool Fetch(unsigned char* buffer, int bytes, std::uint64_t offset);
+
     SndFileHandle& handle;
     std::uint64_t fileBytes;
+    /// What was read last, so that the small chunks at the front of a file come with one read, and a large
+    /// file of empty chunks in seconds and not in minutes.
+    unsigned char window[maxContentBytes];
+    std::uint64_t windowOffset = 0;
+    std::uint64_t windowBytes = 0;
     std::uint64_t chunkOffset = 0;
     std::uint64_t nextOffset = 0;
     std::uint32_t chunkSize = 0;
