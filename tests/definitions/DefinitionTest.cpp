@@ -1,0 +1,137 @@
+#include "tests/definitions/DefinitionTest.h"
+
+#include "harmonet/definitions/SndFXList.h"
+
+#include <cstring>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr const char* fileName = "a.sound.txt";
+
+struct EffectLayout
+{
+    const char* name;
+    const char* fields; ///< i for an integer, f for a float.
+};
+
+// The layouts of the records, by SndFX.
+constexpr EffectLayout layouts[] = {{"envreverb", "iifffififfff"}, {"chorus", "ffffifi"},
+    {"flanger", "ffffifi"}, {"echo", "ffffi"}, {"distortion", "fffff"}, {"compressor", "ffffff"},
+    {"parameq", "fff"}, {"gargle", "ii"}, {"wavesreverb", "ffff"}};
+
+std::string DescribeEffect(const SndFXDesc& desc)
+{
+    const EffectLayout& layout = layouts[desc.effect];
+    std::string text = layout.name;
+    if (desc.effect == SndFXEnvReverb)
+        text += '/' + std::to_string(desc.GetQuality());
+    const auto* record = static_cast<const unsigned char*>(desc.GetRecord());
+    char separator = '(';
+    for (const char* field = layout.fields; *field; ++field, record += 4) {
+        std::int32_t whole;
+        float number;
+        std::memcpy(&whole, record, sizeof whole);
+        std::memcpy(&number, record, sizeof number);
+        text += separator + (*field == 'i' ? std::to_string(whole) : ToText(number));
+        separator = ' ';
+    }
+    return text + ')';
+}
+
+std::string DescribeLine(const SoundResource& sound)
+{
+    std::string text =
+        "line(" + std::to_string(sound.GetNumAddSounds()) + ' ' + ToText(sound.GetMinAngle()) + ':';
+    for (int i = 0; i < sound.GetNumPoints(); ++i)
+        text += ' ' + ToText(sound.GetPolyline()[i]);
+    return text + ')';
+}
+
+class Description
+{
+public:
+    explicit Description(const std::string& begin)
+        : text(begin)
+    {
+    }
+    void Add(const std::string& name, float value, float normal)
+    {
+        if (value != normal)
+            Add(name + ' ' + ToText(value));
+    }
+    void Add(const std::string& part) { text += (text.empty() ? "" : ", ") + part; }
+    const std::string& Get() const { return text; }
+
+private:
+    std::string text;
+};
+
+} // namespace
+
+std::string Describe(const SoundResource& sound)
+{
+    Description text{std::string(sound.GetFileName().GetView())};
+    text.Add("looping", sound.GetLooping(), 0);
+    text.Add("gain", sound.GetGain(), 1.0F);
+    text.Add("delay", static_cast<float>(sound.GetDelay()), 0);
+    text.Add("min", sound.GetMinDistance(), 10.0F);
+    text.Add("max", sound.GetMaxDistance(), 500.0F);
+    text.Add("cutout", sound.GetCutout(), 1);
+    text.Add("inner", sound.GetInnerConeAngle(), 180.0F);
+    text.Add("outer", sound.GetOuterConeAngle(), 180.0F);
+    text.Add("conegain", sound.GetConeGain(), 1.0F);
+    if (!(sound.GetPosition() == Vector3()))
+        text.Add("at " + ToText(sound.GetPosition()));
+    text.Add("changing", sound.GetChgFrequency(), 0);
+    text.Add("hz", static_cast<float>(sound.GetFrequency()), 0);
+    text.Add("dry", sound.GetDisableMicFX(), 0);
+    if (sound.GetNumPoints() != 0 || sound.GetPolyline() || sound.GetNumAddSounds() != 0 ||
+        sound.GetMinAngle() != 45.0F)
+        text.Add(DescribeLine(sound));
+    const SndFXList effects = sound.GetFXList();
+    const unsigned char* place = effects.GetEffectsArr();
+    for (unsigned long i = 0; i < effects.GetNumEffects(); ++i) {
+        const auto& desc = *reinterpret_cast<const SndFXDesc*>(place);
+        text.Add(DescribeEffect(desc));
+        place += 8 + desc.size;
+    }
+    return text.Get();
+}
+
+DefinitionTest::DefinitionTest()
+{
+    EXPECT_TRUE(database.AddFolder("sounds", folder.GetPath().c_str()));
+}
+
+DefinitionTest::~DefinitionTest() = default;
+
+std::string DefinitionTest::Load(const std::string& text)
+{
+    folder.Write(fileName, text);
+    if (!definition)
+        definition = std::make_unique<SoundDefResource>(fileName, &database);
+    const int code = LoadAgain();
+    return std::to_string(code) + ": " + Describe(*definition);
+}
+
+std::string DefinitionTest::LoadBlock(const std::string& keywords)
+{
+    return Load("*SOUND_DEFINITION\n{\n*FILE a.wav\n" + keywords + "\n}\n");
+}
+
+int DefinitionTest::LoadAgain()
+{
+    std::string path = fileName;
+    return definition->LoadTxt(&database, path.data()).GetCode();
+}
+
+void DefinitionTest::Forget()
+{
+    definition.reset();
+}
+
+} // namespace Quon

@@ -1,0 +1,123 @@
+// What a listener hears of a definition that somebody got wrong.
+
+#include "tests/definitions/DefinitionTest.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr const char* faultNames[] = {"no definition", "no file", "outside", "unknown", "left over",
+    "unreadable", "refused", "out of range", "no block", "too few points", "lost", "text"};
+
+/// Writes each remark as "line keyword fault", with what the fault has to say behind it.
+class Notebook final : public DefinitionListener
+{
+public:
+    Notebook() { before = SoundDefResource::SetListener(this); }
+    ~Notebook() override { EXPECT_EQ(SoundDefResource::SetListener(before), this); }
+
+    void OnRemark(const DefinitionRemark& remark) override
+    {
+        std::string text = std::to_string(remark.line);
+        if (!remark.keyword.IsEmpty())
+            text += ' ' + std::string(remark.keyword.GetView());
+        text += std::string(" ") + faultNames[static_cast<int>(remark.fault)];
+        if (remark.fault == DefinitionFault::Unreadable)
+            text += std::string(": ") + remark.text + " for " + (remark.found ? remark.found : "nothing");
+        if (remark.fault == DefinitionFault::Refused || remark.fault == DefinitionFault::OutOfRange)
+            text += ": " + ToText(static_cast<float>(remark.value)) + " of " +
+                ToText(static_cast<float>(remark.least)) + " to " + ToText(static_cast<float>(remark.most));
+        remarks.push_back(text);
+    }
+
+    Lines remarks;
+
+private:
+    DefinitionListener* before;
+};
+
+struct FaultRow
+{
+    const char* name;
+    const char* text;
+    Lines expected;
+};
+
+class TextFaults : public DefinitionTest
+{
+protected:
+    Lines Hear(const std::string& text)
+    {
+        Notebook notebook;
+        Load(text);
+        return notebook.remarks;
+    }
+    void Check(const FaultRow& row, const std::string& text)
+    {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(Hear(text), row.expected);
+    }
+};
+
+TEST_F(TextFaults, EveryFaultIsHeardWithItsLineAndKeyword)
+{
+    // The first keyword of each row stands in line 3.
+    const FaultRow rows[] = {
+        {"nothing wrong", "*GAIN 0.5\n*FX_ECHO { *FEEDBACK 30 }\n*FX_GARGLE", {}},
+        {"unknown", "*VOLUME 1", {"3 *VOLUME unknown"}},
+        {"unknown block", "*EFFECT { *GAIN 1 }\n*WOW", {"3 *EFFECT unknown", "4 *WOW unknown"}},
+        {"unknown in an effect", "*FX_ECHO\n{\n*WAVEFORM 1\n}", {"5 *WAVEFORM unknown"}},
+        {"left over values", "*GAIN 0.5 0.6", {"3 *GAIN left over"}},
+        {"left over block", "*GAIN 0.5 { *DELAY 1 }", {"3 *GAIN left over"}},
+        {"unreadable", "*GAIN loud\n*LOOPING true\n*FX_ECHO { *DELAY 1 }",
+            {"3 *GAIN unreadable: a number for loud", "4 *LOOPING lost", "5 *FX_ECHO lost"}},
+        {"missing", "*DELAY\n*GAIN 1", {"3 *DELAY unreadable: a whole number for nothing", "4 *GAIN lost"}},
+        {"unreadable in an effect", "*FX_ECHO {\n*FEEDBACK x\n*LEFTDELAY 1\n}\n*GAIN 1",
+            {"4 *FEEDBACK unreadable: a number for x", "5 *LEFTDELAY lost", "7 *GAIN lost"}},
+        {"negative delay", "*DELAY -1\n*GAIN 1", {"3 *DELAY refused: -1 of 0 to 2147483648", "4 *GAIN lost"}},
+        {"frequency", "*FREQUENCY 99\n*GAIN 1", {"3 *FREQUENCY out of range: 99 of 100 to 1e+05"}},
+        {"gain", "*GAIN 1.5", {"3 *GAIN out of range: 1.5 of 0 to 1"}},
+        {"an effect's field", "*FX_ECHO {\n*PANDELAY 2\n}", {"4 *PANDELAY out of range: 2 of 0 to 1"}},
+        {"line without a block", "*POLYLINE\n*GAIN 1", {"3 *POLYLINE no block", "4 *GAIN lost"}},
+        {"line of one point", "*POLYLINE {\n*POINT 1 2 3\n}\n*GAIN 1",
+            {"3 *POLYLINE too few points", "6 *GAIN lost"}},
+        {"fewer than no sources", "*POLYLINE {\n*NUM_ADD_SOUNDS -1\n*POINT 1 2 3\n}",
+            {"4 *NUM_ADD_SOUNDS refused: -1 of 0 to 2147483648", "5 *POINT lost"}},
+        {"short point", "*POLYLINE {\n*POINT 1 2\n}", {"4 *POINT unreadable: a number for nothing"}},
+        {"stray brace", "}\n*GAIN 1", {"4 *GAIN outside", "5 text"}},
+    };
+    for (const FaultRow& row : rows)
+        Check(row, std::string("*SOUND_DEFINITION {\n*FILE a.wav\n") + row.text + "\n}\n");
+}
+
+TEST_F(TextFaults, AFileWithoutADefinitionIsHeardAsAWhole)
+{
+    const FaultRow rows[] = {
+        {"blank", "\n", {"0 no definition"}},
+        {"others", "*A 1\n*FILE x", {"1 *A outside", "2 *FILE outside", "0 no definition"}},
+        {"no block", "*SOUND_DEFINITION\n*FILE x", {"0 no definition", "2 *FILE outside"}},
+        {"no file", "*SOUND_DEFINITION {\n*GAIN 1\n}", {"0 no file"}},
+        {"around it", "*A\n*SOUND_DEFINITION { *FILE x }\n*SOUND_DEFINITION { *FILE y }",
+            {"1 *A outside", "3 *SOUND_DEFINITION outside"}},
+    };
+    for (const FaultRow& row : rows)
+        Check(row, row.text);
+}
+
+TEST_F(TextFaults, AListenerDoesNotChangeWhatIsRead)
+{
+    constexpr const char* texts[] = {"*GAIN 2\n*DELAY -4\n*LOOPING true", "*FX_ECHO { *FEEDBACK x }",
+        "*FREQUENCY 5\n*POLYLINE { *POINT 1 2 3 }\n*GAIN 0", "} *GAIN 0.5", "*SET_FRQUENCY true\n*FX_GARGLE"};
+    for (const char* text : texts) {
+        SCOPED_TRACE(text);
+        const std::string unheard = LoadBlock(text);
+        Notebook notebook;
+        EXPECT_EQ(LoadBlock(text), unheard);
+    }
+}
+
+} // namespace
+
+} // namespace Quon

@@ -1,0 +1,105 @@
+// The plug-in door, taken as an engine takes it: the library is loaded at run time and asked for its types.
+
+#include "harmonet/engine/DynamicLibrary.h"
+#include "harmonet/engine/PluginRegistry.h"
+#include "harmonet/engine/ResourceTypeBase.h"
+#include "harmonet/kernel/QuonGetPlugins.h"
+#include "tests/definitions/DefinitionTest.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+/// The library, loaded by name, with its types registered.
+class TextPlugins : public DefinitionTest
+{
+protected:
+    TextPlugins()
+    {
+        PluginRegistry::Get().ReleaseAll();
+        EXPECT_TRUE(library->Open(HARMONET_LIBRARY));
+        void* symbol = nullptr;
+        EXPECT_TRUE(library->GetSymbol(&symbol, "QuonGetPlugins"));
+        getPlugins = reinterpret_cast<QuonGetPluginsFunction>(symbol);
+    }
+    ~TextPlugins() override
+    {
+        database.DropUnused();
+        database.DropUnused();
+        PluginRegistry::Get().ReleaseAll();
+    }
+
+    static std::vector<const ResourceTypeBase*> GetTypes()
+    {
+        std::vector<const ResourceTypeBase*> types;
+        for (const PluginType* type : PluginRegistry::Get().GetTypes())
+            types.push_back(dynamic_cast<const ResourceTypeBase*>(type));
+        return types;
+    }
+
+    std::unique_ptr<DynamicLibrary> library{os.CreateDynamicLibrary()};
+    QuonGetPluginsFunction getPlugins = nullptr;
+};
+
+TEST_F(TextPlugins, FourTypesAreRegisteredInOrder)
+{
+    struct Type
+    {
+        const char* name;
+        const char* id;
+        std::size_t size;
+    };
+    const Type expected[] = {{"sound", "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundDefResource)},
+        {"sound.txt", "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundDefResource)},
+        {"wav", "6B7E2192-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundResource)},
+        {"mp3", "6B7E2194-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundResource)}};
+    getPlugins();
+    const auto types = GetTypes();
+    ASSERT_EQ(types.size(), std::size(expected));
+    for (std::size_t i = 0; i < types.size(); ++i) {
+        SCOPED_TRACE(expected[i].name);
+        ASSERT_NE(types[i], nullptr);
+        EXPECT_EQ(types[i]->GetName().GetView(), expected[i].name);
+        EXPECT_EQ(types[i]->GetTypeID(), UId(expected[i].id));
+        EXPECT_FALSE(types[i]->GetTypeID().IsZero());
+        EXPECT_EQ(types[i]->GetCommonID(), UId("6B7E2180-3F4C-41A7-8C2D-5E19A07C33D1"));
+        EXPECT_EQ(types[i]->GetSize(), static_cast<int>(expected[i].size));
+    }
+    EXPECT_EQ(sizeof(SoundDefResource), sizeof(SoundResource));
+}
+
+TEST_F(TextPlugins, TwoCallsRegisterEveryTypeTwice)
+{
+    getPlugins();
+    getPlugins();
+    EXPECT_EQ(GetTypes().size(), 8U);
+}
+
+TEST_F(TextPlugins, NamesInAFolderLeadToSettings)
+{
+    getPlugins();
+    folder.Write("river.sound", "*SOUND_DEFINITION { *FILE w.wav\n*GAIN 0.5 }");
+    folder.Write("engine.sound.txt", "*SOUND_DEFINITION { *FILE w.wav\n*DELAY 5 }");
+    folder.Write("broken.sound", "*SOUND_DEFINITION { *GAIN 0.5 }");
+    folder.Write("w.wav", std::string("no wave"));
+    folder.Write("m.mp3", std::string("no stream"));
+    const Row rows[] = {{"definition", "river.sound", "0: w.wav, gain 0.5"},
+        {"text definition", "engine.sound.txt", "0: w.wav, delay 5"}, {"wave", "w.wav", "0: w.wav"},
+        {"MPEG", "m.mp3", "0: m.mp3"}, {"definition that fails", "broken.sound", "1"}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto* resource = dynamic_cast<const SoundResource*>(database.Lookup(row.text, 2));
+        ASSERT_NE(resource, nullptr);
+        EXPECT_EQ(resource->GetOwnerName().GetView(), "sounds");
+        const int code = resource->Lock(&database).GetCode();
+        EXPECT_EQ(std::to_string(code) + (code == 0 ? ": " + Describe(*resource) : ""), row.expected);
+        resource->Unlock();
+        resource->ReleaseReference();
+    }
+}
+
+} // namespace
+
+} // namespace Quon
