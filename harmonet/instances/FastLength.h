@@ -7,7 +7,7 @@
 namespace Quon
 {
 
-// The approximate length of a vector, without a square root. It is right to about 0.2 % and exact for two
+// The approximate length of a vector, without a square root. It is right to about 0.1 % and exact for two
 // components of which one is 0. A component above about 1e19 gives infinity, or what is no number.
 
 inline float FastLength(float x, float y)
