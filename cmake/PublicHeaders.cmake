@@ -39,6 +39,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/engine/UId.h
     harmonet/engine/Vector.h
     harmonet/files/SndFile.h
+    harmonet/files/SndFileService.h
     harmonet/files/WaveFormatEx.h
     harmonet/instances/Microphone.h
     harmonet/instances/Music.h
@@ -46,6 +47,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/instances/Snd2D.h
     harmonet/instances/Snd3D.h
     harmonet/instances/SndBase.h
+    harmonet/instances/SndPolyline.h
     harmonet/instances/Sound.h
     harmonet/instances/SoundObserver.h
     harmonet/kernel/HarmonetStrings.h

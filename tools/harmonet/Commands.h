@@ -1,0 +1,21 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include <functional>
+
+namespace Tool
+{
+
+/// What a subcommand does once the arguments are known; gives the exit code of the program. May throw a
+/// ToolError.
+using Action = std::function<int()>;
+
+// Each adds its subcommand with its options to the program, and stores what it does in `action` when it is
+// the one that was asked for.
+
+void AddPlayCommand(CLI::App& program, Action& action);
+void AddInfoCommand(CLI::App& program, Action& action);
+void AddDecodeCommand(CLI::App& program, Action& action);
+
+} // namespace Tool

@@ -1,0 +1,69 @@
+#include "harmonet/engine/OS.h"
+#include "harmonet/files/SndFileService.h"
+#include "tools/harmonet/Commands.h"
+#include "tools/harmonet/SoundData.h"
+#include "tools/harmonet/ToolError.h"
+#include "tools/harmonet/WaveWriter.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+namespace Tool
+{
+
+namespace
+{
+
+constexpr int sampleFramesAtOnce = 16384;
+
+struct DecodeArguments
+{
+    std::string input;
+    std::string output;
+};
+
+void CopySound(Quon::SndFile& data, WaveWriter& writer)
+{
+    const int frameBytes = data.GetChannels() * data.GetBytesPerSample();
+    std::vector<unsigned char> buffer(static_cast<std::size_t>(sampleFramesAtOnce * frameBytes));
+    for (;;) {
+        // A reader may go on behind the end of the sound; what is there is not part of it.
+        const int wanted = std::min(sampleFramesAtOnce, data.GetSoundSamples() - data.GetCurrentSample());
+        const int given = wanted > 0 ? data.ReadSamples(buffer.data(), wanted) : 0;
+        if (given <= 0)
+            return;
+        writer.Write(buffer.data(), static_cast<std::size_t>(given) * static_cast<std::size_t>(frameBytes));
+    }
+}
+
+int RunDecode(const DecodeArguments& arguments)
+{
+    const Quon::OS os;
+    const Quon::SndFileService service;
+    const FileArguments files({arguments.input});
+    std::error_code error;
+    if (std::filesystem::equivalent(arguments.input, arguments.output, error))
+        throw ToolError("input and output are the same file");
+
+    const auto data = OpenSoundData(files.GetFiles().front());
+    WaveWriter writer(arguments.output, *data);
+    CopySound(*data, writer);
+    writer.Finish();
+    return EXIT_SUCCESS;
+}
+
+} // namespace
+
+void AddDecodeCommand(CLI::App& program, Action& action)
+{
+    const auto arguments = std::make_shared<DecodeArguments>();
+    CLI::App* const command =
+        program.add_subcommand("decode", "Write the PCM of a sound file to a wave file.");
+    command->add_option("FILE", arguments->input, "The sound file")->required();
+    command->add_option("OUT.wav", arguments->output, "The wave file; one that exists is replaced")
+        ->required();
+    command->callback([arguments, &action] { action = [arguments] { return RunDecode(*arguments); }; });
+}
+
+} // namespace Tool

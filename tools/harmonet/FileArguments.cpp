@@ -1,0 +1,81 @@
+#include "tools/harmonet/FileArguments.h"
+
+#include "harmonet/engine/File.h"
+#include "tools/harmonet/ToolError.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace Tool
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+fs::path Canonical(const std::string& shown)
+{
+    std::error_code error;
+    const fs::path path = fs::canonical(shown, error);
+    if (error == std::errc::no_such_file_or_directory)
+        throw ToolError("there is no file '" + shown + "'");
+    if (error)
+        throw ToolError("cannot reach '" + shown + "': " + error.message());
+    return path;
+}
+
+fs::path CommonFolder(const fs::path& left, const fs::path& right)
+{
+    fs::path common;
+    const auto [leftEnd, rightEnd] = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
+    for (auto part = left.begin(); part != leftEnd; ++part)
+        common /= *part;
+    return common;
+}
+
+std::string Explain(int openCode)
+{
+    switch (openCode) {
+    case Quon::File::NotAFile:
+        return "is not a file";
+    case Quon::File::NotReadable:
+        return "may not be read";
+    case Quon::File::Empty:
+        return "is empty";
+    case Quon::File::TooLarge:
+        return "has 2 GiB or more";
+    default:
+        return "cannot be opened";
+    }
+}
+
+void CheckReadable(const FileArguments::File& file)
+{
+    Quon::File opened;
+    const Quon::Result result = opened.Open(Quon::PString(), file.name.GetText(), Quon::File::modeRead);
+    if (!result.IsOk())
+        throw ToolError("'" + file.shown + "' " + Explain(result.GetCode()));
+}
+
+} // namespace
+
+FileArguments::FileArguments(const std::vector<std::string>& paths)
+{
+    std::vector<fs::path> found;
+    for (const std::string& shown : paths)
+        found.push_back(Canonical(shown));
+
+    fs::path root = found.front().parent_path();
+    for (const fs::path& path : found)
+        root = CommonFolder(root, path.parent_path());
+    if (!Quon::File::AddRoot(Quon::PString(), root.c_str()))
+        throw ToolError("cannot reach the folder '" + root.string() + "'");
+
+    for (std::size_t i = 0; i < paths.size(); ++i) {
+        files.push_back({paths[i], Quon::PString(found[i].lexically_relative(root).c_str())});
+        CheckReadable(files.back());
+    }
+}
+
+} // namespace Tool

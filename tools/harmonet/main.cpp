@@ -1,0 +1,31 @@
+#include "tools/harmonet/Commands.h"
+#include "tools/harmonet/ToolError.h"
+
+#include "harmonet/engine/Exception.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+int main(int argumentCount, char** arguments)
+{
+    CLI::App program("Plays, describes and decodes sound files with Harmonet.", "harmonet");
+    program.set_version_flag("--version", "harmonet " HARMONET_VERSION);
+    program.require_subcommand(1);
+
+    Tool::Action action;
+    Tool::AddPlayCommand(program, action);
+    Tool::AddInfoCommand(program, action);
+    Tool::AddDecodeCommand(program, action);
+    CLI11_PARSE(program, argumentCount, arguments);
+
+    try {
+        return action();
+    }
+    catch (const Tool::ToolError& error) {
+        std::fprintf(stderr, "harmonet: %s\n", error.what());
+    }
+    catch (const Quon::Exception& error) {
+        std::fprintf(stderr, "harmonet: the system failed: %s\n", error.what());
+    }
+    return EXIT_FAILURE;
+}
