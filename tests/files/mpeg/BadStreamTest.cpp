@@ -1,0 +1,113 @@
+// Streams that somebody has damaged. The address sanitizer and the guard bytes of MemoryStream watch the
+// edges; what is asked here is that the counts hold and that a rewind gives the same again.
+
+#include "MemoryStream.h"
+#include "StreamMaker.h"
+
+#include <gtest/gtest.h>
+
+using namespace Quon;
+using StreamMaker::Bytes;
+
+namespace
+{
+
+/// Small frames, so that every byte can be changed to every value.
+Bytes SmallStream(int mode, int frameCount)
+{
+    std::mt19937 random(11);
+    StreamMaker::Header header;
+    header.isMpeg1 = false;
+    header.mode = mode;
+    header.bitrateIndex = 2;
+    header.rateIndex = 1;
+    return StreamMaker::MakeRandomStream(random, header, frameCount);
+}
+
+void ReadTwice(const Bytes& stream)
+{
+    MemoryStream file(stream);
+    if (file.Get() == nullptr) {
+        return;
+    }
+    const std::vector<int> once = file.ReadAll(700);
+    // A frame of 24 bytes, the shortest that there is, gives 576 sample frames of two channels at most.
+    ASSERT_LE(once.size(), (stream.size() / 24 + 1) * 576 * 2);
+    file.Get()->Rewind();
+    ASSERT_EQ(file.ReadAll(700), once);
+}
+
+} // namespace
+
+TEST(BadStreams, EveryTruncationPlaysItsWholeFrames)
+{
+    const Bytes stream = ReadStream("mono-16000.mp3");
+    constexpr std::size_t frameBytes = 108;
+    const std::vector<int> whole = MemoryStream(stream).ReadAll();
+    for (std::size_t kept = 0; kept < stream.size(); ++kept) {
+        SCOPED_TRACE(testing::Message() << kept << " bytes kept");
+        MemoryStream file(Bytes(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(kept)));
+        ASSERT_EQ(file.Get() != nullptr, kept >= 4);
+        if (file.Get() != nullptr) {
+            const std::vector<int> pcm = file.ReadAll();
+            ASSERT_EQ(pcm.size(), kept / frameBytes * 576);
+            ASSERT_TRUE(std::equal(pcm.begin(), pcm.end(), whole.begin()));
+        }
+    }
+}
+
+TEST(BadStreams, EveryChangeOfAByteKeepsToTheBuffers)
+{
+    for (const int mode : {1, 3}) {
+        const Bytes stream = SmallStream(mode, 3);
+        ASSERT_LT(stream.size(), 200u);
+        for (std::size_t at = 0; at < stream.size(); ++at) {
+            for (int value = 0; value < 256; ++value) {
+                SCOPED_TRACE(testing::Message() << "mode " << mode << ", byte " << at << " is " << value);
+                Bytes changed = stream;
+                changed[at] = static_cast<unsigned char>(value);
+                ReadTwice(changed);
+                if (HasFatalFailure()) {
+                    return;
+                }
+            }
+        }
+    }
+}
+
+TEST(BadStreams, ChangedBytesInLargeFramesKeepToTheBuffers)
+{
+    std::mt19937 random(13);
+    StreamMaker::Header header;
+    header.mode = 1;
+    header.bitrateIndex = 14;
+    header.rateIndex = 2;
+    const Bytes stream = StreamMaker::MakeRandomStream(random, header, 4);
+    for (int round = 0; round < 1500; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        Bytes changed = stream;
+        for (int change = 0; change < 1 + round % 20; ++change) {
+            // Most of them where the side information is.
+            const std::size_t start = random() % 4 * header.GetFrameBytes();
+            changed[start + random() % (round % 4 != 0 ? 40 : 1440)] = static_cast<unsigned char>(random());
+        }
+        ReadTwice(changed);
+        if (HasFatalFailure()) {
+            return;
+        }
+    }
+}
+
+TEST(BadStreams, NoiseThatOpensIsSurvived)
+{
+    std::mt19937 random(17);
+    for (int round = 0; round < 300; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        Bytes noise(4000);
+        for (unsigned char& byte : noise) {
+            byte = static_cast<unsigned char>(random() % 4 == 0 ? 0xFF : random());
+        }
+        std::copy_n(StreamMaker::Header().MakeBytes().begin(), 4, noise.begin());
+        ReadTwice(noise);
+    }
+}
