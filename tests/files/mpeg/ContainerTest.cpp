@@ -175,9 +175,8 @@ TEST_F(MpegFiles, TheCountComesFromFactOrFromTheHeaders)
 
 TEST_F(MpegFiles, ATornLastFrameCountsInTheLength)
 {
-    Bytes stream = RandomFrames(3);
-    stream.resize(stream.size() - 100);
-    const auto file = Open(stream);
+    const Bytes stream = RandomFrames(3);
+    const auto file = Open({stream.begin(), stream.end() - 100});
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(file->GetSoundSamples(), 3 * frame);
     EXPECT_EQ(ReadPcm(*file).size(), 2u * 2 * frame);

@@ -206,12 +206,7 @@ TEST(SideInfo, TheGainOfPureMidSideIsTwoLower)
 
 TEST(SideInfo, RegionsBehindTheLastBandBeginAtTheLastLine)
 {
-    StreamMaker::BitWriter writer;
-    writer.PadTo(4);
-    writer.Put(0, 12 + 9 + 8 + 4 + 1 + 15 - 12);
-    StreamMaker::BitWriter ones;
-    ones.PadTo(4);
-    // All ones but for window switching, which leaves region counts of 15 and 7.
+    // No window switching, and region counts of 15 and 7.
     StreamMaker::BitWriter side;
     side.Put(0, 18);
     side.Put(0, 12 + 9 + 8 + 4 + 1 + 15);

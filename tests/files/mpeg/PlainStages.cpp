@@ -40,38 +40,61 @@ double Window(int blockType, int i)
     }
 }
 
-/// x[i] of n points from n / 2 lines, windowed.
-double Imdct(const std::vector<double>& lines, int i, int blockType)
+/// cos(pi / 2n (2i + 1 + n / 2)(2k + 1)), worked out once.
+template<std::size_t n>
+double TransformCosine(std::size_t i, std::size_t k)
 {
-    const int n = 2 * static_cast<int>(lines.size());
+    static const auto table = [] {
+        std::array<std::array<double, n / 2>, n> all;
+        for (std::size_t row = 0; row < n; ++row) {
+            for (std::size_t column = 0; column < n / 2; ++column) {
+                const auto product = static_cast<double>((2 * row + 1 + n / 2) * (2 * column + 1));
+                all[row][column] = std::cos(pi / (2 * n) * product);
+            }
+        }
+        return all;
+    }();
+    return table[i][k];
+}
+
+/// x[i] of n points from every `stride`th of n / 2 lines, windowed.
+template<std::size_t n>
+double Imdct(const double* lines, std::size_t stride, std::size_t i, int blockType)
+{
     double sum = 0;
-    for (int k = 0; k < n / 2; ++k) {
-        sum +=
-            lines[static_cast<std::size_t>(k)] * std::cos(pi / (2 * n) * (2 * i + 1 + n / 2) * (2 * k + 1));
+    for (std::size_t k = 0; k < n / 2; ++k) {
+        sum += lines[stride * k] * TransformCosine<n>(i, k);
     }
-    return sum * Window(blockType, i);
+    return sum * Window(blockType, static_cast<int>(i));
 }
 
 std::array<double, 36> TransformSubband(const double* lines, int blockType)
 {
     std::array<double, 36> out = {};
-    if (blockType != 2) {
-        const std::vector<double> all(lines, lines + 18);
-        for (int i = 0; i < 36; ++i) {
-            out[static_cast<std::size_t>(i)] = Imdct(all, i, blockType);
-        }
-        return out;
+    for (std::size_t i = 0; blockType != 2 && i < 36; ++i) {
+        out[i] = Imdct<36>(lines, 1, i, blockType);
     }
-    for (int window = 0; window < 3; ++window) {
-        std::vector<double> six;
-        for (int n = 0; n < 6; ++n) {
-            six.push_back(lines[3 * n + window]);
-        }
-        for (int i = 0; i < 12; ++i) {
-            out[static_cast<std::size_t>(6 + 6 * window + i)] += Imdct(six, i, 2);
+    for (std::size_t window = 0; blockType == 2 && window < 3; ++window) {
+        for (std::size_t i = 0; i < 12; ++i) {
+            out[6 + 6 * window + i] += Imdct<12>(lines + window, 3, i, 2);
         }
     }
     return out;
+}
+
+/// cos(pi / 64 (16 + i)(2k + 1)), worked out once.
+double MatrixCosine(std::size_t i, std::size_t k)
+{
+    static const auto table = [] {
+        std::array<std::array<double, 32>, 64> all;
+        for (std::size_t row = 0; row < 64; ++row) {
+            for (std::size_t column = 0; column < 32; ++column) {
+                all[row][column] = std::cos(pi / 64 * static_cast<double>((16 + row) * (2 * column + 1)));
+            }
+        }
+        return all;
+    }();
+    return table[i][k];
 }
 
 /// Where a short block's line of the stream stands in the spectrum: by band, window and line.
@@ -318,9 +341,7 @@ std::vector<double> Polyphase::Run(const Subbands& subbands)
             v[i] = 0;
             for (std::size_t k = 0; k < 32; ++k) {
                 const double inverted = slot % 2 != 0 && k % 2 != 0 ? -1 : 1;
-                v[i] +=
-                    std::cos((16.0 + static_cast<double>(i)) * (2.0 * static_cast<double>(k) + 1) * pi / 64) *
-                    inverted * subbands[k][slot];
+                v[i] += MatrixCosine(i, k) * inverted * subbands[k][slot];
             }
         }
         for (std::size_t j = 0; j < 32; ++j) {

@@ -125,7 +125,7 @@ void BitWriter::Put(int value, int bitCount)
             bitsInLast = 0;
         }
         ++bitsInLast;
-        bytes.back() |= static_cast<unsigned char>((value >> bit & 1) << (8 - bitsInLast));
+        bytes.back() |= static_cast<unsigned char>((bit < 31 ? value >> bit & 1 : 0) << (8 - bitsInLast));
     }
 }
 

@@ -232,7 +232,7 @@ TEST(MpegReader, NothingStaleIsHandedOutWhenAFrameOfAnotherLengthFails)
     StreamMaker::Header shortFrames = MonoHeader();
     shortFrames.isMpeg1 = false;
     Bytes torn = RandomStream(MonoHeader(), 1);
-    torn.resize(torn.size() - 1);
+    torn.pop_back();
     MemoryStream file(RandomStream(shortFrames, 2) + torn);
     int delivered = 0;
     file.ReadOnce(5000, delivered);
