@@ -36,7 +36,9 @@ public:
     bool Play(const PString& name, bool loop);
     bool Play(const PString& name, const ResourceDatabase* db, bool loop);
     /// The same, rising from silence over `ms` milliseconds; 0 or less is a plain start. A piece that is
-    /// fading out goes on fading beside it. One that runs unheard is given up for the new one.
+    /// fading out goes on fading beside it, and the new one takes over its own gain and effects as far as it
+    /// has none of a resource; a resource's gain is heard on both at once. One that runs unheard is given up
+    /// for the new one.
     bool FadeIn(const PString& name, int ms, bool loop);
     bool FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool loop);
     /// The piece falls to silence over `ms` milliseconds and ends. False when there is no piece, or when it

@@ -383,8 +383,7 @@ TEST_F(PolylineResources, TheSourcesHaveTheEffectsThatWereSetOnTheLine)
     ASSERT_TRUE(group->StartSound(id, 0));
     Listen(nearby);
     EXPECT_EQ(TakeLog({"CreateChannel"}),
-        (Lines{"CreateChannel c1 7 w@0 fx 7", "CreateChannel c2 7 w@0 fx 7",
-            "CreateChannel c3 7 w@0 fx 7"}));
+        (Lines{"CreateChannel c1 7 w@0 fx 7", "CreateChannel c2 7 w@0 fx 7", "CreateChannel c3 7 w@0 fx 7"}));
     for (int rank = 0; rank < 3; ++rank) {
         SCOPED_TRACE(rank);
         FXGargle read{};
