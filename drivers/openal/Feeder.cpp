@@ -13,6 +13,7 @@ namespace
 {
 
 constexpr std::chrono::milliseconds roundTime{10};
+constexpr int maxLastRounds = 15;
 constexpr int minReadAheadMs = 80;
 constexpr int maxReadAheadMs = 200;
 constexpr int blocksAhead = 5;
@@ -72,6 +73,17 @@ void Feeder::Run()
     const ContextScope scope(device);
     while (WaitForRound()) {
         Round();
+    }
+    FinishFades();
+}
+
+// Before the output closes, the sounds that were stopped last fall silent. The thread may not wait for a
+// device that has stopped mixing.
+void Feeder::FinishFades()
+{
+    for (int round = 0; round < maxLastRounds && voices.IsAnyFading(); ++round) {
+        std::this_thread::sleep_for(roundTime);
+        voices.Reap();
     }
 }
 

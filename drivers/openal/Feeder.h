@@ -28,6 +28,8 @@ public:
     ~Feeder();
 
     void Start(Channels allChannels);
+    /// Waits for the thread to end, which lets sounds that have just been stopped fall silent first: two
+    /// periods of the device, and 150 ms at most.
     void Stop();
 
     /// Has the next round begin at once. Any thread.
@@ -36,6 +38,7 @@ public:
 private:
     void Run();
     void Round();
+    void FinishFades();
     bool WaitForRound();
 
     const OutputDevice& device;

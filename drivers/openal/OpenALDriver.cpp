@@ -35,6 +35,7 @@ bool GetRenderPath(const OS* os, String& path)
 
 OpenALDriver::~OpenALDriver()
 {
+    EndUpdate();
     feeder.reset();
     if (!channels.empty()) {
         const ContextScope scope(device);

@@ -29,6 +29,7 @@ namespace Quon
 class OpenALDriver final : public SndDriver
 {
 public:
+    /// Live, waits up to 150 ms for sounds that have just been stopped to fall silent.
     ~OpenALDriver() override;
 
     /// False without a device that can be opened, or a file that can be written; if `format` is not stereo;

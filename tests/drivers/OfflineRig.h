@@ -13,10 +13,10 @@ struct Rendering
     int rateHz = 0;
     int channels = 0;
     bool isSigned16 = false;
-    std::vector<short> samples; ///< Interleaved.
+    std::vector<double> samples; ///< Interleaved, from -1 to 1.
 
     size_t GetFrames() const { return channels > 0 ? samples.size() / static_cast<size_t>(channels) : 0; }
-    /// From -1 to 1; side 0 is left. 0 beyond the end.
+    /// Side 0 is left. 0 beyond the end.
     double At(size_t sampleFrame, int side = 0) const;
     /// The largest step from one sample frame to the next within [begin, end), on either side.
     double LargestStep(size_t begin, size_t end) const;

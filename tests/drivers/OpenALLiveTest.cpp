@@ -9,14 +9,6 @@
 #include <random>
 #include <thread>
 
-// OpenAL is not built with the sanitizer, which cannot see how its threads agree among themselves. What it
-// does with memory of its own is left out; all of ours is watched.
-extern "C" const char* __tsan_default_suppressions();
-extern "C" const char* __tsan_default_suppressions()
-{
-    return "race:libopenal.so";
-}
-
 namespace Quon
 {
 namespace
@@ -274,7 +266,8 @@ TEST_F(RandomGame, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSound)
     const auto clock = MakeFile({100 * rateHz, rateHz}, Constant(0.0));
     rig.Play(*clock);
     rig.onEvent = [this](const DriverEvent& event) { OnEvent(event); };
-    for (int update = 0; update < 200 && !HasFailure(); ++update) {
+    const int enough = 25;
+    for (int update = 0; (update < 150 || changes < enough || ends < enough) && !HasFailure(); ++update) {
         // At the pace of the sound: some 15 ms an update.
         ASSERT_TRUE(clock->WaitUntilRead(clock->GetFramesRead() + 1));
         DoSomething();
@@ -284,8 +277,6 @@ TEST_F(RandomGame, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSound)
             }
         });
     }
-    EXPECT_GT(changes, 20);
-    EXPECT_GT(ends, 20);
     rig.Close();
     for (const auto& file : files) {
         EXPECT_EQ(file->GetForbiddenTouches(), 0);

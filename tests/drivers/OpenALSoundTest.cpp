@@ -298,8 +298,8 @@ TEST(OpenALSound, APositionalStereoSoundIsTheMeanOfItsSides)
 
 TEST(OpenALSound, TheSameCallsGiveTheSameFile)
 {
-    std::vector<short> heard[2];
-    for (std::vector<short>& samples : heard) {
+    std::vector<double> heard[2];
+    for (std::vector<double>& samples : heard) {
         OfflineRig rig;
         const auto music = MakeFile({5 * 22050, 22050, 2}, Scatter());
         const auto effect = MakeFile({11025, 11025, 1}, Scatter());

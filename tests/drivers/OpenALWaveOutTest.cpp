@@ -1,0 +1,64 @@
+#include "tests/drivers/FormulaFile.h"
+#include "tests/drivers/OfflineRig.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <numbers>
+
+namespace Quon
+{
+namespace
+{
+
+constexpr int rateHz = 44100;
+
+// An output of OpenAL that takes sound at the speed of a sound card and writes it to a file.
+std::string SetUpWaveOutput()
+{
+    const std::string path = (GetTestFolder() / "card.wav").string();
+    const std::string configuration = (GetTestFolder() / "card.conf").string();
+    std::ofstream(configuration) << "[wave]\nfile = " << path << "\n";
+    setenv("ALSOFT_DRIVERS", "wave", 1);
+    setenv("ALSOFT_CONF", configuration.c_str(), 1);
+    return path;
+}
+
+TEST(OpenALWaveOut, SoundsThatAreStoppedAndTakenUpInTheMiddleOfAWaveDoNotClickOnACardEither)
+{
+    const std::string path = SetUpWaveOutput();
+    const auto file = MakeFile({100 * rateHz, rateHz}, Sine(97, 0.8, rateHz));
+    DriverRig rig("HarmonetOpenAL");
+    // With the longest read-ahead, so that a machine that is busy with other things breaks nothing off.
+    const int streamLength = 1000;
+    ASSERT_TRUE(rig.Open(rateHz, 8, streamLength));
+    for (int i = 0; i < 20; ++i) {
+        SndChannel* channel = nullptr;
+        const auto play = [&] { channel = rig.Play(*file); };
+        const auto stop = [&] { channel->Stop(); };
+        // Within an update settings are held back to its end, outside of it they are not.
+        if (i % 2 == 0) {
+            rig.Step(40, play);
+        }
+        else {
+            play();
+        }
+        ASSERT_TRUE(file->WaitUntilRead(file->GetFramesRead() + rateHz / 3 + i * 41));
+        if (i % 3 == 0) {
+            rig.Step(40, stop);
+        }
+        else {
+            stop();
+        }
+        ASSERT_FALSE(HasFailure());
+    }
+    rig.Close();
+    const Rendering heard = ReadRendering(path);
+    ASSERT_GT(heard.GetFrames(), static_cast<size_t>(20 * rateHz / 10));
+    EXPECT_NEAR(heard.Level(rateHz / 10, rateHz / 5, 0), 0.8 / std::numbers::sqrt2, 0.2);
+    EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 2 * 0.8 * 2 * std::numbers::pi * 97 / rateHz);
+}
+
+} // namespace
+} // namespace Quon
