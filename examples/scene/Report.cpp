@@ -1,0 +1,85 @@
+#include "examples/scene/Report.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <iomanip>
+
+namespace Scene
+{
+
+namespace
+{
+
+double Seconds(long ms)
+{
+    return static_cast<double>(ms) / 1000.0;
+}
+
+int CountWith(const SoundHistory& history, const char* state)
+{
+    return static_cast<int>(std::ranges::count_if(history.GetEntries(), [state](const auto& item) {
+        return std::ranges::any_of(item.second.changes,
+            [state](const SoundHistory::Change& change) { return change.state == state; });
+    }));
+}
+
+bool IsHeard(const SoundHistory::Change& change)
+{
+    return change.state == SoundHistory::heard || change.state == SoundHistory::heardAgain;
+}
+
+/// The stretches of time in which the sound was heard; while it ran outside them it was emulated.
+void PrintEntry(int id, const SoundHistory::Entry& entry)
+{
+    const auto& changes = entry.changes;
+    std::printf("%4d  %-19s %6.2f  %-7s %6.2f ", id, entry.file.c_str(), Seconds(changes.front().atMs),
+        entry.isRunning ? "" : changes.back().state, Seconds(changes.back().atMs));
+    if (!entry.isWatched)
+        std::printf("  along a line: its sources are not told apart");
+    for (std::size_t i = 0; i + 1 < changes.size(); ++i) {
+        if (IsHeard(changes[i]))
+            std::printf("  %.2f-%.2f", Seconds(changes[i].atMs), Seconds(changes[i + 1].atMs));
+    }
+    std::printf("\n");
+}
+
+} // namespace
+
+void PrintTable(const SoundHistory& history)
+{
+    std::printf("  id  file                 start  end             heard, in seconds; emulated in between\n");
+    for (const auto& [id, entry] : history.GetEntries())
+        PrintEntry(id, entry);
+
+    std::printf("\n%zu sounds; at most %d ran at once and %d were heard\n", history.GetEntries().size(),
+        history.GetMostRunning(), history.GetMostHeard());
+    std::printf("%d were heard, %d of them came back after they had not been; %d ran unheard for a while\n",
+        CountWith(history, SoundHistory::heard), CountWith(history, SoundHistory::heardAgain),
+        CountWith(history, SoundHistory::emulated));
+    std::printf("%d ended, %d were cut off\n", CountWith(history, SoundHistory::ended),
+        CountWith(history, SoundHistory::cutOff));
+}
+
+void WriteJson(const SoundHistory& history, const std::filesystem::path& path)
+{
+    std::ofstream out;
+    out.exceptions(std::ios::failbit | std::ios::badbit);
+    out.open(path);
+    out << std::fixed << std::setprecision(3) << "[";
+    const char* between = "\n";
+    for (const auto& [id, entry] : history.GetEntries()) {
+        out << between << R"(  {"id": )" << id << R"(, "file": ")" << entry.file << R"(", "changes": [)";
+        const char* comma = "";
+        for (const SoundHistory::Change& change : entry.changes) {
+            out << comma << R"({"seconds": )" << Seconds(change.atMs) << R"(, "state": ")" << change.state
+                << "\"}";
+            comma = ", ";
+        }
+        out << "]}";
+        between = ",\n";
+    }
+    out << "\n]\n";
+}
+
+} // namespace Scene

@@ -1,0 +1,81 @@
+#include "examples/scene/SoundHistory.h"
+
+#include "harmonet/instances/Snd3D.h"
+
+#include <algorithm>
+
+namespace Scene
+{
+
+namespace
+{
+
+/// What Particle::GetID() says of a positional sound.
+constexpr int soundNode = 16;
+
+bool WasHeard(const SoundHistory::Entry& entry)
+{
+    return std::ranges::any_of(entry.changes,
+        [](const SoundHistory::Change& change) { return change.state == SoundHistory::heard; });
+}
+
+} // namespace
+
+void SoundHistory::AddStart(int id, const std::string& file)
+{
+    Entry& entry = entries[id];
+    entry.file = file;
+    entry.isRunning = true;
+    entry.changes.push_back({nowMs, started});
+}
+
+void SoundHistory::LookAt(const Quon::Particle& world)
+{
+    int running = 0;
+    int heardNow = 0;
+    for (const Quon::Particle* node = world.GetFirstChild(); node != nullptr; node = node->GetNextSibling()) {
+        if (node->GetID() != soundNode)
+            continue;
+        const auto& sound = static_cast<const Quon::Snd3D&>(*node);
+        const bool isHeard = sound.GetSndChannel() != nullptr;
+        const auto place = entries.find(sound.GetSoundID());
+        if (place == entries.end())
+            continue;
+        Entry& entry = place->second;
+        entry.isWatched = true;
+        SetState(entry, !isHeard ? emulated : WasHeard(entry) ? heardAgain : heard);
+        ++running;
+        heardNow += isHeard ? 1 : 0;
+    }
+    mostRunning = std::max(mostRunning, running);
+    mostHeard = std::max(mostHeard, heardNow);
+}
+
+void SoundHistory::SetState(Entry& entry, const char* state)
+{
+    const char* const last = entry.changes.back().state;
+    if (last != state && !(state == heardAgain && last == heard))
+        entry.changes.push_back({nowMs, state});
+}
+
+void SoundHistory::Finish(int soundID, const char* state, long leftMs)
+{
+    const auto place = entries.find(soundID);
+    if (place == entries.end())
+        return;
+    place->second.isRunning = false;
+    place->second.leftMs = leftMs;
+    SetState(place->second, state);
+}
+
+void SoundHistory::OnSoundEnd(int soundID, const Quon::PString&)
+{
+    Finish(soundID, ended, 0);
+}
+
+void SoundHistory::OnSoundAbort(int soundID, const Quon::PString&, int remaining)
+{
+    Finish(soundID, cutOff, remaining);
+}
+
+} // namespace Scene

@@ -1,0 +1,76 @@
+// Renders the scene: harmonet_demo RECORDINGS FOLDER. Makes the sounds in FOLDER/sounds, and leaves what was
+// heard in FOLDER/demo.wav and what became of each sound in FOLDER/demo.json.
+
+#include "examples/scene/Market.h"
+#include "examples/scene/Report.h"
+#include "examples/scene/SoundFolder.h"
+
+#include "harmonet/engine/OS.h"
+#include "harmonet/engine/PluginRegistry.h"
+#include "harmonet/engine/TaskList.h"
+#include "harmonet/kernel/QuonGetPlugins.h"
+#include "harmonet/kernel/SoundSystem.h"
+
+#include <cstdio>
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr const char* channels = "16";
+// So many sounds at once add up to more than full scale now and then.
+constexpr float mainGain = 0.6F;
+// Longer than the 40 ms that a full update takes, so that each game frame is one.
+constexpr long frameMs = 50;
+constexpr float frameSeconds = 0.05F;
+
+bool Render(const fs::path& folder, Scene::SoundHistory& history)
+{
+    Quon::OS os;
+    os.GetOptions()->Set("Sound", "HarmonetOpenAL");
+    os.GetOptions()->Set("OpenALRender", (folder / "demo.wav").c_str());
+    os.GetOptions()->Set("MaxSounds", channels);
+    QuonGetPlugins();
+    Quon::ResourceDatabase database;
+    Quon::SoundSystem system;
+    if (!database.AddFolder("market", (folder / "sounds").c_str()) || !system.Init(&os, false))
+        return false;
+
+    Quon::SoundSystem::SetMainGain(mainGain);
+    Scene::Market market(database, history);
+    for (long nowMs = frameMs; nowMs <= Scene::Market::durationMs; nowMs += frameMs) {
+        history.SetTime(nowMs);
+        market.Step(nowMs);
+        Quon::TaskList::Get().Update(frameSeconds);
+        history.LookAt(market.GetWorld());
+    }
+    return true;
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    if (argumentCount != 3) {
+        std::fprintf(stderr, "usage: harmonet_demo RECORDINGS FOLDER\n");
+        return 2;
+    }
+    try {
+        const fs::path folder = arguments[2];
+        Scene::FillSoundFolder(arguments[1], folder / "sounds");
+        Scene::SoundHistory history;
+        if (!Render(folder, history)) {
+            std::fprintf(stderr, "harmonet_demo: the sound system does not start\n");
+            return 1;
+        }
+        Scene::PrintTable(history);
+        Scene::WriteJson(history, folder / "demo.json");
+        std::printf("\nwhat was heard: %s\n", (folder / "demo.wav").c_str());
+    }
+    catch (const std::exception& error) {
+        std::fprintf(stderr, "harmonet_demo: %s\n", error.what());
+        return 1;
+    }
+    return 0;
+}
