@@ -17,6 +17,7 @@ enum class DefinitionFault
     Unreadable, ///< A value is missing or of the wrong kind. The reading of the block stopped here.
     Refused, ///< A value that is out of its range. The reading of the block stopped here.
     OutOfRange, ///< A value that is out of its range; the reading went on.
+    RateDropped, ///< Effects and a rate of one's own exclude each other, and here the rate was given up.
     NoBlock, ///< A block is missing. The reading stopped here.
     TooFewPoints, ///< A line of fewer than two points. The reading stopped here.
     Lost, ///< The keyword stands behind a place where the reading stopped.

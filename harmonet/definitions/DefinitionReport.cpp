@@ -17,11 +17,10 @@ DefinitionFault ToFault(const BlockReaderListener::Skipped& skipped)
 
 } // namespace
 
-void DefinitionReport::OnKeyword(
-    const PString& block, const PString& keyword, const BlockReader& reader) const
+void DefinitionReport::OnKeyword(const PString& block, const PString& keyword, int line) const
 {
     if (listener)
-        listener->OnKeyword(block, keyword, reader.GetLine());
+        listener->OnKeyword(block, keyword, line);
 }
 
 void DefinitionReport::OnFault(DefinitionFault fault, const PString& keyword, int line) const

@@ -18,8 +18,8 @@ public:
 
     bool IsWanted() const { return listener != nullptr; }
 
-    /// A keyword that the reader has just given out.
-    void OnKeyword(const PString& block, const PString& keyword, const BlockReader& reader) const;
+    /// A keyword that a reader has given out in that line.
+    void OnKeyword(const PString& block, const PString& keyword, int line) const;
     void OnFault(DefinitionFault fault, const PString& keyword, int line) const;
     /// A fault of the file as a whole.
     void OnFault(DefinitionFault fault) const;

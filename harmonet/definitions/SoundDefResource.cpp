@@ -89,6 +89,7 @@ struct SoundDefResource::Reading
     const SoundDefResource& sound;
     BlockReader& reader;
     const PString& keyword; ///< The one being read.
+    int line = 0; ///< Of that keyword.
     const DefinitionReport& report;
     bool hasFile = false;
 
@@ -158,12 +159,13 @@ bool SoundDefResource::ReadDataTxt(BlockReader* reader) const
         report.OnFault(DefinitionFault::NoDefinition);
         return false;
     }
-    Reading reading{*this, *block, keyword, report};
+    Reading reading{*this, *block, keyword, 0, report};
     bool goesOn = true;
     while (goesOn && block->Next(keyword)) {
-        report.OnKeyword(PString(), keyword, *block);
+        reading.line = block->GetLine();
+        report.OnKeyword(PString(), keyword, reading.line);
         goesOn = ReadKeyword(reading);
-        PreferEffects();
+        PreferEffects(reading);
     }
     reader->End();
     if (!reading.hasFile)
@@ -211,10 +213,11 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
 }
 
 // A sound with effects cannot change its rate, in whichever order the keywords stand.
-void SoundDefResource::PreferEffects() const
+void SoundDefResource::PreferEffects(const Reading& reading) const
 {
     if (!chgFrequency || fxList.GetNumEffects() == 0)
         return;
+    reading.report.OnFault(DefinitionFault::RateDropped, reading.keyword, reading.line);
     chgFrequency = false;
     frequency = 0;
 }
@@ -281,7 +284,7 @@ bool SoundDefResource::ReadLine(BlockReader& block, EngineVector<float>& coordin
     PString keyword;
     bool goesOn = true;
     while (goesOn && block.Next(keyword)) {
-        report.OnKeyword(Keys::polyline, keyword, block);
+        report.OnKeyword(Keys::polyline, keyword, block.GetLine());
         if (keyword == Keys::num_add_sounds)
             goesOn = ReadNumAddSounds(block);
         else if (keyword == Keys::angle)
@@ -326,7 +329,7 @@ bool SoundDefResource::ReadFXParam(BlockReader* reader, SndFX effect) const
         PString keyword;
         bool goesOn = true;
         while (goesOn && block->Next(keyword)) {
-            report.OnKeyword(keywords.keyword, keyword, *block);
+            report.OnKeyword(keywords.keyword, keyword, block->GetLine());
             if (const EffectField* field = keywords.FindField(keyword))
                 goesOn = record.Read(*block, *field, report);
         }

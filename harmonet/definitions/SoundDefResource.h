@@ -64,7 +64,7 @@ private:
     bool ReadLine(BlockReader& block, EngineVector<float>& coordinates) const;
     bool ReadNumAddSounds(BlockReader& reader) const;
     void StorePoints(const EngineVector<float>& coordinates) const;
-    void PreferEffects() const;
+    void PreferEffects(const Reading& reading) const;
 
     static DefinitionListener* listener;
 };

@@ -8,6 +8,18 @@ namespace Quon
 
 class CandidateList;
 
+/// How many sources a line has beside the first, and how many degrees they are to lie apart.
+struct SourceLimits
+{
+    unsigned int numAddSounds;
+    float minAngle;
+};
+
+/// What becomes of the numbers that are asked of a line: at most seven more sources, fewer than there are of
+/// that angle in a full turn, and none for an angle below 10 degrees. The sign of the angle does not matter,
+/// it counts modulo 180, and a little is taken off. What is no number counts as 0.
+HARMONET_API SourceLimits LimitSources(unsigned int numAddSounds, float minAngle);
+
 /// A sound that comes from a whole length of the world: a river, a road. It plays one sound through up to
 /// eight ordinary positional sounds, its sources. Each time the listener moves, the first source goes to the
 /// nearest point of the line, at full gain, and the others to further points at half gain, as long as they

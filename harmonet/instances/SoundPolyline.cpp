@@ -21,13 +21,6 @@ constexpr float halfTurn = 180.0F;
 constexpr float fullTurn = 360.0F;
 constexpr int samplesApart = 1000;
 
-/// How many sources a line has beside the first, and how far apart in degrees they are to be.
-struct SourceLimits
-{
-    unsigned int numAddSounds;
-    float minAngle;
-};
-
 // A little less than was asked for, so that sources need not stand at exact divisions of the circle.
 float EaseAngle(float angle)
 {
@@ -42,6 +35,8 @@ float EaseAngle(float angle)
     return step != std::end(steps) ? angle - step->less : angle;
 }
 
+} // namespace
+
 SourceLimits LimitSources(unsigned int numAddSounds, float minAngle)
 {
     numAddSounds = std::min(numAddSounds, mostAddSounds);
@@ -55,8 +50,6 @@ SourceLimits LimitSources(unsigned int numAddSounds, float minAngle)
         numAddSounds = static_cast<unsigned int>(most) - 1;
     return {numAddSounds, EaseAngle(angle)};
 }
-
-} // namespace
 
 int Sound::New3DSound(const Vector3* points, unsigned int numPoints, const PString& name,
     const ResourceDatabase* db, unsigned int numAddSounds, float minAngle)

@@ -9,7 +9,7 @@ namespace
 {
 
 constexpr const char* faultNames[] = {"no definition", "no file", "outside", "unknown", "left over",
-    "unreadable", "refused", "out of range", "no block", "too few points", "lost", "text"};
+    "unreadable", "refused", "out of range", "rate dropped", "no block", "too few points", "lost", "text"};
 
 /// Writes each remark as "line keyword fault", with what the fault has to say behind it.
 class Notebook final : public DefinitionListener
@@ -78,6 +78,9 @@ TEST_F(TextFaults, EveryFaultIsHeardWithItsLineAndKeyword)
             {"4 *FEEDBACK unreadable: a number for x", "5 *LEFTDELAY lost", "7 *GAIN lost"}},
         {"negative delay", "*DELAY -1\n*GAIN 1", {"3 *DELAY refused: -1 of 0 to 2147483648", "4 *GAIN lost"}},
         {"frequency", "*FREQUENCY 99\n*GAIN 1", {"3 *FREQUENCY out of range: 99 of 100 to 1e+05"}},
+        {"rate with effects", "*FX_GARGLE\n*SET_FRQUENCY true\n*FREQUENCY 9000",
+            {"4 *SET_FRQUENCY rate dropped", "5 *FREQUENCY rate dropped"}},
+        {"effects with a rate", "*FREQUENCY 9000\n*FX_ECHO {\n*FEEDBACK 1\n}", {"4 *FX_ECHO rate dropped"}},
         {"gain", "*GAIN 1.5", {"3 *GAIN out of range: 1.5 of 0 to 1"}},
         {"an effect's field", "*FX_ECHO {\n*PANDELAY 2\n}", {"4 *PANDELAY out of range: 2 of 0 to 1"}},
         {"line without a block", "*POLYLINE\n*GAIN 1", {"3 *POLYLINE no block", "4 *GAIN lost"}},
