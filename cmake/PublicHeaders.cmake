@@ -3,6 +3,7 @@
 set(HARMONET_PUBLIC_HEADERS
     harmonet/Export.h
     harmonet/definitions/DefinitionListener.h
+    harmonet/definitions/EffectKeywords.h
     harmonet/definitions/EnvReverbPresets.h
     harmonet/definitions/FXRecords.h
     harmonet/definitions/SndFXList.h

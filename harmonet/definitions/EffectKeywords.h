@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/definitions/FXRecords.h"
 #include "harmonet/engine/PString.h"
 
@@ -20,7 +21,7 @@ struct EffectField
 };
 
 /// What a sound definition can say about one effect.
-struct EffectKeywords
+struct HARMONET_API EffectKeywords
 {
     const PString& keyword; ///< Opens the effect's block.
     SndFX effect;
@@ -32,8 +33,8 @@ struct EffectKeywords
 
 /// The effect whose block that keyword opens, or null. Any thread, once HarmonetStrings::Init() has run;
 /// before that nothing is found.
-const EffectKeywords* FindEffectKeywords(const PString& keyword);
+HARMONET_API const EffectKeywords* FindEffectKeywords(const PString& keyword);
 /// The keywords of an effect that a definition can name.
-const EffectKeywords& GetEffectKeywords(SndFX effect);
+HARMONET_API const EffectKeywords& GetEffectKeywords(SndFX effect);
 
 } // namespace Quon

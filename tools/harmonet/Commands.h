@@ -17,5 +17,6 @@ using Action = std::function<int()>;
 void AddPlayCommand(CLI::App& program, Action& action);
 void AddInfoCommand(CLI::App& program, Action& action);
 void AddDecodeCommand(CLI::App& program, Action& action);
+void AddCheckCommand(CLI::App& program, Action& action);
 
 } // namespace Tool

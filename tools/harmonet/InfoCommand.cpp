@@ -1,6 +1,5 @@
-#include "harmonet/engine/OS.h"
-#include "harmonet/files/SndFileService.h"
 #include "tools/harmonet/Commands.h"
+#include "tools/harmonet/DefinitionInfo.h"
 #include "tools/harmonet/SoundData.h"
 #include "tools/harmonet/ToolError.h"
 
@@ -13,7 +12,7 @@ namespace Tool
 namespace
 {
 
-void Print(const std::string& path)
+void PrintSound(const std::string& path)
 {
     const FileArguments arguments({path});
     const auto data = OpenSoundData(arguments.GetFiles().front());
@@ -29,12 +28,11 @@ void Print(const std::string& path)
 /// Goes through all files, whatever becomes of each; a failure shows in the exit code.
 int RunInfo(const std::vector<std::string>& paths)
 {
-    const Quon::OS os;
-    const Quon::SndFileService service;
+    const DefinitionHost host;
     int exitCode = EXIT_SUCCESS;
     for (const std::string& path : paths) {
         try {
-            Print(path);
+            DefinitionFile::IsDefinitionName(path) ? PrintDefinition(path) : PrintSound(path);
         }
         catch (const ToolError& error) {
             std::fflush(stdout);
@@ -50,8 +48,8 @@ int RunInfo(const std::vector<std::string>& paths)
 void AddInfoCommand(CLI::App& program, Action& action)
 {
     const auto paths = std::make_shared<std::vector<std::string>>();
-    CLI::App* const command = program.add_subcommand("info", "Tell what sound files hold.");
-    command->add_option("FILE", *paths, "The sound files")->required();
+    CLI::App* const command = program.add_subcommand("info", "Tell what sound files and definitions hold.");
+    command->add_option("FILE", *paths, "Sound files and definitions")->required();
     command->callback([paths, &action] { action = [paths] { return RunInfo(*paths); }; });
 }
 

@@ -8,7 +8,7 @@
 
 int main(int argumentCount, char** arguments)
 {
-    CLI::App program("Plays, describes and decodes sound files with Harmonet.", "harmonet");
+    CLI::App program("Plays, describes, decodes and checks sounds with Harmonet.", "harmonet");
     program.set_version_flag("--version", "harmonet " HARMONET_VERSION);
     program.require_subcommand(1);
 
@@ -16,6 +16,7 @@ int main(int argumentCount, char** arguments)
     Tool::AddPlayCommand(program, action);
     Tool::AddInfoCommand(program, action);
     Tool::AddDecodeCommand(program, action);
+    Tool::AddCheckCommand(program, action);
     CLI11_PARSE(program, argumentCount, arguments);
 
     try {

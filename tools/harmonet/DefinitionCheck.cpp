@@ -1,0 +1,246 @@
+#include "tools/harmonet/DefinitionCheck.h"
+
+#include "harmonet/engine/File.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/instances/SndPolyline.h"
+#include "harmonet/kernel/HarmonetStrings.h"
+#include "tools/harmonet/Format.h"
+
+#include <algorithm>
+#include <cctype>
+#include <memory>
+
+namespace Tool
+{
+
+namespace
+{
+
+using Quon::DefinitionFault;
+using Keys = Quon::HarmonetStrings;
+
+constexpr const char* stops = "; the reading stops here";
+constexpr const char* passedOver = " and is passed over";
+
+std::string ToString(const Quon::PString& text)
+{
+    return std::string(text.GetView());
+}
+
+std::string ExplainUnknown(const Quon::PString& keyword)
+{
+    const std::string text = ToString(keyword);
+    std::string hint;
+    if (text == "*SET_FREQUENCY")
+        hint = " (it is spelt " + ToString(Keys::set_frquency) + ")";
+    else if (std::any_of(text.begin(), text.end(), [](unsigned char letter) { return std::islower(letter); }))
+        hint = " (keywords are written in capitals)";
+    return text + " is unknown here" + hint + passedOver;
+}
+
+std::string ExplainUnreadable(const Quon::DefinitionRemark& remark)
+{
+    const std::string begin = ToString(remark.keyword) + " needs " + remark.text;
+    if (!remark.found)
+        return begin + ", and nothing stands there" + stops;
+    return begin + ", and '" + remark.found + "' is none" + stops;
+}
+
+std::string ExplainOpenCode(int code)
+{
+    switch (code) {
+    case Quon::File::Opened:
+        return "does not load";
+    case Quon::File::NotFound:
+        return "is not there";
+    case Quon::File::NotAFile:
+        return "is not a file";
+    case Quon::File::NotReadable:
+        return "may not be read";
+    case Quon::File::Empty:
+        return "is empty";
+    case Quon::File::OutsideRoot:
+        return "lies outside the folder of the assets";
+    case Quon::File::BadName:
+        return "is no name of a file";
+    default:
+        return "cannot be opened";
+    }
+}
+
+int TryToOpen(const Quon::PString& owner, const Quon::PString& name)
+{
+    Quon::File opened;
+    return opened.Open(owner, name.GetText(), Quon::File::modeRead).GetCode();
+}
+
+std::string ExplainFailure(const DefinitionFile& file)
+{
+    const Quon::SoundDefResource& definition = file.GetSettings();
+    return ExplainOpenCode(TryToOpen(definition.GetOwnerName(), definition.GetName()));
+}
+
+} // namespace
+
+std::vector<Finding> DefinitionCheck::Run(DefinitionFile& file)
+{
+    Quon::DefinitionListener* const before = Quon::SoundDefResource::SetListener(this);
+    const bool isLoaded = file.Load();
+    Quon::SoundDefResource::SetListener(before);
+    if (isLoaded) {
+        const Quon::SoundDefResource& sound = file.GetSettings();
+        CheckSoundFile(sound);
+        CheckDistances(sound);
+        CheckCone(sound);
+        if (sound.GetPolyline())
+            CheckLine(sound);
+    }
+    else {
+        AddError(0, "the definition " + ExplainFailure(file));
+    }
+    std::stable_sort(
+        findings.begin(), findings.end(), [](const Finding& a, const Finding& b) { return a.line < b.line; });
+    return findings;
+}
+
+void DefinitionCheck::OnKeyword(const Quon::PString& block, const Quon::PString& keyword, int line)
+{
+    lastBlock = block;
+    auto& known = block.IsEmpty() || block == Keys::polyline ? lines : blockLines;
+    if (block.IsEmpty()) {
+        blockLines.clear();
+        if (keyword.GetView().starts_with("*FX_"))
+            effects.emplace_back(keyword, line);
+    }
+    const auto [place, isFirst] = known.emplace(keyword, line);
+    if (!isFirst && keyword != Keys::point)
+        AddWarning(line,
+            ToString(keyword) + " stands here again; what line " + std::to_string(place->second) +
+                " says does not count");
+    place->second = line;
+}
+
+void DefinitionCheck::OnRemark(const Quon::DefinitionRemark& remark)
+{
+    findings.push_back({remark.line, IsError(remark), Explain(remark)});
+    // What was not taken over needs no look at what becomes of it.
+    if (remark.fault == DefinitionFault::Unreadable || remark.fault == DefinitionFault::Refused)
+        lines.erase(remark.keyword);
+}
+
+bool DefinitionCheck::IsError(const Quon::DefinitionRemark& remark) const
+{
+    // Values are kept as they are, but for these two, which a sound does without.
+    if (remark.fault == DefinitionFault::OutOfRange)
+        return lastBlock.IsEmpty() && (remark.keyword == Keys::frequency || remark.keyword == Keys::gain);
+    return true;
+}
+
+std::string DefinitionCheck::Explain(const Quon::DefinitionRemark& remark) const
+{
+    const std::string keyword = ToString(remark.keyword);
+    switch (remark.fault) {
+    case DefinitionFault::NoDefinition:
+        return "there is no " + ToString(Keys::soundDefinition) + " with a block";
+    case DefinitionFault::NoFile:
+        return "no sound file is named by " + ToString(Keys::file);
+    case DefinitionFault::OutsideDefinition:
+        return keyword + " stands outside the definition" + passedOver;
+    case DefinitionFault::UnknownKeyword:
+        return ExplainUnknown(remark.keyword);
+    case DefinitionFault::LeftOver:
+        return "behind " + keyword + " stands more than it takes, which is passed over";
+    case DefinitionFault::Unreadable:
+        return ExplainUnreadable(remark);
+    case DefinitionFault::Refused:
+        return keyword + ' ' + FormatNumber(remark.value) + " is below " + FormatNumber(remark.least) + stops;
+    case DefinitionFault::OutOfRange:
+        return ExplainOutOfRange(remark);
+    case DefinitionFault::RateDropped:
+        return "a sound with effects cannot change its rate; the rate asked for is given up";
+    case DefinitionFault::NoBlock:
+        return keyword + " has no block" + stops;
+    case DefinitionFault::TooFewPoints:
+        return "a line needs two points" + std::string(stops);
+    case DefinitionFault::Lost:
+        return keyword + " is lost, since the reading has stopped before it";
+    case DefinitionFault::Text:
+        break;
+    }
+    return remark.text;
+}
+
+std::string DefinitionCheck::ExplainOutOfRange(const Quon::DefinitionRemark& remark) const
+{
+    std::string text = ToString(remark.keyword) + ' ' + FormatNumber(remark.value) + " is outside " +
+        FormatNumber(remark.least) + " to " + FormatNumber(remark.most);
+    if (!lastBlock.IsEmpty())
+        return text;
+    if (remark.keyword == Keys::frequency)
+        text += " and is ignored: the sound plays at its own rate";
+    else if (remark.keyword == Keys::gain)
+        text += " and is ignored: the sound plays at gain 1";
+    return text;
+}
+
+int DefinitionCheck::FindLine(const Quon::PString& keyword) const
+{
+    const auto found = lines.find(keyword);
+    return found != lines.end() ? found->second : 0;
+}
+
+void DefinitionCheck::CheckSoundFile(const Quon::SoundDefResource& sound)
+{
+    const Quon::PString& name = sound.GetFileName();
+    const std::string shown = "the sound file '" + ToString(name) + "' ";
+    const int code = TryToOpen(sound.GetOwnerName(), name);
+    if (code != Quon::File::Opened)
+        return AddError(FindLine(Keys::file), shown + ExplainOpenCode(code));
+    const std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(sound.GetOwnerName(), name));
+    if (!data)
+        AddError(FindLine(Keys::file), shown + "is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III");
+}
+
+void DefinitionCheck::CheckDistances(const Quon::SoundDefResource& sound)
+{
+    const int line = std::max(FindLine(Keys::minDistance), FindLine(Keys::maxDistance));
+    if (sound.GetMaxDistance() < sound.GetMinDistance())
+        AddWarning(line, "the maximum distance is below the minimum: the sound does not fall off");
+    if (sound.GetCutout() && sound.GetMaxDistance() == 0.0F)
+        AddWarning(line, "with a cutout at distance 0 a positional sound is never heard");
+}
+
+void DefinitionCheck::CheckCone(const Quon::SoundDefResource& sound)
+{
+    constexpr float halfTurn = 180.0F;
+    const int line =
+        std::max({FindLine(Keys::innerConeAngle), FindLine(Keys::outerConeAngle), FindLine(Keys::coneGain)});
+    const bool isInUse = sound.GetInnerConeAngle() < halfTurn && sound.GetConeGain() < 1.0F;
+    const bool isAskedFor = sound.GetInnerConeAngle() != halfTurn || sound.GetOuterConeAngle() != halfTurn ||
+        sound.GetConeGain() != 1.0F;
+    if (isAskedFor && !isInUse)
+        AddWarning(
+            line, "no cone is in use: that needs an inner angle below 180 and a cone gain below 1 together");
+    if (isInUse && sound.GetOuterConeAngle() < sound.GetInnerConeAngle())
+        AddWarning(line, "the outer cone angle is below the inner one");
+}
+
+void DefinitionCheck::CheckLine(const Quon::SoundDefResource& sound)
+{
+    for (const auto& [keyword, line] : effects)
+        AddWarning(line, ToString(keyword) + " is not heard: a sound along a line starts without effects");
+    if (const int line = FindLine(Keys::position))
+        AddWarning(line, ToString(Keys::position) + " is ignored: the line has its own places");
+    if (const int line = FindLine(Keys::looping); line && !sound.GetLooping())
+        AddWarning(line, "a sound along a line always loops");
+    if (sound.GetMinDistance() <= 0.0F && sound.GetMaxDistance() <= 0.0F)
+        AddWarning(FindLine(Keys::polyline), "without a distance above 0 the line is heard on itself alone");
+    const auto asked = static_cast<unsigned int>(sound.GetNumAddSounds());
+    const unsigned int possible = Quon::LimitSources(asked, sound.GetMinAngle()).numAddSounds;
+    if (possible < asked)
+        AddWarning(FindLine(Keys::num_add_sounds),
+            "with an angle of " + FormatNumber(sound.GetMinAngle()) + " there is room for " +
+                std::to_string(possible) + " additional sounds, not " + std::to_string(asked));
+}
+
+} // namespace Tool

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "harmonet/definitions/SoundDefResource.h"
+#include "harmonet/engine/DynamicLibrary.h"
+#include "harmonet/engine/OS.h"
+#include "harmonet/engine/ResourceDatabase.h"
+#include "harmonet/files/SndFileService.h"
+
+#include <memory>
+#include <string>
+
+namespace Tool
+{
+
+/// What a host needs to have sound definitions read: the library, loaded at run time and asked for its types
+/// of resources, the keywords, and a way to open sound files. No sound system runs.
+class DefinitionHost
+{
+public:
+    /// Throws a ToolError if the library cannot be loaded.
+    DefinitionHost();
+    DefinitionHost(const DefinitionHost&) = delete;
+    DefinitionHost& operator=(const DefinitionHost&) = delete;
+    /// No DefinitionFile may be left.
+    ~DefinitionHost();
+
+private:
+    Quon::OS os;
+    std::unique_ptr<Quon::DynamicLibrary> library;
+    Quon::SndFileService service;
+};
+
+/// A sound definition, found by name in a folder and loaded as a resource. Needs a DefinitionHost.
+class DefinitionFile
+{
+public:
+    static bool IsDefinitionName(const std::string& path);
+
+    /// `root` is the folder to which names of files refer; empty for the definition's own folder. Throws a
+    /// ToolError if the definition is not there, does not lie below the root or is none by its name.
+    DefinitionFile(const std::string& path, const std::string& root);
+    DefinitionFile(const DefinitionFile&) = delete;
+    DefinitionFile& operator=(const DefinitionFile&) = delete;
+    ~DefinitionFile();
+
+    /// Reads it. False if it does not load.
+    bool Load();
+    /// The settings; they count once it has been loaded.
+    const Quon::SoundDefResource& GetSettings() const { return *resource; }
+
+private:
+    Quon::ResourceDatabase database;
+    const Quon::SoundDefResource* resource = nullptr;
+    bool isLocked = false;
+};
+
+} // namespace Tool

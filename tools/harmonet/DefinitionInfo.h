@@ -1,0 +1,12 @@
+#pragma once
+
+#include "tools/harmonet/DefinitionFile.h"
+
+namespace Tool
+{
+
+/// Prints the settings of a definition as a sound would get them. Throws a ToolError if it does not load.
+/// Needs a DefinitionHost.
+void PrintDefinition(const std::string& path);
+
+} // namespace Tool
