@@ -1,4 +1,5 @@
 #include "harmonet/engine/Resource.h"
+#include "harmonet/engine/OS.h"
 #include "harmonet/engine/PluginRegistry.h"
 #include "harmonet/engine/ResourceDatabase.h"
 #include "harmonet/engine/ResourceObserver.h"
@@ -107,6 +108,8 @@ protected:
 
     const Resource* Find(const char* name) { return database->Lookup(name, 2); }
 
+    // Makes the store of strings, which lives as long as the process.
+    const OS os;
     const std::size_t blocksBefore = Alloc::LiveBlocks();
     Log log;
     TempFolder folder;
