@@ -29,7 +29,8 @@ struct Contest
 std::string FindDisagreement(Contest& contest);
 
 /// In each round of an iteration every decoder decodes the whole sound once, in turns, so that whatever else
-/// the machine does falls on all of them alike. Counters, from the medians over the rounds: `ns_per_frame`
+/// the machine does falls on all of them alike; what is measured is the processor time of the thread.
+/// Counters, from the medians over the rounds: `ns_per_frame`
 /// (nanoseconds per sample frame), `ns_best` (the least), `ns_<peer>` and `ratio_<peer>`: ours divided by the
 /// peer's.
 void RunContest(benchmark::State& state, Contest& contest);

@@ -27,7 +27,9 @@ inline constexpr unsigned char huffmanFarJump = 254;
 using HuffmanLookUp = unsigned short;
 
 inline constexpr int maxLookUpBits = 11;
+/// Enough for every code of the count1 tables with its four signs.
 inline constexpr int count1LookUpBits = 10;
+static_assert(count1LookUpBits <= maxLookUpBits);
 inline constexpr unsigned lookUpLengthMask = 15;
 inline constexpr int lookUpPayloadShift = 4;
 inline constexpr unsigned lookUpPayloadMask = 1023;

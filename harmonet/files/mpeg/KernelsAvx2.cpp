@@ -3,7 +3,9 @@
 // processors that cannot run it.
 
 #include "harmonet/files/mpeg/KernelsAvx2.h"
+
 #include "harmonet/files/mpeg/DecoderKernels.h"
+#include <immintrin.h>
 
 namespace Quon
 {

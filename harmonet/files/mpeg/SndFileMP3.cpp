@@ -151,6 +151,10 @@ void SndFileMP3::CloseFile(unsigned int soundID, Sound* owner)
 
 void SndFileMP3::AllocateBuffers()
 {
+    static_assert(sizeof(SndFileMP3) +
+            maxChannels * (overlapPerChannel + synthesisHistorySize) * sizeof(float) + frameBufferBytes +
+            pcmBufferBytes <
+        24 * 1024);
     FreeBuffers();
     AllocateZeroed(overlapBuffer, static_cast<int>(maxChannels * overlapPerChannel * sizeof(float)));
     AllocateZeroed(synthBuffer, static_cast<int>(maxChannels * synthesisHistorySize * sizeof(float)));

@@ -38,15 +38,14 @@ int RequantiseLong(const DecoderTables& tables, const DecoderKernels& kernels, c
     return bandCount - 1;
 }
 
-/// Scales one window's part of a short band into its places; returns whether there was any content.
+/// Scales one window's part of a short band into its places; returns whether there was any content. Without a
+/// branch on each value: zeros are no rarer than others here.
 bool ScatterWindow(const float* lines, int count, float factor, float* xr)
 {
     bool hasContent = false;
     for (int i = 0; i < count; ++i) {
-        if (lines[i] != 0.0f) {
-            xr[shortWindowCount * i] = factor * lines[i];
-            hasContent = true;
-        }
+        xr[shortWindowCount * i] = factor * lines[i];
+        hasContent |= lines[i] != 0.0f;
     }
     return hasContent;
 }

@@ -44,6 +44,17 @@ using HalfLanes = float __attribute__((vector_size(4 * sizeof(float))));
     return LoadHalves(from, from);
 }
 
+/// The lesser and the greater; `b` where `a` is NaN.
+[[gnu::always_inline]] inline Lanes Lesser(Lanes a, Lanes b)
+{
+    return _mm256_min_ps(a, b);
+}
+
+[[gnu::always_inline]] inline Lanes Greater(Lanes a, Lanes b)
+{
+    return _mm256_max_ps(a, b);
+}
+
 [[gnu::always_inline]] inline Lanes Reversed(Lanes value)
 {
     return __builtin_shufflevector(value, value, 7, 6, 5, 4, 3, 2, 1, 0);

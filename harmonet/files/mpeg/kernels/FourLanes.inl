@@ -29,6 +29,17 @@ using IntLanes = int __attribute__((vector_size(laneCount * sizeof(int))));
     return Load(from);
 }
 
+/// The lesser and the greater; `b` where `a` is NaN.
+[[gnu::always_inline]] inline Lanes Lesser(Lanes a, Lanes b)
+{
+    return a < b ? a : b;
+}
+
+[[gnu::always_inline]] inline Lanes Greater(Lanes a, Lanes b)
+{
+    return a > b ? a : b;
+}
+
 [[gnu::always_inline]] inline Lanes Reversed(Lanes value)
 {
     return __builtin_shufflevector(value, value, 3, 2, 1, 0);

@@ -1,14 +1,11 @@
 // Conversion of samples to 16-bit PCM.
 
-/// Scales, truncates towards zero and clips. The comparisons are so arranged that a NaN comes out as a limit.
+/// Scales, truncates towards zero and clips. A NaN comes out as the upper limit.
 [[gnu::always_inline]] inline IntLanes ToPcm(Lanes sample)
 {
-    const Lanes highest = Broadcast(32767.0f);
-    const Lanes lowest = Broadcast(-32768.0f);
-    sample *= highest;
-    sample = sample < highest ? sample : highest;
-    sample = sample > lowest ? sample : lowest;
-    return __builtin_convertvector(sample, IntLanes);
+    const Lanes scaled = sample * Broadcast(32767.0f);
+    const Lanes clipped = Greater(Lesser(scaled, Broadcast(32767.0f)), Broadcast(-32768.0f));
+    return __builtin_convertvector(clipped, IntLanes);
 }
 
 /// Two neighbouring 16-bit samples, the first one at the lower address.

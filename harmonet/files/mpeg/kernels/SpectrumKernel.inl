@@ -61,20 +61,19 @@ struct BitWindow
     return table.value[entry];
 }
 
-/// The linbits and the sign of one value of a pair, and its power.
+/// The linbits and the sign of one value of a pair, and its power. Without branches: which values have
+/// linbits, and which are negative, nobody can guess.
 [[gnu::always_inline]] inline float FinishValue(
     const DecoderTables& tables, const HuffmanTable& table, int value, BitWindow& window, int& taken)
 {
-    if (value == 0) {
-        return 0;
-    }
-    if (value == maxPairValue && table.linbits != 0) {
-        value += TakeField(window, table.linbits);
-        taken += table.linbits;
-    }
-    const float power = tables.power[value];
-    ++taken;
-    return TakeField(window, 1) != 0 ? -power : power;
+    const int linbits = value == maxPairValue ? table.linbits : 0;
+    value += static_cast<int>(window.bits >> 1 >> (63 - linbits));
+    Take(window, linbits);
+    const int signBits = value != 0 ? 1 : 0;
+    const unsigned sign = static_cast<unsigned>(window.bits >> 63) & static_cast<unsigned>(signBits);
+    Take(window, signBits);
+    taken += linbits + signBits;
+    return __builtin_bit_cast(float, __builtin_bit_cast(unsigned, tables.power[value]) ^ sign << 31);
 }
 
 /// A pair that the look-up has not resolved. The window holds 56 bits; the longest pair takes 47.
@@ -88,6 +87,16 @@ struct BitWindow
     const int leaf = isLeaf ? static_cast<int>(payload) : WalkOn(table, payload, window, taken);
     pair[0] = FinishValue(tables, table, leaf >> 4, window, taken);
     pair[1] = FinishValue(tables, table, leaf & 15, window, taken);
+    return taken;
+}
+
+/// A pair that the look-up has resolved.
+[[gnu::always_inline]] inline int TakePair(
+    const DecoderTables& tables, unsigned found, BitWindow& window, float* pair)
+{
+    const int taken = static_cast<int>(found & lookUpLengthMask);
+    Take(window, taken);
+    __builtin_memcpy(pair, tables.huffman.pairPowers[found >> lookUpPayloadShift], 2 * sizeof(float));
     return taken;
 }
 
@@ -106,16 +115,21 @@ struct BitWindow
     const int shift = 64 - table.lookUpBits;
     while (line < end && budget >= 1) {
         Refill(window);
-        const unsigned found = lookUp[window.bits >> shift];
-        if (found >= lookUpLeaf) [[unlikely]] {
-            budget -= DecodeLongPair(tables, table, found, window, lines + line);
+        unsigned found = lookUp[window.bits >> shift];
+        // Two look-ups take at most 22 of the 56 bits.
+        if (found < lookUpLeaf && line + 2 < end && budget > maxLookUpBits) [[likely]] {
+            budget -= TakePair(tables, found, window, lines + line);
+            line += 2;
+            found = lookUp[window.bits >> shift];
+            if (found >= lookUpLeaf) {
+                Refill(window);
+            }
+        }
+        if (found < lookUpLeaf) [[likely]] {
+            budget -= TakePair(tables, found, window, lines + line);
         }
         else {
-            const int taken = static_cast<int>(found & lookUpLengthMask);
-            Take(window, taken);
-            budget -= taken;
-            __builtin_memcpy(
-                lines + line, tables.huffman.pairPowers[found >> lookUpPayloadShift], 2 * sizeof(float));
+            budget -= DecodeLongPair(tables, table, found, window, lines + line);
         }
         line += 2;
     }
@@ -127,15 +141,25 @@ struct BitWindow
     int line, BitWindow& window, int& budget, float* lines)
 {
     const HuffmanLookUp* lookUp = table.lookUp;
-    while (line < linesPerGranule && budget >= 1) {
-        Refill(window);
+    const float(*powers)[4] = tables.huffman.quadPowers;
+    const auto take = [&] {
         const unsigned found = lookUp[window.bits >> (64 - count1LookUpBits)];
         const int taken = static_cast<int>(found & lookUpLengthMask);
         Take(window, taken);
         budget -= taken;
-        __builtin_memcpy(
-            lines + line, tables.huffman.quadPowers[found >> lookUpPayloadShift], 4 * sizeof(float));
+        __builtin_memcpy(lines + line, powers[found >> lookUpPayloadShift], 4 * sizeof(float));
         line += 4;
+    };
+    while (line < linesPerGranule && budget >= 1) {
+        Refill(window);
+        take();
+        // Four look-ups take at most 40 of the 56 bits.
+        while (line + 3 * 4 <= linesPerGranule && budget > 2 * count1LookUpBits) {
+            take();
+            take();
+            take();
+            Refill(window);
+        }
     }
     return line;
 }

@@ -37,7 +37,7 @@ constexpr int slotRows = historySlots + slotsPerGranule;
 struct SlotSums
 {
     /// C[16] to C[31] of a slot, then C[16] down to C[1].
-    float rows[slotRows][subbandCount];
+    alignas(64) float rows[slotRows][subbandCount];
     /// C[16] and C[0] once more, by slot.
     float middle[slotRows];
     float lowest[slotRows];
