@@ -1,0 +1,109 @@
+#include "drivers/openal/effects/CompressorEffect.h"
+
+#include "drivers/openal/effects/Defaults.h"
+#include "drivers/openal/effects/Powers.h"
+#include "drivers/openal/effects/Units.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace Quon
+{
+
+namespace
+{
+
+FXCompressor HoldCompressor(const FXCompressor& wanted)
+{
+    const auto& fallback = GetDefault<FXCompressor>(SndFXCompressor);
+    return {Hold(wanted.gain, -60.0f, 60.0f, fallback.gain),
+        Hold(wanted.attack, 0.01f, 500.0f, fallback.attack),
+        Hold(wanted.release, 50.0f, 3000.0f, fallback.release),
+        Hold(wanted.threshold, -60.0f, 0.0f, fallback.threshold),
+        Hold(wanted.ratio, 1.0f, 100.0f, fallback.ratio),
+        Hold(wanted.predelay, 0.0f, 4.0f, fallback.predelay)};
+}
+
+float GetStep(float timeConstantMs, int rateHz)
+{
+    return static_cast<float>(-std::expm1(-1.0 / ToSampleFrames(timeConstantMs, rateHz)));
+}
+
+float GetPeak(std::span<const float> sampleFrame)
+{
+    float peak = 0.0f;
+    for (const float sample : sampleFrame) {
+        peak = std::max(peak, std::fabs(sample));
+    }
+    return peak;
+}
+
+/// How many sample frames are worked on at a time.
+constexpr std::size_t pieceFrames = 64;
+
+} // namespace
+
+CompressorEffect::CompressorEffect(const FXCompressor& wanted, const PcmLayout& pcmLayout)
+    : EffectWith(HoldCompressor(wanted), pcmLayout)
+    , gain(ToFactor(parameters.gain))
+    , threshold(ToFactor(parameters.threshold))
+    , slope(1.0f / parameters.ratio - 1.0f)
+    , rise(GetStep(parameters.attack, layout.rateHz))
+    , fall(GetStep(parameters.release, layout.rateHz))
+    , predelay(static_cast<int>(std::lround(ToSampleFrames(parameters.predelay, layout.rateHz))))
+    , peaks(predelay + 1)
+{
+}
+
+void CompressorEffect::Apply(std::span<float> pcm)
+{
+    const auto channels = static_cast<std::size_t>(layout.channels);
+    const float scale = 1.0f / threshold;
+    std::array<float, pieceFrames> buffer;
+    while (!pcm.empty()) {
+        const std::size_t frames = std::min(pcm.size() / channels, pieceFrames);
+        const std::span<float> gains = std::span(buffer).first(frames);
+        for (std::size_t i = 0; i < frames; ++i) {
+            FollowLevel(GetPeak(pcm.subspan(i * channels, channels)));
+            gains[i] = std::max(level * scale, 1.0f);
+        }
+        TurnIntoGains(gains);
+        for (std::size_t i = 0; i < frames; ++i) {
+            for (std::size_t channel = 0; channel < channels; ++channel) {
+                pcm[i * channels + channel] *= gains[i];
+            }
+        }
+        pcm = pcm.subspan(frames * channels);
+    }
+}
+
+void CompressorEffect::FollowLevel(float peak)
+{
+    peaks.Push(peak);
+    const float target = peaks.GetTap(static_cast<std::size_t>(predelay) + 1);
+    // Both ways at once, since the processor could not foresee which of them a sound takes. Of two steps in
+    // one direction the larger part goes farther.
+    const float rising = level + rise * (target - level);
+    const float falling = level + fall * (target - level);
+    level = rise > fall ? std::max(rising, falling) : std::min(rising, falling);
+}
+
+// From how often the levels are above the threshold. By itself, so that the compiler can reckon several gains
+// at once.
+void CompressorEffect::TurnIntoGains(std::span<float> above) const
+{
+    const float exponent = slope;
+    const float factor = gain;
+    for (float& value : above) {
+        value = factor * GetExp2(exponent * GetLog2(value));
+    }
+}
+
+void CompressorEffect::Reset()
+{
+    peaks.Clear();
+    level = 0.0f;
+}
+
+} // namespace Quon

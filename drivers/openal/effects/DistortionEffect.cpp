@@ -1,0 +1,66 @@
+#include "drivers/openal/effects/DistortionEffect.h"
+
+#include "drivers/openal/effects/Defaults.h"
+#include "drivers/openal/effects/Units.h"
+
+#include <cmath>
+
+namespace Quon
+{
+
+namespace
+{
+
+FXDistortion HoldDistortion(const FXDistortion& wanted, int rateHz)
+{
+    const auto& fallback = GetDefault<FXDistortion>(SndFXDistortion);
+    const float highestHz = std::min(8000.0f, GetHighestFilterHz(rateHz));
+    const auto holdHz = [highestHz](
+                            float hz, float fallbackHz) { return Hold(hz, 100.0f, highestHz, fallbackHz); };
+    return {Hold(wanted.gain, -60.0f, 0.0f, fallback.gain), Hold(wanted.edge, 0.0f, 100.0f, fallback.edge),
+        holdHz(wanted.postEQCenterFrequency, fallback.postEQCenterFrequency),
+        holdHz(wanted.postEQBandwidth, fallback.postEQBandwidth),
+        holdHz(wanted.preLowpassCutoff, fallback.preLowpassCutoff)};
+}
+
+float GetBend(float edgePercent)
+{
+    // A full edge would be a switch between -1 and 1, noise and all.
+    constexpr float sharpest = 0.99f;
+    const float edge = sharpest * ToPart(edgePercent);
+    return 2.0f * edge / (1.0f - edge);
+}
+
+} // namespace
+
+DistortionEffect::DistortionEffect(const FXDistortion& wanted, const PcmLayout& pcmLayout)
+    : EffectWith(HoldDistortion(wanted, pcmLayout.rateHz), pcmLayout)
+    , gain(ToFactor(parameters.gain))
+    , bend(GetBend(parameters.edge))
+    , lowPass(BiquadFactors::MakeLowPass(parameters.preLowpassCutoff, layout.rateHz))
+    , bandPass(BiquadFactors::MakeBandPass(
+          parameters.postEQCenterFrequency, parameters.postEQBandwidth, layout.rateHz))
+{
+}
+
+void DistortionEffect::Apply(std::span<float> pcm)
+{
+    const auto channels = static_cast<std::size_t>(layout.channels);
+    const float steep = 1.0f + bend;
+    for (std::size_t i = 0; i < pcm.size(); i += channels) {
+        for (std::size_t channel = 0; channel < channels; ++channel) {
+            float& sample = pcm[i + channel];
+            const float low = lowPass.Filter(channel, sample);
+            const float bent = steep * low / (1.0f + bend * std::fabs(low));
+            sample = gain * bandPass.Filter(channel, bent);
+        }
+    }
+}
+
+void DistortionEffect::Reset()
+{
+    lowPass.Reset();
+    bandPass.Reset();
+}
+
+} // namespace Quon

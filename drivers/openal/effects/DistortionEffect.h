@@ -1,0 +1,31 @@
+#pragma once
+
+#include "drivers/openal/effects/Biquad.h"
+#include "drivers/openal/effects/Effect.h"
+#include "harmonet/definitions/FXRecords.h"
+
+namespace Quon
+{
+
+/// Overdrives the sound: a low-pass, then a curve that bends it, then a band-pass, then the gain.
+///
+/// The curve is (1 + k) x / (1 + k |x|). It leaves silence and full scale where they are and adds odd
+/// harmonics. k grows from 0 at an edge of 0 percent, where the curve is a straight line, to 198 at 100
+/// percent. No frequency is above a third of the rate.
+class DistortionEffect final : public EffectWith<FXDistortion>
+{
+public:
+    DistortionEffect(const FXDistortion& wanted, const PcmLayout& pcmLayout);
+
+    void Reset() override;
+
+private:
+    void Apply(std::span<float> pcm) override;
+
+    float gain;
+    float bend; ///< k.
+    Biquad lowPass;
+    Biquad bandPass;
+};
+
+} // namespace Quon

@@ -1,0 +1,34 @@
+#include "drivers/openal/effects/Effect.h"
+
+#include "drivers/openal/effects/FlushToZero.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+/// 120 dB above full scale.
+constexpr float loudest = 1e6f;
+
+void HoldToFinite(std::span<float> pcm)
+{
+    for (float& sample : pcm) {
+        const float number = sample == sample ? sample : 0.0f;
+        const float notTooLow = number < -loudest ? -loudest : number;
+        sample = notTooLow > loudest ? loudest : notTooLow;
+    }
+}
+
+} // namespace
+
+Effect::~Effect() = default;
+
+void Effect::Process(std::span<float> pcm)
+{
+    const FlushToZero guard;
+    HoldToFinite(pcm);
+    Apply(pcm);
+}
+
+} // namespace Quon

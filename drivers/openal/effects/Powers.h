@@ -1,0 +1,47 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+#include <numbers>
+
+namespace Quon
+{
+
+// Logarithm and power as plain sums, which a compiler can reckon for several numbers at once, unlike those of
+// the standard library. Both are within 4e-6 and exact at the logarithm's 1 and the power's 0.
+
+/// The logarithm to base 2 of a normal positive number.
+inline float GetLog2(float value)
+{
+    constexpr int mantissaBits = 23;
+    constexpr std::int32_t exponentOfOne = 127;
+    const auto bits = std::bit_cast<std::int32_t>(value);
+    const std::int32_t exponent = (bits >> mantissaBits) - exponentOfOne;
+    const auto mantissa = std::bit_cast<float>(bits - exponent * (1 << mantissaBits));
+    // The series of the inverse hyperbolic tangent, which converges fast for a mantissa of 1 to 2.
+    const float s = (mantissa - 1.0f) / (mantissa + 1.0f);
+    const float s2 = s * s;
+    const float sum = s * (1.0f + s2 * (1.0f / 3 + s2 * (1.0f / 5 + s2 * (1.0f / 7 + s2 * (1.0f / 9)))));
+    return static_cast<float>(exponent) + 2.0f * std::numbers::log2e_v<float> * sum;
+}
+
+/// 2 to the power of -126 to 0.
+inline float GetExp2(float power)
+{
+    constexpr int mantissaBits = 23;
+    constexpr std::int32_t exponentOfOne = 127;
+    const auto whole = static_cast<std::int32_t>(power);
+    const float x = (power - static_cast<float>(whole)) * std::numbers::ln2_v<float>;
+    // The series of the exponential function; each factor is what one term has on top of the one before it.
+    float part = 1.0f;
+    part = 1.0f + part * x * (1.0f / 7);
+    part = 1.0f + part * x * (1.0f / 6);
+    part = 1.0f + part * x * (1.0f / 5);
+    part = 1.0f + part * x * (1.0f / 4);
+    part = 1.0f + part * x * (1.0f / 3);
+    part = 1.0f + part * x * (1.0f / 2);
+    part = 1.0f + part * x;
+    return part * std::bit_cast<float>((whole + exponentOfOne) * (1 << mantissaBits));
+}
+
+} // namespace Quon
