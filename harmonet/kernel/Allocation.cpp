@@ -112,7 +112,7 @@ void SndKernel::ChooseBest(SndList& chosen)
 // that what an observer starts in answer does not compete with sounds that are about to go.
 void SndKernel::EmulateLosers()
 {
-    SoundWalk walk(*this, playingList);
+    SoundWalk walk(*this, playingList, SoundWalk::FromHead, SoundWalk::PassOver);
     while (SndBase* sound = walk.Next()) {
         Unlist(*sound);
         if (sound->IsEmulation() && IsLongEnough(*sound) && sound->Emulate())
@@ -136,7 +136,7 @@ void SndKernel::StartChosen(SndList& chosen)
 // length; only one that may is held to have enough left.
 void SndKernel::EmulateWaiting()
 {
-    SoundWalk walk(*this, waitingList);
+    SoundWalk walk(*this, waitingList, SoundWalk::FromHead, SoundWalk::PassOver);
     while (SndBase* sound = walk.Next()) {
         if (sound->delay > 0)
             continue;

@@ -123,7 +123,7 @@ int SndKernel::CountDownDelays(const Vector3& listener)
 // can release them in the same update.
 void SndKernel::UpdateEmulated(const UpdateStep& step)
 {
-    SoundWalk walk(*this, emulatedList, SoundWalk::FromTail);
+    SoundWalk walk(*this, emulatedList, SoundWalk::FromTail, SoundWalk::PassOver);
     while (SndBase* sound = walk.Next()) {
         if (UpdateSound(*sound, step))
             sound->stateTime += elapsed;
@@ -144,7 +144,7 @@ bool SndKernel::UpdateSound(SndBase& sound, const UpdateStep& step)
 
 void SndKernel::UpdatePlaying(const UpdateStep& step)
 {
-    SoundWalk walk(*this, playingList);
+    SoundWalk walk(*this, playingList, SoundWalk::FromHead, SoundWalk::PassOver);
     while (SndBase* sound = walk.Next()) {
         if (!UpdateSound(*sound, step)) {
             Unlist(*sound);
@@ -173,7 +173,7 @@ void SndKernel::LeavePlaying(SndBase& sound)
 
 void SndKernel::StartEmulated()
 {
-    SoundWalk walk(*this, emulatedList);
+    SoundWalk walk(*this, emulatedList, SoundWalk::FromHead, SoundWalk::PassOver);
     while (SndBase* sound = walk.Next()) {
         if (MayReturn(*sound))
             StartOrDelete(*sound);
@@ -189,7 +189,7 @@ bool SndKernel::MayReturn(const SndBase& sound) const
 
 void SndKernel::StartWaiting()
 {
-    SoundWalk walk(*this, waitingList);
+    SoundWalk walk(*this, waitingList, SoundWalk::FromHead, SoundWalk::PassOver);
     while (SndBase* sound = walk.Next()) {
         if (sound->delay > 0)
             continue;

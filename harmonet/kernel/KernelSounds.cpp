@@ -5,6 +5,8 @@
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
 
+#include <utility>
+
 namespace Quon
 {
 
@@ -38,7 +40,7 @@ SndBase* SndKernel::FindLikeSound(
 
 bool SndKernel::PlaySound(SndBase* sound)
 {
-    if (!driver || goingDown)
+    if (!driver || refusesSounds)
         return false;
     if (!sound->sndFile) {
         if (const SndBase* like = FindLikeSound(sound->substName, sound->fileName, sound)) {
@@ -54,7 +56,8 @@ bool SndKernel::PlaySound(SndBase* sound)
     if (sound->IsImmediately() && !sound->GetInPause())
         return StartImmediately(*sound);
     sound->stateTime = waitingStateTimeMs;
-    if (!waitingList.Holds(*sound)) {
+    // One that has been chosen, and is about to get its channel, is not put back among those that wait.
+    if (!sound->list) {
         MarkStarted(*sound);
         waitingList.InsertSorted(*sound);
     }
@@ -116,8 +119,11 @@ bool SndKernel::StartChannel(SndBase* sound)
     if (sound->IsFadeIn())
         channel->FadeIn(sound->fadeDuration);
     sound->sndChannel = channel;
-    if (!playingList.Holds(*sound))
+    if (!playingList.Holds(*sound)) {
+        // Music that an observer starts anew can stand among the chosen.
+        Unlist(*sound);
         playingList.InsertSorted(*sound);
+    }
     // A new channel stands at 1.0 already.
     const float outputGain = sound->GetOutputGain();
     if (outputGain >= 0.0F && outputGain < 1.0F)
@@ -175,7 +181,7 @@ unsigned long SndKernel::GetLength(const PString& substName, const PString& file
 template<class Matches>
 void SndKernel::DeleteListed(SndList& list, Matches matches)
 {
-    SoundWalk walk(*this, list);
+    SoundWalk walk(*this, list, SoundWalk::FromHead, SoundWalk::Visit);
     while (SndBase* sound = walk.Next()) {
         if (!matches(*sound) || sound->IsBeingTold())
             continue;
@@ -188,7 +194,11 @@ void SndKernel::StopAll()
 {
     for (SndList* list : {&playingList, &emulatedList, &waitingList})
         DeleteListed(*list, [](const SndBase&) { return true; });
+    // What observers have started in answer ends too. From here on they start nothing more, so that this
+    // comes to an end and nothing is left.
+    const bool refusedBefore = std::exchange(refusesSounds, true);
     DeleteAllSounds(0);
+    refusesSounds = refusedBefore;
 }
 
 void SndKernel::StopAll2D()

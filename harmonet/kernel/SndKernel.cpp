@@ -66,7 +66,7 @@ SndKernel::~SndKernel()
 int SndKernel::Init(OS* os, bool driverFlag)
 {
     Done();
-    goingDown = false;
+    refusesSounds = false;
     elapsed = 0;
     ReadOptions(*os->GetOptions());
     const int code = OpenDriver(os, driverFlag);
@@ -143,7 +143,7 @@ void SndKernel::CloseDriver()
 
 void SndKernel::Done()
 {
-    goingDown = true;
+    refusesSounds = true;
     StopAll();
     if (theKernel == this)
         theKernel = nullptr;

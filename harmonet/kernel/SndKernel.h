@@ -92,6 +92,7 @@ public:
     void GiveUpFile(SndBase& instance);
     /// Milliseconds of that file, from a like sound if there is one; 0 if it cannot be opened.
     unsigned long GetLength(const PString& substName, const PString& fileName);
+    /// Ends every sound. What observers start in answer ends too, and in the end they can start nothing.
     void StopAll();
     void StopAll2D();
     void StopAll3D();
@@ -100,8 +101,8 @@ public:
 
     // The sound table.
 
-    /// False while the kernel is going down: no sound may be made any more.
-    bool AcceptsSounds() const { return !goingDown; }
+    /// False while the kernel is going down, and while StopAll() is at its end: no sound may be made.
+    bool AcceptsSounds() const { return !refusesSounds; }
     /// Enters a new sound, which the kernel owns from here on.
     void AddSound(SndBase* sound) { soundTable.Add(sound); }
     SndBase* FindSound(int id) const { return soundTable.Find(id); }
@@ -221,7 +222,7 @@ private:
     ImportanceOrder importanceOrder;
     WalkBuffers walkBuffers;
 
-    bool goingDown = false; ///< Done() is running or has run: no new sounds.
+    bool refusesSounds = false; ///< See AcceptsSounds().
     bool updating = false; ///< A full update is running.
     std::uint32_t startCounter = 0; ///< Counts starts: see MarkStarted().
     std::uint32_t updateHorizon = 0; ///< `startCounter` when the running update took its bearings.

@@ -55,7 +55,8 @@ public:
     static void SetMusicMainGain(float gain);
     static float GetMusicMainGain();
 
-    /// Ends all sounds, music included.
+    /// Ends all sounds, music included; also what observers start in answer. Towards its end no sound can be
+    /// made.
     static void StopAll();
     /// Ends all sounds that are neither positional nor music.
     static void StopAll2D();

@@ -24,9 +24,11 @@ void WalkBuffers::GiveBack(EngineVector<KnownSound>&& buffer)
     spare.push_back(std::move(buffer));
 }
 
-SoundWalk::SoundWalk(SndKernel& newKernel, const SndList& newList, Direction direction)
+SoundWalk::SoundWalk(
+    SndKernel& newKernel, const SndList& newList, Direction direction, Newcomers newNewcomers)
     : kernel(newKernel)
     , list(&newList)
+    , newcomers(newNewcomers)
     , sounds(newKernel.walkBuffers.Take())
     , numRemovedAtStart(newKernel.soundTable.GetNumRemoved())
 {
@@ -38,6 +40,7 @@ SoundWalk::SoundWalk(SndKernel& newKernel, const SndList& newList, Direction dir
 SoundWalk::SoundWalk(SndKernel& newKernel, EngineVector<KnownSound>&& newSounds)
     : kernel(newKernel)
     , list(nullptr)
+    , newcomers(Visit)
     , sounds(std::move(newSounds))
     , numRemovedAtStart(newKernel.soundTable.GetNumRemoved())
 {
@@ -53,7 +56,9 @@ SndBase* SoundWalk::Next()
     while (place < sounds.size()) {
         FetchAhead();
         const KnownSound& known = sounds[place++];
-        if (IsStillThere(known) && (!list || list->Holds(*known.sound)) && !kernel.IsNewcomer(*known.sound))
+        if (!IsStillThere(known) || (list && !list->Holds(*known.sound)))
+            continue;
+        if (newcomers == Visit || !kernel.IsNewcomer(*known.sound))
             return known.sound;
     }
     return nullptr;

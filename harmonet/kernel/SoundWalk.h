@@ -36,7 +36,7 @@ private:
 ///
 /// It goes by the ids of the sounds that were there when it began: each of them that still exists is visited
 /// once and in order, none that came later is. A walk over a list passes over a sound that has left that list
-/// meanwhile; any walk passes over what was started during the running update.
+/// meanwhile.
 class SoundWalk
 {
 public:
@@ -46,8 +46,15 @@ public:
         FromTail
     };
 
-    SoundWalk(SndKernel& newKernel, const SndList& newList, Direction direction = FromHead);
-    /// Over these sounds of the id table, in a buffer of the kernel's.
+    /// What a walk does about sounds that were started during the running update.
+    enum Newcomers
+    {
+        PassOver, ///< They are for the next update.
+        Visit
+    };
+
+    SoundWalk(SndKernel& newKernel, const SndList& newList, Direction direction, Newcomers newNewcomers);
+    /// Over these sounds of the id table, in a buffer of the kernel's. Newcomers are visited.
     SoundWalk(SndKernel& newKernel, EngineVector<KnownSound>&& newSounds);
     SoundWalk(const SoundWalk&) = delete;
     SoundWalk& operator=(const SoundWalk&) = delete;
@@ -63,6 +70,7 @@ private:
 
     SndKernel& kernel;
     const SndList* list;
+    Newcomers newcomers;
     EngineVector<KnownSound> sounds;
     std::size_t place = 0;
     std::uint64_t numRemovedAtStart;
