@@ -12,8 +12,6 @@
 namespace Quon
 {
 
-using Lines = std::vector<std::string>;
-
 /// The recording driver's side of the test. Its library stays loaded as long as the process lives.
 Recording& GetRecording();
 

@@ -14,6 +14,7 @@ public:
     /// Needs a running sound system.
     SoundNames();
 
+    int GetLastIDBefore() const { return lastIDBefore; }
     std::string GetName(int id) const { return '#' + std::to_string(id - lastIDBefore); }
     std::string GetName(void* block) const;
     void SetName(void* block, const std::string& name) { blocks[block] = name; }

@@ -22,6 +22,8 @@ namespace Quon
 
 class SndFile;
 
+using Lines = std::vector<std::string>;
+
 /// A channel as the recording driver knows it.
 struct ChannelRecord
 {
@@ -48,9 +50,9 @@ public:
     // The log. Each call is one line, "BeginUpdate 40", or "c2 SetGain 0.5" for the second channel. Questions
     // (GetGain, GetRemainLength and so on) are not logged. Observers may add lines of their own.
 
-    std::vector<std::string> lines;
+    Lines lines;
     /// Calls that break the contract with a driver, whatever a test looks for.
-    std::vector<std::string> violations;
+    Lines violations;
 
     // What the driver refuses and answers. All of it stands until Reset().
 

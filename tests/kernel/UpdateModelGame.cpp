@@ -1,0 +1,451 @@
+// What the game does: its sounds, its music, its observers and its listener.
+
+#include "harmonet/instances/Sound.h"
+#include "tests/kernel/UpdateModel.h"
+
+#include <algorithm>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr std::size_t entriesPerChunk = 29;
+
+std::string GetPrefix(int observer)
+{
+    return observer > 0 ? 'o' + std::to_string(observer) + ' ' : "";
+}
+
+} // namespace
+
+ModelSoundPtr UpdateModel::Find(int id) const
+{
+    const auto found = sounds.find(id);
+    return found != sounds.end() && found->second->isInTable ? found->second : nullptr;
+}
+
+ModelSoundPtr UpdateModel::Add(std::uint32_t flags)
+{
+    const auto sound = std::make_shared<ModelSound>();
+    sound->id = ++lastID;
+    sound->flags = flags;
+    sound->hasGroup = !(flags & FlagMusic);
+    sounds[sound->id] = sound;
+    std::vector<Chunk>& chunks = GetBucket(sound->id);
+    const auto room = std::find_if(
+        chunks.begin(), chunks.end(), [](const Chunk& chunk) { return chunk.size() < entriesPerChunk; });
+    (room != chunks.end() ? *room : chunks.emplace_back()).push_back(sound->id);
+    return sound;
+}
+
+std::vector<UpdateModel::Chunk>& UpdateModel::GetBucket(int id)
+{
+    return buckets[static_cast<unsigned>(id + idOffset) % buckets.size()];
+}
+
+void UpdateModel::RemoveFromTable(int id)
+{
+    sounds.at(id)->isInTable = false;
+    for (Chunk& chunk : GetBucket(id)) {
+        const auto place = std::find(chunk.begin(), chunk.end(), id);
+        if (place == chunk.end())
+            continue;
+        *place = chunk.back();
+        chunk.pop_back();
+    }
+    std::erase_if(GetBucket(id), [](const Chunk& chunk) { return chunk.empty(); });
+}
+
+std::vector<int> UpdateModel::GetTableOrder() const
+{
+    std::vector<int> ids;
+    for (const std::vector<Chunk>& chunks : buckets) {
+        for (const Chunk& chunk : chunks)
+            ids.insert(ids.end(), chunk.begin(), chunk.end());
+    }
+    return ids;
+}
+
+int UpdateModel::New2D(const std::string& fileName)
+{
+    if (refusesSounds)
+        return 0;
+    const ModelSoundPtr sound = Add(FlagDistLTMax);
+    sound->fileName = fileName;
+    return sound->id;
+}
+
+int UpdateModel::NewBlock(const std::string& blockName)
+{
+    if (refusesSounds)
+        return 0;
+    const ModelSoundPtr sound = Add(FlagDistLTMax);
+    sound->file = std::make_shared<ModelFile>(files.at(blockName));
+    sound->soundLength = sound->file->GetLength();
+    return sound->id;
+}
+
+int UpdateModel::New3D(const std::string& fileName)
+{
+    if (refusesSounds)
+        return 0;
+    const ModelSoundPtr sound = Add(Flag3D);
+    sound->fileName = fileName;
+    return sound->id;
+}
+
+bool UpdateModel::Start(int id, int startFlags)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (!sound || sound->isTold || sound->Has(FlagPlaying) || sound->channel)
+        return false;
+    if ((startFlags & Sound::StartLooping) && sound->Has(FlagQueued))
+        return false;
+    if (startFlags & Sound::StartLooping)
+        sound->flags |= FlagLooping;
+    if (startFlags & Sound::StartNotMovable)
+        sound->flags |= FlagNotMovable;
+    if (startFlags & Sound::StartNoEmulation)
+        sound->flags |= FlagNoEmulation;
+    if (startFlags & Sound::StartImmediately)
+        sound->flags |= FlagImmediately;
+    if ((startFlags & Sound::StartQueued) && !(startFlags & Sound::StartLooping))
+        sound->flags |= FlagQueued;
+    if (startFlags & Sound::StartChgFrequency)
+        sound->flags |= FlagChgFrequency | FlagDisableMicFX;
+    return !refusesSounds && PlaySound(sound);
+}
+
+void UpdateModel::Stop(int id)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (sound && !sound->isTold)
+        Destroy(sound);
+}
+
+void UpdateModel::Delete(int id)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (!sound || sound->isTold)
+        return;
+    sound->hasGroup = false;
+    Destroy(sound);
+}
+
+bool UpdateModel::FadeOut(int id, int ms)
+{
+    const ModelSoundPtr sound = Find(id);
+    return sound && !sound->isTold && FadeOut(sound, ms);
+}
+
+bool UpdateModel::Cat(int id, const std::string& fileName, bool isBlock)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (!sound || sound->Has(FlagLooping) || refusesSounds)
+        return false;
+    if (!sound->file && (sound->Has(FlagPlaying) || sound->fileName.empty()))
+        return false;
+    if (sound->Has(FlagPlaying) && !sound->Has(FlagQueued))
+        return false;
+    sound->flags |= FlagQueued;
+    if (!sound->file) {
+        sound->file = Open(*sound);
+        if (!sound->file)
+            return false;
+        sound->soundLength = sound->file->GetLength();
+    }
+    const auto found = files.find(fileName);
+    if (found == files.end() || found->second.isBlock != isBlock ||
+        found->second.rateHz != sound->file->rateHz)
+        return false;
+    const auto file = std::make_shared<ModelFile>(found->second);
+    sound->soundLength += file->GetLength();
+    ModelFilePtr last = sound->file;
+    while (last->next)
+        last = last->next;
+    last->next = file;
+    return true;
+}
+
+void UpdateModel::SetPriority(int id, int priority)
+{
+    if (const ModelSoundPtr sound = Find(id))
+        sound->priority = priority;
+}
+
+void UpdateModel::SetDelay(int id, int ms)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (sound && !sound->Has(FlagPlaying))
+        sound->delay = ms;
+}
+
+void UpdateModel::SetFadeIn(int id, int ms)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (!sound || sound->Has(FlagPlaying))
+        return;
+    sound->fadeDuration = ms;
+    sound->flags |= FlagFadeIn;
+}
+
+void UpdateModel::SetSoundGain(int id, float gain)
+{
+    if (const ModelSoundPtr sound = Find(id))
+        SetGain(*sound, gain);
+}
+
+void UpdateModel::SetGroupGain(float gain)
+{
+    groupGain = gain;
+    Refresh([](const ModelSound& sound) { return sound.hasGroup; });
+}
+
+void UpdateModel::SetMainGain(int kind, float gain)
+{
+    mainGains[kind] = gain;
+    Refresh([kind](const ModelSound& sound) {
+        return (sound.flags & (Flag3D | FlagMusic)) == static_cast<std::uint32_t>(kind);
+    });
+}
+
+void UpdateModel::Refresh(const std::function<bool(const ModelSound&)>& matches)
+{
+    for (int id : GetTableOrder()) {
+        if (matches(*sounds.at(id)))
+            SetGain(*sounds.at(id), -1.0F);
+    }
+}
+
+void UpdateModel::SetPosition(int id, const Vector3& position)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (!sound || !sound->Has(Flag3D))
+        return;
+    sound->position = position;
+    sound->hasMoved = true;
+}
+
+void UpdateModel::SetDistances(int id, float minDistance, float maxDistance, bool cutout)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (!sound || !sound->Has(Flag3D))
+        return;
+    sound->minDistance = minDistance;
+    sound->maxDistance = maxDistance;
+    sound->cutout = cutout;
+    if (sound->channel)
+        Say(sound->channel,
+            "SetMinMaxDistance " + ToText(minDistance) + ' ' + ToText(maxDistance) + ' ' +
+                std::to_string(cutout));
+}
+
+bool UpdateModel::SetFrequency(int id, unsigned long hz)
+{
+    const ModelSoundPtr sound = Find(id);
+    if (!sound || (hz != 0 && (hz < 100 || hz > 100000)))
+        return false;
+    if (sound->Has(FlagPlaying) && !sound->Has(FlagChgFrequency))
+        return false;
+    if (sound->channel)
+        Say(sound->channel, "SetFrequency " + std::to_string(hz));
+    sound->newFrequency = hz;
+    sound->flags |= FlagChgFrequency;
+    return true;
+}
+
+void UpdateModel::SetOwner(int id, int owner)
+{
+    if (const ModelSoundPtr sound = Find(id))
+        sound->owner = owner;
+}
+
+void UpdateModel::SetInPause(int id, bool on)
+{
+    if (const ModelSoundPtr sound = Find(id))
+        sound->flags = on ? sound->flags | FlagInPause : sound->flags & ~FlagInPause;
+}
+
+void UpdateModel::StopListed(ModelList& list, const std::function<bool(const ModelSound&)>& matches)
+{
+    for (const ModelSoundPtr& sound : Snapshot(list)) {
+        if (!Find(sound->id) || !IsOn(list, sound->id) || !matches(*sound) || sound->isTold)
+            continue;
+        TakeOffLists(sound->id);
+        Destroy(sound);
+    }
+}
+
+void UpdateModel::DeleteMatching(const std::function<bool(const ModelSound&)>& matches)
+{
+    std::vector<ModelSoundPtr> doomed;
+    for (int id : GetTableOrder()) {
+        if (matches(*sounds.at(id)))
+            doomed.push_back(sounds.at(id));
+    }
+    for (const ModelSoundPtr& sound : doomed) {
+        if (!Find(sound->id) || sound->isTold)
+            continue;
+        RemoveFromTable(sound->id);
+        Destroy(sound);
+    }
+}
+
+void UpdateModel::StopAll()
+{
+    const auto isAny = [](const ModelSound&) { return true; };
+    for (ModelList* list : {&playing, &emulated, &waiting})
+        StopListed(*list, isAny);
+    // What observers have started in answer ends too, and then they can start no more.
+    const bool refusedBefore = std::exchange(refusesSounds, true);
+    DeleteMatching(isAny);
+    refusesSounds = refusedBefore;
+}
+
+void UpdateModel::StopAll2D()
+{
+    const auto is2D = [](const ModelSound& sound) { return !sound.Has(Flag3D | FlagMusic); };
+    for (ModelList* list : {&playing, &emulated, &waiting})
+        StopListed(*list, is2D);
+    DeleteMatching(is2D);
+}
+
+void UpdateModel::StopAll3D()
+{
+    const auto is3D = [](const ModelSound& sound) { return sound.Has(Flag3D); };
+    for (ModelList* list : {&playing, &emulated, &waiting})
+        StopListed(*list, is3D);
+    DeleteMatching(is3D);
+}
+
+void UpdateModel::AddObserver(int number)
+{
+    const auto found = std::find_if(
+        observers.begin(), observers.end(), [&](const Observer& entry) { return entry.number == number; });
+    if (found != observers.end())
+        found->active = true;
+    else
+        observers.push_back({number, true});
+}
+
+void UpdateModel::RemoveObserver(int number)
+{
+    for (Observer& entry : observers)
+        entry.active = entry.active && entry.number != number;
+    if (notifyDepth == 0)
+        std::erase_if(observers, [](const Observer& entry) { return !entry.active; });
+}
+
+void UpdateModel::Notify(const std::string& line, const Note& note)
+{
+    ++notifyDepth;
+    for (std::size_t i = 0; i < observers.size(); ++i) {
+        if (!observers[i].active)
+            continue;
+        log.push_back(GetPrefix(observers[i].number) + line);
+        if (observers[i].number == 0 && react)
+            react(note);
+    }
+    if (--notifyDepth == 0)
+        std::erase_if(observers, [](const Observer& entry) { return !entry.active; });
+}
+
+ModelSoundPtr UpdateModel::FindMusic(int handle) const
+{
+    return Find(music[static_cast<std::size_t>(handle)].id);
+}
+
+bool UpdateModel::MusicFadeIn(int handle, const std::string& fileName, int ms, bool loop)
+{
+    if (refusesSounds)
+        return false;
+    ModelSoundPtr sound = FindMusic(handle);
+    if (sound && sound->channel)
+        return false;
+    if (!sound) {
+        sound = Add(FlagMusic);
+        sound->musicHandle = handle;
+    }
+    else {
+        // A piece that runs unheard is given up for the new one.
+        if (!sound->fadeOutChannel)
+            TakeOffLists(sound->id);
+        CloseQueue(*sound, std::exchange(sound->file, nullptr));
+    }
+    sound->flags = FlagMusic | FlagDistLTMax;
+    if (ms > 0) {
+        sound->fadeDuration = ms;
+        sound->flags |= FlagFadeIn;
+    }
+    if (loop)
+        sound->flags |= FlagLooping;
+    sound->fileName = fileName;
+    music[static_cast<std::size_t>(handle)].id = sound->id;
+    SetGain(*sound, -1.0F);
+    sound->isNew = isOnItsWay;
+    if (StartChannel(sound))
+        return true;
+    music[static_cast<std::size_t>(handle)].id = 0;
+    Destroy(sound);
+    return false;
+}
+
+bool UpdateModel::MusicFadeOut(int handle, int ms)
+{
+    const ModelSoundPtr sound = FindMusic(handle);
+    return sound && FadeOut(sound, ms);
+}
+
+void UpdateModel::MusicStop(int handle)
+{
+    if (const ModelSoundPtr sound = FindMusic(handle))
+        Destroy(sound);
+}
+
+void UpdateModel::MusicSetGain(int handle, float gain)
+{
+    music[static_cast<std::size_t>(handle)].gain = gain;
+    if (const ModelSoundPtr sound = FindMusic(handle))
+        SetGain(*sound, -1.0F);
+}
+
+void UpdateModel::ActivateListener(const Vector3& position)
+{
+    hasListener = true;
+    listenerPosition = position;
+    listenerHasChanged = false;
+    listenerChanged = true;
+    log.push_back("SetListenerPosition " + ToText(position));
+    log.push_back("SetListenerOrientation 0 0 -1, 0 1 0");
+}
+
+void UpdateModel::MoveListener(const Vector3& position)
+{
+    if (!hasListener)
+        return;
+    listenerPosition = position;
+    listenerHasChanged = true;
+}
+
+void UpdateModel::DropListener()
+{
+    hasListener = false;
+}
+
+void UpdateModel::Read(int channel, int sampleFrames)
+{
+    const auto found = channels.find(channel);
+    if (found == channels.end())
+        return;
+    ModelFile& file = *found->second;
+    while (true) {
+        sampleFrames -= file.Skip(sampleFrames);
+        if (sampleFrames == 0 || !channelLoops.at(channel) || file.frames == 0)
+            return;
+        file.current = 0;
+    }
+}
+
+} // namespace Quon
