@@ -53,7 +53,11 @@ Snd3D::Snd3D(const Snd3D& other)
 
 Snd3D& Snd3D::operator=(const Snd3D& other) = default;
 
-Snd3D::~Snd3D() = default;
+Snd3D::~Snd3D()
+{
+    // While the whole object is there: who hears of its end may still ask for its place.
+    Done();
+}
 
 int Snd3D::GetID() const
 {

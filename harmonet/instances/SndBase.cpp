@@ -72,6 +72,9 @@ SndBase::~SndBase()
 
 void SndBase::Done()
 {
+    if (ended)
+        return;
+    ended = true;
     beingTold = true;
     NotifyEnd();
     if (theKernel) {

@@ -281,9 +281,9 @@ protected:
     /// or effects, and the settings of `other`.
     SndBase(const SndBase& other);
 
-    /// Ends the instance; runs once, from the destructor. Tells the observers how it ended, stops the
-    /// channels, leaves list and table, closes the files and frees the effects, in this order. With no kernel
-    /// it does not touch channels, list and table.
+    /// Ends the instance; called by the destructors, of which the first does it. Tells the observers how it
+    /// ended, stops the channels, leaves list and table, closes the files and frees the effects, in this
+    /// order. With no kernel it does not touch channels, list and table.
     void Done();
     /// Moves the file forward by `samples` sample frames, round a loop or along the queue.
     void SkipSamples(int samples);
@@ -336,6 +336,7 @@ private:
     SndFile* sndFile = nullptr;
     int startSample = 0;
     bool beingTold = false;
+    bool ended = false; ///< Done() has begun.
     unsigned long stateTime = 1000;
     unsigned long soundLength = unknownLength;
     int fadeDuration = 0;
