@@ -60,7 +60,6 @@ Scene::Scene()
 
 Scene::~Scene()
 {
-    observer->react = nullptr;
     File::RemoveRoot(PString(ownerName));
 }
 

@@ -18,7 +18,12 @@ SoundTest::SoundTest()
     TakeLog();
 }
 
-SoundTest::~SoundTest() = default;
+// What a test has asked of the observer speaks of things that are gone by now.
+SoundTest::~SoundTest()
+{
+    if (observer)
+        observer->react = nullptr;
+}
 
 int SoundTest::Play(const PString& file, int flags, int priority, int delay)
 {

@@ -51,15 +51,16 @@ protected:
     /// An update in which the driver reports that the channel has gone on to the next file of its queue.
     void StepWithNextFile(int channel, int ms = 40);
 
-    std::unique_ptr<Microphone> microphone;
-    std::unique_ptr<SoundNames> names;
-    std::unique_ptr<LoggingObserver> observer;
-    std::unique_ptr<Sound> group;
-
 private:
     static Ids GetIds(const SndList& list);
 
     std::vector<std::unique_ptr<MemoryBlock>> blocks;
+
+protected:
+    std::unique_ptr<Microphone> microphone;
+    std::unique_ptr<SoundNames> names;
+    std::unique_ptr<LoggingObserver> observer;
+    std::unique_ptr<Sound> group;
 };
 
 } // namespace Quon

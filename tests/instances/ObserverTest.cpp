@@ -1,0 +1,402 @@
+#include "tests/support/SoundTest.h"
+
+namespace Quon
+{
+namespace
+{
+
+/// Files and blocks of which a sample frame is a millisecond.
+class ObserverTest : public SoundTest
+{
+protected:
+    /// The notes among the lines since the last call.
+    Lines TakeNotes()
+    {
+        return TakeLog({"begin", "end", "abort", "free", "shutdown", "A ", "B ", "C ", "D "});
+    }
+
+    std::unique_ptr<LoggingObserver> NewObserver(const char* prefix)
+    {
+        auto added = std::make_unique<LoggingObserver>(*names, prefix);
+        group->AddObserver(added.get());
+        return added;
+    }
+
+    const PString file = WriteWave("a.wav", {2000});
+};
+
+// The courses of a sound, and what is told of each.
+TEST_F(ObserverTest, ASoundThatPlaysToItsEndTellsBeginAndEnd)
+{
+    const int id = Play(file);
+    EXPECT_EQ(TakeNotes(), Lines());
+    Step(40);
+    EXPECT_EQ(TakeNotes(), Lines{"begin #1 a.wav"});
+    recording.Read(ChannelOf(id), 2000);
+    StepWithEnd(ChannelOf(id));
+    EXPECT_EQ(TakeNotes(), Lines{"end #1 a.wav"});
+    EXPECT_EQ(Find(id), nullptr);
+}
+
+TEST_F(ObserverTest, ASoundThatIsCutOffTellsWhatWasLeft)
+{
+    const int id = Play(file);
+    Step(40);
+    recording.Read(ChannelOf(id), 700);
+    group->StopSound(id);
+    EXPECT_EQ(TakeNotes(), (Lines{"begin #1 a.wav", "abort #1 a.wav 1300"}));
+
+    const int looping = Play(file, Sound::StartLooping);
+    Step(40);
+    group->StopSound(looping);
+    EXPECT_EQ(TakeNotes(), (Lines{"begin #2 a.wav", "abort #2 a.wav -1"}));
+}
+
+TEST_F(ObserverTest, ASoundThatNeverStartedTellsItsWholeLength)
+{
+    const int opened = Play(file, 0, 0, 500);
+    const int unopened = group->New2DSound(file, nullptr);
+    group->StopSound(opened);
+    group->StopSound(unopened);
+    EXPECT_EQ(
+        TakeNotes(), (Lines{"begin #1 a.wav", "abort #1 a.wav 2000", "begin #2 a.wav", "abort #2 a.wav -1"}));
+}
+
+// It gives up when less than half a second and the step are left.
+TEST_F(ObserverTest, ASoundThatRunsOutUnheardTellsTheRest)
+{
+    PlayEmulated(file);
+    system.SetMaxAudibleSounds(0);
+    TakeNotes();
+    StepTimes(14, 100);
+    EXPECT_EQ(TakeNotes(), Lines());
+    Step(100); // 2000 - 1400 is 600, and that is not less than 500 + 100.
+    EXPECT_EQ(TakeNotes(), Lines());
+    Step(100);
+    EXPECT_EQ(TakeNotes(), Lines{"abort #1 a.wav 500"});
+}
+
+TEST_F(ObserverTest, AFadeToTheEndIsAnEndUnlessTheSoundLoops)
+{
+    const int plain = Play(file);
+    const int looping = Play(file, Sound::StartLooping);
+    Step(40);
+    const int plainChannel = ChannelOf(plain);
+    const int loopingChannel = ChannelOf(looping);
+    EXPECT_TRUE(group->FadeOutSound(plain, 300));
+    EXPECT_TRUE(group->FadeOutSound(looping, 300));
+    TakeNotes();
+    StepWithEnd(plainChannel);
+    StepWithEnd(loopingChannel);
+    EXPECT_EQ(TakeNotes(), (Lines{"end #1 a.wav", "abort #2 a.wav -1"}));
+}
+
+TEST_F(ObserverTest, AMemorySoundTellsItsEndBeforeTheBlock)
+{
+    const int id = PlayBlock(NewBlock("block", {600}), 0);
+    Step(40);
+    recording.Read(ChannelOf(id), 600);
+    StepWithEnd(ChannelOf(id));
+    EXPECT_EQ(TakeNotes(), (Lines{"begin #1 ", "end #1 ", "free #1 block"}));
+}
+
+class StreamOfThreeBlocks : public ObserverTest
+{
+protected:
+    StreamOfThreeBlocks()
+    {
+        id = PlayBlock(NewBlock("first", {600}), Sound::StartQueued);
+        Step(40);
+        for (const char* name : {"second", "third"}) {
+            MemoryBlock& block = NewBlock(name, {600});
+            EXPECT_TRUE(group->CatSound(id, block.GetData(), block.GetSize(), &block.format));
+        }
+        EXPECT_EQ(TakeNotes(), Lines{"begin #1 "});
+    }
+
+    int id;
+};
+
+TEST_F(StreamOfThreeBlocks, StoppedInTheFirstGivesThemBackFromTheLastForward)
+{
+    recording.Read(1, 100);
+    group->StopSound(id);
+    EXPECT_EQ(TakeNotes(), (Lines{"abort #1  1700", "free #1 third", "free #1 second", "free #1 first"}));
+}
+
+TEST_F(StreamOfThreeBlocks, PlayedThroughGivesEachBackWhenTheNextBegins)
+{
+    recording.Read(1, 600);
+    StepWithNextFile(1);
+    EXPECT_EQ(TakeNotes(), Lines{"free #1 first"});
+    EXPECT_EQ(group->GetQueueLength(id), 1);
+    EXPECT_EQ(group->GetRemainLength(id), 1200U);
+    recording.Read(1, 600);
+    StepWithNextFile(1);
+    EXPECT_EQ(TakeNotes(), Lines{"free #1 second"});
+    recording.Read(1, 600);
+    StepWithEnd(1);
+    EXPECT_EQ(TakeNotes(), (Lines{"end #1 ", "free #1 third"}));
+}
+
+TEST_F(StreamOfThreeBlocks, DeletedIsNotTold)
+{
+    group->DeleteSound(id);
+    EXPECT_EQ(TakeNotes(), Lines());
+}
+
+TEST_F(StreamOfThreeBlocks, FadedOutGivesTheQueueBackAtOnceAndTheHeadAtTheEnd)
+{
+    group->FadeOutSound(id, 200);
+    EXPECT_EQ(TakeNotes(), (Lines{"free #1 third", "free #1 second"}));
+    StepWithEnd(1);
+    EXPECT_EQ(TakeNotes(), (Lines{"free #1 first", "end #1 "}));
+}
+
+TEST_F(StreamOfThreeBlocks, RunningUnheardGivesEachBackWhenItHasPassed)
+{
+    system.SetMaxAudibleSounds(0);
+    Step(200); // Old enough to be displaced, in this update.
+    EXPECT_EQ(Emulated(), Ids{id});
+    Step(500);
+    Step(100);
+    EXPECT_EQ(TakeNotes(), Lines());
+    Step(100);
+    EXPECT_EQ(TakeNotes(), Lines{"free #1 first"});
+    EXPECT_EQ(group->GetRemainLength(id), 1100U);
+}
+
+// A handler that hears of a free block may hand over the next: that is how a stream is fed.
+TEST_F(StreamOfThreeBlocks, TheHandlerOfAFreeBlockCanAppendAnother)
+{
+    MemoryBlock& fourth = NewBlock("fourth", {600});
+    observer->react = [&](const Note& note) {
+        if (note.kind == Note::Free && group->GetQueueLength(note.id) == 1) {
+            EXPECT_TRUE(group->CatSound(note.id, fourth.GetData(), fourth.GetSize(), &fourth.format));
+        }
+    };
+    recording.Read(1, 600);
+    StepWithNextFile(1);
+    EXPECT_EQ(group->GetQueueLength(id), 2);
+    TakeNotes();
+    group->StopSound(id);
+    EXPECT_EQ(TakeNotes(), (Lines{"abort #1  1800", "free #1 fourth", "free #1 third", "free #1 second"}));
+}
+
+TEST_F(StreamOfThreeBlocks, NothingCanBeAppendedToWhatFadesOut)
+{
+    MemoryBlock& fourth = NewBlock("fourth", {600});
+    observer->react = [&](const Note& note) {
+        if (note.kind == Note::Free) {
+            EXPECT_FALSE(group->CatSound(note.id, fourth.GetData(), fourth.GetSize(), &fourth.format));
+        }
+    };
+    group->FadeOutSound(id, 200);
+    EXPECT_EQ(group->GetQueueLength(id), 0);
+}
+
+// Who is told when the list changes while it is walked.
+
+TEST_F(ObserverTest, AnObserverIsToldOnceHoweverOftenItIsAdded)
+{
+    group->AddObserver(observer.get());
+    group->AddObserver(observer.get());
+    Play(file);
+    Step(40);
+    EXPECT_EQ(TakeNotes(), Lines{"begin #1 a.wav"});
+    group->RemoveObserver(observer.get());
+    EXPECT_FALSE(group->HasObserver(observer.get()));
+    group->RemoveObserver(observer.get());
+}
+
+// The chunk that holds the list has four places: with all numbers up to ten the removals cross its borders.
+TEST_F(ObserverTest, EveryObserverCanRemoveItselfOrAnyOther)
+{
+    for (int count = 1; count <= 10; ++count) {
+        for (int acting = 0; acting < count; ++acting) {
+            for (int victim = 0; victim < count; ++victim) {
+                SCOPED_TRACE(std::to_string(acting) + " of " + std::to_string(count) + " removes " +
+                    std::to_string(victim));
+                Sound crowd;
+                std::vector<std::unique_ptr<LoggingObserver>> observers;
+                Lines expected;
+                for (int i = 0; i < count; ++i) {
+                    observers.push_back(
+                        std::make_unique<LoggingObserver>(*names, "A " + std::to_string(i) + ' '));
+                    crowd.AddObserver(observers.back().get());
+                }
+                observers[static_cast<std::size_t>(acting)]->react = [&](const Note&) {
+                    crowd.RemoveObserver(observers[static_cast<std::size_t>(victim)].get());
+                };
+                const int id = crowd.New2DSound(file, nullptr);
+                TakeLog();
+                crowd.StopSound(id);
+                const Lines told = TakeNotes();
+                // The begin comes to those before the removal and to the victim unless its turn was still to
+                // come; the abort to those that are left.
+                EXPECT_EQ(told.size(), static_cast<std::size_t>(2 * count - 1 - (victim > acting)));
+                EXPECT_FALSE(crowd.HasObserver(observers[static_cast<std::size_t>(victim)].get()));
+            }
+        }
+    }
+}
+
+TEST_F(ObserverTest, AnObserverCanDestroyItselfOrOneWhoseTurnIsToCome)
+{
+    auto a = NewObserver("A ");
+    auto b = NewObserver("B ");
+    auto c = NewObserver("C ");
+    a->react = [&](const Note&) { b.reset(); };
+    c->react = [&](const Note&) { c.reset(); };
+    const int id = Play(file);
+    Step(40);
+    EXPECT_EQ(TakeNotes(), (Lines{"begin #1 a.wav", "A begin #1 a.wav", "C begin #1 a.wav"}));
+    group->StopSound(id);
+    EXPECT_EQ(TakeNotes(), (Lines{"abort #1 a.wav 2000", "A abort #1 a.wav 2000"}));
+}
+
+TEST_F(ObserverTest, AnObserverAddedMeanwhileHearsOfItToo)
+{
+    std::unique_ptr<LoggingObserver> added[4];
+    const char* const prefixes[] = {"A ", "B ", "C ", "D "};
+    observer->react = [&](const Note& note) {
+        if (note.kind == Note::Begin) {
+            for (int i = 0; i < 4; ++i)
+                added[i] = NewObserver(prefixes[i]);
+        }
+    };
+    Play(file);
+    Step(40);
+    EXPECT_EQ(TakeNotes(),
+        (Lines{"begin #1 a.wav", "A begin #1 a.wav", "B begin #1 a.wav", "C begin #1 a.wav",
+            "D begin #1 a.wav"}));
+}
+
+TEST_F(ObserverTest, RemovedAndAddedAgainDuringANotificationKeepsItsPlace)
+{
+    auto a = NewObserver("A ");
+    auto b = NewObserver("B ");
+    observer->react = [&](const Note& note) {
+        if (note.kind != Note::Begin)
+            return;
+        group->RemoveObserver(a.get());
+        EXPECT_FALSE(group->HasObserver(a.get()));
+        group->AddObserver(a.get());
+        EXPECT_TRUE(group->HasObserver(a.get()));
+    };
+    Play(file);
+    Step(40);
+    EXPECT_EQ(TakeNotes(), (Lines{"begin #1 a.wav", "A begin #1 a.wav", "B begin #1 a.wav"}));
+}
+
+TEST_F(ObserverTest, ANotificationInsideAnotherRunsInFull)
+{
+    auto b = NewObserver("B ");
+    const int first = Play(file);
+    const int second = Play(file);
+    Step(40);
+    TakeNotes();
+    observer->react = [&](const Note& note) {
+        if (note.id == first)
+            group->StopSound(second);
+        // The purge has to wait for the outer one.
+        if (note.id == second)
+            group->RemoveObserver(observer.get());
+    };
+    recording.Read(ChannelOf(first), 2000);
+    StepWithEnd(ChannelOf(first));
+    EXPECT_EQ(TakeNotes(),
+        (Lines{"end #1 a.wav", "abort #2 a.wav 2000", "B abort #2 a.wav 2000", "B end #1 a.wav"}));
+}
+
+// What is told about cannot be ended by its own handler, and can be asked about.
+TEST_F(ObserverTest, TheSoundThatIsToldAboutStandsUntilTheHandlerReturns)
+{
+    const int id = Play3D(file, 3.0F);
+    observer->react = [&](const Note& note) {
+        if (note.kind == Note::ShutDown)
+            return;
+        group->StopSound(note.id);
+        group->DeleteSound(note.id);
+        EXPECT_FALSE(group->FadeOutSound(note.id, 10));
+        EXPECT_FALSE(group->StartSound(note.id, 0));
+        EXPECT_EQ(group->GetSoundPosition(note.id), (Vector3{3.0F, 0.0F, 0.0F}));
+        EXPECT_EQ(group->GetRemainLength(note.id), 2000U);
+        // These do no harm either.
+        group->SetSoundPosition(note.id, {4.0F, 0.0F, 0.0F});
+        group->SetSoundPosition(note.id, {3.0F, 0.0F, 0.0F});
+        group->SetSoundMinMaxDistance(note.id, 1.0F, 50.0F, true);
+        group->SetSoundCone(note.id, 10.0F, 20.0F, 0.5F);
+        group->SetSoundGain(note.id, 0.5F);
+        group->BindSoundAxisToDirection(note.id, 2);
+        group->SetFrequency(note.id, 1000);
+    };
+    Step(40);
+    EXPECT_EQ(Playing(), Ids{id});
+    group->StopSound(id);
+    EXPECT_EQ(TakeNotes(), (Lines{"begin #1 a.wav", "abort #1 a.wav 2000"}));
+}
+
+TEST_F(ObserverTest, WhileItsEndIsToldASoundStillHasItsPlaceAmongTheAudible)
+{
+    system.SetMaxAudibleSounds(1);
+    const int id = Play(file);
+    Step(40);
+    observer->react = [&](const Note& note) {
+        if (note.kind == Note::Abort && note.id == id) {
+            EXPECT_EQ(Playing(), Ids{id});
+            EXPECT_EQ(Play(file, Sound::StartImmediately), 0);
+        }
+    };
+    group->StopSound(id);
+    EXPECT_NE(Play(file, Sound::StartImmediately), 0);
+}
+
+// Of a sound that starts at once the game hears before it has the id.
+TEST_F(ObserverTest, AnImmediateStartIsToldInsideTheCall)
+{
+    int told = 0;
+    observer->react = [&](const Note& note) { told = note.id; };
+    EXPECT_EQ(Play(file, Sound::StartImmediately), told);
+    EXPECT_NE(told, 0);
+}
+
+TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsAndThenTellsTheShutdown)
+{
+    Play(file);
+    group->New2DSound(file, nullptr);
+    Step(40);
+    TakeNotes();
+    observer->react = [&, ending = group.get()](const Note& note) {
+        // Nothing can be made any more that would be left behind.
+        EXPECT_EQ(ending->New2DSound(file, nullptr), 0);
+        EXPECT_EQ(observer->subject != nullptr, note.kind != Note::ShutDown);
+        if (note.kind == Note::ShutDown)
+            observer.reset();
+    };
+    auto last = NewObserver("B ");
+    group.reset();
+    EXPECT_EQ(TakeNotes(),
+        (Lines{"abort #1 a.wav 2000", "B abort #1 a.wav 2000", "begin #2 a.wav", "B begin #2 a.wav",
+            "abort #2 a.wav -1", "B abort #2 a.wav -1", "shutdown", "B shutdown"}));
+    EXPECT_EQ(last->subject, nullptr);
+    EXPECT_EQ(Playing(), Ids());
+}
+
+// The walk of an update went by what had been there at its start; the end of a group must not.
+TEST_F(ObserverTest, AGroupCanComeAndGoInsideAHandler)
+{
+    Play(file);
+    observer->react = [&](const Note&) {
+        Sound brief;
+        EXPECT_NE(brief.Play2DSound(file, nullptr, Sound::StartImmediately, 0, 0), 0);
+        EXPECT_NE(brief.Play2DSound(file, nullptr, 0, 0, 0), 0);
+    };
+    Step(40);
+    EXPECT_EQ(Playing().size(), 1U);
+    EXPECT_EQ(Waiting(), Ids());
+    Step(40);
+}
+
+} // namespace
+} // namespace Quon
