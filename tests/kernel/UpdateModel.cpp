@@ -3,10 +3,15 @@
 #include "tests/kernel/UpdateModel.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace Quon
 {
+
+// The weight can be infinite in a large crowd, and has no say where there is no distance.
+static float GetWeightedDistance(const ModelSound& sound)
+{
+    return sound.distSqr == 0.0F ? 0.0F : sound.multiplier * sound.distSqr;
+}
 
 bool UpdateModel::IsLess(int a, int b) const
 {
@@ -15,7 +20,7 @@ bool UpdateModel::IsLess(int a, int b) const
     if (soundA.priority != soundB.priority)
         return soundA.priority < soundB.priority;
     if (useMultiplier)
-        return soundA.multiplier * soundA.distSqr > soundB.multiplier * soundB.distSqr;
+        return GetWeightedDistance(soundA) > GetWeightedDistance(soundB);
     return soundA.distSqr > soundB.distSqr;
 }
 
@@ -199,7 +204,7 @@ void UpdateModel::RateDuplicates()
                 if (earlier.fileName != sound.fileName || earlier.owner != sound.owner)
                     continue;
                 ModelSound& loser = IsLess(other, id) ? earlier : sound;
-                loser.multiplier = std::min(loser.multiplier * 1.3F, std::numeric_limits<float>::max());
+                loser.multiplier *= 1.3F;
             }
             rated.push_back(id);
         }
