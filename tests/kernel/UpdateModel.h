@@ -156,11 +156,11 @@ private:
         int id = 0;
         float gain = 1.0F;
     };
-    using Chunk = std::vector<int>;
+    using Bucket = std::vector<int>;
 
     // UpdateModelGame.cpp
     ModelSoundPtr Add(std::uint32_t flags);
-    std::vector<Chunk>& GetBucket(int id);
+    Bucket& GetBucket(int id);
     void RemoveFromTable(int id);
     std::vector<int> GetTableOrder() const;
     void DeleteMatching(const std::function<bool(const ModelSound&)>& matches);
@@ -222,7 +222,8 @@ private:
     bool IsEligible(int id) const;
 
     std::map<int, ModelSoundPtr> sounds; ///< Those that exist, also those that are on their way out.
-    std::array<std::vector<Chunk>, 32> buckets; ///< The table.
+    /// The table. No rule says in what order a bucket is; the last entry fills a gap.
+    std::array<Bucket, 32> buckets;
     int lastID = 0;
     ModelList playing;
     ModelList emulated;

@@ -11,8 +11,6 @@ namespace Quon
 namespace
 {
 
-constexpr std::size_t entriesPerChunk = 29;
-
 std::string GetPrefix(int observer)
 {
     return observer > 0 ? 'o' + std::to_string(observer) + ' ' : "";
@@ -33,14 +31,11 @@ ModelSoundPtr UpdateModel::Add(std::uint32_t flags)
     sound->flags = flags;
     sound->hasGroup = !(flags & FlagMusic);
     sounds[sound->id] = sound;
-    std::vector<Chunk>& chunks = GetBucket(sound->id);
-    const auto room = std::find_if(
-        chunks.begin(), chunks.end(), [](const Chunk& chunk) { return chunk.size() < entriesPerChunk; });
-    (room != chunks.end() ? *room : chunks.emplace_back()).push_back(sound->id);
+    GetBucket(sound->id).push_back(sound->id);
     return sound;
 }
 
-std::vector<UpdateModel::Chunk>& UpdateModel::GetBucket(int id)
+UpdateModel::Bucket& UpdateModel::GetBucket(int id)
 {
     return buckets[static_cast<unsigned>(id + idOffset) % buckets.size()];
 }
@@ -48,23 +43,19 @@ std::vector<UpdateModel::Chunk>& UpdateModel::GetBucket(int id)
 void UpdateModel::RemoveFromTable(int id)
 {
     sounds.at(id)->isInTable = false;
-    for (Chunk& chunk : GetBucket(id)) {
-        const auto place = std::find(chunk.begin(), chunk.end(), id);
-        if (place == chunk.end())
-            continue;
-        *place = chunk.back();
-        chunk.pop_back();
-    }
-    std::erase_if(GetBucket(id), [](const Chunk& chunk) { return chunk.empty(); });
+    Bucket& bucket = GetBucket(id);
+    const auto place = std::find(bucket.begin(), bucket.end(), id);
+    if (place == bucket.end())
+        return;
+    *place = bucket.back();
+    bucket.pop_back();
 }
 
 std::vector<int> UpdateModel::GetTableOrder() const
 {
     std::vector<int> ids;
-    for (const std::vector<Chunk>& chunks : buckets) {
-        for (const Chunk& chunk : chunks)
-            ids.insert(ids.end(), chunk.begin(), chunk.end());
-    }
+    for (const Bucket& bucket : buckets)
+        ids.insert(ids.end(), bucket.begin(), bucket.end());
     return ids;
 }
 
