@@ -1,0 +1,129 @@
+// What the documentation says of definitions, held against the library.
+
+#include "harmonet/definitions/EffectKeywords.h"
+#include "tests/definitions/DefinitionTest.h"
+
+#include <fstream>
+#include <sstream>
+
+namespace Quon
+{
+
+namespace
+{
+
+class TextDocs : public DefinitionTest
+{
+protected:
+    TextDocs()
+    {
+        std::ifstream file(HARMONET_DEFINITIONS_PAPER);
+        EXPECT_TRUE(file);
+        for (std::string line; std::getline(file, line);)
+            paper.push_back(line);
+    }
+
+    /// The first block of text between fences that begins behind a line with that text.
+    std::string GetExample(const std::string& heading) const
+    {
+        std::string example;
+        int fences = 0;
+        bool isThere = false;
+        for (const std::string& line : paper) {
+            isThere = isThere || line.starts_with(heading);
+            if (!isThere)
+                continue;
+            if (line.starts_with("```"))
+                ++fences;
+            else if (fences == 1)
+                example += line + '\n';
+        }
+        return example;
+    }
+
+    /// The cells of the rows of the tables that stand behind that heading, up to the next one.
+    std::vector<Lines> GetRows(const std::string& heading) const
+    {
+        std::vector<Lines> rows;
+        bool isThere = false;
+        for (const std::string& line : paper) {
+            if (line.starts_with("#"))
+                isThere = line == heading;
+            if (!isThere || !line.starts_with("| `"))
+                continue;
+            Lines cells;
+            std::istringstream row(line);
+            for (std::string cell; std::getline(row, cell, '|');)
+                cells.push_back(Trim(cell));
+            cells.erase(cells.begin());
+            rows.push_back(cells);
+        }
+        return rows;
+    }
+
+    static std::string Trim(const std::string& text)
+    {
+        const std::size_t first = text.find_first_not_of(" `");
+        const std::size_t last = text.find_last_not_of(" `");
+        return first == std::string::npos ? "" : text.substr(first, last - first + 1);
+    }
+
+    Lines paper;
+};
+
+TEST_F(TextDocs, TheExampleFromTopToBottomLoadsAsItReads)
+{
+    EXPECT_EQ(Load(GetExample("## A definition from top to bottom")),
+        "0: engine_loop.wav, looping 1, gain 0.8, delay 250, min 5, max 120, cutout 0, inner 60, outer 120, "
+        "conegain 0.25, echo(30 40 250 310 0)");
+}
+
+TEST_F(TextDocs, TheExampleOfALineLoadsAsItReads)
+{
+    EXPECT_EQ(LoadBlock(GetExample("### A sound along a line")),
+        "0: a.wav, line(3 60: -110 0 -20 -92 0 -6 -75 0 12)");
+}
+
+// Each row of a setting: the default, written into a definition, changes nothing.
+TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
+{
+    int count = 0;
+    for (const char* heading : {"## The sound", "### A sound with a place"}) {
+        for (const Lines& row : GetRows(heading)) {
+            if (row[0] == "*FILE")
+                continue;
+            SCOPED_TRACE(row[0]);
+            EXPECT_EQ(LoadBlock(row[0] + ' ' + row[3] + "\n*GAIN 0.5"), "0: a.wav, gain 0.5");
+            ++count;
+        }
+    }
+    EXPECT_EQ(count, 13);
+}
+
+TEST_F(TextDocs, EachEffectStandsThereWithItsKeywordsRangesAndDefaults)
+{
+    for (unsigned int effect = 0; effect < numResourceFX; ++effect) {
+        const EffectKeywords& keywords = GetEffectKeywords(static_cast<SndFX>(effect));
+        const std::string name(keywords.keyword.GetView());
+        SCOPED_TRACE(name);
+        const std::vector<Lines> rows = GetRows("### `" + name + '`');
+        ASSERT_EQ(rows.size(), keywords.fields.size());
+        std::string defaults = name + " {\n";
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            const EffectField& field = keywords.fields[i];
+            SCOPED_TRACE(rows[i][0]);
+            EXPECT_EQ(rows[i][0], field.keyword.GetView());
+            EXPECT_EQ(rows[i][1], field.isInt ? "whole number" : "number");
+            std::ostringstream range;
+            range << field.least << " to " << field.most;
+            EXPECT_TRUE((", " + rows[i][2]).ends_with(", " + range.str())) << rows[i][2];
+            defaults += rows[i][0] + ' ' + rows[i][3] + '\n';
+        }
+        const std::string written = LoadBlock(defaults + '}');
+        EXPECT_EQ(written, LoadBlock(name));
+    }
+}
+
+} // namespace
+
+} // namespace Quon
