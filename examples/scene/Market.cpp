@@ -51,6 +51,8 @@ void Market::Step(long nowMs)
     const float walked = static_cast<float>(nowMs) / static_cast<float>(durationMs);
     const float x = streetStart + walked * (streetEnd - streetStart);
     listener.SetPosition({x, 0.0F, 0.0F});
+    std::array<Quon::Vector3, 8> places;
+    history.SetPlaces(river, sounds.GetSoundPlaces(river, places.data(), static_cast<int>(places.size())));
     if (nowMs >= nextPasserByMs) {
         StartPasserBy(x);
         nextPasserByMs += passerByEveryMs;
@@ -73,9 +75,9 @@ void Market::StartStreet()
 
 void Market::StartRiver()
 {
-    const int id = sounds.New3DSound("river.sound.txt", &database);
-    if (id != 0 && sounds.StartSound(id, 0))
-        history.AddStart(id, "river.sound.txt");
+    river = sounds.New3DSound("river.sound.txt", &database);
+    if (river != 0 && sounds.StartSound(river, 0))
+        history.AddStart(river, "river.sound.txt");
 }
 
 void Market::StartPasserBy(float listenerX)

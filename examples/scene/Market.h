@@ -45,6 +45,7 @@ private:
     Quon::Sound sounds;
     Quon::Music music;
     long nextPasserByMs = 0;
+    int river = 0;
     bool isEvening = false;
 };
 

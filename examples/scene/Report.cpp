@@ -16,7 +16,9 @@ double Seconds(long ms)
     return static_cast<double>(ms) / 1000.0;
 }
 
-int CountWith(const SoundHistory& history, const char* state)
+using State = SoundHistory::State;
+
+int CountWith(const SoundHistory& history, State state)
 {
     return static_cast<int>(std::ranges::count_if(history.GetEntries(), [state](const auto& item) {
         return std::ranges::any_of(item.second.changes,
@@ -26,7 +28,7 @@ int CountWith(const SoundHistory& history, const char* state)
 
 bool IsHeard(const SoundHistory::Change& change)
 {
-    return change.state == SoundHistory::heard || change.state == SoundHistory::heardAgain;
+    return change.state == State::Heard || change.state == State::HeardAgain;
 }
 
 /// The stretches of time in which the sound was heard; while it ran outside them it was emulated.
@@ -34,9 +36,9 @@ void PrintEntry(int id, const SoundHistory::Entry& entry)
 {
     const auto& changes = entry.changes;
     std::printf("%4d  %-19s %6.2f  %-7s %6.2f ", id, entry.file.c_str(), Seconds(changes.front().atMs),
-        entry.isRunning ? "" : changes.back().state, Seconds(changes.back().atMs));
+        entry.isRunning ? "" : SoundHistory::GetName(changes.back().state), Seconds(changes.back().atMs));
     if (!entry.isWatched)
-        std::printf("  along a line: its sources are not told apart");
+        std::printf("  along a line: from up to %d places at once", entry.mostPlaces);
     for (std::size_t i = 0; i + 1 < changes.size(); ++i) {
         if (IsHeard(changes[i]))
             std::printf("  %.2f-%.2f", Seconds(changes[i].atMs), Seconds(changes[i + 1].atMs));
@@ -55,10 +57,10 @@ void PrintTable(const SoundHistory& history)
     std::printf("\n%zu sounds; at most %d ran at once and %d were heard\n", history.GetEntries().size(),
         history.GetMostRunning(), history.GetMostHeard());
     std::printf("%d were heard, %d of them came back after they had not been; %d ran unheard for a while\n",
-        CountWith(history, SoundHistory::heard), CountWith(history, SoundHistory::heardAgain),
-        CountWith(history, SoundHistory::emulated));
-    std::printf("%d ended, %d were cut off\n", CountWith(history, SoundHistory::ended),
-        CountWith(history, SoundHistory::cutOff));
+        CountWith(history, State::Heard), CountWith(history, State::HeardAgain),
+        CountWith(history, State::Emulated));
+    std::printf(
+        "%d ended, %d were cut off\n", CountWith(history, State::Ended), CountWith(history, State::CutOff));
 }
 
 void WriteJson(const SoundHistory& history, const std::filesystem::path& path)
@@ -72,8 +74,8 @@ void WriteJson(const SoundHistory& history, const std::filesystem::path& path)
         out << between << R"(  {"id": )" << id << R"(, "file": ")" << entry.file << R"(", "changes": [)";
         const char* comma = "";
         for (const SoundHistory::Change& change : entry.changes) {
-            out << comma << R"({"seconds": )" << Seconds(change.atMs) << R"(, "state": ")" << change.state
-                << "\"}";
+            out << comma << R"({"seconds": )" << Seconds(change.atMs) << R"(, "state": ")"
+                << SoundHistory::GetName(change.state) << "\"}";
             comma = ", ";
         }
         out << "]}";

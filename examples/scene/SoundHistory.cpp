@@ -16,17 +16,36 @@ constexpr int soundNode = 16;
 bool WasHeard(const SoundHistory::Entry& entry)
 {
     return std::ranges::any_of(entry.changes,
-        [](const SoundHistory::Change& change) { return change.state == SoundHistory::heard; });
+        [](const SoundHistory::Change& change) { return change.state == SoundHistory::State::Heard; });
 }
 
 } // namespace
+
+const char* SoundHistory::GetName(State state)
+{
+    switch (state) {
+    case State::Started:
+        return "started";
+    case State::Heard:
+        return "heard";
+    case State::HeardAgain:
+        return "heard again";
+    case State::Emulated:
+        return "emulated";
+    case State::Ended:
+        return "ended";
+    case State::CutOff:
+        return "cut off";
+    }
+    return "";
+}
 
 void SoundHistory::AddStart(int id, const std::string& file)
 {
     Entry& entry = entries[id];
     entry.file = file;
     entry.isRunning = true;
-    entry.changes.push_back({nowMs, started});
+    entry.changes.push_back({nowMs, State::Started});
 }
 
 void SoundHistory::LookAt(const Quon::Particle& world)
@@ -43,7 +62,7 @@ void SoundHistory::LookAt(const Quon::Particle& world)
             continue;
         Entry& entry = place->second;
         entry.isWatched = true;
-        SetState(entry, !isHeard ? emulated : WasHeard(entry) ? heardAgain : heard);
+        SetState(entry, !isHeard ? State::Emulated : WasHeard(entry) ? State::HeardAgain : State::Heard);
         ++running;
         heardNow += isHeard ? 1 : 0;
     }
@@ -51,14 +70,21 @@ void SoundHistory::LookAt(const Quon::Particle& world)
     mostHeard = std::max(mostHeard, heardNow);
 }
 
-void SoundHistory::SetState(Entry& entry, const char* state)
+void SoundHistory::SetPlaces(int id, int count)
 {
-    const char* const last = entry.changes.back().state;
-    if (last != state && !(state == heardAgain && last == heard))
+    const auto place = entries.find(id);
+    if (place != entries.end())
+        place->second.mostPlaces = std::max(place->second.mostPlaces, count);
+}
+
+void SoundHistory::SetState(Entry& entry, State state)
+{
+    const State last = entry.changes.back().state;
+    if (last != state && !(state == State::HeardAgain && last == State::Heard))
         entry.changes.push_back({nowMs, state});
 }
 
-void SoundHistory::Finish(int soundID, const char* state, long leftMs)
+void SoundHistory::Finish(int soundID, State state, long leftMs)
 {
     const auto place = entries.find(soundID);
     if (place == entries.end())
@@ -70,12 +96,12 @@ void SoundHistory::Finish(int soundID, const char* state, long leftMs)
 
 void SoundHistory::OnSoundEnd(int soundID, const Quon::PString&)
 {
-    Finish(soundID, ended, 0);
+    Finish(soundID, State::Ended, 0);
 }
 
 void SoundHistory::OnSoundAbort(int soundID, const Quon::PString&, int remaining)
 {
-    Finish(soundID, cutOff, remaining);
+    Finish(soundID, State::CutOff, remaining);
 }
 
 } // namespace Scene

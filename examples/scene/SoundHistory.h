@@ -18,10 +18,20 @@ namespace Scene
 class SoundHistory final : public Quon::SoundObserver
 {
 public:
+    enum class State
+    {
+        Started,
+        Heard,
+        HeardAgain,
+        Emulated,
+        Ended,
+        CutOff
+    };
+
     struct Change
     {
         long atMs;
-        const char* state;
+        State state;
     };
 
     struct Entry
@@ -31,14 +41,11 @@ public:
         bool isRunning = false;
         bool isWatched = false; ///< It was seen in the scene graph.
         long leftMs = 0; ///< Of a sound that was cut off; below 0 for one that has no end.
+        int mostPlaces = 0; ///< Of a sound along a line: from how many places it was heard at once.
     };
 
-    static constexpr const char* started = "started";
-    static constexpr const char* heard = "heard";
-    static constexpr const char* heardAgain = "heard again";
-    static constexpr const char* emulated = "emulated";
-    static constexpr const char* ended = "ended";
-    static constexpr const char* cutOff = "cut off";
+    /// The state in words.
+    static const char* GetName(State state);
 
     /// The time from here on.
     void SetTime(long newNowMs) { nowMs = newNowMs; }
@@ -48,6 +55,9 @@ public:
 
     /// Looks at all sounds that hang below the node; after each update.
     void LookAt(const Quon::Particle& world);
+
+    /// A sound along a line is heard from so many places now.
+    void SetPlaces(int id, int count);
 
     /// By id.
     const std::map<int, Entry>& GetEntries() const { return entries; }
@@ -60,8 +70,8 @@ public:
     void OnSoundAbort(int soundID, const Quon::PString& fileName, int remaining) override;
 
 private:
-    void SetState(Entry& entry, const char* state);
-    void Finish(int soundID, const char* state, long leftMs);
+    void SetState(Entry& entry, State state);
+    void Finish(int soundID, State state, long leftMs);
 
     long nowMs = 0;
     std::map<int, Entry> entries;
