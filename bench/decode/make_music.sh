@@ -1,5 +1,5 @@
 #!/bin/sh
-# Makes a minute of music-like sound with sox and codes it with lame, for the decoder benchmarks.
+# Makes a minute of music-like sound with sox and codes it with lame and sox, for the decoder benchmarks.
 # Usage: make_music.sh FOLDER. What is there already is kept.
 set -eu
 folder=$1
@@ -52,3 +52,15 @@ code mp3-320k.mp3 -m s -b 320
 code mp3-v2.mp3 -V 2
 code mp3-mono.mp3 -m m -a -b 64
 code mp3-mpeg2.mp3 -m j --resample 22.05 -b 64
+
+# ADPCM, with what sox itself decodes beside it.
+code_adpcm() # name, sox arguments for the output...
+{
+    name=$1
+    shift
+    [ -e "$name.pcm" ] && return
+    sox -R music.wav "$@" -e ms-adpcm "$name.wav"
+    sox "$name.wav" -t raw -e signed -b 16 -L "$name.pcm"
+}
+code_adpcm adpcm-stereo
+code_adpcm adpcm-mono -c 1
