@@ -1,4 +1,4 @@
-#include "AdpcmModel.h"
+#include "tests/files/AdpcmModel.h"
 
 #include <algorithm>
 #include <span>

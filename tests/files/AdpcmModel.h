@@ -1,6 +1,6 @@
 #pragma once
 
-#include "WaveBytes.h"
+#include "tests/files/WaveBuilder.h"
 
 /// A plain decoder of Microsoft ADPCM: all blocks from the first to the last, in wide integers, with
 /// divisions in the place of shifts. It holds no state and knows no positions.

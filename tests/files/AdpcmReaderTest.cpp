@@ -1,5 +1,5 @@
-#include "AdpcmModel.h"
-#include "SoundFolder.h"
+#include "tests/files/AdpcmModel.h"
+#include "tests/files/SoundFolder.h"
 
 #include "harmonet/files/SndFileAdpcm.h"
 #include "harmonet/files/SndFileHandle.h"
@@ -316,7 +316,7 @@ TEST_F(AdpcmReader, AFileThatShrinksWhileItPlaysEndsThere)
     const auto file = OpenBytes(wave);
     ASSERT_NE(file, nullptr);
     ASSERT_EQ(ReadFrames(*file, 30).size(), 60u);
-    Shorten("sound", wave.size() - 200 + 48);
+    folder.Resize("sound", wave.size() - 200 + 48);
     // The second block has been read; the third has 8 bytes left, a header and two codes.
     EXPECT_EQ(ReadFrames(*file, 100).size(), 2u * (26 + 4));
     EXPECT_TRUE(ReadFrames(*file, 100).empty());
@@ -326,8 +326,8 @@ TEST_F(AdpcmReader, AFileThatShrinksWhileItPlaysEndsThere)
 
 TEST_F(AdpcmReader, EveryReopenedReaderStartsAfresh)
 {
-    Write("first", ReadStream("sox-mono.wav"));
-    Write("second", ReadStream("odd-stereo.wav"));
+    folder.Write("first", ReadStream("sox-mono.wav"));
+    folder.Write("second", ReadStream("odd-stereo.wav"));
     SndFileAdpcm file;
     for (const char* name : {"first", "second", "first"}) {
         SCOPED_TRACE(name);

@@ -1,4 +1,4 @@
-#include "SoundFolder.h"
+#include "tests/files/SoundFolder.h"
 
 #include "harmonet/engine/PStringCache.h"
 
@@ -83,14 +83,14 @@ protected:
 TEST_F(BadWaves, EveryTruncationIsRefusedOrPlayedShort)
 {
     for (const Sample& sample : samples) {
-        Write("sound", sample.bytes);
+        folder.Write("sound", sample.bytes);
         const auto good = Open("sound");
         ASSERT_NE(good, nullptr);
         const Bytes whole = ReadAll(*good);
         good->CloseFile(0, nullptr);
         for (std::size_t kept = sample.bytes.size(); kept-- > 0;) {
             SCOPED_TRACE(std::string(sample.name) + ", kept " + std::to_string(kept) + " bytes");
-            Shorten("sound", kept);
+            folder.Resize("sound", kept);
             const auto file = Open("sound");
             ASSERT_EQ(file != nullptr, kept >= sample.headBytes);
             if (file == nullptr)
@@ -106,7 +106,7 @@ TEST_F(BadWaves, EveryTruncationIsRefusedOrPlayedShort)
 TEST_F(BadWaves, EverySingleByteChangeIsRefusedOrPlayed)
 {
     for (const Sample& sample : samples) {
-        Write("sound", sample.bytes);
+        folder.Write("sound", sample.bytes);
         for (std::size_t offset = 0; offset < sample.bytes.size(); ++offset) {
             for (int change = 1; change < 256; ++change) {
                 const auto byte = static_cast<unsigned char>(sample.bytes[offset] ^ change);
@@ -125,7 +125,7 @@ TEST_F(BadWaves, SeveralRandomChangesAtOnceAreRefusedOrPlayed)
     constexpr unsigned char telling[] = {0, 1, 2, 0x7F, 0x80, 0xFF};
     std::mt19937 random(20);
     for (const Sample& sample : samples) {
-        Write("sound", sample.bytes);
+        folder.Write("sound", sample.bytes);
         for (int round = 0; round < 3000; ++round) {
             SCOPED_TRACE(std::string(sample.name) + ", round " + std::to_string(round));
             std::vector<std::size_t> changed;

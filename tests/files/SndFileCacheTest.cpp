@@ -1,4 +1,4 @@
-#include "SoundFolder.h"
+#include "tests/files/SoundFolder.h"
 
 #include "harmonet/files/SndFileHandle.h"
 
@@ -14,7 +14,7 @@ namespace
 class OpenFiles : public SoundFolder
 {
 protected:
-    OpenFiles() { Write("sound", Counting(1000)); }
+    OpenFiles() { folder.Write("sound", Counting(1000)); }
 };
 
 TEST_F(OpenFiles, OneFileIsOpenedOnceAndClosedWithItsLastUse)
@@ -30,7 +30,7 @@ TEST_F(OpenFiles, OneFileIsOpenedOnceAndClosedWithItsLastUse)
     EXPECT_EQ(openFiles.GetCount(), 0);
 
     // Another file of that name: the one that was open before is not found again.
-    Write("sound", {42, 43});
+    folder.Write("sound", Bytes{42, 43});
     SndFileHandle* const anew = openFiles.Acquire(owner, "sound");
     unsigned char bytes[4] = {};
     EXPECT_EQ(anew->ReadAt(bytes, 4, 0), 2);
@@ -41,7 +41,7 @@ TEST_F(OpenFiles, OneFileIsOpenedOnceAndClosedWithItsLastUse)
 TEST_F(OpenFiles, OneNameUnderTwoOwnersIsTwoFiles)
 {
     const PString other("other owner");
-    ASSERT_TRUE(File::AddRoot(other, folder.c_str()));
+    ASSERT_TRUE(File::AddRoot(other, folder.GetPath().c_str()));
     SndFileHandle* const first = openFiles.Acquire(owner, "sound");
     SndFileHandle* const second = openFiles.Acquire(other, "sound");
     ASSERT_NE(second, nullptr);
@@ -65,7 +65,7 @@ TEST_F(OpenFiles, WhatCannotBeOpenedLeavesNoTrace)
 
 TEST_F(OpenFiles, ShutdownClosesEveryFileWhateverItsUses)
 {
-    Write("other", Counting(10));
+    folder.Write("other", Counting(10));
     const std::size_t before = Alloc::LiveBlocks();
     openFiles.Acquire(owner, "sound");
     openFiles.Acquire(owner, "other");
@@ -114,7 +114,7 @@ TEST_F(OpenFiles, ReadsOnSeveralThreadsEachGetTheirOwnBytes)
 TEST_F(OpenFiles, SoundsOnTwoThreadsShareOneFile)
 {
     const Bytes samples = Counting(4'000);
-    Write("long", PcmWave(2, 8000, 16, samples));
+    folder.Write("long", PcmWave(2, 8000, 16, samples));
     const auto played = Open("long");
     const auto emulated = Open("long");
     ASSERT_EQ(openFiles.GetCount(), 1);

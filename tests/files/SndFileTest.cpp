@@ -1,4 +1,4 @@
-#include "SoundFolder.h"
+#include "tests/files/SoundFolder.h"
 
 #include "harmonet/engine/Exception.h"
 #include "harmonet/files/SndFileHandle.h"
@@ -67,7 +67,7 @@ protected:
 
 TEST_F(SndFileBase, NothingOpensWithoutAListOfOpenFiles)
 {
-    Write("sound", PcmWave(1, 8000, 8, Counting(4)));
+    folder.Write("sound", PcmWave(1, 8000, 8, Counting(4)));
     SndFile::SetSndFileCache(nullptr);
     EXPECT_EQ(Open("sound"), nullptr);
     SndFile::SetSndFileCache(&openFiles);
@@ -169,7 +169,7 @@ TEST_F(SndFileBase, LoadGivesTheFileBackAndKeepsTheDataOnly)
     ASSERT_NE(data, nullptr);
     EXPECT_EQ(openFiles.GetCount(), 0);
     EXPECT_EQ(Bytes(data, data + 9), Counting(9));
-    std::filesystem::remove(folder / "sound");
+    folder.Remove("sound");
     EXPECT_EQ(file->Load(), data);
     EXPECT_EQ(ReadAll(*file), (Bytes{3, 4, 5, 6, 7, 8, 9}));
     EXPECT_FALSE(file->IsCached());
@@ -177,7 +177,7 @@ TEST_F(SndFileBase, LoadGivesTheFileBackAndKeepsTheDataOnly)
 
 TEST_F(SndFileBase, RawReadsEndWithTheDataInMemoryAndWithTheFileOnDisk)
 {
-    Write("sound", PcmWave(1, 8000, 8, Counting(9)) + Bytes{70, 71, 72});
+    folder.Write("sound", PcmWave(1, 8000, 8, Counting(9)) + Bytes{70, 71, 72});
     RawReader file;
     ASSERT_TRUE(file.OpenHandle(openFiles.Acquire(owner, "sound")));
     unsigned char got[8] = {};
@@ -198,7 +198,7 @@ TEST_F(SndFileBase, RawReadsEndWithTheDataInMemoryAndWithTheFileOnDisk)
 
 TEST_F(SndFileBase, AFileWithoutALengthRaisesAndLeavesNoUseBehind)
 {
-    Write("sound", PcmWave(1, 8000, 8, Counting(4)));
+    folder.Write("sound", PcmWave(1, 8000, 8, Counting(4)));
     SndFileHandle* const handle = openFiles.Acquire(owner, "sound");
     handle->GetFile().Close();
     try {
@@ -216,8 +216,8 @@ TEST_F(SndFileBase, AFileWithoutALengthRaisesAndLeavesNoUseBehind)
 
 TEST_F(SndFileBase, EveryBlockOfMemoryIsGivenBack)
 {
-    Write("sound", PcmWave(1, 8000, 16, Counting(100)));
-    Write("noise", Counting(100));
+    folder.Write("sound", PcmWave(1, 8000, 16, Counting(100)));
+    folder.Write("noise", Counting(100));
     const std::size_t before = Alloc::LiveBlocks();
     {
         const auto streamed = Open("sound");

@@ -1,4 +1,4 @@
-#include "SoundFolder.h"
+#include "tests/files/SoundFolder.h"
 
 #include "harmonet/files/SndNodeCache.h"
 
@@ -17,7 +17,7 @@ protected:
     /// A file whose sound data have that many bytes, all of them that value.
     void WriteSound(const std::string& name, std::size_t bytes, unsigned char value = 1) const
     {
-        Write(name, PcmWave(1, 8000, 8, Bytes(bytes, value)));
+        folder.Write(name, PcmWave(1, 8000, 8, Bytes(bytes, value)));
     }
 
     std::unique_ptr<SndFile> OpenSound(const std::string& name, int priority = 0)
@@ -30,12 +30,12 @@ protected:
 
 TEST_F(NodeCache, ASecondSoundOfAFileReadsTheSameBytesAtItsOwnPlace)
 {
-    Write("sound", PcmWave(1, 8000, 8, Counting(50)));
+    folder.Write("sound", PcmWave(1, 8000, 8, Counting(50)));
     cache.SetLimit(1000);
     const auto first = OpenSound("sound");
     ASSERT_TRUE(first->IsCached());
     EXPECT_EQ(openFiles.GetCount(), 0) << "a cached sound needs no open file";
-    std::filesystem::remove(folder / "sound");
+    folder.Remove("sound");
     const auto second = OpenSound("sound");
     ASSERT_NE(second, nullptr);
     EXPECT_EQ(cache.GetCount(), 1);
@@ -96,7 +96,7 @@ TEST_F(NodeCache, EvictionTakesLowPriorityFirstAndLongUnusedAmongEquals)
     OpenSound("second", 5);
     OpenSound("first", 5);
     const auto isHit = [&](const char* name) {
-        std::filesystem::remove(folder / name);
+        folder.Remove(name);
         return OpenSound(name, 0) != nullptr;
     };
     EXPECT_EQ(cache.Evict(1), 10);
@@ -118,7 +118,7 @@ TEST_F(NodeCache, PriorityOfANodeNeverFalls)
     OpenSound("high", 2);
     OpenSound("middle", 5);
     EXPECT_EQ(cache.Evict(1), 10);
-    std::filesystem::remove(folder / "middle");
+    folder.Remove("middle");
     EXPECT_EQ(OpenSound("middle"), nullptr) << "it was not the one that went";
 }
 
@@ -162,7 +162,8 @@ TEST_F(NodeCache, AFileThatStatesMoreThanItHoldsStreams)
 {
     for (const std::uint32_t stated : {60u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         SCOPED_TRACE(stated);
-        Write("sound", Wave(Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("data", Counting(50), stated)));
+        folder.Write(
+            "sound", Wave(Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("data", Counting(50), stated)));
         cache.Flush();
         cache.SetLimit(0x200000000ul);
         const auto file = OpenSound("sound");
@@ -175,7 +176,7 @@ TEST_F(NodeCache, AFileThatStatesMoreThanItHoldsStreams)
 
 TEST_F(NodeCache, WhatIsNoSoundLeavesTheCacheAsItIs)
 {
-    Write("noise", Counting(50));
+    folder.Write("noise", Counting(50));
     WriteSound("sound", 10);
     cache.SetLimit(100);
     OpenSound("sound");
@@ -191,7 +192,7 @@ TEST_F(NodeCache, ADecodersDataAreCachedToo)
     constexpr int blockBytes = 40;
     Bytes block(blockBytes, 0x31);
     block[0] = 1;
-    Write("sound",
+    folder.Write("sound",
         Wave(Chunk("fmt ", AdpcmFormat(1, 8000, blockBytes, usualPairs)) + Chunk("data", block + block)));
     Bytes expected;
     {
@@ -201,7 +202,7 @@ TEST_F(NodeCache, ADecodersDataAreCachedToo)
     }
     cache.SetLimit(1000);
     const auto loaded = OpenSound("sound");
-    std::filesystem::remove(folder / "sound");
+    folder.Remove("sound");
     const auto hit = OpenSound("sound");
     ASSERT_NE(hit, nullptr);
     EXPECT_EQ(hit->FileType(), SndFile::FileAdpcm);

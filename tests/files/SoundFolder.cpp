@@ -1,21 +1,14 @@
-#include "SoundFolder.h"
+#include "tests/files/SoundFolder.h"
 
 #include "harmonet/engine/File.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <fstream>
 
 using namespace Quon;
 
 namespace
 {
-
-std::filesystem::path MakeFolder()
-{
-    std::string path = (std::filesystem::temp_directory_path() / "harmonet-files-XXXXXX").string();
-    return mkdtemp(path.data());
-}
 
 /// Room for a read: what its format asks for, but a file that states frames of half a gigabyte never fills
 /// one.
@@ -30,9 +23,8 @@ std::size_t RoomFor(const SndFile& file, int frameCount)
 } // namespace
 
 SoundFolder::SoundFolder()
-    : folder(MakeFolder())
 {
-    File::AddRoot(owner, folder.c_str());
+    File::AddRoot(owner, folder.GetPath().c_str());
     SndFile::SetSndFileCache(&openFiles);
 }
 
@@ -40,25 +32,13 @@ SoundFolder::~SoundFolder()
 {
     SndFile::SetSndFileCache(nullptr);
     File::RemoveRoot(owner);
-    std::filesystem::remove_all(folder);
-}
-
-void SoundFolder::Write(const std::string& name, const Bytes& bytes) const
-{
-    std::ofstream stream(folder / name, std::ios::binary);
-    stream.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
 void SoundFolder::Patch(const std::string& name, std::size_t offset, unsigned char byte) const
 {
-    std::fstream stream(folder / name, std::ios::binary | std::ios::in | std::ios::out);
+    std::fstream stream(folder.GetPath() / name, std::ios::binary | std::ios::in | std::ios::out);
     stream.seekp(static_cast<std::streamoff>(offset));
     stream.put(static_cast<char>(byte));
-}
-
-void SoundFolder::Shorten(const std::string& name, std::size_t bytes) const
-{
-    std::filesystem::resize_file(folder / name, bytes);
 }
 
 std::unique_ptr<SndFile> SoundFolder::Open(const std::string& name) const
@@ -68,7 +48,7 @@ std::unique_ptr<SndFile> SoundFolder::Open(const std::string& name) const
 
 std::unique_ptr<SndFile> SoundFolder::OpenBytes(const Bytes& bytes) const
 {
-    Write("sound", bytes);
+    folder.Write("sound", bytes);
     return Open("sound");
 }
 

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "WaveBytes.h"
+#include "tests/files/WaveBuilder.h"
 
 #include "harmonet/engine/PString.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/files/SndFileCache.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <memory>
 #include <string>
 
@@ -20,16 +20,14 @@ protected:
     SoundFolder();
     ~SoundFolder() override;
 
-    void Write(const std::string& name, const Bytes& bytes) const;
     /// Changes one byte of a file and nothing else.
     void Patch(const std::string& name, std::size_t offset, unsigned char byte) const;
-    void Shorten(const std::string& name, std::size_t bytes) const;
     std::unique_ptr<Quon::SndFile> Open(const std::string& name) const;
     /// Writes the bytes under a name that says nothing of them, and opens that.
     std::unique_ptr<Quon::SndFile> OpenBytes(const Bytes& bytes) const;
 
     const Quon::PString owner{"sounds"};
-    const std::filesystem::path folder;
+    const Quon::TempFolder folder;
     Quon::SndFileCache openFiles;
 };
 

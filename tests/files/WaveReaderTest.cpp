@@ -1,4 +1,4 @@
-#include "SoundFolder.h"
+#include "tests/files/SoundFolder.h"
 
 #include "harmonet/files/SndFileHandle.h"
 #include "harmonet/files/SndFileWav.h"
@@ -280,7 +280,7 @@ TEST_F(WaveReader, AReaderCanBeOpenedAgainOnSomethingElse)
 {
     Bytes block = Counting(16);
     WaveFormatEx format = MemoryFormat(1, 1, 8000, 16);
-    Write("sound", PcmWave(2, 22050, 8, Counting(30)));
+    folder.Write("sound", PcmWave(2, 22050, 8, Counting(30)));
     SndFileWav file;
     ASSERT_TRUE(file.OpenMemory(block.data(), block.size(), &format));
     file.SkipSamples(5);
@@ -315,11 +315,11 @@ TEST_F(WaveReader, AFileThatShrinksWhileItPlaysEndsThere)
     const auto file = OpenBytes(PcmWave(1, 8000, 16, Counting(200)));
     ASSERT_NE(file, nullptr);
     ASSERT_EQ(ReadFrames(*file, 10).size(), 20u);
-    Shorten("sound", headBytes + 31);
+    folder.Resize("sound", headBytes + 31);
     EXPECT_EQ(file->Load(), nullptr);
     EXPECT_EQ(ReadFrames(*file, 50).size(), 10u) << "the sixteenth frame is torn";
     EXPECT_TRUE(ReadFrames(*file, 50).empty());
-    Shorten("sound", 0);
+    folder.Resize("sound", 0);
     file->Rewind();
     EXPECT_TRUE(ReadFrames(*file, 50).empty());
     EXPECT_EQ(file->SkipSamples(50), 50);

@@ -1,4 +1,4 @@
-#include "SoundFolder.h"
+#include "tests/files/SoundFolder.h"
 
 #include "harmonet/files/RiffWalk.h"
 #include "harmonet/files/SndFileAdpcm.h"
@@ -83,7 +83,7 @@ TEST_F(WaveWalk, ProbeAndParsersEachTakeAChunkInTheirOwnWay)
     };
     for (const WalkCase& row : cases) {
         SCOPED_TRACE(row.what);
-        Write("sound", row.bytes);
+        folder.Write("sound", row.bytes);
         SndFileHandle* handle = openFiles.Acquire(owner, "sound");
         ASSERT_NE(handle, nullptr);
         EXPECT_EQ(ProbeWave(handle), row.probe);
@@ -104,8 +104,8 @@ TEST_F(WaveWalk, ProbeAndParsersEachTakeAChunkInTheirOwnWay)
 
 TEST_F(WaveWalk, ClassIsChosenByContentWhateverTheNameSays)
 {
-    Write("music.mp3", Wave(pcmChunk + dataChunk));
-    Write("steps.wav", Bytes{'n', 'o', ' ', 's', 'o', 'u', 'n', 'd'});
+    folder.Write("music.mp3", Wave(pcmChunk + dataChunk));
+    folder.Write("steps.wav", Bytes{'n', 'o', ' ', 's', 'o', 'u', 'n', 'd'});
     const auto file = Open("music.mp3");
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(file->FileType(), SndFile::FileWav);
@@ -124,10 +124,10 @@ TEST_F(WaveWalk, EndsOnAFileOfEmptyChunks)
 // was.
 TEST_F(WaveWalk, EndsWhereAFileHasShrunk)
 {
-    Write("sound", Wave(Chunk("JUNK", Bytes(1000)) + pcmChunk + dataChunk));
+    folder.Write("sound", Wave(Chunk("JUNK", Bytes(1000)) + pcmChunk + dataChunk));
     SndFileHandle* handle = openFiles.Acquire(owner, "sound");
     ASSERT_GT(handle->GetFile().Size(), 1000u);
-    Shorten("sound", 1016);
+    folder.Resize("sound", 1016);
     EXPECT_EQ(ProbeWave(handle), 0);
     openFiles.Release(handle);
 }

@@ -1,4 +1,4 @@
-#include "WaveBytes.h"
+#include "tests/files/WaveBuilder.h"
 
 const std::vector<std::pair<int, int>> usualPairs = {
     {256, 0}, {512, -256}, {0, 0}, {192, 64}, {240, 0}, {460, -208}, {392, -232}};
