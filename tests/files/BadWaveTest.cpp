@@ -1,7 +1,5 @@
 #include "tests/files/SoundFolder.h"
 
-#include "harmonet/engine/PStringCache.h"
-
 #include <random>
 
 using namespace Quon;
