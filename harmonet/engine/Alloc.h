@@ -75,10 +75,12 @@ public:
     T* allocate(std::size_t count)
     {
         static_assert(alignof(T) <= alignof(std::max_align_t), "Alloc gives the fundamental alignment only");
-        if (count > std::numeric_limits<unsigned int>::max() / sizeof(T)) {
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): an element may well be a pointer.
+        constexpr std::size_t elementBytes = sizeof(T);
+        if (count > std::numeric_limits<unsigned int>::max() / elementBytes) {
             throw std::bad_alloc();
         }
-        return static_cast<T*>(Alloc::New(static_cast<unsigned int>(count * sizeof(T))));
+        return static_cast<T*>(Alloc::New(static_cast<unsigned int>(count * elementBytes)));
     }
 
     void deallocate(T* block, std::size_t) noexcept { Alloc::Delete(block); }

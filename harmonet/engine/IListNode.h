@@ -22,6 +22,7 @@ public:
         : IListNode()
     {
     }
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned.
     IListNode& operator=(const IListNode&) { return *this; }
 
     bool IsLinked() const { return next != this; }

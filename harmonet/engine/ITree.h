@@ -21,6 +21,7 @@ public:
     /// leaves both nodes where they are.
     ITree() = default;
     ITree(const ITree&) {}
+    // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned.
     ITree& operator=(const ITree&) { return *this; }
 
     /// The node that comes after this one when the tree below \p top is walked with parents before their

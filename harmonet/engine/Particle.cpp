@@ -38,7 +38,10 @@ Particle& Particle::operator=(const Particle& other)
 Particle::~Particle()
 {
     Particle::RemoveAllChildren();
-    Particle::Remove();
+    if (parent != nullptr) {
+        Particle::ResetParentSpheres();
+        parent->UnlinkChild(this);
+    }
 }
 
 int Particle::GetID() const
