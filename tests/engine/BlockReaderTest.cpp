@@ -45,7 +45,7 @@ TEST_F(BlockReaders, ReadTheTextForm)
         std::string_view text;
         const char* tree;
     };
-    const std::string_view withZero("*A 1\0002\n*B\0", 11);
+    const std::string_view withZero("*A 1\0002\n*B\0", 10);
     const Row rows[] = {
         {"values", "*A 1 two \"three and four\" 5.0\n", "*A(1,two,three and four,5.0 "},
         {"no last line end", "*A 1", "*A(1 "},
