@@ -34,6 +34,9 @@ void SndBase::StepToNextFile()
     SndFile* passed = sndFile;
     sndFile = passed->GetNext();
     passed->ClearQueue();
+    // Start samples are skipped when the channel is there already, and has the first file.
+    if (sndChannel)
+        sndChannel->SetSndFile(sndFile);
     Telling telling(*this);
     CloseAndDelete(passed);
 }
@@ -135,6 +138,8 @@ bool SndBase::AdvanceAlongQueue(int samples)
         return true;
     while (sndFile->GetNext()) {
         StepToNextFile();
+        if (samples == 0)
+            return true;
         // A file that is passed over as a whole is not moved; the next step closes it.
         const int inFile = sndFile->GetSoundSamples();
         const bool endsHere = samples < inFile;
