@@ -132,7 +132,7 @@ Action SceneDice::DrawPlay()
 void SceneDice::DrawDetails(Action& action)
 {
     static const char* const names[] = {
-        "a.wav", "b.wav", "c.wav", "d.wav", "block1", "block2", "missing.wav"};
+        "a.wav", "b.wav", "c.wav", "d.wav", "block1", "block2", "empty.wav", "missing.wav"};
     static const unsigned long rates[] = {0, 99, 500, 2000, 44100};
     action.file = Pick(*this, names);
     action.isBlock = action.file.starts_with("block");

@@ -1,0 +1,287 @@
+// How a sound runs along its files: the samples it skips at its start, its steps without a channel, and the
+// times it tells.
+
+#include "harmonet/files/SndFile.h"
+#include "harmonet/instances/SndBase.h"
+#include "harmonet/output/SndChannel.h"
+#include "tests/support/SoundTest.h"
+
+namespace Quon
+{
+namespace
+{
+
+/// Files of 1000 Hz, so that a sample frame is a millisecond, named by their number of frames.
+class RunningTest : public SoundTest
+{
+protected:
+    /// A sound that has not been started, with a queue of files of these lengths.
+    int NewQueue(const std::vector<int>& lengths)
+    {
+        const int id = group->New2DSound(FileOf(lengths[0]), nullptr);
+        for (std::size_t i = 1; i < lengths.size(); ++i)
+            EXPECT_TRUE(group->CatSound(id, FileOf(lengths[i]), nullptr));
+        return id;
+    }
+
+    PString FileOf(int frames) { return WriteWave(std::to_string(frames) + ".wav", {frames}); }
+
+    /// Starts it and puts it under pressure, so that it runs without a channel.
+    void Displace(int id, int flags = 0)
+    {
+        system.SetMaxAudibleSounds(0);
+        EXPECT_TRUE(group->StartSound(id, flags));
+        Step(40);
+        EXPECT_EQ(Emulated(), Ids{id});
+    }
+
+    /// "frame of file", with as many plus signs behind it as there are files in the queue behind the file.
+    std::string Where(int id) const
+    {
+        const SndBase* sound = Find(id);
+        if (!sound)
+            return "ended";
+        SndFile* file = sound->GetSndFile();
+        return std::to_string(file->GetCurrentSample()) + " of " + std::to_string(file->GetSoundSamples()) +
+            std::string(static_cast<std::size_t>(file->GetQueueLength()), '+');
+    }
+};
+
+TEST_F(RunningTest, TheStartSamplesAreSkippedAlongTheQueueOrRoundTheLoop)
+{
+    struct Row
+    {
+        std::vector<int> lengths;
+        int startSample;
+        bool isLooping;
+        const char* expected;
+    };
+    const Row rows[] = {
+        {{1000}, 0, false, "0 of 1000"},
+        {{1000}, 999, false, "999 of 1000"},
+        {{1000}, 1000, false, "1000 of 1000"},
+        {{1000}, 5000, false, "1000 of 1000"},
+        {{1000, 600, 700}, 999, false, "999 of 1000++"},
+        {{1000, 600, 700}, 1000, false, "0 of 600+"},
+        {{1000, 600, 700}, 1601, false, "1 of 700"},
+        {{1000, 0, 700}, 1000, false, "0 of 700"},
+        {{1000, 600, 700}, 9999, false, "700 of 700"},
+        {{1000}, 999, true, "999 of 1000"},
+        {{1000}, 1000, true, "0 of 1000"},
+        {{1000}, 7300, true, "300 of 1000"},
+        {{1000}, 2147483647, true, "647 of 1000"},
+        {{0}, 700, true, "0 of 0"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::to_string(row.startSample) + " of " + std::to_string(row.lengths[0]));
+        // One that already loops: a queue of one file takes the flag at the start.
+        const int id = NewQueue(row.lengths);
+        Find(id)->SetStartSample(row.startSample);
+        TakeLog();
+        EXPECT_TRUE(
+            group->StartSound(id, Sound::StartImmediately | (row.isLooping ? Sound::StartLooping : 0)));
+        // The driver has seen the head at its beginning, and by now has the file that the sound is on.
+        EXPECT_EQ(TakeLog({"CreateChannel"}).at(0).find("@0 fx") != std::string::npos, true);
+        EXPECT_EQ(Where(id), row.expected);
+        EXPECT_EQ(Find(id)->GetSndChannel()->GetSndFile(), Find(id)->GetSndFile());
+        group->StopSound(id);
+    }
+}
+
+// At ten times its rate a sound has more samples in a step than its time would tell, so that a step can end
+// anywhere in the queue.
+TEST_F(RunningTest, AStepWithoutAChannelGoesAlongTheQueue)
+{
+    struct Row
+    {
+        std::vector<int> lengths;
+        int ms; ///< At ten times the rate.
+        const char* expected;
+    };
+    const Row rows[] = {
+        {{1000, 900, 800}, 40, "400 of 1000++"},
+        {{1000, 900, 800}, 100, "1000 of 1000++"},
+        {{1000, 900, 800}, 101, "10 of 900+"},
+        {{1000, 900, 800}, 190, "0 of 800"},
+        {{1000, 900, 800}, 269, "790 of 800"},
+        // The whole of the queue counts as nothing.
+        {{1000, 900, 800}, 270, "0 of 1000++"},
+        {{1000, 900, 800}, 275, "50 of 1000++"},
+        {{600, 0, 800}, 70, "100 of 800"},
+        // A step that ends with a file stops in front of the next, even of one that is empty.
+        {{100, 200, 0, 800}, 30 + 10, "100 of 800"},
+        {{200, 200, 0, 800}, 40, "0 of 0+"},
+        {{0, 0, 900}, 40, "400 of 900"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::to_string(row.ms) + " ms of " + std::to_string(row.lengths[0]));
+        const int id = NewQueue(row.lengths);
+        EXPECT_TRUE(group->SetFrequency(id, 10000));
+        Displace(id);
+        Step(row.ms);
+        EXPECT_EQ(Where(id), row.expected);
+        group->StopSound(id);
+    }
+}
+
+TEST_F(RunningTest, AStepThatIsLeftOverAtTheEndEndsTheSound)
+{
+    const int id = NewQueue({1000, 800});
+    EXPECT_TRUE(group->SetFrequency(id, 10000));
+    Displace(id);
+    Step(90);
+    EXPECT_EQ(Where(id), "900 of 1000+");
+    // 950 samples: within the 1800 of the queue, but only 900 are left.
+    Step(95);
+    EXPECT_EQ(Where(id), "ended");
+}
+
+TEST_F(RunningTest, ALoopGoesRoundAndNeverEnds)
+{
+    const int id = NewQueue({700});
+    Displace(id, Sound::StartLooping);
+    const std::pair<int, const char*> steps[] = {
+        {40, "40 of 700"}, {660, "0 of 700"}, {7300, "300 of 700"}, {399, "699 of 700"}, {40, "39 of 700"}};
+    for (const auto& [ms, expected] : steps) {
+        Step(ms);
+        if (std::string(expected) == "0 of 700") {
+            // At the end of the file, which is where the loop begins.
+            EXPECT_EQ(Where(id), "700 of 700");
+            continue;
+        }
+        EXPECT_EQ(Where(id), expected);
+        EXPECT_EQ(group->GetRemainLength(id), 0xFFFFFFFFU);
+    }
+}
+
+// The samples of a step are counted in 32 bits, as on every other machine.
+TEST_F(RunningTest, ALongStepWrapsAsIn32Bits)
+{
+    const int id = NewQueue({3000});
+    EXPECT_TRUE(group->SetFrequency(id, 100000));
+    Displace(id, Sound::StartLooping);
+    Step(50000);
+    const unsigned int samples = 100000U * 50000U / 1000U;
+    EXPECT_EQ(samples % 3000, 32U);
+    EXPECT_EQ(Where(id), "32 of 3000");
+}
+
+// With frames shorter than 40 ms an unheard sound moves by one frame in each full update.
+TEST_F(RunningTest, AnUnheardSoundMovesByTheSecondsOfTheCall)
+{
+    const int id = NewQueue({3000});
+    Displace(id);
+    TakeLog();
+    StepTimes(3, 16);
+    EXPECT_EQ(TakeLog(), (Lines{"BeginUpdate 48", "EndUpdate"}));
+    EXPECT_EQ(Where(id), "16 of 3000");
+    EXPECT_EQ(Find(id)->GetStateTime(), 48U);
+}
+
+TEST_F(RunningTest, AnEmptyFileCannotRunUnheard)
+{
+    for (int flags : {0, static_cast<int>(Sound::StartLooping)}) {
+        const int id = NewQueue({0});
+        system.SetMaxAudibleSounds(0);
+        group->StartSound(id, flags);
+        StepTimes(2, 40);
+        EXPECT_EQ(Where(id), "ended");
+    }
+}
+
+TEST_F(RunningTest, ASoundComesBackWhereItWouldHaveBeen)
+{
+    const int id = NewQueue({20000});
+    group->StartSound(id, 0);
+    Step(40);
+    recording.Read(1, 250);
+    system.SetMaxAudibleSounds(0);
+    Step(200);
+    EXPECT_EQ(Emulated(), Ids{id});
+    StepTimes(125, 40);
+    system.SetMaxAudibleSounds(1);
+    Step(40);
+    Step(40);
+    // It has been away for 125 steps, and two more before it could return.
+    TakeLog();
+    EXPECT_EQ(Where(id), std::to_string(250 + 126 * 40) + " of 20000");
+    EXPECT_EQ(Playing(), Ids{id});
+}
+
+TEST_F(RunningTest, TheTimesLeftAndPlayedFollowTheState)
+{
+    const int created = group->New2DSound(FileOf(1000), nullptr);
+    EXPECT_EQ(group->GetRemainLength(created), 0xFFFFFFFFU);
+    EXPECT_EQ(group->GetSoundLength(created), 0xFFFFFFFFU);
+    EXPECT_EQ(group->GetCurrentLength(created), 0U);
+
+    const int id = NewQueue({1000, 900});
+    EXPECT_EQ(group->GetSoundLength(id), 1900U);
+    EXPECT_EQ(group->GetRemainLength(id), 1900U);
+    group->StartSound(id, Sound::StartImmediately | Sound::StartQueued);
+    recording.Read(1, 300);
+    EXPECT_EQ(group->GetRemainLength(id), 1600U);
+    EXPECT_EQ(group->GetCurrentLength(id), 300U);
+    // What the driver says of its file comes before what has been read.
+    recording.channels.at(1).remainMs = 750;
+    EXPECT_EQ(group->GetRemainLength(id), 1650U);
+    EXPECT_EQ(group->GetCurrentLength(id), 250U);
+    // The next file: the length of all is still the one of both.
+    recording.channels.at(1).remainMs.reset();
+    recording.Read(1, 700);
+    StepWithNextFile(1);
+    EXPECT_EQ(group->GetRemainLength(id), 900U);
+    EXPECT_EQ(group->GetCurrentLength(id), 1000U);
+    // A fade counts what is on its channel.
+    group->FadeOutSound(id, 100);
+    EXPECT_EQ(group->GetRemainLength(id), 900U);
+    recording.channels.at(1).remainMs = 100;
+    EXPECT_EQ(group->GetRemainLength(id), 100U);
+    EXPECT_EQ(group->GetCurrentLength(id), 1800U);
+}
+
+TEST_F(RunningTest, ALoopHasNoEndUnlessItsFadeIsOver)
+{
+    const int id = NewQueue({1000});
+    group->StartSound(id, Sound::StartImmediately | Sound::StartLooping);
+    EXPECT_EQ(group->GetRemainLength(id), 0xFFFFFFFFU);
+    group->FadeOutSound(id, 300);
+    EXPECT_EQ(group->GetRemainLength(id), 0xFFFFFFFFU);
+
+    const int waiting = NewQueue({1000});
+    group->SetSoundFadeIn(waiting, 70);
+    Find(waiting)->AddFlags(FlagFadeOut | FlagLooping);
+    EXPECT_EQ(group->GetRemainLength(waiting), 70U);
+}
+
+// A file that is torn while it plays is the end of the sound, not of the program.
+TEST_F(RunningTest, FilesThatVanishOrShrinkWhileTheyPlayDoNoHarm)
+{
+    SetOption("SoundCacheSize", "0");
+    system.Done();
+    EXPECT_TRUE(Start());
+    for (const bool vanishes : {true, false}) {
+        const int id = NewQueue({1000, 900});
+        const int late = group->Play2DSound(FileOf(1000), nullptr, 0, 0, 500);
+        group->StartSound(id, Sound::StartImmediately);
+        const int channel = ChannelOf(id);
+        EXPECT_EQ(recording.Read(channel, 100), 100);
+        if (vanishes) {
+            folder.Remove("1000.wav");
+            folder.Remove("900.wav");
+        }
+        else {
+            folder.Resize("1000.wav", 44 + 300);
+        }
+        // What has vanished is still open; what has shrunk delivers what there is.
+        EXPECT_EQ(recording.Read(channel, 900), vanishes ? 900 : 50);
+        StepWithNextFile(channel);
+        StepWithEnd(channel);
+        EXPECT_EQ(Find(id), nullptr);
+        StepTimes(20, 40);
+        group->StopSound(late);
+    }
+}
+
+} // namespace
+} // namespace Quon
