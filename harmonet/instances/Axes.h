@@ -3,8 +3,15 @@
 #include "harmonet/engine/Quaternion.h"
 #include "harmonet/engine/Vector.h"
 
+#include <cmath>
+
 namespace Quon
 {
+
+inline bool IsFinite(const Vector3& vector)
+{
+    return std::isfinite(vector.x) && std::isfinite(vector.y) && std::isfinite(vector.z);
+}
 
 // Where a rotation takes the three axes: the columns of the rotation matrix of a unit quaternion.
 

@@ -84,13 +84,15 @@ void Microphone::SndUpdate()
         return;
     SndDriver* driver = GetDriver();
     const Vector3 place = GetGlobalPosition();
-    if (driver)
+    if (driver && IsFinite(place))
         driver->SetListenerPosition(place);
     Quaternion q = orientation;
     if (GetParent())
         GetParent()->LocalToGlobal(q);
-    if (driver)
-        driver->SetListenerOrientation(-ImageOfZ(q), ImageOfY(q));
+    const Vector3 front = -ImageOfZ(q);
+    const Vector3 top = ImageOfY(q);
+    if (driver && IsFinite(front) && IsFinite(top))
+        driver->SetListenerOrientation(front, top);
     changed = false;
 }
 

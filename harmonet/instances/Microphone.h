@@ -11,6 +11,8 @@ namespace Quon
 /// microphone is active at a time; without one no positional sound is heard. The active one carries its
 /// position and orientation to the driver, and the rolloff factor and the acoustics of the room.
 ///
+/// A position or orientation that is not finite does not go to the driver, which goes on with the last one.
+///
 /// Belongs to the game; may outlive the sound system and may be destroyed at any time. Task thread only.
 class HARMONET_API Microphone : public Particle
 {

@@ -19,11 +19,6 @@ constexpr int nodeID = 16;
 // so that one at the edge does not flip at each update.
 constexpr float outerBand = 1.02F;
 
-bool IsFinite(const Vector3& vector)
-{
-    return std::isfinite(vector.x) && std::isfinite(vector.y) && std::isfinite(vector.z);
-}
-
 } // namespace
 
 float Snd3D::silenceValue = -30.0F;

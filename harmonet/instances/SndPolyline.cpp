@@ -2,6 +2,7 @@
 
 #include "harmonet/instances/SndPolyline.h"
 
+#include "harmonet/instances/Axes.h"
 #include "harmonet/instances/FastLength.h"
 #include "harmonet/kernel/SndKernel.h"
 
@@ -22,11 +23,6 @@ constexpr float minDistanceSpacing = 0.5F;
 constexpr float maxDistanceSpacing = 0.01F;
 constexpr float minDistanceReach = 30.0F; // Of a sound without a cutout.
 constexpr float infinity = std::numeric_limits<float>::infinity();
-
-bool IsFinite(const Vector3& vector)
-{
-    return std::isfinite(vector.x) && std::isfinite(vector.y) && std::isfinite(vector.z);
-}
 
 float CalcCosine(float degrees)
 {
