@@ -1,0 +1,221 @@
+#include "tests/support/SoundTest.h"
+
+#include <array>
+#include <cmath>
+#include <random>
+
+namespace Quon
+{
+namespace
+{
+
+using Vector = std::array<double, 3>;
+
+Vector CrossOf(const Vector& a, const Vector& b)
+{
+    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
+}
+
+Vector UnitOf(const Vector& v)
+{
+    const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
+    return {v[0] / length, v[1] / length, v[2] / length};
+}
+
+Vector3 ToFloats(const Vector& v)
+{
+    return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
+}
+
+void ExpectNear(const Vector3& actual, const Vector& expected)
+{
+    EXPECT_NEAR(actual.x, expected[0], 2e-6);
+    EXPECT_NEAR(actual.y, expected[1], 2e-6);
+    EXPECT_NEAR(actual.z, expected[2], 2e-6);
+}
+
+class MicrophoneTest : public SoundTest
+{
+protected:
+    struct Heard
+    {
+        Vector3 front;
+        Vector3 top;
+    };
+
+    /// What the next update tells the driver of the listener's orientation.
+    Heard StepAndHear()
+    {
+        Heard heard;
+        TakeLog();
+        Step(40);
+        for (const std::string& line : TakeLog()) {
+            std::sscanf(line.c_str(), "SetListenerOrientation %f %f %f, %f %f %f", &heard.front.x,
+                &heard.front.y, &heard.front.z, &heard.top.x, &heard.top.y, &heard.top.z);
+        }
+        return heard;
+    }
+};
+
+TEST_F(MicrophoneTest, LooksWhereItIsToldWithUpAsNearToTheHintAsCanBe)
+{
+    std::mt19937 random(7);
+    std::uniform_real_distribution<double> number(-5.0, 5.0);
+    for (int i = 0; i < 200; ++i) {
+        SCOPED_TRACE(i);
+        const Vector front = {number(random), number(random), number(random)};
+        const Vector hint = {number(random), number(random), number(random)};
+        const Vector ahead = UnitOf(front);
+        const Vector right = UnitOf(CrossOf(ahead, hint));
+        microphone->SetOrientation(ToFloats(front), ToFloats(hint));
+        const Heard heard = StepAndHear();
+        ExpectNear(heard.front, ahead);
+        ExpectNear(heard.top, CrossOf(right, ahead));
+    }
+}
+
+TEST_F(MicrophoneTest, SpecialDirectionsHaveTheirAnswers)
+{
+    struct Row
+    {
+        Vector3 front;
+        Vector3 top;
+        Vector3 expectedFront;
+        Vector3 expectedTop;
+    };
+    const Vector3 ahead{0.0F, 0.0F, -1.0F};
+    const Vector3 up{0.0F, 1.0F, 0.0F};
+    const float nan = std::nanf("");
+    const Row rows[] = {
+        {{0.0F, 0.0F, -3.0F}, {0.0F, 9.0F, 4.0F}, ahead, up},
+        {{1.0F, 0.0F, 0.0F}, {0.0F, 2.0F, 0.0F}, {1.0F, 0.0F, 0.0F}, up},
+        // Parallel: right is X and up is Y, which fits a look along Z.
+        {{0.0F, 0.0F, -1.0F}, {0.0F, 0.0F, -5.0F}, ahead, up},
+        {{0.0F, 0.0F, -2.0F}, {0.0F, 0.0F, 0.0F}, ahead, up},
+        {{0.0F, 0.0F, -2.0F}, {nan, 0.0F, 0.0F}, ahead, up},
+        // No direction: it stays as it was.
+        {{0.0F, 0.0F, 0.0F}, {0.0F, 1.0F, 0.0F}, ahead, up},
+        {{nan, 0.0F, 0.0F}, {0.0F, 1.0F, 0.0F}, ahead, up},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(ToText(row.front) + ", " + ToText(row.top));
+        microphone->SetOrientation(row.front, row.top);
+        microphone->SetPosition(origin);
+        const Heard heard = StepAndHear();
+        ExpectNear(heard.front, {row.expectedFront.x, row.expectedFront.y, row.expectedFront.z});
+        ExpectNear(heard.top, {row.expectedTop.x, row.expectedTop.y, row.expectedTop.z});
+    }
+}
+
+TEST_F(MicrophoneTest, OnlyAChangeIsSentAndOnlyByTheActiveOne)
+{
+    Step(40);
+    EXPECT_EQ(TakeLog({"SetListener"}), Lines());
+    Microphone other;
+    other.SetPosition({1.0F, 2.0F, 3.0F});
+    Step(40);
+    EXPECT_EQ(TakeLog({"SetListener"}), Lines());
+    other.Activate();
+    const Lines news = {"SetListenerPosition 1 2 3", "SetListenerOrientation 0 0 -1, 0 1 0"};
+    EXPECT_EQ(TakeLog(), news);
+    EXPECT_FALSE(microphone->IsActive());
+    microphone->SetPosition({9.0F, 9.0F, 9.0F});
+    Step(40);
+    EXPECT_EQ(TakeLog({"SetListener"}), Lines());
+    other.SetPosition({1.0F, 2.0F, 3.0F});
+    Step(40);
+    EXPECT_EQ(TakeLog({"SetListener"}), news);
+    // The older one goes, and that is no loss.
+    microphone.reset();
+    other.SetPosition(origin);
+    Step(40);
+    EXPECT_EQ(TakeLog({"SetListener"}).size(), 2U);
+}
+
+TEST_F(MicrophoneTest, FollowsTheNodesAboveIt)
+{
+    Particle body;
+    body.Add(microphone.get());
+    microphone->SetPosition({0.0F, 0.0F, -2.0F});
+    StepAndHear();
+    body.SetPosition({5.0F, 0.0F, 0.0F});
+    // Half a turn about Y.
+    body.SetOrientation({0.0F, 1.0F, 0.0F, 0.0F});
+    Step(40);
+    EXPECT_EQ(TakeLog({"SetListener"}),
+        (Lines{"SetListenerPosition 5 0 2", "SetListenerOrientation 0 0 1, 0 1 0"}));
+}
+
+TEST_F(MicrophoneTest, BringsItsRoomAlongWhenItIsActivated)
+{
+    FXEnvReverb cave{};
+    cave.roomHF = -11;
+    FXEnvReverb hall{};
+    hall.roomHF = -22;
+    FXEnvReverb answer{};
+    EXPECT_TRUE(microphone->SetFXEnvReverb(&cave, 2, 5));
+    EXPECT_EQ(TakeLog(), Lines{"SetFXEnvReverb -11 2 5"});
+    Microphone other;
+    EXPECT_TRUE(other.SetFXEnvReverb(&hall, 3, 6));
+    EXPECT_EQ(TakeLog(), Lines());
+    other.Activate();
+    EXPECT_EQ(TakeLog({"SetFX"}), Lines{"SetFXEnvReverb -22 3 6"});
+    microphone->Activate();
+    EXPECT_EQ(TakeLog({"SetFX", "Reset"}), Lines{"SetFXEnvReverb -11 2 5"});
+
+    // A refusal is remembered, and a reset reaches the driver from the active one alone.
+    recording.refuseFX = true;
+    EXPECT_FALSE(microphone->SetFXEnvReverb(&hall, 2, 5));
+    EXPECT_FALSE(microphone->GetFXEnvReverb(&answer));
+    EXPECT_TRUE(other.GetFXEnvReverb(&answer));
+    EXPECT_EQ(answer.roomHF, -22);
+    TakeLog();
+    other.ResetFXEnvReverb(1);
+    EXPECT_FALSE(other.GetFXEnvReverb(&answer));
+    EXPECT_EQ(TakeLog(), Lines());
+    microphone->ResetFXEnvReverb(2);
+    EXPECT_EQ(TakeLog(), Lines{"ResetFXEnvReverb 2"});
+    // From any of them.
+    other.SetRolloffFactor(0.5F);
+    EXPECT_EQ(TakeLog(), Lines{"SetRolloffFactor 0.5"});
+    EXPECT_EQ(microphone->GetRolloffFactor(), 0.5F);
+}
+
+TEST_F(MicrophoneTest, ACopyDoesNotListen)
+{
+    {
+        Microphone copy(*microphone);
+        EXPECT_TRUE(copy.IsActive());
+        copy.SetPosition({4.0F, 0.0F, 0.0F});
+        Step(40);
+        EXPECT_EQ(TakeLog({"SetListener"}), Lines());
+    }
+    // Nor does its end end the listening.
+    const int id = Play3D(WriteWave("a.wav", {2000}), 1.0F);
+    Step(40);
+    EXPECT_EQ(Playing(), Ids{id});
+}
+
+TEST_F(MicrophoneTest, WithoutAListenerWhatHasAPlaceIsUnheardAndComesBack)
+{
+    const PString file = WriteWave("a.wav", {9000});
+    const int placed = Play3D(file, 1.0F);
+    const int ending = Play3D(file, 1.0F, Sound::StartNoEmulation);
+    const int flat = Play(file);
+    Step(40);
+    microphone.reset();
+    Step(40);
+    EXPECT_EQ(Playing(), Ids{flat});
+    EXPECT_EQ(Emulated(), Ids{placed});
+    EXPECT_EQ(Find(ending), nullptr);
+    EXPECT_NE(Play3D(file, 1.0F, Sound::StartImmediately), 0);
+    EXPECT_EQ(Play3D(file, 1.0F, Sound::StartImmediately | Sound::StartNoEmulation), 0);
+    EXPECT_EQ(Emulated().size(), 2U);
+    microphone = std::make_unique<Microphone>();
+    microphone->Activate();
+    StepTimes(2, 40);
+    EXPECT_EQ(Playing().size(), 3U);
+}
+
+} // namespace
+} // namespace Quon

@@ -1,0 +1,389 @@
+#include "harmonet/engine/Particle.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/instances/Music.h"
+#include "harmonet/instances/SndBase.h"
+#include "harmonet/output/SndChannel.h"
+#include "tests/support/SoundTest.h"
+
+#include <algorithm>
+#include <limits>
+#include <thread>
+
+namespace Quon
+{
+namespace
+{
+
+constexpr float notANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr float infinite = std::numeric_limits<float>::infinity();
+
+class PlayInterfaceTest : public SoundTest
+{
+protected:
+    const PString file = WriteWave("a.wav", {2000});
+    const PString other = WriteWave("b.wav", {900});
+};
+
+// The calls of a channel's start, in the one order that a driver can rely on.
+TEST_F(PlayInterfaceTest, AChannelIsStartedInAFixedOrder)
+{
+    const int plain = group->New2DSound(file, nullptr);
+    group->StartSound(plain, Sound::StartImmediately);
+    EXPECT_EQ(
+        TakeLog({"c", "C", "begin"}), (Lines{"CreateChannel c1 0 a.wav@0 fx", "begin #1 a.wav", "c1 Play"}));
+
+    const int full = group->New2DSound(file, nullptr);
+    group->SetSoundGain(full, 0.5F);
+    group->SetSoundFadeIn(full, 300);
+    EXPECT_TRUE(group->SetFrequency(full, 500));
+    group->StartSound(full, Sound::StartImmediately | Sound::StartLooping);
+    EXPECT_EQ(TakeLog(),
+        (Lines{"CreateChannel c2 18 a.wav@0 fx", "c2 FadeIn 300", "c2 SetGain 0.5", "begin #2 a.wav",
+            "c2 SetFrequency 500", "c2 Play"}));
+
+    Sound::Settings settings;
+    settings.setDistance = settings.setCone = settings.cutout = true;
+    settings.minDistance = 2.0F;
+    settings.maxDistance = 50.0F;
+    settings.innerConeAngle = 90.0F;
+    settings.outerConeAngle = 120.0F;
+    settings.coneGain = 0.25F;
+    group->Play3DSound(Vector3{3.0F, 0.0F, 4.0F}, file, nullptr,
+        Sound::StartImmediately | Sound::StartDisableMicFX, 0, settings, 0);
+    EXPECT_EQ(TakeLog(),
+        (Lines{"CreateChannel c3 37 a.wav@0 fx", "c3 SetCone 90 120 0.25", "c3 SetMinMaxDistance 2 50 1",
+            "c3 SetPosition 3 0 4", "c3 SetDirection 0 0 -1", "begin #3 a.wav", "c3 Play"}));
+}
+
+TEST_F(PlayInterfaceTest, AGainOutsideItsRangeIsNeverSent)
+{
+    // Above 1.0 by no fault of the game: what a resource says goes to the sound as it stands.
+    const int id = group->New2DSound(file, nullptr);
+    for (const float gain : {1.5F, -1.0F, infinite, -infinite, notANumber}) {
+        group->SetSoundGain(id, gain);
+        group->SetGain(notANumber);
+        EXPECT_EQ(group->GetGain(), 1.0F);
+    }
+    EXPECT_EQ(group->GetSoundGain(id), 0.0F);
+    group->SetSoundGain(id, 1.0F);
+    group->StartSound(id, Sound::StartImmediately);
+    EXPECT_EQ(TakeLog({"c1 SetGain"}), Lines());
+    Find(id)->SetGain(notANumber);
+    Find(id)->SetGain(infinite);
+    EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 1", "c1 SetGain 1"}));
+}
+
+TEST_F(PlayInterfaceTest, WhatIsNotFiniteIsOutOfReachAndNeverReachesTheDriver)
+{
+    for (const float value : {notANumber, infinite, -infinite}) {
+        SCOPED_TRACE(value);
+        const int id = Play3D(file, value);
+        Step(40);
+        EXPECT_EQ(Emulated(), Ids{id});
+        group->SetSoundPosition(id, {1.0F, 0.0F, 0.0F});
+        StepTimes(2, 40);
+        EXPECT_EQ(Playing(), Ids{id});
+        group->SetSoundPosition(id, {1.0F, value, 0.0F});
+        group->SetSoundOrientation(id, {value, 0.0F, 0.0F, 1.0F});
+        Step(40);
+        EXPECT_EQ(Emulated(), Ids{id});
+        // A listener that is nowhere hears nothing of what has a place, and comes back.
+        const int still = Play3D(file, 2.0F);
+        microphone->SetPosition({value, 0.0F, 0.0F});
+        StepTimes(2, 40);
+        EXPECT_EQ(Playing(), Ids());
+        microphone->SetPosition(origin);
+        StepTimes(2, 40);
+        EXPECT_EQ(Playing(), Ids{still});
+        SoundSystem::StopAll();
+    }
+}
+
+TEST_F(PlayInterfaceTest, AnIdThatFindsNothingDoesNothing)
+{
+    const int ended = Play(file);
+    group->StopSound(ended);
+    TakeLog();
+    Particle scene;
+    FXChorus chorus{};
+    FXEnvReverbSourceProperties source{};
+    for (const int id : {0, -1, ended, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()}) {
+        SCOPED_TRACE(id);
+        EXPECT_FALSE(group->StartSound(id, 0));
+        group->StopSound(id);
+        group->DeleteSound(id);
+        EXPECT_FALSE(group->FadeOutSound(id, 10));
+        EXPECT_FALSE(group->CatSound(id, file, nullptr));
+        EXPECT_EQ(group->GetQueueLength(id), 0);
+        EXPECT_FALSE(group->AttachSound(id, &scene, PString()));
+        group->SetSoundGain(id, 0.5F);
+        EXPECT_EQ(group->GetSoundGain(id), 0.0F);
+        EXPECT_EQ(group->GetSoundPriority(id, 7), 0);
+        EXPECT_FALSE(group->SetFrequency(id, 1000));
+        for (const unsigned long value : {group->GetFrequency(id), group->GetSoundLength(id),
+                 group->GetRemainLength(id), group->GetCurrentLength(id)})
+            EXPECT_EQ(value, 0U);
+        group->SetSoundPosition(id, {1.0F, 1.0F, 1.0F});
+        EXPECT_EQ(group->GetSoundPosition(id), origin);
+        EXPECT_EQ(group->GetSoundOrientation(id), (Quaternion{0.0F, 0.0F, 0.0F, 1.0F}));
+        EXPECT_FALSE(group->SetFXChorus(id, &chorus));
+        EXPECT_FALSE(group->GetFXChorus(id, &chorus));
+        EXPECT_FALSE(group->SetFXEnvReverbSourceProperties(id, &source));
+    }
+    EXPECT_EQ(TakeLog(), Lines());
+}
+
+TEST_F(PlayInterfaceTest, TheStartFlagsSetTheInstancesFlags)
+{
+    struct Row
+    {
+        int startFlags;
+        std::uint32_t flags;
+    };
+    const Row rows[] = {
+        {0, 0},
+        {Sound::StartLooping, FlagLooping},
+        {Sound::StartNotMovable, FlagNotMovable},
+        {Sound::StartNoEmulation, FlagNoEmulation},
+        {Sound::StartImmediately, FlagImmediately | FlagPlaying},
+        {Sound::StartQueued, FlagQueued},
+        {Sound::StartLooping | Sound::StartQueued, FlagLooping},
+        {Sound::StartChgFrequency, FlagChgFrequency | FlagDisableMicFX},
+        {Sound::StartDisableMicFX, FlagDisableMicFX},
+        {~0x7F, 0},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.startFlags);
+        const int id = group->New2DSound(file, nullptr);
+        EXPECT_TRUE(group->StartSound(id, row.startFlags));
+        EXPECT_EQ(Find(id)->GetSndFlags(), row.flags | FlagDistLTMax);
+        group->StopSound(id);
+    }
+    const int withEffect = group->New2DSound(file, nullptr);
+    FXGargle gargle{};
+    EXPECT_TRUE(group->SetFXGargle(withEffect, &gargle));
+    EXPECT_TRUE(group->StartSound(withEffect, Sound::StartChgFrequency));
+    EXPECT_EQ(Find(withEffect)->GetSndFlags(), FlagDistLTMax);
+}
+
+TEST_F(PlayInterfaceTest, AQueueCannotLoopAndARunningSoundCannotStart)
+{
+    const int id = group->New2DSound(file, nullptr);
+    EXPECT_TRUE(group->CatSound(id, other, nullptr));
+    const std::uint32_t flags = Find(id)->GetSndFlags();
+    EXPECT_FALSE(
+        group->StartSound(id, Sound::StartLooping | Sound::StartNotMovable | Sound::StartImmediately));
+    EXPECT_EQ(Find(id)->GetSndFlags(), flags);
+    EXPECT_TRUE(group->StartSound(id, Sound::StartImmediately));
+    EXPECT_FALSE(group->StartSound(id, Sound::StartNotMovable));
+    EXPECT_TRUE(Find(id)->IsMovable());
+}
+
+TEST_F(PlayInterfaceTest, SettingsOfTheStartAreIgnoredOnceASoundRuns)
+{
+    const int id = Play(file, Sound::StartImmediately);
+    group->SetSoundFadeIn(id, 300);
+    group->SetSoundDelay(id, 300);
+    group->SetSoundPriority(id, 4);
+    EXPECT_FALSE(Find(id)->IsFadeIn());
+    EXPECT_EQ(Find(id)->GetDelay(), 0);
+    EXPECT_EQ(group->GetSoundPriority(id, 0), 4);
+}
+
+TEST_F(PlayInterfaceTest, RatesAreBoundedAndNeedASoundThatAllowsThem)
+{
+    const std::pair<unsigned long, bool> rates[] = {
+        {99, false}, {100, true}, {100000, true}, {100001, false}, {0, true}, {0x100000064UL, false}};
+    const int id = group->New2DSound(file, nullptr);
+    for (const auto& [hz, isTaken] : rates)
+        EXPECT_EQ(group->SetFrequency(id, hz), isTaken) << hz;
+    EXPECT_EQ(group->GetFrequency(id), 0U);
+    group->SetFrequency(id, 4000);
+    EXPECT_EQ(group->GetFrequency(id), 4000U);
+    group->StartSound(id, Sound::StartImmediately);
+    recording.tellFrequency = true;
+    EXPECT_TRUE(group->SetFrequency(id, 3000));
+    EXPECT_EQ(group->GetFrequency(id), 3000U);
+    recording.refuseFrequency = true;
+    EXPECT_FALSE(group->SetFrequency(id, 2000));
+    EXPECT_EQ(Find(id)->GetNewFrequency(), 3000U);
+    recording.refuseFrequency = false;
+
+    const int fixed = Play(file, Sound::StartImmediately);
+    EXPECT_FALSE(group->SetFrequency(fixed, 3000));
+    EXPECT_EQ(group->GetFrequency(fixed), 1000U);
+}
+
+TEST_F(PlayInterfaceTest, GainsMultiplyAndReachRunningSoundsAtOnce)
+{
+    const int flat = Play(file, Sound::StartImmediately);
+    const int placed = Play3D(file, 1.0F, Sound::StartImmediately);
+    Music music;
+    EXPECT_TRUE(music.Play(file, false));
+    Sound stranger;
+    stranger.Play2DSound(other, nullptr, Sound::StartImmediately, 0, 0);
+    TakeLog();
+    // In no particular order.
+    const auto gains = [&] {
+        Lines lines = TakeLog();
+        std::sort(lines.begin(), lines.end());
+        return lines;
+    };
+    group->SetGain(0.5F);
+    EXPECT_EQ(gains(), (Lines{"c1 SetGain 0.5", "c2 SetGain 0.5"}));
+    SoundSystem::Set2DMainGain(0.25F);
+    EXPECT_EQ(gains(), (Lines{"c1 SetGain 0.125", "c4 SetGain 0.25"}));
+    SoundSystem::Set3DMainGain(0.5F);
+    EXPECT_EQ(gains(), Lines{"c2 SetGain 0.25"});
+    SoundSystem::SetMusicMainGain(0.75F);
+    EXPECT_EQ(gains(), Lines{"c3 SetGain 0.75"});
+    music.SetGain(0.5F);
+    EXPECT_EQ(gains(), Lines{"c3 SetGain 0.375"});
+    group->SetSoundGain(flat, 0.5F);
+    EXPECT_EQ(gains(), Lines{"c1 SetGain 0.0625"});
+    EXPECT_EQ(group->GetSoundGain(flat), 0.5F);
+    group->SetSoundGain(placed, 0.0F);
+    EXPECT_EQ(gains(), Lines{"c2 SetGain 0"});
+    group->SetGain(2.0F);
+    EXPECT_EQ(gains(), (Lines{"c1 SetGain 0.125", "c2 SetGain 0"}));
+}
+
+// What can be appended to what, and that a refusal leaves everything as it was.
+class CatTest : public PlayInterfaceTest
+{
+protected:
+    bool Cat(int id, MemoryBlock& block)
+    {
+        return group->CatSound(id, block.GetData(), block.GetSize(), &block.format);
+    }
+};
+
+TEST_F(CatTest, FilesOfAnotherFormAreRefused)
+{
+    const int id = group->New2DSound(file, nullptr);
+    EXPECT_TRUE(group->CatSound(id, other, nullptr));
+    const PcmForm forms[] = {{100, 2000}, {100, 1000, 2}, {100, 1000, 1, 8}};
+    for (const PcmForm& form : forms) {
+        EXPECT_FALSE(group->CatSound(id, WriteWave("odd.wav", form), nullptr));
+        EXPECT_FALSE(Cat(id, NewBlock("odd", form)));
+        folder.Remove("odd.wav");
+    }
+    EXPECT_FALSE(group->CatSound(id, PString("missing.wav"), nullptr));
+    MemoryBlock adpcm({100});
+    adpcm.format.formatTag = waveTagAdpcm;
+    EXPECT_FALSE(Cat(id, adpcm));
+    EXPECT_EQ(group->GetQueueLength(id), 1);
+    EXPECT_EQ(group->GetSoundLength(id), 2900U);
+    group->StopSound(id);
+    EXPECT_EQ(TakeLog({"free"}), Lines());
+}
+
+TEST_F(CatTest, OnlyASoundThatHasRoomTakesMore)
+{
+    EXPECT_FALSE(group->CatSound(Play(file, Sound::StartLooping), other, nullptr));
+    EXPECT_FALSE(group->CatSound(Play(file, Sound::StartImmediately), other, nullptr));
+    EXPECT_FALSE(group->CatSound(group->New2DSound(PString("missing.wav"), nullptr), other, nullptr));
+    EXPECT_FALSE(group->CatSound(group->New2DSound(PString(), nullptr), other, nullptr));
+    const int queued = Play(file, Sound::StartImmediately | Sound::StartQueued);
+    EXPECT_TRUE(group->CatSound(queued, other, nullptr));
+    EXPECT_TRUE(Cat(queued, NewBlock("block", {300})));
+    EXPECT_EQ(group->GetQueueLength(queued), 2);
+    // While its old piece fades out a sound has no file, and nothing to append to.
+    group->FadeOutSound(queued, 100);
+    EXPECT_FALSE(group->CatSound(queued, other, nullptr));
+    SoundSystem::StopAll();
+    // A sound that waits for its turn has none yet either, but a name to open one by.
+    const int first = Play(file, 0, 0, 500);
+    const int second = Play(file, 0, 0, 500);
+    EXPECT_EQ(Find(second)->GetSndFile(), nullptr);
+    EXPECT_TRUE(group->CatSound(second, other, nullptr));
+    EXPECT_EQ(group->GetSoundLength(second), 2900U);
+    EXPECT_EQ(group->GetSoundLength(first), 2000U);
+}
+
+// The lock of the channel must be free after each of the ways out.
+TEST_F(CatTest, TheChannelsLockIsGivenBackWhateverComes)
+{
+    const int id = Play(file, Sound::StartImmediately | Sound::StartQueued);
+    EXPECT_TRUE(group->CatSound(id, other, nullptr));
+    EXPECT_FALSE(group->CatSound(id, PString("missing.wav"), nullptr));
+    EXPECT_FALSE(Cat(id, NewBlock("odd", {100, 2000})));
+    CriticalSection* lock = Find(id)->GetSndChannel()->GetChanLock();
+    bool isFree = false;
+    std::thread([&] {
+        isFree = lock->Lock(0);
+        if (isFree)
+            lock->Unlock();
+    }).join();
+    EXPECT_TRUE(isFree);
+}
+
+TEST_F(PlayInterfaceTest, ASoundInMemoryMustBePcm)
+{
+    MemoryBlock block({700});
+    EXPECT_NE(group->New2DSound(block.GetData(), block.GetSize(), &block.format), 0);
+    const int placed = group->New3DSound(block.GetData(), block.GetSize(), &block.format);
+    EXPECT_EQ(group->GetSoundLength(placed), 700U);
+    block.format.formatTag = waveTagAdpcm;
+    EXPECT_EQ(group->New2DSound(block.GetData(), block.GetSize(), &block.format), 0);
+    EXPECT_EQ(group->New3DSound(block.GetData(), block.GetSize(), &block.format), 0);
+    EXPECT_EQ(group->Play2DSound(nullptr, 100, nullptr, 0, 0, 0), 0);
+}
+
+TEST_F(PlayInterfaceTest, AnotherWayToStartThatFailsLeavesNothing)
+{
+    EXPECT_EQ(Play(PString("missing.wav")), 0);
+    system.SetMaxAudibleSounds(0);
+    EXPECT_EQ(Play(file, Sound::StartImmediately), 0);
+    recording.channelLimit = 0;
+    system.SetMaxAudibleSounds(5);
+    EXPECT_EQ(Play(file, Sound::StartImmediately), 0);
+    Particle scene;
+    scene.SetName(PString("here"));
+    EXPECT_EQ(group->Play3DSound(nullptr, PString(), file, nullptr, 0, 0, {}, 0), 0);
+    EXPECT_EQ(group->Play3DSound(&scene, PString("elsewhere"), file, nullptr, 0, 0, {}, 0), 0);
+    // They were deleted without a word. The one without a channel had begun to be made and never began.
+    EXPECT_EQ(TakeLog({"begin", "abort", "end"}), Lines());
+    SoundSystem::StopAll();
+    EXPECT_EQ(TakeLog({"begin", "abort", "end"}), Lines());
+    EXPECT_NE(group->Play3DSound(&scene, PString("here"), file, nullptr, 0, 0, {}, 0), 0);
+}
+
+// A created sound whose start is refused can be started again.
+TEST_F(PlayInterfaceTest, ARefusedStartCanBeTriedAgain)
+{
+    system.SetMaxAudibleSounds(0);
+    const int id = group->New2DSound(file, nullptr);
+    EXPECT_FALSE(group->StartSound(id, Sound::StartImmediately));
+    EXPECT_NE(Find(id), nullptr);
+    system.SetMaxAudibleSounds(1);
+    EXPECT_TRUE(group->StartSound(id, 0));
+    EXPECT_EQ(Playing(), Ids{id});
+}
+
+TEST_F(PlayInterfaceTest, TheLengthOfAFileIsFoundWithoutASound)
+{
+    EXPECT_EQ(Sound::CalcSoundLength(other, nullptr), 900U);
+    EXPECT_EQ(Sound::CalcSoundLength(PString("missing.wav"), nullptr), 0U);
+    // Of a like sound it is known, queue and all.
+    const int id = Play(file, 0, 0, 500);
+    EXPECT_TRUE(group->CatSound(id, other, nullptr));
+    folder.Remove("a.wav");
+    EXPECT_EQ(Sound::CalcSoundLength(file, nullptr), 2000U);
+}
+
+TEST_F(PlayInterfaceTest, DeletingLeavesTheBlockToItsOwner)
+{
+    {
+        MemoryBlock block({700});
+        const int id = group->Play2DSound(
+            block.GetData(), block.GetSize(), &block.format, Sound::StartImmediately, 0, 0);
+        TakeLog();
+        group->DeleteSound(id);
+        EXPECT_EQ(TakeLog(), Lines{"c1 Stop"});
+    }
+    StepTimes(2, 40);
+}
+
+} // namespace
+} // namespace Quon
