@@ -15,6 +15,8 @@ public:
     GargleEffect(const FXGargle& wanted, const PcmLayout& pcmLayout);
 
     void Reset() override { oscillator.Reset(); }
+    /// It does not hold a sound back itself, but hides for up to a period what another effect still gives.
+    int GetReach() const override { return layout.rateHz / parameters.rateHz; }
 
 private:
     void Apply(std::span<float> pcm) override;

@@ -13,8 +13,10 @@ namespace Quon
 class Oscillator
 {
 public:
+    // The step is rounded up, so that a turn of a whole number of sample frames is not one of them late.
     Oscillator(double frequencyHz, int rateHz)
-        : step(static_cast<std::uint32_t>(std::fmod(frequencyHz / rateHz, 1.0) * wholeTurn))
+        : step(static_cast<std::uint32_t>(
+              static_cast<std::uint64_t>(std::ceil(std::fmod(frequencyHz / rateHz, 1.0) * wholeTurn))))
     {
     }
 
