@@ -81,6 +81,7 @@ bool SndFileMP3::Open(SndNode* newNode)
         Abandon();
         return false;
     }
+    soundLength = CalcLength(soundSamples);
     bytesPerSample = bytesPerSample == 1 ? 1 : 2;
     AllocateBuffers();
     Rewind();
@@ -112,6 +113,7 @@ bool SndFileMP3::OpenHandle(SndFileHandle* newHandle)
     if (soundSamples < 0) {
         CountSamples();
     }
+    soundLength = CalcLength(soundSamples);
     FinishOpen();
     return true;
 }
@@ -129,7 +131,6 @@ void SndFileMP3::CountSamples()
 void SndFileMP3::FinishOpen()
 {
     fileType = FileMP3;
-    soundLength = CalcLength(soundSamples);
     openChannels = channels;
     readPosition = 0;
     frameLength = 0;

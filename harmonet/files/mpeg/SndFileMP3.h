@@ -136,7 +136,8 @@ private:
     ScaleFactors scaleFactors[maxChannels] = {};
     SpectrumLimits limits[maxChannels] = {};
 
-    unsigned char headBytes[headBytesRead] = {}; ///< As read at the header found last.
+    /// As read at the header found last; the bit reader touches two bytes behind them.
+    unsigned char headBytes[headBytesRead + 2] = {};
     int headBytesHeld = 0;
 };
 
