@@ -18,7 +18,7 @@ SndFileHandle* SndFileCache::Acquire(const PString& substName, const PString& fi
         ++known->useCount;
         return known;
     }
-    std::unique_ptr<SndFileHandle> opened(new SndFileHandle(substName, fileName));
+    std::unique_ptr<SndFileHandle> opened(new SndFileHandle(*this, substName, fileName));
     if (!opened->file.Open(substName, fileName.GetText(), File::modeRead).IsOk())
         return nullptr;
     opened->LinkBefore(handles);
@@ -30,12 +30,8 @@ void SndFileCache::Release(SndFileHandle* handle)
 {
     if (handle == nullptr)
         return;
-    if (!Holds(*handle)) {
-        delete handle;
-        return;
-    }
     if (--handle->useCount <= 0)
-        Destroy(handle);
+        handle->list.Destroy(handle);
 }
 
 void SndFileCache::ReleaseAll()
@@ -54,17 +50,9 @@ SndFileHandle* SndFileCache::Find(const PString& substName, const PString& fileN
     return nullptr;
 }
 
-bool SndFileCache::Holds(const SndFileHandle& handle) const
-{
-    for (const IListNode* node = handles.next; node != &handles; node = node->next) {
-        if (node == &handle)
-            return true;
-    }
-    return false;
-}
-
 void SndFileCache::Destroy(SndFileHandle* handle)
 {
+    handle->Unlink();
     --count;
     delete handle;
 }

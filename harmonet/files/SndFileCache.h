@@ -22,8 +22,8 @@ public:
 
     /// The handle of that file, opened if need be, with one use more; null if it cannot be opened.
     SndFileHandle* Acquire(const PString& substName, const PString& fileName);
-    /// Gives one use back; the last one closes the file. A handle that another list or nobody keeps is closed
-    /// at once. Null is ignored.
+    /// Gives one use back; the last one closes the file. A handle of another list goes back to that list: a
+    /// reader may have been opened before this list took over. Null is ignored.
     void Release(SndFileHandle* handle);
     /// Closes every file, whatever its uses: for shutdown, after all sounds are gone.
     void ReleaseAll();
@@ -32,7 +32,6 @@ public:
 
 private:
     SndFileHandle* Find(const PString& substName, const PString& fileName);
-    bool Holds(const SndFileHandle& handle) const;
     void Destroy(SndFileHandle* handle);
 
     IListNode handles; ///< The files in order of their opening.

@@ -5,8 +5,9 @@
 namespace Quon
 {
 
-SndFileHandle::SndFileHandle(const PString& newSubstName, const PString& newFileName)
-    : fileName(newFileName)
+SndFileHandle::SndFileHandle(SndFileCache& newList, const PString& newSubstName, const PString& newFileName)
+    : list(newList)
+    , fileName(newFileName)
     , substName(newSubstName)
     , mutex(false, nullptr)
 {
@@ -14,7 +15,6 @@ SndFileHandle::SndFileHandle(const PString& newSubstName, const PString& newFile
 
 SndFileHandle::~SndFileHandle()
 {
-    Unlink();
     file.Close();
 }
 

@@ -9,11 +9,13 @@
 namespace Quon
 {
 
+class SndFileCache;
+
 /// One open file that any number of readers share. Made and counted by SndFileCache, on the task thread.
 class SndFileHandle : public Allocated, private IListNode
 {
 public:
-    /// Closes the file and leaves the list.
+    /// Closes the file.
     ~SndFileHandle();
     SndFileHandle(const SndFileHandle&) = delete;
     SndFileHandle& operator=(const SndFileHandle&) = delete;
@@ -32,8 +34,9 @@ public:
 private:
     friend class SndFileCache;
 
-    SndFileHandle(const PString& newSubstName, const PString& newFileName);
+    SndFileHandle(SndFileCache& newList, const PString& newSubstName, const PString& newFileName);
 
+    SndFileCache& list; ///< Where this stands.
     PString fileName;
     PString substName;
     File file;

@@ -63,6 +63,22 @@ TEST_F(OpenFiles, WhatCannotBeOpenedLeavesNoTrace)
     openFiles.Release(nullptr);
 }
 
+// Readers can have been opened before the sound system started and put its own list in place.
+TEST_F(OpenFiles, AFileOfAnotherListStaysOpenForItsOtherReaders)
+{
+    folder.Write("long", PcmWave(1, 8000, 8, Counting(20)));
+    auto first = Open("long");
+    const auto second = Open("long");
+    SndFileCache later;
+    SndFile::SetSndFileCache(&later);
+    first.reset();
+    EXPECT_EQ(ReadFrames(*second, 2), (Bytes{1, 2}));
+    EXPECT_EQ(openFiles.GetCount(), 1);
+    second->CloseFile(0, nullptr);
+    EXPECT_EQ(openFiles.GetCount(), 0);
+    EXPECT_EQ(later.GetCount(), 0);
+}
+
 TEST_F(OpenFiles, ShutdownClosesEveryFileWhateverItsUses)
 {
     folder.Write("other", Counting(10));
