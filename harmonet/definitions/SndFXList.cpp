@@ -52,6 +52,8 @@ void StoreRecord(SndFXDesc* desc, const void* record, unsigned long size, long q
     unsigned long bytes = std::min<unsigned long>(size, desc->size);
     if (desc->effect == SndFXEnvReverb) {
         const auto word = static_cast<std::int32_t>(quality);
+        if (bytes < sizeof word)
+            return;
         std::memcpy(body, &word, sizeof word);
         body += sizeof word;
         bytes -= sizeof word;
