@@ -1,6 +1,7 @@
 #include "examples/river/Picture.h"
 
 #include <array>
+#include <cstdarg>
 #include <cstdio>
 
 namespace River
@@ -30,11 +31,14 @@ public:
         Add("<rect width=\"100%%\" height=\"100%%\" fill=\"#fbfaf5\"/>\n");
     }
 
-    template<class... Values>
-    void Add(const char* format, Values... values)
+    // Both compilers check the values against the format.
+    __attribute__((format(printf, 2, 3))) void Add(const char* format, ...)
     {
         std::array<char, 400> line{};
-        std::snprintf(line.data(), line.size(), format, values...);
+        std::va_list values;
+        va_start(values, format);
+        std::vsnprintf(line.data(), line.size(), format, values);
+        va_end(values);
         text += line.data();
     }
 
