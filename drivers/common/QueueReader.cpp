@@ -46,7 +46,8 @@ QueueReader::Result QueueReader::Read(
                 return Result::Data;
             }
             const int given = std::clamp(file->ReadSamples(buffer, asked), 0, asked);
-            fileOver = given < asked;
+            // Not at the first short read: a stream that changes its form ends a read at the change.
+            fileOver = given == 0;
             if (given > 0) {
                 passGaveData = true;
                 sampleFrames = given;

@@ -31,7 +31,8 @@ double FormulaFile::GetStored(int sampleFrame, int channel) const
 int FormulaFile::ReadSamples(unsigned char* buffer, int samples)
 {
     Touch();
-    const int given = std::clamp(dataEnd - currentSample, 0, samples);
+    const int readEnd = currentSample < pauseAt ? std::min(pauseAt, dataEnd) : dataEnd;
+    const int given = std::clamp(readEnd - currentSample, 0, samples);
     for (int i = 0; i < given; ++i) {
         for (int channel = 0; channel < channels; ++channel) {
             long bits = Quantise(formula(currentSample + i, channel)) + (bytesPerSample == 1 ? 128 : 0);

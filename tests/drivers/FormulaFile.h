@@ -34,6 +34,10 @@ public:
     /// The data end before the sample frames that the form states.
     void BreakOffAt(int sampleFrame) { dataEnd = sampleFrame; }
 
+    /// A read that would pass this sample frame ends in front of it, as at a change of form; the next goes
+    /// on.
+    void PauseAt(int sampleFrame) { pauseAt = sampleFrame; }
+
     /// From now on nobody may call any operation; GetForbiddenTouches() counts those who do.
     void Forbid() { forbidden = true; }
     int GetForbiddenTouches() const { return forbiddenTouches; }
@@ -58,6 +62,7 @@ private:
 
     const Formula formula;
     int dataEnd;
+    int pauseAt = 0;
     std::atomic<bool> forbidden = false;
     std::atomic<int> forbiddenTouches = 0;
     std::mutex mutex;

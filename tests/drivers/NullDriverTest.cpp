@@ -315,6 +315,19 @@ TEST_F(NullDriver, AFileThatGivesLessThanItStatesIsLeftWhereItsDataEnd)
     EXPECT_EQ(file->GetFramesRead(), 2000);
 }
 
+// A coded stream that changes its channels half-way ends a read at the change.
+TEST_F(NullDriver, AReadThatComesShortInTheMiddleIsNotTheEndOfTheData)
+{
+    const auto file = MakeFile({4000}, Constant(0.0));
+    file->PauseAt(1000);
+    rig.Play(*file);
+    rig.StepTimes(2, 40);
+    EXPECT_TRUE(rig.TakeEvents().empty());
+    rig.Step(40);
+    EXPECT_EQ(rig.TakeEvents().size(), 1u);
+    EXPECT_EQ(file->GetFramesRead(), 4000);
+}
+
 TEST_F(NullDriver, ALoopThatHasNoDataEndsInsteadOfRunningForEver)
 {
     const auto stated = MakeFile({44100}, Constant(0.0));
