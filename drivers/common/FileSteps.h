@@ -15,6 +15,7 @@ struct FileStep
     SndFile* oldFile;
     SndFile* newFile;
     std::int64_t position; ///< Sample frames of the channel's stream that stand before the new file's first.
+    std::int64_t oldEnd; ///< And before the end of the old one: fewer, if effects made sound in between.
 };
 
 /// The steps that a channel has taken and the library has not been told of yet, oldest first.

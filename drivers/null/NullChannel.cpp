@@ -114,7 +114,7 @@ void NullChannel::Pull(std::uint64_t sampleFrames, std::span<unsigned char> scra
         int given = 0;
         switch (reader.Read(*this, scratch.data(), static_cast<int>(scratch.size()), wanted, given)) {
         case QueueReader::Result::Stepped:
-            steps.Add({before, GetSndFile(), 0});
+            steps.Add({before, GetSndFile(), 0, 0});
             break;
         case QueueReader::Result::End:
             return;

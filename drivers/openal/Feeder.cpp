@@ -16,6 +16,7 @@ constexpr std::chrono::milliseconds roundTime{10};
 constexpr int maxLastRounds = 15;
 constexpr int minReadAheadMs = 80;
 constexpr int maxReadAheadMs = 200;
+constexpr std::int64_t tailMicroseconds = 60000;
 constexpr int blocksAhead = 5;
 static_assert(blocksAhead < Voice::bufferCount);
 
@@ -24,7 +25,7 @@ ReadAhead MakeReadAhead(int readAheadMs)
 {
     const std::int64_t whole = std::int64_t{std::clamp(readAheadMs, minReadAheadMs, maxReadAheadMs)} * 1000;
     const std::int64_t block = whole / blocksAhead;
-    return {whole - block, block, block};
+    return {whole - block, block, block, std::min(whole - block, tailMicroseconds)};
 }
 
 } // namespace

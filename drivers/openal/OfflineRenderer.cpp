@@ -51,8 +51,8 @@ void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)
 {
     // Rounded up, or a block could be one sample frame short.
     const std::int64_t blockMicroseconds = (sampleFrames * microsecondsPerSecond + rate - 1) / rate;
-    const ReadAhead ahead = {
-        blockMicroseconds + fallMicroseconds, fallMicroseconds, 2 * (blockMicroseconds + fallMicroseconds)};
+    const std::int64_t target = blockMicroseconds + fallMicroseconds;
+    const ReadAhead ahead = {target, fallMicroseconds, 2 * target, target};
     for (const auto& channel : channels) {
         channel->Pump(ahead, device.GetTime() + sampleFrames, true);
     }

@@ -32,7 +32,7 @@ OpenALChannel::OpenALChannel(const ChannelServices& channelServices)
 {
 }
 
-bool OpenALChannel::Prepare(unsigned int flags, SndFile* file)
+bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& effects)
 {
     const ContextScope scope(services.device);
     Voice* const newVoice = services.voices.Take();
@@ -50,7 +50,8 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file)
     const SyncLock lock(chanLock);
     const bool looping = flags & ChanLooping;
     SetSndFile(file);
-    feed.Start(positional ? 1 : 2, looping);
+    feed.Start(positional ? 1 : 2, looping, *file, effects);
+    hasEffects = !feed.GetEffects().IsEmpty();
     const std::scoped_lock outputLock(outputMutex);
     voice = newVoice;
     steps.Clear();
@@ -99,6 +100,7 @@ void OpenALChannel::GiveBackVoice()
     const std::scoped_lock outputLock(outputMutex);
     SetSndFile(steps.GetOldestFile(GetSndFile()));
     steps.Clear();
+    feed.Finish();
     services.voices.Retire(std::exchange(voice, nullptr));
 }
 
@@ -122,7 +124,7 @@ unsigned long OpenALChannel::GetRemainLength()
     if (!voice) {
         return 0;
     }
-    const std::int64_t end = steps.IsEmpty() ? fileEnd : steps.GetOldest().position;
+    const std::int64_t end = steps.IsEmpty() ? fileEnd : steps.GetOldest().oldEnd;
     std::int64_t left = end - voice->GetFramesHeard();
     // What is read can be a pass or more of a loop ahead of what is heard.
     if (passLength > 0 && left > 0) {
@@ -195,7 +197,7 @@ void OpenALChannel::SetDirection(const Vector3& direction)
 
 bool OpenALChannel::SetFrequency(unsigned long hz)
 {
-    if (!IsRateAccepted(hz)) {
+    if (hasEffects || !IsRateAccepted(hz)) {
         return false;
     }
     const ContextScope scope(services.device);
@@ -211,6 +213,16 @@ unsigned long OpenALChannel::GetFrequency()
 {
     const std::scoped_lock outputLock(outputMutex);
     return wantedHz != 0 ? wantedHz : static_cast<unsigned long>(fileRateHz);
+}
+
+template<class Record>
+bool OpenALChannel::GetParameters(Record* record)
+{
+    if (!hasEffects) {
+        return false;
+    }
+    const SyncLock lock(chanLock);
+    return feed.GetEffects().GetParameters(record);
 }
 
 void OpenALChannel::OnListenerMoved()
@@ -319,7 +331,8 @@ OpenALChannel::Wanted OpenALChannel::CountWanted(const ReadAhead& ahead)
     const std::scoped_lock outputLock(outputMutex);
     const double speedHz = GetSpeedHz();
     const std::int64_t isAhead = voice->GetFramesQueued() - voice->GetFramesHeard();
-    const std::int64_t missing = ToFrames(ahead.target, speedHz) + resamplerFrames - isAhead;
+    const std::int64_t target = feed.GetTailFrames() > 0 ? ahead.tailTarget : ahead.target;
+    const std::int64_t missing = ToFrames(target, speedHz) + resamplerFrames - isAhead;
     if (missing <= 0 || !voice->HasRoom() || fadeOut.IsOver(services.device.GetTime())) {
         return {0, speedHz};
     }
@@ -333,8 +346,7 @@ void OpenALChannel::QueueBlock(int sampleFrames, bool ranDry)
     const std::scoped_lock outputLock(outputMutex);
     const std::int64_t begin = voice->GetFramesQueued();
     if (begin == 0 && sampleFrames > 0) {
-        // A stream tells its rate for certain only once it has been read from.
-        fileRateHz = std::max(GetSndFile()->GetSampleFrequency(), 1);
+        fileRateHz = feed.GetRateHz();
         ApplySpeed();
     }
     if (sampleFrames > 0) {
@@ -343,6 +355,7 @@ void OpenALChannel::QueueBlock(int sampleFrames, bool ranDry)
     for (FileSteps& fresh = feed.GetSteps(); !fresh.IsEmpty(); fresh.DropOldest()) {
         FileStep step = fresh.GetOldest();
         step.position += begin;
+        step.oldEnd += begin;
         steps.Add(step);
     }
     isDry = ranDry;
@@ -351,7 +364,7 @@ void OpenALChannel::QueueBlock(int sampleFrames, bool ranDry)
 
 void OpenALChannel::UpdateFileEnd()
 {
-    fileEnd = voice->GetFramesQueued() + feed.GetReader().GetFramesLeft(*this);
+    fileEnd = voice->GetFramesQueued() - feed.GetTailFrames() + feed.GetReader().GetFramesLeft(*this);
 }
 
 double OpenALChannel::GetSpeedHz() const

@@ -22,6 +22,7 @@ struct ReadAhead
     std::int64_t target; ///< Blocks are queued until that much is ahead.
     std::int64_t minBlock; ///< And each is at least that long,
     std::int64_t maxBlock; ///< and at most that.
+    std::int64_t tailTarget; ///< Of effects that sound after the end: what is appended then waits that long.
 };
 
 /// The listener, as far as channels have to know of it. Task thread only.
@@ -48,6 +49,10 @@ struct ChannelServices
 /// Those of the output are under `outputMutex`, which is not, so that setting a gain or asking for the
 /// remaining time never waits for the disk. The channel's lock is taken before the mutex.
 ///
+/// The sound's insert effects work on what is read, before it is queued. When there is nothing more to read
+/// they sound on, until they have fallen by 60 dB or for 3 s, and only then the channel ends; the remaining
+/// length is 0 meanwhile. Stop() cuts that off.
+///
 /// A step to the next file is reported when the last sample frame before it has been heard. Stop() and the
 /// end of a fade set `sndFile` back to the oldest file that has not been reported as left, so that whoever
 /// owns the chain finds all of it. Both let the sound fall silent over the next block that is mixed, out of
@@ -72,16 +77,29 @@ public:
     void SetMinMaxDistance(float minDistance, float maxDistance, bool cutout) override;
     void SetCone(float innerAngle, float outerAngle, float outerGain) override;
     void SetDirection(const Vector3& direction) override;
-    /// Takes 100 to 100 000 Hz, and 0 for the file's own rate, on every channel; heard in all that is queued.
+    /// Takes 100 to 100 000 Hz, and 0 for the file's own rate, on every channel without insert effects; heard
+    /// in all that is queued.
     bool SetFrequency(unsigned long hz) override;
     unsigned long GetFrequency() override;
+
+    /// These tell the parameters that are applied, each held to its range. False if the sound does not have
+    /// the effect. They wait for a read that is going on.
+    bool GetFXChorus(FXChorus* record) override { return GetParameters(record); }
+    bool GetFXFlanger(FXFlanger* record) override { return GetParameters(record); }
+    bool GetFXEcho(FXEcho* record) override { return GetParameters(record); }
+    bool GetFXDistortion(FXDistortion* record) override { return GetParameters(record); }
+    bool GetFXCompressor(FXCompressor* record) override { return GetParameters(record); }
+    bool GetFXParamEq(FXParamEq* record) override { return GetParameters(record); }
+    bool GetFXGargle(FXGargle* record) override { return GetParameters(record); }
+    bool GetFXWavesReverb(FXWavesReverb* record) override { return GetParameters(record); }
 
     // For the driver, on the task thread.
 
     bool IsFree() const { return state == State::Free; }
 
-    /// Makes a free channel ready to play `file`. False, and it stays free, if there is no voice for it.
-    bool Prepare(unsigned int flags, SndFile* file);
+    /// Makes a free channel ready to play `file` with the effects of the list, which is copied. False, and it
+    /// stays free, if there is no voice for it.
+    bool Prepare(unsigned int flags, SndFile* file, const SndFXList& effects);
 
     /// Follows a change of the listener's position or of the rolloff factor.
     void OnListenerMoved();
@@ -119,6 +137,9 @@ private:
         double speedHz;
     };
 
+    template<class Record>
+    bool GetParameters(Record* record);
+
     void PumpRound(const ReadAhead& ahead, std::int64_t time);
     void StartRound(std::int64_t time);
     Wanted CountWanted(const ReadAhead& ahead);
@@ -136,6 +157,7 @@ private:
     // Task thread only.
     State state = State::Free;
     bool positional = false;
+    bool hasEffects = false; ///< Insert effects, which fix the rate.
     Vector3 position;
     DistanceRange range;
     Cone cone;

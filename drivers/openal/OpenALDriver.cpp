@@ -195,14 +195,14 @@ void OpenALDriver::SetRolloffFactor(float factor)
     }
 }
 
-SndChannel* OpenALDriver::CreateChannel(unsigned int flags, SndFile* file, SndFXList)
+SndChannel* OpenALDriver::CreateChannel(unsigned int flags, SndFile* file, SndFXList fx)
 {
     if (!file || !IsPlayable(*file)) {
         return nullptr;
     }
     for (const auto& channel : channels) {
         if (channel->IsFree()) {
-            return channel->Prepare(flags, file) ? channel.get() : nullptr;
+            return channel->Prepare(flags, file, fx) ? channel.get() : nullptr;
         }
     }
     return nullptr;

@@ -22,10 +22,10 @@ namespace Quon
 /// What is set between BeginUpdate() and EndUpdate() takes hold together. A sound whose data have run out and
 /// are appended to before its end is reported goes on.
 ///
-/// Channels: as many as SetMaxChannels() asks for, or as OpenAL has sources; none before that call. No
-/// effects yet, and so no capability. Coordinates are those of OpenAL: right-handed, the listener looks along
-/// negative Z with Y up. All operations on the task thread. The host may use OpenAL for itself: the process's
-/// context and that of the calling thread are left as they are.
+/// Channels: as many as SetMaxChannels() asks for, or as OpenAL has sources; none before that call.
+/// The insert effects of a sound work on its PCM before it is queued. Coordinates are those of OpenAL:
+/// right-handed, the listener looks along negative Z with Y up. All operations on the task thread. The host
+/// may use OpenAL for itself: the process's context and that of the calling thread are left as they are.
 class OpenALDriver final : public SndDriver
 {
 public:

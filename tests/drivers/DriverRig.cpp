@@ -1,6 +1,5 @@
 #include "tests/drivers/DriverRig.h"
 
-#include "harmonet/definitions/SndFXList.h"
 #include "harmonet/engine/DynamicLibrary.h"
 #include "harmonet/files/SndFile.h"
 
@@ -43,14 +42,14 @@ void DriverRig::Close()
     driver.reset();
 }
 
-SndChannel* DriverRig::Create(SndFile& file, unsigned int flags)
+SndChannel* DriverRig::Create(SndFile& file, unsigned int flags, const SndFXList& fx)
 {
-    return driver->CreateChannel(flags, &file, SndFXList());
+    return driver->CreateChannel(flags, &file, fx);
 }
 
-SndChannel* DriverRig::Play(SndFile& file, unsigned int flags)
+SndChannel* DriverRig::Play(SndFile& file, unsigned int flags, const SndFXList& fx)
 {
-    SndChannel* const channel = Create(file, flags);
+    SndChannel* const channel = Create(file, flags, fx);
     if (!channel) {
         throw std::runtime_error("the driver has no channel");
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/definitions/SndFXList.h"
 #include "harmonet/engine/OS.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
@@ -46,9 +47,9 @@ public:
     Options& GetOptions() { return *os.GetOptions(); }
 
     /// Null if the driver refuses.
-    SndChannel* Create(SndFile& file, unsigned int flags = 0);
+    SndChannel* Create(SndFile& file, unsigned int flags = 0, const SndFXList& fx = {});
     /// A channel that plays. The driver must not refuse.
-    SndChannel* Play(SndFile& file, unsigned int flags = 0);
+    SndChannel* Play(SndFile& file, unsigned int flags = 0, const SndFXList& fx = {});
     /// Appends `next` to the queue that begins with `head`, as it is done to a running channel.
     void Append(SndChannel& channel, SndFile& head, SndFile& next);
 

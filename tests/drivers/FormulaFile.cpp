@@ -31,6 +31,9 @@ double FormulaFile::GetStored(int sampleFrame, int channel) const
 int FormulaFile::ReadSamples(unsigned char* buffer, int samples)
 {
     Touch();
+    if (trueRateHz > 0) {
+        sampleFrequency = trueRateHz;
+    }
     const int readEnd = currentSample < pauseAt ? std::min(pauseAt, dataEnd) : dataEnd;
     const int given = std::clamp(readEnd - currentSample, 0, samples);
     for (int i = 0; i < given; ++i) {

@@ -38,6 +38,9 @@ public:
     /// on.
     void PauseAt(int sampleFrame) { pauseAt = sampleFrame; }
 
+    /// What the form says of the rate turns out to be wrong at the first read.
+    void TurnOutToHave(int newRateHz) { trueRateHz = newRateHz; }
+
     /// From now on nobody may call any operation; GetForbiddenTouches() counts those who do.
     void Forbid() { forbidden = true; }
     int GetForbiddenTouches() const { return forbiddenTouches; }
@@ -63,6 +66,7 @@ private:
     const Formula formula;
     int dataEnd;
     int pauseAt = 0;
+    int trueRateHz = 0;
     std::atomic<bool> forbidden = false;
     std::atomic<int> forbiddenTouches = 0;
     std::mutex mutex;

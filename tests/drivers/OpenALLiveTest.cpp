@@ -1,5 +1,6 @@
 #include "tests/drivers/FormulaFile.h"
 #include "tests/drivers/OfflineRig.h"
+#include "tests/drivers/effects/OwnedList.h"
 
 #include <gtest/gtest.h>
 
@@ -154,6 +155,8 @@ protected:
         bool looping;
     };
 
+    RandomGame() { effects.Add(SndFXEcho, FXEcho{50, 30, 20, 30, 1}); }
+
     int Draw(int below) { return std::uniform_int_distribution<>(0, below - 1)(random); }
 
     FormulaFile* NewFile(int fileHz)
@@ -169,7 +172,8 @@ protected:
         FormulaFile* const head = NewFile(fileHz);
         const bool looping = Draw(4) == 0;
         SndChannel* const channel =
-            rig.Create(*head, (Draw(2) ? ChanPositional : 0u) | (looping ? ChanLooping : 0u));
+            rig.Create(*head, (Draw(2) ? ChanPositional : 0u) | (looping ? ChanLooping : 0u),
+                Draw(3) == 0 ? effects.Get() : SndFXList());
         if (channel) {
             if (Draw(3) == 0) {
                 channel->FadeIn(Draw(200));
@@ -254,6 +258,7 @@ protected:
     }
 
     std::mt19937 random{20262};
+    Testing::OwnedList effects;
     std::vector<std::unique_ptr<FormulaFile>> files;
     std::map<SndChannel*, Playing> sounds;
     int changes = 0;

@@ -3,6 +3,7 @@
 #include "drivers/openal/effects/DistortionEffect.h"
 #include "drivers/openal/effects/EchoEffect.h"
 #include "drivers/openal/effects/GargleEffect.h"
+#include "tests/drivers/effects/OwnedList.h"
 #include "tests/drivers/effects/Signals.h"
 
 #include <gtest/gtest.h>
@@ -18,29 +19,6 @@ constexpr int rateHz = 8000;
 constexpr FXEcho echo = {50, 50, 100, 100, 0};
 constexpr FXGargle gargle = {40, 1};
 constexpr FXDistortion distortion = {-6, 80, 1000, 2000, 2000};
-
-/// A list that its owner frees, as a sound does.
-class OwnedList
-{
-public:
-    OwnedList() = default;
-    OwnedList(const OwnedList&) = delete;
-    OwnedList& operator=(const OwnedList&) = delete;
-    ~OwnedList() { list.Clear(); }
-
-    template<class Record>
-    OwnedList& Add(SndFX effect, const Record& record)
-    {
-        const bool hasQuality = effect == SndFXEnvReverb;
-        list.AddFX(effect, &record, sizeof record + (hasQuality ? sizeof(std::int32_t) : 0), 2);
-        return *this;
-    }
-
-    const SndFXList& Get() const { return list; }
-
-private:
-    SndFXList list;
-};
 
 /// The tail in steps of `blockFrames`, as a driver asks for it; for ever, if it does not end.
 Pcm CollectTail(EffectChain& chain, std::size_t blockFrames, int channels = 1)
