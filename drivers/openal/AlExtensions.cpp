@@ -29,7 +29,6 @@ bool AlExtensions::LoadGlobal()
         LoadFromDevice(setThreadContext, nullptr, "alcSetThreadContext") &&
         LoadFromDevice(getThreadContext, nullptr, "alcGetThreadContext") &&
         LoadFromDevice(loopbackOpenDevice, nullptr, "alcLoopbackOpenDeviceSOFT") &&
-        LoadFromDevice(isRenderFormatSupported, nullptr, "alcIsRenderFormatSupportedSOFT") &&
         LoadFromDevice(renderSamples, nullptr, "alcRenderSamplesSOFT");
 }
 

@@ -14,7 +14,6 @@ struct AlExtensions
     PFNALCSETTHREADCONTEXTPROC setThreadContext = nullptr;
     PFNALCGETTHREADCONTEXTPROC getThreadContext = nullptr;
     LPALCLOOPBACKOPENDEVICESOFT loopbackOpenDevice = nullptr;
-    LPALCISRENDERFORMATSUPPORTEDSOFT isRenderFormatSupported = nullptr;
     LPALCRENDERSAMPLESSOFT renderSamples = nullptr;
     LPALDEFERUPDATESSOFT deferUpdates = nullptr;
     LPALPROCESSUPDATESSOFT processUpdates = nullptr;

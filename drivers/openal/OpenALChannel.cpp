@@ -43,7 +43,7 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     position = {};
     range = {0.0f, 0.0f, (flags & ChanCutOut) != 0};
     cone = {};
-    newVoice->Begin(positional);
+    newVoice->Begin(positional, services.device.IsHrtfOn());
     if (positional) {
         newVoice->SetRolloffFactor(services.listener.rolloffFactor);
     }

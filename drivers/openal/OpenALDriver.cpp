@@ -1,8 +1,6 @@
 #include "drivers/openal/OpenALDriver.h"
 
 #include "harmonet/definitions/SndFXList.h"
-#include "harmonet/engine/OS.h"
-#include "harmonet/engine/String.h"
 #include "harmonet/files/SndFile.h"
 
 #include <algorithm>
@@ -15,21 +13,9 @@ namespace Quon
 namespace
 {
 
-constexpr const char* renderOption = "OpenALRender";
 constexpr int outputChannels = 2;
 constexpr int readAheadParts = 5;
 constexpr int maxDriverChannels = 512;
-
-bool GetRenderPath(const OS* os, String& path)
-{
-    Options* const options = os ? os->GetOptions() : nullptr;
-    if (!options) {
-        return false;
-    }
-    // A path can hold anything but the end of a line.
-    options->SetSeperators(renderOption, "\n");
-    return options->GetNext(renderOption, path);
-}
 
 } // namespace
 
@@ -48,23 +34,23 @@ bool OpenALDriver::Open(OS* os, const SoundFormat* format, int streamLength, boo
     if (!format || format->GetChannels() != outputChannels || format->GetSampleFrequency() <= 0) {
         return false;
     }
-    String path;
-    return GetRenderPath(os, path) ? OpenRendered(path.GetText(), format->GetSampleFrequency())
-                                   : OpenLive(format->GetSampleFrequency(), streamLength);
+    const DriverOptions options = ReadOptions(os);
+    const int rateHz = format->GetSampleFrequency();
+    return options.isRendered ? OpenRendered(options, rateHz) : OpenLive(options, rateHz, streamLength);
 }
 
-bool OpenALDriver::OpenRendered(const char* path, int rateHz)
+bool OpenALDriver::OpenRendered(const DriverOptions& options, int rateHz)
 {
-    if (!device.OpenLoopback(rateHz)) {
+    if (!device.OpenLoopback(rateHz, options.hrtf)) {
         return false;
     }
     renderer = std::make_unique<OfflineRenderer>(device, voices);
-    return renderer->Open(path, rateHz);
+    return renderer->Open(options.renderPath.GetText(), rateHz);
 }
 
-bool OpenALDriver::OpenLive(int rateHz, int streamLength)
+bool OpenALDriver::OpenLive(const DriverOptions& options, int rateHz, int streamLength)
 {
-    if (!device.OpenLive(rateHz)) {
+    if (!device.OpenLive(rateHz, options.hrtf)) {
         return false;
     }
     feeder = std::make_unique<Feeder>(device, voices, streamLength / readAheadParts);

@@ -18,6 +18,12 @@ namespace Quon
 /// *Rendered.* No thread: BeginUpdate() renders exactly the time it is given, at the rate of the output
 /// format, and everything goes by that time.
 ///
+/// *For headphones.* The option "OpenALHRTF" has positional sounds worked out for two ears: 1 on, 0 off, -1,
+/// the default, as the device and the user's configuration of OpenAL have it; for a rendered file that is
+/// off. It is a wish: a configuration can overrule it, and where it cannot be had it stays off. Rendered,
+/// that is at rates other than 44100 and 48000 Hz in the usual installation. Sounds without a place never
+/// take part.
+///
 /// BeginUpdate() then reports, first all changes of file and then all ends, in the order of the channels.
 /// What is set between BeginUpdate() and EndUpdate() takes hold together. A sound whose data have run out and
 /// are appended to before its end is reported goes on.
@@ -57,8 +63,8 @@ public:
     SndChannel* CreateChannel(unsigned int flags, SndFile* file, SndFXList fx) override;
 
 private:
-    bool OpenRendered(const char* path, int rateHz);
-    bool OpenLive(int rateHz, int streamLength);
+    bool OpenRendered(const DriverOptions& options, int rateHz);
+    bool OpenLive(const DriverOptions& options, int rateHz, int streamLength);
     void ReportEvents();
     void Report(int event, void* data);
 

@@ -24,36 +24,25 @@ std::int64_t GetSteadyNanoseconds()
 
 } // namespace
 
-OutputDevice::~OutputDevice()
-{
-    if (context) {
-        alcDestroyContext(context);
-    }
-    if (device) {
-        alcCloseDevice(device);
-    }
-}
-
-bool OutputDevice::OpenLive(int rateHz)
+bool OutputDevice::OpenLive(int rateHz, Hrtf hrtf)
 {
     if (!extensions.LoadGlobal()) {
         return false;
     }
-    device = alcOpenDevice(nullptr);
-    const ALCint attributes[] = {ALC_FREQUENCY, rateHz, ALC_MONO_SOURCES, wantedSources, 0};
-    if (!device || !OpenContext(attributes)) {
+    const ALCint attributes[] = {ALC_FREQUENCY, rateHz, ALC_MONO_SOURCES, wantedSources};
+    if (!OpenSession(alcOpenDevice(nullptr), attributes, hrtf)) {
         return false;
     }
     // Two periods: a change can come just after the device has begun to mix one.
     ALCint periodsPerSecond = 0;
-    alcGetIntegerv(device, ALC_REFRESH, 1, &periodsPerSecond);
-    settleTime = extensions.getInteger64v && periodsPerSecond > 0
+    alcGetIntegerv(session->GetDevice(), ALC_REFRESH, 1, &periodsPerSecond);
+    settleTime = session->GetExtensions().getInteger64v && periodsPerSecond > 0
         ? 2 * nanosecondsPerSecond / periodsPerSecond
         : presumedSettleTime;
     return true;
 }
 
-bool OutputDevice::OpenLoopback(int rateHz)
+bool OutputDevice::OpenLoopback(int rateHz, Hrtf hrtf)
 {
     if (!extensions.LoadGlobal()) {
         return false;
@@ -61,31 +50,27 @@ bool OutputDevice::OpenLoopback(int rateHz)
     loopback = true;
     rate = rateHz;
     settleTime = 1;
-    device = extensions.loopbackOpenDevice(nullptr);
-    if (!device || !extensions.isRenderFormatSupported(device, rateHz, ALC_STEREO_SOFT, ALC_FLOAT_SOFT)) {
-        return false;
-    }
+    ALCdevice* const device = extensions.loopbackOpenDevice(nullptr);
     const ALCint attributes[] = {ALC_FORMAT_CHANNELS_SOFT, ALC_STEREO_SOFT, ALC_FORMAT_TYPE_SOFT,
-        ALC_FLOAT_SOFT, ALC_FREQUENCY, rateHz, ALC_MONO_SOURCES, wantedSources, ALC_HRTF_SOFT, ALC_FALSE,
-        ALC_OUTPUT_LIMITER_SOFT, ALC_FALSE, 0};
-    return OpenContext(attributes);
+        ALC_FLOAT_SOFT, ALC_FREQUENCY, rateHz, ALC_MONO_SOURCES, wantedSources, ALC_OUTPUT_LIMITER_SOFT,
+        ALC_FALSE};
+    return OpenSession(device, attributes, hrtf == Hrtf::On ? Hrtf::On : Hrtf::Off);
 }
 
-bool OutputDevice::OpenContext(const ALCint* attributes)
+// The context of a loopback device is refused when its format is.
+bool OutputDevice::OpenSession(ALCdevice* device, std::span<const ALCint> attributes, Hrtf hrtf)
 {
-    context = alcCreateContext(device, attributes);
-    if (!context) {
+    session = std::make_unique<AlSession>(device, extensions);
+    if (!session->CreateContext(attributes, hrtf)) {
         return false;
     }
-    const ContextScope scope(*this);
-    alDistanceModel(AL_INVERSE_DISTANCE_CLAMPED);
-    alDopplerFactor(0.0f);
-    return extensions.LoadForDevice(device);
+    hrtfOn = session->IsHrtfOn();
+    return true;
 }
 
 void OutputDevice::Render(float* stereo, int sampleFrames)
 {
-    extensions.renderSamples(device, stereo, sampleFrames);
+    extensions.renderSamples(session->GetDevice(), stereo, sampleFrames);
     renderedFrames += sampleFrames;
 }
 
@@ -104,11 +89,12 @@ std::int64_t OutputDevice::GetMixClock() const
     if (loopback) {
         return renderedFrames;
     }
-    if (!extensions.getInteger64v) {
+    const auto getInteger64v = session->GetExtensions().getInteger64v;
+    if (!getInteger64v) {
         return GetSteadyNanoseconds();
     }
     ALCint64SOFT clock = 0;
-    extensions.getInteger64v(device, ALC_DEVICE_CLOCK_SOFT, 1, &clock);
+    getInteger64v(session->GetDevice(), ALC_DEVICE_CLOCK_SOFT, 1, &clock);
     return clock;
 }
 
@@ -130,7 +116,7 @@ void OutputDevice::SetListenerOrientation(const Vector3& front, const Vector3& t
 
 ContextScope::ContextScope(const OutputDevice& device)
     : extensions(device.extensions)
-    , mine(device.context)
+    , mine(device.session->GetContext())
     , previous(extensions.getThreadContext())
 {
     if (previous != mine) {

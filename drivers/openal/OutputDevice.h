@@ -1,9 +1,10 @@
 #pragma once
 
-#include "drivers/openal/AlExtensions.h"
+#include "drivers/openal/AlSession.h"
 #include "harmonet/engine/Vector.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace Quon
 {
@@ -11,23 +12,24 @@ namespace Quon
 /// The OpenAL device and its context: either the default device of the machine or a loopback device that is
 /// rendered by call. Owned by the driver. A thread that calls OpenAL, through this class or a Voice, first
 /// makes the context its own with a ContextScope: the context that is current for the whole process stays the
-/// host's.
+/// host's. At its end no ContextScope may be left.
 class OutputDevice
 {
 public:
     OutputDevice() = default;
     OutputDevice(const OutputDevice&) = delete;
     OutputDevice& operator=(const OutputDevice&) = delete;
-    /// No ContextScope may be left.
-    ~OutputDevice();
 
     /// Opens the default device, asking for the given rate; it may get another one. False, without waiting,
     /// when there is no device or the OpenAL implementation lacks what the driver needs.
-    bool OpenLive(int rateHz);
+    bool OpenLive(int rateHz, Hrtf hrtf);
 
-    /// Opens a loopback device of exactly this rate: stereo, in float, without a limiter and without HRTF,
-    /// which hands out what was put in bit by bit. False if it cannot be had.
-    bool OpenLoopback(int rateHz);
+    /// Opens a loopback device of exactly this rate: stereo, in float and without a limiter, which hands out
+    /// what was put in bit by bit. HRTF is off unless it is asked for. False if it cannot be had.
+    bool OpenLoopback(int rateHz, Hrtf hrtf);
+
+    /// Whether positional sounds are worked out for two ears. All others are to be kept out of that.
+    bool IsHrtfOn() const { return hrtfOn; }
 
     /// Mixes the next `sampleFrames` of a loopback device into `stereo`. Task thread.
     void Render(float* stereo, int sampleFrames);
@@ -43,8 +45,8 @@ public:
     std::int64_t GetSettleTime() const { return settleTime; }
 
     /// Settings of sources and listener made between these two take hold together.
-    void DeferUpdates() { extensions.deferUpdates(); }
-    void ProcessUpdates() { extensions.processUpdates(); }
+    void DeferUpdates() { session->GetExtensions().deferUpdates(); }
+    void ProcessUpdates() { session->GetExtensions().processUpdates(); }
 
     void SetMainGain(float gain);
     void SetListenerPosition(const Vector3& position);
@@ -53,11 +55,11 @@ public:
 private:
     friend class ContextScope;
 
-    bool OpenContext(const ALCint* attributes);
+    bool OpenSession(ALCdevice* device, std::span<const ALCint> attributes, Hrtf hrtf);
 
-    AlExtensions extensions;
-    ALCdevice* device = nullptr;
-    ALCcontext* context = nullptr;
+    AlExtensions extensions; ///< Without those of a device.
+    std::unique_ptr<AlSession> session;
+    bool hrtfOn = false;
     bool loopback = false;
     int rate = 0;
     std::int64_t renderedFrames = 0;

@@ -29,11 +29,13 @@ bool Voice::Create()
     return alGetError() == AL_NO_ERROR;
 }
 
-void Voice::Begin(bool positional)
+void Voice::Begin(bool positional, bool bypassesHrtf)
 {
     framesQueued = 0;
     framesReturned = 0;
     alSourcei(source, AL_SOURCE_RELATIVE, positional ? AL_FALSE : AL_TRUE);
+    // Without need it would silence the sound on a device of one channel.
+    alSourcei(source, AL_DIRECT_CHANNELS_SOFT, !positional && bypassesHrtf ? AL_TRUE : AL_FALSE);
     SetGain(1.0f);
     SetPitch(1.0f);
     SetPosition({});

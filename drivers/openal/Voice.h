@@ -31,8 +31,9 @@ public:
     bool Create();
 
     /// Makes a stopped, empty voice ready for a new sound, with all settings at their beginning: gain and
-    /// pitch 1, no distance, no cone. A voice that is not positional is heard as it stands.
-    void Begin(bool positional);
+    /// pitch 1, no distance, no cone. A voice that is not positional is heard as it stands; if the device
+    /// works sounds out for two ears, `bypassesHrtf` keeps it out of that.
+    void Begin(bool positional, bool bypassesHrtf);
 
     /// Stops at once, in the middle of whatever plays, and empties the queue.
     void Halt();

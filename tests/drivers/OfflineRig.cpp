@@ -73,6 +73,15 @@ double Rendering::Level(size_t begin, size_t end, int side) const
     return std::sqrt(sum / static_cast<double>(end - begin));
 }
 
+size_t Rendering::FindFirst(double level, int side) const
+{
+    size_t sampleFrame = 0;
+    while (sampleFrame < GetFrames() && std::abs(At(sampleFrame, side)) <= level) {
+        ++sampleFrame;
+    }
+    return sampleFrame;
+}
+
 Rendering ReadRendering(const std::string& path)
 {
     Rendering read;
@@ -91,12 +100,13 @@ Rendering ReadRendering(const std::string& path)
     return read;
 }
 
-OfflineRig::OfflineRig(int maxChannels, int outputRateHz)
+OfflineRig::OfflineRig(int maxChannels, int outputRateHz, const char* hrtf)
     : DriverRig("HarmonetOpenAL")
 {
     static int fileNumber = 0;
     path = (GetTestFolder() / ("heard, " + std::to_string(++fileNumber) + ".wav")).string();
     GetOptions().Set("OpenALRender", path.c_str());
+    GetOptions().Set("OpenALHRTF", hrtf);
     EXPECT_TRUE(Open(outputRateHz, maxChannels));
 }
 

@@ -22,6 +22,8 @@ struct Rendering
     double LargestStep(size_t begin, size_t end) const;
     /// Root of the mean square over [begin, end).
     double Level(size_t begin, size_t end, int side) const;
+    /// The first sample frame that is louder than `level` on this side; GetFrames() if none is.
+    size_t FindFirst(double level, int side) const;
 };
 
 Rendering ReadRendering(const std::string& path);
@@ -32,8 +34,8 @@ class OfflineRig : public DriverRig
 public:
     static constexpr int rateHz = 44100;
 
-    /// Opens the driver.
-    explicit OfflineRig(int maxChannels = 8, int outputRateHz = rateHz);
+    /// Opens the driver. `hrtf` is the option "OpenALHRTF"; null: not set.
+    explicit OfflineRig(int maxChannels = 8, int outputRateHz = rateHz, const char* hrtf = nullptr);
     ~OfflineRig();
 
     const std::string& GetPath() const { return path; }

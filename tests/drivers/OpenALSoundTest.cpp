@@ -238,6 +238,44 @@ TEST_F(Placed, NumbersThatAreNoneOrFarTooLargeLeaveNoTrace)
     EXPECT_NEAR(Gain(), 0.5, 0.002);
 }
 
+// With a head between the ears, a sound from the right reaches the left one some 0.6 ms later.
+TEST(OpenALSound, HrtfDelaysTheFarEarOfWhatHasAPlaceAndLeavesTheRestAlone)
+{
+    struct Row
+    {
+        const char* option;
+        int outputHz;
+        bool isOn;
+    };
+    const Row rows[] = {{nullptr, 44100, false}, {"-1", 44100, false}, {"0", 44100, false},
+        {"1", 44100, true}, {"1", 48000, true}, {"1", 22050, false}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(
+            std::string(row.option ? row.option : "not set") + " at " + std::to_string(row.outputHz));
+        const auto click = [](int sampleFrame, int) { return sampleFrame < 4 ? 0.9 : 0.0; };
+        const auto placed = MakeFile({row.outputHz, row.outputHz}, click);
+        OfflineRig beside(8, row.outputHz, row.option);
+        beside.Play(*placed, ChanPositional)->SetPosition({1, 0, -1});
+        beside.Step(100);
+        const Rendering heard = beside.Heard();
+        const size_t right = heard.FindFirst(0.02, 1);
+        const size_t left = heard.FindFirst(0.02, 0);
+        ASSERT_LT(left, heard.GetFrames());
+        const double lateMs =
+            1000.0 * (static_cast<double>(left) - static_cast<double>(right)) / row.outputHz;
+        EXPECT_NEAR(lateMs, row.isOn ? 0.45 : 0.0, row.isOn ? 0.25 : 0.0);
+
+        const auto plain = MakeFile({row.outputHz, row.outputHz, 2}, Scatter());
+        OfflineRig through(8, row.outputHz, row.option);
+        through.Play(*plain);
+        through.Step(100);
+        const Rendering same = through.Heard();
+        for (int i = 0; i < row.outputHz / 10; ++i) {
+            ASSERT_EQ(same.At(static_cast<size_t>(i), i % 2), plain->GetStored(i, i % 2)) << i;
+        }
+    }
+}
+
 TEST(OpenALSound, TheRateOfAChannelIsTheSpeedOfItsSound)
 {
     struct Row

@@ -14,20 +14,21 @@ namespace
 
 constexpr int rateHz = 44100;
 
+const std::string path = (GetTestFolder() / "card.wav").string();
+
 // An output of OpenAL that takes sound at the speed of a sound card and writes it to a file.
-std::string SetUpWaveOutput()
+bool SetUpWaveOutput()
 {
-    const std::string path = (GetTestFolder() / "card.wav").string();
     const std::string configuration = (GetTestFolder() / "card.conf").string();
     std::ofstream(configuration) << "[wave]\nfile = " << path << "\n";
-    setenv("ALSOFT_DRIVERS", "wave", 1);
-    setenv("ALSOFT_CONF", configuration.c_str(), 1);
-    return path;
+    return setenv("ALSOFT_DRIVERS", "wave", 1) == 0 && setenv("ALSOFT_CONF", configuration.c_str(), 1) == 0;
 }
+
+const bool isWaveOutput = SetUpWaveOutput();
 
 TEST(OpenALWaveOut, SoundsThatAreStoppedAndTakenUpInTheMiddleOfAWaveDoNotClickOnACardEither)
 {
-    const std::string path = SetUpWaveOutput();
+    ASSERT_TRUE(isWaveOutput);
     const auto file = MakeFile({100 * rateHz, rateHz}, Sine(97, 0.8, rateHz));
     DriverRig rig("HarmonetOpenAL");
     // With the longest read-ahead, so that a machine that is busy with other things breaks nothing off.
@@ -58,6 +59,27 @@ TEST(OpenALWaveOut, SoundsThatAreStoppedAndTakenUpInTheMiddleOfAWaveDoNotClickOn
     ASSERT_GT(heard.GetFrames(), static_cast<size_t>(20 * rateHz / 10));
     EXPECT_NEAR(heard.Level(rateHz / 10, rateHz / 5, 0), 0.8 / std::numbers::sqrt2, 0.2);
     EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 2 * 0.8 * 2 * std::numbers::pi * 97 / rateHz);
+}
+
+TEST(OpenALWaveOut, HrtfIsTheDevicesAffairUnlessItIsAskedFor)
+{
+    const std::pair<const char*, bool> rows[] = {{nullptr, false}, {"0", false}, {"1", true}};
+    for (const auto& [option, isOn] : rows) {
+        SCOPED_TRACE(option ? option : "not set");
+        const auto file = MakeFile({10 * rateHz, rateHz}, [](int i, int) { return i < 4 ? 0.9 : 0.0; });
+        DriverRig rig("HarmonetOpenAL");
+        rig.GetOptions().Set("OpenALHRTF", option);
+        ASSERT_TRUE(rig.Open(rateHz, 8));
+        SndChannel* const channel = rig.Create(*file, ChanPositional);
+        channel->SetPosition({1, 0, -1});
+        channel->Play();
+        ASSERT_TRUE(file->WaitUntilRead(rateHz / 2));
+        rig.Close();
+        const Rendering heard = ReadRendering(path);
+        const size_t left = heard.FindFirst(0.02, 0);
+        ASSERT_LT(left, heard.GetFrames());
+        EXPECT_EQ(left > heard.FindFirst(0.02, 1) + 8, isOn);
+    }
 }
 
 } // namespace

@@ -1,0 +1,68 @@
+#include "drivers/openal/AlSession.h"
+
+namespace Quon
+{
+
+AlSession::AlSession(ALCdevice* openedDevice, const AlExtensions& globalExtensions)
+    : extensions(globalExtensions)
+    , device(openedDevice)
+{
+}
+
+AlSession::~AlSession()
+{
+    if (context) {
+        alcDestroyContext(context);
+    }
+    if (device) {
+        alcCloseDevice(device);
+    }
+}
+
+bool AlSession::CreateContext(std::span<const ALCint> attributes, Hrtf hrtf)
+{
+    if (!device || !TryContext(attributes, hrtf)) {
+        return false;
+    }
+    // A device that cannot do it, at this rate for one, does something else for headphones instead.
+    if (hrtf == Hrtf::On && !IsHrtfOn()) {
+        alcDestroyContext(context);
+        if (!TryContext(attributes, Hrtf::Off)) {
+            return false;
+        }
+    }
+    return PrepareContext();
+}
+
+bool AlSession::TryContext(std::span<const ALCint> attributes, Hrtf hrtf)
+{
+    EngineVector<ALCint> all(attributes.begin(), attributes.end());
+    if (hrtf != Hrtf::DeviceDefault) {
+        all.insert(all.end(), {ALC_HRTF_SOFT, hrtf == Hrtf::On ? ALC_TRUE : ALC_FALSE});
+    }
+    all.push_back(0);
+    context = alcCreateContext(device, all.data());
+    return context;
+}
+
+bool AlSession::PrepareContext()
+{
+    ALCcontext* const previous = extensions.getThreadContext();
+    extensions.setThreadContext(context);
+    alDistanceModel(AL_INVERSE_DISTANCE_CLAMPED);
+    alDopplerFactor(0.0f);
+    const bool isComplete = extensions.LoadForDevice(device);
+    extensions.setThreadContext(previous);
+    return isComplete;
+}
+
+bool AlSession::IsHrtfOn() const
+{
+    ALCint isOn = ALC_FALSE;
+    if (alcIsExtensionPresent(device, "ALC_SOFT_HRTF")) {
+        alcGetIntegerv(device, ALC_HRTF_SOFT, 1, &isOn);
+    }
+    return isOn == ALC_TRUE;
+}
+
+} // namespace Quon
