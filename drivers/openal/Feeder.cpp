@@ -1,5 +1,6 @@
 #include "drivers/openal/Feeder.h"
 
+#include "drivers/openal/Acoustics.h"
 #include "drivers/openal/OutputDevice.h"
 #include "drivers/openal/VoicePool.h"
 
@@ -30,9 +31,11 @@ ReadAhead MakeReadAhead(int readAheadMs)
 
 } // namespace
 
-Feeder::Feeder(const OutputDevice& outputDevice, VoicePool& voicePool, int readAheadMs)
+Feeder::Feeder(
+    const OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int readAheadMs)
     : device(outputDevice)
     , voices(voicePool)
+    , acoustics(driverAcoustics)
     , readAhead(MakeReadAhead(readAheadMs))
 {
 }
@@ -99,6 +102,7 @@ bool Feeder::WaitForRound()
 
 void Feeder::Round()
 {
+    acoustics.Tick(device.GetTime());
     for (const auto& channel : channels) {
         channel->Pump(readAhead, device.GetTime(), false);
     }

@@ -24,7 +24,8 @@ public:
     using Channels = std::span<const std::unique_ptr<OpenALChannel>>;
 
     /// `readAheadMs` is held to 80 to 200 ms.
-    Feeder(const OutputDevice& outputDevice, VoicePool& voicePool, int readAheadMs);
+    Feeder(
+        const OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int readAheadMs);
     ~Feeder();
 
     void Start(Channels allChannels);
@@ -43,6 +44,7 @@ private:
 
     const OutputDevice& device;
     VoicePool& voices;
+    Acoustics& acoustics;
     const ReadAhead readAhead;
     Channels channels; ///< Set before the thread starts.
     std::thread thread;

@@ -1,5 +1,6 @@
 #include "drivers/openal/OfflineRenderer.h"
 
+#include "drivers/openal/Acoustics.h"
 #include "drivers/openal/OutputDevice.h"
 #include "drivers/openal/VoicePool.h"
 
@@ -17,9 +18,10 @@ constexpr int fallsPerSecond = 200;
 constexpr std::size_t channelsOut = 2;
 } // namespace
 
-OfflineRenderer::OfflineRenderer(OutputDevice& outputDevice, VoicePool& voicePool)
+OfflineRenderer::OfflineRenderer(OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics)
     : device(outputDevice)
     , voices(voicePool)
+    , acoustics(driverAcoustics)
 {
 }
 
@@ -53,8 +55,10 @@ void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)
     const std::int64_t blockMicroseconds = (sampleFrames * microsecondsPerSecond + rate - 1) / rate;
     const std::int64_t target = blockMicroseconds + fallMicroseconds;
     const ReadAhead ahead = {target, fallMicroseconds, 2 * target, target};
+    const std::int64_t blockEnd = device.GetTime() + sampleFrames;
+    acoustics.Tick(blockEnd);
     for (const auto& channel : channels) {
-        channel->Pump(ahead, device.GetTime() + sampleFrames, true);
+        channel->Pump(ahead, blockEnd, true);
     }
     block.resize(static_cast<std::size_t>(sampleFrames) * channelsOut);
     device.Render(block.data(), sampleFrames);

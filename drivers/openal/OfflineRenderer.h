@@ -21,7 +21,7 @@ class OfflineRenderer : public Allocated
 public:
     using Channels = std::span<const std::unique_ptr<OpenALChannel>>;
 
-    OfflineRenderer(OutputDevice& outputDevice, VoicePool& voicePool);
+    OfflineRenderer(OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics);
 
     /// False if the file cannot be made.
     bool Open(const char* path, int rateHz);
@@ -34,6 +34,7 @@ private:
 
     OutputDevice& device;
     VoicePool& voices;
+    Acoustics& acoustics;
     int rate = 0;
     SampleClock clock;
     WavSink sink;

@@ -29,6 +29,7 @@ int ToFrames(std::int64_t microseconds, double rateHz)
 
 OpenALChannel::OpenALChannel(const ChannelServices& channelServices)
     : services(channelServices)
+    , acoustics(channelServices.acoustics)
 {
 }
 
@@ -54,6 +55,7 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     hasEffects = !feed.GetEffects().IsEmpty();
     const std::scoped_lock outputLock(outputMutex);
     voice = newVoice;
+    acoustics.Begin(voice->GetSource(), positional, flags & ChanDisableMicFX, effects);
     steps.Clear();
     passLength = looping ? std::max(file->GetSoundSamples(), 0) : 0;
     fileRateHz = file->GetSampleFrequency();
@@ -88,11 +90,11 @@ void OpenALChannel::Stop()
     if (state != State::Ready && state != State::Playing) {
         return;
     }
-    GiveBackVoice();
+    GiveBackVoice(true);
     state = State::Free;
 }
 
-void OpenALChannel::GiveBackVoice()
+void OpenALChannel::GiveBackVoice(bool isCutOff)
 {
     const ContextScope scope(services.device);
     isPumped = false;
@@ -101,6 +103,7 @@ void OpenALChannel::GiveBackVoice()
     SetSndFile(steps.GetOldestFile(GetSndFile()));
     steps.Clear();
     feed.Finish();
+    acoustics.End(isCutOff);
     services.voices.Retire(std::exchange(voice, nullptr));
 }
 
@@ -215,6 +218,25 @@ unsigned long OpenALChannel::GetFrequency()
     return wantedHz != 0 ? wantedHz : static_cast<unsigned long>(fileRateHz);
 }
 
+bool OpenALChannel::SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* wanted)
+{
+    const ContextScope scope(services.device);
+    const std::scoped_lock outputLock(outputMutex);
+    return voice && acoustics.SetProperties(wanted);
+}
+
+bool OpenALChannel::GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* record)
+{
+    const std::scoped_lock outputLock(outputMutex);
+    return voice && acoustics.GetProperties(record);
+}
+
+bool OpenALChannel::GetFXEnvReverbListenerProperties(FXEnvReverb* record)
+{
+    const std::scoped_lock outputLock(outputMutex);
+    return voice && acoustics.GetOwnRoom(record);
+}
+
 template<class Record>
 bool OpenALChannel::GetParameters(Record* record)
 {
@@ -281,7 +303,7 @@ bool OpenALChannel::TakeEnd()
     if (!hasFaded && !feed.GetReader().IsAtEnd(*this)) {
         return false;
     }
-    GiveBackVoice();
+    GiveBackVoice(false);
     state = State::Ending;
     return true;
 }
@@ -319,6 +341,9 @@ void OpenALChannel::StartRound(std::int64_t time)
 {
     const std::scoped_lock outputLock(outputMutex);
     ApplyGain(time);
+    if (acoustics.IsBehind() && !services.voices.IsDeferred()) {
+        acoustics.Follow(voice->IsPlaying());
+    }
     // The sound broke off because it was not read in time. Where it goes on it would click once more.
     if (!isDry && voice->GetFramesQueued() > 0 && !voice->IsPlaying()) {
         feed.SoftenNext();

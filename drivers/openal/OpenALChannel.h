@@ -3,6 +3,7 @@
 #include "drivers/common/DriverChannel.h"
 #include "drivers/openal/PcmFeed.h"
 #include "drivers/openal/Placement.h"
+#include "drivers/openal/SourceAcoustics.h"
 #include "harmonet/output/SndDriver.h"
 
 #include <atomic>
@@ -37,6 +38,7 @@ struct ChannelServices
 {
     OutputDevice& device;
     VoicePool& voices;
+    Acoustics& acoustics;
     const Listener& listener;
     Feeder* feeder; ///< Null when the output is rendered by call.
 };
@@ -81,6 +83,14 @@ public:
     /// in all that is queued.
     bool SetFrequency(unsigned long hz) override;
     unsigned long GetFrequency() override;
+
+    /// The way into the listener's room and the direct one, of a positional sound, where OpenAL has effects.
+    /// The getter tells those that are applied, each held to its range; false if none have been set.
+    bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* wanted) override;
+    bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* record) override;
+    /// The room that the sound brought with it, as it is applied. False if it has none, or if there was none
+    /// left when the sound started; it plays without then.
+    bool GetFXEnvReverbListenerProperties(FXEnvReverb* record) override;
 
     /// These tell the parameters that are applied, each held to its range. False if the sound does not have
     /// the effect. They wait for a read that is going on.
@@ -149,7 +159,7 @@ private:
     void ApplyGain(std::int64_t time);
     void ApplySpeed();
     void UpdateCutOut();
-    void GiveBackVoice();
+    void GiveBackVoice(bool isCutOff);
     void WakeFeeder();
 
     ChannelServices services;
@@ -171,6 +181,7 @@ private:
 
     std::mutex outputMutex; ///< Guards all that follows.
     Voice* voice = nullptr; ///< Present in every state but Free and Ending.
+    SourceAcoustics acoustics;
     FileSteps steps;
     std::int64_t fileEnd = 0; ///< Where the file that is read now ends, in sample frames of the stream.
     int passLength = 0; ///< Sample frames of a loop; 0 without one.

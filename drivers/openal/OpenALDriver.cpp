@@ -23,9 +23,10 @@ OpenALDriver::~OpenALDriver()
 {
     EndUpdate();
     feeder.reset();
-    if (!channels.empty()) {
+    if (!channels.empty() || acoustics.GetSendCount() > 0) {
         const ContextScope scope(device);
         voices.Clear();
+        acoustics.Destroy();
     }
 }
 
@@ -36,7 +37,13 @@ bool OpenALDriver::Open(OS* os, const SoundFormat* format, int streamLength, boo
     }
     const DriverOptions options = ReadOptions(os);
     const int rateHz = format->GetSampleFrequency();
-    return options.isRendered ? OpenRendered(options, rateHz) : OpenLive(options, rateHz, streamLength);
+    const bool isOpen =
+        options.isRendered ? OpenRendered(options, rateHz) : OpenLive(options, rateHz, streamLength);
+    if (isOpen) {
+        const ContextScope scope(device);
+        acoustics.Create();
+    }
+    return isOpen;
 }
 
 bool OpenALDriver::OpenRendered(const DriverOptions& options, int rateHz)
@@ -44,7 +51,7 @@ bool OpenALDriver::OpenRendered(const DriverOptions& options, int rateHz)
     if (!device.OpenLoopback(rateHz, options.hrtf)) {
         return false;
     }
-    renderer = std::make_unique<OfflineRenderer>(device, voices);
+    renderer = std::make_unique<OfflineRenderer>(device, voices, acoustics);
     return renderer->Open(options.renderPath.GetText(), rateHz);
 }
 
@@ -53,7 +60,7 @@ bool OpenALDriver::OpenLive(const DriverOptions& options, int rateHz, int stream
     if (!device.OpenLive(rateHz, options.hrtf)) {
         return false;
     }
-    feeder = std::make_unique<Feeder>(device, voices, streamLength / readAheadParts);
+    feeder = std::make_unique<Feeder>(device, voices, acoustics, streamLength / readAheadParts);
     return true;
 }
 
@@ -72,8 +79,8 @@ void OpenALDriver::SetMaxChannels(int count)
     const ContextScope scope(device);
     const int available = std::min(voices.Build(2 * wanted), wanted);
     for (int i = 0; i < available; ++i) {
-        channels.push_back(
-            std::make_unique<OpenALChannel>(ChannelServices{device, voices, listener, feeder.get()}));
+        channels.push_back(std::make_unique<OpenALChannel>(
+            ChannelServices{device, voices, acoustics, listener, feeder.get()}));
     }
     if (feeder) {
         feeder->Start(channels);
@@ -132,7 +139,7 @@ void OpenALDriver::Report(int event, void* data)
 
 bool OpenALDriver::GetCaps(SoundCaps& caps)
 {
-    caps.SetFlags(0);
+    caps.SetFlags(acoustics.GetSendCount() > 0 ? capEnvReverbSource : 0);
     return true;
 }
 

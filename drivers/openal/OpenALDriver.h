@@ -1,5 +1,6 @@
 #pragma once
 
+#include "drivers/openal/Acoustics.h"
 #include "drivers/openal/Feeder.h"
 #include "drivers/openal/OfflineRenderer.h"
 #include "drivers/openal/OpenALChannel.h"
@@ -29,9 +30,11 @@ namespace Quon
 /// are appended to before its end is reported goes on.
 ///
 /// Channels: as many as SetMaxChannels() asks for, or as OpenAL has sources; none before that call.
-/// The insert effects of a sound work on its PCM before it is queued. Coordinates are those of OpenAL:
-/// right-handed, the listener looks along negative Z with Y up. All operations on the task thread. The host
-/// may use OpenAL for itself: the process's context and that of the calling thread are left as they are.
+/// The insert effects of a sound work on its PCM before it is queued; rooms are reverbs of OpenAL. The
+/// capability 0x0400 is there where OpenAL has effects and a source can be sent to one. Coordinates are those
+/// of OpenAL: right-handed, the listener looks along negative Z with Y up. All operations on the task thread.
+/// The host may use OpenAL for itself: the process's context and that of the calling thread are left as they
+/// are.
 class OpenALDriver final : public SndDriver
 {
 public:
@@ -57,8 +60,13 @@ public:
     /// Negative factors become 0.
     void SetRolloffFactor(float factor) override;
     float GetRolloffFactor() override { return listener.rolloffFactor; }
-    bool SetFXEnvReverb(const FXEnvReverb*, long, unsigned int) override { return false; }
-    void ResetFXEnvReverb(unsigned int) override {}
+    /// The listener's room, each field held to its range, for all positional sounds that do not refuse it.
+    /// False, and nothing changes, where OpenAL has no effects. The other two arguments mean nothing here.
+    bool SetFXEnvReverb(const FXEnvReverb* room, long, unsigned int) override
+    {
+        return acoustics.SetRoom(room);
+    }
+    void ResetFXEnvReverb(unsigned int) override { acoustics.ResetRoom(); }
     /// Null when no channel is free, and for a file of no playable format.
     SndChannel* CreateChannel(unsigned int flags, SndFile* file, SndFXList fx) override;
 
@@ -75,6 +83,7 @@ private:
     bool isDeferring = false;
     OutputDevice device;
     VoicePool voices{device};
+    Acoustics acoustics{device};
     EngineVector<std::unique_ptr<OpenALChannel>> channels;
     std::unique_ptr<OfflineRenderer> renderer; ///< Either this
     std::unique_ptr<Feeder> feeder; ///< or that, once open. Goes before the channels.

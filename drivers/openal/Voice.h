@@ -40,6 +40,9 @@ public:
 
     bool IsPlaying() const;
 
+    /// OpenAL's name of the source, for settings that are not made here. Begin() leaves those as they are.
+    ALuint GetSource() const { return source; }
+
     /// Whether one more block can be queued.
     bool HasRoom() const { return queueLength < bufferCount; }
 

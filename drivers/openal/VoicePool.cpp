@@ -99,6 +99,12 @@ void VoicePool::SetDeferred(bool deferred)
     isDeferred = deferred;
 }
 
+bool VoicePool::IsDeferred()
+{
+    const std::scoped_lock lock(mutex);
+    return isDeferred;
+}
+
 void VoicePool::Free(Voice* voice)
 {
     voice->Halt();

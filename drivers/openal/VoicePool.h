@@ -44,6 +44,7 @@ public:
 
     /// Tells that settings are being held back, so that a retired voice cannot be silent yet.
     void SetDeferred(bool deferred);
+    bool IsDeferred();
 
 private:
     struct Fading

@@ -1,3 +1,4 @@
+#include "harmonet/definitions/EnvReverbPresets.h"
 #include "tests/drivers/FormulaFile.h"
 #include "tests/drivers/OfflineRig.h"
 #include "tests/drivers/effects/OwnedList.h"
@@ -155,7 +156,10 @@ protected:
         bool looping;
     };
 
-    RandomGame() { effects.Add(SndFXEcho, FXEcho{50, 30, 20, 30, 1}); }
+    RandomGame()
+    {
+        effects.Add(SndFXEcho, FXEcho{50, 30, 20, 30, 1}).Add(SndFXEnvReverb, fxEnvReverbPaddedCell);
+    }
 
     int Draw(int below) { return std::uniform_int_distribution<>(0, below - 1)(random); }
 
@@ -183,6 +187,16 @@ protected:
         }
     }
 
+    void ChangeRoom()
+    {
+        if (Draw(4) == 0) {
+            rig.GetDriver().ResetFXEnvReverb(0);
+        }
+        else {
+            EXPECT_TRUE(rig.GetDriver().SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbAlley, 2, 0));
+        }
+    }
+
     static void ForbidChain(SndFile* file)
     {
         for (; file; file = file->GetNext()) {
@@ -192,7 +206,7 @@ protected:
 
     void Steer(SndChannel* channel, const Playing& sound)
     {
-        switch (Draw(7)) {
+        switch (Draw(9)) {
         case 0:
             channel->SetFrequency(static_cast<unsigned long>(100 + Draw(99901)));
             break;
@@ -210,6 +224,14 @@ protected:
         case 4:
             EXPECT_LE(channel->GetRemainLength(), 1000u);
             break;
+        case 5:
+            ChangeRoom();
+            break;
+        case 6: {
+            const FXEnvReverbSourceProperties dull = {-Draw(2000), 0, 0, -Draw(2000), 0, 0, 0, -500, 0.5f};
+            channel->SetFXEnvReverbSourceProperties(&dull);
+            break;
+        }
         default:
             if (!sound.looping) {
                 rig.Append(*channel, *sound.head, *NewFile(sound.head->GetSampleFrequency()));

@@ -408,16 +408,6 @@ TEST(OpenALDriver, FormatsAndFilesThatCannotBeRenderedFailToOpen)
     EXPECT_FALSE(wrongRate.Open(1, 8));
 }
 
-TEST(OpenALDriver, ItClaimsNoCapabilityThatItDoesNotHave)
-{
-    OfflineRig rig;
-    SoundCaps caps;
-    caps.SetFlags(0xFFFF);
-    EXPECT_TRUE(rig.GetDriver().GetCaps(caps));
-    EXPECT_EQ(caps.GetFlags(), 0u);
-    EXPECT_FALSE(rig.GetDriver().SetFXEnvReverb(nullptr, 2, 0));
-}
-
 TEST(OpenALDriver, ChannelsBeyondTheLimitAreRefusedUntilOneIsFree)
 {
     for (const int limit : {1, 24, 400}) {

@@ -1,0 +1,55 @@
+#include "drivers/openal/Acoustics.h"
+
+#include "drivers/openal/OutputDevice.h"
+
+namespace Quon
+{
+
+bool Acoustics::Create()
+{
+    EfxFunctions efx;
+    sendCount = efx.Load();
+    if (sendCount > 0 && !(filters.Create(efx) && room.Create(efx))) {
+        Destroy();
+    }
+    if (sendCount > 0) {
+        ownRooms.Create(efx);
+    }
+    return sendCount > 0;
+}
+
+void Acoustics::Destroy()
+{
+    ownRooms.Destroy();
+    room.Destroy();
+    filters.Destroy();
+    sendCount = 0;
+}
+
+bool Acoustics::SetRoom(const FXEnvReverb* newRoom)
+{
+    if (sendCount == 0 || !newRoom) {
+        return false;
+    }
+    const ContextScope scope(device);
+    room.Set(HoldReverb(*newRoom), device.GetTime(), device.GetTicksPerSecond());
+    return true;
+}
+
+void Acoustics::ResetRoom()
+{
+    if (sendCount > 0) {
+        const ContextScope scope(device);
+        room.Set(std::nullopt, device.GetTime(), device.GetTicksPerSecond());
+    }
+}
+
+void Acoustics::Tick(std::int64_t time)
+{
+    if (sendCount > 0) {
+        room.Tick(time, device.GetTicksPerSecond());
+        ownRooms.Tick(time);
+    }
+}
+
+} // namespace Quon

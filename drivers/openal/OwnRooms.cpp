@@ -1,0 +1,99 @@
+#include "drivers/openal/OwnRooms.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr std::int64_t cutOffMs = 50;
+
+/// How long a room can still be heard when nothing goes in any more.
+std::int64_t GetRingMs(const FXEnvReverb& room)
+{
+    const float longest = room.decayTime * std::max(room.decayHFRatio, 1.0f);
+    return static_cast<std::int64_t>(1000.0f * (longest + room.reflectionsDelay + room.reverbDelay));
+}
+
+} // namespace
+
+void OwnRooms::Create(const EfxFunctions& functions)
+{
+    const std::scoped_lock lock(mutex);
+    efx = functions;
+    isCreated = true;
+    for (Place& place : places) {
+        if (!place.slot.IsEmpty()) {
+            place.slot.Create(efx);
+        }
+    }
+}
+
+void OwnRooms::Destroy()
+{
+    const std::scoped_lock lock(mutex);
+    isCreated = false;
+    for (Place& place : places) {
+        place.slot.Destroy();
+    }
+}
+
+const ReverbSlot* OwnRooms::Take(const FXEnvReverb& room)
+{
+    const std::scoped_lock lock(mutex);
+    Place* place = Find(room);
+    if (place) {
+        place->slot.Return();
+    }
+    else if ((place = FindEmpty())) {
+        place->slot.Load(room);
+    }
+    else {
+        return nullptr;
+    }
+    ++place->users;
+    return &place->slot;
+}
+
+OwnRooms::Place* OwnRooms::Find(const FXEnvReverb& room)
+{
+    const auto found = std::find_if(places.begin(), places.end(), [&](const Place& place) {
+        return !place.slot.IsEmpty() && std::memcmp(&place.slot.GetRoom(), &room, sizeof room) == 0;
+    });
+    return found == places.end() ? nullptr : &*found;
+}
+
+OwnRooms::Place* OwnRooms::FindEmpty()
+{
+    for (Place& place : places) {
+        if (place.slot.IsEmpty() && isCreated && (place.slot.IsCreated() || place.slot.Create(efx))) {
+            return &place;
+        }
+    }
+    return nullptr;
+}
+
+void OwnRooms::GiveBack(const ReverbSlot* slot, bool isCutOff, std::int64_t now, std::int64_t ticksPerSecond)
+{
+    const std::scoped_lock lock(mutex);
+    for (Place& place : places) {
+        if (&place.slot != slot || --place.users > 0) {
+            continue;
+        }
+        const std::int64_t ringMs = isCutOff ? 0 : GetRingMs(place.slot.GetRoom());
+        place.slot.Leave(now + ringMs * ticksPerSecond / 1000, cutOffMs * ticksPerSecond / 1000);
+    }
+}
+
+void OwnRooms::Tick(std::int64_t time)
+{
+    const std::scoped_lock lock(mutex);
+    for (Place& place : places) {
+        place.slot.Tick(time);
+    }
+}
+
+} // namespace Quon

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "harmonet/definitions/FXRecords.h"
+
+namespace Quon
+{
+
+/// What OpenAL can do of a room or of a source's place in it, and what its parameters are in OpenAL's units.
+/// Pure functions. Fields that are no number count as those of the default room, or as doing nothing.
+
+/// The room with each field held to its range: `room` and `roomHF` from -10000 to 0, `reflections` to 1000,
+/// `reverb` to 2000; a rolloff of 0 to 10; a decay of 0.1 to 20 s, its ratio of 0.1 to 2; delays of 0 to 0.3
+/// and to 0.1 s; percentages of 0 to 100; a reference of 1000 to 20 000 Hz.
+FXEnvReverb HoldReverb(const FXEnvReverb& wanted);
+
+/// The properties with each field held to its range: levels from -10000 to 0, since OpenAL only weakens;
+/// ratios of 0 to 1; a rolloff of 0 to 10.
+FXEnvReverbSourceProperties HoldProperties(const FXEnvReverbSourceProperties& wanted);
+
+/// The properties that do nothing.
+inline constexpr FXEnvReverbSourceProperties plainProperties = {0, 0, 0, 0, 0.0f, 0, 0.0f, 0, 0.0f};
+
+/// The linear factor of a level in hundredths of a decibel; -10000 and below is silence.
+float ToGain(float hundredths);
+
+/// A low-pass filter of OpenAL: what it leaves of all, and of that at high frequencies. 1 changes nothing.
+struct PathGain
+{
+    float gain = 1.0f;
+    float gainHF = 1.0f;
+};
+
+/// What the properties leave of the direct sound, and of the sound that goes into a room. They have to have
+/// been held.
+PathGain GetDirectGain(const FXEnvReverbSourceProperties& properties);
+PathGain GetRoomGain(const FXEnvReverbSourceProperties& properties);
+
+} // namespace Quon

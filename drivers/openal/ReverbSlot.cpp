@@ -1,0 +1,115 @@
+#include "drivers/openal/ReverbSlot.h"
+
+#include <algorithm>
+
+namespace Quon
+{
+
+namespace
+{
+
+void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room)
+{
+    const auto gain = [](std::int32_t level) { return ToGain(static_cast<float>(level)); };
+    constexpr float percent = 0.01f;
+    efx.effecti(effect, AL_EFFECT_TYPE, AL_EFFECT_EAXREVERB);
+    efx.effecti(effect, AL_EAXREVERB_DECAY_HFLIMIT, AL_FALSE);
+    efx.effectf(effect, AL_EAXREVERB_GAIN, gain(room.room));
+    efx.effectf(effect, AL_EAXREVERB_GAINHF, gain(room.roomHF));
+    efx.effectf(effect, AL_EAXREVERB_GAINLF, 1.0f);
+    efx.effectf(effect, AL_EAXREVERB_ROOM_ROLLOFF_FACTOR, room.roomRolloffFactor);
+    efx.effectf(effect, AL_EAXREVERB_DECAY_TIME, room.decayTime);
+    efx.effectf(effect, AL_EAXREVERB_DECAY_HFRATIO, room.decayHFRatio);
+    // OpenAL's upper limit is rounded down from 10 dB.
+    efx.effectf(effect, AL_EAXREVERB_REFLECTIONS_GAIN,
+        std::min(gain(room.reflections), AL_EAXREVERB_MAX_REFLECTIONS_GAIN));
+    efx.effectf(effect, AL_EAXREVERB_REFLECTIONS_DELAY, room.reflectionsDelay);
+    efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_GAIN,
+        std::min(gain(room.reverb), AL_EAXREVERB_MAX_LATE_REVERB_GAIN));
+    efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_DELAY, room.reverbDelay);
+    efx.effectf(effect, AL_EAXREVERB_DIFFUSION, room.diffusion * percent);
+    efx.effectf(effect, AL_EAXREVERB_DENSITY, room.density * percent);
+    efx.effectf(effect, AL_EAXREVERB_HFREFERENCE, room.hfReference);
+}
+
+} // namespace
+
+bool ReverbSlot::Create(const EfxFunctions& functions)
+{
+    efx = functions;
+    alGetError();
+    efx.genSlots(1, &slot);
+    if (alGetError() != AL_NO_ERROR) {
+        slot = 0;
+        return false;
+    }
+    if (!isEmpty) {
+        Apply();
+    }
+    return true;
+}
+
+void ReverbSlot::Destroy()
+{
+    if (slot != 0) {
+        efx.deleteSlots(1, &slot);
+        slot = 0;
+    }
+}
+
+void ReverbSlot::Load(const FXEnvReverb& newRoom)
+{
+    room = newRoom;
+    isEmpty = false;
+    Return();
+    Apply();
+}
+
+void ReverbSlot::Return()
+{
+    fall.Cancel();
+    SetLevel(1.0f);
+}
+
+void ReverbSlot::Apply()
+{
+    if (slot == 0) {
+        return;
+    }
+    // The slot copies what stands in the effect.
+    ALuint effect = 0;
+    efx.genEffects(1, &effect);
+    Fill(efx, effect, room);
+    efx.sloti(slot, AL_EFFECTSLOT_EFFECT, static_cast<ALint>(effect));
+    efx.deleteEffects(1, &effect);
+    efx.slotf(slot, AL_EFFECTSLOT_GAIN, level);
+}
+
+void ReverbSlot::SetLevel(float newLevel)
+{
+    if (newLevel != level) {
+        level = newLevel;
+        if (slot != 0) {
+            efx.slotf(slot, AL_EFFECTSLOT_GAIN, level);
+        }
+    }
+}
+
+void ReverbSlot::Tick(std::int64_t time)
+{
+    if (isEmpty) {
+        return;
+    }
+    // The step to silence has been heard when the next one comes.
+    if (level == 0.0f && fall.IsOver(time)) {
+        isEmpty = true;
+        fall.Cancel();
+        if (slot != 0) {
+            efx.sloti(slot, AL_EFFECTSLOT_EFFECT, AL_EFFECT_NULL);
+        }
+        return;
+    }
+    SetLevel(fall.GetLevel(time));
+}
+
+} // namespace Quon

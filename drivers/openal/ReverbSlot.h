@@ -1,0 +1,58 @@
+#pragma once
+
+#include "drivers/openal/EfxFunctions.h"
+#include "drivers/openal/Fades.h"
+#include "drivers/openal/ReverbRecords.h"
+
+#include <cstdint>
+
+namespace Quon
+{
+
+/// One reverb of OpenAL, to which any number of sources can be sent: a place for a room, empty at first.
+///
+/// Owned by the listener's room or by those of the sounds, whose lock it is under; the calling thread brings
+/// a ContextScope. What stands in it is kept here, so that it can be made again on another device. An empty
+/// place costs next to nothing, a room some milliseconds of processor time for each second, also in silence.
+class ReverbSlot
+{
+public:
+    /// The slot can be made on a device, again and again; what is in use is loaded again. False if OpenAL has
+    /// no more of them.
+    bool Create(const EfxFunctions& functions);
+    /// No source may be sent to it.
+    void Destroy();
+    bool IsCreated() const { return slot != 0; }
+
+    /// Puts a room, which has been held, into the place at full level. Its sound begins with what comes in
+    /// from now on, unless the place is in use.
+    void Load(const FXEnvReverb& newRoom);
+
+    /// From the time `begin` on the room falls silent, over `length`, and then the place is empty. In ticks
+    /// of the device's time.
+    void Leave(std::int64_t begin, std::int64_t length) { fall.Start(begin, length); }
+    /// The room stays, after all.
+    void Return();
+
+    /// Sets the level to what it is to be at `time`.
+    void Tick(std::int64_t time);
+
+    bool IsEmpty() const { return isEmpty; }
+    const FXEnvReverb& GetRoom() const { return room; }
+
+    /// OpenAL's name; 0 if it does not exist.
+    ALuint GetName() const { return slot; }
+
+private:
+    void Apply();
+    void SetLevel(float newLevel);
+
+    EfxFunctions efx;
+    ALuint slot = 0;
+    bool isEmpty = true;
+    float level = 1.0f;
+    FXEnvReverb room{};
+    Fall fall;
+};
+
+} // namespace Quon

@@ -1,0 +1,96 @@
+#include "drivers/openal/Room.h"
+
+#include <cstring>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr std::int64_t leavingMs = 200;
+
+bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other)
+{
+    return std::memcmp(&one, &other, sizeof one) == 0;
+}
+
+} // namespace
+
+bool Room::Create(const EfxFunctions& functions)
+{
+    const std::scoped_lock lock(mutex);
+    bool isComplete = true;
+    for (ReverbSlot& slot : slots) {
+        isComplete = slot.Create(functions) && isComplete;
+    }
+    return isComplete;
+}
+
+void Room::Destroy()
+{
+    const std::scoped_lock lock(mutex);
+    for (ReverbSlot& slot : slots) {
+        slot.Destroy();
+    }
+}
+
+void Room::Set(const std::optional<FXEnvReverb>& newRoom, std::int64_t now, std::int64_t ticksPerSecond)
+{
+    const std::scoped_lock lock(mutex);
+    wanted = newRoom;
+    isPending = true;
+    MoveOn(now, ticksPerSecond);
+}
+
+void Room::Tick(std::int64_t time, std::int64_t ticksPerSecond)
+{
+    const std::scoped_lock lock(mutex);
+    for (ReverbSlot& slot : slots) {
+        slot.Tick(time);
+    }
+    if (isPending) {
+        MoveOn(time, ticksPerSecond);
+    }
+}
+
+void Room::MoveOn(std::int64_t now, std::int64_t ticksPerSecond)
+{
+    ReverbSlot* const left = current;
+    if (wanted && left && IsSame(*wanted, left->GetRoom())) {
+        isPending = false;
+        return;
+    }
+    // Nobody has been in this room yet.
+    if (wanted && left && now == currentSince) {
+        left->Load(*wanted);
+        isPending = false;
+        return;
+    }
+    ReverbSlot* next = nullptr;
+    if (wanted) {
+        next = FindEmpty();
+        if (!next) {
+            return;
+        }
+        next->Load(*wanted);
+    }
+    if (left) {
+        left->Leave(now, leavingMs * ticksPerSecond / 1000);
+    }
+    current = next;
+    currentSince = now;
+    isPending = false;
+}
+
+ReverbSlot* Room::FindEmpty()
+{
+    for (ReverbSlot& slot : slots) {
+        if (slot.IsEmpty()) {
+            return &slot;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace Quon

@@ -1,0 +1,346 @@
+#include "examples/effects/Decay.h"
+#include "harmonet/definitions/EnvReverbPresets.h"
+#include "tests/drivers/FormulaFile.h"
+#include "tests/drivers/OfflineRig.h"
+#include "tests/drivers/effects/OwnedList.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace Quon
+{
+namespace
+{
+
+using Testing::OwnedList;
+
+constexpr int rateHz = OfflineRig::rateHz;
+/// Of a sound whose direct path is closed, so that only the room is heard.
+constexpr FXEnvReverbSourceProperties onlyRoom = {-10000, 0, 0, 0, 0.0f, 0, 0.0f, 0, 0.0f};
+
+std::unique_ptr<FormulaFile> MakeClick()
+{
+    return MakeFile({rateHz / 10}, [](int sampleFrame, int) { return sampleFrame < 44 ? 0.95 : 0.0; });
+}
+
+std::vector<double> GetLeft(const Rendering& heard, size_t begin = 0)
+{
+    std::vector<double> left;
+    for (size_t i = begin; i < heard.GetFrames(); ++i) {
+        left.push_back(heard.At(i));
+    }
+    return left;
+}
+
+/// The level of the last `ms` that were rendered, both sides together.
+double GetLevel(const OfflineRig& rig, int ms = 100)
+{
+    const Rendering heard = rig.Heard();
+    const size_t end = heard.GetFrames();
+    const size_t begin = end - static_cast<size_t>(rateHz / 1000 * ms);
+    return std::hypot(heard.Level(begin, end, 0), heard.Level(begin, end, 1));
+}
+
+/// A loop around the listener, which is heard in whatever is set.
+class Rooms : public testing::Test
+{
+protected:
+    SndChannel* PlayTone(double hz, const FXEnvReverbSourceProperties* properties = nullptr,
+        unsigned int flags = ChanPositional)
+    {
+        tones.push_back(MakeFile({rateHz}, Sine(hz, 0.2, rateHz)));
+        SndChannel* const channel = rig.Create(*tones.back(), flags | ChanLooping);
+        EXPECT_EQ(properties && !channel->SetFXEnvReverbSourceProperties(properties), false);
+        channel->SetPosition({0, 0, -1});
+        channel->Play();
+        return channel;
+    }
+
+    void SetRoom(const FXEnvReverb* room)
+    {
+        if (room) {
+            EXPECT_TRUE(rig.GetDriver().SetFXEnvReverb(room, 2, 0));
+        }
+        else {
+            rig.GetDriver().ResetFXEnvReverb(0);
+        }
+    }
+
+    OfflineRig rig;
+    std::vector<std::unique_ptr<FormulaFile>> tones;
+};
+
+TEST(OpenALRoom, AClickDecaysInTheTimeOfItsRoom)
+{
+    struct Row
+    {
+        const char* name;
+        const FXEnvReverb* room;
+        double least, most; ///< Of the decay time.
+    };
+    // Where high frequencies decay in a tenth of the time, those of 500 Hz are a good deal faster too.
+    const Row rows[] = {{"generic", &fxEnvReverbGeneric, 0.9, 1.1}, {"room", &fxEnvReverbRoom, 0.9, 1.1},
+        {"hangar", &fxEnvReverbHangar, 0.9, 1.1}, {"parking lot", &fxEnvReverbParkingLot, 0.9, 1.1},
+        {"city", &fxEnvReverbCity, 0.9, 1.1}, {"underwater", &fxEnvReverbUnderwater, 0.4, 0.9}};
+    OwnedList list;
+    list.Add(SndFXEnvReverbSource, onlyRoom);
+    for (const Row& row : rows) {
+        // The room stands before there are channels.
+        OfflineRig rig(0);
+        ASSERT_TRUE(rig.GetDriver().SetFXEnvReverb(row.room, 2, 0));
+        rig.GetDriver().SetMaxChannels(4);
+        const auto click = MakeClick();
+        rig.Play(*click, ChanPositional, list.Get())->SetPosition({0, 0, -1});
+        rig.StepTimes(static_cast<int>(row.room->decayTime * 18) + 20, 50);
+        const double ratio =
+            EffectsExample::MeasureDecay(GetLeft(rig.Heard()), rateHz, 500) / row.room->decayTime;
+        EXPECT_GE(ratio, row.least) << row.name;
+        EXPECT_LE(ratio, row.most) << row.name;
+    }
+}
+
+TEST_F(Rooms, TheLastOfSeveralRoomsSetAtOnceCounts)
+{
+    SetRoom(&fxEnvReverbHangar);
+    SetRoom(&fxEnvReverbUnderwater);
+    SetRoom(&fxEnvReverbRoom);
+    const auto click = MakeClick();
+    OwnedList list;
+    list.Add(SndFXEnvReverbSource, onlyRoom);
+    rig.Play(*click, ChanPositional, list.Get());
+    rig.StepTimes(40, 50);
+    EXPECT_NEAR(EffectsExample::MeasureDecay(GetLeft(rig.Heard()), rateHz, 500), 0.4, 0.04);
+}
+
+TEST_F(Rooms, OnlyPositionalSoundsThatDoNotRefuseAreInTheRoom)
+{
+    struct Row
+    {
+        const char* name;
+        unsigned int flags;
+        bool isInRoom;
+    };
+    const Row rows[] = {{"positional", ChanPositional, true},
+        {"refuses", ChanPositional | ChanDisableMicFX, false}, {"without a place", 0, false}};
+    SetRoom(&fxEnvReverbGeneric);
+    const auto click = MakeClick();
+    for (const Row& row : rows) {
+        SndChannel* const channel = rig.Play(*click, row.flags);
+        rig.StepTimes(8, 50);
+        EXPECT_EQ(GetLevel(rig) > 0.001, row.isInRoom) << row.name;
+        rig.StepTimes(60, 50);
+        ASSERT_NE(channel, nullptr);
+        click->Rewind();
+    }
+}
+
+TEST_F(Rooms, AfterAResetASoundIsAsDryAsBefore)
+{
+    PlayTone(440);
+    rig.StepTimes(20, 50);
+    SetRoom(&fxEnvReverbHangar);
+    rig.StepTimes(20, 50);
+    EXPECT_GT(std::abs(GetLevel(rig) - 0.2 * 0.5957), 0.005);
+    SetRoom(nullptr);
+    rig.StepTimes(20, 50);
+    const Rendering heard = rig.Heard();
+    // Whole seconds lie between, and the tone repeats in each.
+    for (size_t i = rateHz / 2; i < rateHz; ++i) {
+        ASSERT_EQ(heard.At(i), heard.At(i + 2 * rateHz)) << i;
+    }
+}
+
+// The steepest step while rooms change may be no steeper than within the room where it is steepest.
+TEST_F(Rooms, AChangeOfRoomDoesNotClick)
+{
+    const FXEnvReverb* const rooms[] = {&fxEnvReverbHangar, &fxEnvReverbPaddedCell, &fxEnvReverbUnderwater,
+        &fxEnvReverbSewerPipe, nullptr, &fxEnvReverbBathRoom, &fxEnvReverbPsychotic};
+    tones.push_back(MakeFile({rateHz}, Sine(100, 0.2, rateHz)));
+    SndChannel* const channel = rig.Create(*tones.back(), ChanPositional | ChanLooping);
+    channel->SetPosition({0, 0, -1});
+    channel->FadeIn(500);
+    channel->Play();
+    double steepest = 0.0;
+    for (const FXEnvReverb* const room : rooms) {
+        SetRoom(room);
+        rig.StepTimes(40, 50);
+        const Rendering heard = rig.Heard();
+        const size_t end = heard.GetFrames();
+        steepest = std::max(steepest, heard.LargestStep(end - rateHz, end));
+    }
+    const size_t begin = rig.Heard().GetFrames();
+    for (const unsigned long ms : {437ul, 103ul, 51ul, 40ul}) {
+        for (const FXEnvReverb* const room : rooms) {
+            rig.Step(ms, [&] { SetRoom(room); });
+        }
+    }
+    rig.Step(500);
+    const Rendering heard = rig.Heard();
+    EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 1.1 * steepest);
+    EXPECT_LT(heard.LargestStep(begin, heard.GetFrames()), 1.1 * steepest);
+    EXPECT_GT(steepest, 0.0017) << "the tone alone";
+}
+
+TEST_F(Rooms, SourcePropertiesWeakenTheDirectSoundAndTheWayIntoTheRoom)
+{
+    // What is left, in hundredths of a decibel, of a low tone and of one at OpenAL's reference, 5 kHz.
+    struct Row
+    {
+        FXEnvReverbSourceProperties properties;
+        int low, high;
+    };
+    const Row directRows[] = {{{0, 0, 0, 0, 0, 0, 0, 0, 0}, 0, 0},
+        {{-600, 0, 0, 0, 0, 0, 0, 0, 0}, -600, -600}, {{0, -1200, 0, 0, 0, 0, 0, 0, 0}, 0, -1200},
+        {{0, 0, 0, 0, 0, -1000, 0.25f, 0, 0}, -250, -1000},
+        {{-300, 0, 0, 0, 0, -1000, 0.5f, -800, 1.0f}, -1600, -2100},
+        {{500, 500, 0, 0, 0, 500, 0, 500, 2.0f}, 0, 0}};
+    SndChannel* const low = PlayTone(100);
+    SndChannel* high = nullptr;
+    for (const bool isHigh : {false, true}) {
+        if (isHigh) {
+            low->Stop();
+            high = PlayTone(5000);
+        }
+        for (const Row& row : directRows) {
+            ASSERT_TRUE((isHigh ? high : low)->SetFXEnvReverbSourceProperties(&row.properties));
+            rig.StepTimes(3, 50);
+            const double left = 2000 * std::log10(GetLevel(rig) / (0.2 * 0.5957));
+            EXPECT_NEAR(left, isHigh ? row.high : row.low, 60) << "row " << &row - directRows;
+        }
+    }
+    high->Stop();
+    SetRoom(&fxEnvReverbGeneric);
+    SndChannel* const inRoom = PlayTone(100, &onlyRoom);
+    rig.StepTimes(40, 50);
+    const double plain = GetLevel(rig, 500);
+    const std::pair<FXEnvReverbSourceProperties, int> roomRows[] = {
+        {{-10000, 0, -900, 0, 0, 0, 0, 0, 0}, -900}, {{-10000, 0, 0, 0, 0, -5000, 1, 0, 0}, 0},
+        {{-10000, 0, -300, 0, 0, 0, 0, -1000, 0.5f}, -800}};
+    for (const auto& [properties, expected] : roomRows) {
+        inRoom->SetFXEnvReverbSourceProperties(&properties);
+        rig.StepTimes(60, 50);
+        EXPECT_NEAR(2000 * std::log10(GetLevel(rig, 500) / plain), expected, 60);
+    }
+}
+
+TEST_F(Rooms, TheRoomIsAsLoudFromAfarUnlessTheSourceHasARolloffForIt)
+{
+    SetRoom(&fxEnvReverbGeneric);
+    SndChannel* const channel = PlayTone(100, &onlyRoom);
+    channel->SetMinMaxDistance(1, 100, false);
+    rig.StepTimes(40, 50);
+    const double near = GetLevel(rig, 500);
+    channel->SetPosition({0, 0, -8});
+    rig.StepTimes(60, 50);
+    EXPECT_NEAR(GetLevel(rig, 500) / near, 1.0, 0.02);
+    FXEnvReverbSourceProperties falling = onlyRoom;
+    falling.roomRolloffFactor = 1.0f;
+    channel->SetFXEnvReverbSourceProperties(&falling);
+    rig.StepTimes(60, 50);
+    EXPECT_NEAR(GetLevel(rig, 500) / near, 1.0 / 8, 0.01);
+}
+
+TEST_F(Rooms, SourcePropertiesAreToldAsTheyAreAppliedAndOnlyOfPositionalSounds)
+{
+    SoundCaps caps;
+    EXPECT_TRUE(rig.GetDriver().GetCaps(caps));
+    EXPECT_EQ(caps.GetFlags(), capEnvReverbSource);
+    FXEnvReverbSourceProperties live{};
+    SndChannel* const channel = PlayTone(100);
+    EXPECT_FALSE(channel->GetFXEnvReverbSourceProperties(&live));
+    const float noNumber = std::nanf("");
+    const FXEnvReverbSourceProperties wild = {700, -20000, 5, -40, 77.0f, -5, -3.0f, -6, noNumber};
+    EXPECT_TRUE(channel->SetFXEnvReverbSourceProperties(&wild));
+    ASSERT_TRUE(channel->GetFXEnvReverbSourceProperties(&live));
+    EXPECT_EQ(live.direct, 0);
+    EXPECT_EQ(live.directHF, -10000);
+    EXPECT_EQ(live.room, 0);
+    EXPECT_EQ(live.roomHF, -40);
+    EXPECT_EQ(live.roomRolloffFactor, 10.0f);
+    EXPECT_EQ(live.obstructionLFRatio, 0.0f);
+    EXPECT_EQ(live.occlusionLFRatio, 0.0f);
+    SndChannel* const flat = PlayTone(100, nullptr, 0);
+    EXPECT_FALSE(flat->SetFXEnvReverbSourceProperties(&onlyRoom));
+    EXPECT_FALSE(flat->GetFXEnvReverbSourceProperties(&live));
+    EXPECT_FALSE(rig.GetDriver().SetFXEnvReverb(nullptr, 2, 0));
+}
+
+/// A click in a room that the sound brings with it.
+class OwnRoom : public Rooms
+{
+protected:
+    SndChannel* PlayIn(const FXEnvReverb& room, unsigned int flags = 0)
+    {
+        OwnedList list;
+        list.Add(SndFXEnvReverb, room);
+        clicks.push_back(MakeClick());
+        return rig.Play(*clicks.back(), flags, list.Get());
+    }
+
+    std::vector<std::unique_ptr<FormulaFile>> clicks;
+};
+
+TEST_F(OwnRoom, ItRingsOutInItsTimeAfterTheSoundHasEnded)
+{
+    for (const unsigned int flags : {0u, unsigned{ChanPositional}}) {
+        const size_t begin = rig.Heard().GetFrames();
+        SndChannel* const channel = PlayIn(fxEnvReverbStoneRoom, flags);
+        FXEnvReverb live{};
+        ASSERT_TRUE(channel->GetFXEnvReverbListenerProperties(&live));
+        EXPECT_EQ(live.decayTime, fxEnvReverbStoneRoom.decayTime);
+        rig.StepTimes(3, 50);
+        EXPECT_EQ(rig.TakeEvents().size(), 1u) << "the channel is free already";
+        EXPECT_FALSE(channel->GetFXEnvReverbListenerProperties(&live));
+        rig.StepTimes(60, 50);
+        // Past the click itself, which is heard as well.
+        const std::vector<double> left = GetLeft(rig.Heard(), begin + rateHz / 100);
+        EXPECT_NEAR(EffectsExample::MeasureDecay(left, rateHz, 500), 2.31, 0.231);
+        EXPECT_EQ(GetLevel(rig, 20), 0.0);
+    }
+}
+
+TEST_F(OwnRoom, StopCutsItOffWithoutAClick)
+{
+    SndChannel* const channel = PlayIn(fxEnvReverbHangar);
+    rig.StepTimes(2, 45);
+    const double ringing = GetLevel(rig, 20);
+    const size_t stopped = rig.Heard().GetFrames();
+    channel->Stop();
+    rig.StepTimes(3, 45);
+    EXPECT_GT(ringing, 0.001);
+    EXPECT_EQ(GetLevel(rig, 20), 0.0);
+    const Rendering heard = rig.Heard();
+    EXPECT_LE(
+        heard.LargestStep(stopped, heard.GetFrames()), heard.LargestStep(stopped - rateHz / 20, stopped));
+}
+
+TEST_F(OwnRoom, LikeRoomsAreSharedAndThoseBeyondTheEighthAreNotApplied)
+{
+    FXEnvReverb live{};
+    std::vector<SndChannel*> channels;
+    for (int i = 0; i < 4; ++i) {
+        channels.push_back(PlayIn(fxEnvReverbCave));
+    }
+    EXPECT_TRUE(channels.back()->GetFXEnvReverbListenerProperties(&live));
+    for (SndChannel* const channel : channels) {
+        channel->Stop();
+    }
+    rig.StepTimes(4, 50);
+    FXEnvReverb room = fxEnvReverbCave;
+    for (int i = 1; i <= 8; ++i) {
+        room.decayTime = static_cast<float>(i);
+        EXPECT_TRUE(PlayIn(room)->GetFXEnvReverbListenerProperties(&live)) << i;
+        rig.StepTimes(3, 50);
+    }
+    room.decayTime = 9.0f;
+    SndChannel* const ninth = PlayIn(room);
+    EXPECT_FALSE(ninth->GetFXEnvReverbListenerProperties(&live));
+    rig.StepTimes(40, 50);
+    EXPECT_TRUE(PlayIn(room)->GetFXEnvReverbListenerProperties(&live)) << "one has rung out meanwhile";
+}
+
+} // namespace
+} // namespace Quon
