@@ -69,12 +69,15 @@ private:
 /// Where a wave file's sound data lie, as the chunks other than "fmt " tell it.
 struct WaveData
 {
+    bool hasFormat = false; ///< A "fmt " chunk stands in front of the data and was taken.
     std::uint64_t offset = 0; ///< Offset in the file of the first byte; 0 if there are no data.
     std::uint32_t bytes = 0; ///< The size field as it stands.
     std::uint32_t factCount = 0; ///< Sample frames as "fact" has it, 0 or noFactCount if nothing is known.
 
     static constexpr std::uint32_t noFactCount = 0xFFFFFFFF;
 
+    /// There are data, and how to read them is known.
+    bool IsWhole() const { return hasFormat && offset != 0; }
     /// The lesser of the count that the sizes give and of the count that the file states, if it does.
     std::uint64_t LimitSamples(std::uint64_t samples) const
     {
@@ -83,7 +86,8 @@ struct WaveData
 };
 
 /// Walks a wave file up to its "data" chunk. Each "fmt " chunk on the way is handed to `takeFormat`, which
-/// gets the walk and says whether to go on. Of several "fact" chunks the last one counts.
+/// gets the walk and says whether it can be played; one that cannot ends the walk. Of several "fact" chunks
+/// the last one counts.
 template<class TakeFormat>
 WaveData FindWaveData(SndFileHandle& handle, TakeFormat takeFormat)
 {
@@ -91,7 +95,8 @@ WaveData FindWaveData(SndFileHandle& handle, TakeFormat takeFormat)
     RiffWalk walk(handle);
     while (walk.Next()) {
         if (walk.Is("fmt ")) {
-            if (!takeFormat(walk))
+            found.hasFormat = takeFormat(walk);
+            if (!found.hasFormat)
                 break;
         }
         else if (walk.Is("fact")) {

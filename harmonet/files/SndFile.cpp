@@ -151,6 +151,16 @@ void SndFile::CloseFile(unsigned int soundID, Sound* owner)
     }
 }
 
+bool SndFile::TakeHandle(SndFileHandle* newHandle)
+{
+    CloseFile(0, nullptr);
+    if (!newHandle->GetFile().IsOpen())
+        return false;
+    size = newHandle->GetFile().Size();
+    handle = newHandle;
+    return true;
+}
+
 void SndFile::Abandon()
 {
     handle = nullptr;

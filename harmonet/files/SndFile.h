@@ -136,6 +136,10 @@ protected:
     /// The length of what lasts longer than 32 bits of milliseconds.
     static constexpr unsigned long unknownLengthMs = 0xFFFFFFFF;
 
+    /// Closes what was open and takes a file in its place; `size` is that of the whole file. False, with
+    /// nothing taken, if it is not open. Lets FileEx through, with nothing taken, when the system cannot tell
+    /// the length.
+    bool TakeHandle(SndFileHandle* newHandle);
     /// Lets go of the data without giving anything back or telling anybody: for an open that fails, where all
     /// that was handed in stays the caller's. `userMemory` stays as it is.
     void Abandon();

@@ -71,12 +71,8 @@ bool SndFileAdpcm::Open(SndNode* newNode)
 
 bool SndFileAdpcm::OpenHandle(SndFileHandle* newHandle)
 {
-    CloseFile(0, nullptr);
-    if (!newHandle->GetFile().IsOpen())
+    if (!TakeHandle(newHandle))
         return false;
-    const unsigned long fileBytes = newHandle->GetFile().Size();
-    handle = newHandle;
-    size = fileBytes;
     if (!ParseWaveAdpcm()) {
         Abandon();
         return false;
@@ -87,18 +83,11 @@ bool SndFileAdpcm::OpenHandle(SndFileHandle* newHandle)
 
 bool SndFileAdpcm::ParseWaveAdpcm()
 {
-    fileType = FileNone;
-    const WaveData found = FindWaveData(*handle, [this](RiffWalk& walk) {
-        if (!TakeFormat(walk))
-            return false;
-        fileType = FileAdpcm;
-        return true;
-    });
-    dataOffset = found.offset;
-    if (dataOffset == 0 || fileType != FileAdpcm) {
-        fileType = FileNone;
+    const WaveData found = FindWaveData(*handle, [this](RiffWalk& walk) { return TakeFormat(walk); });
+    if (!found.IsWhole())
         return false;
-    }
+    fileType = FileAdpcm;
+    dataOffset = found.offset;
     size = found.bytes;
     soundSamples = ClampSamples(found.LimitSamples(CountSamples(size)));
     soundLength = CalcLength(soundSamples);

@@ -40,12 +40,8 @@ bool SndFileWav::Open(SndNode* newNode)
 
 bool SndFileWav::OpenHandle(SndFileHandle* newHandle)
 {
-    CloseFile(0, nullptr);
-    if (!newHandle->GetFile().IsOpen())
+    if (!TakeHandle(newHandle))
         return false;
-    const unsigned long fileBytes = newHandle->GetFile().Size();
-    handle = newHandle;
-    size = fileBytes;
     if (!ParseWave()) {
         Abandon();
         return false;
@@ -56,19 +52,14 @@ bool SndFileWav::OpenHandle(SndFileHandle* newHandle)
 
 bool SndFileWav::ParseWave()
 {
-    fileType = FileNone;
     const WaveData found = FindWaveData(*handle, [this](RiffWalk& walk) {
-        if (walk.GetSize() < RiffWalk::minFormatBytes || walk.GetSize() > RiffWalk::maxFormatBytes ||
-            !TakeFormat(walk.ReadFormat()))
-            return false;
-        fileType = FileWav;
-        return true;
+        return walk.GetSize() >= RiffWalk::minFormatBytes && walk.GetSize() <= RiffWalk::maxFormatBytes &&
+            TakeFormat(walk.ReadFormat());
     });
-    dataOffset = found.offset;
-    if (dataOffset == 0 || fileType != FileWav) {
-        fileType = FileNone;
+    if (!found.IsWhole())
         return false;
-    }
+    fileType = FileWav;
+    dataOffset = found.offset;
     size = found.bytes;
     soundSamples = ClampSamples(found.LimitSamples(size / static_cast<unsigned long>(BytesPerFrame())));
     soundLength = CalcLength(soundSamples);
