@@ -1,12 +1,11 @@
 #include "drivers/openal/effects/EffectChain.h"
 
-#include "drivers/openal/effects/ChorusEffect.h"
 #include "drivers/openal/effects/CompressorEffect.h"
 #include "drivers/openal/effects/DistortionEffect.h"
 #include "drivers/openal/effects/EchoEffect.h"
-#include "drivers/openal/effects/FlangerEffect.h"
 #include "drivers/openal/effects/GargleEffect.h"
 #include "drivers/openal/effects/ParamEqEffect.h"
+#include "drivers/openal/effects/SweptEffect.h"
 #include "drivers/openal/effects/Units.h"
 #include "drivers/openal/effects/WavesReverbEffect.h"
 

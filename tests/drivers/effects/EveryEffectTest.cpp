@@ -1,12 +1,11 @@
 // What holds for each of the effects, whatever it does to a sound.
 
-#include "drivers/openal/effects/ChorusEffect.h"
 #include "drivers/openal/effects/CompressorEffect.h"
 #include "drivers/openal/effects/DistortionEffect.h"
 #include "drivers/openal/effects/EchoEffect.h"
-#include "drivers/openal/effects/FlangerEffect.h"
 #include "drivers/openal/effects/GargleEffect.h"
 #include "drivers/openal/effects/ParamEqEffect.h"
+#include "drivers/openal/effects/SweptEffect.h"
 #include "drivers/openal/effects/WavesReverbEffect.h"
 #include "tests/drivers/effects/Signals.h"
 

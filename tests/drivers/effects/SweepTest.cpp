@@ -1,5 +1,4 @@
-#include "drivers/openal/effects/ChorusEffect.h"
-#include "drivers/openal/effects/FlangerEffect.h"
+#include "drivers/openal/effects/SweptEffect.h"
 #include "tests/drivers/effects/Signals.h"
 
 #include <gtest/gtest.h>
