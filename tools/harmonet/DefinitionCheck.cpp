@@ -46,28 +46,6 @@ std::string ExplainUnreadable(const Quon::DefinitionRemark& remark)
     return begin + ", and '" + remark.found + "' is none" + stops;
 }
 
-std::string ExplainOpenCode(int code)
-{
-    switch (code) {
-    case Quon::File::Opened:
-        return "does not load";
-    case Quon::File::NotFound:
-        return "is not there";
-    case Quon::File::NotAFile:
-        return "is not a file";
-    case Quon::File::NotReadable:
-        return "may not be read";
-    case Quon::File::Empty:
-        return "is empty";
-    case Quon::File::OutsideRoot:
-        return "lies outside the folder of the assets";
-    case Quon::File::BadName:
-        return "is no name of a file";
-    default:
-        return "cannot be opened";
-    }
-}
-
 int TryToOpen(const Quon::PString& owner, const Quon::PString& name)
 {
     Quon::File opened;
@@ -77,7 +55,8 @@ int TryToOpen(const Quon::PString& owner, const Quon::PString& name)
 std::string ExplainFailure(const DefinitionFile& file)
 {
     const Quon::SoundDefResource& definition = file.GetSettings();
-    return ExplainOpenCode(TryToOpen(definition.GetOwnerName(), definition.GetName()));
+    const int code = TryToOpen(definition.GetOwnerName(), definition.GetName());
+    return code == Quon::File::Opened ? "does not load" : FormatOpenCode(code);
 }
 
 } // namespace
@@ -195,7 +174,7 @@ void DefinitionCheck::CheckSoundFile(const Quon::SoundDefResource& sound)
     const std::string shown = "the sound file '" + ToString(name) + "' ";
     const int code = TryToOpen(sound.GetOwnerName(), name);
     if (code != Quon::File::Opened)
-        return AddError(FindLine(Keys::file), shown + ExplainOpenCode(code));
+        return AddError(FindLine(Keys::file), shown + FormatOpenCode(code));
     const std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(sound.GetOwnerName(), name));
     if (!data)
         AddError(FindLine(Keys::file), shown + "is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III");

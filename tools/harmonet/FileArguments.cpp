@@ -1,6 +1,7 @@
 #include "tools/harmonet/FileArguments.h"
 
 #include "harmonet/engine/File.h"
+#include "tools/harmonet/Format.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <algorithm>
@@ -34,28 +35,12 @@ fs::path CommonFolder(const fs::path& left, const fs::path& right)
     return common;
 }
 
-std::string Explain(int openCode)
-{
-    switch (openCode) {
-    case Quon::File::NotAFile:
-        return "is not a file";
-    case Quon::File::NotReadable:
-        return "may not be read";
-    case Quon::File::Empty:
-        return "is empty";
-    case Quon::File::TooLarge:
-        return "has 2 GiB or more";
-    default:
-        return "cannot be opened";
-    }
-}
-
 void CheckReadable(const FileArguments::File& file)
 {
     Quon::File opened;
     const Quon::Result result = opened.Open(Quon::PString(), file.name.GetText(), Quon::File::modeRead);
     if (!result.IsOk())
-        throw ToolError("'" + file.shown + "' " + Explain(result.GetCode()));
+        throw ToolError("'" + file.shown + "' " + FormatOpenCode(result.GetCode()));
 }
 
 } // namespace
