@@ -98,11 +98,13 @@ unsigned long SndNodeCache::EvictBytes(unsigned long bytes)
 
 void SndNodeCache::Flush()
 {
-    while (sentinel.next != &sentinel) {
-        SndNode* const node = sentinel.next;
+    SndNode* node = sentinel.next;
+    while (node != &sentinel) {
+        SndNode* const following = node->next;
         Unlink(node);
         if (node->useCount < 1)
             delete node;
+        node = following;
     }
     freeBytes = limit;
 }
