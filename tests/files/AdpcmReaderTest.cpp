@@ -106,32 +106,6 @@ TEST_F(AdpcmReader, CountsBlocksAndTheTornLastOne)
     }
 }
 
-TEST_F(AdpcmReader, FactCountIsTheLengthAndReadingMayRunOn)
-{
-    const AdpcmLayout layout = {1, 20, usualPairs};
-    const auto file = OpenBytes(AdpcmWave(layout, Bytes(40, 0), Chunk("fact", Little32(30))));
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(file->GetSoundSamples(), 30);
-    EXPECT_EQ(file->GetSoundLength(), 3u);
-    EXPECT_EQ(ReadAll(*file).size(), 2u * 56);
-    EXPECT_EQ(file->GetRemainLength(), 0u);
-    EXPECT_EQ(file->SkipSamples(5), 0);
-    file->Rewind();
-    EXPECT_EQ(file->SkipSamples(100), 30);
-}
-
-// Written out by hand: pair 1 is (512, -256), the line through the last two samples.
-TEST_F(AdpcmReader, FirstSamplesOfABlockAreWorkedOutAsByHand)
-{
-    const Bytes block = {1, 16, 0, 200, 0, 100, 0, 0x1F, 0x80};
-    const auto file = OpenBytes(AdpcmWave({1, 9, usualPairs}, block));
-    ASSERT_NE(file, nullptr);
-    // 100, 200, then 300 + 16; 432 - 16 with a delta that cannot fall below 16; 516 - 8 x 16; 340 + 0 x 48.
-    const Bytes expected =
-        Little16(100) + Little16(200) + Little16(316) + Little16(416) + Little16(388) + Little16(360);
-    EXPECT_EQ(ReadAll(*file), expected);
-}
-
 TEST_F(AdpcmReader, AnyMixOfReadsSkipsAndRewindsIsExact)
 {
     for (unsigned seed = 1; seed <= 60; ++seed) {
@@ -179,24 +153,6 @@ TEST_F(AdpcmReader, AnyMixOfReadsSkipsAndRewindsIsExact)
             ASSERT_EQ(file->GetCurrentLength(), static_cast<unsigned long>(position) * 1000 / 8000);
         }
     }
-}
-
-TEST_F(AdpcmReader, SkipsAddUpAndARewindForgetsThem)
-{
-    const Bytes expected = ReadStream("odd-stereo.pcm");
-    const auto file = OpenBytes(ReadStream("odd-stereo.wav"));
-    ASSERT_NE(file, nullptr);
-    const auto from = [&](std::ptrdiff_t frame, std::ptrdiff_t count) {
-        return Bytes(expected.begin() + frame * 4, expected.begin() + (frame + count) * 4);
-    };
-    EXPECT_EQ(file->SkipSamples(100), 100);
-    EXPECT_EQ(file->SkipSamples(-50), 0);
-    EXPECT_EQ(file->SkipSamples(333), 333);
-    EXPECT_EQ(file->GetCurrentSample(), 433);
-    EXPECT_EQ(ReadFrames(*file, 10), from(433, 10));
-    EXPECT_EQ(file->SkipSamples(1), 1);
-    file->Rewind();
-    EXPECT_EQ(ReadFrames(*file, 10), from(0, 10));
 }
 
 // What has been promised cannot be kept: the position comes back to where the data ended.
@@ -322,26 +278,6 @@ TEST_F(AdpcmReader, AFileThatShrinksWhileItPlaysEndsThere)
     EXPECT_TRUE(ReadFrames(*file, 100).empty());
     file->Rewind();
     EXPECT_EQ(ReadAll(*file).size(), 2u * (28 + 28 + 4));
-}
-
-TEST_F(AdpcmReader, EveryReopenedReaderStartsAfresh)
-{
-    folder.Write("first", ReadStream("sox-mono.wav"));
-    folder.Write("second", ReadStream("odd-stereo.wav"));
-    SndFileAdpcm file;
-    for (const char* name : {"first", "second", "first"}) {
-        SCOPED_TRACE(name);
-        ASSERT_TRUE(file.OpenHandle(openFiles.Acquire(owner, name)));
-        EXPECT_EQ(file.GetCurrentSample(), 0);
-        const std::string pcmName = name[0] == 'f' ? "sox-mono.pcm" : "odd-stereo.pcm";
-        EXPECT_TRUE(ReadAll(file, 50) == ReadStream(pcmName));
-        file.Rewind();
-        EXPECT_FALSE(ReadFrames(file, 77).empty());
-        file.SkipSamples(5);
-    }
-    EXPECT_FALSE(file.OpenMemory(nullptr, 0, nullptr));
-    EXPECT_EQ(file.FileType(), SndFile::FileNone);
-    EXPECT_EQ(openFiles.GetCount(), 0);
 }
 
 } // namespace

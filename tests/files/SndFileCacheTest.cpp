@@ -79,18 +79,6 @@ TEST_F(OpenFiles, AFileOfAnotherListStaysOpenForItsOtherReaders)
     EXPECT_EQ(later.GetCount(), 0);
 }
 
-TEST_F(OpenFiles, ShutdownClosesEveryFileWhateverItsUses)
-{
-    folder.Write("other", Counting(10));
-    const std::size_t before = Alloc::LiveBlocks();
-    openFiles.Acquire(owner, "sound");
-    openFiles.Acquire(owner, "other");
-    openFiles.Acquire(owner, "sound");
-    openFiles.ReleaseAll();
-    EXPECT_EQ(openFiles.GetCount(), 0);
-    EXPECT_EQ(Alloc::LiveBlocks(), before);
-}
-
 TEST_F(OpenFiles, ReadsEndWithTheFileWhereverTheyBegin)
 {
     SndFileHandle* const handle = openFiles.Acquire(owner, "sound");

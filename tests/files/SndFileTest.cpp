@@ -74,22 +74,6 @@ TEST_F(SndFileBase, NothingOpensWithoutAListOfOpenFiles)
     EXPECT_NE(Open("sound"), nullptr);
 }
 
-TEST_F(SndFileBase, QueueGrowsAtItsEndAndCountsWhatStandsBehind)
-{
-    const std::unique_ptr<SndFile> head(OpenBlock(0));
-    SndFile* const second = OpenBlock(1);
-    SndFile* const third = OpenBlock(2);
-    head->Add(second);
-    head->Add(third);
-    EXPECT_EQ(head->GetNext(), second);
-    EXPECT_EQ(second->GetNext(), third);
-    EXPECT_EQ(head->GetQueueLength(), 2);
-    EXPECT_EQ(second->GetQueueLength(), 1);
-    EXPECT_EQ(third->GetQueueLength(), 0);
-    head->DeleteQueue(1, nullptr);
-    EXPECT_EQ(head->GetQueueLength(), 0);
-}
-
 TEST_F(SndFileBase, QueueGoesFromTheLastFileForwardWithoutTheHead)
 {
     const std::unique_ptr<SndFile> head(OpenBlock(0));
@@ -147,18 +131,6 @@ TEST_F(SndFileBase, ABlockGoesBackOnceAndOnlyToAnOwner)
     EXPECT_EQ(witness.freed.size(), 1u);
 }
 
-TEST_F(SndFileBase, AClosedReaderHandsOutNothing)
-{
-    const std::unique_ptr<SndFile> file(OpenBlock(0));
-    ASSERT_EQ(file->SkipSamples(4), 4);
-    file->CloseFile(0, nullptr);
-    unsigned char sample = 0;
-    EXPECT_EQ(file->ReadSamples(&sample, 1), 0);
-    EXPECT_EQ(file->SkipSamples(1), 0);
-    EXPECT_EQ(file->GetRemainLength(), 0u);
-    EXPECT_EQ(file->GetCurrentLength(), 0u);
-}
-
 TEST_F(SndFileBase, LoadGivesTheFileBackAndKeepsTheDataOnly)
 {
     const auto file = OpenBytes(Wave(
@@ -212,24 +184,6 @@ TEST_F(SndFileBase, AFileWithoutALengthRaisesAndLeavesNoUseBehind)
     SndFileWav file;
     EXPECT_FALSE(file.OpenHandle(handle)) << "a file that is not open is refused before its length is asked";
     openFiles.Release(handle);
-}
-
-TEST_F(SndFileBase, EveryBlockOfMemoryIsGivenBack)
-{
-    folder.Write("sound", PcmWave(1, 8000, 16, Counting(100)));
-    folder.Write("noise", Counting(100));
-    const std::size_t before = Alloc::LiveBlocks();
-    {
-        const auto streamed = Open("sound");
-        const auto loaded = Open("sound");
-        ASSERT_NE(loaded->Load(), nullptr);
-        EXPECT_EQ(Open("noise"), nullptr);
-        EXPECT_EQ(Open("missing"), nullptr);
-        streamed->Add(OpenBlock(0));
-        streamed->DeleteQueue(0, nullptr);
-        EXPECT_GT(Alloc::LiveBlocks(), before);
-    }
-    EXPECT_EQ(Alloc::LiveBlocks(), before);
 }
 
 } // namespace

@@ -48,114 +48,32 @@ TEST_F(NodeCache, ASecondSoundOfAFileReadsTheSameBytesAtItsOwnPlace)
     EXPECT_EQ(second->GetSoundLength(), first->GetSoundLength());
 }
 
-TEST_F(NodeCache, OnlyWhatIsSmallerThanTheFreeBytesIsKept)
+TEST_F(NodeCache, OnlyWhatIsSmallerThanTheFreeBytesIsKeptAndIdleOnesMakeRoom)
 {
-    WriteSound("99", 99);
-    WriteSound("100", 100);
-    WriteSound("101", 101);
     struct Row
     {
-        const char* name;
-        bool cached;
+        std::size_t bytes;
+        bool isCached;
+        int kept;
     };
-    for (const Row& row : {Row{"99", true}, Row{"100", false}, Row{"101", false}}) {
-        SCOPED_TRACE(row.name);
+    for (const Row& row : {Row{10, true, 3}, Row{79, true, 2}, Row{80, false, 1}, Row{200, false, 1}}) {
+        SCOPED_TRACE(row.bytes);
+        WriteSound("idle", 20);
+        WriteSound("used", 20);
+        WriteSound("new", row.bytes);
         cache.Flush();
         cache.SetLimit(100);
-        const auto file = OpenSound(row.name);
+        OpenSound("idle", 9);
+        const auto used = OpenSound("used");
+        const auto file = OpenSound("new");
         ASSERT_NE(file, nullptr);
-        EXPECT_EQ(file->IsCached(), row.cached);
-        EXPECT_EQ(cache.GetCount(), row.cached ? 1 : 0);
-        EXPECT_EQ(ReadFrames(*file, file->GetSoundSamples()).size(),
-            static_cast<std::size_t>(file->GetSoundSamples()));
+        EXPECT_EQ(file->IsCached(), row.isCached);
+        EXPECT_EQ(cache.GetCount(), row.kept);
+        EXPECT_EQ(ReadAll(*file), Bytes(row.bytes, 1));
+        cache.Clear();
+        EXPECT_EQ(cache.GetLimit(), 0u);
+        EXPECT_EQ(ReadAll(*used), Bytes(20, 1)) << "the bytes went while somebody read them";
     }
-}
-
-TEST_F(NodeCache, AnOverlargeFileStreamsAndEmptiesWhatIsIdle)
-{
-    WriteSound("idle", 20);
-    WriteSound("used", 20);
-    WriteSound("huge", 200);
-    cache.SetLimit(100);
-    OpenSound("idle", 9);
-    const auto used = OpenSound("used");
-    const auto huge = OpenSound("huge");
-    ASSERT_NE(huge, nullptr);
-    EXPECT_FALSE(huge->IsCached());
-    EXPECT_EQ(cache.GetCount(), 1);
-    EXPECT_EQ(cache.GetFreeBytes(), 80u);
-}
-
-TEST_F(NodeCache, EvictionTakesLowPriorityFirstAndLongUnusedAmongEquals)
-{
-    for (const char* name : {"low", "first", "second"})
-        WriteSound(name, 10);
-    cache.SetLimit(1000);
-    OpenSound("low", 1);
-    OpenSound("first", 5);
-    OpenSound("second", 5);
-    OpenSound("first", 5);
-    const auto isHit = [&](const char* name) {
-        folder.Remove(name);
-        return OpenSound(name, 0) != nullptr;
-    };
-    EXPECT_EQ(cache.Evict(1), 10);
-    EXPECT_FALSE(isHit("low"));
-    EXPECT_EQ(cache.Evict(10), 10);
-    EXPECT_FALSE(isHit("second"));
-    EXPECT_TRUE(isHit("first"));
-    EXPECT_EQ(cache.Evict(11), 10) << "no more was left";
-    EXPECT_EQ(cache.Evict(1), 0);
-    EXPECT_EQ(cache.GetFreeBytes(), 1000u);
-}
-
-TEST_F(NodeCache, PriorityOfANodeNeverFalls)
-{
-    WriteSound("high", 10);
-    WriteSound("middle", 10);
-    cache.SetLimit(1000);
-    OpenSound("high", 9);
-    OpenSound("high", 2);
-    OpenSound("middle", 5);
-    EXPECT_EQ(cache.Evict(1), 10);
-    folder.Remove("middle");
-    EXPECT_EQ(OpenSound("middle"), nullptr) << "it was not the one that went";
-}
-
-TEST_F(NodeCache, AFlushLeavesTheBytesToThoseWhoStillReadThem)
-{
-    WriteSound("used", 50, 7);
-    WriteSound("idle", 20);
-    cache.SetLimit(100);
-    const std::size_t before = Alloc::LiveBlocks();
-    auto file = OpenSound("used");
-    auto twin = OpenSound("used");
-    OpenSound("idle");
-    cache.Flush();
-    EXPECT_EQ(cache.GetCount(), 0);
-    EXPECT_EQ(cache.GetFreeBytes(), 100u);
-    EXPECT_EQ(ReadAll(*file), Bytes(50, 7));
-    file.reset();
-    EXPECT_EQ(ReadAll(*twin), Bytes(50, 7));
-    const auto fresh = OpenSound("used");
-    EXPECT_NE(fresh->Load(), twin->Load()) << "a node off the list is not found";
-    twin.reset();
-    EXPECT_EQ(ReadAll(*fresh), Bytes(50, 7));
-    cache.Clear();
-    fresh->CloseFile(0, nullptr);
-    EXPECT_EQ(Alloc::LiveBlocks(), before + 1) << "more is left than the closed reader";
-    EXPECT_EQ(cache.GetLimit(), 0u);
-}
-
-TEST_F(NodeCache, NoBudgetMeansThatEverythingStreams)
-{
-    WriteSound("sound", 10);
-    const auto first = OpenSound("sound");
-    const auto second = OpenSound("sound");
-    ASSERT_NE(second, nullptr);
-    EXPECT_FALSE(second->IsCached());
-    EXPECT_EQ(cache.GetCount(), 0);
-    EXPECT_EQ(openFiles.GetCount(), 1);
 }
 
 TEST_F(NodeCache, AFileThatStatesMoreThanItHoldsStreams)

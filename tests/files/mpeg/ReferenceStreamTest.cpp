@@ -110,23 +110,3 @@ TEST_P(ReferenceStreams, ConformanceStreamsStayWithinTwoSteps)
     }
     EXPECT_GT(streams, 0);
 }
-
-TEST(Kernels, GiveTheSamePcmWithinOneStep)
-{
-    if (Avx2Kernels() == nullptr) {
-        GTEST_SKIP() << "this processor runs the baseline only";
-    }
-    for (const std::string name : streamNames) {
-        SCOPED_TRACE(name);
-        std::vector<int> pcm[2];
-        for (int i = 0; i < 2; ++i) {
-            SndFileMP3::UseKernels(i == 0 ? &BaselineKernels() : Avx2Kernels());
-            pcm[i] = MemoryStream(ReadStream(name + ".mp3")).ReadAll();
-        }
-        SndFileMP3::UseKernels(nullptr);
-        ASSERT_EQ(pcm[0].size(), pcm[1].size());
-        for (std::size_t i = 0; i < pcm[0].size(); ++i) {
-            ASSERT_LE(std::abs(pcm[0][i] - pcm[1][i]), 1);
-        }
-    }
-}

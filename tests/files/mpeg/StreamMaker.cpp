@@ -25,9 +25,8 @@ public:
 
     Bytes Make()
     {
-        if (header.mode == 1) {
-            header.modeExtension = Pick(0, 3);
-        }
+        // It counts in joint stereo alone.
+        header.modeExtension = Pick(0, 3);
         const std::size_t headBytes = 4 + (header.hasCrc ? 2 : 0) + header.GetSideInfoBytes();
         const int newBytes = static_cast<int>(header.GetFrameBytes() - headBytes);
         const int mainDataBegin = Pick(0, std::min(reservoir, header.isMpeg1 ? 511 : 255));

@@ -161,16 +161,6 @@ TEST(MpegReader, AHeaderThatCannotBePlayedEndsACallAndTheNextGoesOnBehindIt)
     EXPECT_EQ(delivered, 0);
 }
 
-TEST(MpegReader, ATornLastFrameIsNotDelivered)
-{
-    const Bytes whole = RandomStream(MonoHeader(), 3);
-    const std::vector<int> expected = DecodeAll(RandomStream(MonoHeader(), 2));
-    for (const std::size_t missing : {1u, 380u, 400u, 412u, 413u}) {
-        const Bytes torn(whole.begin(), whole.end() - static_cast<std::ptrdiff_t>(missing));
-        EXPECT_EQ(DecodeAll(torn), expected) << missing << " bytes missing";
-    }
-}
-
 TEST(MpegReader, AFrameWithoutItsReservoirIsSilentAndFillsItsBuffer)
 {
     const Bytes stream = RandomStream(MonoHeader(), 2);
@@ -213,20 +203,6 @@ TEST(MpegReader, AChangeOfChannelsNeverMixesLayoutsNorOverrunsABuffer)
     }
 }
 
-TEST(MpegReader, TheFormatIsThatOfTheSamplesHandedOut)
-{
-    StreamMaker::Header stereo = MonoHeader();
-    stereo.mode = 0;
-    MemoryStream file(RandomStream(stereo, 2) + RandomStream(MonoHeader(), 2));
-    int delivered = 0;
-    file.ReadOnce(3 * frame, delivered);
-    EXPECT_EQ(delivered, 2 * frame);
-    EXPECT_EQ(file.Get()->GetChannels(), 2);
-    file.ReadOnce(3 * frame, delivered);
-    EXPECT_EQ(delivered, 2 * frame);
-    EXPECT_EQ(file.Get()->GetChannels(), 1);
-}
-
 TEST(MpegReader, NothingStaleIsHandedOutWhenAFrameOfAnotherLengthFails)
 {
     StreamMaker::Header shortFrames = MonoHeader();
@@ -253,23 +229,6 @@ TEST(MpegReader, ASkipIntoLongerFramesSkipsNoMoreThanAsked)
     int delivered = 0;
     file.ReadOnce(5000, delivered);
     EXPECT_EQ(delivered, 2 * frame - 600);
-}
-
-TEST(MpegReader, ASilentStreamIsExactlySilent)
-{
-    const Bytes silent = StreamMaker::MakeSilentFrame(MonoHeader());
-    const std::vector<int> pcm = DecodeAll(silent + silent + silent);
-    ASSERT_EQ(pcm.size(), 3u * frame);
-    EXPECT_TRUE(IsSilent(pcm, 0, pcm.size()));
-}
-
-TEST(MpegReader, LengthsFollowTheCounts)
-{
-    MemoryStream file(ReadStream("mono-16000.mp3"));
-    file.Get()->SkipSamples(1000);
-    EXPECT_EQ(file.Get()->GetCurrentLength(), 1000u * 1000 / 16000);
-    // The node of this test states no length.
-    EXPECT_EQ(file.Get()->GetRemainLength(), 0u);
 }
 
 TEST(MpegReader, TakesNothingFromTheHeapWhileItDecodesAndGivesAllBack)
