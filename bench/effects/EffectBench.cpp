@@ -3,6 +3,10 @@
 
 #include "drivers/openal/effects/EffectChain.h"
 
+#ifdef HARMONET_HAS_OPENAL
+#include "bench/effects/RoomBench.h"
+#endif
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -119,6 +123,9 @@ int main(int argc, char** argv)
         benchmark::RegisterBenchmark((name + "/stereo").c_str(), MeasureEffect, effect.kind, 2);
     }
     benchmark::RegisterBenchmark("PlainGain", MeasureGain);
+#ifdef HARMONET_HAS_OPENAL
+    RegisterRooms();
+#endif
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;

@@ -1,7 +1,6 @@
 #include "drivers/openal/ReverbRecords.h"
 
 #include "drivers/openal/effects/Units.h"
-#include "harmonet/definitions/EnvReverbPresets.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,6 +12,10 @@ namespace
 {
 
 constexpr std::int32_t silence = -10000;
+
+/// A room like any other. Not the library's default, which a game can change, and to anything.
+constexpr FXEnvReverb fallback = {
+    -1000, -100, 0.0f, 1.49f, 0.83f, -2602, 0.007f, 200, 0.011f, 100.0f, 100.0f, 5000.0f};
 
 // Of AL_EAXREVERB_REFLECTIONS_GAIN, 3.16, and of AL_EAXREVERB_LATE_REVERB_GAIN, 10.
 constexpr std::int32_t loudestReflections = 1000;
@@ -38,7 +41,6 @@ float GetHigh(std::int32_t all, float lowRatio)
 
 FXEnvReverb HoldReverb(const FXEnvReverb& wanted)
 {
-    const FXEnvReverb& fallback = fxEnvReverbDefault;
     FXEnvReverb held = wanted;
     held.room = HoldLevel(wanted.room);
     held.roomHF = HoldLevel(wanted.roomHF);

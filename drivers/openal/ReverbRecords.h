@@ -6,7 +6,7 @@ namespace Quon
 {
 
 /// What OpenAL can do of a room or of a source's place in it, and what its parameters are in OpenAL's units.
-/// Pure functions. Fields that are no number count as those of the default room, or as doing nothing.
+/// Pure functions. Fields that are no number count as those of a generic room, or as doing nothing.
 
 /// The room with each field held to its range: `room` and `roomHF` from -10000 to 0, `reflections` to 1000,
 /// `reverb` to 2000; a rolloff of 0 to 10; a decay of 0.1 to 20 s, its ratio of 0.1 to 2; delays of 0 to 0.3

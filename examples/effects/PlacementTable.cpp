@@ -1,0 +1,177 @@
+#include "examples/effects/PlacementTable.h"
+
+#include "examples/effects/Session.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <functional>
+#include <numbers>
+#include <string>
+
+namespace EffectsExample
+{
+
+namespace
+{
+
+constexpr double amplitude = 0.5;
+
+/// How a mono source comes out of two speakers: a microphone for each side that hears its own side at 1, the
+/// other at 0, and the front a little better than the back. `degrees` to the left of straight ahead; what is
+/// in front counts as half as far again to the side, up to 90 degrees.
+struct Sides
+{
+    double left;
+    double right;
+};
+
+Sides GetSides(double degrees)
+{
+    constexpr double frontPart = 0.0957;
+    const double aside = std::remainder(degrees, 360.0);
+    const double widened =
+        std::abs(aside) <= 90.0 ? std::copysign(std::min(1.5 * std::abs(aside), 90.0), aside) : aside;
+    const double radians = widened * std::numbers::pi / 180.0;
+    const double middle = 0.5 + frontPart * std::cos(radians);
+    return {middle + 0.5 * std::sin(radians), middle - 0.5 * std::sin(radians)};
+}
+
+/// Straight ahead, at full level.
+const double fullLevel = GetSides(0.0).left;
+
+struct Situation
+{
+    std::string name;
+    std::function<void(Session&, int)> arrange;
+    Sides expected;
+};
+
+Situation AtLevel(const std::string& name, double expected, std::function<void(Session&, int)> arrange)
+{
+    return {name, std::move(arrange), {expected * fullLevel, expected * fullLevel}};
+}
+
+double Level(const std::vector<double>& sound)
+{
+    // The last whole tenth of a second.
+    constexpr std::size_t count = rateHz / 10;
+    double power = 0.0;
+    for (std::size_t i = sound.size() - count; i < sound.size(); ++i)
+        power += sound[i] * sound[i];
+    return std::sqrt(2.0 * power / static_cast<double>(count)) / amplitude;
+}
+
+std::vector<Situation> GetGains()
+{
+    std::vector<Situation> all;
+    for (const float gain : {1.0F, 0.5F, 0.1F})
+        all.push_back(AtLevel("gain " + std::to_string(gain).substr(0, 3), double{gain},
+            [=](Session& session, int id) { session.GetSounds().SetSoundGain(id, gain); }));
+    all.push_back(AtLevel("gain 0.5, main gain 0.5", 0.25, [](Session& session, int id) {
+        session.GetSounds().SetSoundGain(id, 0.5F);
+        Quon::SoundSystem::SetMainGain(0.5F);
+    }));
+    return all;
+}
+
+/// min / (min + rolloff * (distance - min)), with the distance held to the range.
+Situation FromAfar(double least, double most, double rolloff, double distance)
+{
+    const double held = std::min(std::max(distance, least), most);
+    char name[100];
+    std::snprintf(name, sizeof name, "distance %g of %g to %g, rolloff %g", distance, least, most, rolloff);
+    return AtLevel(name, least / (least + rolloff * (held - least)), [=](Session& session, int id) {
+        session.GetListener().SetRolloffFactor(static_cast<float>(rolloff));
+        session.GetSounds().SetSoundMinMaxDistance(
+            id, static_cast<float>(least), static_cast<float>(most), false);
+        session.GetSounds().SetSoundPosition(id, {0.0F, 0.0F, -static_cast<float>(distance)});
+    });
+}
+
+std::vector<Situation> GetDistances()
+{
+    return {FromAfar(2, 50, 1, 1), FromAfar(2, 50, 1, 4), FromAfar(2, 50, 1, 20), FromAfar(2, 50, 1, 200),
+        FromAfar(2, 50, 2, 4), FromAfar(2, 50, 0.5, 20), FromAfar(2, 50, 0, 20)};
+}
+
+std::vector<Situation> GetCutouts()
+{
+    std::vector<Situation> all;
+    for (const float distance : {19.9F, 20.1F}) {
+        char name[100];
+        std::snprintf(name, sizeof name, "distance %.1f of 10 to 20, cut out", double{distance});
+        const double expected = distance > 20.0F ? 0.0 : 10.0 / double{distance};
+        all.push_back(AtLevel(name, expected, [=](Session& session, int id) {
+            session.GetSounds().SetSoundMinMaxDistance(id, 10.0F, 20.0F, true);
+            session.GetSounds().SetSoundPosition(id, {0.0F, 0.0F, -distance});
+        }));
+    }
+    return all;
+}
+
+/// The sound turns away from the listener, who stands behind it at 180 degrees.
+Situation TurnedAway(double degrees)
+{
+    constexpr float inner = 60.0F;
+    constexpr float outer = 120.0F;
+    constexpr float outside = 0.2F;
+    const double part = std::min(std::max((2.0 * degrees - double{inner}) / double{outer - inner}, 0.0), 1.0);
+    char name[100];
+    std::snprintf(name, sizeof name, "cone of 60 to 120 degrees and 0.2, turned by %g", degrees);
+    return AtLevel(name, 1.0 - part * (1.0 - double{outside}), [=](Session& session, int id) {
+        const double half = degrees * std::numbers::pi / 360.0;
+        session.GetSounds().SetSoundCone(id, inner, outer, outside);
+        // The axis is the node's own +Z, which at first points at the listener.
+        session.GetSounds().BindSoundAxisToDirection(id, 3);
+        session.GetSounds().SetSoundOrientation(
+            id, {0.0F, static_cast<float>(std::sin(half)), 0.0F, static_cast<float>(std::cos(half))});
+    });
+}
+
+std::vector<Situation> GetCones()
+{
+    return {TurnedAway(0), TurnedAway(30), TurnedAway(45), TurnedAway(52.5), TurnedAway(60), TurnedAway(180)};
+}
+
+std::vector<Situation> GetPans()
+{
+    std::vector<Situation> all;
+    for (int degrees = 0; degrees < 360; degrees += 30) {
+        const double radians = degrees * std::numbers::pi / 180.0;
+        const Quon::Vector3 place = {
+            -static_cast<float>(std::sin(radians)), 0.0F, -static_cast<float>(std::cos(radians))};
+        all.push_back({std::to_string(degrees) + " degrees to the left",
+            [=](Session& session, int id) { session.GetSounds().SetSoundPosition(id, place); },
+            GetSides(degrees)});
+    }
+    return all;
+}
+
+void PrintRow(const Situation& situation, const std::filesystem::path& folder)
+{
+    const Pcm tone = MakeTone(amplitude);
+    Session session(folder / "tone.wav");
+    session.GetListener().SetRolloffFactor(1.0F);
+    const int id = session.Add(tone, {0.0F, 0.0F, -1.0F});
+    situation.arrange(session, id);
+    session.Start(id, true);
+    session.Run(500);
+    const Heard heard = session.Read();
+    std::printf("| %s | %.4f | %.4f | %.4f | %.4f |\n", situation.name.c_str(), situation.expected.left,
+        Level(heard.left), situation.expected.right, Level(heard.right));
+}
+
+} // namespace
+
+void PrintPlacementTable(const std::filesystem::path& folder)
+{
+    std::printf("| situation | left, by formula | left, measured | right, by formula | right, measured |\n"
+                "|---|---|---|---|---|\n");
+    for (const auto& part : {GetGains(), GetDistances(), GetCutouts(), GetCones(), GetPans()}) {
+        for (const Situation& situation : part)
+            PrintRow(situation, folder);
+    }
+}
+
+} // namespace EffectsExample

@@ -1,0 +1,53 @@
+#pragma once
+
+#include "examples/effects/DrySound.h"
+
+#include "harmonet/engine/OS.h"
+#include "harmonet/instances/Microphone.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/SoundSystem.h"
+
+#include <filesystem>
+#include <vector>
+
+namespace EffectsExample
+{
+
+/// What was heard on one side, from -1 to 1.
+struct Heard
+{
+    std::vector<double> left;
+    std::vector<double> right;
+};
+
+/// A sound system that renders into a file, with a listener in the middle of the world who looks along -Z.
+/// There is one at a time. Throws std::runtime_error if the system does not start.
+class Session
+{
+public:
+    static constexpr int maxSounds = 150;
+
+    explicit Session(std::filesystem::path newFile);
+
+    /// Makes a sound at a place that is to be started with Start(). The PCM must outlive the session.
+    int Add(const Pcm& pcm, const Quon::Vector3& position);
+    void Start(int id, bool looping = false);
+
+    /// Lets so much time go by, in steps of 50 ms.
+    void Run(long ms);
+
+    Quon::Sound& GetSounds() { return sounds; }
+    Quon::Microphone& GetListener() { return listener; }
+
+    /// All that has been rendered so far.
+    Heard Read() const;
+
+private:
+    std::filesystem::path file;
+    Quon::OS os;
+    Quon::SoundSystem system;
+    Quon::Microphone listener;
+    Quon::Sound sounds;
+};
+
+} // namespace EffectsExample
