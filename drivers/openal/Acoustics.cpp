@@ -5,12 +5,23 @@
 namespace Quon
 {
 
+namespace
+{
+constexpr int usualSends = 2;
+}
+
+void Acoustics::Expect()
+{
+    sendCount = usualSends;
+}
+
 bool Acoustics::Create()
 {
     EfxFunctions efx;
     sendCount = efx.Load();
     if (sendCount > 0 && !(filters.Create(efx) && room.Create(efx))) {
         Destroy();
+        sendCount = 0;
     }
     if (sendCount > 0) {
         ownRooms.Create(efx);
@@ -23,7 +34,6 @@ void Acoustics::Destroy()
     ownRooms.Destroy();
     room.Destroy();
     filters.Destroy();
-    sendCount = 0;
 }
 
 bool Acoustics::SetRoom(const FXEnvReverb* newRoom)

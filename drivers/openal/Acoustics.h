@@ -4,6 +4,8 @@
 #include "drivers/openal/Room.h"
 #include "drivers/openal/SourceFilters.h"
 
+#include <atomic>
+
 namespace Quon
 {
 
@@ -22,10 +24,14 @@ public:
     {
     }
 
+    /// To be called when a driver begins without a device: until there is one, all can be set that OpenAL has
+    /// as a rule.
+    void Expect();
     /// To be called when a device is open. False, and everything here does nothing, if it has no effects
     /// extension or no send. Needs a ContextScope.
     bool Create();
-    /// Before the device closes, after all its sources are gone. Needs a ContextScope.
+    /// Before the device closes, after all its sources are gone. All can be set as before, for the next
+    /// device. Needs a ContextScope.
     void Destroy();
 
     /// How many reverbs a source can be sent to: 0 if nothing of this is to be had.
@@ -45,7 +51,7 @@ public:
 
 private:
     const OutputDevice& device;
-    int sendCount = 0;
+    std::atomic<int> sendCount = 0; ///< Can change with the device.
     SourceFilters filters;
     Room room;
     OwnRooms ownRooms;

@@ -1,7 +1,15 @@
 #include "drivers/openal/AlSession.h"
 
+#include "drivers/openal/SteadyTime.h"
+
 namespace Quon
 {
+
+namespace
+{
+// For a device that does not tell when it mixes.
+constexpr std::int64_t presumedSettleTime = nanosecondsPerSecond / 10;
+} // namespace
 
 AlSession::AlSession(ALCdevice* openedDevice, const AlExtensions& globalExtensions)
     : extensions(globalExtensions)
@@ -25,7 +33,7 @@ bool AlSession::CreateContext(std::span<const ALCint> attributes, Hrtf hrtf)
         return false;
     }
     // A device that cannot do it, at this rate for one, does something else for headphones instead.
-    if (hrtf == Hrtf::On && !IsHrtfOn()) {
+    if (hrtf == Hrtf::On && !AskHrtf()) {
         alcDestroyContext(context);
         if (!TryContext(attributes, Hrtf::Off)) {
             return false;
@@ -53,10 +61,31 @@ bool AlSession::PrepareContext()
     alDopplerFactor(0.0f);
     const bool isComplete = extensions.LoadForDevice(device);
     extensions.setThreadContext(previous);
+    hrtfOn = AskHrtf();
+    settleTime = AskSettleTime();
     return isComplete;
 }
 
-bool AlSession::IsHrtfOn() const
+std::int64_t AlSession::GetMixClock() const
+{
+    if (!extensions.getInteger64v) {
+        return GetSteadyNanoseconds();
+    }
+    ALCint64SOFT clock = 0;
+    extensions.getInteger64v(device, ALC_DEVICE_CLOCK_SOFT, 1, &clock);
+    return clock;
+}
+
+// Two periods: a change can come just after the device has begun to mix one.
+std::int64_t AlSession::AskSettleTime() const
+{
+    ALCint periodsPerSecond = 0;
+    alcGetIntegerv(device, ALC_REFRESH, 1, &periodsPerSecond);
+    return extensions.getInteger64v && periodsPerSecond > 0 ? 2 * nanosecondsPerSecond / periodsPerSecond
+                                                            : presumedSettleTime;
+}
+
+bool AlSession::AskHrtf() const
 {
     ALCint isOn = ALC_FALSE;
     if (alcIsExtensionPresent(device, "ALC_SOFT_HRTF")) {

@@ -35,15 +35,24 @@ public:
     const AlExtensions& GetExtensions() const { return extensions; }
 
     /// Whether positional sounds are worked out for two ears.
-    bool IsHrtfOn() const;
+    bool IsHrtfOn() const { return hrtfOn; }
+
+    /// Grows, in nanoseconds, as the device mixes. A setting made at one value has been heard in full when
+    /// the value has grown by GetSettleTime().
+    std::int64_t GetMixClock() const;
+    std::int64_t GetSettleTime() const { return settleTime; }
 
 private:
     bool TryContext(std::span<const ALCint> attributes, Hrtf hrtf);
     bool PrepareContext();
+    bool AskHrtf() const;
+    std::int64_t AskSettleTime() const;
 
     AlExtensions extensions;
     ALCdevice* device;
     ALCcontext* context = nullptr;
+    bool hrtfOn = false;
+    std::int64_t settleTime = 0;
 };
 
 } // namespace Quon

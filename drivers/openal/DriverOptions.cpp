@@ -10,6 +10,7 @@ namespace
 
 constexpr const char* renderOption = "OpenALRender";
 constexpr const char* hrtfOption = "OpenALHRTF";
+constexpr const char* fallbackOption = "OpenALFallback";
 
 Hrtf ReadHrtf(const Options& options)
 {
@@ -25,6 +26,13 @@ Hrtf ReadHrtf(const Options& options)
     }
 }
 
+bool ReadFallback(const Options& options)
+{
+    int value = 0;
+    options.Get(fallbackOption, value, 0);
+    return value == 1;
+}
+
 } // namespace
 
 DriverOptions ReadOptions(const OS* os)
@@ -38,6 +46,7 @@ DriverOptions ReadOptions(const OS* os)
     options->SetSeperators(renderOption, "\n");
     read.isRendered = options->GetNext(renderOption, read.renderPath);
     read.hrtf = ReadHrtf(*options);
+    read.fallback = ReadFallback(*options);
     return read;
 }
 

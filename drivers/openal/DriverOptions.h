@@ -21,6 +21,7 @@ struct DriverOptions
     bool isRendered = false; ///< "OpenALRender" names a file.
     String renderPath;
     Hrtf hrtf = Hrtf::DeviceDefault; ///< "OpenALHRTF": 0 off, 1 on, anything else the device's default.
+    bool fallback = false; ///< "OpenALFallback" is 1: a machine without a device will do.
 };
 
 /// All defaults without an OS or without options.

@@ -31,11 +31,11 @@ ReadAhead MakeReadAhead(int readAheadMs)
 
 } // namespace
 
-Feeder::Feeder(
-    const OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int readAheadMs)
+Feeder::Feeder(OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int readAheadMs)
     : device(outputDevice)
     , voices(voicePool)
     , acoustics(driverAcoustics)
+    , keeper(outputDevice, voicePool, driverAcoustics)
     , readAhead(MakeReadAhead(readAheadMs))
 {
 }
@@ -48,6 +48,7 @@ Feeder::~Feeder()
 void Feeder::Start(Channels allChannels)
 {
     channels = allChannels;
+    keeper.SetChannels(allChannels);
     thread = std::thread([this] { Run(); });
 }
 
@@ -74,9 +75,10 @@ void Feeder::Wake()
 
 void Feeder::Run()
 {
-    const ContextScope scope(device);
     while (WaitForRound()) {
+        keeper.NoticeLoss();
         Round();
+        keeper.LookForDevice([this] { Round(); });
     }
     FinishFades();
 }
@@ -85,6 +87,7 @@ void Feeder::Run()
 // device that has stopped mixing.
 void Feeder::FinishFades()
 {
+    const FeederScope scope(device);
     for (int round = 0; round < maxLastRounds && voices.IsAnyFading(); ++round) {
         std::this_thread::sleep_for(roundTime);
         voices.Reap();
@@ -102,6 +105,7 @@ bool Feeder::WaitForRound()
 
 void Feeder::Round()
 {
+    const FeederScope scope(device);
     acoustics.Tick(device.GetTime());
     for (const auto& channel : channels) {
         channel->Pump(readAhead, device.GetTime(), false);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "drivers/openal/DeviceKeeper.h"
 #include "drivers/openal/OpenALChannel.h"
 
 #include <condition_variable>
@@ -16,7 +17,8 @@ namespace Quon
 ///
 /// It looks at all channels every 10 ms, so that a sound goes on through any game frame that is not longer
 /// than what is read ahead plus the time between two updates, and through longer ones too: no update is
-/// needed for a sound that only plays on. A channel whose lock is taken, by somebody who appends a file to
+/// needed for a sound that only plays on. It also looks after the device, which can go away and come back. A
+/// channel whose lock is taken, by somebody who appends a file to
 /// it, waits for the next round and holds up no other.
 class Feeder : public Allocated
 {
@@ -24,8 +26,7 @@ public:
     using Channels = std::span<const std::unique_ptr<OpenALChannel>>;
 
     /// `readAheadMs` is held to 80 to 200 ms.
-    Feeder(
-        const OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int readAheadMs);
+    Feeder(OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int readAheadMs);
     ~Feeder();
 
     void Start(Channels allChannels);
@@ -45,6 +46,7 @@ private:
     const OutputDevice& device;
     VoicePool& voices;
     Acoustics& acoustics;
+    DeviceKeeper keeper;
     const ReadAhead readAhead;
     Channels channels; ///< Set before the thread starts.
     std::thread thread;

@@ -44,7 +44,7 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     position = {};
     range = {0.0f, 0.0f, (flags & ChanCutOut) != 0};
     cone = {};
-    newVoice->Begin(positional, services.device.IsHrtfOn());
+    newVoice->Begin(positional);
     if (positional) {
         newVoice->SetRolloffFactor(services.listener.rolloffFactor);
     }
@@ -308,6 +308,14 @@ bool OpenALChannel::TakeEnd()
     return true;
 }
 
+void OpenALChannel::OnDeviceChanged()
+{
+    const std::scoped_lock outputLock(outputMutex);
+    if (voice) {
+        acoustics.Rebind(voice->GetSource());
+    }
+}
+
 void OpenALChannel::Pump(const ReadAhead& ahead, std::int64_t time, bool mayWait)
 {
     constexpr int noLimit = -1;
@@ -344,8 +352,9 @@ void OpenALChannel::StartRound(std::int64_t time)
     if (acoustics.IsBehind() && !services.voices.IsDeferred()) {
         acoustics.Follow(voice->IsPlaying());
     }
-    // The sound broke off because it was not read in time. Where it goes on it would click once more.
-    if (!isDry && voice->GetFramesQueued() > 0 && !voice->IsPlaying()) {
+    // The sound broke off because it was not read in time, or comes back with another device. Where it goes
+    // on it would click.
+    if (voice->TakeReturn() || (!isDry && voice->GetFramesQueued() > 0 && !voice->IsPlaying())) {
         feed.SoftenNext();
     }
     voice->Reclaim();
@@ -355,7 +364,7 @@ OpenALChannel::Wanted OpenALChannel::CountWanted(const ReadAhead& ahead)
 {
     const std::scoped_lock outputLock(outputMutex);
     const double speedHz = GetSpeedHz();
-    const std::int64_t isAhead = voice->GetFramesQueued() - voice->GetFramesHeard();
+    const std::int64_t isAhead = voice->GetFramesAhead();
     const std::int64_t target = feed.GetTailFrames() > 0 ? ahead.tailTarget : ahead.target;
     const std::int64_t missing = ToFrames(target, speedHz) + resamplerFrames - isAhead;
     if (missing <= 0 || !voice->HasRoom() || fadeOut.IsOver(services.device.GetTime())) {

@@ -126,6 +126,9 @@ public:
 
     // For the thread that pumps.
 
+    /// The device has gone or come; the voice has changed already. Needs a ContextScope.
+    void OnDeviceChanged();
+
     /// Reads and queues what is missing, plays on, and sets the level of a fade to what it is to be at `time`
     /// on the device's clock. If `mayWait` is false and the channel's lock is taken, it does nothing this
     /// time.

@@ -19,6 +19,11 @@ constexpr int maxDriverChannels = 512;
 
 } // namespace
 
+OpenALDriver::OpenALDriver(DeviceSource& source)
+    : device(source)
+{
+}
+
 OpenALDriver::~OpenALDriver()
 {
     EndUpdate();
@@ -39,9 +44,12 @@ bool OpenALDriver::Open(OS* os, const SoundFormat* format, int streamLength, boo
     const int rateHz = format->GetSampleFrequency();
     const bool isOpen =
         options.isRendered ? OpenRendered(options, rateHz) : OpenLive(options, rateHz, streamLength);
-    if (isOpen) {
+    if (isOpen && device.HasSession()) {
         const ContextScope scope(device);
         acoustics.Create();
+    }
+    else if (isOpen) {
+        acoustics.Expect();
     }
     return isOpen;
 }
@@ -57,7 +65,7 @@ bool OpenALDriver::OpenRendered(const DriverOptions& options, int rateHz)
 
 bool OpenALDriver::OpenLive(const DriverOptions& options, int rateHz, int streamLength)
 {
-    if (!device.OpenLive(rateHz, options.hrtf)) {
+    if (!device.OpenLive(rateHz, options.hrtf, !options.fallback)) {
         return false;
     }
     feeder = std::make_unique<Feeder>(device, voices, acoustics, streamLength / readAheadParts);

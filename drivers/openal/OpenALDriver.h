@@ -1,6 +1,7 @@
 #pragma once
 
 #include "drivers/openal/Acoustics.h"
+#include "drivers/openal/DeviceSource.h"
 #include "drivers/openal/Feeder.h"
 #include "drivers/openal/OfflineRenderer.h"
 #include "drivers/openal/OpenALChannel.h"
@@ -15,6 +16,14 @@ namespace Quon
 ///
 /// *Live.* A thread of the driver reads the sounds' files ahead of what is heard, by a fifth of the option
 /// "StreamLength", held to 80 to 200 ms. Fades go by the time of the machine.
+///
+/// *No device.* With the option "OpenALFallback" at 0, the default, a machine without a device cannot be
+/// opened, so that the next driver that the host names has its turn. At 1 it opens and goes on in silence. In
+/// silence all is as if it were heard: time goes on, sounds run through their files and end when they should.
+/// A device that goes away while sounds play leaves silence, too, whatever the option says. In silence the
+/// driver looks for a device about once a second, from its own thread, and with the first that it finds the
+/// sounds are heard from where they have got to. OpenAL settles when it is first used what kind of output it
+/// plays to, and only a device of that kind can be found.
 ///
 /// *Rendered.* No thread: BeginUpdate() renders exactly the time it is given, at the rate of the output
 /// format, and everything goes by that time.
@@ -38,11 +47,14 @@ namespace Quon
 class OpenALDriver final : public SndDriver
 {
 public:
+    /// `source` has to outlive the driver.
+    explicit OpenALDriver(DeviceSource& source = DeviceSource::GetMachine());
     /// Live, waits up to 150 ms for sounds that have just been stopped to fall silent.
     ~OpenALDriver() override;
 
-    /// False without a device that can be opened, or a file that can be written; if `format` is not stereo;
-    /// and for a rate that OpenAL refuses. Nothing here waits for a device to appear.
+    /// False without a device that can be opened, unless "OpenALFallback" is 1; without a file that can be
+    /// written; if `format` is not stereo; and for a rate that OpenAL refuses. Nothing here waits for a
+    /// device to appear.
     bool Open(OS* os, const SoundFormat* format, int streamLength, bool driverFlag) override;
     void SetCallback(SndDriverCallback newCallback, void* newUser) override;
     /// Only the first call counts.

@@ -1,71 +1,57 @@
 #include "drivers/openal/OutputDevice.h"
 
-#include <chrono>
+#include "drivers/openal/DeviceSource.h"
+#include "drivers/openal/SteadyTime.h"
+
+#include <utility>
 
 namespace Quon
 {
 
 namespace
 {
-
-constexpr std::int64_t nanosecondsPerSecond = 1000000000;
-// For a device that does not tell when it mixes.
-constexpr std::int64_t presumedSettleTime = nanosecondsPerSecond / 10;
 // Beyond what any game plays at once, so that a sound that ends has a source to fade out on while the next
 // one already has another. Sources cost nothing until they play.
 constexpr ALCint wantedSources = 1024;
-
-std::int64_t GetSteadyNanoseconds()
-{
-    using std::chrono::nanoseconds;
-    const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
-    return std::chrono::duration_cast<nanoseconds>(sinceStart).count();
-}
-
 } // namespace
 
-bool OutputDevice::OpenLive(int rateHz, Hrtf hrtf)
+OutputDevice::OutputDevice(DeviceSource& deviceSource)
+    : source(deviceSource)
+{
+}
+
+bool OutputDevice::OpenLive(int rateHz, Hrtf newHrtf, bool needsDevice)
 {
     if (!extensions.LoadGlobal()) {
         return false;
     }
-    const ALCint attributes[] = {ALC_FREQUENCY, rateHz, ALC_MONO_SOURCES, wantedSources};
-    if (!OpenSession(alcOpenDevice(nullptr), attributes, hrtf)) {
-        return false;
-    }
-    // Two periods: a change can come just after the device has begun to mix one.
-    ALCint periodsPerSecond = 0;
-    alcGetIntegerv(session->GetDevice(), ALC_REFRESH, 1, &periodsPerSecond);
-    settleTime = session->GetExtensions().getInteger64v && periodsPerSecond > 0
-        ? 2 * nanosecondsPerSecond / periodsPerSecond
-        : presumedSettleTime;
-    return true;
+    rate = rateHz;
+    hrtf = newHrtf;
+    session = MakeLiveSession();
+    return session || !needsDevice;
 }
 
-bool OutputDevice::OpenLoopback(int rateHz, Hrtf hrtf)
+std::unique_ptr<AlSession> OutputDevice::MakeLiveSession() const
+{
+    auto live = std::make_unique<AlSession>(source.Open(), extensions);
+    const ALCint attributes[] = {ALC_FREQUENCY, rate, ALC_MONO_SOURCES, wantedSources};
+    return live->CreateContext(attributes, hrtf) ? std::move(live) : nullptr;
+}
+
+// The context of a loopback device is refused when its format is.
+bool OutputDevice::OpenLoopback(int rateHz, Hrtf newHrtf)
 {
     if (!extensions.LoadGlobal()) {
         return false;
     }
     loopback = true;
     rate = rateHz;
-    settleTime = 1;
-    ALCdevice* const device = extensions.loopbackOpenDevice(nullptr);
+    hrtf = newHrtf == Hrtf::On ? Hrtf::On : Hrtf::Off;
+    session = std::make_unique<AlSession>(extensions.loopbackOpenDevice(nullptr), extensions);
     const ALCint attributes[] = {ALC_FORMAT_CHANNELS_SOFT, ALC_STEREO_SOFT, ALC_FORMAT_TYPE_SOFT,
         ALC_FLOAT_SOFT, ALC_FREQUENCY, rateHz, ALC_MONO_SOURCES, wantedSources, ALC_OUTPUT_LIMITER_SOFT,
         ALC_FALSE};
-    return OpenSession(device, attributes, hrtf == Hrtf::On ? Hrtf::On : Hrtf::Off);
-}
-
-// The context of a loopback device is refused when its format is.
-bool OutputDevice::OpenSession(ALCdevice* device, std::span<const ALCint> attributes, Hrtf hrtf)
-{
-    session = std::make_unique<AlSession>(device, extensions);
-    if (!session->CreateContext(attributes, hrtf)) {
-        return false;
-    }
-    hrtfOn = session->IsHrtfOn();
-    return true;
+    return session->CreateContext(attributes, hrtf);
 }
 
 void OutputDevice::Render(float* stereo, int sampleFrames)
@@ -86,45 +72,77 @@ std::int64_t OutputDevice::GetTicksPerSecond() const
 
 std::int64_t OutputDevice::GetMixClock() const
 {
-    if (loopback) {
-        return renderedFrames;
+    return loopback ? renderedFrames : session->GetMixClock();
+}
+
+bool OutputDevice::IsConnected() const
+{
+    return source.IsConnected(session->GetDevice());
+}
+
+std::unique_ptr<AlSession> OutputDevice::Exchange(std::unique_ptr<AlSession> newSession)
+{
+    return std::exchange(session, std::move(newSession));
+}
+
+void OutputDevice::DeferUpdates()
+{
+    if (session) {
+        session->GetExtensions().deferUpdates();
     }
-    const auto getInteger64v = session->GetExtensions().getInteger64v;
-    if (!getInteger64v) {
-        return GetSteadyNanoseconds();
+}
+
+void OutputDevice::ProcessUpdates()
+{
+    if (session) {
+        session->GetExtensions().processUpdates();
     }
-    ALCint64SOFT clock = 0;
-    getInteger64v(session->GetDevice(), ALC_DEVICE_CLOCK_SOFT, 1, &clock);
-    return clock;
 }
 
 void OutputDevice::SetMainGain(float gain)
 {
-    alListenerf(AL_GAIN, gain);
+    listener.gain = gain;
+    if (session) {
+        alListenerf(AL_GAIN, gain);
+    }
 }
 
 void OutputDevice::SetListenerPosition(const Vector3& position)
 {
-    alListener3f(AL_POSITION, position.x, position.y, position.z);
+    listener.position = position;
+    if (session) {
+        alListener3f(AL_POSITION, position.x, position.y, position.z);
+    }
 }
 
 void OutputDevice::SetListenerOrientation(const Vector3& front, const Vector3& top)
 {
-    const ALfloat orientation[] = {front.x, front.y, front.z, top.x, top.y, top.z};
-    alListenerfv(AL_ORIENTATION, orientation);
+    listener.front = front;
+    listener.top = top;
+    if (session) {
+        const ALfloat orientation[] = {front.x, front.y, front.z, top.x, top.y, top.z};
+        alListenerfv(AL_ORIENTATION, orientation);
+    }
 }
 
-ContextScope::ContextScope(const OutputDevice& device)
+void OutputDevice::ApplyListener()
+{
+    SetMainGain(listener.gain);
+    SetListenerPosition(listener.position);
+    SetListenerOrientation(listener.front, listener.top);
+}
+
+FeederScope::FeederScope(const OutputDevice& device)
     : extensions(device.extensions)
-    , mine(device.session->GetContext())
     , previous(extensions.getThreadContext())
+    , mine(device.session ? device.session->GetContext() : previous)
 {
     if (previous != mine) {
         extensions.setThreadContext(mine);
     }
 }
 
-ContextScope::~ContextScope()
+FeederScope::~FeederScope()
 {
     if (previous != mine) {
         extensions.setThreadContext(previous);

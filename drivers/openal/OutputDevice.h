@@ -5,31 +5,42 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 
 namespace Quon
 {
 
+class DeviceSource;
+
 /// The OpenAL device and its context: either the default device of the machine or a loopback device that is
 /// rendered by call. Owned by the driver. A thread that calls OpenAL, through this class or a Voice, first
-/// makes the context its own with a ContextScope: the context that is current for the whole process stays the
-/// host's. At its end no ContextScope may be left.
+/// makes the context its own with a ContextScope, the driver's own thread with a FeederScope: the context
+/// that is current for the whole process stays the host's. At its end no scope may be left.
+///
+/// A live output can be without a device, and change it. All operations work then too: settings are kept and
+/// given to the next device. The driver's own thread alone changes it, with the mutex locked, and a
+/// ContextScope locks it too. So the device stays the same within a scope.
 class OutputDevice
 {
 public:
-    OutputDevice() = default;
+    explicit OutputDevice(DeviceSource& deviceSource);
     OutputDevice(const OutputDevice&) = delete;
     OutputDevice& operator=(const OutputDevice&) = delete;
 
     /// Opens the default device, asking for the given rate; it may get another one. False, without waiting,
-    /// when there is no device or the OpenAL implementation lacks what the driver needs.
-    bool OpenLive(int rateHz, Hrtf hrtf);
+    /// when the OpenAL implementation lacks what the driver needs; and, if it `needsDevice`, when there is no
+    /// device.
+    bool OpenLive(int rateHz, Hrtf newHrtf, bool needsDevice);
 
     /// Opens a loopback device of exactly this rate: stereo, in float and without a limiter, which hands out
     /// what was put in bit by bit. HRTF is off unless it is asked for. False if it cannot be had.
-    bool OpenLoopback(int rateHz, Hrtf hrtf);
+    bool OpenLoopback(int rateHz, Hrtf newHrtf);
+
+    /// Whether there is a device.
+    bool HasSession() const { return session != nullptr; }
 
     /// Whether positional sounds are worked out for two ears. All others are to be kept out of that.
-    bool IsHrtfOn() const { return hrtfOn; }
+    bool IsHrtfOn() const { return session && session->IsHrtfOn(); }
 
     /// Mixes the next `sampleFrames` of a loopback device into `stereo`. Task thread.
     void Render(float* stereo, int sampleFrames);
@@ -40,45 +51,87 @@ public:
     std::int64_t GetTicksPerSecond() const;
 
     /// Grows as the device mixes. A setting made at one value has been heard in full when the value has grown
-    /// by GetSettleTime().
+    /// by GetSettleTime(). Needs a device.
     std::int64_t GetMixClock() const;
-    std::int64_t GetSettleTime() const { return settleTime; }
+    std::int64_t GetSettleTime() const { return loopback ? 1 : session->GetSettleTime(); }
 
     /// Settings of sources and listener made between these two take hold together.
-    void DeferUpdates() { session->GetExtensions().deferUpdates(); }
-    void ProcessUpdates() { session->GetExtensions().processUpdates(); }
+    void DeferUpdates();
+    void ProcessUpdates();
 
     void SetMainGain(float gain);
     void SetListenerPosition(const Vector3& position);
     void SetListenerOrientation(const Vector3& front, const Vector3& top);
 
+    // For the thread of a live output.
+
+    /// Whether the device is still there. Needs one.
+    bool IsConnected() const;
+
+    /// Another device as OpenLive() opens it, or null. Can take a while and locks nothing.
+    std::unique_ptr<AlSession> MakeLiveSession() const;
+
+    /// Locked while the device is changed, before all other locks of the driver.
+    std::recursive_mutex& GetMutex() const { return mutex; }
+
+    /// Puts another device in the place of the present one; null is none. Needs the mutex. Returns the one
+    /// that was there.
+    std::unique_ptr<AlSession> Exchange(std::unique_ptr<AlSession> newSession);
+
+    /// Gives the listener's settings to a new device, whose context has to be current.
+    void ApplyListener();
+
 private:
-    friend class ContextScope;
+    friend class FeederScope;
 
-    bool OpenSession(ALCdevice* device, std::span<const ALCint> attributes, Hrtf hrtf);
+    struct ListenerSettings
+    {
+        float gain = 1.0f;
+        Vector3 position;
+        Vector3 front{0.0f, 0.0f, -1.0f};
+        Vector3 top{0.0f, 1.0f, 0.0f};
+    };
 
+    DeviceSource& source;
     AlExtensions extensions; ///< Without those of a device.
-    std::unique_ptr<AlSession> session;
-    bool hrtfOn = false;
     bool loopback = false;
     int rate = 0;
+    Hrtf hrtf = Hrtf::DeviceDefault;
     std::int64_t renderedFrames = 0;
-    std::int64_t settleTime = 0;
+    ListenerSettings listener;
+    mutable std::recursive_mutex mutex; ///< Recursive, since scopes can be nested.
+    std::unique_ptr<AlSession> session; ///< Changed under the mutex.
 };
 
-/// Makes a device's context the calling thread's own, and gives the thread back what it had.
-class ContextScope
+/// Makes the device's context the calling thread's own, and gives the thread back what it had. This one is
+/// for the thread that changes the device; others take a ContextScope. Does nothing without a device.
+class FeederScope
 {
 public:
-    explicit ContextScope(const OutputDevice& device);
-    ~ContextScope();
-    ContextScope(const ContextScope&) = delete;
-    ContextScope& operator=(const ContextScope&) = delete;
+    explicit FeederScope(const OutputDevice& device);
+    ~FeederScope();
+    FeederScope(const FeederScope&) = delete;
+    FeederScope& operator=(const FeederScope&) = delete;
 
 private:
     const AlExtensions& extensions;
-    ALCcontext* const mine;
     ALCcontext* const previous;
+    ALCcontext* const mine; ///< `previous` if there is no device.
+};
+
+/// The same for any thread; the device does not change meanwhile. Taken before the locks of channels.
+class ContextScope
+{
+public:
+    explicit ContextScope(const OutputDevice& device)
+        : lock(device.GetMutex())
+        , scope(device)
+    {
+    }
+
+private:
+    std::scoped_lock<std::recursive_mutex> lock;
+    FeederScope scope;
 };
 
 } // namespace Quon

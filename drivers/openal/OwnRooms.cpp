@@ -69,7 +69,7 @@ OwnRooms::Place* OwnRooms::Find(const FXEnvReverb& room)
 OwnRooms::Place* OwnRooms::FindEmpty()
 {
     for (Place& place : places) {
-        if (place.slot.IsEmpty() && isCreated && (place.slot.IsCreated() || place.slot.Create(efx))) {
+        if (place.slot.IsEmpty() && (!isCreated || place.slot.IsCreated() || place.slot.Create(efx))) {
             return &place;
         }
     }

@@ -23,7 +23,8 @@ public:
     /// Who has a room keeps it, for the next Create(). No source may be sent to the slots.
     void Destroy();
 
-    /// A slot with this room, which has been held, or null. It stays where it is until it is given back.
+    /// A slot with this room, which has been held, or null. Without a device it is one for the next. It stays
+    /// where it is until it is given back.
     const ReverbSlot* Take(const FXEnvReverb& room);
     void GiveBack(const ReverbSlot* slot, bool isCutOff, std::int64_t now, std::int64_t ticksPerSecond);
 

@@ -75,7 +75,7 @@ void SourceAcoustics::Rebind(ALuint newSource)
     if (room) {
         ApplyRoomSend();
     }
-    if (ownRoom) {
+    if (ownRoom && acoustics.GetSendCount() > ownRoomSend) {
         acoustics.GetFilters().SetSend(source, ownRoomSend, GetName(ownRoom), {});
     }
 }
@@ -114,7 +114,7 @@ bool SourceAcoustics::GetOwnRoom(FXEnvReverb* record) const
 void SourceAcoustics::Follow(bool isPlaying)
 {
     const OutputDevice& device = acoustics.GetDevice();
-    if (room && isPlaying) {
+    if (room && isPlaying && source != 0) {
         const std::int64_t now = device.GetMixClock();
         if (!isClosed) {
             acoustics.GetFilters().SetSend(source, roomSend, GetName(room), closed);

@@ -38,7 +38,7 @@ public:
     /// The sound is over. Its own room rings out, or is cut off.
     void End(bool isCutOff);
 
-    /// The source is another one, on another device perhaps: sets all of it there.
+    /// The source is another one, on another device perhaps: sets all of it there. 0 is none.
     void Rebind(ALuint newSource);
 
     /// Sets the source properties, each held to its range. False, and nothing changes, where there are none.

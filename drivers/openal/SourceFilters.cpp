@@ -36,7 +36,7 @@ ALuint SourceFilters::Fill(const PathGain& path)
 
 void SourceFilters::Begin(ALuint source, int sendCount)
 {
-    if (filter == 0) {
+    if (filter == 0 || source == 0) {
         return;
     }
     alSourcei(source, AL_AUXILIARY_SEND_FILTER_GAIN_AUTO, AL_FALSE);
@@ -51,7 +51,7 @@ void SourceFilters::Begin(ALuint source, int sendCount)
 
 void SourceFilters::SetDirect(ALuint source, const PathGain& path)
 {
-    if (filter != 0) {
+    if (filter != 0 && source != 0) {
         const std::scoped_lock lock(mutex);
         alSourcei(source, AL_DIRECT_FILTER, static_cast<ALint>(Fill(path)));
     }
@@ -59,7 +59,7 @@ void SourceFilters::SetDirect(ALuint source, const PathGain& path)
 
 void SourceFilters::SetSend(ALuint source, int send, ALuint slot, const PathGain& path)
 {
-    if (filter != 0) {
+    if (filter != 0 && source != 0) {
         const std::scoped_lock lock(mutex);
         alSource3i(
             source, AL_AUXILIARY_SEND_FILTER, static_cast<ALint>(slot), send, static_cast<ALint>(Fill(path)));
@@ -68,7 +68,7 @@ void SourceFilters::SetSend(ALuint source, int send, ALuint slot, const PathGain
 
 void SourceFilters::SetRoomRolloff(ALuint source, float factor)
 {
-    if (filter != 0) {
+    if (filter != 0 && source != 0) {
         alSourcef(source, AL_ROOM_ROLLOFF_FACTOR, factor);
     }
 }

@@ -9,7 +9,7 @@ namespace Quon
 {
 
 /// Sets the paths of OpenAL sources: the direct one, and those into reverbs. Owned by the Acoustics; any
-/// thread with a ContextScope. All does nothing without a device.
+/// thread with a ContextScope. All does nothing without a device or for source 0.
 ///
 /// OpenAL takes a filter by value, so one that is filled anew each time does for all sources.
 class SourceFilters

@@ -1,52 +1,136 @@
 #include "drivers/openal/Voice.h"
 
+#include "drivers/openal/SteadyTime.h"
+
+#include <algorithm>
+#include <utility>
+
 namespace Quon
 {
 
+namespace
+{
+// After a halt of the whole program for longer, as in a debugger, a silent sound lags behind.
+constexpr double mostCatchUpSeconds = 10.0;
+} // namespace
+
 Voice::~Voice()
+{
+    DeleteSource();
+}
+
+bool Voice::Create(bool newBypassesHrtf)
+{
+    bypassesHrtf = newBypassesHrtf;
+    alGetError();
+    ALuint newSource = 0;
+    alGenSources(1, &newSource);
+    if (alGetError() != AL_NO_ERROR) {
+        return false;
+    }
+    source = newSource;
+    for (Block& block : blocks) {
+        alGenBuffers(1, &block.buffer);
+    }
+    if (alGetError() != AL_NO_ERROR) {
+        DeleteSource();
+        return false;
+    }
+    ApplySettings();
+    BridgeGap();
+    return true;
+}
+
+void Voice::DeleteSource()
 {
     if (source == 0) {
         return;
     }
-    Halt();
     alDeleteSources(1, &source);
-    for (const Block& block : blocks) {
-        alDeleteBuffers(1, &block.buffer);
-    }
-}
-
-bool Voice::Create()
-{
-    alGetError();
-    alGenSources(1, &source);
-    if (alGetError() != AL_NO_ERROR) {
-        source = 0;
-        return false;
-    }
+    source = 0;
     for (Block& block : blocks) {
-        alGenBuffers(1, &block.buffer);
+        alDeleteBuffers(1, &block.buffer);
+        block.buffer = 0;
     }
-    return alGetError() == AL_NO_ERROR;
+    queueLength = 0;
 }
 
-void Voice::Begin(bool positional, bool bypassesHrtf)
+void Voice::GoSilent()
 {
-    framesQueued = 0;
-    framesReturned = 0;
-    alSourcei(source, AL_SOURCE_RELATIVE, positional ? AL_FALSE : AL_TRUE);
+    if (source == 0) {
+        return;
+    }
+    // The sources of a device that has gone are all stopped, and do not tell where.
+    GetFramesAhead();
+    if (framesQueued > 0) {
+        clock.Start(lastSeen.sampleFrames, lastSeen.time, GetSpeed());
+    }
+    DeleteSource();
+}
+
+// What was queued and dropped in silence cannot be heard any more. The new source passes over it, and the
+// sound goes on behind it at the right time.
+void Voice::BridgeGap()
+{
+    if (!clock.IsRunning()) {
+        return;
+    }
+    const std::int64_t heard = std::min(clock.GetFrames(GetSteadyNanoseconds()), framesQueued);
+    clock.Stop();
+    hasReturned = true;
+    framesReturned = heard;
+    const auto ahead = static_cast<int>(framesQueued - heard);
+    if (ahead > 0) {
+        const EngineVector<float> gap(static_cast<std::size_t>(ahead) * static_cast<std::size_t>(width));
+        QueueOnSource(gap.data(), ahead);
+    }
+}
+
+bool Voice::TakeReturn()
+{
+    return std::exchange(hasReturned, false);
+}
+
+void Voice::Begin(bool positional)
+{
+    hasReturned = false;
+    isPositional = positional;
+    gain = 1.0f;
+    pitch = 1.0f;
+    position = {};
+    minDistance = maxDistance = 1.0f;
+    rolloffFactor = positional ? 1.0f : 0.0f;
+    innerAngle = outerAngle = 360.0f;
+    outerGain = 1.0f;
+    direction = {};
+    ApplySettings();
+}
+
+void Voice::ApplySettings()
+{
+    if (source == 0) {
+        return;
+    }
+    alSourcei(source, AL_SOURCE_RELATIVE, isPositional ? AL_FALSE : AL_TRUE);
     // Without need it would silence the sound on a device of one channel.
-    alSourcei(source, AL_DIRECT_CHANNELS_SOFT, !positional && bypassesHrtf ? AL_TRUE : AL_FALSE);
-    SetGain(1.0f);
-    SetPitch(1.0f);
-    SetPosition({});
-    SetDistances(1.0f, 1.0f);
-    SetRolloffFactor(positional ? 1.0f : 0.0f);
-    SetCone(360.0f, 360.0f, 1.0f);
-    SetDirection({});
+    alSourcei(source, AL_DIRECT_CHANNELS_SOFT, !isPositional && bypassesHrtf ? AL_TRUE : AL_FALSE);
+    alSourcef(source, AL_GAIN, gain);
+    SetPitch(pitch);
+    SetPosition(position);
+    SetDistances(minDistance, maxDistance);
+    SetRolloffFactor(rolloffFactor);
+    SetCone(innerAngle, outerAngle, outerGain);
+    SetDirection(direction);
 }
 
 void Voice::Halt()
 {
+    clock.Stop();
+    framesQueued = 0;
+    framesReturned = 0;
+    if (source == 0) {
+        return;
+    }
     alSourceStop(source);
     alSourcei(source, AL_BUFFER, 0);
     alSourceRewind(source);
@@ -62,22 +146,34 @@ ALint Voice::GetState() const
 
 bool Voice::IsPlaying() const
 {
-    return GetState() == AL_PLAYING;
+    if (source != 0) {
+        return GetState() == AL_PLAYING;
+    }
+    return clock.IsRunning() && clock.GetFrames(GetSteadyNanoseconds()) < framesQueued;
 }
 
 void Voice::Queue(const float* pcm, int sampleFrames, int channels, int rateHz)
 {
+    rate = rateHz;
+    width = channels;
+    if (framesQueued == 0) {
+        lastSeen = {0, GetSteadyNanoseconds()};
+    }
+    framesQueued += sampleFrames;
+    if (source != 0) {
+        QueueOnSource(pcm, sampleFrames);
+    }
+    else if (!clock.IsRunning()) {
+        clock.Start(framesQueued - sampleFrames, GetSteadyNanoseconds(), GetSpeed());
+    }
+}
+
+void Voice::QueueOnSource(const float* pcm, int sampleFrames)
+{
     if (GetState() == AL_STOPPED) {
         Reclaim();
     }
-    Block& block = At(queueLength);
-    block.sampleFrames = sampleFrames;
-    const ALenum format = channels == 1 ? AL_FORMAT_MONO_FLOAT32 : AL_FORMAT_STEREO_FLOAT32;
-    const auto bytes = static_cast<ALsizei>(sizeof(float)) * sampleFrames * channels;
-    alBufferData(block.buffer, format, pcm, bytes, rateHz);
-    alSourceQueueBuffers(source, 1, &block.buffer);
-    ++queueLength;
-    framesQueued += sampleFrames;
+    Append(pcm, sampleFrames);
     const ALint state = GetState();
     if (state == AL_PLAYING) {
         return;
@@ -89,8 +185,22 @@ void Voice::Queue(const float* pcm, int sampleFrames, int channels, int rateHz)
     alSourcePlay(source);
 }
 
+void Voice::Append(const float* pcm, int sampleFrames)
+{
+    Block& block = At(queueLength);
+    block.sampleFrames = sampleFrames;
+    const ALenum format = width == 1 ? AL_FORMAT_MONO_FLOAT32 : AL_FORMAT_STEREO_FLOAT32;
+    const auto bytes = static_cast<ALsizei>(sizeof(float)) * sampleFrames * width;
+    alBufferData(block.buffer, format, pcm, bytes, rate);
+    alSourceQueueBuffers(source, 1, &block.buffer);
+    ++queueLength;
+}
+
 void Voice::Reclaim()
 {
+    if (source == 0) {
+        return;
+    }
     ALint heard = 0;
     alGetSourcei(source, AL_BUFFERS_PROCESSED, &heard);
     DropOldest(heard);
@@ -122,6 +232,10 @@ void Voice::KeepOnlyNewest()
 
 std::int64_t Voice::GetFramesHeard() const
 {
+    if (source == 0) {
+        return clock.IsRunning() ? std::min(clock.GetFrames(GetSteadyNanoseconds()), framesQueued)
+                                 : framesReturned;
+    }
     // The offset first: if the source still plays after that, it played while it was read.
     ALint offset = 0;
     alGetSourcei(source, AL_SAMPLE_OFFSET, &offset);
@@ -135,46 +249,90 @@ std::int64_t Voice::GetFramesHeard() const
     }
 }
 
+std::int64_t Voice::GetFramesAhead()
+{
+    const std::int64_t now = GetSteadyNanoseconds();
+    if (source == 0) {
+        const auto most = static_cast<std::int64_t>(mostCatchUpSeconds * GetSpeed());
+        if (clock.IsRunning() && clock.GetFrames(now) > framesQueued + most) {
+            clock.Start(framesQueued + most, now, GetSpeed());
+        }
+        return clock.IsRunning() ? framesQueued - clock.GetFrames(now) : framesQueued - framesReturned;
+    }
+    const std::int64_t heard = GetFramesHeard();
+    if (heard < framesQueued) {
+        lastSeen = {heard, now};
+    }
+    return framesQueued - heard;
+}
+
 void Voice::SetGain(float newGain)
 {
     // A source that is set has to be worked out anew by the mixer, also to the same value.
-    if (newGain != gain) {
-        gain = newGain;
+    if (newGain == gain) {
+        return;
+    }
+    gain = newGain;
+    if (source != 0) {
         alSourcef(source, AL_GAIN, gain);
     }
 }
 
-void Voice::SetPitch(float pitch)
+void Voice::SetPitch(float newPitch)
 {
-    alSourcef(source, AL_PITCH, pitch);
+    pitch = newPitch;
+    if (source != 0) {
+        alSourcef(source, AL_PITCH, pitch);
+    }
+    else if (clock.IsRunning()) {
+        clock.SetSpeed(GetSpeed(), GetSteadyNanoseconds());
+    }
 }
 
-void Voice::SetPosition(const Vector3& position)
+void Voice::SetPosition(const Vector3& newPosition)
 {
-    alSource3f(source, AL_POSITION, position.x, position.y, position.z);
+    position = newPosition;
+    if (source != 0) {
+        alSource3f(source, AL_POSITION, position.x, position.y, position.z);
+    }
 }
 
-void Voice::SetDistances(float minDistance, float maxDistance)
+void Voice::SetDistances(float newMinDistance, float newMaxDistance)
 {
-    alSourcef(source, AL_REFERENCE_DISTANCE, minDistance);
-    alSourcef(source, AL_MAX_DISTANCE, maxDistance);
+    minDistance = newMinDistance;
+    maxDistance = newMaxDistance;
+    if (source != 0) {
+        alSourcef(source, AL_REFERENCE_DISTANCE, minDistance);
+        alSourcef(source, AL_MAX_DISTANCE, maxDistance);
+    }
 }
 
 void Voice::SetRolloffFactor(float factor)
 {
-    alSourcef(source, AL_ROLLOFF_FACTOR, factor);
+    rolloffFactor = factor;
+    if (source != 0) {
+        alSourcef(source, AL_ROLLOFF_FACTOR, factor);
+    }
 }
 
-void Voice::SetCone(float innerAngle, float outerAngle, float outerGain)
+void Voice::SetCone(float newInnerAngle, float newOuterAngle, float newOuterGain)
 {
-    alSourcef(source, AL_CONE_INNER_ANGLE, innerAngle);
-    alSourcef(source, AL_CONE_OUTER_ANGLE, outerAngle);
-    alSourcef(source, AL_CONE_OUTER_GAIN, outerGain);
+    innerAngle = newInnerAngle;
+    outerAngle = newOuterAngle;
+    outerGain = newOuterGain;
+    if (source != 0) {
+        alSourcef(source, AL_CONE_INNER_ANGLE, innerAngle);
+        alSourcef(source, AL_CONE_OUTER_ANGLE, outerAngle);
+        alSourcef(source, AL_CONE_OUTER_GAIN, outerGain);
+    }
 }
 
-void Voice::SetDirection(const Vector3& direction)
+void Voice::SetDirection(const Vector3& newDirection)
 {
-    alSource3f(source, AL_DIRECTION, direction.x, direction.y, direction.z);
+    direction = newDirection;
+    if (source != 0) {
+        alSource3f(source, AL_DIRECTION, direction.x, direction.y, direction.z);
+    }
 }
 
 } // namespace Quon

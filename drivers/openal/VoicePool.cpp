@@ -2,6 +2,8 @@
 
 #include "drivers/openal/OutputDevice.h"
 
+#include <algorithm>
+
 namespace Quon
 {
 
@@ -20,7 +22,7 @@ int VoicePool::Build(int wanted)
     const std::scoped_lock lock(mutex);
     while (static_cast<int>(voices.size()) < wanted) {
         auto voice = std::make_unique<Voice>();
-        if (!voice->Create()) {
+        if (device.HasSession() && !voice->Create(device.IsHrtfOn())) {
             break;
         }
         voices.push_back(std::move(voice));
@@ -31,6 +33,36 @@ int VoicePool::Build(int wanted)
         free.push_back(voice.get());
     }
     return static_cast<int>(voices.size());
+}
+
+void VoicePool::GoSilent()
+{
+    const std::scoped_lock lock(mutex);
+    for (const Fading& entry : fading) {
+        Free(entry.voice);
+    }
+    fading.clear();
+    for (const auto& voice : voices) {
+        voice->GoSilent();
+    }
+}
+
+void VoicePool::Restore()
+{
+    const std::scoped_lock lock(mutex);
+    bool hasMore = true;
+    for (const bool freeOnes : {false, true}) {
+        for (const auto& voice : voices) {
+            if (hasMore && !voice->HasSource() && IsFree(voice.get()) == freeOnes) {
+                hasMore = voice->Create(device.IsHrtfOn());
+            }
+        }
+    }
+}
+
+bool VoicePool::IsFree(const Voice* voice) const
+{
+    return std::find(free.begin(), free.end(), voice) != free.end();
 }
 
 void VoicePool::Clear()
@@ -51,6 +83,9 @@ Voice* VoicePool::Take()
     if (free.empty()) {
         return nullptr;
     }
+    const auto silent = [](const Voice* voice) { return !voice->HasSource(); };
+    const auto place = std::find_if_not(free.rbegin(), free.rend(), silent);
+    std::swap(place == free.rend() ? free.back() : *place, free.back());
     Voice* const voice = free.back();
     free.pop_back();
     return voice;
@@ -59,7 +94,7 @@ Voice* VoicePool::Take()
 void VoicePool::Retire(Voice* voice)
 {
     const std::scoped_lock lock(mutex);
-    if (!voice->IsPlaying()) {
+    if (!voice->HasSource() || !voice->IsPlaying()) {
         Free(voice);
         return;
     }

@@ -22,14 +22,21 @@ class VoicePool
 public:
     explicit VoicePool(const OutputDevice& outputDevice);
 
-    /// Makes as many voices as it can get, up to `wanted`, and returns their number.
+    /// Makes as many voices as it can get, up to `wanted`, and returns their number. Without a device it can
+    /// get them all, silent ones.
     int Build(int wanted);
+
+    /// Lets all voices run on in silence, before the device goes.
+    void GoSilent();
+
+    /// Gives the voices sources of a new device, first those that are in use, as far as it has them.
+    void Restore();
 
     /// Deletes all voices, whoever has them.
     void Clear();
 
-    /// A voice that is silent and empty, or null. When none is free the one that has been fading out for the
-    /// longest is cut off.
+    /// A voice that does not sound and is empty, with a source if possible, or null. When none is free the
+    /// one that has been fading out for the longest is cut off.
     Voice* Take();
 
     /// Takes a voice back. It falls silent by the next block that is mixed.
@@ -54,6 +61,7 @@ private:
     };
 
     void Free(Voice* voice);
+    bool IsFree(const Voice* voice) const;
 
     const OutputDevice& device;
     std::mutex mutex; ///< Guards all that follows.

@@ -20,6 +20,11 @@ DriverRig::DriverRig(const std::string& name)
     driver.reset(reinterpret_cast<CreateSoundDriverFunction>(create)());
 }
 
+DriverRig::DriverRig(std::unique_ptr<SndDriver> newDriver)
+    : driver(std::move(newDriver))
+{
+}
+
 DriverRig::~DriverRig()
 {
     Close();

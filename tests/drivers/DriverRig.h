@@ -35,6 +35,8 @@ class DriverRig
 public:
     /// `name` is without the platform's suffix.
     explicit DriverRig(const std::string& name);
+    /// The same for a driver that the test has made itself.
+    explicit DriverRig(std::unique_ptr<SndDriver> newDriver);
     ~DriverRig();
     DriverRig(const DriverRig&) = delete;
     DriverRig& operator=(const DriverRig&) = delete;

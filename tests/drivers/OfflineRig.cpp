@@ -38,13 +38,14 @@ public:
 };
 
 // Before main(), since OpenAL reads its configuration when it is first used.
-const TestFolder testFolder;
+const std::filesystem::path& testFolder = GetTestFolder();
 
 } // namespace
 
 const std::filesystem::path& GetTestFolder()
 {
-    return testFolder.folder;
+    static const TestFolder folder;
+    return folder.folder;
 }
 
 double Rendering::At(size_t sampleFrame, int side) const

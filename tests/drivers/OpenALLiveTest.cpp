@@ -1,4 +1,5 @@
 #include "harmonet/definitions/EnvReverbPresets.h"
+#include "tests/drivers/FickleMachine.h"
 #include "tests/drivers/FormulaFile.h"
 #include "tests/drivers/OfflineRig.h"
 #include "tests/drivers/effects/OwnedList.h"
@@ -32,6 +33,14 @@ public:
     {
         EXPECT_TRUE(isQuietOutput);
         EXPECT_TRUE(Open(rateHz, maxChannels));
+    }
+
+    /// On a machine of the test's own.
+    explicit LiveRig(FickleMachine& machine)
+        : DriverRig(machine.MakeDriver())
+    {
+        EXPECT_TRUE(isQuietOutput);
+        EXPECT_TRUE(Open(rateHz, 16));
     }
 
     /// Updates until the condition holds. False if it takes an age.
@@ -150,6 +159,9 @@ TEST(OpenALLive, DeletingTheDriverWhileSoundsPlayLeavesTheirFilesAloneFromThenOn
 class RandomGame : public testing::Test
 {
 protected:
+    /// Plays for long enough; `trouble` may make some before each update.
+    void Run(const std::function<void(int update)>& trouble);
+
     struct Playing
     {
         FormulaFile* head; ///< The oldest file of the sound that has not been reported as left.
@@ -285,10 +297,11 @@ protected:
     std::map<SndChannel*, Playing> sounds;
     int changes = 0;
     int ends = 0;
-    LiveRig rig;
+    FickleMachine machine;
+    LiveRig rig{machine};
 };
 
-TEST_F(RandomGame, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSound)
+void RandomGame::Run(const std::function<void(int update)>& trouble)
 {
     const auto clock = MakeFile({100 * rateHz, rateHz}, Constant(0.0));
     rig.Play(*clock);
@@ -297,6 +310,7 @@ TEST_F(RandomGame, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSound)
     for (int update = 0; (update < 150 || changes < enough || ends < enough) && !HasFailure(); ++update) {
         // At the pace of the sound: some 15 ms an update.
         ASSERT_TRUE(clock->WaitUntilRead(clock->GetFramesRead() + 1));
+        trouble(update);
         DoSomething();
         rig.Step(40, [this] {
             for (int i = Draw(4); i > 0; --i) {
@@ -308,6 +322,23 @@ TEST_F(RandomGame, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSound)
     for (const auto& file : files) {
         EXPECT_EQ(file->GetForbiddenTouches(), 0);
     }
+}
+
+TEST_F(RandomGame, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSound)
+{
+    Run([](int) {});
+    EXPECT_EQ(machine.timesOpened, 1);
+}
+
+TEST_F(RandomGame, TheSameHoldsWhileTheDeviceComesAndGoes)
+{
+    Run([this](int update) {
+        if (update % 8 == 0) {
+            machine.hasGoneOnce = true;
+        }
+        machine.isThere = update % 16 != 0;
+    });
+    EXPECT_GT(machine.timesOpened, 2);
 }
 
 } // namespace

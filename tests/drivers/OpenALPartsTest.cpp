@@ -1,6 +1,11 @@
+#include "drivers/openal/DeviceSource.h"
 #include "drivers/openal/Fades.h"
+#include "drivers/openal/OutputDevice.h"
 #include "drivers/openal/PcmConverter.h"
 #include "drivers/openal/Placement.h"
+#include "drivers/openal/SilentClock.h"
+#include "drivers/openal/SteadyTime.h"
+#include "drivers/openal/Voice.h"
 #include "drivers/openal/WavSink.h"
 #include "harmonet/output/SoundFormat.h"
 #include "tests/drivers/OfflineRig.h"
@@ -188,6 +193,68 @@ TEST(Placement, ASoundIsCutOutBeyondItsMaximumDistanceAndNotAtIt)
     EXPECT_FALSE(IsCutOut(cut, {103, 0, 4}, {100, 0, 0}));
     EXPECT_FALSE(IsCutOut({1, 5, false}, {300, 0, 0}, {0, 0, 0}));
     EXPECT_TRUE(IsCutOut(cut, {1e15f, 1e15f, 0}, {-1e15f, 0, 0}));
+}
+
+TEST(SilentClock, ItRunsAtTheSpeedItHasHadSinceItWasSet)
+{
+    constexpr std::int64_t second = nanosecondsPerSecond;
+    SilentClock clock;
+    EXPECT_EQ(clock.GetFrames(3 * second), 0);
+    clock.Start(100, 5 * second, 22050);
+    EXPECT_EQ(clock.GetFrames(5 * second), 100);
+    EXPECT_EQ(clock.GetFrames(7 * second), 100 + 44100);
+    clock.SetSpeed(11025, 7 * second);
+    EXPECT_EQ(clock.GetFrames(7 * second), 100 + 44100);
+    EXPECT_EQ(clock.GetFrames(9 * second), 100 + 44100 + 22050);
+    clock.Stop();
+    EXPECT_FALSE(clock.IsRunning());
+}
+
+// How much time goes by in silence is the machine's affair, and whatever it is, the sound has to fit it.
+TEST(Voice, WithAnotherSourceASoundGoesOnBehindWhatWasDroppedAndNotBeforeItsTime)
+{
+    constexpr int blockFrames = 8820;
+    const auto valueAt = [](std::int64_t sampleFrame) { return static_cast<float>(sampleFrame) / 65536.0f; };
+    OutputDevice device(DeviceSource::GetMachine());
+    ASSERT_TRUE(device.OpenLoopback(44100, Hrtf::Off));
+    const ContextScope scope(device);
+    Voice voice;
+    const auto queueBlock = [&] {
+        std::vector<float> pcm;
+        for (int i = 0; i < blockFrames; ++i) {
+            pcm.insert(pcm.end(), 2, valueAt(voice.GetFramesQueued() + i));
+        }
+        voice.Queue(pcm.data(), blockFrames, 2, 44100);
+    };
+    ASSERT_TRUE(voice.Create(false));
+    voice.Begin(false);
+    queueBlock();
+    queueBlock();
+    std::vector<float> heard(2 * 441);
+    device.Render(heard.data(), 441);
+    EXPECT_EQ(heard.back(), valueAt(440));
+
+    voice.GoSilent();
+    EXPECT_FALSE(voice.HasSource());
+    EXPECT_GE(voice.GetFramesHeard(), 441);
+    voice.SetGain(0.5f);
+    queueBlock();
+    queueBlock();
+    const std::int64_t before = voice.GetFramesHeard();
+    EXPECT_FALSE(voice.TakeReturn());
+    ASSERT_TRUE(voice.Create(false));
+    EXPECT_TRUE(voice.TakeReturn());
+    EXPECT_FALSE(voice.TakeReturn());
+    const std::int64_t ahead = voice.GetFramesAhead();
+    EXPECT_LE(before, voice.GetFramesHeard());
+    EXPECT_EQ(voice.GetFramesQueued(), 4 * blockFrames);
+    queueBlock();
+    heard.assign(2 * static_cast<size_t>(ahead + blockFrames), -1.0f);
+    device.Render(heard.data(), static_cast<int>(ahead) + blockFrames);
+    for (std::int64_t i = 0; i < ahead + blockFrames; ++i) {
+        const float expected = i < ahead ? 0.0f : 0.5f * valueAt(4 * blockFrames + i - ahead);
+        ASSERT_EQ(heard[2 * static_cast<size_t>(i)], expected) << i << " with " << ahead << " ahead";
+    }
 }
 
 } // namespace
