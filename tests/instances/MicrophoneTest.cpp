@@ -196,26 +196,5 @@ TEST_F(MicrophoneTest, ACopyDoesNotListen)
     EXPECT_EQ(Playing(), Ids{id});
 }
 
-TEST_F(MicrophoneTest, WithoutAListenerWhatHasAPlaceIsUnheardAndComesBack)
-{
-    const PString file = WriteWave("a.wav", {9000});
-    const int placed = Play3D(file, 1.0F);
-    const int ending = Play3D(file, 1.0F, Sound::StartNoEmulation);
-    const int flat = Play(file);
-    Step(40);
-    microphone.reset();
-    Step(40);
-    EXPECT_EQ(Playing(), Ids{flat});
-    EXPECT_EQ(Emulated(), Ids{placed});
-    EXPECT_EQ(Find(ending), nullptr);
-    EXPECT_NE(Play3D(file, 1.0F, Sound::StartImmediately), 0);
-    EXPECT_EQ(Play3D(file, 1.0F, Sound::StartImmediately | Sound::StartNoEmulation), 0);
-    EXPECT_EQ(Emulated().size(), 2U);
-    microphone = std::make_unique<Microphone>();
-    microphone->Activate();
-    StepTimes(2, 40);
-    EXPECT_EQ(Playing().size(), 3U);
-}
-
 } // namespace
 } // namespace Quon

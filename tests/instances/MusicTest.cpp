@@ -1,10 +1,8 @@
 // Pieces of music: what the driver hears of them.
 
 #include "harmonet/instances/Music.h"
-#include "harmonet/engine/PluginRegistry.h"
-#include "harmonet/engine/ResourceDatabase.h"
 #include "harmonet/instances/SndBase.h"
-#include "harmonet/kernel/QuonGetPlugins.h"
+#include "tests/instances/WithResources.h"
 #include "tests/support/SoundTest.h"
 
 #include <algorithm>
@@ -40,85 +38,6 @@ protected:
     Music music;
 };
 
-TEST_F(MusicTest, APieceStartsAtOnceInTheOrderOfAChannelsStart)
-{
-    music.SetGain(0.5F);
-    EXPECT_TRUE(music.FadeIn("a", 300, true));
-    EXPECT_EQ(TakeLog(), (Lines{"CreateChannel c1 2 a@0 fx", "c1 FadeIn 300", "c1 SetGain 0.5", "c1 Play"}));
-    EXPECT_EQ(
-        Find(LastId())->GetSndFlags(), FlagMusic | FlagDistLTMax | FlagFadeIn | FlagLooping | FlagPlaying);
-    EXPECT_EQ(music.GetRemainLength(), unknownLength);
-}
-
-TEST_F(MusicTest, APlainStartHasNeitherFadeNorGain)
-{
-    EXPECT_TRUE(music.Play("a", false));
-    EXPECT_EQ(TakeLog(), (Lines{"CreateChannel c1 0 a@0 fx", "c1 Play"}));
-    music.Stop();
-    EXPECT_TRUE(music.FadeIn("a", -5, false));
-    EXPECT_EQ(TakeLog(), (Lines{"c1 Stop", "CreateChannel c2 0 a@0 fx", "c2 Play"}));
-    EXPECT_EQ(music.GetRemainLength(), 5000U);
-}
-
-TEST_F(MusicTest, APieceThatPlaysIsLeftAlone)
-{
-    EXPECT_TRUE(music.Play("a", false));
-    TakeLog();
-    EXPECT_FALSE(music.Play("b", true));
-    EXPECT_FALSE(music.FadeIn("b", 100, true));
-    EXPECT_EQ(TakeLog(), Lines());
-    EXPECT_EQ(Find(LastId())->GetFileName(), PString("a"));
-    EXPECT_FALSE(Find(LastId())->IsLooping());
-}
-
-TEST_F(MusicTest, ACrossFadeRunsOnTwoChannelsOfOneInstance)
-{
-    music.Play("a", true);
-    const int id = LastId();
-    TakeLog();
-    EXPECT_TRUE(music.CrossFade("b", 400, false));
-    EXPECT_EQ(TakeLog(),
-        (Lines{"c1 FadeOut 400", "c1 SetGain 1", "CreateChannel c2 0 b@0 fx", "c2 FadeIn 400", "c2 Play"}));
-    EXPECT_EQ(Playing(), (Ids{id}));
-    EXPECT_EQ(music.GetRemainLength(), 5000U);
-    // The end of the fade closes the old file alone; then the new piece ends, and with it the instance.
-    StepWithEnd(1);
-    EXPECT_EQ(Playing(), (Ids{id}));
-    EXPECT_EQ(ChannelOf(id), 2);
-    EXPECT_EQ(Find(id)->GetFadeOutChannel(), nullptr);
-    StepWithEnd(2);
-    EXPECT_EQ(Find(id), nullptr);
-    EXPECT_EQ(TakeLog({"begin", "abort", "end", "c1", "c2"}), Lines());
-}
-
-TEST_F(MusicTest, ASecondCrossFadeCutsTheFirstFadeOff)
-{
-    music.Play("a", true);
-    music.CrossFade("b", 400, true);
-    TakeLog();
-    EXPECT_TRUE(music.CrossFade("c", 500, true));
-    EXPECT_EQ(TakeLog(),
-        (Lines{"c1 Stop", "c2 FadeOut 500", "c2 SetGain 1", "CreateChannel c3 2 c@0 fx", "c3 FadeIn 500",
-            "c3 Play"}));
-    EXPECT_EQ(recording.channels.size(), 2U);
-}
-
-TEST_F(MusicTest, WithoutAPieceACrossFadeIsAFadeIn)
-{
-    EXPECT_TRUE(music.CrossFade("a", 200, false));
-    EXPECT_EQ(TakeLog(), (Lines{"CreateChannel c1 0 a@0 fx", "c1 FadeIn 200", "c1 Play"}));
-}
-
-TEST_F(MusicTest, ANewPieceStartsBesideOneThatFadesOut)
-{
-    music.Play("a", false);
-    EXPECT_TRUE(music.FadeOut(400));
-    TakeLog();
-    EXPECT_TRUE(music.Play("b", false));
-    EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 1", "CreateChannel c2 0 b@0 fx", "c2 Play"}));
-    EXPECT_EQ(Playing().size(), 1U);
-}
-
 // With a fade still on its way, the new piece's end leaves the instance with a file that is at its end.
 TEST_F(MusicTest, ANewPieceCanEndBeforeTheFadeOfTheOldOneAndAThirdBegin)
 {
@@ -132,17 +51,6 @@ TEST_F(MusicTest, ANewPieceCanEndBeforeTheFadeOfTheOldOneAndAThirdBegin)
     EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 1", "CreateChannel c3 0 c@0 fx", "c3 Play"}));
     EXPECT_EQ(Playing(), (Ids{id}));
     Step(40);
-}
-
-TEST_F(MusicTest, AGainReachesTheNewPieceAloneDuringACrossFade)
-{
-    music.Play("a", true);
-    music.CrossFade("b", 400, true);
-    TakeLog();
-    music.SetGain(0.25F);
-    EXPECT_EQ(TakeLog(), (Lines{"c2 SetGain 0.25"}));
-    SoundSystem::SetMusicMainGain(0.5F);
-    EXPECT_EQ(TakeLog(), (Lines{"c2 SetGain 0.125"}));
 }
 
 TEST_F(MusicTest, AGainIsClampedAndKeptWithoutAPiece)
@@ -161,28 +69,6 @@ TEST_F(MusicTest, AGainIsClampedAndKeptWithoutAPiece)
     system.Done();
     music.SetGain(0.5F);
     EXPECT_EQ(music.GetGain(), 0.5F);
-}
-
-TEST_F(MusicTest, MusicPassesTheLimitOfAudibleSounds)
-{
-    system.SetMaxAudibleSounds(0);
-    EXPECT_TRUE(music.Play("a", true));
-    EXPECT_EQ(recording.channels.size(), 1U);
-}
-
-TEST_F(MusicTest, AStaleHandleDoesNothingUntilTheNextPiece)
-{
-    music.Play("a", false);
-    const int id = LastId();
-    StepWithEnd(1);
-    ASSERT_EQ(Find(id), nullptr);
-    TakeLog();
-    EXPECT_FALSE(music.FadeOut(100));
-    EXPECT_EQ(music.GetRemainLength(), 0U);
-    music.Stop();
-    EXPECT_EQ(TakeLog(), Lines());
-    EXPECT_TRUE(music.Play("b", false));
-    EXPECT_GT(LastId(), id);
 }
 
 TEST_F(MusicTest, APieceThatCannotBeHadEndsTheOldOneInACrossFade)
@@ -297,59 +183,27 @@ TEST_F(MusicTest, APieceWhoseHandleWasAssignedAnotherPlaysOn)
     SoundSystem::SetMusicMainGain(1.0F);
 }
 
-TEST_F(MusicTest, TwoHandlesSteerOnePieceAndTheFirstGivesItsGain)
-{
-    music.Play("a", true);
-    Music copy = music;
-    TakeLog();
-    copy.SetGain(0.5F);
-    music.SetGain(0.25F);
-    EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 1", "c1 SetGain 0.25"}));
-    EXPECT_TRUE(copy.FadeOut(10));
-}
-
 /// Pieces that are named by resources.
-class MusicResources : public MusicTest
+class MusicResources : public WithResources<MusicTest>
 {
 protected:
     MusicResources()
     {
-        QuonGetPlugins();
-        EXPECT_TRUE(database.AddFolder("music", folder.GetPath().c_str()));
         folder.Write("theme.sound",
             "*SOUND_DEFINITION\n{\n*FILE a\n*GAIN 0.5\n*LOOPING true\n*DELAY 900\n*FX_ECHO\n*FX_GARGLE\n}\n");
         folder.Write("once.sound", "*SOUND_DEFINITION { *FILE b\n*FREQUENCY 2000 }");
     }
-    ~MusicResources() override
-    {
-        music.Stop();
-        group.reset();
-        system.Done();
-        database.DropUnused();
-        database.DropUnused();
-        PluginRegistry::Get().ReleaseAll();
-    }
-
-    ResourceDatabase database;
 };
 
 TEST_F(MusicResources, ADefinitionGivesFileGainLoopAndEffectsAndNothingElse)
 {
     EXPECT_TRUE(music.Play("theme.sound", &database, false));
     EXPECT_EQ(TakeLog(), (Lines{"CreateChannel c1 2 a@0 fx 3 7", "c1 SetGain 0.5", "c1 Play"}));
-    EXPECT_EQ(Find(LastId())->GetSubstName(), PString("music"));
+    EXPECT_EQ(Find(LastId())->GetSubstName(), PString("sounds"));
     EXPECT_EQ(Find(LastId())->GetDelay(), 0);
     music.Stop();
     EXPECT_TRUE(music.FadeIn("once.sound", &database, 70, false));
     EXPECT_EQ(TakeLog(), (Lines{"c1 Stop", "CreateChannel c2 0 b@0 fx", "c2 FadeIn 70", "c2 Play"}));
-}
-
-TEST_F(MusicResources, TheMaskOfResourceEffectsDoesNotReachMusic)
-{
-    system.DisableResourceFX(0x1FF);
-    EXPECT_TRUE(music.Play("theme.sound", &database, false));
-    EXPECT_EQ(TakeLog({"CreateChannel"}), (Lines{"CreateChannel c1 2 a@0 fx 3 7"}));
-    system.EnableResourceFX(0x1FF);
 }
 
 // The new piece's own gain is set before it has its channel, and so reaches the one that fades out as well.

@@ -25,81 +25,6 @@ protected:
     const PString file = WriteWave("a.wav", {2000});
 };
 
-// The courses of a sound, and what is told of each.
-TEST_F(ObserverTest, ASoundThatPlaysToItsEndTellsBeginAndEnd)
-{
-    const int id = Play(file);
-    EXPECT_EQ(TakeNotes(), Lines());
-    Step(40);
-    EXPECT_EQ(TakeNotes(), Lines{"begin #1 a.wav"});
-    recording.Read(ChannelOf(id), 2000);
-    StepWithEnd(ChannelOf(id));
-    EXPECT_EQ(TakeNotes(), Lines{"end #1 a.wav"});
-    EXPECT_EQ(Find(id), nullptr);
-}
-
-TEST_F(ObserverTest, ASoundThatIsCutOffTellsWhatWasLeft)
-{
-    const int id = Play(file);
-    Step(40);
-    recording.Read(ChannelOf(id), 700);
-    group->StopSound(id);
-    EXPECT_EQ(TakeNotes(), (Lines{"begin #1 a.wav", "abort #1 a.wav 1300"}));
-
-    const int looping = Play(file, Sound::StartLooping);
-    Step(40);
-    group->StopSound(looping);
-    EXPECT_EQ(TakeNotes(), (Lines{"begin #2 a.wav", "abort #2 a.wav -1"}));
-}
-
-TEST_F(ObserverTest, ASoundThatNeverStartedTellsItsWholeLength)
-{
-    const int opened = Play(file, 0, 0, 500);
-    const int unopened = group->New2DSound(file, nullptr);
-    group->StopSound(opened);
-    group->StopSound(unopened);
-    EXPECT_EQ(
-        TakeNotes(), (Lines{"begin #1 a.wav", "abort #1 a.wav 2000", "begin #2 a.wav", "abort #2 a.wav -1"}));
-}
-
-// It gives up when less than half a second and the step are left.
-TEST_F(ObserverTest, ASoundThatRunsOutUnheardTellsTheRest)
-{
-    PlayEmulated(file);
-    system.SetMaxAudibleSounds(0);
-    TakeNotes();
-    StepTimes(14, 100);
-    EXPECT_EQ(TakeNotes(), Lines());
-    Step(100); // 2000 - 1400 is 600, and that is not less than 500 + 100.
-    EXPECT_EQ(TakeNotes(), Lines());
-    Step(100);
-    EXPECT_EQ(TakeNotes(), Lines{"abort #1 a.wav 500"});
-}
-
-TEST_F(ObserverTest, AFadeToTheEndIsAnEndUnlessTheSoundLoops)
-{
-    const int plain = Play(file);
-    const int looping = Play(file, Sound::StartLooping);
-    Step(40);
-    const int plainChannel = ChannelOf(plain);
-    const int loopingChannel = ChannelOf(looping);
-    EXPECT_TRUE(group->FadeOutSound(plain, 300));
-    EXPECT_TRUE(group->FadeOutSound(looping, 300));
-    TakeNotes();
-    StepWithEnd(plainChannel);
-    StepWithEnd(loopingChannel);
-    EXPECT_EQ(TakeNotes(), (Lines{"end #1 a.wav", "abort #2 a.wav -1"}));
-}
-
-TEST_F(ObserverTest, AMemorySoundTellsItsEndBeforeTheBlock)
-{
-    const int id = PlayBlock(NewBlock("block", {600}), 0);
-    Step(40);
-    recording.Read(ChannelOf(id), 600);
-    StepWithEnd(ChannelOf(id));
-    EXPECT_EQ(TakeNotes(), (Lines{"begin #1 ", "end #1 ", "free #1 block"}));
-}
-
 class StreamOfThreeBlocks : public ObserverTest
 {
 protected:
@@ -116,55 +41,6 @@ protected:
 
     int id;
 };
-
-TEST_F(StreamOfThreeBlocks, StoppedInTheFirstGivesThemBackFromTheLastForward)
-{
-    recording.Read(1, 100);
-    group->StopSound(id);
-    EXPECT_EQ(TakeNotes(), (Lines{"abort #1  1700", "free #1 third", "free #1 second", "free #1 first"}));
-}
-
-TEST_F(StreamOfThreeBlocks, PlayedThroughGivesEachBackWhenTheNextBegins)
-{
-    recording.Read(1, 600);
-    StepWithNextFile(1);
-    EXPECT_EQ(TakeNotes(), Lines{"free #1 first"});
-    EXPECT_EQ(group->GetQueueLength(id), 1);
-    EXPECT_EQ(group->GetRemainLength(id), 1200U);
-    recording.Read(1, 600);
-    StepWithNextFile(1);
-    EXPECT_EQ(TakeNotes(), Lines{"free #1 second"});
-    recording.Read(1, 600);
-    StepWithEnd(1);
-    EXPECT_EQ(TakeNotes(), (Lines{"end #1 ", "free #1 third"}));
-}
-
-TEST_F(StreamOfThreeBlocks, DeletedIsNotTold)
-{
-    group->DeleteSound(id);
-    EXPECT_EQ(TakeNotes(), Lines());
-}
-
-TEST_F(StreamOfThreeBlocks, FadedOutGivesTheQueueBackAtOnceAndTheHeadAtTheEnd)
-{
-    group->FadeOutSound(id, 200);
-    EXPECT_EQ(TakeNotes(), (Lines{"free #1 third", "free #1 second"}));
-    StepWithEnd(1);
-    EXPECT_EQ(TakeNotes(), (Lines{"free #1 first", "end #1 "}));
-}
-
-TEST_F(StreamOfThreeBlocks, RunningUnheardGivesEachBackWhenItHasPassed)
-{
-    system.SetMaxAudibleSounds(0);
-    Step(200); // Old enough to be displaced, in this update.
-    EXPECT_EQ(Emulated(), Ids{id});
-    Step(500);
-    Step(100);
-    EXPECT_EQ(TakeNotes(), Lines());
-    Step(100);
-    EXPECT_EQ(TakeNotes(), Lines{"free #1 first"});
-    EXPECT_EQ(group->GetRemainLength(id), 1100U);
-}
 
 // A handler that hears of a free block may hand over the next: that is how a stream is fed.
 TEST_F(StreamOfThreeBlocks, TheHandlerOfAFreeBlockCanAppendAnother)
@@ -196,18 +72,6 @@ TEST_F(StreamOfThreeBlocks, NothingCanBeAppendedToWhatFadesOut)
 }
 
 // Who is told when the list changes while it is walked.
-
-TEST_F(ObserverTest, AnObserverIsToldOnceHoweverOftenItIsAdded)
-{
-    group->AddObserver(observer.get());
-    group->AddObserver(observer.get());
-    Play(file);
-    Step(40);
-    EXPECT_EQ(TakeNotes(), Lines{"begin #1 a.wav"});
-    group->RemoveObserver(observer.get());
-    EXPECT_FALSE(group->HasObserver(observer.get()));
-    group->RemoveObserver(observer.get());
-}
 
 // The chunk that holds the list has four places: with all numbers up to ten the removals cross its borders.
 TEST_F(ObserverTest, EveryObserverCanRemoveItselfOrAnyOther)
@@ -350,15 +214,6 @@ TEST_F(ObserverTest, WhileItsEndIsToldASoundStillHasItsPlaceAmongTheAudible)
     };
     group->StopSound(id);
     EXPECT_NE(Play(file, Sound::StartImmediately), 0);
-}
-
-// Of a sound that starts at once the game hears before it has the id.
-TEST_F(ObserverTest, AnImmediateStartIsToldInsideTheCall)
-{
-    int told = 0;
-    observer->react = [&](const Note& note) { told = note.id; };
-    EXPECT_EQ(Play(file, Sound::StartImmediately), told);
-    EXPECT_NE(told, 0);
 }
 
 TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsAndThenTellsTheShutdown)

@@ -166,30 +166,6 @@ TEST_F(PlayInterfaceTest, TheStartFlagsSetTheInstancesFlags)
     EXPECT_EQ(Find(withEffect)->GetSndFlags(), FlagDistLTMax);
 }
 
-TEST_F(PlayInterfaceTest, AQueueCannotLoopAndARunningSoundCannotStart)
-{
-    const int id = group->New2DSound(file, nullptr);
-    EXPECT_TRUE(group->CatSound(id, other, nullptr));
-    const std::uint32_t flags = Find(id)->GetSndFlags();
-    EXPECT_FALSE(
-        group->StartSound(id, Sound::StartLooping | Sound::StartNotMovable | Sound::StartImmediately));
-    EXPECT_EQ(Find(id)->GetSndFlags(), flags);
-    EXPECT_TRUE(group->StartSound(id, Sound::StartImmediately));
-    EXPECT_FALSE(group->StartSound(id, Sound::StartNotMovable));
-    EXPECT_TRUE(Find(id)->IsMovable());
-}
-
-TEST_F(PlayInterfaceTest, SettingsOfTheStartAreIgnoredOnceASoundRuns)
-{
-    const int id = Play(file, Sound::StartImmediately);
-    group->SetSoundFadeIn(id, 300);
-    group->SetSoundDelay(id, 300);
-    group->SetSoundPriority(id, 4);
-    EXPECT_FALSE(Find(id)->IsFadeIn());
-    EXPECT_EQ(Find(id)->GetDelay(), 0);
-    EXPECT_EQ(group->GetSoundPriority(id, 0), 4);
-}
-
 TEST_F(PlayInterfaceTest, RatesAreBoundedAndNeedASoundThatAllowsThem)
 {
     const std::pair<unsigned long, bool> rates[] = {
@@ -212,40 +188,6 @@ TEST_F(PlayInterfaceTest, RatesAreBoundedAndNeedASoundThatAllowsThem)
     const int fixed = Play(file, Sound::StartImmediately);
     EXPECT_FALSE(group->SetFrequency(fixed, 3000));
     EXPECT_EQ(group->GetFrequency(fixed), 1000U);
-}
-
-TEST_F(PlayInterfaceTest, GainsMultiplyAndReachRunningSoundsAtOnce)
-{
-    const int flat = Play(file, Sound::StartImmediately);
-    const int placed = Play3D(file, 1.0F, Sound::StartImmediately);
-    Music music;
-    EXPECT_TRUE(music.Play(file, false));
-    Sound stranger;
-    stranger.Play2DSound(other, nullptr, Sound::StartImmediately, 0, 0);
-    TakeLog();
-    // In no particular order.
-    const auto gains = [&] {
-        Lines lines = TakeLog();
-        std::sort(lines.begin(), lines.end());
-        return lines;
-    };
-    group->SetGain(0.5F);
-    EXPECT_EQ(gains(), (Lines{"c1 SetGain 0.5", "c2 SetGain 0.5"}));
-    SoundSystem::Set2DMainGain(0.25F);
-    EXPECT_EQ(gains(), (Lines{"c1 SetGain 0.125", "c4 SetGain 0.25"}));
-    SoundSystem::Set3DMainGain(0.5F);
-    EXPECT_EQ(gains(), Lines{"c2 SetGain 0.25"});
-    SoundSystem::SetMusicMainGain(0.75F);
-    EXPECT_EQ(gains(), Lines{"c3 SetGain 0.75"});
-    music.SetGain(0.5F);
-    EXPECT_EQ(gains(), Lines{"c3 SetGain 0.375"});
-    group->SetSoundGain(flat, 0.5F);
-    EXPECT_EQ(gains(), Lines{"c1 SetGain 0.0625"});
-    EXPECT_EQ(group->GetSoundGain(flat), 0.5F);
-    group->SetSoundGain(placed, 0.0F);
-    EXPECT_EQ(gains(), Lines{"c2 SetGain 0"});
-    group->SetGain(2.0F);
-    EXPECT_EQ(gains(), (Lines{"c1 SetGain 0.125", "c2 SetGain 0"}));
 }
 
 // What can be appended to what, and that a refusal leaves everything as it was.
@@ -276,29 +218,6 @@ TEST_F(CatTest, FilesOfAnotherFormAreRefused)
     EXPECT_EQ(group->GetSoundLength(id), 2900U);
     group->StopSound(id);
     EXPECT_EQ(TakeLog({"free"}), Lines());
-}
-
-TEST_F(CatTest, OnlyASoundThatHasRoomTakesMore)
-{
-    EXPECT_FALSE(group->CatSound(Play(file, Sound::StartLooping), other, nullptr));
-    EXPECT_FALSE(group->CatSound(Play(file, Sound::StartImmediately), other, nullptr));
-    EXPECT_FALSE(group->CatSound(group->New2DSound(PString("missing.wav"), nullptr), other, nullptr));
-    EXPECT_FALSE(group->CatSound(group->New2DSound(PString(), nullptr), other, nullptr));
-    const int queued = Play(file, Sound::StartImmediately | Sound::StartQueued);
-    EXPECT_TRUE(group->CatSound(queued, other, nullptr));
-    EXPECT_TRUE(Cat(queued, NewBlock("block", {300})));
-    EXPECT_EQ(group->GetQueueLength(queued), 2);
-    // While its old piece fades out a sound has no file, and nothing to append to.
-    group->FadeOutSound(queued, 100);
-    EXPECT_FALSE(group->CatSound(queued, other, nullptr));
-    SoundSystem::StopAll();
-    // A sound that waits for its turn has none yet either, but a name to open one by.
-    const int first = Play(file, 0, 0, 500);
-    const int second = Play(file, 0, 0, 500);
-    EXPECT_EQ(Find(second)->GetSndFile(), nullptr);
-    EXPECT_TRUE(group->CatSound(second, other, nullptr));
-    EXPECT_EQ(group->GetSoundLength(second), 2900U);
-    EXPECT_EQ(group->GetSoundLength(first), 2000U);
 }
 
 // The lock of the channel must be free after each of the ways out.
@@ -349,18 +268,6 @@ TEST_F(PlayInterfaceTest, AnotherWayToStartThatFailsLeavesNothing)
     EXPECT_NE(group->Play3DSound(&scene, PString("here"), file, nullptr, 0, 0, {}, 0), 0);
 }
 
-// A created sound whose start is refused can be started again.
-TEST_F(PlayInterfaceTest, ARefusedStartCanBeTriedAgain)
-{
-    system.SetMaxAudibleSounds(0);
-    const int id = group->New2DSound(file, nullptr);
-    EXPECT_FALSE(group->StartSound(id, Sound::StartImmediately));
-    EXPECT_NE(Find(id), nullptr);
-    system.SetMaxAudibleSounds(1);
-    EXPECT_TRUE(group->StartSound(id, 0));
-    EXPECT_EQ(Playing(), Ids{id});
-}
-
 TEST_F(PlayInterfaceTest, TheLengthOfAFileIsFoundWithoutASound)
 {
     EXPECT_EQ(Sound::CalcSoundLength(other, nullptr), 900U);
@@ -370,19 +277,6 @@ TEST_F(PlayInterfaceTest, TheLengthOfAFileIsFoundWithoutASound)
     EXPECT_TRUE(group->CatSound(id, other, nullptr));
     folder.Remove("a.wav");
     EXPECT_EQ(Sound::CalcSoundLength(file, nullptr), 2000U);
-}
-
-TEST_F(PlayInterfaceTest, DeletingLeavesTheBlockToItsOwner)
-{
-    {
-        MemoryBlock block({700});
-        const int id = group->Play2DSound(
-            block.GetData(), block.GetSize(), &block.format, Sound::StartImmediately, 0, 0);
-        TakeLog();
-        group->DeleteSound(id);
-        EXPECT_EQ(TakeLog(), Lines{"c1 Stop"});
-    }
-    StepTimes(2, 40);
 }
 
 } // namespace

@@ -93,29 +93,6 @@ TEST_F(PolylineHostile, AnyDistancesLeaveTheSourcesOnTheLineOrInPause)
     }
 }
 
-TEST_F(PolylineHostile, WithoutAnyDistanceTheLineIsHeardFromItselfAlone)
-{
-    PolylineModel::Settings settings = StraightLine(-10.0F, 10.0F, 3, 60.0F);
-    settings.minDistance = 0.0F;
-    settings.maxDistance = 0.0F;
-    const int id = PlayLine(settings);
-    Listen({0.0F, 0.0F, 0.001F});
-    EXPECT_TRUE(Places(id).empty());
-    Listen({1.0F, 0.0F, 0.0F});
-    EXPECT_EQ(Places(id), (std::vector<Vector3>{{1.0F, 0.0F, 0.0F}}));
-}
-
-TEST_F(PolylineHostile, AListenerThatIsNowhereHearsNothing)
-{
-    const int id = PlayLine(StraightLine(-10.0F, 10.0F, 3, 60.0F));
-    Listen({0.0F, 0.0F, 5.0F});
-    ASSERT_FALSE(Places(id).empty());
-    for (const Vector3& listener : {Vector3{nan, 0.0F, 0.0F}, Vector3{0.0F, -infinity, 0.0F}}) {
-        ListenAnywhere(id, listener);
-        EXPECT_TRUE(Places(id).empty());
-    }
-}
-
 TEST_F(PolylineHostile, AMillionPointsAreALine)
 {
     constexpr int count = 1000000;

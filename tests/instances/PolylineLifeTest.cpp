@@ -1,11 +1,9 @@
 // How a line is made, started, steered and ended.
 
-#include "harmonet/engine/PluginRegistry.h"
-#include "harmonet/engine/ResourceDatabase.h"
 #include "harmonet/files/SndFile.h"
-#include "harmonet/kernel/QuonGetPlugins.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "tests/instances/PolylineTest.h"
+#include "tests/instances/WithResources.h"
 
 namespace Quon
 {
@@ -70,19 +68,6 @@ TEST_F(PolylineLife, NothingIsMadeWithoutPointsOrAResource)
     EXPECT_EQ(Find(id - 1), nullptr);
 }
 
-TEST_F(PolylineLife, ALinePlaysThroughItsSourcesAndBeginsUnderItsOwnId)
-{
-    const int id = PlayLine(LineOfThree());
-    EXPECT_EQ(TakeLog(), (Lines{"begin #2 w"}));
-    EXPECT_EQ(Emulated(), (Ids{id}));
-    EXPECT_EQ(Waiting().size(), 3U);
-    Listen(nearby);
-    EXPECT_EQ(TakeLog({"begin", "abort", "end"}), (Lines{"begin #4 w", "begin #3 w", "begin #1 w"}));
-    EXPECT_EQ(Playing().size(), 3U);
-    EXPECT_EQ(group->GetSoundLength(id), 1000U);
-    EXPECT_EQ(group->GetRemainLength(id), unknownLength);
-}
-
 // Each source begins a thousand samples behind the one before, so that they are out of phase.
 TEST_F(PolylineLife, TheCopiesPlayTheSameDataOutOfPhase)
 {
@@ -104,18 +89,6 @@ TEST_F(PolylineLife, SourcesThatAreNotNeededGiveTheirChannelsBackAndStandStill)
     EXPECT_EQ(Emulated().size(), 4U);
     StepTimes(5, 100);
     EXPECT_EQ(GetSource(id, 0).GetSndFile()->GetCurrentSample(), 77);
-    Listen(nearby);
-    EXPECT_EQ(Playing().size(), 3U);
-}
-
-TEST_F(PolylineLife, AStartWithoutItsFileFailsAndPlay3DSoundLeavesNothing)
-{
-    file = "missing";
-    const int id = Make(LineOfThree());
-    EXPECT_FALSE(group->StartSound(id, 0));
-    EXPECT_NE(Find(id), nullptr);
-    WriteWave("missing", {1000});
-    EXPECT_TRUE(group->StartSound(id, 0));
     Listen(nearby);
     EXPECT_EQ(Playing().size(), 3U);
 }
@@ -218,17 +191,6 @@ TEST_F(PolylineLife, AllSourcesGoneAtOnceWhilePlacedDoNotTrouble)
     EXPECT_EQ(Find(id), nullptr);
 }
 
-TEST_F(PolylineLife, TheSourcesGoBeforeTheHeadIsToldOf)
-{
-    const int id = PlayLine(LineOfThree());
-    Listen(nearby);
-    TakeLog();
-    group->StopSound(id);
-    EXPECT_EQ(TakeLog(), (Lines{"c1 Stop", "c2 Stop", "c3 Stop", "abort #2 w -1"}));
-    EXPECT_TRUE(Playing().empty());
-    EXPECT_TRUE(Emulated().empty());
-}
-
 TEST_F(PolylineLife, EveryWayToEndALineEndsItsSources)
 {
     struct EndRow
@@ -314,29 +276,17 @@ TEST_F(PolylineLife, AHandlerMayEndOneLineWhileAnotherIsToldOf)
     EXPECT_EQ(GetLine(second).GetNumSounds(), 3);
 }
 
-/// Lines from definitions, with the types registered and a folder "sounds".
-class PolylineResources : public PolylineTest
+/// Lines from definitions.
+class PolylineResources : public WithResources<PolylineTest>
 {
 protected:
     PolylineResources()
     {
-        QuonGetPlugins();
-        EXPECT_TRUE(database.AddFolder("sounds", folder.GetPath().c_str()));
         folder.Write("river.sound",
             "*SOUND_DEFINITION\n{\n*FILE w\n*GAIN 0.5\n*MIN_DISTANCE 10\n*MAX_DISTANCE 100\n*POSITION 9 9 9\n"
             "*FX_ECHO { *FEEDBACK 30 }\n"
             "*POLYLINE\n{\n*NUM_ADD_SOUNDS 2\n*ANGLE 60\n*POINT -50 0 0\n*POINT 50 0 0\n}\n}\n");
     }
-    ~PolylineResources() override
-    {
-        group.reset();
-        system.Done();
-        database.DropUnused();
-        database.DropUnused();
-        PluginRegistry::Get().ReleaseAll();
-    }
-
-    ResourceDatabase database;
 };
 
 TEST_F(PolylineResources, ADefinitionWithALineMakesOne)

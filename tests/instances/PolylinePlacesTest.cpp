@@ -144,33 +144,11 @@ TEST_F(PolylinePlaces, AListenerAtRestHearsNothingNew)
     EXPECT_FALSE(Places(id).empty());
 }
 
-TEST_F(PolylinePlaces, OutOfReachAllSourcesPauseButASingleOneStaysWhereItWas)
-{
-    const int many = PlayLine(StraightLine(-10.0F, 10.0F, 1, 90.0F));
-    const int single = PlayLine(StraightLine(-10.0F, 10.0F));
-    Listen({3.0F, 0.0F, 1.0F});
-    ASSERT_EQ(Places(many).size(), 2U);
-    Listen({3.0F, 0.0F, 1000.0F});
-    EXPECT_TRUE(Places(many).empty());
-    EXPECT_EQ(Places(single), (std::vector<Vector3>{{3.0F, 0.0F, 0.0F}}));
-}
-
 TEST_F(PolylinePlaces, AListenerOnTheLineHearsOneSource)
 {
     const int id = PlayLine(StraightLine(-50.0F, 50.0F, 7, 20.0F));
     Listen({5.0F, 0.0F, 0.0F});
     EXPECT_EQ(Places(id), (std::vector<Vector3>{{5.0F, 0.0F, 0.0F}}));
-}
-
-TEST_F(PolylinePlaces, WithoutALeastAngleEverySourceIsPlacedOnce)
-{
-    PolylineModel::Settings settings = StraightLine(-50.0F, 50.0F, 7, 180.0F);
-    const int id = PlayLine(settings);
-    Listen({0.0F, 0.0F, 30.0F});
-    const std::vector<Vector3> places = Places(id);
-    ASSERT_EQ(places.size(), 8U);
-    for (std::size_t i = 1; i < places.size(); ++i)
-        EXPECT_FALSE(places[i] == places[i - 1]) << i;
 }
 
 TEST(FastLength, IsRightToAboutAThousandthAndExactOnTheAxes)

@@ -88,72 +88,6 @@ TEST_F(RunningTest, TheStartSamplesAreSkippedAlongTheQueueOrRoundTheLoop)
     }
 }
 
-// At ten times its rate a sound has more samples in a step than its time would tell, so that a step can end
-// anywhere in the queue.
-TEST_F(RunningTest, AStepWithoutAChannelGoesAlongTheQueue)
-{
-    struct Row
-    {
-        std::vector<int> lengths;
-        int ms; ///< At ten times the rate.
-        const char* expected;
-    };
-    const Row rows[] = {
-        {{1000, 900, 800}, 40, "400 of 1000++"},
-        {{1000, 900, 800}, 100, "1000 of 1000++"},
-        {{1000, 900, 800}, 101, "10 of 900+"},
-        {{1000, 900, 800}, 190, "0 of 800"},
-        {{1000, 900, 800}, 269, "790 of 800"},
-        // The whole of the queue counts as nothing.
-        {{1000, 900, 800}, 270, "0 of 1000++"},
-        {{1000, 900, 800}, 275, "50 of 1000++"},
-        {{600, 0, 800}, 70, "100 of 800"},
-        // A step that ends with a file stops in front of the next, even of one that is empty.
-        {{100, 200, 0, 800}, 30 + 10, "100 of 800"},
-        {{200, 200, 0, 800}, 40, "0 of 0+"},
-        {{0, 0, 900}, 40, "400 of 900"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::to_string(row.ms) + " ms of " + std::to_string(row.lengths[0]));
-        const int id = NewQueue(row.lengths);
-        EXPECT_TRUE(group->SetFrequency(id, 10000));
-        Displace(id);
-        Step(row.ms);
-        EXPECT_EQ(Where(id), row.expected);
-        group->StopSound(id);
-    }
-}
-
-TEST_F(RunningTest, AStepThatIsLeftOverAtTheEndEndsTheSound)
-{
-    const int id = NewQueue({1000, 800});
-    EXPECT_TRUE(group->SetFrequency(id, 10000));
-    Displace(id);
-    Step(90);
-    EXPECT_EQ(Where(id), "900 of 1000+");
-    // 950 samples: within the 1800 of the queue, but only 900 are left.
-    Step(95);
-    EXPECT_EQ(Where(id), "ended");
-}
-
-TEST_F(RunningTest, ALoopGoesRoundAndNeverEnds)
-{
-    const int id = NewQueue({700});
-    Displace(id, Sound::StartLooping);
-    const std::pair<int, const char*> steps[] = {
-        {40, "40 of 700"}, {660, "0 of 700"}, {7300, "300 of 700"}, {399, "699 of 700"}, {40, "39 of 700"}};
-    for (const auto& [ms, expected] : steps) {
-        Step(ms);
-        if (std::string(expected) == "0 of 700") {
-            // At the end of the file, which is where the loop begins.
-            EXPECT_EQ(Where(id), "700 of 700");
-            continue;
-        }
-        EXPECT_EQ(Where(id), expected);
-        EXPECT_EQ(group->GetRemainLength(id), 0xFFFFFFFFU);
-    }
-}
-
 // The samples of a step are counted in 32 bits, as on every other machine.
 TEST_F(RunningTest, ALongStepWrapsAsIn32Bits)
 {
@@ -166,18 +100,6 @@ TEST_F(RunningTest, ALongStepWrapsAsIn32Bits)
     EXPECT_EQ(Where(id), "32 of 3000");
 }
 
-// With frames shorter than 40 ms an unheard sound moves by one frame in each full update.
-TEST_F(RunningTest, AnUnheardSoundMovesByTheSecondsOfTheCall)
-{
-    const int id = NewQueue({3000});
-    Displace(id);
-    TakeLog();
-    StepTimes(3, 16);
-    EXPECT_EQ(TakeLog(), (Lines{"BeginUpdate 48", "EndUpdate"}));
-    EXPECT_EQ(Where(id), "16 of 3000");
-    EXPECT_EQ(Find(id)->GetStateTime(), 48U);
-}
-
 TEST_F(RunningTest, AnEmptyFileCannotRunUnheard)
 {
     for (int flags : {0, static_cast<int>(Sound::StartLooping)}) {
@@ -187,25 +109,6 @@ TEST_F(RunningTest, AnEmptyFileCannotRunUnheard)
         StepTimes(2, 40);
         EXPECT_EQ(Where(id), "ended");
     }
-}
-
-TEST_F(RunningTest, ASoundComesBackWhereItWouldHaveBeen)
-{
-    const int id = NewQueue({20000});
-    group->StartSound(id, 0);
-    Step(40);
-    recording.Read(1, 250);
-    system.SetMaxAudibleSounds(0);
-    Step(200);
-    EXPECT_EQ(Emulated(), Ids{id});
-    StepTimes(125, 40);
-    system.SetMaxAudibleSounds(1);
-    Step(40);
-    Step(40);
-    // It has been away for 125 steps, and two more before it could return.
-    TakeLog();
-    EXPECT_EQ(Where(id), std::to_string(250 + 126 * 40) + " of 20000");
-    EXPECT_EQ(Playing(), Ids{id});
 }
 
 TEST_F(RunningTest, TheTimesLeftAndPlayedFollowTheState)

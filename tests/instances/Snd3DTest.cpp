@@ -74,24 +74,6 @@ TEST_F(Snd3DTest, TheRangeHasABandInWhichASoundStaysAsItIs)
     EXPECT_TRUE(Get(id).IsDistLTMax());
 }
 
-TEST_F(Snd3DTest, ASoundAtTheEdgeKeepsItsChannelUntilItIsBeyondTheBand)
-{
-    const int id = Play3D(file, 9.0F, 0, 0, 10.0F);
-    Step(40);
-    const auto stepAt = [&](float x) {
-        group->SetSoundPosition(id, {x, 0.0F, 0.0F});
-        StepTimes(2, 40);
-        return Playing() == Ids{id};
-    };
-    EXPECT_TRUE(stepAt(10.0F));
-    EXPECT_TRUE(stepAt(10.05F));
-    EXPECT_FALSE(stepAt(10.2F));
-    EXPECT_FALSE(stepAt(10.05F));
-    EXPECT_FALSE(stepAt(10.0F));
-    EXPECT_TRUE(stepAt(9.9F));
-    EXPECT_TRUE(stepAt(10.05F));
-}
-
 TEST_F(Snd3DTest, OnlyAConeInUseCostsCalls)
 {
     struct Row
@@ -211,37 +193,6 @@ TEST_F(Snd3DTest, ASoundFollowsTheNodesAboveIt)
     hand.RemoveAllChildren();
     Step(40);
     EXPECT_EQ(recording.channels.at(1).position, origin);
-}
-
-TEST_F(Snd3DTest, ASoundThatIsNotMovableKeepsItsPlaceInTheDriverAlone)
-{
-    const int id = Play3D(file, 3.0F, Sound::StartImmediately | Sound::StartNotMovable);
-    TakeLog();
-    group->SetSoundPosition(id, {5.0F, 0.0F, 0.0F});
-    Step(40);
-    EXPECT_EQ(TakeLog({"c1"}), Lines());
-    EXPECT_EQ(Find(id)->GetDistSqr(), 25.0F);
-}
-
-TEST_F(Snd3DTest, ACopyIsTheSameSoundThatHasNotStarted)
-{
-    const int id = Play3D(file, 3.0F, Sound::StartImmediately | Sound::StartNotMovable, 4);
-    Find(id)->SetMultiplier(2.0F);
-    const Snd3D& model = Get(id);
-    Snd3D copy(model);
-    EXPECT_EQ(copy.GetSoundID(), id + 1);
-    EXPECT_EQ(copy.GetSndFlags(), model.GetSndFlags());
-    EXPECT_EQ(copy.GetFileName(), file);
-    EXPECT_EQ(copy.GetPriority(), 4);
-    EXPECT_EQ(copy.GetMaxDistance(), 100.0F);
-    EXPECT_TRUE(copy.GetCutout());
-    EXPECT_EQ(copy.GetSndFile(), nullptr);
-    EXPECT_EQ(copy.GetSndChannel(), nullptr);
-    EXPECT_EQ(copy.GetParentSound(), nullptr);
-    EXPECT_EQ(copy.GetMultiplier(), 1.0F);
-    EXPECT_EQ(copy.GetStateTime(), 1000U);
-    EXPECT_EQ(copy.GetPosition(), origin);
-    EXPECT_EQ(copy.GetID(), 16);
 }
 
 TEST_F(Snd3DTest, SourcePropertiesNeedADriverThatTakesThem)
