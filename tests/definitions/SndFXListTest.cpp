@@ -54,14 +54,6 @@ protected:
     SndFXList list;
 };
 
-TEST_F(FXLists, AnEmptyListHasNoBlock)
-{
-    EXPECT_EQ(list.GetFXDesc(SndFXChorus), nullptr);
-    EXPECT_EQ(list.GetNumEffects(), 0U);
-    EXPECT_EQ(list.GetEffectsArr(), nullptr);
-    EXPECT_EQ(list.Duplicate().GetBlock(), nullptr);
-}
-
 TEST_F(FXLists, TheBlockIsSizeAndCountAndThenTheEntriesWithoutPadding)
 {
     list.AddFX(SndFXChorus, &chorus, sizeof chorus, 0);
@@ -104,16 +96,6 @@ TEST_F(FXLists, AnEffectThatIsThereIsOverwrittenInItsPlace)
     EXPECT_EQ(list.GetBlock(), block);
     EXPECT_EQ(GetOrder(list), (std::vector{SndFXChorus, SndFXGargle}));
     EXPECT_EQ(static_cast<const FXChorus*>(list.GetFXDesc(SndFXChorus)->GetRecord())->depth, 77.0F);
-}
-
-TEST_F(FXLists, ADuplicateOutlivesItsModel)
-{
-    list.AddFX(SndFXEcho, &echo, sizeof echo, 0);
-    const std::vector<std::uint32_t> words = GetWords(list);
-    SndFXList copy = list.Duplicate();
-    list.Clear();
-    EXPECT_EQ(GetWords(copy), words);
-    copy.Clear();
 }
 
 TEST_F(FXLists, TheMaskTakesOutItsEffectsAndKeepsTheOrderOfTheOthers)

@@ -12,27 +12,6 @@ namespace
 
 using TextBlocks = DefinitionTest;
 
-TEST_F(TextBlocks, AnEffectStartsWithItsDefaults)
-{
-    const Row rows[] = {
-        {"chorus", "*FX_CHORUS {}", "chorus(50 10 25 1.1 1 16 3)"},
-        {"flanger", "*FX_FLANGER {}", "flanger(50 100 -50 0.25 1 2 2)"},
-        {"echo", "*FX_ECHO {}", "echo(50 50 500 500 0)"},
-        {"distortion", "*FX_DISTORTION {}", "distortion(-18 15 2400 2400 7350)"},
-        {"compressor", "*FX_COMPRESSOR {}", "compressor(0 10 200 -20 3 4)"},
-        {"equaliser", "*FX_PARAMEQ {}", "parameq(7350 12 0)"},
-        {"gargle", "*FX_GARGLE {}", "gargle(20 0)"},
-        {"waves reverb", "*FX_WAVESREVERB {}", "wavesreverb(0 0 1000 0.001)"},
-        {"environmental reverb", "*FX_ENVREVERB {}",
-            "envreverb/2(-1000 -100 0 1.49 0.83 -2602 0.007 200 0.011 100 100 5000)"},
-        {"no block", "*FX_ECHO\n*GAIN 1", "echo(50 50 500 500 0)"},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(LoadBlock(row.text), "0: a.wav, " + std::string(row.expected));
-    }
-}
-
 TEST_F(TextBlocks, EachKeywordOfAnEffectFillsItsField)
 {
     const Row rows[] = {

@@ -71,15 +71,12 @@ protected:
     Lines paper;
 };
 
-TEST_F(TextDocs, TheExampleFromTopToBottomLoadsAsItReads)
+TEST_F(TextDocs, TheExamplesLoadAsTheyRead)
 {
     EXPECT_EQ(Load(GetExample("## A definition from top to bottom")),
         "0: engine_loop.wav, looping 1, gain 0.8, delay 250, min 5, max 120, cutout 0, inner 60, outer 120, "
         "conegain 0.25, echo(30 40 250 310 0)");
-}
-
-TEST_F(TextDocs, TheExampleOfALineLoadsAsItReads)
-{
+    Forget();
     EXPECT_EQ(LoadBlock(GetExample("### A sound along a line")),
         "0: a.wav, line(3 60: -110 0 -20 -92 0 -6 -75 0 12)");
 }

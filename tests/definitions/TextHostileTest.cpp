@@ -56,13 +56,6 @@ void ExpectSane(const SoundResource& sound)
     EXPECT_TRUE(std::isfinite(sound.GetGain()));
 }
 
-TEST_F(TextHostile, AWholeDefinitionIsReadAsAWhole)
-{
-    EXPECT_EQ(Load(wholeDefinition),
-        "0: engine_loop.wav, looping 1, gain 0.8, delay 250, min 5, max 120, cutout 0, inner 60, outer 120, "
-        "conegain 0.25, at 1.5 2.5 3.5, line(2 90: 0 0 0 100 0 0 100 0 50), echo(50 30 250 500 0)");
-}
-
 // A full disk or a broken copy leaves any prefix. It loads as soon as there is a name for the sound file, and
 // what it holds is what the prefix says.
 TEST_F(TextHostile, EveryTruncationLoadsOnceTheFileIsNamed)

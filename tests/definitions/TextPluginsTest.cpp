@@ -70,13 +70,6 @@ TEST_F(TextPlugins, FourTypesAreRegisteredInOrder)
     EXPECT_EQ(sizeof(SoundDefResource), sizeof(SoundResource));
 }
 
-TEST_F(TextPlugins, TwoCallsRegisterEveryTypeTwice)
-{
-    getPlugins();
-    getPlugins();
-    EXPECT_EQ(GetTypes().size(), 8U);
-}
-
 TEST_F(TextPlugins, NamesInAFolderLeadToSettings)
 {
     getPlugins();
