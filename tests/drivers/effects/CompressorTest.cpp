@@ -51,19 +51,6 @@ TEST(Compressor, FollowsTheStaticCurve)
     }
 }
 
-// A sine has no one level, but whatever level the compressor finds in it grows with the sine.
-TEST(Compressor, MakesASineGrowByTheRatio)
-{
-    const auto measure = [](float amplitude) {
-        CompressorEffect compressor({0, 10.0f, 200.0f, -30.0f, 4.0f, 4.0f}, {rateHz, 1});
-        const Pcm sine = MakeSine(441, amplitude, rateHz, 2 * rateHz);
-        Pcm out = Through(compressor, sine);
-        out.erase(out.begin(), out.begin() + rateHz);
-        return ToDecibels(GetAmplitude(out, 441, rateHz));
-    };
-    EXPECT_NEAR(measure(0.8f) - measure(0.2f), ToDecibels(4.0) / 4, 0.02);
-}
-
 // The level is that of an RC circuit: it goes exponentially from where it is to where it is drawn.
 TEST(Compressor, TakesItsTimeConstantsToRiseAndToFall)
 {

@@ -61,12 +61,5 @@ TEST(Echo, ChangesSidesAtEachEchoWhenPanned)
     ExpectTaps(TakeSide(out, 1), {{240 + 400, 0.5f}});
 }
 
-TEST(Echo, StaysAsLoudAsItIsAtFullFeedback)
-{
-    EchoEffect echo({100.0f, 100.0f, 10.0f, 10.0f, 0}, {rateHz, 1});
-    const Pcm out = Through(echo, MakeImpulse(80 * 1000 + 1));
-    EXPECT_EQ(out[80 * 1000], 1.0f);
-}
-
 } // namespace
 } // namespace Quon::Testing
