@@ -84,7 +84,8 @@ void OwnRooms::GiveBack(const ReverbSlot* slot, bool isCutOff, std::int64_t now,
             continue;
         }
         const std::int64_t ringMs = isCutOff ? 0 : GetRingMs(place.slot.GetRoom());
-        place.slot.Leave(now + ringMs * ticksPerSecond / 1000, cutOffMs * ticksPerSecond / 1000);
+        place.slot.Leave(
+            now + ringMs * ticksPerSecond / 1000, cutOffMs * ticksPerSecond / 1000, ticksPerSecond);
     }
 }
 

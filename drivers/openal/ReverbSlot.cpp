@@ -65,6 +65,14 @@ void ReverbSlot::Load(const FXEnvReverb& newRoom)
     Apply();
 }
 
+void ReverbSlot::Leave(std::int64_t begin, std::int64_t length, std::int64_t ticksPerSecond)
+{
+    // Longer than it takes any device to mix the last step of the fall.
+    constexpr std::int64_t lingerMs = 100;
+    fall.Start(begin, length);
+    linger = lingerMs * ticksPerSecond / 1000;
+}
+
 void ReverbSlot::Return()
 {
     fall.Cancel();
@@ -100,8 +108,7 @@ void ReverbSlot::Tick(std::int64_t time)
     if (isEmpty) {
         return;
     }
-    // The step to silence has been heard when the next one comes.
-    if (level == 0.0f && fall.IsOver(time)) {
+    if (level == 0.0f && fall.IsOver(time - linger)) {
         isEmpty = true;
         fall.Cancel();
         if (slot != 0) {

@@ -28,9 +28,9 @@ public:
     /// from now on, unless the place is in use.
     void Load(const FXEnvReverb& newRoom);
 
-    /// From the time `begin` on the room falls silent, over `length`, and then the place is empty. In ticks
-    /// of the device's time.
-    void Leave(std::int64_t begin, std::int64_t length) { fall.Start(begin, length); }
+    /// From the time `begin` on the room falls silent, over `length`, and when that has been heard the place
+    /// is empty. Times of the device, which has so many ticks in a second.
+    void Leave(std::int64_t begin, std::int64_t length, std::int64_t ticksPerSecond);
     /// The room stays, after all.
     void Return();
 
@@ -53,6 +53,7 @@ private:
     float level = 1.0f;
     FXEnvReverb room{};
     Fall fall;
+    std::int64_t linger = 0; ///< From the end of the fall until the place is empty.
 };
 
 } // namespace Quon

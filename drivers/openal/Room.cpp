@@ -9,6 +9,7 @@ namespace
 {
 
 constexpr std::int64_t leavingMs = 200;
+constexpr std::int64_t never = -1;
 
 bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other)
 {
@@ -51,6 +52,8 @@ void Room::Tick(std::int64_t time, std::int64_t ticksPerSecond)
     }
     if (isPending) {
         MoveOn(time, ticksPerSecond);
+        // Sounds go in at once.
+        currentSince = never;
     }
 }
 
@@ -76,7 +79,7 @@ void Room::MoveOn(std::int64_t now, std::int64_t ticksPerSecond)
         next->Load(*wanted);
     }
     if (left) {
-        left->Leave(now, leavingMs * ticksPerSecond / 1000);
+        left->Leave(now, leavingMs * ticksPerSecond / 1000, ticksPerSecond);
     }
     current = next;
     currentSince = now;

@@ -42,7 +42,7 @@ private:
     std::mutex mutex; ///< Guards all that follows, but for reading the pointer.
     std::array<ReverbSlot, 2> slots;
     std::atomic<ReverbSlot*> current = nullptr; ///< Null in the open.
-    std::int64_t currentSince = 0;
+    std::int64_t currentSince = 0; ///< The time at which it was set.
     std::optional<FXEnvReverb> wanted; ///< What has been set last,
     bool isPending = false; ///< and whether it is still to be done.
 };

@@ -65,6 +65,17 @@ double Rendering::LargestStep(size_t begin, size_t end) const
     return largest;
 }
 
+double Rendering::LargestBend(size_t begin, size_t end) const
+{
+    double largest = 0.0;
+    for (size_t i = std::max<size_t>(begin, 2); i < end; ++i) {
+        for (int side = 0; side < channels; ++side) {
+            largest = std::max(largest, std::abs(At(i, side) - 2 * At(i - 1, side) + At(i - 2, side)));
+        }
+    }
+    return largest;
+}
+
 double Rendering::Level(size_t begin, size_t end, int side) const
 {
     double sum = 0.0;

@@ -20,6 +20,8 @@ struct Rendering
     double At(size_t sampleFrame, int side = 0) const;
     /// The largest step from one sample frame to the next within [begin, end), on either side.
     double LargestStep(size_t begin, size_t end) const;
+    /// The largest difference of one such step and the next: a click that no step betrays.
+    double LargestBend(size_t begin, size_t end) const;
     /// Root of the mean square over [begin, end).
     double Level(size_t begin, size_t end, int side) const;
     /// The first sample frame that is louder than `level` on this side; GetFrames() if none is.
