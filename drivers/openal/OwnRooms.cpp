@@ -1,7 +1,6 @@
 #include "drivers/openal/OwnRooms.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace Quon
 {
@@ -60,9 +59,8 @@ const ReverbSlot* OwnRooms::Take(const FXEnvReverb& room)
 
 OwnRooms::Place* OwnRooms::Find(const FXEnvReverb& room)
 {
-    const auto found = std::find_if(places.begin(), places.end(), [&](const Place& place) {
-        return !place.slot.IsEmpty() && std::memcmp(&place.slot.GetRoom(), &room, sizeof room) == 0;
-    });
+    const auto found = std::find_if(places.begin(), places.end(),
+        [&](const Place& place) { return !place.slot.IsEmpty() && IsSame(place.slot.GetRoom(), room); });
     return found == places.end() ? nullptr : &*found;
 }
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 namespace Quon
 {
@@ -37,6 +38,13 @@ float GetHigh(std::int32_t all, float lowRatio)
     return static_cast<float>(all) * (1.0f - lowRatio);
 }
 
+auto GetFields(const FXEnvReverb& room)
+{
+    return std::tie(room.room, room.roomHF, room.roomRolloffFactor, room.decayTime, room.decayHFRatio,
+        room.reflections, room.reflectionsDelay, room.reverb, room.reverbDelay, room.diffusion, room.density,
+        room.hfReference);
+}
+
 } // namespace
 
 FXEnvReverb HoldReverb(const FXEnvReverb& wanted)
@@ -55,6 +63,11 @@ FXEnvReverb HoldReverb(const FXEnvReverb& wanted)
     held.density = Hold(wanted.density, 0.0f, 100.0f, fallback.density);
     held.hfReference = Hold(wanted.hfReference, 1000.0f, 20000.0f, fallback.hfReference);
     return held;
+}
+
+bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other)
+{
+    return GetFields(one) == GetFields(other);
 }
 
 FXEnvReverbSourceProperties HoldProperties(const FXEnvReverbSourceProperties& wanted)

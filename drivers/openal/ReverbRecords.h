@@ -13,6 +13,9 @@ namespace Quon
 /// and to 0.1 s; percentages of 0 to 100; a reference of 1000 to 20 000 Hz.
 FXEnvReverb HoldReverb(const FXEnvReverb& wanted);
 
+/// Whether two rooms, both held, are the same.
+bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other);
+
 /// The properties with each field held to its range: levels from -10000 to 0, since OpenAL only weakens;
 /// ratios of 0 to 1; a rolloff of 0 to 10.
 FXEnvReverbSourceProperties HoldProperties(const FXEnvReverbSourceProperties& wanted);

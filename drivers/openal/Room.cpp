@@ -1,7 +1,5 @@
 #include "drivers/openal/Room.h"
 
-#include <cstring>
-
 namespace Quon
 {
 
@@ -10,11 +8,6 @@ namespace
 
 constexpr std::int64_t leavingMs = 200;
 constexpr std::int64_t never = -1;
-
-bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other)
-{
-    return std::memcmp(&one, &other, sizeof one) == 0;
-}
 
 } // namespace
 
