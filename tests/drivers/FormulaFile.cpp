@@ -1,9 +1,9 @@
 #include "tests/drivers/FormulaFile.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <numbers>
+#include <thread>
 
 namespace Quon
 {
@@ -31,6 +31,7 @@ double FormulaFile::GetStored(int sampleFrame, int channel) const
 int FormulaFile::ReadSamples(unsigned char* buffer, int samples)
 {
     Touch();
+    Dawdle();
     if (trueRateHz > 0) {
         sampleFrequency = trueRateHz;
     }
@@ -72,6 +73,18 @@ void FormulaFile::Touch()
     if (forbidden) {
         ++forbiddenTouches;
     }
+}
+
+void FormulaFile::Dawdle()
+{
+    if (readsPerSlowOne == 0 || --readsUntilSlowOne >= 0) {
+        return;
+    }
+    readsUntilSlowOne = readsPerSlowOne - 1;
+    const auto begin = std::chrono::steady_clock::now();
+    std::this_thread::sleep_for(slowness);
+    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+    slowestRead = std::max(slowestRead, taken);
 }
 
 bool FormulaFile::WaitUntilRead(long sampleFrames)

@@ -3,6 +3,7 @@
 #include "harmonet/files/SndFile.h"
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <functional>
 #include <memory>
@@ -41,6 +42,15 @@ public:
     /// What the form says of the rate turns out to be wrong at the first read.
     void TurnOutToHave(int newRateHz) { trueRateHz = newRateHz; }
 
+    /// Each read of so many takes a while, as from a disk that has gone to sleep.
+    void BeSlow(int newReadsPerSlowOne, std::chrono::milliseconds newSlowness)
+    {
+        readsPerSlowOne = newReadsPerSlowOne;
+        slowness = newSlowness;
+    }
+    /// The longest that a read has really taken.
+    std::chrono::duration<double> GetSlowestRead() const { return slowestRead; }
+
     /// From now on nobody may call any operation; GetForbiddenTouches() counts those who do.
     void Forbid() { forbidden = true; }
     int GetForbiddenTouches() const { return forbiddenTouches; }
@@ -62,11 +72,16 @@ public:
 private:
     long Quantise(double value) const;
     void Touch();
+    void Dawdle();
 
     const Formula formula;
     int dataEnd;
     int pauseAt = 0;
     int trueRateHz = 0;
+    int readsPerSlowOne = 0; ///< 0: all are quick.
+    int readsUntilSlowOne = 0;
+    std::chrono::milliseconds slowness{};
+    std::chrono::duration<double> slowestRead{};
     std::atomic<bool> forbidden = false;
     std::atomic<int> forbiddenTouches = 0;
     std::mutex mutex;

@@ -122,5 +122,96 @@ TEST(OpenALWaveOut, HrtfIsTheDevicesAffairUnlessItIsAskedFor)
     }
 }
 
+/// A gap in what was heard of a sound whose height grows all the time.
+struct Gap
+{
+    size_t sampleFrames;
+    double lost; ///< Sample frames of the sound that fell into it; less than 0: that came again.
+};
+
+std::vector<Gap> FindGaps(const Rendering& heard, double risePerFrame)
+{
+    std::vector<Gap> gaps;
+    size_t last = heard.FindFirst(0.01, 0);
+    for (size_t i = last + 1; i < heard.GetFrames(); ++i) {
+        if (std::abs(heard.At(i)) <= 0.01) {
+            continue;
+        }
+        if (i > last + 1) {
+            // Where it goes on it first rises for some milliseconds.
+            constexpr size_t rise = 441;
+            const double step = heard.At(i + rise) - heard.At(last);
+            gaps.push_back({i - last - 1, step / risePerFrame - rise - 1});
+            i += rise;
+        }
+        last = i;
+    }
+    return gaps;
+}
+
+// What is read ahead is heard while the disk is waited for.
+TEST(OpenALWaveOut, ASlowDiskLeavesGapsShorterThanItsReadsAndLosesNothing)
+{
+    constexpr int length = 10 * rateHz;
+    const auto slow = MakeFile({length}, [](int i, int) { return 0.25 + 0.25 * i / length; });
+    slow->BeSlow(25, std::chrono::milliseconds(300));
+    const auto beside = MakeFile({length}, Constant(0.0));
+    DriverRig rig("HarmonetOpenAL");
+    ASSERT_TRUE(rig.Open(rateHz, 8));
+    SndChannel* const channel = rig.Play(*slow);
+    rig.Play(*beside);
+    while (slow->GetFramesRead() < 3 * rateHz) {
+        rig.Step(40);
+        EXPECT_LE(channel->GetRemainLength(), 10000u);
+        ASSERT_TRUE(slow->WaitUntilRead(slow->GetFramesRead() + 1));
+    }
+    channel->Stop();
+    slow->Forbid();
+    ASSERT_TRUE(beside->WaitUntilRead(beside->GetFramesRead() + rateHz / 4));
+    rig.Close();
+    EXPECT_EQ(slow->GetForbiddenTouches(), 0);
+    const std::vector<Gap> gaps = FindGaps(ReadRendering(path), 0.25 / length);
+    EXPECT_GE(gaps.size(), 1u) << "the disk was not slow";
+    for (const Gap& gap : gaps) {
+        EXPECT_LT(static_cast<double>(gap.sampleFrames) / rateHz, slow->GetSlowestRead().count());
+        EXPECT_NEAR(gap.lost, 0.0, 64.0);
+    }
+}
+
+TEST(OpenALWaveOut, AGameFrameOfTwoSecondsIsHeardWithoutAGapAndItsEventsComeInOneUpdate)
+{
+    constexpr int length = 7 * rateHz / 10;
+    const auto rising = [](int offset) {
+        return [offset](int i, int) { return 0.25 + 0.25 * (offset + i) / (3 * length); };
+    };
+    const auto first = MakeFile({length}, rising(0));
+    const auto second = MakeFile({length}, rising(length));
+    const auto third = MakeFile({length}, rising(2 * length));
+    const auto beside = MakeFile({20 * rateHz}, Constant(0.0));
+    DriverRig rig("HarmonetOpenAL");
+    ASSERT_TRUE(rig.Open(rateHz, 8, 1000));
+    first->Add(second.get());
+    first->Add(third.get());
+    rig.Play(*first);
+    rig.Play(*beside);
+    rig.Step(40);
+    // Until the last sample frame has certainly been heard.
+    ASSERT_TRUE(third->WaitUntilRead(length));
+    ASSERT_TRUE(beside->WaitUntilRead(beside->GetFramesRead() + rateHz));
+    EXPECT_TRUE(rig.TakeEvents().empty());
+    rig.Step(2000);
+    std::vector<int> kinds;
+    for (const DriverEvent& event : rig.TakeEvents()) {
+        kinds.push_back(event.kind);
+    }
+    EXPECT_EQ(kinds, (std::vector<int>{SndFileChanged, SndFileChanged, SndChannelEnded}));
+    rig.Close();
+    const Rendering heard = ReadRendering(path);
+    EXPECT_TRUE(FindGaps(heard, 0.25 / (3 * length)).empty());
+    const size_t begin = heard.FindFirst(0.01, 0);
+    EXPECT_NEAR(heard.At(begin + 3 * length - 1), 0.5, 0.001);
+    EXPECT_NEAR(heard.At(begin + 3 * length + 100), 0.0, 0.001);
+}
+
 } // namespace
 } // namespace Quon

@@ -1,0 +1,92 @@
+#include "harmonet/definitions/EnvReverbPresets.h"
+#include "tests/drivers/FormulaFile.h"
+#include "tests/drivers/OfflineRig.h"
+#include "tests/drivers/effects/OwnedList.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <utility>
+
+namespace Quon
+{
+namespace
+{
+
+constexpr int rateHz = OfflineRig::rateHz;
+constexpr int sources = 8;
+
+// A user's configuration that has few sources, and leaves none of them a way into a reverb.
+bool Configure()
+{
+    const std::string path = (GetTestFolder() / "alsoft.conf").string();
+    std::ofstream(path) << "[general]\nsends = 0\nsources = " << sources << "\n";
+    return setenv("ALSOFT_CONF", path.c_str(), 1) == 0 && setenv("ALSOFT_DRIVERS", "null", 1) == 0;
+}
+
+const bool isScarce = Configure();
+
+TEST(OpenALScarce, RoomsAreRefusedAndSoundsPlayAsWithoutThem)
+{
+    ASSERT_TRUE(isScarce);
+    OfflineRig rig;
+    SoundCaps caps;
+    EXPECT_TRUE(rig.GetDriver().GetCaps(caps));
+    EXPECT_EQ(caps.GetFlags(), 0u);
+    EXPECT_FALSE(rig.GetDriver().SetFXEnvReverb(&fxEnvReverbGeneric, 2, 0));
+    rig.GetDriver().ResetFXEnvReverb(0);
+    const FXEnvReverbSourceProperties silent = {-10000, 0, 0, 0, 0, 0, 0, 0, 0};
+    Testing::OwnedList list;
+    list.Add(SndFXEnvReverbSource, silent).Add(SndFXEnvReverb, fxEnvReverbGeneric);
+    const auto file = MakeFile({rateHz}, Constant(0.5));
+    SndChannel* const channel = rig.Play(*file, ChanPositional, list.Get());
+    FXEnvReverbSourceProperties properties{};
+    FXEnvReverb room{};
+    EXPECT_FALSE(channel->SetFXEnvReverbSourceProperties(&silent));
+    EXPECT_FALSE(channel->GetFXEnvReverbSourceProperties(&properties));
+    EXPECT_FALSE(channel->GetFXEnvReverbListenerProperties(&room));
+    rig.Step(40);
+    EXPECT_NEAR(rig.Heard().At(1000), 0.5 * 0.5957, 0.001);
+}
+
+// There are no spare sources for sounds that are falling silent, so that a stop in favour of another sound is
+// a cut.
+TEST(OpenALScarce, EverySourceThatThereIsPlaysAndIsUsedAgainAtOnceAndNoneMoreIsPromised)
+{
+    OfflineRig rig(24);
+    std::vector<std::unique_ptr<FormulaFile>> files;
+    std::vector<SndChannel*> channels;
+    for (int round = 0; round < 3; ++round) {
+        SCOPED_TRACE(round);
+        for (SndChannel* const channel : std::exchange(channels, {})) {
+            channel->Stop();
+        }
+        for (int i = 0; i < 24; ++i) {
+            files.push_back(MakeFile({10 * rateHz}, Constant(0.0625)));
+            if (SndChannel* const channel = rig.Create(*files.back())) {
+                channel->Play();
+                channels.push_back(channel);
+            }
+        }
+        EXPECT_EQ(channels.size(), static_cast<size_t>(sources));
+        rig.Step(40);
+        const Rendering heard = rig.Heard();
+        EXPECT_EQ(heard.At(heard.GetFrames() - 1), sources * 0.0625);
+    }
+}
+
+TEST(OpenALScarce, ALiveOutputHasNoMoreEither)
+{
+    const auto file = MakeFile({10 * rateHz}, Constant(0.0));
+    DriverRig rig("HarmonetOpenAL");
+    ASSERT_TRUE(rig.Open(rateHz, 24));
+    int given = 0;
+    while (given <= 24 && rig.Create(*file)) {
+        ++given;
+    }
+    EXPECT_EQ(given, sources);
+}
+
+} // namespace
+} // namespace Quon
