@@ -104,7 +104,7 @@ bool SourceAcoustics::GetProperties(FXEnvReverbSourceProperties* record) const
 
 bool SourceAcoustics::GetOwnRoom(FXEnvReverb* record) const
 {
-    if (!record || !ownRoom) {
+    if (!record || !ownRoom || acoustics.GetSendCount() <= ownRoomSend) {
         return false;
     }
     *record = ownRoom->GetRoom();
