@@ -3,6 +3,7 @@
 #include "tests/drivers/FickleMachine.h"
 #include "tests/drivers/FormulaFile.h"
 #include "tests/drivers/OfflineRig.h"
+#include "tests/drivers/effects/OwnedList.h"
 
 #include <gtest/gtest.h>
 
@@ -199,6 +200,11 @@ TEST_F(OpenALLoss, ARoomThatIsSetWithoutADeviceIsHeardOnTheFirstOne)
     EXPECT_TRUE(rig->GetDriver().SetFXEnvReverb(&fxEnvReverbHangar, 0, 0));
     const FXEnvReverbSourceProperties muted = {-10000, 0, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_TRUE(channel->SetFXEnvReverbSourceProperties(&muted));
+    Testing::OwnedList list;
+    list.Add(SndFXEnvReverb, fxEnvReverbCave);
+    FormulaFile& quiet = Make(rateHz, Constant(0.0));
+    FXEnvReverb own{};
+    EXPECT_TRUE(rig->Play(quiet, 0, list.Get())->GetFXEnvReverbListenerProperties(&own));
     machine.isThere = true;
     const Rendering heard = WaitForCard(rateHz);
     size_t reverberant = 0;
