@@ -1,3 +1,5 @@
+#include "harmonet/definitions/EnvReverbPresets.h"
+#include "harmonet/instances/Microphone.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/instances/SoundObserver.h"
 #include "tests/drivers/OfflineRig.h"
@@ -147,6 +149,56 @@ TEST_F(WholeSystem, ASoundThatLosesItsChannelComesBackWhereItWouldBe)
     EXPECT_EQ(placeAt(meanwhile), 0.0);
     // At most by what was read and not heard when it was taken off.
     EXPECT_NEAR(placeAt(after), secondsAt(after), 0.012);
+}
+
+class EndObserver : public SoundObserver
+{
+public:
+    void OnSoundEnd(int soundID, const PString&) override { ended.push_back(soundID); }
+
+    std::vector<int> ended;
+};
+
+TEST_F(WholeSystem, EffectsAndTheListenersRoomAreHeardAfterTheSoundItselfAndOneTellsTheEnd)
+{
+    StartWith("HarmonetOpenAL");
+    Microphone listener;
+    listener.Activate();
+    EXPECT_TRUE(listener.SetFXEnvReverb(&fxEnvReverbCave, 2, 0));
+    std::vector<short> beep(rateHz / 10, 20000);
+    const unsigned long bytes = beep.size() * sizeof(short);
+    EndObserver observer;
+    Sound group;
+    group.AddObserver(&observer);
+    const FXEcho wild = {50, 50, 250, 9999, 0};
+    const int echoing = group.New2DSound(beep.data(), bytes, &format);
+    EXPECT_TRUE(group.SetFXEcho(echoing, &wild));
+    EXPECT_TRUE(group.StartSound(echoing, 0));
+    const int inCave = group.New3DSound(beep.data(), bytes, &format);
+    group.SetSoundCone(inCave, 360, 360, 1);
+    EXPECT_TRUE(group.StartSound(inCave, 0));
+    const FXEnvReverbSourceProperties behindDoor = {0, 0, 0, 0, 0, 0, 0, -3000, 0.3F};
+    EXPECT_TRUE(group.SetFXEnvReverbSourceProperties(inCave, &behindDoor));
+
+    StepTimes(4, stepMs);
+    EXPECT_EQ(observer.ended, std::vector<int>{inCave});
+    FXEcho live{};
+    EXPECT_TRUE(group.GetFXEcho(echoing, &live));
+    EXPECT_EQ(live.rightDelay, 2000.0F);
+    EXPECT_EQ(group.GetRemainLength(echoing), 0u);
+    // The tail of such an echo is longer than any that is waited for.
+    StepTimes(3000 / stepMs + 2, stepMs);
+    EXPECT_EQ(observer.ended, (std::vector<int>{inCave, echoing}));
+    listener.ResetFXEnvReverb(0);
+    system.Done();
+
+    const Rendering heard = ReadRendering(path);
+    const size_t start = stepFrames;
+    // 250 ms after its start the beep is back on the left; between the two only the cave is heard.
+    EXPECT_NEAR(heard.Level(start + 11500, start + 15000, 0), 20000.0 / 32768 / 2, 0.05);
+    const double cave = heard.Level(start + 6000, start + 10000, 1);
+    EXPECT_GT(cave, 0.0005);
+    EXPECT_LT(cave, 0.05);
 }
 
 } // namespace
