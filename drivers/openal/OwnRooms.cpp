@@ -26,7 +26,7 @@ void OwnRooms::Create(const EfxFunctions& functions)
     isCreated = true;
     for (Place& place : places) {
         if (!place.slot.IsEmpty()) {
-            place.slot.Create(efx);
+            Create(place.slot);
         }
     }
 }
@@ -64,10 +64,15 @@ OwnRooms::Place* OwnRooms::Find(const FXEnvReverb& room)
     return found == places.end() ? nullptr : &*found;
 }
 
+bool OwnRooms::Create(ReverbSlot& slot)
+{
+    return slot.Create(efx, ReverbSlot::Rolloff::OfSource);
+}
+
 OwnRooms::Place* OwnRooms::FindEmpty()
 {
     for (Place& place : places) {
-        if (place.slot.IsEmpty() && (!isCreated || place.slot.IsCreated() || place.slot.Create(efx))) {
+        if (place.slot.IsEmpty() && (!isCreated || place.slot.IsCreated() || Create(place.slot))) {
             return &place;
         }
     }

@@ -12,7 +12,8 @@ namespace Quon
 ///
 /// Sounds with the same room share it, so that all sources of a line cost one. A room rings out when its last
 /// sound is over, without keeping that sound's channel, and is cut off in 50 ms when that sound is stopped.
-/// There are as many as a processor can bear; a sound that finds none left plays without.
+/// Such a room is far away when its sound is, so that `roomRolloffFactor` means nothing here. There are as
+/// many as a processor can bear; a sound that finds none left plays without.
 class OwnRooms
 {
 public:
@@ -37,6 +38,7 @@ private:
         int users = 0;
     };
 
+    bool Create(ReverbSlot& slot);
     Place* Find(const FXEnvReverb& room);
     Place* FindEmpty();
 

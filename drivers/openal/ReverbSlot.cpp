@@ -34,7 +34,7 @@ void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room)
 
 } // namespace
 
-bool ReverbSlot::Create(const EfxFunctions& functions)
+bool ReverbSlot::Create(const EfxFunctions& functions, Rolloff rolloff)
 {
     efx = functions;
     alGetError();
@@ -43,6 +43,7 @@ bool ReverbSlot::Create(const EfxFunctions& functions)
         slot = 0;
         return false;
     }
+    efx.sloti(slot, AL_EFFECTSLOT_AUXILIARY_SEND_AUTO, rolloff == Rolloff::OfRoom ? AL_TRUE : AL_FALSE);
     if (!isEmpty) {
         Apply();
     }

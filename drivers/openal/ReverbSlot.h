@@ -17,9 +17,16 @@ namespace Quon
 class ReverbSlot
 {
 public:
+    /// How the sound of the room falls with the distance of what sounds in it.
+    enum class Rolloff
+    {
+        OfRoom, ///< By the factors of the room and of the source, which can be 0.
+        OfSource ///< Like the source's direct sound.
+    };
+
     /// The slot can be made on a device, again and again; what is in use is loaded again. False if OpenAL has
     /// no more of them.
-    bool Create(const EfxFunctions& functions);
+    bool Create(const EfxFunctions& functions, Rolloff rolloff);
     /// No source may be sent to it.
     void Destroy();
     bool IsCreated() const { return slot != 0; }

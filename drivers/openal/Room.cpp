@@ -16,7 +16,7 @@ bool Room::Create(const EfxFunctions& functions)
     const std::scoped_lock lock(mutex);
     bool isComplete = true;
     for (ReverbSlot& slot : slots) {
-        isComplete = slot.Create(functions) && isComplete;
+        isComplete = slot.Create(functions, ReverbSlot::Rolloff::OfRoom) && isComplete;
     }
     return isComplete;
 }

@@ -303,6 +303,20 @@ TEST_F(OwnRoom, ItRingsOutInItsTimeAfterTheSoundHasEnded)
     }
 }
 
+TEST_F(OwnRoom, ItIsAsFarAwayAsItsSound)
+{
+    double levels[2];
+    for (const int far : {0, 1}) {
+        SndChannel* const channel = PlayIn(fxEnvReverbCave, ChanPositional);
+        channel->SetMinMaxDistance(1, 100, false);
+        channel->SetPosition({0, 0, far ? -8.0f : -1.0f});
+        rig.StepTimes(6, 50);
+        levels[far] = GetLevel(rig, 200);
+        rig.StepTimes(100, 50);
+    }
+    EXPECT_NEAR(levels[1] / levels[0], 1.0 / 8, 0.01);
+}
+
 TEST_F(OwnRoom, StopCutsItOffWithoutAClick)
 {
     SndChannel* const channel = PlayIn(fxEnvReverbHangar);
