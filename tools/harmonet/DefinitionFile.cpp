@@ -22,7 +22,7 @@ constexpr int lookupMode = 2;
 fs::path Canonical(const std::string& shown)
 {
     std::error_code error;
-    const fs::path path = fs::canonical(shown, error);
+    fs::path path = fs::canonical(shown, error);
     if (error)
         throw ToolError("cannot reach '" + shown + "': " + error.message());
     return path;

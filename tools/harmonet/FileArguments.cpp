@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 fs::path Canonical(const std::string& shown)
 {
     std::error_code error;
-    const fs::path path = fs::canonical(shown, error);
+    fs::path path = fs::canonical(shown, error);
     if (error == std::errc::no_such_file_or_directory)
         throw ToolError("there is no file '" + shown + "'");
     if (error)
@@ -48,6 +48,7 @@ void CheckReadable(const FileArguments::File& file)
 FileArguments::FileArguments(const std::vector<std::string>& paths)
 {
     std::vector<fs::path> found;
+    found.reserve(paths.size());
     for (const std::string& shown : paths)
         found.push_back(Canonical(shown));
 

@@ -85,7 +85,8 @@ void WaveWriter::WriteHead()
 {
     constexpr int fmtBytes = 16;
     constexpr int tagPcm = 1;
-    const auto blockBytes = static_cast<std::uint64_t>(format.GetChannels() * format.GetBytesPerSample());
+    const auto channels = static_cast<std::uint64_t>(format.GetChannels());
+    const auto sampleBytes = static_cast<std::uint64_t>(format.GetBytesPerSample());
     const auto rateHz = static_cast<std::uint64_t>(format.GetSampleFrequency());
     Head head;
     head.Text("RIFF");
@@ -93,11 +94,11 @@ void WaveWriter::WriteHead()
     head.Text("WAVEfmt ");
     head.Number(fmtBytes, 4);
     head.Number(tagPcm, 2);
-    head.Number(static_cast<std::uint64_t>(format.GetChannels()), 2);
+    head.Number(channels, 2);
     head.Number(rateHz, 4);
-    head.Number(rateHz * blockBytes, 4);
-    head.Number(blockBytes, 2);
-    head.Number(static_cast<std::uint64_t>(8 * format.GetBytesPerSample()), 2);
+    head.Number(rateHz * channels * sampleBytes, 4);
+    head.Number(channels * sampleBytes, 2);
+    head.Number(8 * sampleBytes, 2);
     head.Text("data");
     head.Number(dataBytes, 4);
     WriteAll(head.GetBytes().data(), headBytes);

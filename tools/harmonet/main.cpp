@@ -5,8 +5,12 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <exception>
 
-int main(int argumentCount, char** arguments)
+namespace
+{
+
+int Run(int argumentCount, char** arguments)
 {
     CLI::App program("Plays, describes, decodes and checks sounds with Harmonet.", "harmonet");
     program.set_version_flag("--version", "harmonet " HARMONET_VERSION);
@@ -18,15 +22,24 @@ int main(int argumentCount, char** arguments)
     Tool::AddDecodeCommand(program, action);
     Tool::AddCheckCommand(program, action);
     CLI11_PARSE(program, argumentCount, arguments);
+    return action();
+}
 
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
     try {
-        return action();
+        return Run(argumentCount, arguments);
     }
     catch (const Tool::ToolError& error) {
         std::fprintf(stderr, "harmonet: %s\n", error.what());
     }
     catch (const Quon::Exception& error) {
         std::fprintf(stderr, "harmonet: the system failed: %s\n", error.what());
+    }
+    catch (const std::exception& error) {
+        std::fprintf(stderr, "harmonet: %s\n", error.what());
     }
     return EXIT_FAILURE;
 }
