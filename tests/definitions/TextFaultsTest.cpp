@@ -102,6 +102,7 @@ TEST_F(TextFaults, AFileWithoutADefinitionIsHeardAsAWhole)
         {"others", "*A 1\n*FILE x", {"1 *A outside", "2 *FILE outside", "0 no definition"}},
         {"no block", "*SOUND_DEFINITION\n*FILE x", {"0 no definition", "2 *FILE outside"}},
         {"no file", "*SOUND_DEFINITION {\n*GAIN 1\n}", {"0 no file"}},
+        {"an end inside it", "*SOUND_DEFINITION {\n*FILE x\n", {"3 text"}},
         {"around it", "*A\n*SOUND_DEFINITION { *FILE x }\n*SOUND_DEFINITION { *FILE y }",
             {"1 *A outside", "3 *SOUND_DEFINITION outside"}},
     };

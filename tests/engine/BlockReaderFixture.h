@@ -2,7 +2,7 @@
 
 #include "harmonet/engine/BlockReader.h"
 
-#include "TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -15,7 +15,7 @@ namespace Quon
 class BlockReaders : public testing::Test
 {
 protected:
-    BlockReaders() { EXPECT_TRUE(File::AddRoot(owner, folder.Path().c_str())); }
+    BlockReaders() { EXPECT_TRUE(File::AddRoot(owner, folder.GetPath().c_str())); }
     ~BlockReaders() override { File::RemoveRoot(owner); }
 
     /// A reader on a file of that content. An empty content cannot be opened and leaves the reader on a

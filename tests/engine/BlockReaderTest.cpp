@@ -9,34 +9,6 @@ namespace Quon
 namespace
 {
 
-/// Writes everything down that a listener hears, one text for each.
-class Listener : public BlockReaderListener
-{
-public:
-    void OnSkipped(const Skipped& skipped) override
-    {
-        std::string text = std::to_string(skipped.line) + " skipped " + skipped.keyword.GetText();
-        text += skipped.valueCount > 0 ? " values " + std::to_string(skipped.valueCount) : "";
-        text += skipped.hasBlock ? " block" : "";
-        text += skipped.wasAsked ? " asked" : "";
-        text += skipped.isBehindEnd ? " behind" : "";
-        heard.push_back(text);
-    }
-    void OnUnreadable(const PString& keyword, int line, const char* wanted, const char* found) override
-    {
-        heard.push_back(std::to_string(line) + " wanted " + wanted + " of " + keyword.GetText() + ", found " +
-            (found != nullptr ? found : "nothing"));
-    }
-    void OnFault(int line, const char* fault) override
-    {
-        heard.push_back(std::to_string(line) + " fault: " + fault);
-    }
-
-    std::vector<std::string> heard;
-};
-
-using Heard = std::vector<std::string>;
-
 TEST_F(BlockReaders, ReadTheTextForm)
 {
     struct Row
@@ -82,30 +54,6 @@ TEST_F(BlockReaders, ReadTheTextForm)
         SCOPED_TRACE(row.what);
         EXPECT_EQ(TreeOf(row.text), row.tree);
     }
-}
-
-TEST_F(BlockReaders, PassOverWhatNobodyAsksFor)
-{
-    PString keyword;
-    BlockReader& outer = ReaderOf("*UNKNOWN 1 2 { *IN { *DEEP } *KNOWN }\n"
-                                  "*KNOWN {\n*A 1 2\n*B { *C }\n*LAST\n}\n*BEHIND 3\n");
-    ASSERT_TRUE(outer.Next(keyword));
-    ASSERT_TRUE(outer.Next(keyword));
-    EXPECT_TRUE(keyword == PString("*KNOWN"));
-    BlockReader* const inner = outer.Begin();
-    ASSERT_NE(inner, nullptr);
-    ASSERT_TRUE(inner->Next(keyword));
-    ASSERT_TRUE(inner->Next(keyword));
-    EXPECT_TRUE(keyword == PString("*B"));
-    outer.End();
-    EXPECT_FALSE(inner->Next(keyword));
-    ASSERT_TRUE(outer.Next(keyword));
-    EXPECT_TRUE(keyword == PString("*BEHIND"));
-    int value = 0;
-    EXPECT_TRUE(outer.ReadInt(value));
-    EXPECT_EQ(value, 3);
-    EXPECT_FALSE(outer.Next(keyword));
-    EXPECT_FALSE(outer.Next(keyword));
 }
 
 TEST_F(BlockReaders, StaySafeWhenTheCallsComeOutOfOrder)
@@ -264,83 +212,6 @@ TEST_F(BlockReaders, BoundTheDepthOfBlocks)
     EXPECT_EQ(TreeOf("*A {" + deep + std::string(1000001, '}') + "*B 2"), "*A{} *B(2 ");
 }
 
-TEST_F(BlockReaders, TellTheirListenerWhatIsPassedOver)
-{
-    Listener listener;
-    reader.SetListener(&listener);
-    BlockReader& outer = ReaderOf("*UNKNOWN 1 2\n"
-                                  "*BARE\n"
-                                  "*BLOCK {\n"
-                                  "  *READ 1\n"
-                                  "  *MORE 1 2\n"
-                                  "  *BAD x\n"
-                                  "  *LOST 5 { *IN }\n"
-                                  "  *LOST\n"
-                                  "}\n"
-                                  "*NONE\n");
-    PString keyword;
-    int value = 0;
-    ASSERT_TRUE(outer.Next(keyword));
-    ASSERT_TRUE(outer.Next(keyword));
-    ASSERT_TRUE(outer.Next(keyword));
-    BlockReader* const block = outer.Begin();
-    ASSERT_NE(block, nullptr);
-    EXPECT_TRUE(block->Next(keyword) && block->ReadInt(value));
-    EXPECT_TRUE(block->Next(keyword) && block->ReadInt(value));
-    EXPECT_TRUE(block->Next(keyword) && !block->ReadInt(value));
-    EXPECT_EQ(outer.GetLine(), 6);
-    outer.End();
-    EXPECT_EQ(outer.GetLine(), 6);
-    EXPECT_TRUE(outer.Next(keyword) && !outer.ReadInt(value));
-    EXPECT_EQ(outer.Begin(), nullptr);
-    EXPECT_FALSE(outer.Next(keyword));
-    EXPECT_EQ(listener.heard,
-        (Heard{"1 skipped *UNKNOWN values 2", "2 skipped *BARE", "5 skipped *MORE values 1 asked",
-            "6 wanted a whole number of *BAD, found x", "6 skipped *BAD values 1 asked",
-            "7 skipped *LOST values 1 block behind", "8 skipped *LOST behind",
-            "10 wanted a whole number of *NONE, found nothing"}));
-}
-
-TEST_F(BlockReaders, TellTheirListenerWhatIsWrongInTheText)
-{
-    struct Row
-    {
-        const char* text;
-        Heard heard;
-    };
-    const Row rows[] = {
-        {"*A\n\"open\n", {"2 fault: a text has no closing quote in its line"}},
-        {"\nstray *B\n*A", {"2 fault: text without a keyword"}},
-        {"*A\n}\n*B", {"2 fault: a closing brace without a block"}},
-        {"*A {}\n{}\n*B", {"2 fault: a block without a keyword"}},
-        {"*A {\n*B {\n*C\n", {"4 fault: the file ends inside a block"}},
-        {"{\n*B\n", {"1 fault: a block without a keyword", "3 fault: the file ends inside a block"}},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        Listener listener;
-        reader.SetListener(&listener);
-        TreeOf(row.text);
-        std::erase_if(
-            listener.heard, [](const std::string& text) { return text.find(" wanted ") != text.npos; });
-        EXPECT_EQ(listener.heard, row.heard);
-    }
-}
-
-// The parts of a text lie across the borders of whatever pieces a reader takes from the disk.
-TEST_F(BlockReaders, ReadLongFilesWithoutASeam)
-{
-    std::string text;
-    std::string tree;
-    for (int i = 0; text.size() < 100000; ++i) {
-        const std::string number = std::to_string(i * 7919);
-        text += "*KEY" + number + " " + number + " \"" + number + " q\" // " + number + "\r\n";
-        tree += "*KEY" + number + "(" + number + "," + number + " q ";
-    }
-    EXPECT_EQ(TreeOf(text), tree);
-    EXPECT_EQ(reader.GetLine(), static_cast<int>(std::count(text.begin(), text.end(), '\n')));
-}
-
 // Signs of two characters at each place around the border of a piece.
 TEST_F(BlockReaders, KeepSignsOfTwoCharactersTogetherAcrossASeam)
 {
@@ -350,20 +221,6 @@ TEST_F(BlockReaders, KeepSignsOfTwoCharactersTogetherAcrossASeam)
         EXPECT_EQ(TreeOf(text), "*A(1 *B(3 *C(a/b/c ");
         EXPECT_EQ(reader.GetLine(), 4);
     }
-}
-
-TEST_F(BlockReaders, LeaveNoMemoryBehind)
-{
-    const std::size_t before = Alloc::LiveBlocks();
-    {
-        File other;
-        folder.Write("other.txt", "*SOMETHING new { *INNER here { *DEEP } } *AND");
-        ASSERT_TRUE(other.Open(owner, "other.txt", File::modeRead).IsOk());
-        BlockReader local;
-        local.Init(other);
-        EXPECT_EQ(Tree(local), "*SOMETHING(new{*INNER(here{*DEEP } } *AND ");
-    }
-    EXPECT_EQ(Alloc::LiveBlocks(), before);
 }
 
 } // namespace

@@ -37,17 +37,6 @@ TEST(Alloc, CountsObjectsArraysAndContainersUntilTheyGo)
     EXPECT_EQ(Alloc::LiveBlocks(), before);
 }
 
-TEST(Alloc, GivesAlignedWritableBlocksOfAnySize)
-{
-    for (const unsigned int bytes : {0u, 1u, 7u, 16u, 100001u}) {
-        SCOPED_TRACE(bytes);
-        void* const block = Alloc::New(bytes);
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % alignof(std::max_align_t), 0u);
-        std::memset(block, 0x5A, bytes);
-        Alloc::Delete(block);
-    }
-}
-
 TEST(Alloc, RefusesFourGibibytesInOnePiece)
 {
     EngineVector<std::uint32_t> vector;

@@ -1,6 +1,6 @@
 #include "harmonet/engine/OS.h"
 
-#include "TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -141,7 +141,7 @@ TEST(Options, TellWhichLineOfAFileIsNoOption)
     int badLine = -1;
     EXPECT_FALSE(options.ReadFile(folder.Path("missing").c_str(), &badLine));
     EXPECT_EQ(badLine, 0);
-    EXPECT_FALSE(options.ReadFile(folder.Path().c_str()));
+    EXPECT_FALSE(options.ReadFile(folder.GetPath().c_str()));
     EXPECT_FALSE(options.ReadFile(nullptr));
     EXPECT_FALSE(options.ReadFile(folder.Write("large", std::string((1 << 20) + 1, '\n')).c_str()));
 }

@@ -134,32 +134,11 @@ TEST(Particle, IsAddedByTheNameOfANode)
     EXPECT_FALSE(root.Add("arm", &root));
     EXPECT_FALSE(hand.Add(&hand));
     EXPECT_FALSE(hand.Add(&arm));
+    EXPECT_FALSE(root.Remove(nullptr));
+    EXPECT_FALSE(root.Remove(&sound));
     EXPECT_EQ(sound.GetParent(), &otherHand);
     EXPECT_EQ(arm.GetParent(), &root);
     EXPECT_EQ(root.GetParent(), nullptr);
-}
-
-TEST(Particle, LeavesTheTreeWhenItDies)
-{
-    auto root = std::make_unique<Node>();
-    auto middle = std::make_unique<Node>();
-    auto leaf = std::make_unique<Node>();
-    root->SetPosition({1, 0, 0});
-    middle->SetPosition({2, 0, 0});
-    leaf->SetPosition({4, 0, 0});
-    root->Add(middle.get());
-    middle->Add(leaf.get());
-    EXPECT_EQ(leaf->GetGlobalPosition().x, 7.0f);
-    const int resets = leaf->resets;
-    middle.reset();
-    EXPECT_EQ(root->GetFirstChild(), nullptr);
-    EXPECT_EQ(leaf->GetParent(), nullptr);
-    EXPECT_GT(leaf->resets, resets);
-    EXPECT_EQ(leaf->GetGlobalPosition().x, 4.0f);
-    EXPECT_FALSE(root->Remove(leaf.get()));
-    root->Add(leaf.get());
-    leaf.reset();
-    EXPECT_EQ(root->GetFirstChild(), nullptr);
 }
 
 TEST(Particle, CopiesItsValueAndNotItsPlace)

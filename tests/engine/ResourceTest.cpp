@@ -5,7 +5,7 @@
 #include "harmonet/engine/ResourceObserver.h"
 #include "harmonet/engine/ResourceTypeBase.h"
 
-#include "TempFolder.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 #include <memory>

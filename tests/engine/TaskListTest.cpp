@@ -68,22 +68,18 @@ protected:
     Log log;
 };
 
-TEST_F(Tasks, RunInTheirOrderAndByAge)
+TEST_F(Tasks, RunInTheirOrderAndByAgeWhileTheyAreActiveAndDoNotStop)
 {
     const auto late = Make("late", 9.0f);
     const auto first = Make("first", 7.0f);
+    const auto asleep = Make("asleep", 0.0f, false);
     const auto early = Make("early", -1.0f);
     const auto second = Make("second", 7.0f);
+    first->result = Task::UpdateStop;
     EXPECT_EQ(Updated(), (Log{"early", "first", "second", "late"}));
     EXPECT_EQ(late->steps, std::vector<float>{0.02f});
-}
-
-TEST_F(Tasks, RunOnlyWhileTheyAreActive)
-{
-    const auto task = Make("task", 7.0f, false);
-    EXPECT_EQ(Updated(), Log());
-    task->SetActive(true);
-    EXPECT_EQ(Updated(), Log{"task"});
+    asleep->SetActive(true);
+    EXPECT_EQ(Updated(), (Log{"early", "asleep", "second", "late"}));
 }
 
 TEST_F(Tasks, MayGoWhileOthersRun)
@@ -115,15 +111,6 @@ TEST_F(Tasks, MadeWhileOthersRunAreFirstUpdatedTheNextTime)
     };
     EXPECT_EQ(Updated(), Log{"maker"});
     EXPECT_EQ(Updated(), (Log{"earlier", "maker", "equal", "later"}));
-}
-
-TEST_F(Tasks, ThatStopLeaveTheList)
-{
-    const auto task = Make("task", 1.0f);
-    const auto other = Make("other", 2.0f);
-    task->result = Task::UpdateStop;
-    EXPECT_EQ(Updated(), (Log{"task", "other"}));
-    EXPECT_EQ(Updated(), Log{"other"});
 }
 
 TEST_F(Tasks, AreNotUpdatedFromInsideAnUpdate)

@@ -60,8 +60,6 @@ public:
     bool refuseOpen = false;
     /// Channels at once beyond which CreateChannel() gives null.
     int channelLimit = std::numeric_limits<int>::max();
-    /// Asked for each channel; null accepts.
-    std::function<bool(SndFile& file)> acceptsChannel;
     bool refuseFrequency = false;
     bool tellFrequency = false; ///< GetFrequency() answers with the rate that was set last.
     bool refuseFX = false; ///< For the room and for source properties.

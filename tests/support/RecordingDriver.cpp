@@ -154,8 +154,7 @@ void RecordingDriver::ResetFXEnvReverb(unsigned int argument)
 SndChannel* RecordingDriver::CreateChannel(unsigned int flags, SndFile* file, SndFXList fx)
 {
     const std::string what = std::to_string(flags) + ' ' + Describe(*file) + ' ' + Describe(fx);
-    if (static_cast<int>(recording.channels.size()) >= recording.channelLimit ||
-        (recording.acceptsChannel && !recording.acceptsChannel(*file))) {
+    if (static_cast<int>(recording.channels.size()) >= recording.channelLimit) {
         recording.Add("CreateChannel refused " + what);
         return nullptr;
     }

@@ -63,7 +63,6 @@ void RecordingState::Reset()
     violations.clear();
     giveNoDriver = refuseOpen = refuseFrequency = tellFrequency = refuseFX = hasLiveFX = false;
     channelLimit = std::numeric_limits<int>::max();
-    acceptsChannel = nullptr;
     caps = 0;
     atBegin.clear();
     atEnd.clear();

@@ -40,16 +40,6 @@ int SoundTest::Play3D(const PString& file, float x, int flags, int priority, flo
     return group->Play3DSound(Vector3{x, 0.0F, 0.0F}, file, nullptr, flags, priority, settings, 0);
 }
 
-int SoundTest::PlayEmulated(const PString& file, int flags)
-{
-    const unsigned int limit = system.GetMaxAudibleSounds();
-    system.SetMaxAudibleSounds(0);
-    const int id = Play(file, flags);
-    Step(40);
-    system.SetMaxAudibleSounds(limit);
-    return id;
-}
-
 MemoryBlock& SoundTest::NewBlock(const std::string& name, const PcmForm& form)
 {
     blocks.push_back(std::make_unique<MemoryBlock>(form));

@@ -30,8 +30,6 @@ protected:
     int Play(const PString& file, int flags = 0, int priority = 0, int delay = 0);
     /// On the X axis at that distance, with the distances 1 and `maxDistance` and cutout.
     int Play3D(const PString& file, float x, int flags = 0, int priority = 0, float maxDistance = 100.0F);
-    /// Starts a sound without a channel by putting it under pressure for one update.
-    int PlayEmulated(const PString& file, int flags = 0);
     /// Prepares a block of memory that is called `name` in the log.
     MemoryBlock& NewBlock(const std::string& name, const PcmForm& form);
     int PlayBlock(MemoryBlock& block, int flags);

@@ -21,17 +21,19 @@ TempFolder::~TempFolder()
     std::filesystem::remove_all(path, ignored);
 }
 
-void TempFolder::Write(const std::string& name, const std::vector<unsigned char>& bytes) const
+std::string TempFolder::Write(const std::string& name, const std::vector<unsigned char>& bytes) const
 {
-    Write(name, std::string(bytes.begin(), bytes.end()));
+    return Write(name, std::string_view(reinterpret_cast<const char*>(bytes.data()), bytes.size()));
 }
 
-void TempFolder::Write(const std::string& name, const std::string& text) const
+std::string TempFolder::Write(const std::string& name, std::string_view text) const
 {
+    std::filesystem::create_directories((path / name).parent_path());
     std::ofstream file(path / name, std::ios::binary | std::ios::trunc);
     file.write(text.data(), static_cast<std::streamsize>(text.size()));
     if (!file.flush())
         throw std::runtime_error("cannot write " + name);
+    return Path(name);
 }
 
 void TempFolder::Remove(const std::string& name) const

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace Quon
@@ -17,9 +18,11 @@ public:
     TempFolder& operator=(const TempFolder&) = delete;
 
     const std::filesystem::path& GetPath() const { return path; }
-    /// Writes a file, in place of one that is there.
-    void Write(const std::string& name, const std::vector<unsigned char>& bytes) const;
-    void Write(const std::string& name, const std::string& text) const;
+    /// Where something of that name stands in the folder.
+    std::string Path(const std::string& name) const { return (path / name).string(); }
+    /// Writes a file, in place of one that is there and with the folders on its way; returns its path.
+    std::string Write(const std::string& name, const std::vector<unsigned char>& bytes) const;
+    std::string Write(const std::string& name, std::string_view text) const;
     void Remove(const std::string& name) const;
     /// Cuts a file that may be open, or makes it longer.
     void Resize(const std::string& name, std::uintmax_t bytes) const;
