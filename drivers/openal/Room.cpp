@@ -14,11 +14,17 @@ constexpr std::int64_t never = -1;
 bool Room::Create(const EfxFunctions& functions)
 {
     const std::scoped_lock lock(mutex);
-    bool isComplete = true;
+    std::size_t count = 0;
     for (ReverbSlot& slot : slots) {
-        isComplete = slot.Create(functions, ReverbSlot::Rolloff::OfRoom) && isComplete;
+        count += slot.Create(functions, ReverbSlot::Rolloff::OfRoom) ? 1 : 0;
     }
-    return isComplete;
+    isSingle = count == 1;
+    const ReverbSlot* const stoodIn = current;
+    if (isSingle && stoodIn && !stoodIn->IsCreated()) {
+        current = nullptr;
+        isPending = true;
+    }
+    return count > 0;
 }
 
 void Room::Destroy()
@@ -50,6 +56,11 @@ void Room::Tick(std::int64_t time, std::int64_t ticksPerSecond)
     }
 }
 
+void Room::Leave(ReverbSlot& left, std::int64_t now, std::int64_t ticksPerSecond)
+{
+    left.Leave(now, leavingMs * ticksPerSecond / 1000, ticksPerSecond);
+}
+
 void Room::MoveOn(std::int64_t now, std::int64_t ticksPerSecond)
 {
     ReverbSlot* const left = current;
@@ -67,12 +78,16 @@ void Room::MoveOn(std::int64_t now, std::int64_t ticksPerSecond)
     if (wanted) {
         next = FindEmpty();
         if (!next) {
+            if (isSingle && left) {
+                Leave(*left, now, ticksPerSecond);
+                current = nullptr;
+            }
             return;
         }
         next->Load(*wanted);
     }
     if (left) {
-        left->Leave(now, leavingMs * ticksPerSecond / 1000, ticksPerSecond);
+        Leave(*left, now, ticksPerSecond);
     }
     current = next;
     currentSince = now;
@@ -82,7 +97,7 @@ void Room::MoveOn(std::int64_t now, std::int64_t ticksPerSecond)
 ReverbSlot* Room::FindEmpty()
 {
     for (ReverbSlot& slot : slots) {
-        if (slot.IsEmpty()) {
+        if (slot.IsEmpty() && (slot.IsCreated() || !isSingle)) {
             return &slot;
         }
     }

@@ -14,13 +14,12 @@ namespace Quon
 ///
 /// A change of room does not click and cuts nothing off: the new room stands in a slot of its own, into which
 /// the sounds go from then on, while the one that is left falls silent over a fifth of a second. A change
-/// that comes before that is over waits for it; of several the last one counts. Without a room nothing is
-/// computed.
+/// that comes before that is over waits for it; of several the last one counts. Where OpenAL has one slot
+/// only, every change waits, and it is dry in between. Without a room nothing is computed.
 class Room
 {
 public:
-    /// Makes on a device what is there of the room. False if OpenAL has no slot left; the room may still be
-    /// set then, and is not heard.
+    /// Makes on a device what is there of the room. False if OpenAL has no slot left.
     bool Create(const EfxFunctions& functions);
     /// What has been set stays, for the next Create(). No source may be sent to the slots.
     void Destroy();
@@ -36,11 +35,13 @@ public:
     const ReverbSlot* GetSlot() const { return current; }
 
 private:
+    void Leave(ReverbSlot& left, std::int64_t now, std::int64_t ticksPerSecond);
     void MoveOn(std::int64_t now, std::int64_t ticksPerSecond);
     ReverbSlot* FindEmpty();
 
     std::mutex mutex; ///< Guards all that follows, but for reading the pointer.
     std::array<ReverbSlot, 2> slots;
+    bool isSingle = false; ///< The device has given one slot only.
     std::atomic<ReverbSlot*> current = nullptr; ///< Null in the open.
     std::int64_t currentSince = 0; ///< The time at which it was set.
     std::optional<FXEnvReverb> wanted; ///< What has been set last,

@@ -1,3 +1,6 @@
+#include "drivers/openal/DeviceSource.h"
+#include "drivers/openal/OutputDevice.h"
+#include "drivers/openal/Room.h"
 #include "examples/effects/Decay.h"
 #include "harmonet/definitions/EnvReverbPresets.h"
 #include "tests/drivers/FormulaFile.h"
@@ -267,6 +270,43 @@ TEST_F(Rooms, SourcePropertiesAreToldAsTheyAreAppliedAndOnlyOfPositionalSounds)
     EXPECT_FALSE(flat->SetFXEnvReverbSourceProperties(&onlyRoom));
     EXPECT_FALSE(flat->GetFXEnvReverbSourceProperties(&live));
     EXPECT_FALSE(rig.GetDriver().SetFXEnvReverb(nullptr, 2, 0));
+}
+
+/// OpenAL's slots, of which there is only one.
+int slotsLeft = 0;
+LPALGENAUXILIARYEFFECTSLOTS genSlots = nullptr;
+
+void GenOneSlot(ALsizei count, ALuint* slots)
+{
+    // A negative number is an error.
+    genSlots(slotsLeft-- > 0 ? count : -1, slots);
+}
+
+TEST(OpenALRoom, WithASingleSlotTheNextRoomFollowsWhenTheLastHasFallenSilent)
+{
+    OutputDevice device(DeviceSource::GetMachine());
+    ASSERT_TRUE(device.OpenLoopback(rateHz, Hrtf::Off));
+    const ContextScope scope(device);
+    EfxFunctions efx;
+    ASSERT_GT(efx.Load(), 0);
+    genSlots = efx.genSlots;
+    efx.genSlots = GenOneSlot;
+    Room room;
+    EXPECT_FALSE(room.Create(efx));
+    slotsLeft = 1;
+    ASSERT_TRUE(room.Create(efx));
+    room.Set(fxEnvReverbHangar, 0, 1000);
+    const ReverbSlot* const slot = room.GetSlot();
+    ASSERT_NE(slot, nullptr);
+    room.Tick(10, 1000);
+    room.Set(fxEnvReverbRoom, 10, 1000);
+    EXPECT_EQ(room.GetSlot(), nullptr);
+    for (int ms = 20; ms < 1000; ms += 10) {
+        room.Tick(ms, 1000);
+    }
+    EXPECT_EQ(room.GetSlot(), slot);
+    EXPECT_EQ(slot->GetRoom().decayTime, fxEnvReverbRoom.decayTime);
+    room.Destroy();
 }
 
 /// A click in a room that the sound brings with it.
