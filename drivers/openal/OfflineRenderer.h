@@ -26,7 +26,7 @@ public:
     /// False if the file cannot be made.
     bool Open(const char* path, int rateHz);
 
-    /// Needs a ContextScope. The file is whole afterwards.
+    /// Needs a FeederScope. The file is whole afterwards.
     void Render(std::uint32_t elapsedMs, Channels channels);
 
 private:

@@ -35,6 +35,7 @@ OpenALChannel::OpenALChannel(const ChannelServices& channelServices)
 
 bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& effects)
 {
+    const SyncLock lock(chanLock);
     const ContextScope scope(services.device);
     Voice* const newVoice = services.voices.Take();
     if (!newVoice) {
@@ -48,7 +49,6 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     if (positional) {
         newVoice->SetRolloffFactor(services.listener.rolloffFactor);
     }
-    const SyncLock lock(chanLock);
     const bool looping = flags & ChanLooping;
     SetSndFile(file);
     feed.Start(positional ? 1 : 2, looping, *file, effects);
@@ -96,9 +96,9 @@ void OpenALChannel::Stop()
 
 void OpenALChannel::GiveBackVoice(bool isCutOff)
 {
-    const ContextScope scope(services.device);
     isPumped = false;
     const SyncLock lock(chanLock);
+    const ContextScope scope(services.device);
     const std::scoped_lock outputLock(outputMutex);
     SetSndFile(steps.GetOldestFile(GetSndFile()));
     steps.Clear();
@@ -287,9 +287,9 @@ bool OpenALChannel::TakeEnd()
     if (state != State::Playing) {
         return false;
     }
-    const ContextScope scope(services.device);
     bool hasFaded = false;
     {
+        const ContextScope scope(services.device);
         const std::scoped_lock outputLock(outputMutex);
         hasFaded = fadeOut.IsOver(services.device.GetTime());
         const bool hasRunOut = isDry && steps.IsEmpty() && !voice->IsPlaying();

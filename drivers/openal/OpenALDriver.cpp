@@ -98,7 +98,8 @@ void OpenALDriver::SetMaxChannels(int count)
 void OpenALDriver::BeginUpdate(unsigned long elapsedMs)
 {
     if (renderer) {
-        const ContextScope scope(device);
+        // Here this is the thread that pumps, and takes the locks of channels.
+        const FeederScope scope(device);
         const auto ms = std::min<unsigned long>(elapsedMs, std::numeric_limits<std::uint32_t>::max());
         renderer->Render(static_cast<std::uint32_t>(ms), channels);
     }

@@ -71,7 +71,7 @@ public:
     /// Another device as OpenLive() opens it, or null. Can take a while and locks nothing.
     std::unique_ptr<AlSession> MakeLiveSession() const;
 
-    /// Locked while the device is changed, before all other locks of the driver.
+    /// Locked while the device is changed. Behind the locks of channels, before all others of the driver.
     std::recursive_mutex& GetMutex() const { return mutex; }
 
     /// Puts another device in the place of the present one; null is none. Needs the mutex. Returns the one
@@ -104,7 +104,8 @@ private:
 };
 
 /// Makes the device's context the calling thread's own, and gives the thread back what it had. This one is
-/// for the thread that changes the device; others take a ContextScope. Does nothing without a device.
+/// for the thread that pumps, which alone changes the device; others take a ContextScope. Does nothing
+/// without a device.
 class FeederScope
 {
 public:
@@ -119,7 +120,7 @@ private:
     ALCcontext* const mine; ///< `previous` if there is no device.
 };
 
-/// The same for any thread; the device does not change meanwhile. Taken before the locks of channels.
+/// The same for any thread; the device does not change meanwhile. Taken behind the lock of a channel.
 class ContextScope
 {
 public:
