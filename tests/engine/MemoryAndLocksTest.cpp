@@ -44,10 +44,10 @@ TEST(Alloc, RefusesFourGibibytesInOnePiece)
     EXPECT_THROW(Counted::operator new (std::size_t{1} << 32), std::bad_alloc);
 }
 
-template<class Lock>
+/// One of each kind.
 class Locks : public testing::Test
 {
-public:
+protected:
     /// Whether another thread gets the lock at once; it gives it back.
     static bool IsFreeForAnotherThread(SyncObject& lock)
     {
@@ -61,62 +61,47 @@ public:
         return isFree;
     }
 
-    static std::unique_ptr<SyncObject> Make();
+    CriticalSection section{nullptr};
+    Mutex mutex{false, nullptr};
+    SyncObject* const all[2] = {&section, &mutex};
 };
 
-template<>
-std::unique_ptr<SyncObject> Locks<CriticalSection>::Make()
+TEST_F(Locks, AreHeldUntilTheLastOfNestedUnlocks)
 {
-    return std::make_unique<CriticalSection>(nullptr);
-}
-
-template<>
-std::unique_ptr<SyncObject> Locks<Mutex>::Make()
-{
-    return std::make_unique<Mutex>(false, nullptr);
-}
-
-using LockTypes = testing::Types<CriticalSection, Mutex>;
-TYPED_TEST_SUITE(Locks, LockTypes, );
-
-TYPED_TEST(Locks, AreHeldUntilTheLastOfNestedUnlocks)
-{
-    const std::unique_ptr<SyncObject> lock = this->Make();
-    ASSERT_TRUE(lock->Lock(-1));
-    {
-        const SyncLock nested(*lock);
-        ASSERT_TRUE(lock->Lock(0));
-        lock->Unlock();
-        EXPECT_FALSE(this->IsFreeForAnotherThread(*lock));
-    }
-    EXPECT_FALSE(this->IsFreeForAnotherThread(*lock));
-    lock->Unlock();
-    EXPECT_TRUE(this->IsFreeForAnotherThread(*lock));
-}
-
-TYPED_TEST(Locks, KeepTheThreadsApart)
-{
-    const std::unique_ptr<SyncObject> lock = this->Make();
-    int counter = 0;
-    const auto work = [&lock, &counter] {
-        for (int i = 0; i < 2000; ++i) {
-            const SyncLock guard(*lock);
-            counter = counter + 1;
+    for (SyncObject* const lock : all) {
+        ASSERT_TRUE(lock->Lock(-1));
+        {
+            const SyncLock nested(*lock);
+            ASSERT_TRUE(lock->Lock(0));
+            lock->Unlock();
+            EXPECT_FALSE(IsFreeForAnotherThread(*lock));
         }
-    };
-    std::thread first(work);
-    std::thread second(work);
-    first.join();
-    second.join();
-    EXPECT_EQ(counter, 4000);
+        EXPECT_FALSE(IsFreeForAnotherThread(*lock));
+        lock->Unlock();
+        EXPECT_TRUE(IsFreeForAnotherThread(*lock));
+    }
+    Mutex held(true, "a mutex can begin in the hands of its maker");
+    EXPECT_FALSE(IsFreeForAnotherThread(held));
+    held.Unlock();
+    EXPECT_TRUE(IsFreeForAnotherThread(held));
 }
 
-TEST(Mutex, CanBeginInTheHandsOfItsMaker)
+TEST_F(Locks, KeepTheThreadsApart)
 {
-    Mutex mutex(true, "label");
-    EXPECT_FALSE(Locks<Mutex>::IsFreeForAnotherThread(mutex));
-    mutex.Unlock();
-    EXPECT_TRUE(Locks<Mutex>::IsFreeForAnotherThread(mutex));
+    for (SyncObject* const lock : all) {
+        int counter = 0;
+        const auto work = [lock, &counter] {
+            for (int i = 0; i < 2000; ++i) {
+                const SyncLock guard(*lock);
+                counter = counter + 1;
+            }
+        };
+        std::thread first(work);
+        std::thread second(work);
+        first.join();
+        second.join();
+        EXPECT_EQ(counter, 4000);
+    }
 }
 
 TEST(ExceptionHandler, PassesTheResultOnAndStopsEveryException)

@@ -13,13 +13,6 @@ using namespace Quon;
 namespace
 {
 
-/// Opens up the raw access that the decoders stand on.
-class RawReader : public SndFileWav
-{
-public:
-    using SndFile::Read;
-};
-
 struct BufferFree
 {
     int soundID;
@@ -145,27 +138,6 @@ TEST_F(SndFileBase, LoadGivesTheFileBackAndKeepsTheDataOnly)
     EXPECT_EQ(file->Load(), data);
     EXPECT_EQ(ReadAll(*file), (Bytes{3, 4, 5, 6, 7, 8, 9}));
     EXPECT_FALSE(file->IsCached());
-}
-
-TEST_F(SndFileBase, RawReadsEndWithTheDataInMemoryAndWithTheFileOnDisk)
-{
-    folder.Write("sound", PcmWave(1, 8000, 8, Counting(9)) + Bytes{70, 71, 72});
-    RawReader file;
-    ASSERT_TRUE(file.OpenHandle(openFiles.Acquire(owner, "sound")));
-    unsigned char got[8] = {};
-    EXPECT_EQ(file.Read(got, 2, 3), 2);
-    EXPECT_EQ(got[0], 4);
-    // Behind the nine bytes stand the pad byte and what else the file holds.
-    EXPECT_EQ(file.Read(got, 8, 9), 4);
-    EXPECT_EQ(got[1], 70);
-    EXPECT_EQ(file.Read(got, 8, 13), 0);
-    ASSERT_NE(file.Load(), nullptr);
-    EXPECT_EQ(file.Read(got, 8, 7), 2);
-    EXPECT_EQ(got[1], 9);
-    EXPECT_EQ(file.Read(got, 8, 9), 0);
-    EXPECT_EQ(file.Read(got, 8, 1000), 0);
-    EXPECT_EQ(file.Read(got, 8, -1), 0) << "a position far behind the end";
-    EXPECT_EQ(file.Read(got, 0, 0), 0);
 }
 
 TEST_F(SndFileBase, AFileWithoutALengthRaisesAndLeavesNoUseBehind)

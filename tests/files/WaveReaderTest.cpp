@@ -1,5 +1,6 @@
 #include "tests/files/SoundFolder.h"
 
+#include "harmonet/files/SndFileAdpcm.h"
 #include "harmonet/files/SndFileHandle.h"
 #include "harmonet/files/SndFileWav.h"
 #include "harmonet/files/SndNode.h"
@@ -258,20 +259,28 @@ TEST_F(WaveReader, AReaderCanBeOpenedAgainOnSomethingElse)
     EXPECT_EQ(ReadAll(file), block);
 }
 
+// A node of coded data that does not say how to decode them is none either.
 TEST_F(WaveReader, NodeOfAnotherKindIsRefusedAndLeftAlone)
 {
-    for (const auto type : {SndFile::FileNone, SndFile::FileAdpcm, SndFile::FileMP3}) {
+    SndFileWav pcm;
+    SndFileAdpcm adpcm;
+    SndFile* const readers[] = {&pcm, &adpcm};
+    SndNode node;
+    node.format.SetFormat(2, 8000, 8, 1);
+    for (const auto type : {SndFile::FileWav, SndFile::FileMP3, SndFile::FileNone, SndFile::FileAdpcm}) {
         SCOPED_TRACE(type);
-        SndNode node;
-        node.format.SetFormat(2, 8000, 8, 1);
         node.fileType = type;
-        node.useCount = 1;
-        SndFileWav file;
-        EXPECT_FALSE(file.Open(&node));
-        file.CloseFile(0, nullptr);
-        EXPECT_EQ(node.useCount, 1);
-        EXPECT_EQ(file.IsCached(), false);
+        for (SndFile* const file : readers) {
+            const bool opens = file == &pcm && type == SndFile::FileWav;
+            node.useCount = 2;
+            EXPECT_EQ(file->Open(&node), opens);
+            EXPECT_EQ(file->IsCached(), opens);
+            file->CloseFile(0, nullptr);
+            EXPECT_EQ(node.useCount, opens ? 1 : 2);
+        }
     }
+    EXPECT_EQ(SndFile::OpenFile(&node), nullptr);
+    EXPECT_FALSE(adpcm.OpenMemory(nullptr, 0, nullptr));
 }
 
 // The disk is full, the share is gone, somebody truncates: what has been promised at the open is not there.

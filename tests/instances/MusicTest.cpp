@@ -71,76 +71,6 @@ TEST_F(MusicTest, AGainIsClampedAndKeptWithoutAPiece)
     EXPECT_EQ(music.GetGain(), 0.5F);
 }
 
-TEST_F(MusicTest, APieceThatCannotBeHadEndsTheOldOneInACrossFade)
-{
-    struct FailureRow
-    {
-        const char* name;
-        const char* file;
-        int channelLimit;
-        Lines log;
-    };
-    const FailureRow rows[] = {
-        {"no file", "missing", 100, {"c1 FadeOut 400", "c1 SetGain 1", "c1 Stop"}},
-        {"no channel", "b", 1,
-            {"c1 FadeOut 400", "c1 SetGain 1", "CreateChannel refused 0 b@0 fx", "c1 Stop"}},
-    };
-    for (const FailureRow& row : rows) {
-        SCOPED_TRACE(row.name);
-        recording.channelLimit = 100;
-        music.Play("a", true);
-        Lines expected = row.log;
-        const std::string channel = 'c' + std::to_string(recording.channels.begin()->first);
-        for (std::string& line : expected) {
-            if (line.starts_with("c1"))
-                line.replace(0, 2, channel);
-        }
-        recording.channelLimit = row.channelLimit;
-        TakeLog();
-        EXPECT_FALSE(music.CrossFade(row.file, 400, false));
-        EXPECT_EQ(TakeLog(), expected);
-        EXPECT_TRUE(Playing().empty());
-        EXPECT_EQ(music.GetRemainLength(), 0U);
-    }
-}
-
-// A piece that has lost its channel runs on unheard. The new one is to be heard, and the instance to stand on
-// one list.
-TEST_F(MusicTest, APieceThatIsEmulatedIsGivenUpForTheNewOne)
-{
-    struct GiveUpRow
-    {
-        const char* name;
-        std::function<bool()> start;
-        bool isSameInstance;
-    };
-    const GiveUpRow rows[] = {
-        {"play", [this] { return music.Play("b", false); }, true},
-        {"fade in", [this] { return music.FadeIn("b", 100, false); }, true},
-        {"cross-fade", [this] { return music.CrossFade("b", 100, false); }, false},
-    };
-    for (const GiveUpRow& row : rows) {
-        SCOPED_TRACE(row.name);
-        music.Play("a", true);
-        const int id = LastId();
-        Step(200);
-        system.SetMaxAudibleSounds(0);
-        Step(200);
-        ASSERT_EQ(Emulated(), (Ids{id}));
-        EXPECT_TRUE(row.start());
-        const int newId = LastId();
-        EXPECT_EQ(newId == id, row.isSameInstance);
-        EXPECT_EQ(Emulated(), Ids());
-        EXPECT_EQ(Playing(), (Ids{newId}));
-        EXPECT_EQ(Find(newId)->GetFileName(), PString("b"));
-        EXPECT_EQ(music.GetRemainLength(), 5000U);
-        Step(40);
-        EXPECT_EQ(music.GetRemainLength(), 5000U);
-        music.Stop();
-        system.SetMaxAudibleSounds(20);
-    }
-}
-
 TEST_F(MusicTest, TheKernelEndsPiecesAndTheHandleMayOutliveIt)
 {
     music.Play("a", true);
@@ -226,6 +156,7 @@ TEST_F(MusicResources, ACrossFadeToADefinitionSetsItsGainOnBothChannels)
 TEST_F(MusicResources, AResourceThatCannotBeHadEndsAFadingPiece)
 {
     EXPECT_FALSE(music.Play("missing.sound", &database, false));
+    EXPECT_FALSE(music.Play("missing", false));
     folder.Write("bad.sound", "*SOUND_DEFINITION { *GAIN 1 }");
     music.Play("a", true);
     TakeLog();

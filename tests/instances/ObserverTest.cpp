@@ -25,54 +25,6 @@ protected:
     const PString file = WriteWave("a.wav", {2000});
 };
 
-class StreamOfThreeBlocks : public ObserverTest
-{
-protected:
-    StreamOfThreeBlocks()
-    {
-        id = PlayBlock(NewBlock("first", {600}), Sound::StartQueued);
-        Step(40);
-        for (const char* name : {"second", "third"}) {
-            MemoryBlock& block = NewBlock(name, {600});
-            EXPECT_TRUE(group->CatSound(id, block.GetData(), block.GetSize(), &block.format));
-        }
-        EXPECT_EQ(TakeNotes(), Lines{"begin #1 "});
-    }
-
-    int id;
-};
-
-// A handler that hears of a free block may hand over the next: that is how a stream is fed.
-TEST_F(StreamOfThreeBlocks, TheHandlerOfAFreeBlockCanAppendAnother)
-{
-    MemoryBlock& fourth = NewBlock("fourth", {600});
-    observer->react = [&](const Note& note) {
-        if (note.kind == Note::Free && group->GetQueueLength(note.id) == 1) {
-            EXPECT_TRUE(group->CatSound(note.id, fourth.GetData(), fourth.GetSize(), &fourth.format));
-        }
-    };
-    recording.Read(1, 600);
-    StepWithNextFile(1);
-    EXPECT_EQ(group->GetQueueLength(id), 2);
-    TakeNotes();
-    group->StopSound(id);
-    EXPECT_EQ(TakeNotes(), (Lines{"abort #1  1800", "free #1 fourth", "free #1 third", "free #1 second"}));
-}
-
-TEST_F(StreamOfThreeBlocks, NothingCanBeAppendedToWhatFadesOut)
-{
-    MemoryBlock& fourth = NewBlock("fourth", {600});
-    observer->react = [&](const Note& note) {
-        if (note.kind == Note::Free) {
-            EXPECT_FALSE(group->CatSound(note.id, fourth.GetData(), fourth.GetSize(), &fourth.format));
-        }
-    };
-    group->FadeOutSound(id, 200);
-    EXPECT_EQ(group->GetQueueLength(id), 0);
-}
-
-// Who is told when the list changes while it is walked.
-
 // The chunk that holds the list has four places: with all numbers up to ten the removals cross its borders.
 TEST_F(ObserverTest, EveryObserverCanRemoveItselfOrAnyOther)
 {
@@ -119,60 +71,6 @@ TEST_F(ObserverTest, AnObserverCanDestroyItselfOrOneWhoseTurnIsToCome)
     EXPECT_EQ(TakeNotes(), (Lines{"abort #1 a.wav 2000", "A abort #1 a.wav 2000"}));
 }
 
-TEST_F(ObserverTest, AnObserverAddedMeanwhileHearsOfItToo)
-{
-    std::unique_ptr<LoggingObserver> added[4];
-    const char* const prefixes[] = {"A ", "B ", "C ", "D "};
-    observer->react = [&](const Note& note) {
-        if (note.kind == Note::Begin) {
-            for (int i = 0; i < 4; ++i)
-                added[i] = NewObserver(prefixes[i]);
-        }
-    };
-    Play(file);
-    Step(40);
-    EXPECT_EQ(TakeNotes(),
-        (Lines{"begin #1 a.wav", "A begin #1 a.wav", "B begin #1 a.wav", "C begin #1 a.wav",
-            "D begin #1 a.wav"}));
-}
-
-TEST_F(ObserverTest, RemovedAndAddedAgainDuringANotificationKeepsItsPlace)
-{
-    auto a = NewObserver("A ");
-    auto b = NewObserver("B ");
-    observer->react = [&](const Note& note) {
-        if (note.kind != Note::Begin)
-            return;
-        group->RemoveObserver(a.get());
-        EXPECT_FALSE(group->HasObserver(a.get()));
-        group->AddObserver(a.get());
-        EXPECT_TRUE(group->HasObserver(a.get()));
-    };
-    Play(file);
-    Step(40);
-    EXPECT_EQ(TakeNotes(), (Lines{"begin #1 a.wav", "A begin #1 a.wav", "B begin #1 a.wav"}));
-}
-
-TEST_F(ObserverTest, ANotificationInsideAnotherRunsInFull)
-{
-    auto b = NewObserver("B ");
-    const int first = Play(file);
-    const int second = Play(file);
-    Step(40);
-    TakeNotes();
-    observer->react = [&](const Note& note) {
-        if (note.id == first)
-            group->StopSound(second);
-        // The purge has to wait for the outer one.
-        if (note.id == second)
-            group->RemoveObserver(observer.get());
-    };
-    recording.Read(ChannelOf(first), 2000);
-    StepWithEnd(ChannelOf(first));
-    EXPECT_EQ(TakeNotes(),
-        (Lines{"end #1 a.wav", "abort #2 a.wav 2000", "B abort #2 a.wav 2000", "B end #1 a.wav"}));
-}
-
 // What is told about cannot be ended by its own handler, and can be asked about.
 TEST_F(ObserverTest, TheSoundThatIsToldAboutStandsUntilTheHandlerReturns)
 {
@@ -199,21 +97,6 @@ TEST_F(ObserverTest, TheSoundThatIsToldAboutStandsUntilTheHandlerReturns)
     EXPECT_EQ(Playing(), Ids{id});
     group->StopSound(id);
     EXPECT_EQ(TakeNotes(), (Lines{"begin #1 a.wav", "abort #1 a.wav 2000"}));
-}
-
-TEST_F(ObserverTest, WhileItsEndIsToldASoundStillHasItsPlaceAmongTheAudible)
-{
-    system.SetMaxAudibleSounds(1);
-    const int id = Play(file);
-    Step(40);
-    observer->react = [&](const Note& note) {
-        if (note.kind == Note::Abort && note.id == id) {
-            EXPECT_EQ(Playing(), Ids{id});
-            EXPECT_EQ(Play(file, Sound::StartImmediately), 0);
-        }
-    };
-    group->StopSound(id);
-    EXPECT_NE(Play(file, Sound::StartImmediately), 0);
 }
 
 TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsAndThenTellsTheShutdown)

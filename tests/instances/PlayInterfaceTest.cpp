@@ -24,37 +24,6 @@ protected:
     const PString other = WriteWave("b.wav", {900});
 };
 
-// The calls of a channel's start, in the one order that a driver can rely on.
-TEST_F(PlayInterfaceTest, AChannelIsStartedInAFixedOrder)
-{
-    const int plain = group->New2DSound(file, nullptr);
-    group->StartSound(plain, Sound::StartImmediately);
-    EXPECT_EQ(
-        TakeLog({"c", "C", "begin"}), (Lines{"CreateChannel c1 0 a.wav@0 fx", "begin #1 a.wav", "c1 Play"}));
-
-    const int full = group->New2DSound(file, nullptr);
-    group->SetSoundGain(full, 0.5F);
-    group->SetSoundFadeIn(full, 300);
-    EXPECT_TRUE(group->SetFrequency(full, 500));
-    group->StartSound(full, Sound::StartImmediately | Sound::StartLooping);
-    EXPECT_EQ(TakeLog(),
-        (Lines{"CreateChannel c2 18 a.wav@0 fx", "c2 FadeIn 300", "c2 SetGain 0.5", "begin #2 a.wav",
-            "c2 SetFrequency 500", "c2 Play"}));
-
-    Sound::Settings settings;
-    settings.setDistance = settings.setCone = settings.cutout = true;
-    settings.minDistance = 2.0F;
-    settings.maxDistance = 50.0F;
-    settings.innerConeAngle = 90.0F;
-    settings.outerConeAngle = 120.0F;
-    settings.coneGain = 0.25F;
-    group->Play3DSound(Vector3{3.0F, 0.0F, 4.0F}, file, nullptr,
-        Sound::StartImmediately | Sound::StartDisableMicFX, 0, settings, 0);
-    EXPECT_EQ(TakeLog(),
-        (Lines{"CreateChannel c3 37 a.wav@0 fx", "c3 SetCone 90 120 0.25", "c3 SetMinMaxDistance 2 50 1",
-            "c3 SetPosition 3 0 4", "c3 SetDirection 0 0 -1", "begin #3 a.wav", "c3 Play"}));
-}
-
 TEST_F(PlayInterfaceTest, AGainOutsideItsRangeIsNeverSent)
 {
     // Above 1.0 by no fault of the game: what a resource says goes to the sound as it stands.

@@ -50,32 +50,19 @@ bool IsSilent(const std::vector<int>& pcm, std::size_t from, std::size_t to)
 
 } // namespace
 
-TEST(MpegReader, ReadsOfAnySizeGiveTheSamePcm)
+TEST(MpegReader, ReadsOfAnySizeGiveTheSamePcmAlsoAfterARewindFromAnywhere)
 {
     const Bytes stream = ReadStream("joint-44100.mp3");
     const std::vector<int> whole = DecodeAll(stream);
     ASSERT_EQ(whole.size(), 24u * 2 * frame);
     for (const int samples : {1, 7, 575, 1153, 5000, 100000}) {
-        EXPECT_EQ(DecodeAll(stream, samples), whole) << samples << " sample frames per call";
-    }
-}
-
-TEST(MpegReader, RewindGivesTheSameAgainFromAnywhere)
-{
-    const Bytes stream = ReadStream("joint-22050.mp3");
-    const std::vector<int> whole = DecodeAll(stream);
-    MemoryStream file(stream);
-    for (const int before : {0, 1, 576, 3000, 1000000}) {
-        SCOPED_TRACE(before);
-        int delivered = 0;
-        if (before % 2 == 0) {
-            file.ReadOnce(before, delivered);
-        }
-        else {
-            file.Get()->SkipSamples(before);
-        }
+        SCOPED_TRACE(std::to_string(samples) + " sample frames per call");
+        MemoryStream file(stream);
+        file.Get()->SkipSamples(samples);
         file.Get()->Rewind();
         EXPECT_EQ(file.Get()->GetCurrentSample(), 0);
+        EXPECT_EQ(file.ReadAll(samples), whole);
+        file.Get()->Rewind();
         EXPECT_EQ(file.ReadAll(), whole);
     }
 }
