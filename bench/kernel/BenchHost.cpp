@@ -14,9 +14,6 @@ namespace Bench
 namespace
 {
 
-constexpr int rateHz = 8000;
-constexpr int sampleFrames = 2 * rateHz;
-
 template<class T>
 void WriteRaw(std::ostream& out, const T& value)
 {
@@ -27,7 +24,8 @@ void WriteWave(const std::filesystem::path& path)
 {
     // The record without its last field is what a "fmt " chunk of PCM holds.
     constexpr std::uint32_t formatBytes = 16;
-    constexpr std::uint32_t dataBytes = sampleFrames * sizeof(std::int16_t);
+    constexpr int rateHz = WaveFolder::rateHz;
+    constexpr std::uint32_t dataBytes = WaveFolder::sampleFrames * sizeof(std::int16_t);
     const Quon::WaveFormatEx format{
         Quon::waveTagPcm, 1, rateHz, rateHz * sizeof(std::int16_t), sizeof(std::int16_t), 16, 0};
     std::ofstream out(path, std::ios::binary);
@@ -38,7 +36,7 @@ void WriteWave(const std::filesystem::path& path)
     out.write(reinterpret_cast<const char*>(&format), formatBytes);
     out << "data";
     WriteRaw(out, dataBytes);
-    for (int i = 0; i < sampleFrames; ++i)
+    for (int i = 0; i < WaveFolder::sampleFrames; ++i)
         WriteRaw(out, static_cast<std::int16_t>(i % WaveFolder::period));
 }
 
@@ -69,8 +67,9 @@ const Quon::PString& WaveFolder::GetName(int index) const
 
 BenchHost::BenchHost(int channels)
 {
+    os.AddDriverFolder(HARMONET_BENCH_DRIVER_FOLDER);
     Quon::Options& options = *os.GetOptions();
-    options.Set("Sound", "HarmonetNull");
+    options.Set("Sound", "HarmonetIdle");
     options.Set("MaxSounds", std::to_string(channels).c_str());
     options.Set("SoundCacheSize", "64000000");
     isRunning = system.Init(&os, false);

@@ -17,6 +17,8 @@ class WaveFolder
 public:
     /// The samples count up from 0 and begin anew after so many.
     static constexpr int period = 200;
+    static constexpr int rateHz = 8000;
+    static constexpr int sampleFrames = 2 * rateHz;
 
     explicit WaveFolder(int fileCount);
     WaveFolder(const WaveFolder&) = delete;
@@ -32,7 +34,8 @@ private:
     std::vector<Quon::PString> names;
 };
 
-/// A running sound system on the null driver, with a listener at the origin and a cache that holds all files.
+/// A running sound system on the driver that does nothing, with a listener at the origin and a cache that
+/// holds all files.
 class BenchHost
 {
 public:
