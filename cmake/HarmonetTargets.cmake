@@ -12,6 +12,13 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
+# Nobody puts functions of his own in the place of the library's while a program is loaded, so that a call
+# inside a library need not go through the table where that could be done.
+if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT WIN32)
+    add_compile_options(-fno-semantic-interposition)
+    add_link_options(-Wl,-Bsymbolic-functions)
+endif()
+
 # The tests look inside the library; a build without them shows what a user of the library sees.
 if(HARMONET_BUILD_TESTS)
     set(CMAKE_CXX_VISIBILITY_PRESET default)

@@ -173,6 +173,7 @@ const Vector3& Particle::GetGlobalPosition() const
 void Particle::LocalToGlobal(Quaternion& localOrientation) const
 {
     UpdateGlobal();
+    UpdateGlobalOrientation();
     localOrientation = Normalized(globalOrientation * localOrientation);
 }
 
@@ -195,22 +196,36 @@ void Particle::UpdateGlobal() const
             chain[count++ % tableLength] = node;
         }
         for (std::size_t left = std::min(count, tableLength); left > 0; --left) {
-            chain[--count % tableLength]->UpdateGlobalFromParent();
+            chain[--count % tableLength]->UpdateGlobalPosition();
         }
     }
 }
 
-void Particle::UpdateGlobalFromParent() const
+// The parent's global position is valid.
+void Particle::UpdateGlobalPosition() const
 {
     if (parent != nullptr) {
+        parent->UpdateGlobalOrientation();
         globalPosition = parent->globalPosition + Rotate(parent->globalOrientation, position);
-        globalOrientation = Normalized(parent->globalOrientation * Normalized(orientation));
     }
     else {
         globalPosition = position;
-        globalOrientation = Normalized(orientation);
     }
     globalPositionStale = false;
+    globalOrientationStale = true;
+}
+
+// This node's global position is valid.
+void Particle::UpdateGlobalOrientation() const
+{
+    if (!globalOrientationStale) {
+        return;
+    }
+    globalOrientation = Normalized(orientation);
+    if (parent != nullptr) {
+        globalOrientation = Normalized(parent->globalOrientation * globalOrientation);
+    }
+    globalOrientationStale = false;
 }
 
 } // namespace Quon

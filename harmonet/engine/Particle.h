@@ -90,18 +90,26 @@ protected:
     /// culled here: whoever needs the sphere works it out anew when the flag is set, and clears the flag.
     mutable Vector3 boundingCenter;
     mutable float boundingRadius = 0.0f;
-    mutable Vector3 globalPosition;
-    mutable bool globalPositionStale = true;
-    mutable bool boundingSphereStale = false;
 
 private:
     /// The node has come to stand elsewhere in the tree.
     void MarkMoved() const;
     void UpdateGlobal() const;
-    void UpdateGlobalFromParent() const;
+    void UpdateGlobalPosition() const;
+    void UpdateGlobalOrientation() const;
 
-    /// Valid while globalPositionStale is clear.
     mutable Quaternion globalOrientation;
+
+protected:
+    // What a derived node looks at most often stands last, beside the members of the derived node.
+    mutable Vector3 globalPosition;
+    mutable bool globalPositionStale = true;
+    mutable bool boundingSphereStale = false;
+
+private:
+    /// Worked out when it is asked for: a node without children is moved far more often than it is asked. While
+    /// a node's global position is valid, so is the global orientation of its parent.
+    mutable bool globalOrientationStale = true;
 };
 
 } // namespace Quon

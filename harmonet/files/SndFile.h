@@ -151,16 +151,17 @@ protected:
     unsigned long CalcRemainLength(Snd_FileType type) const;
     unsigned long CalcCurrentLength(Snd_FileType type) const;
 
+    // What moving a sound on without hearing it reads stands together, in front, right behind the format.
     Snd_FileType fileType = FileNone;
+    int currentSample = 0;
     unsigned long size = 0;
-    bool userMemory = false;
+    SndFile* next = nullptr;
     unsigned char* data = nullptr;
     SndFileHandle* handle = nullptr;
     unsigned long dataOffset = 0;
-    int currentSample = 0;
     SndNode* node = nullptr;
     unsigned long soundLength = 0;
-    SndFile* next = nullptr;
+    bool userMemory = false;
 };
 
 } // namespace Quon

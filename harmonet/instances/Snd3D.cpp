@@ -25,24 +25,20 @@ float Snd3D::silenceValue = -30.0F;
 
 Snd3D::Snd3D()
     : SndBase(false)
-    , hasMoved(true)
-    , cutout(false)
 {
     AddFlags(Flag3D);
 }
 
 Snd3D::Snd3D(const Snd3D& other)
     : Particle()
+    , Snd3DRange(other)
     , SndBase(other)
-    , hasMoved(true)
-    , cutout(other.cutout)
     , innerConeAngle(other.innerConeAngle)
     , outerConeAngle(other.outerConeAngle)
     , coneGain(other.coneGain)
-    , minDistance(other.minDistance)
-    , maxDistance(other.maxDistance)
     , axis(other.axis)
 {
+    hasMoved = true;
     AddFlags(Flag3D);
 }
 

@@ -6,13 +6,23 @@
 namespace Quon
 {
 
+/// What an update reads of a positional sound besides what every sound has. A base of its own, so that it lies
+/// between the node's global position and the members of SndBase that the update reads too.
+struct Snd3DRange
+{
+    mutable bool hasMoved = true;
+    bool cutout = false;
+    float minDistance = 0.0F;
+    float maxDistance = 0.0F;
+};
+
 /// A sound effect with a place in the world: a node of the scene graph, which can hang below any other node
 /// and follow it. The sound's position is the node's global position. Scene and driver share one coordinate
 /// system, so nothing is converted.
 ///
 /// The node tells of a move by going stale; nothing is computed then, and the next full update picks it up. A
 /// position that is not finite counts as out of reach and does not go to the channel.
-class HARMONET_API Snd3D : public Particle, public SndBase
+class HARMONET_API Snd3D : public Particle, private Snd3DRange, public SndBase
 {
 public:
     using SndBase::operator new;
@@ -70,13 +80,9 @@ private:
     bool IsConeInUse() const { return innerConeAngle < 180.0F && coneGain < 1.0F; }
     Vector3 CalcDirection() const;
 
-    mutable bool hasMoved : 1;
-    bool cutout : 1;
     float innerConeAngle = 0.0F;
     float outerConeAngle = 0.0F;
     float coneGain = 0.0F;
-    float minDistance = 0.0F;
-    float maxDistance = 0.0F;
     int axis = -3;
 };
 

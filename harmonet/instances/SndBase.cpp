@@ -30,14 +30,14 @@ SndBase::SndBase(const SndBase& other)
     : IListNode()
     , soundID(NextSoundID())
     , sndFlags(other.sndFlags)
+    , priority(other.priority)
+    , newFrequency(other.newFrequency)
+    , delay(other.delay)
     , fileName(other.fileName)
     , substName(other.substName)
     , soundLength(other.soundLength)
     , fadeDuration(other.fadeDuration)
     , gain(other.gain)
-    , priority(other.priority)
-    , delay(other.delay)
-    , newFrequency(other.newFrequency)
 {
 }
 

@@ -303,8 +303,6 @@ protected:
         return desc != nullptr;
     }
 
-    SndFXList fxList;
-
 private:
     friend class SndKernel;
     friend class SndList;
@@ -328,35 +326,42 @@ private:
     static int NextSoundID();
     static constexpr std::uint32_t noNameNumber = 0xFFFFFFFF;
 
+    // What each update reads of each sound stands together, in front, right behind the links of the list. All
+    // else is behind it: the sounds lie all over the memory, and a line of it that is not needed costs.
     int soundID;
-    void* parent = nullptr;
     std::uint32_t sndFlags = 0;
-    PString fileName;
-    PString substName;
-    SndFile* sndFile = nullptr;
-    int startSample = 0;
-    bool beingTold = false;
-    bool ended = false; ///< Done() has begun.
-    unsigned long stateTime = 1000;
-    unsigned long soundLength = unknownLength;
-    int fadeDuration = 0;
-    float gain = 1.0F;
     int priority = 0;
+    float multiplier = 1.0F;
 
 protected:
     float distSqr = 0.0F;
 
 private:
-    float multiplier = 1.0F;
-    int delay = 0;
-    unsigned long newFrequency = 0;
+    mutable std::uint32_t nameNumber = noNameNumber;
+    SndFile* sndFile = nullptr;
     SndChannel* sndChannel = nullptr;
     SndChannel* fadeOutChannel = nullptr;
-
     SndList* list = nullptr; ///< The kernel's list that holds this sound; SndList keeps it.
-    SoundBucket::Chunk* tableChunk = nullptr; ///< Where it stands in the kernel's table; SoundTable keeps it.
+    unsigned long stateTime = 1000;
+    unsigned long newFrequency = 0;
+    int delay = 0;
     std::uint32_t startSerial = 0; ///< When it last went to the kernel to be played; the kernel keeps it.
-    mutable std::uint32_t nameNumber = noNameNumber;
+
+    void* parent = nullptr;
+    PString fileName;
+    PString substName;
+    unsigned long soundLength = unknownLength;
+    int startSample = 0;
+    int fadeDuration = 0;
+    float gain = 1.0F;
+    bool beingTold = false;
+    bool ended = false; ///< Done() has begun.
+    SoundBucket::Chunk* tableChunk = nullptr; ///< Where it stands in the kernel's table; SoundTable keeps it.
+
+protected:
+    SndFXList fxList;
+
+private:
     static int lastSoundID;
 };
 

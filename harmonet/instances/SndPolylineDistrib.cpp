@@ -116,7 +116,7 @@ void SndPolyline::DistribOne(const Vector3& listener)
     Vector3 nearest;
     for (Segment& segment : segments) {
         Vector3 closest;
-        float along;
+        float along = 0.0F;
         const float distance = CalcClosestPoint(&segment, listener, closest, along);
         if (distance < least) {
             least = distance;
@@ -142,7 +142,7 @@ void SndPolyline::CollectCandidates(const Vector3& listener, CandidateList& cand
     Budget budget{maxPoints, static_cast<int>(segments.size())};
     for (Segment& segment : segments) {
         Vector3 closest;
-        float along;
+        float along = 0.0F;
         const float distance = CalcClosestPoint(&segment, listener, closest, along);
         if (distance <= range) {
             candidates.Add({&segment, closest, distance});

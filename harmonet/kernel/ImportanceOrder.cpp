@@ -3,7 +3,7 @@
 #include "harmonet/kernel/NameNumbers.h"
 #include "harmonet/kernel/SndList.h"
 
-#include <array>
+#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -14,26 +14,32 @@ namespace
 {
 
 constexpr float lossFactor = 1.3F;
+constexpr int wordBits = 32;
 
-// Greater is more important, and equal is equal, as the comparison of sounds has it. Distances are never
-// negative and never NaN, and the bits of such floats are in the order of their values.
-std::uint64_t MakeKey(int priority, float distance)
+constexpr std::uint32_t LowBits(int count)
 {
-    constexpr std::uint32_t signBit = 0x80000000;
-    const std::uint32_t high = static_cast<std::uint32_t>(priority) ^ signBit;
-    return static_cast<std::uint64_t>(high) << 32 | ~std::bit_cast<std::uint32_t>(distance);
+    return static_cast<std::uint32_t>((std::uint64_t{1} << count) - 1);
 }
 
 } // namespace
+
+// Distances are never negative and never NaN, and the bits of such floats are in the order of their values.
+ImportanceOrder::Key ImportanceOrder::MakeKey(const Member& member)
+{
+    constexpr std::uint32_t signBit = 0x80000000;
+    const std::uint32_t high = static_cast<std::uint32_t>(member.priority) ^ signBit;
+    return static_cast<Key>(high) << wordBits | ~std::bit_cast<std::uint32_t>(member.distance);
+}
 
 void ImportanceOrder::Apply(std::span<SndList* const> lists, NameNumbers& names)
 {
     Gather(lists, names);
     RateDuplicates();
-    std::uint32_t begin = 0;
+    std::span<const Member> left = members;
     for (SndList* list : lists) {
-        SortList(*list, begin);
-        begin += static_cast<std::uint32_t>(list->GetCount());
+        const auto count = static_cast<std::size_t>(list->GetCount());
+        SortList(*list, left.first(count));
+        left = left.subspan(count);
     }
 }
 
@@ -51,21 +57,13 @@ void ImportanceOrder::Gather(std::span<SndList* const> lists, NameNumbers& names
 
 void ImportanceOrder::RateDuplicates()
 {
-    entries.clear();
-    for (std::uint32_t place = 0; place < members.size(); ++place) {
-        // Turned round: the most important first.
-        entries.push_back({~MakeKey(members[place].priority, members[place].distance), place});
-    }
-    SortEntries();
+    Sort(members, MostImportantFirst);
     // In this order a sound has lost to all like sounds that stand in front of it.
     for (std::size_t place = 0; place < entries.size(); ++place) {
-        if (place + prefetchDistance < entries.size())
-            PrefetchRating(members[entries[place + prefetchDistance].member].sound);
+        PrefetchMember(members, place + prefetchDistance);
         Member& member = members[entries[place].member];
-        const float multiplier = GetMultiplier(numRated[member.nameNumber]++);
-        if (member.multiplier != multiplier)
-            member.sound->SetMultiplier(multiplier);
-        member.distance = SndBase::WeightDistance(member.distance, multiplier);
+        member.multiplier = GetMultiplier(numRated[member.nameNumber]++);
+        member.distance = SndBase::WeightDistance(member.distance, member.multiplier);
     }
 }
 
@@ -76,58 +74,101 @@ float ImportanceOrder::GetMultiplier(std::uint32_t numLosses)
     return multipliers[numLosses];
 }
 
-// The list's sounds are the members from `begin` on, in the list's order.
-void ImportanceOrder::SortList(SndList& list, std::uint32_t begin)
+// The members are the list's sounds in the list's order.
+void ImportanceOrder::SortList(SndList& list, std::span<const Member> listed)
 {
-    const std::uint32_t end = begin + static_cast<std::uint32_t>(list.GetCount());
-    entries.clear();
+    Sort(listed, LeastImportantFirst);
+    std::size_t place = 0;
+    list.Reorder([&]() -> SndBase& {
+        PrefetchMember(listed, place + 2 * prefetchDistance);
+        if (place + prefetchDistance < entries.size())
+            PrefetchLinks(listed[entries[place + prefetchDistance].member].sound);
+        const Member& member = listed[entries[place++].member];
+        member.sound->SetMultiplier(member.multiplier);
+        return *member.sound;
+    });
+}
+
+// Asks the processor to fetch the member that comes at that place of the order.
+void ImportanceOrder::PrefetchMember(std::span<const Member> sorted, std::size_t place) const
+{
+    if (place < entries.size())
+        PrefetchLine(&sorted[entries[place].member]);
+}
+
+// Leaves out what all keys have in common in front of priority and distance. What is left of the two mostly
+// fits into one word; else the distance is sorted by first and the priority afterwards.
+void ImportanceOrder::Sort(std::span<const Member> sorted, Direction direction)
+{
+    const Key turned = direction == MostImportantFirst ? ~Key{0} : Key{0};
+    Key differing = 0;
     bool isInOrder = true;
-    for (std::uint32_t place = begin; place < end; ++place) {
-        const std::uint64_t key = MakeKey(members[place].priority, members[place].distance);
-        isInOrder = isInOrder && (entries.empty() || entries.back().key <= key);
-        entries.push_back({key, place});
+    Key before = 0;
+    for (const Member& member : sorted) {
+        const Key key = MakeKey(member) ^ turned;
+        differing |= key ^ (MakeKey(sorted.front()) ^ turned);
+        isInOrder = isInOrder && before <= key;
+        before = key;
     }
-    if (!isInOrder)
-        SortEntries();
-    sorted.clear();
-    for (const Entry& entry : entries)
-        sorted.push_back(members[entry.member].sound);
-    list.Reorder(sorted);
+    const int distanceBits = std::bit_width(static_cast<std::uint32_t>(differing));
+    const int priorityBits = std::bit_width(static_cast<std::uint32_t>(differing >> wordBits));
+    const bool fits = distanceBits + priorityBits <= wordBits;
+    entries.clear();
+    for (std::uint32_t place = 0; place < sorted.size(); ++place) {
+        const Key key = MakeKey(sorted[place]) ^ turned;
+        const std::uint32_t distance = static_cast<std::uint32_t>(key) & LowBits(distanceBits);
+        const std::uint32_t priority = static_cast<std::uint32_t>(key >> wordBits) & LowBits(priorityBits);
+        entries.push_back({fits ? static_cast<std::uint32_t>(Key{priority} << distanceBits) | distance : distance, place});
+    }
+    if (isInOrder)
+        return;
+    RadixSort(fits ? distanceBits + priorityBits : distanceBits);
+    if (fits)
+        return;
+    for (Entry& entry : entries)
+        entry.key = static_cast<std::uint32_t>((MakeKey(sorted[entry.member]) ^ turned) >> wordBits);
+    RadixSort(wordBits);
 }
 
-// Wide digits take fewer passes over the sounds, narrow ones fewer counters: few sounds are not worth many.
-void ImportanceOrder::SortEntries()
+// A stable sort by the lowest bits of the keys, from the lowest digit to the highest.
+void ImportanceOrder::RadixSort(int bits)
 {
-    constexpr std::size_t fewSounds = 3000;
-    if (entries.size() < fewSounds)
-        RadixSort<8>();
-    else
-        RadixSort<11>();
-}
-
-// A stable sort, from the lowest digit to the highest. Digits in which no two keys differ cost nothing:
-// mostly those of the priority.
-template<int digitBits>
-void ImportanceOrder::RadixSort()
-{
-    constexpr std::uint64_t digitMask = (std::uint64_t{1} << digitBits) - 1;
-    std::uint64_t differing = 0;
-    for (const Entry& entry : entries)
-        differing |= entry.key ^ entries.front().key;
+    const int passes = CountPasses(bits);
+    const int digitBits = (bits + passes - 1) / std::max(passes, 1);
+    const std::size_t numValues = std::size_t{1} << digitBits;
+    const std::uint32_t digitMask = LowBits(digitBits);
+    places.assign(static_cast<std::size_t>(passes) * numValues, 0);
+    for (const Entry& entry : entries) {
+        for (int pass = 0; pass < passes; ++pass)
+            ++places[static_cast<std::size_t>(pass) * numValues + (entry.key >> pass * digitBits & digitMask)];
+    }
     scratch.resize(entries.size());
-    for (int shift = 0; shift < 64; shift += digitBits) {
-        if ((differing >> shift & digitMask) == 0)
-            continue;
-        std::array<std::uint32_t, digitMask + 1> places{};
-        for (const Entry& entry : entries)
-            ++places[entry.key >> shift & digitMask];
+    for (int pass = 0; pass < passes; ++pass) {
+        std::uint32_t* const placesOfPass = places.data() + static_cast<std::size_t>(pass) * numValues;
         std::uint32_t begin = 0;
-        for (std::uint32_t& place : places)
-            begin += std::exchange(place, begin);
+        for (std::size_t value = 0; value < numValues; ++value)
+            begin += std::exchange(placesOfPass[value], begin);
         for (const Entry& entry : entries)
-            scratch[places[entry.key >> shift & digitMask]++] = entry;
+            scratch[placesOfPass[entry.key >> pass * digitBits & digitMask]++] = entry;
         entries.swap(scratch);
     }
+}
+
+// Wide digits take fewer passes over the sounds, narrow ones fewer counters.
+int ImportanceOrder::CountPasses(int bits) const
+{
+    constexpr int maxDigitBits = 12;
+    int best = 0;
+    std::size_t bestCost = 0;
+    for (int passes = (bits + maxDigitBits - 1) / maxDigitBits; passes <= 4; ++passes) {
+        const int digitBits = (bits + passes - 1) / std::max(passes, 1);
+        const std::size_t cost = static_cast<std::size_t>(passes) * (entries.size() + (std::size_t{1} << digitBits));
+        if (best == 0 || cost < bestCost) {
+            best = passes;
+            bestCost = cost;
+        }
+    }
+    return best;
 }
 
 } // namespace Quon

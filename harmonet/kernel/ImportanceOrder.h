@@ -33,32 +33,42 @@ public:
     void Apply(std::span<SndList* const> lists, NameNumbers& names);
 
 private:
+    enum Direction
+    {
+        LeastImportantFirst,
+        MostImportantFirst
+    };
     struct Member
     {
         SndBase* sound;
         int priority;
         float distance; ///< Squared; plain before the rating, weighted after it.
-        float multiplier; ///< As it was before the rating.
+        float multiplier; ///< After the rating.
         std::uint32_t nameNumber;
     };
     struct Entry
     {
-        std::uint64_t key;
+        std::uint32_t key;
         std::uint32_t member;
     };
+    /// Greater is more important, and equal is equal, as the comparison of sounds has it.
+    using Key = std::uint64_t;
 
+    static Key MakeKey(const Member& member);
     void Gather(std::span<SndList* const> lists, NameNumbers& names);
     void RateDuplicates();
-    void SortList(SndList& list, std::uint32_t begin);
-    void SortEntries();
-    template<int digitBits>
-    void RadixSort();
+    void SortList(SndList& list, std::span<const Member> listed);
+    /// Fills `entries` with the numbers of these members in order; equal ones keep theirs.
+    void Sort(std::span<const Member> sorted, Direction direction);
+    void RadixSort(int bits);
+    int CountPasses(int bits) const;
+    void PrefetchMember(std::span<const Member> sorted, std::size_t place) const;
     float GetMultiplier(std::uint32_t numLosses);
 
     EngineVector<Member> members;
     EngineVector<Entry> entries;
     EngineVector<Entry> scratch;
-    EngineVector<SndBase*> sorted;
+    EngineVector<std::uint32_t> places; ///< Of the values of the digits.
     EngineVector<float> multipliers; ///< By the number of losses.
     EngineVector<std::uint32_t> numRated; ///< By the name number.
 };

@@ -11,53 +11,42 @@ class SndFile;
 /// How many sounds ahead a walk fetches into the cache.
 inline constexpr std::size_t prefetchDistance = 16;
 
-/// Asks the processor to fetch what an update reads of a sound; the address need not be valid. The sounds of
-/// a sorted list lie all over the memory, and waiting for each in turn is what a walk would cost otherwise.
-inline void PrefetchSound(const SndBase* sound)
+/// Asks the processor to fetch what stands at an address, which need not be valid.
+inline void PrefetchLine(const void* address)
 {
 #if defined(__GNUC__)
-    // The node of the scene graph lies in front of the sound, the reach of a positional sound behind it.
-    constexpr std::ptrdiff_t cacheLine = 64;
-    const auto* address = reinterpret_cast<const char*>(sound);
-    for (std::ptrdiff_t line = -1; line <= 3; ++line)
-        __builtin_prefetch(address + line * cacheLine);
+    __builtin_prefetch(address);
 #else
-    static_cast<void>(sound);
+    static_cast<void>(address);
 #endif
+}
+
+/// The same for what an update reads of a sound. The sounds of a sorted list lie all over the memory, and
+/// waiting for each in turn is what a walk would cost otherwise.
+inline void PrefetchSound(const SndBase* sound)
+{
+    // What is read of a positional sound lies in front of the part that every sound has.
+    constexpr std::ptrdiff_t cacheLine = 64;
+    constexpr std::ptrdiff_t begin = -32;
+    constexpr std::ptrdiff_t end = 104;
+    const auto* address = reinterpret_cast<const char*>(sound);
+    for (std::ptrdiff_t place = begin; place < end; place += cacheLine)
+        PrefetchLine(address + place);
+    PrefetchLine(address + end);
 }
 
 /// The same for the file of a sound; null will do.
 inline void PrefetchFile(const SndFile* file)
 {
-#if defined(__GNUC__)
-    constexpr std::ptrdiff_t cacheLine = 64;
-    __builtin_prefetch(file);
-    __builtin_prefetch(reinterpret_cast<const char*>(file) + cacheLine);
-#else
-    static_cast<void>(file);
-#endif
-}
-
-/// The same for the part of a sound that holds distance and multiplier.
-inline void PrefetchRating(const SndBase* sound)
-{
-#if defined(__GNUC__)
-    constexpr std::ptrdiff_t cacheLine = 64;
-    __builtin_prefetch(reinterpret_cast<const char*>(sound) + cacheLine, 1);
-    __builtin_prefetch(reinterpret_cast<const char*>(sound) + 2 * cacheLine);
-#else
-    static_cast<void>(sound);
-#endif
+    constexpr std::ptrdiff_t end = 48;
+    PrefetchLine(file);
+    PrefetchLine(reinterpret_cast<const char*>(file) + end);
 }
 
 /// The same for a walk that reads no more than the links and what the sounds are compared by.
 inline void PrefetchLinks(const SndBase* sound)
 {
-#if defined(__GNUC__)
-    __builtin_prefetch(sound);
-#else
-    static_cast<void>(sound);
-#endif
+    PrefetchLine(sound);
 }
 
 } // namespace Quon

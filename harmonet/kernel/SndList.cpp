@@ -57,24 +57,6 @@ SndBase* SndList::TakeHead()
     return sound;
 }
 
-void SndList::Reorder(std::span<SndBase* const> sounds)
-{
-    assert(static_cast<int>(sounds.size()) == count);
-    IListNode* last = &head;
-    for (std::size_t place = 0; place < sounds.size(); ++place) {
-        if (place + prefetchDistance < sounds.size())
-            PrefetchLinks(sounds[place + prefetchDistance]);
-        SndBase* sound = sounds[place];
-        last->next = sound;
-        sound->previous = last;
-        last = sound;
-    }
-    last->next = &head;
-    head.previous = last;
-    isInOrder = true;
-    lastWalk.assign(sounds.begin(), sounds.end());
-}
-
 void SndList::InsertBefore(IListNode& place, SndBase& sound)
 {
     assert(!sound.list);

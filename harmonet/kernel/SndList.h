@@ -4,8 +4,6 @@
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/kernel/Prefetch.h"
 
-#include <span>
-
 namespace Quon
 {
 
@@ -42,8 +40,26 @@ public:
     /// Takes the head out; null for an empty list.
     SndBase* TakeHead();
 
-    /// Brings the sounds into this order, ascending by importance. They are those of the list, each once.
-    void Reorder(std::span<SndBase* const> sounds);
+    /// Brings the sounds into another order, ascending by importance: calls `next` once for each and gets the
+    /// sounds of the list in their new order.
+    template<class Next>
+    void Reorder(Next next)
+    {
+        IListNode* last = &head;
+        lastWalk.resize(static_cast<std::size_t>(count));
+        for (const SndBase*& known : lastWalk) {
+            SndBase& sound = next();
+            last->next = &sound;
+            sound.previous = last;
+            last = &sound;
+            known = &sound;
+        }
+        last->next = &head;
+        head.previous = last;
+        isInOrder = true;
+        // What is put in next is mostly one of the more important.
+        lastInserted = last;
+    }
     /// The importance of a sound has changed, so that the order may not hold any more.
     void ForgetOrder() { isInOrder = count < 2; }
 
