@@ -1,11 +1,14 @@
 #include "bench/kernel/BenchHost.h"
+#include "bench/kernel/CrowdPlan.h"
 
 #include "harmonet/instances/Sound.h"
 
 #include <benchmark/benchmark.h>
+#include <memory>
 
 // StartStop/cached/N: a game plays a sound whose data are in the cache, on a channel at once, and stops it,
-// while N others play.
+// while N others play. StartMany/N: a game starts N positional sounds in one of its frames, and the update
+// that follows; there are 64 channels.
 
 namespace
 {
@@ -35,6 +38,37 @@ void StartStopCached(benchmark::State& state)
         state.SkipWithError("a sound was refused");
 }
 
+// Like and unlike, near and far, in no order. The group ends its sounds with itself.
+void StartCrowd(Sound& group, Bench::CrowdPlan& plan, const Bench::WaveFolder& files)
+{
+    constexpr int priorities = 3;
+    Sound::Settings settings;
+    settings.minDistance = Bench::CrowdPlan::minDistance;
+    settings.maxDistance = Bench::CrowdPlan::maxDistance;
+    for (int i = 0; i < plan.GetCount(); ++i)
+        group.Play3DSound(plan.AnyPosition(), files.GetName(i), nullptr, Sound::StartLooping,
+            1 + i % priorities, settings, 0);
+}
+
+void StartMany(benchmark::State& state, int channels)
+{
+    const Bench::WaveFolder files(fileCount);
+    Bench::BenchHost host(channels);
+    Bench::CrowdPlan plan(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        auto group = std::make_unique<Sound>();
+        StartCrowd(*group, plan, files);
+        host.Update();
+        state.PauseTiming();
+        group.reset();
+        state.ResumeTiming();
+    }
+    if (!host.IsRunning())
+        state.SkipWithError("there is no sound system");
+}
+
 BENCHMARK(StartStopCached)->Name("StartStop/cached")->Arg(0)->Arg(1000);
+BENCHMARK_CAPTURE(StartMany, within, 10'000)->Arg(10'000)->Iterations(10)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(StartMany, over, 64)->Arg(10'000)->Iterations(10)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -77,8 +77,6 @@ protected:
         links->nextSibling = nullptr;
     }
 
-    T* parent = nullptr;
-
 private:
     static ITree& Links(T* node) { return *node; }
 
@@ -86,6 +84,9 @@ private:
     T* lastChild = nullptr;
     T* previousSibling = nullptr;
     T* nextSibling = nullptr;
+
+protected:
+    T* parent = nullptr;
 };
 
 } // namespace Quon

@@ -14,11 +14,11 @@ Particle::Particle() = default;
 Particle::Particle(const Particle& other)
     : Element(other)
     , ITree<Particle>(other)
-    , particleName(other.particleName)
-    , orientation(other.orientation)
     , position(other.position)
     , boundingCenter(other.boundingCenter)
+    , particleName(other.particleName)
     , boundingRadius(other.boundingRadius)
+    , orientation(other.orientation)
     , boundingSphereStale(other.boundingSphereStale)
 {
 }

@@ -83,13 +83,14 @@ public:
     void LocalToGlobal(Quaternion& localOrientation) const;
 
 protected:
-    PString particleName;
-    Quaternion orientation;
+    // What moving a node needs stands first, beside the link to the parent.
     Vector3 position;
     /// The sphere around the node and all below it, its centre in the parent's space. Nodes are not drawn or
     /// culled here: whoever needs the sphere works it out anew when the flag is set, and clears the flag.
     mutable Vector3 boundingCenter;
+    PString particleName;
     mutable float boundingRadius = 0.0f;
+    Quaternion orientation;
 
 private:
     /// The node has come to stand elsewhere in the tree.
@@ -107,8 +108,8 @@ protected:
     mutable bool boundingSphereStale = false;
 
 private:
-    /// Worked out when it is asked for: a node without children is moved far more often than it is asked. While
-    /// a node's global position is valid, so is the global orientation of its parent.
+    /// Worked out when it is asked for: a node without children is moved far more often than it is asked.
+    /// While a node's global position is valid, so is the global orientation of its parent.
     mutable bool globalOrientationStale = true;
 };
 

@@ -6,8 +6,8 @@
 namespace Quon
 {
 
-/// What an update reads of a positional sound besides what every sound has. A base of its own, so that it lies
-/// between the node's global position and the members of SndBase that the update reads too.
+/// What an update reads of a positional sound besides what every sound has. A base of its own, so that it
+/// lies between the node's global position and the members of SndBase that the update reads too.
 struct Snd3DRange
 {
     mutable bool hasMoved = true;

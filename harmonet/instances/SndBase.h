@@ -344,6 +344,7 @@ private:
     SndList* list = nullptr; ///< The kernel's list that holds this sound; SndList keeps it.
     unsigned long stateTime = 1000;
     unsigned long newFrequency = 0;
+    std::uint32_t knownPlace = 0; ///< Where the list knows this sound to stand; SndList keeps it.
     int delay = 0;
     std::uint32_t startSerial = 0; ///< When it last went to the kernel to be played; the kernel keeps it.
 

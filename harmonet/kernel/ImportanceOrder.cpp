@@ -118,7 +118,8 @@ void ImportanceOrder::Sort(std::span<const Member> sorted, Direction direction)
         const Key key = MakeKey(sorted[place]) ^ turned;
         const std::uint32_t distance = static_cast<std::uint32_t>(key) & LowBits(distanceBits);
         const std::uint32_t priority = static_cast<std::uint32_t>(key >> wordBits) & LowBits(priorityBits);
-        entries.push_back({fits ? static_cast<std::uint32_t>(Key{priority} << distanceBits) | distance : distance, place});
+        entries.push_back(
+            {fits ? static_cast<std::uint32_t>(Key{priority} << distanceBits) | distance : distance, place});
     }
     if (isInOrder)
         return;
@@ -140,7 +141,8 @@ void ImportanceOrder::RadixSort(int bits)
     places.assign(static_cast<std::size_t>(passes) * numValues, 0);
     for (const Entry& entry : entries) {
         for (int pass = 0; pass < passes; ++pass)
-            ++places[static_cast<std::size_t>(pass) * numValues + (entry.key >> pass * digitBits & digitMask)];
+            ++places[static_cast<std::size_t>(pass) * numValues +
+                (entry.key >> pass * digitBits & digitMask)];
     }
     scratch.resize(entries.size());
     for (int pass = 0; pass < passes; ++pass) {
@@ -162,7 +164,8 @@ int ImportanceOrder::CountPasses(int bits) const
     std::size_t bestCost = 0;
     for (int passes = (bits + maxDigitBits - 1) / maxDigitBits; passes <= 4; ++passes) {
         const int digitBits = (bits + passes - 1) / std::max(passes, 1);
-        const std::size_t cost = static_cast<std::size_t>(passes) * (entries.size() + (std::size_t{1} << digitBits));
+        const std::size_t cost =
+            static_cast<std::size_t>(passes) * (entries.size() + (std::size_t{1} << digitBits));
         if (best == 0 || cost < bestCost) {
             best = passes;
             bestCost = cost;

@@ -4,6 +4,8 @@
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/kernel/Prefetch.h"
 
+#include <array>
+
 namespace Quon
 {
 
@@ -15,7 +17,7 @@ namespace Quon
 class SndList
 {
 public:
-    SndList();
+    SndList() = default;
     SndList(const SndList&) = delete;
     SndList& operator=(const SndList&) = delete;
 
@@ -34,7 +36,7 @@ public:
     /// These two take a sound that is on no list.
     void Append(SndBase& sound);
     /// In front of the first sound, from the head, that is not less important: first among equals. While the
-    /// order holds, the place is looked for from where the last sound went in.
+    /// order holds, the place is found without a walk along the list, or nearly so.
     void InsertSorted(SndBase& sound);
     void Remove(SndBase& sound);
     /// Takes the head out; null for an empty list.
@@ -46,19 +48,18 @@ public:
     void Reorder(Next next)
     {
         IListNode* last = &head;
-        lastWalk.resize(static_cast<std::size_t>(count));
-        for (const SndBase*& known : lastWalk) {
+        known.resize(static_cast<std::size_t>(count));
+        numGone = 0;
+        for (std::size_t place = 0; place < known.size(); ++place) {
             SndBase& sound = next();
             last->next = &sound;
             sound.previous = last;
             last = &sound;
-            known = &sound;
+            MakeKnown(sound, place);
         }
         last->next = &head;
         head.previous = last;
         isInOrder = true;
-        // What is put in next is mostly one of the more important.
-        lastInserted = last;
     }
     /// The importance of a sound has changed, so that the order may not hold any more.
     void ForgetOrder() { isInOrder = count < 2; }
@@ -68,32 +69,45 @@ public:
     void ForEach(Visit visit) const
     {
         // The sounds lie all over the memory. Where they stood at the last walk is, but for a few, where they
-        // stand now, and so tells what to fetch ahead; a sound that has gone since does no harm.
+        // stand now, and so tells what to fetch ahead.
         std::size_t place = 0;
         for (IListNode* node = head.next; node != &head; node = node->next, ++place) {
-            if (place + prefetchDistance < lastWalk.size())
-                PrefetchLinks(lastWalk[place + prefetchDistance]);
+            if (place + prefetchDistance < known.size())
+                PrefetchLinks(known[place + prefetchDistance]);
+            if (place == known.size())
+                known.push_back(nullptr);
             auto* sound = static_cast<SndBase*>(node);
-            if (place < lastWalk.size())
-                lastWalk[place] = sound;
-            else
-                lastWalk.push_back(sound);
+            MakeKnown(*sound, place);
             visit(*sound);
         }
-        lastWalk.resize(place);
+        known.resize(place);
+        numGone = 0;
     }
 
 private:
     SndBase* ToSound(IListNode* node) const { return node == &head ? nullptr : static_cast<SndBase*>(node); }
+    void MakeKnown(SndBase& sound, std::size_t place) const
+    {
+        known[place] = &sound;
+        sound.knownPlace = static_cast<std::uint32_t>(place);
+    }
     IListNode* FindPlace(const SndBase& sound);
+    IListNode* FindNear(const SndBase& sound);
+    SndBase* FindKnown(const SndBase& sound);
     void InsertBefore(IListNode& place, SndBase& sound);
+    void Forget(const SndBase& sound);
 
     IListNode head;
     int count = 0;
     int numMusic = 0;
     bool isInOrder = true;
-    IListNode* lastInserted; ///< Or the head, when there is none.
-    mutable EngineVector<const SndBase*> lastWalk; ///< For fetching ahead only.
+    std::array<SndBase*, 8> fingers{}; ///< Where sounds went in lately; null where there is none.
+    std::size_t nextFinger = 0;
+
+    /// The sounds as the last walk or Reorder() left them, with null for those that have gone since. Those
+    /// that have come since are not among them.
+    mutable EngineVector<SndBase*> known;
+    mutable std::size_t numGone = 0;
 };
 
 } // namespace Quon
