@@ -9,7 +9,7 @@ class SndBase;
 class SndFile;
 
 /// How many sounds ahead a walk fetches into the cache.
-inline constexpr std::size_t prefetchDistance = 16;
+inline constexpr int prefetchDistance = 16;
 
 /// Asks the processor to fetch what stands at an address, which need not be valid.
 inline void PrefetchLine(const void* address)

@@ -1,7 +1,10 @@
 #include "harmonet/kernel/SndList.h"
 
+#include "harmonet/kernel/SoundWalk.h"
+
 #include <algorithm>
 #include <cassert>
+#include <utility>
 
 namespace Quon
 {
@@ -76,6 +79,7 @@ SndBase* SndList::FindKnown(const SndBase& sound)
 void SndList::Remove(SndBase& sound)
 {
     assert(sound.list == this);
+    TellWalks();
     Forget(sound);
     std::replace(fingers.begin(), fingers.end(), &sound, ToSound(sound.next));
     sound.Unlink();
@@ -110,10 +114,28 @@ SndBase* SndList::TakeHead()
 void SndList::InsertBefore(IListNode& place, SndBase& sound)
 {
     assert(!sound.list);
+    TellWalks();
     sound.LinkBefore(place);
     sound.list = this;
     ++count;
     numMusic += sound.IsMusic() ? 1 : 0;
+}
+
+void SndList::AddWalk(SoundWalk& walk)
+{
+    walk.outerWalk = std::exchange(innermostWalk, &walk);
+}
+
+void SndList::RemoveWalk(SoundWalk& walk)
+{
+    assert(innermostWalk == &walk);
+    innermostWalk = walk.outerWalk;
+}
+
+void SndList::TellWalks()
+{
+    for (; innermostWalk; innermostWalk = innermostWalk->outerWalk)
+        innermostWalk->TakeDown();
 }
 
 } // namespace Quon

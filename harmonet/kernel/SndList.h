@@ -9,6 +9,8 @@
 namespace Quon
 {
 
+class SoundWalk;
+
 /// An intrusive list of sounds with a count: the kernel's lists. A sound is on one list at most and knows it.
 ///
 /// The sorted lists have the least important sound at the head. What a sound is compared by changes between
@@ -84,6 +86,19 @@ public:
         numGone = 0;
     }
 
+    /// The sound that stood so many places towards the tail of this one when ForEach() or Reorder() last went
+    /// over the list; null if that is not known or the sound has left the list. For fetching ahead.
+    const SndBase* GetKnownNear(const SndBase& sound, int distance) const
+    {
+        const std::size_t near = sound.knownPlace + static_cast<std::size_t>(distance);
+        return near < known.size() ? known[near] : nullptr;
+    }
+
+    /// A walk that follows this list has to be told before the list changes. The walk takes itself out with
+    /// the second, if it has not been told meanwhile; nested ones do so in turn.
+    void AddWalk(SoundWalk& walk);
+    void RemoveWalk(SoundWalk& walk);
+
 private:
     SndBase* ToSound(IListNode* node) const { return node == &head ? nullptr : static_cast<SndBase*>(node); }
     void MakeKnown(SndBase& sound, std::size_t place) const
@@ -96,6 +111,7 @@ private:
     SndBase* FindKnown(const SndBase& sound);
     void InsertBefore(IListNode& place, SndBase& sound);
     void Forget(const SndBase& sound);
+    void TellWalks();
 
     IListNode head;
     int count = 0;
@@ -103,6 +119,8 @@ private:
     bool isInOrder = true;
     std::array<SndBase*, 8> fingers{}; ///< Where sounds went in lately; null where there is none.
     std::size_t nextFinger = 0;
+
+    SoundWalk* innermostWalk = nullptr; ///< Of those that follow this list.
 
     /// The sounds as the last walk or Reorder() left them, with null for those that have gone since. Those
     /// that have come since are not among them.

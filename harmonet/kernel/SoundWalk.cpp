@@ -3,7 +3,6 @@
 #include "harmonet/kernel/Prefetch.h"
 #include "harmonet/kernel/SndKernel.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace Quon
@@ -24,23 +23,23 @@ void WalkBuffers::GiveBack(EngineVector<KnownSound>&& buffer)
     spare.push_back(std::move(buffer));
 }
 
-SoundWalk::SoundWalk(
-    SndKernel& newKernel, const SndList& newList, Direction direction, Newcomers newNewcomers)
+SoundWalk::SoundWalk(SndKernel& newKernel, SndList& newList, Direction newDirection, Newcomers newNewcomers)
     : kernel(newKernel)
     , list(&newList)
+    , direction(newDirection)
     , newcomers(newNewcomers)
-    , sounds(newKernel.walkBuffers.Take())
+    , followsList(true)
+    , cursor(newDirection == FromHead ? newList.GetHead() : newList.GetTail())
     , numRemovedAtStart(newKernel.soundTable.GetNumRemoved())
 {
-    list->ForEach([this](SndBase& sound) { sounds.push_back({&sound, sound.GetSoundID()}); });
-    if (direction == FromTail)
-        std::reverse(sounds.begin(), sounds.end());
+    list->AddWalk(*this);
 }
 
 SoundWalk::SoundWalk(SndKernel& newKernel, EngineVector<KnownSound>&& newSounds)
     : kernel(newKernel)
     , list(nullptr)
     , newcomers(Visit)
+    , followsList(false)
     , sounds(std::move(newSounds))
     , numRemovedAtStart(newKernel.soundTable.GetNumRemoved())
 {
@@ -48,41 +47,71 @@ SoundWalk::SoundWalk(SndKernel& newKernel, EngineVector<KnownSound>&& newSounds)
 
 SoundWalk::~SoundWalk()
 {
-    kernel.walkBuffers.GiveBack(std::move(sounds));
+    if (followsList)
+        list->RemoveWalk(*this);
+    else
+        kernel.walkBuffers.GiveBack(std::move(sounds));
 }
 
 SndBase* SoundWalk::Next()
 {
+    while (SndBase* sound = followsList ? NextOfList() : NextTakenDown()) {
+        if (newcomers == Visit || !kernel.IsNewcomer(*sound))
+            return sound;
+    }
+    return nullptr;
+}
+
+SndBase* SoundWalk::NextOfList()
+{
+    SndBase* sound = cursor;
+    if (sound) {
+        FetchAhead(*sound);
+        cursor = GetNeighbour(*sound);
+    }
+    return sound;
+}
+
+SndBase* SoundWalk::NextTakenDown()
+{
     while (place < sounds.size()) {
-        FetchAhead();
         const KnownSound& known = sounds[place++];
-        if (!IsStillThere(known) || (list && !list->Holds(*known.sound)))
-            continue;
-        if (newcomers == Visit || !kernel.IsNewcomer(*known.sound))
+        if (IsStillThere(known) && (!list || list->Holds(*known.sound)))
             return known.sound;
     }
     return nullptr;
 }
 
-// The sound first, and its file when the sound has come.
-void SoundWalk::FetchAhead() const
+// The list is about to change.
+void SoundWalk::TakeDown()
 {
-    if (place + prefetchDistance < sounds.size())
-        PrefetchSound(sounds[place + prefetchDistance].sound);
-    constexpr std::size_t fileDistance = prefetchDistance / 2;
-    if (place + fileDistance < sounds.size() && HaveAllStayed())
-        PrefetchFile(sounds[place + fileDistance].sound->GetSndFile());
+    sounds = kernel.walkBuffers.Take();
+    for (SndBase* sound = cursor; sound; sound = GetNeighbour(*sound))
+        sounds.push_back({sound, sound->GetSoundID()});
+    followsList = false;
 }
 
-bool SoundWalk::HaveAllStayed() const
+SndBase* SoundWalk::GetNeighbour(const SndBase& sound) const
 {
-    return kernel.soundTable.GetNumRemoved() == numRemovedAtStart;
+    return direction == FromHead ? list->GetNext(sound) : list->GetPrevious(sound);
+}
+
+// The sound first, and its file when the sound has come.
+void SoundWalk::FetchAhead(const SndBase& sound) const
+{
+    constexpr int soundDistance = prefetchDistance;
+    constexpr int fileDistance = soundDistance / 2;
+    const int sign = direction == FromHead ? 1 : -1;
+    PrefetchSound(list->GetKnownNear(sound, sign * soundDistance));
+    if (const SndBase* ahead = list->GetKnownNear(sound, sign * fileDistance))
+        PrefetchFile(ahead->GetSndFile());
 }
 
 // As long as no sound has left the table, the pointers are as good as the ids.
 bool SoundWalk::IsStillThere(const KnownSound& known) const
 {
-    return HaveAllStayed() || kernel.soundTable.Find(known.id) == known.sound;
+    return kernel.soundTable.GetNumRemoved() == numRemovedAtStart ||
+        kernel.soundTable.Find(known.id) == known.sound;
 }
 
 } // namespace Quon

@@ -34,9 +34,11 @@ private:
 /// A walk over sounds that stays sound whatever happens on the way, when observers start, stop and delete
 /// sounds.
 ///
-/// It goes by the ids of the sounds that were there when it began: each of them that still exists is visited
-/// once and in order, none that came later is. A walk over a list passes over a sound that has left that list
-/// meanwhile.
+/// It visits the sounds that were there when it began: each of them that still exists once and in order, none
+/// that came later. A walk over a list passes over a sound that has left that list meanwhile.
+///
+/// A walk over a list goes along the list itself for as long as that does not change. Before it does, the
+/// list has the walk take down the ids of what is still to come.
 class SoundWalk
 {
 public:
@@ -53,7 +55,7 @@ public:
         Visit
     };
 
-    SoundWalk(SndKernel& newKernel, const SndList& newList, Direction direction, Newcomers newNewcomers);
+    SoundWalk(SndKernel& newKernel, SndList& newList, Direction newDirection, Newcomers newNewcomers);
     /// Over these sounds of the id table, in a buffer of the kernel's. Newcomers are visited.
     SoundWalk(SndKernel& newKernel, EngineVector<KnownSound>&& newSounds);
     SoundWalk(const SoundWalk&) = delete;
@@ -64,14 +66,23 @@ public:
     SndBase* Next();
 
 private:
-    void FetchAhead() const;
-    bool HaveAllStayed() const;
+    friend class SndList;
+
+    void TakeDown();
+    SndBase* NextOfList();
+    SndBase* NextTakenDown();
+    SndBase* GetNeighbour(const SndBase& sound) const;
+    void FetchAhead(const SndBase& sound) const;
     bool IsStillThere(const KnownSound& known) const;
 
     SndKernel& kernel;
-    const SndList* list;
+    SndList* list; ///< Null for a walk over the table.
+    Direction direction = FromHead;
     Newcomers newcomers;
-    EngineVector<KnownSound> sounds;
+    bool followsList;
+    SndBase* cursor = nullptr; ///< While it follows the list: the next sound.
+    SoundWalk* outerWalk = nullptr; ///< Meanwhile, the walk over the same list that this one is nested in.
+    EngineVector<KnownSound> sounds; ///< Taken down.
     std::size_t place = 0;
     std::uint64_t numRemovedAtStart;
 };
