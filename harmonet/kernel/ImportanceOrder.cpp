@@ -3,7 +3,6 @@
 #include "harmonet/kernel/NameNumbers.h"
 #include "harmonet/kernel/SndList.h"
 
-#include <algorithm>
 #include <bit>
 #include <utility>
 
@@ -53,6 +52,8 @@ void ImportanceOrder::Gather(std::span<SndList* const> lists, NameNumbers& names
         });
     }
     numRated.assign(names.GetCount(), 0);
+    while (multipliers.size() < members.size())
+        multipliers.push_back(multipliers.empty() ? 1.0F : multipliers.back() * lossFactor);
 }
 
 void ImportanceOrder::RateDuplicates()
@@ -62,16 +63,9 @@ void ImportanceOrder::RateDuplicates()
     for (std::size_t place = 0; place < entries.size(); ++place) {
         PrefetchMember(members, place + prefetchDistance);
         Member& member = members[entries[place].member];
-        member.multiplier = GetMultiplier(numRated[member.nameNumber]++);
+        member.multiplier = multipliers[numRated[member.nameNumber]++];
         member.distance = SndBase::WeightDistance(member.distance, member.multiplier);
     }
-}
-
-float ImportanceOrder::GetMultiplier(std::uint32_t numLosses)
-{
-    while (numLosses >= multipliers.size())
-        multipliers.push_back(multipliers.empty() ? 1.0F : multipliers.back() * lossFactor);
-    return multipliers[numLosses];
 }
 
 // The members are the list's sounds in the list's order.
@@ -100,26 +94,29 @@ void ImportanceOrder::PrefetchMember(std::span<const Member> sorted, std::size_t
 // fits into one word; else the distance is sorted by first and the priority afterwards.
 void ImportanceOrder::Sort(std::span<const Member> sorted, Direction direction)
 {
+    entries.resize(sorted.size());
+    if (sorted.empty())
+        return;
     const Key turned = direction == MostImportantFirst ? ~Key{0} : Key{0};
+    const Key first = MakeKey(sorted.front()) ^ turned;
     Key differing = 0;
-    bool isInOrder = true;
     Key before = 0;
+    bool isInOrder = true;
     for (const Member& member : sorted) {
         const Key key = MakeKey(member) ^ turned;
-        differing |= key ^ (MakeKey(sorted.front()) ^ turned);
+        differing |= key ^ first;
         isInOrder = isInOrder && before <= key;
         before = key;
     }
     const int distanceBits = std::bit_width(static_cast<std::uint32_t>(differing));
     const int priorityBits = std::bit_width(static_cast<std::uint32_t>(differing >> wordBits));
     const bool fits = distanceBits + priorityBits <= wordBits;
-    entries.clear();
+    const Key distanceMask = LowBits(distanceBits);
+    const Key priorityMask = fits ? LowBits(priorityBits) : 0;
     for (std::uint32_t place = 0; place < sorted.size(); ++place) {
         const Key key = MakeKey(sorted[place]) ^ turned;
-        const std::uint32_t distance = static_cast<std::uint32_t>(key) & LowBits(distanceBits);
-        const std::uint32_t priority = static_cast<std::uint32_t>(key >> wordBits) & LowBits(priorityBits);
-        entries.push_back(
-            {fits ? static_cast<std::uint32_t>(Key{priority} << distanceBits) | distance : distance, place});
+        const Key packed = (key >> wordBits & priorityMask) << distanceBits | (key & distanceMask);
+        entries[place] = {static_cast<std::uint32_t>(packed), place};
     }
     if (isInOrder)
         return;
@@ -131,47 +128,48 @@ void ImportanceOrder::Sort(std::span<const Member> sorted, Direction direction)
     RadixSort(wordBits);
 }
 
-// A stable sort by the lowest bits of the keys, from the lowest digit to the highest.
+// A stable sort by the lowest bits of the keys. Wide digits take fewer passes over the sounds, narrow ones
+// fewer counters.
 void ImportanceOrder::RadixSort(int bits)
 {
-    const int passes = CountPasses(bits);
-    const int digitBits = (bits + passes - 1) / std::max(passes, 1);
+    constexpr std::size_t fewSounds = 3000;
+    const int wideBits = entries.size() < fewSounds ? 8 : 11;
+    switch ((bits + wideBits - 1) / wideBits) {
+    case 0:
+        return;
+    case 1:
+        return RadixSortInPasses<1>(bits);
+    case 2:
+        return RadixSortInPasses<2>(bits);
+    case 3:
+        return RadixSortInPasses<3>(bits);
+    default:
+        return RadixSortInPasses<4>(bits);
+    }
+}
+
+// One digit for each pass, from the lowest to the highest.
+template<int passes>
+void ImportanceOrder::RadixSortInPasses(int bits)
+{
+    const int digitBits = (bits + passes - 1) / passes;
     const std::size_t numValues = std::size_t{1} << digitBits;
     const std::uint32_t digitMask = LowBits(digitBits);
-    places.assign(static_cast<std::size_t>(passes) * numValues, 0);
+    places.assign(passes * numValues, 0);
     for (const Entry& entry : entries) {
         for (int pass = 0; pass < passes; ++pass)
-            ++places[static_cast<std::size_t>(pass) * numValues +
-                (entry.key >> pass * digitBits & digitMask)];
+            ++places[pass * numValues + (entry.key >> pass * digitBits & digitMask)];
     }
     scratch.resize(entries.size());
     for (int pass = 0; pass < passes; ++pass) {
-        std::uint32_t* const placesOfPass = places.data() + static_cast<std::size_t>(pass) * numValues;
+        const std::span placesOfPass(places.data() + pass * numValues, numValues);
         std::uint32_t begin = 0;
-        for (std::size_t value = 0; value < numValues; ++value)
-            begin += std::exchange(placesOfPass[value], begin);
+        for (std::uint32_t& place : placesOfPass)
+            begin += std::exchange(place, begin);
         for (const Entry& entry : entries)
             scratch[placesOfPass[entry.key >> pass * digitBits & digitMask]++] = entry;
         entries.swap(scratch);
     }
-}
-
-// Wide digits take fewer passes over the sounds, narrow ones fewer counters.
-int ImportanceOrder::CountPasses(int bits) const
-{
-    constexpr int maxDigitBits = 12;
-    int best = 0;
-    std::size_t bestCost = 0;
-    for (int passes = (bits + maxDigitBits - 1) / maxDigitBits; passes <= 4; ++passes) {
-        const int digitBits = (bits + passes - 1) / std::max(passes, 1);
-        const std::size_t cost =
-            static_cast<std::size_t>(passes) * (entries.size() + (std::size_t{1} << digitBits));
-        if (best == 0 || cost < bestCost) {
-            best = passes;
-            bestCost = cost;
-        }
-    }
-    return best;
 }
 
 } // namespace Quon

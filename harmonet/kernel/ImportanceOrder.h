@@ -61,9 +61,9 @@ private:
     /// Fills `entries` with the numbers of these members in order; equal ones keep theirs.
     void Sort(std::span<const Member> sorted, Direction direction);
     void RadixSort(int bits);
-    int CountPasses(int bits) const;
+    template<int passes>
+    void RadixSortInPasses(int bits);
     void PrefetchMember(std::span<const Member> sorted, std::size_t place) const;
-    float GetMultiplier(std::uint32_t numLosses);
 
     EngineVector<Member> members;
     EngineVector<Entry> entries;

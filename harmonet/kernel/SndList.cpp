@@ -97,6 +97,9 @@ void SndList::Forget(const SndBase& sound)
         return;
     known[sound.knownPlace] = nullptr;
     ++numGone;
+    // Mostly the most important leave, one after the other.
+    for (; !known.empty() && !known.back(); --numGone)
+        known.pop_back();
     if (2 * numGone > known.size()) {
         known.clear();
         numGone = 0;
