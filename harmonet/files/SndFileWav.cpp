@@ -103,8 +103,11 @@ int SndFileWav::SkipSamples(int samples)
 {
     if (fileType != FileWav)
         return 0;
-    const std::int64_t framesInData = static_cast<std::int64_t>(size) / BytesPerFrame();
-    const std::int64_t end = std::min<std::int64_t>(soundSamples, framesInData);
+    // Mostly all is there, and nothing has to be divided: an update comes here for each sound that is not
+    // heard.
+    const auto bytes = static_cast<std::int64_t>(size);
+    const bool isAllThere = std::int64_t{soundSamples} * BytesPerFrame() <= bytes;
+    const std::int64_t end = isAllThere ? soundSamples : bytes / BytesPerFrame();
     const int skipped = static_cast<int>(
         std::clamp<std::int64_t>(samples, 0, std::max<std::int64_t>(end - currentSample, 0)));
     currentSample += skipped;

@@ -118,7 +118,7 @@ bool SndBase::AdvanceEmulated(std::uint32_t samples)
         total += CountSamples(*file);
     if (total == 0)
         return false;
-    const int rest = static_cast<int>(samples % total);
+    const int rest = static_cast<int>(samples < total ? samples : samples % total);
     return IsLooping() ? AdvanceLooping(rest) : AdvanceAlongQueue(rest);
 }
 

@@ -23,11 +23,11 @@ constexpr std::uint32_t LowBits(int count)
 } // namespace
 
 // Distances are never negative and never NaN, and the bits of such floats are in the order of their values.
-ImportanceOrder::Key ImportanceOrder::MakeKey(const Member& member)
+ImportanceOrder::Key ImportanceOrder::MakeKey(int priority, float distance)
 {
     constexpr std::uint32_t signBit = 0x80000000;
-    const std::uint32_t high = static_cast<std::uint32_t>(member.priority) ^ signBit;
-    return static_cast<Key>(high) << wordBits | ~std::bit_cast<std::uint32_t>(member.distance);
+    const std::uint32_t high = static_cast<std::uint32_t>(priority) ^ signBit;
+    return static_cast<Key>(high) << wordBits | ~std::bit_cast<std::uint32_t>(distance);
 }
 
 void ImportanceOrder::Apply(std::span<SndList* const> lists, NameNumbers& names)
@@ -45,10 +45,12 @@ void ImportanceOrder::Apply(std::span<SndList* const> lists, NameNumbers& names)
 void ImportanceOrder::Gather(std::span<SndList* const> lists, NameNumbers& names)
 {
     members.clear();
+    differing = 0;
     for (const SndList* list : lists) {
         list->ForEach([&](SndBase& sound) {
-            members.push_back({&sound, sound.GetPriority(), sound.GetPlainDistSqr(), sound.GetMultiplier(),
-                sound.GetNameNumber(names)});
+            const Key key = MakeKey(sound.GetPriority(), sound.GetPlainDistSqr());
+            members.push_back({&sound, key, 1.0F, sound.GetNameNumber(names)});
+            differing |= key ^ members.front().key;
         });
     }
     numRated.assign(names.GetCount(), 0);
@@ -64,7 +66,10 @@ void ImportanceOrder::RateDuplicates()
         PrefetchMember(members, place + prefetchDistance);
         Member& member = members[entries[place].member];
         member.multiplier = multipliers[numRated[member.nameNumber]++];
-        member.distance = SndBase::WeightDistance(member.distance, member.multiplier);
+        const auto distance = std::bit_cast<float>(~static_cast<std::uint32_t>(member.key));
+        const float weighted = SndBase::WeightDistance(distance, member.multiplier);
+        member.key = (member.key >> wordBits << wordBits) | ~std::bit_cast<std::uint32_t>(weighted);
+        differing |= member.key ^ members.front().key;
     }
 }
 
@@ -94,37 +99,23 @@ void ImportanceOrder::PrefetchMember(std::span<const Member> sorted, std::size_t
 // fits into one word; else the distance is sorted by first and the priority afterwards.
 void ImportanceOrder::Sort(std::span<const Member> sorted, Direction direction)
 {
-    entries.resize(sorted.size());
-    if (sorted.empty())
-        return;
     const Key turned = direction == MostImportantFirst ? ~Key{0} : Key{0};
-    const Key first = MakeKey(sorted.front()) ^ turned;
-    Key differing = 0;
-    Key before = 0;
-    bool isInOrder = true;
-    for (const Member& member : sorted) {
-        const Key key = MakeKey(member) ^ turned;
-        differing |= key ^ first;
-        isInOrder = isInOrder && before <= key;
-        before = key;
-    }
     const int distanceBits = std::bit_width(static_cast<std::uint32_t>(differing));
     const int priorityBits = std::bit_width(static_cast<std::uint32_t>(differing >> wordBits));
     const bool fits = distanceBits + priorityBits <= wordBits;
     const Key distanceMask = LowBits(distanceBits);
     const Key priorityMask = fits ? LowBits(priorityBits) : 0;
+    entries.resize(sorted.size());
     for (std::uint32_t place = 0; place < sorted.size(); ++place) {
-        const Key key = MakeKey(sorted[place]) ^ turned;
+        const Key key = sorted[place].key ^ turned;
         const Key packed = (key >> wordBits & priorityMask) << distanceBits | (key & distanceMask);
         entries[place] = {static_cast<std::uint32_t>(packed), place};
     }
-    if (isInOrder)
-        return;
     RadixSort(fits ? distanceBits + priorityBits : distanceBits);
     if (fits)
         return;
     for (Entry& entry : entries)
-        entry.key = static_cast<std::uint32_t>((MakeKey(sorted[entry.member]) ^ turned) >> wordBits);
+        entry.key = static_cast<std::uint32_t>((sorted[entry.member].key ^ turned) >> wordBits);
     RadixSort(wordBits);
 }
 
@@ -156,18 +147,20 @@ void ImportanceOrder::RadixSortInPasses(int bits)
     const std::size_t numValues = std::size_t{1} << digitBits;
     const std::uint32_t digitMask = LowBits(digitBits);
     places.assign(passes * numValues, 0);
+    std::uint32_t* const counters = places.data();
     for (const Entry& entry : entries) {
         for (int pass = 0; pass < passes; ++pass)
-            ++places[pass * numValues + (entry.key >> pass * digitBits & digitMask)];
+            ++counters[pass * numValues + (entry.key >> pass * digitBits & digitMask)];
     }
     scratch.resize(entries.size());
     for (int pass = 0; pass < passes; ++pass) {
-        const std::span placesOfPass(places.data() + pass * numValues, numValues);
+        std::uint32_t* const placesOfPass = counters + pass * numValues;
         std::uint32_t begin = 0;
-        for (std::uint32_t& place : placesOfPass)
-            begin += std::exchange(place, begin);
+        for (std::size_t value = 0; value < numValues; ++value)
+            begin += std::exchange(placesOfPass[value], begin);
+        Entry* const target = scratch.data();
         for (const Entry& entry : entries)
-            scratch[placesOfPass[entry.key >> pass * digitBits & digitMask]++] = entry;
+            target[placesOfPass[entry.key >> pass * digitBits & digitMask]++] = entry;
         entries.swap(scratch);
     }
 }

@@ -38,12 +38,14 @@ private:
         LeastImportantFirst,
         MostImportantFirst
     };
+    /// Greater is more important, and equal is equal, as the comparison of sounds has it: the priority, and
+    /// below it the squared distance, plain before the rating and weighted after it.
+    using Key = std::uint64_t;
     struct Member
     {
         SndBase* sound;
-        int priority;
-        float distance; ///< Squared; plain before the rating, weighted after it.
-        float multiplier; ///< After the rating.
+        Key key;
+        float multiplier;
         std::uint32_t nameNumber;
     };
     struct Entry
@@ -51,10 +53,8 @@ private:
         std::uint32_t key;
         std::uint32_t member;
     };
-    /// Greater is more important, and equal is equal, as the comparison of sounds has it.
-    using Key = std::uint64_t;
 
-    static Key MakeKey(const Member& member);
+    static Key MakeKey(int priority, float distance);
     void Gather(std::span<SndList* const> lists, NameNumbers& names);
     void RateDuplicates();
     void SortList(SndList& list, std::span<const Member> listed);
@@ -66,6 +66,7 @@ private:
     void PrefetchMember(std::span<const Member> sorted, std::size_t place) const;
 
     EngineVector<Member> members;
+    Key differing = 0; ///< The bits in which the keys are not all the same, and perhaps others.
     EngineVector<Entry> entries;
     EngineVector<Entry> scratch;
     EngineVector<std::uint32_t> places; ///< Of the values of the digits.
