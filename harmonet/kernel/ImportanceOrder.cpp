@@ -61,6 +61,7 @@ void ImportanceOrder::Gather(std::span<SndList* const> lists, NameNumbers& names
 void ImportanceOrder::RateDuplicates()
 {
     Sort(members, MostImportantFirst);
+    const Key before = members.empty() ? 0 : members.front().key;
     // In this order a sound has lost to all like sounds that stand in front of it.
     for (std::size_t place = 0; place < entries.size(); ++place) {
         PrefetchMember(members, place + prefetchDistance);
@@ -69,7 +70,7 @@ void ImportanceOrder::RateDuplicates()
         const auto distance = std::bit_cast<float>(~static_cast<std::uint32_t>(member.key));
         const float weighted = SndBase::WeightDistance(distance, member.multiplier);
         member.key = (member.key >> wordBits << wordBits) | ~std::bit_cast<std::uint32_t>(weighted);
-        differing |= member.key ^ members.front().key;
+        differing |= member.key ^ before;
     }
 }
 
