@@ -25,7 +25,7 @@ using Bench::CrowdPlan;
 
 constexpr int fileCount = 200;
 constexpr int scarceChannels = 64;
-constexpr int warmUpUpdates = 10;
+constexpr int warmUpUpdates = 20;
 
 enum class Kind
 {
@@ -115,20 +115,25 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
     crowd.Grow(std::min(size.sounds, fileCount));
     const std::size_t bytesBefore = UsedBytes();
     crowd.Grow(size.sounds);
-    for (int i = 0; i < warmUpUpdates; ++i)
-        host.Update();
     if (size.sounds > 2 * fileCount)
         state.counters["bytes_per_sound"] =
             static_cast<double>(UsedBytes() - bytesBefore) / (size.sounds - fileCount);
 
     float x = 0.0F;
-    Times times(size.updates);
-    std::uint64_t allocations = 0;
-    for (auto _ : state) {
+    const auto move = [&] {
         if (kind != Kind::Still) {
             crowd.MoveHalf();
             host.GetListener().SetPosition({x += 0.1F, 0.0F, 0.0F});
         }
+    };
+    for (int i = 0; i < warmUpUpdates; ++i) {
+        move();
+        host.Update();
+    }
+    Times times(size.updates);
+    std::uint64_t allocations = 0;
+    for (auto _ : state) {
+        move();
         const std::uint64_t before = Bench::CountAllocations();
         state.SetIterationTime(1e-6 * times.Take([&] { host.Update(); }));
         allocations += Bench::CountAllocations() - before;
