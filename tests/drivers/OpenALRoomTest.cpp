@@ -1,6 +1,8 @@
+#include "drivers/openal/Acoustics.h"
 #include "drivers/openal/DeviceSource.h"
 #include "drivers/openal/OutputDevice.h"
-#include "drivers/openal/Room.h"
+#include "drivers/openal/SourceAcoustics.h"
+#include "drivers/openal/Voice.h"
 #include "examples/effects/Decay.h"
 #include "harmonet/definitions/EnvReverbPresets.h"
 #include "tests/drivers/FormulaFile.h"
@@ -270,6 +272,56 @@ TEST_F(Rooms, SourcePropertiesAreToldAsTheyAreAppliedAndOnlyOfPositionalSounds)
     EXPECT_FALSE(flat->SetFXEnvReverbSourceProperties(&onlyRoom));
     EXPECT_FALSE(flat->GetFXEnvReverbSourceProperties(&live));
     EXPECT_FALSE(rig.GetDriver().SetFXEnvReverb(nullptr, 2, 0));
+}
+
+// As a sound card does it: time goes on in steps of 10 ms, and now and then the device mixes what is due.
+TEST(OpenALRoom, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
+{
+    for (const int period : {220, 1024, 2500}) {
+        SCOPED_TRACE(period);
+        OutputDevice device(DeviceSource::GetMachine());
+        ASSERT_TRUE(device.OpenLoopback(rateHz, Hrtf::Off));
+        const ContextScope scope(device);
+        Acoustics acoustics(device);
+        ASSERT_TRUE(acoustics.Create());
+        Rendering heard{rateHz, 2, false, {}};
+        {
+            Voice voice;
+            ASSERT_TRUE(voice.Create(false));
+            voice.Begin(true);
+            voice.SetPosition({0, 0, -1});
+            SourceAcoustics source(acoustics);
+            source.Begin(voice.GetSource(), true, false, SndFXList());
+            std::vector<float> tone(5 * rateHz);
+            for (size_t i = 0; i < tone.size(); ++i) {
+                const double rise = std::min(static_cast<double>(i) / rateHz, 1.0);
+                tone[i] = static_cast<float>(0.2 * rise * Sine(100, 1, rateHz)(static_cast<int>(i), 0));
+            }
+            voice.Queue(tone.data(), static_cast<int>(tone.size()), 1, rateHz);
+            const FXEnvReverb* const rooms[] = {&fxEnvReverbHangar, &fxEnvReverbPaddedCell, nullptr};
+            for (int ms = 0; ms < 4500; ms += 10) {
+                if (ms % 450 == 0) {
+                    const FXEnvReverb* const room = rooms[ms / 450 % 3];
+                    acoustics.ResetRoom();
+                    EXPECT_EQ(acoustics.SetRoom(room), room != nullptr);
+                }
+                acoustics.Tick(std::int64_t{ms} * rateHz / 1000);
+                if (source.IsBehind()) {
+                    source.Follow(voice.IsPlaying());
+                }
+                while (static_cast<int>(heard.GetFrames()) + period < ms * rateHz / 1000) {
+                    std::vector<float> block(static_cast<size_t>(2 * period));
+                    device.Render(block.data(), period);
+                    heard.samples.insert(heard.samples.end(), block.begin(), block.end());
+                }
+            }
+        }
+        EXPECT_LT(heard.LargestBend(1, heard.GetFrames()), 1e-4);
+        EXPECT_GT(
+            heard.LargestStep(1, heard.GetFrames()), 1.1 * 0.2 * 0.5957 * 2 * std::numbers::pi * 100 / rateHz)
+            << "rooms are heard";
+        acoustics.Destroy();
+    }
 }
 
 /// OpenAL's slots, of which there is only one.

@@ -1,4 +1,3 @@
-#include "harmonet/definitions/EnvReverbPresets.h"
 #include "tests/drivers/FormulaFile.h"
 #include "tests/drivers/OfflineRig.h"
 
@@ -60,45 +59,6 @@ TEST(OpenALWaveOut, SoundsThatAreStoppedAndTakenUpInTheMiddleOfAWaveDoNotClickOn
     ASSERT_GT(heard.GetFrames(), static_cast<size_t>(20 * rateHz / 10));
     EXPECT_NEAR(heard.Level(rateHz / 10, rateHz / 5, 0), 0.8 / std::numbers::sqrt2, 0.2);
     EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 2 * 0.8 * 2 * std::numbers::pi * 97 / rateHz);
-}
-
-TEST(OpenALWaveOut, AChangeOfRoomDoesNotClickOnACardEither)
-{
-    const FXEnvReverb* const rooms[] = {
-        &fxEnvReverbHangar, &fxEnvReverbPaddedCell, nullptr, &fxEnvReverbUnderwater};
-    const auto file = MakeFile({100 * rateHz, rateHz}, Sine(97, 0.2, rateHz));
-    DriverRig rig("HarmonetOpenAL");
-    const int streamLength = 1000;
-    ASSERT_TRUE(rig.Open(rateHz, 8, streamLength));
-    SndChannel* const channel = rig.Create(*file, ChanPositional);
-    channel->SetPosition({0, 0, -1});
-    channel->FadeIn(300);
-    channel->Play();
-    for (int i = 0; i < 20; ++i) {
-        const FXEnvReverb* const room = rooms[i % 4];
-        const auto change = [&] {
-            if (room) {
-                EXPECT_TRUE(rig.GetDriver().SetFXEnvReverb(room, 2, 0));
-            }
-            else {
-                rig.GetDriver().ResetFXEnvReverb(0);
-            }
-        };
-        // Within an update settings are held back to its end, outside of it they are not.
-        if (i % 3 == 0) {
-            change();
-        }
-        else {
-            rig.Step(40, change);
-        }
-        ASSERT_TRUE(file->WaitUntilRead(file->GetFramesRead() + rateHz / (i % 2 == 0 ? 3 : 15)));
-    }
-    rig.Close();
-    const Rendering heard = ReadRendering(path);
-    const double dryStep = 0.2 * 0.5957 * 2 * std::numbers::pi * 97 / rateHz;
-    EXPECT_LT(heard.LargestBend(1, heard.GetFrames()), 2e-4);
-    EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 3 * dryStep);
-    EXPECT_GT(heard.LargestStep(1, heard.GetFrames()), 1.1 * dryStep) << "rooms are heard";
 }
 
 TEST(OpenALWaveOut, HrtfIsTheDevicesAffairUnlessItIsAskedFor)
