@@ -121,20 +121,6 @@ TEST_F(TextBlocks, ALineThatFailsLeavesNoPointsAndEndsTheReading)
     }
 }
 
-TEST_F(TextBlocks, ALineCanHaveManyPoints)
-{
-    constexpr int count = 5000;
-    std::string text = "*POLYLINE {\n";
-    for (int i = 0; i < count; ++i)
-        text += "*POINT " + std::to_string(i) + " 0 " + std::to_string(-i) + '\n';
-    LoadBlock(text + '}');
-    ASSERT_EQ(GetDefinition().GetNumPoints(), count);
-    for (int i = 0; i < count; ++i) {
-        const auto x = static_cast<float>(i);
-        ASSERT_EQ(GetDefinition().GetPolyline()[i], (Vector3{x, 0.0F, -x})) << "point " << i;
-    }
-}
-
 } // namespace
 
 } // namespace Quon

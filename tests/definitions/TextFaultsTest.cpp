@@ -110,18 +110,6 @@ TEST_F(TextFaults, AFileWithoutADefinitionIsHeardAsAWhole)
         Check(row, row.text);
 }
 
-TEST_F(TextFaults, AListenerDoesNotChangeWhatIsRead)
-{
-    constexpr const char* texts[] = {"*GAIN 2\n*DELAY -4\n*LOOPING true", "*FX_ECHO { *FEEDBACK x }",
-        "*FREQUENCY 5\n*POLYLINE { *POINT 1 2 3 }\n*GAIN 0", "} *GAIN 0.5", "*SET_FRQUENCY true\n*FX_GARGLE"};
-    for (const char* text : texts) {
-        SCOPED_TRACE(text);
-        const std::string unheard = LoadBlock(text);
-        Notebook notebook;
-        EXPECT_EQ(LoadBlock(text), unheard);
-    }
-}
-
 } // namespace
 
 } // namespace Quon

@@ -39,7 +39,7 @@ TEST_F(TextSettings, EachKeywordReachesItsSetting)
     }
 }
 
-TEST_F(TextSettings, AFrequencyCountsFrom100To100000AndAsksForAChangingRate)
+TEST_F(TextSettings, AFrequencyCountsFrom100To100000AndAsksForAChangingRateUnlessThereAreEffects)
 {
     const Row rows[] = {
         {"below", "*FREQUENCY 99", "0: a.wav"},
@@ -50,27 +50,14 @@ TEST_F(TextSettings, AFrequencyCountsFrom100To100000AndAsksForAChangingRate)
         {"reading goes on", "*FREQUENCY 99\n*GAIN 0.5", "0: a.wav, gain 0.5"},
         {"the flag can be taken back", "*FREQUENCY 22050\n*SET_FRQUENCY false", "0: a.wav, hz 22050"},
         {"not a number", "*FREQUENCY 22050\n*FREQUENCY high\n*GAIN 0.5", "0: a.wav, changing 1"},
+        {"an effect takes it away", "*FREQUENCY 22050\n*FX_GARGLE", "0: a.wav, gargle(20 0)"},
+        {"in any order", "*FX_GARGLE\n*SET_FRQUENCY true\n*FREQUENCY 22050", "0: a.wav, gargle(20 0)"},
+        {"the flag decides, not the frequency", "*FREQUENCY 22050\n*SET_FRQUENCY false\n*FX_GARGLE",
+            "0: a.wav, hz 22050, gargle(20 0)"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
         EXPECT_EQ(LoadBlock(row.text), row.expected);
-    }
-}
-
-TEST_F(TextSettings, EffectsTakeAwayAChangingRateInAnyOrder)
-{
-    constexpr const char* gargle = "gargle(20 0)";
-    const Row rows[] = {
-        {"frequency first", "*FREQUENCY 22050\n*FX_GARGLE", "0: a.wav, "},
-        {"effect first", "*FX_GARGLE\n*FREQUENCY 22050", "0: a.wav, "},
-        {"flag first", "*SET_FRQUENCY true\n*FX_GARGLE", "0: a.wav, "},
-        {"effect before the flag", "*FX_GARGLE\n*SET_FRQUENCY true", "0: a.wav, "},
-        {"the flag decides, not the frequency", "*FREQUENCY 22050\n*SET_FRQUENCY false\n*FX_GARGLE",
-            "0: a.wav, hz 22050, "},
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(LoadBlock(row.text), std::string(row.expected) + gargle);
     }
 }
 

@@ -265,19 +265,4 @@ TEST_F(AdpcmReader, SizesNearTheEndOfTheirTypeAreCounted)
     }
 }
 
-TEST_F(AdpcmReader, AFileThatShrinksWhileItPlaysEndsThere)
-{
-    const AdpcmLayout layout = {1, 20, usualPairs};
-    const Bytes wave = AdpcmWave(layout, Bytes(200, 0));
-    const auto file = OpenBytes(wave);
-    ASSERT_NE(file, nullptr);
-    ASSERT_EQ(ReadFrames(*file, 30).size(), 60u);
-    folder.Resize("sound", wave.size() - 200 + 48);
-    // The second block has been read; the third has 8 bytes left, a header and two codes.
-    EXPECT_EQ(ReadFrames(*file, 100).size(), 2u * (26 + 4));
-    EXPECT_TRUE(ReadFrames(*file, 100).empty());
-    file->Rewind();
-    EXPECT_EQ(ReadAll(*file).size(), 2u * (28 + 28 + 4));
-}
-
 } // namespace

@@ -107,17 +107,3 @@ TEST_F(BadStreams, ChangedBytesInLargeFramesKeepToTheBuffers)
         }
     }
 }
-
-TEST_F(BadStreams, NoiseThatOpensIsSurvived)
-{
-    std::mt19937 random(17);
-    for (int round = 0; round < 300; ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        Bytes noise(4000);
-        for (unsigned char& byte : noise) {
-            byte = static_cast<unsigned char>(random() % 4 == 0 ? 0xFF : random());
-        }
-        std::copy_n(StreamMaker::Header().MakeBytes().begin(), 4, noise.begin());
-        ReadTwice(noise);
-    }
-}

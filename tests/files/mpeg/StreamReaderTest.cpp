@@ -157,18 +157,6 @@ TEST(MpegReader, AFrameWithoutItsReservoirIsSilentAndFillsItsBuffer)
     EXPECT_FALSE(IsSilent(pcm, frame, pcm.size()));
 }
 
-TEST(MpegReader, AStreamCutOutOfALongerOneComesRightWhenItsReservoirHasFilled)
-{
-    const Bytes stream = ReadStream("joint-44100.mp3");
-    const std::vector<int> whole = DecodeAll(stream);
-    // The frames of this stream have 417 or 418 bytes: the cut is made in the middle of the sixth.
-    const std::vector<int> cut = DecodeAll({stream.begin() + 2250, stream.end()});
-    ASSERT_EQ(cut.size() % (2 * frame), 0u);
-    ASSERT_GT(cut.size(), 15u * 2 * frame);
-    constexpr std::ptrdiff_t settled = 12 * 2 * frame;
-    EXPECT_TRUE(std::equal(cut.end() - settled, cut.end(), whole.end() - settled));
-}
-
 TEST(MpegReader, AChangeOfChannelsNeverMixesLayoutsNorOverrunsABuffer)
 {
     StreamMaker::Header stereo = MonoHeader();
