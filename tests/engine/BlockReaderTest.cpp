@@ -1,8 +1,6 @@
 #include "BlockReaderFixture.h"
 
-#include <algorithm>
 #include <clocale>
-#include <vector>
 
 namespace Quon
 {

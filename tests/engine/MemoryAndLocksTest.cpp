@@ -4,7 +4,6 @@
 #include "harmonet/engine/UId.h"
 
 #include <cstdint>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
 #include <thread>

@@ -1,9 +1,6 @@
 #include "tests/files/AdpcmModel.h"
 #include "tests/files/SoundFolder.h"
 
-#include "harmonet/files/SndFileAdpcm.h"
-#include "harmonet/files/SndFileHandle.h"
-
 #include <algorithm>
 #include <fstream>
 #include <iterator>

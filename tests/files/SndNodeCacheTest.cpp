@@ -3,7 +3,6 @@
 #include "harmonet/files/SndNodeCache.h"
 
 #include <algorithm>
-#include <list>
 #include <random>
 
 using namespace Quon;

@@ -1,7 +1,6 @@
 #include "tests/files/SoundFolder.h"
 
 #include "harmonet/files/SndFileAdpcm.h"
-#include "harmonet/files/SndFileHandle.h"
 #include "harmonet/files/SndFileWav.h"
 #include "harmonet/files/SndNode.h"
 

@@ -1,11 +1,9 @@
 #include "harmonet/engine/Particle.h"
 #include "harmonet/files/SndFile.h"
-#include "harmonet/instances/Music.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/output/SndChannel.h"
 #include "tests/support/SoundTest.h"
 
-#include <algorithm>
 #include <limits>
 #include <thread>
 

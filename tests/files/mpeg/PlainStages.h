@@ -7,8 +7,8 @@
 #include <vector>
 
 /// The stages of MPEG Layer III decoding as their formulas stand, slowly and in double precision: what the
-/// library's stages are compared with. They share with the library nothing but plain records and the
-/// standard's numbers.
+/// plain decoder is made of. They share with the library nothing but plain records and the standard's
+/// numbers.
 
 namespace PlainMpeg
 {
