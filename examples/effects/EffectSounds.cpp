@@ -1,6 +1,6 @@
 #include "examples/effects/EffectSounds.h"
 
-#include "examples/effects/Session.h"
+#include "examples/effects/Stage.h"
 
 #include "harmonet/definitions/EnvReverbPresets.h"
 #include "harmonet/definitions/SndFXList.h"
@@ -85,14 +85,14 @@ const NamedRoom rooms[] = {
 void Render(const std::filesystem::path& file, const Insert* insert, const NamedRoom* room)
 {
     const Pcm dry = MakeDrySound();
-    Session session(file);
-    const int id = session.Add(dry, place);
-    if (insert && !insert->set(session.GetSounds(), id))
+    Stage stage(file);
+    const int id = stage.Add(dry, place);
+    if (insert && !insert->set(stage.GetSounds(), id))
         throw std::runtime_error(std::string("no effect: ") + insert->name);
-    if (room && !session.GetListener().SetFXEnvReverb(&room->room, Quon::defaultEnvReverbQuality, 0))
+    if (room && !stage.GetListener().SetFXEnvReverb(&room->room, Quon::defaultEnvReverbQuality, 0))
         throw std::runtime_error("the driver has no rooms");
-    session.Start(id);
-    session.Run(durationMs);
+    stage.Start(id);
+    stage.Run(durationMs);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "examples/effects/PlacementTable.h"
 
-#include "examples/effects/Session.h"
+#include "examples/effects/Stage.h"
 
 #include <algorithm>
 #include <cmath>
@@ -43,11 +43,11 @@ const double fullLevel = GetSides(0.0).left;
 struct Situation
 {
     std::string name;
-    std::function<void(Session&, int)> arrange;
+    std::function<void(Stage&, int)> arrange;
     Sides expected;
 };
 
-Situation AtLevel(const std::string& name, double expected, std::function<void(Session&, int)> arrange)
+Situation AtLevel(const std::string& name, double expected, std::function<void(Stage&, int)> arrange)
 {
     return {name, std::move(arrange), {expected * fullLevel, expected * fullLevel}};
 }
@@ -67,9 +67,9 @@ std::vector<Situation> GetGains()
     std::vector<Situation> all;
     for (const float gain : {1.0F, 0.5F, 0.1F})
         all.push_back(AtLevel("gain " + std::to_string(gain).substr(0, 3), double{gain},
-            [=](Session& session, int id) { session.GetSounds().SetSoundGain(id, gain); }));
-    all.push_back(AtLevel("gain 0.5, main gain 0.5", 0.25, [](Session& session, int id) {
-        session.GetSounds().SetSoundGain(id, 0.5F);
+            [=](Stage& stage, int id) { stage.GetSounds().SetSoundGain(id, gain); }));
+    all.push_back(AtLevel("gain 0.5, main gain 0.5", 0.25, [](Stage& stage, int id) {
+        stage.GetSounds().SetSoundGain(id, 0.5F);
         Quon::SoundSystem::SetMainGain(0.5F);
     }));
     return all;
@@ -81,11 +81,11 @@ Situation FromAfar(double least, double most, double rolloff, double distance)
     const double held = std::min(std::max(distance, least), most);
     char name[100];
     std::snprintf(name, sizeof name, "distance %g of %g to %g, rolloff %g", distance, least, most, rolloff);
-    return AtLevel(name, least / (least + rolloff * (held - least)), [=](Session& session, int id) {
-        session.GetListener().SetRolloffFactor(static_cast<float>(rolloff));
-        session.GetSounds().SetSoundMinMaxDistance(
+    return AtLevel(name, least / (least + rolloff * (held - least)), [=](Stage& stage, int id) {
+        stage.GetListener().SetRolloffFactor(static_cast<float>(rolloff));
+        stage.GetSounds().SetSoundMinMaxDistance(
             id, static_cast<float>(least), static_cast<float>(most), false);
-        session.GetSounds().SetSoundPosition(id, {0.0F, 0.0F, -static_cast<float>(distance)});
+        stage.GetSounds().SetSoundPosition(id, {0.0F, 0.0F, -static_cast<float>(distance)});
     });
 }
 
@@ -102,9 +102,9 @@ std::vector<Situation> GetCutouts()
         char name[100];
         std::snprintf(name, sizeof name, "distance %.1f of 10 to 20, cut out", double{distance});
         const double expected = distance > 20.0F ? 0.0 : 10.0 / double{distance};
-        all.push_back(AtLevel(name, expected, [=](Session& session, int id) {
-            session.GetSounds().SetSoundMinMaxDistance(id, 10.0F, 20.0F, true);
-            session.GetSounds().SetSoundPosition(id, {0.0F, 0.0F, -distance});
+        all.push_back(AtLevel(name, expected, [=](Stage& stage, int id) {
+            stage.GetSounds().SetSoundMinMaxDistance(id, 10.0F, 20.0F, true);
+            stage.GetSounds().SetSoundPosition(id, {0.0F, 0.0F, -distance});
         }));
     }
     return all;
@@ -119,12 +119,12 @@ Situation TurnedAway(double degrees)
     const double part = std::min(std::max((2.0 * degrees - double{inner}) / double{outer - inner}, 0.0), 1.0);
     char name[100];
     std::snprintf(name, sizeof name, "cone of 60 to 120 degrees and 0.2, turned by %g", degrees);
-    return AtLevel(name, 1.0 - part * (1.0 - double{outside}), [=](Session& session, int id) {
+    return AtLevel(name, 1.0 - part * (1.0 - double{outside}), [=](Stage& stage, int id) {
         const double half = degrees * std::numbers::pi / 360.0;
-        session.GetSounds().SetSoundCone(id, inner, outer, outside);
+        stage.GetSounds().SetSoundCone(id, inner, outer, outside);
         // The axis is the node's own +Z, which at first points at the listener.
-        session.GetSounds().BindSoundAxisToDirection(id, 3);
-        session.GetSounds().SetSoundOrientation(
+        stage.GetSounds().BindSoundAxisToDirection(id, 3);
+        stage.GetSounds().SetSoundOrientation(
             id, {0.0F, static_cast<float>(std::sin(half)), 0.0F, static_cast<float>(std::cos(half))});
     });
 }
@@ -142,8 +142,7 @@ std::vector<Situation> GetPans()
         const Quon::Vector3 place = {
             -static_cast<float>(std::sin(radians)), 0.0F, -static_cast<float>(std::cos(radians))};
         all.push_back({std::to_string(degrees) + " degrees to the left",
-            [=](Session& session, int id) { session.GetSounds().SetSoundPosition(id, place); },
-            GetSides(degrees)});
+            [=](Stage& stage, int id) { stage.GetSounds().SetSoundPosition(id, place); }, GetSides(degrees)});
     }
     return all;
 }
@@ -151,13 +150,13 @@ std::vector<Situation> GetPans()
 void PrintRow(const Situation& situation, const std::filesystem::path& folder)
 {
     const Pcm tone = MakeTone(amplitude);
-    Session session(folder / "tone.wav");
-    session.GetListener().SetRolloffFactor(1.0F);
-    const int id = session.Add(tone, {0.0F, 0.0F, -1.0F});
-    situation.arrange(session, id);
-    session.Start(id, true);
-    session.Run(500);
-    const Heard heard = session.Read();
+    Stage stage(folder / "tone.wav");
+    stage.GetListener().SetRolloffFactor(1.0F);
+    const int id = stage.Add(tone, {0.0F, 0.0F, -1.0F});
+    situation.arrange(stage, id);
+    stage.Start(id, true);
+    stage.Run(500);
+    const Heard heard = stage.Read();
     std::printf("| %s | %.4f | %.4f | %.4f | %.4f |\n", situation.name.c_str(), situation.expected.left,
         Level(heard.left), situation.expected.right, Level(heard.right));
 }

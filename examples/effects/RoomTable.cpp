@@ -1,7 +1,7 @@
 #include "examples/effects/RoomTable.h"
 
 #include "examples/effects/Decay.h"
-#include "examples/effects/Session.h"
+#include "examples/effects/Stage.h"
 
 #include "harmonet/definitions/EnvReverbPresets.h"
 #include "harmonet/definitions/SndFXList.h"
@@ -57,18 +57,18 @@ const Preset presets[] = {
 std::vector<double> RenderClicks(const std::filesystem::path& file, const Quon::FXEnvReverb& room, int count)
 {
     const Pcm click = MakeClick();
-    Session session(file);
-    if (!session.GetListener().SetFXEnvReverb(&room, Quon::defaultEnvReverbQuality, 0))
+    Stage stage(file);
+    if (!stage.GetListener().SetFXEnvReverb(&room, Quon::defaultEnvReverbQuality, 0))
         throw std::runtime_error("the driver has no rooms");
     Quon::FXEnvReverbSourceProperties onlyRoom{};
     onlyRoom.direct = -10000;
     for (int i = 0; i < count; ++i) {
-        const int id = session.Add(click, {0.0F, 0.0F, -1.0F});
-        session.GetSounds().SetFXEnvReverbSourceProperties(id, &onlyRoom);
-        session.Start(id);
+        const int id = stage.Add(click, {0.0F, 0.0F, -1.0F});
+        stage.GetSounds().SetFXEnvReverbSourceProperties(id, &onlyRoom);
+        stage.Start(id);
     }
-    session.Run(1000 + static_cast<long>(1000.0F * room.decayTime));
-    return session.Read().left;
+    stage.Run(1000 + static_cast<long>(1000.0F * room.decayTime));
+    return stage.Read().left;
 }
 
 /// A click in a room, as loud as the 16 bits of the file take it: the quiet rooms end in their noise
@@ -79,7 +79,7 @@ std::vector<double> RenderLoudClick(const std::filesystem::path& file, const Quo
     double peak = 0.0;
     for (const double sample : heard)
         peak = std::max(peak, std::abs(sample));
-    const int count = std::min(static_cast<int>(0.9 / std::max(peak, 0.001)), Session::maxSounds);
+    const int count = std::min(static_cast<int>(0.9 / std::max(peak, 0.001)), Stage::maxSounds);
     return count > 1 ? RenderClicks(file, room, count) : heard;
 }
 

@@ -1,4 +1,4 @@
-#include "examples/effects/Session.h"
+#include "examples/effects/Stage.h"
 
 #include "harmonet/engine/TaskList.h"
 
@@ -12,7 +12,7 @@ namespace EffectsExample
 
 static_assert(std::endian::native == std::endian::little, "samples are read as they lie in the file");
 
-Session::Session(std::filesystem::path newFile)
+Stage::Stage(std::filesystem::path newFile)
     : file(std::move(newFile))
 {
     Quon::Options& options = *os.GetOptions();
@@ -25,7 +25,7 @@ Session::Session(std::filesystem::path newFile)
     listener.Activate();
 }
 
-int Session::Add(const Pcm& pcm, const Quon::Vector3& position)
+int Stage::Add(const Pcm& pcm, const Quon::Vector3& position)
 {
     Quon::WaveFormatEx format{};
     format.formatTag = Quon::waveTagPcm;
@@ -42,14 +42,14 @@ int Session::Add(const Pcm& pcm, const Quon::Vector3& position)
     return id;
 }
 
-void Session::Start(int id, bool looping)
+void Stage::Start(int id, bool looping)
 {
     const int flags = Quon::Sound::StartImmediately | (looping ? Quon::Sound::StartLooping : 0);
     if (!sounds.StartSound(id, flags))
         throw std::runtime_error("a sound does not start");
 }
 
-void Session::Run(long ms)
+void Stage::Run(long ms)
 {
     constexpr long stepMs = 50;
     constexpr float stepSeconds = 0.05F;
@@ -57,7 +57,7 @@ void Session::Run(long ms)
         Quon::TaskList::Get().Update(stepSeconds);
 }
 
-Heard Session::Read() const
+Heard Stage::Read() const
 {
     constexpr std::size_t headBytes = 44;
     std::ifstream in(file, std::ios::binary);

@@ -22,14 +22,14 @@ struct Heard
 
 /// A sound system that renders into a file, with a listener in the middle of the world who looks along -Z.
 /// There is one at a time. Throws std::runtime_error if the system does not start.
-class Session
+class Stage
 {
 public:
     static constexpr int maxSounds = 150;
 
-    explicit Session(std::filesystem::path newFile);
+    explicit Stage(std::filesystem::path newFile);
 
-    /// Makes a sound at a place that is to be started with Start(). The PCM must outlive the session.
+    /// Makes a sound at a place that is to be started with Start(). The PCM must outlive the stage.
     int Add(const Pcm& pcm, const Quon::Vector3& position);
     void Start(int id, bool looping = false);
 
