@@ -44,12 +44,16 @@ void ImportanceOrder::Apply(std::span<SndList* const> lists, NameNumbers& names)
 
 void ImportanceOrder::Gather(std::span<SndList* const> lists, NameNumbers& names)
 {
-    members.clear();
+    std::size_t count = 0;
+    for (const SndList* list : lists)
+        count += static_cast<std::size_t>(list->GetCount());
+    members.resize(count);
     differing = 0;
+    Member* member = members.data();
     for (const SndList* list : lists) {
         list->ForEach([&](SndBase& sound) {
             const Key key = MakeKey(sound.GetPriority(), sound.GetPlainDistSqr());
-            members.push_back({&sound, key, 1.0F, sound.GetNameNumber(names)});
+            *member++ = {&sound, key, 1.0F, sound.GetNameNumber(names)};
             differing |= key ^ members.front().key;
         });
     }

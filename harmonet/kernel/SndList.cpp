@@ -45,7 +45,7 @@ IListNode* SndList::FindPlace(const SndBase& sound)
 IListNode* SndList::FindNear(const SndBase& sound)
 {
     if (static_cast<std::size_t>(count) > 2 * (known.size() - numGone) + fingers.size())
-        ForEach([](SndBase&) {});
+        LearnAll();
     SndBase* nearest = FindKnown(sound);
     for (SndBase* finger : fingers) {
         // Of equals the finger stands in front, since the latest does.
@@ -74,6 +74,14 @@ SndBase* SndList::FindKnown(const SndBase& sound)
     while (end < known.size() && !known[end])
         ++end;
     return end < known.size() ? known[end] : nullptr;
+}
+
+void SndList::LearnAll()
+{
+    known.resize(static_cast<std::size_t>(count));
+    numGone = 0;
+    std::size_t place = 0;
+    ForEach([&](SndBase& sound) { MakeKnown(sound, place++); });
 }
 
 void SndList::Remove(SndBase& sound)

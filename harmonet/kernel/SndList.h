@@ -70,24 +70,23 @@ public:
     template<class Visit>
     void ForEach(Visit visit) const
     {
-        // The sounds lie all over the memory. Where they stood at the last walk is, but for a few, where they
-        // stand now, and so tells what to fetch ahead.
-        std::size_t place = 0;
-        for (IListNode* node = head.next; node != &head; node = node->next, ++place) {
-            if (place + prefetchDistance < known.size())
-                PrefetchLinks(known[place + prefetchDistance]);
-            if (place == known.size())
-                known.push_back(nullptr);
-            auto* sound = static_cast<SndBase*>(node);
-            MakeKnown(*sound, place);
+        for (SndBase* sound = GetHead(); sound; sound = GetNext(*sound)) {
+            PrefetchLinks(GetKnownNear(*sound, prefetchDistance));
             visit(*sound);
         }
-        known.resize(place);
-        numGone = 0;
     }
 
-    /// The sound that stood so many places towards the tail of this one when ForEach() or Reorder() last went
-    /// over the list; null if that is not known or the sound has left the list. For fetching ahead.
+    /// Takes down where the sounds stand, if that is not known of most of them: the sounds lie all over the
+    /// memory, and what is known tells a walk what to fetch ahead.
+    void Learn()
+    {
+        const std::size_t numKnown = known.size() - numGone;
+        if (4 * (static_cast<std::size_t>(count) - numKnown) > static_cast<std::size_t>(count))
+            LearnAll();
+    }
+
+    /// The sound that stood so many places towards the tail of this one when the places were last taken down;
+    /// null if that is not known or the sound has left the list.
     const SndBase* GetKnownNear(const SndBase& sound, int distance) const
     {
         const std::size_t near = sound.knownPlace + static_cast<std::size_t>(distance);
@@ -101,7 +100,8 @@ public:
 
 private:
     SndBase* ToSound(IListNode* node) const { return node == &head ? nullptr : static_cast<SndBase*>(node); }
-    void MakeKnown(SndBase& sound, std::size_t place) const
+    void LearnAll();
+    void MakeKnown(SndBase& sound, std::size_t place)
     {
         known[place] = &sound;
         sound.knownPlace = static_cast<std::uint32_t>(place);
@@ -122,10 +122,10 @@ private:
 
     SoundWalk* innermostWalk = nullptr; ///< Of those that follow this list.
 
-    /// The sounds as the last walk or Reorder() left them, with null for those that have gone since. Those
-    /// that have come since are not among them.
-    mutable EngineVector<SndBase*> known;
-    mutable std::size_t numGone = 0;
+    /// The sounds in their order, as Reorder() or Learn() left them, with null for those that have gone
+    /// since. Those that have come since are not among them.
+    EngineVector<SndBase*> known;
+    std::size_t numGone = 0;
 };
 
 } // namespace Quon

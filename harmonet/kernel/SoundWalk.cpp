@@ -32,6 +32,7 @@ SoundWalk::SoundWalk(SndKernel& newKernel, SndList& newList, Direction newDirect
     , cursor(newDirection == FromHead ? newList.GetHead() : newList.GetTail())
     , numRemovedAtStart(newKernel.soundTable.GetNumRemoved())
 {
+    list->Learn();
     list->AddWalk(*this);
 }
 
