@@ -186,12 +186,12 @@ void Particle::MarkMoved() const
 
 void Particle::UpdateGlobal() const
 {
-    // From the highest stale node downwards, as each is only as good as the one above it. A tree that is
-    // deeper than the table is worked off in several rounds: neither the stack nor the heap pays for depth.
     // Mostly the node alone is stale.
     if (globalPositionStale && (parent == nullptr || !parent->globalPositionStale)) {
         UpdateGlobalPosition();
     }
+    // Else from the highest stale node downwards, as each is only as good as the one above it. A tree that is
+    // deeper than the table is worked off in several rounds: neither the stack nor the heap pays for depth.
     constexpr std::size_t tableLength = 64;
     std::array<const Particle*, tableLength> chain;
     while (globalPositionStale) {

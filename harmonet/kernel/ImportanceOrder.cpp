@@ -86,7 +86,7 @@ void ImportanceOrder::SortList(SndList& list, std::span<const Member> listed)
     list.Reorder([&]() -> SndBase& {
         PrefetchMember(listed, place + 2 * prefetchDistance);
         if (place + prefetchDistance < entries.size())
-            PrefetchLinks(listed[entries[place + prefetchDistance].member].sound);
+            PrefetchLine(listed[entries[place + prefetchDistance].member].sound);
         const Member& member = listed[entries[place++].member];
         member.sound->SetMultiplier(member.multiplier);
         return *member.sound;

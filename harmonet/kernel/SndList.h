@@ -71,7 +71,7 @@ public:
     void ForEach(Visit visit) const
     {
         for (SndBase* sound = GetHead(); sound; sound = GetNext(*sound)) {
-            PrefetchLinks(GetKnownNear(*sound, prefetchDistance));
+            PrefetchLine(GetKnownNear(*sound, prefetchDistance));
             visit(*sound);
         }
     }
