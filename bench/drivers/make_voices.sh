@@ -1,0 +1,10 @@
+#!/bin/sh
+# Makes mono sounds at 22.05 kHz, as games have them, out of the music of the decoder benchmarks.
+# Usage: make_voices.sh FOLDER MUSIC_FOLDER.
+set -eu
+folder=$1 music=$2
+mkdir -p "$folder"
+sox "$music/music.wav" -r 22050 -c 1 "$folder/wave.wav"
+lame --quiet -t -m m -b 64 "$folder/wave.wav" "$folder/mp3.mp3"
+cp "$music/music.wav" "$folder/wave-stereo.wav"
+cp "$music/mp3-128k.mp3" "$folder/mp3-stereo.mp3"
