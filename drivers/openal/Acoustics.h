@@ -44,6 +44,9 @@ public:
     /// Lets the rooms change with time. Needs a ContextScope; the thread that pumps.
     void Tick(std::int64_t time);
 
+    /// Whether a room is being left or another one entered.
+    bool IsChanging() { return sendCount > 0 && (room.IsChanging() || ownRooms.IsChanging()); }
+
     Room& GetRoom() { return room; }
     OwnRooms& GetOwnRooms() { return ownRooms; }
     SourceFilters& GetFilters() { return filters; }

@@ -32,6 +32,9 @@ public:
     void Start(std::int64_t now, std::int64_t newLength);
     void Cancel() { isRunning = false; }
 
+    /// Whether there is a fall, also one that is over.
+    bool IsRunning() const { return isRunning; }
+
     /// Whether there is a fall and it is over.
     bool IsOver(std::int64_t now) const { return isRunning && now >= begin + length; }
 

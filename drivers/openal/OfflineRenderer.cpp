@@ -13,8 +13,9 @@ namespace
 {
 constexpr std::int64_t microsecondsPerSecond = 1000000;
 constexpr std::int64_t fallMicroseconds = 5000;
-constexpr int blocksPerSecond = 100;
 constexpr int fallsPerSecond = 200;
+constexpr int blocksPerSecond = 100;
+constexpr int steadyBlocksPerSecond = 25;
 constexpr std::size_t channelsOut = 2;
 } // namespace
 
@@ -35,10 +36,16 @@ bool OfflineRenderer::Open(const char* path, int rateHz)
 void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
 {
     std::uint64_t left = clock.Advance(elapsedMs, static_cast<std::uint32_t>(rate));
+    // What has been set since the last call takes hold within the first block.
+    bool isFirst = true;
     while (left > 0) {
         voices.Reap();
-        const auto largest =
-            static_cast<std::uint64_t>(rate / (voices.IsAnyFading() ? fallsPerSecond : blocksPerSecond));
+        const bool isChanging = isFirst || IsAnythingChanging(channels);
+        isFirst = false;
+        const int perSecond = voices.IsAnyFading() ? fallsPerSecond
+            : isChanging                           ? blocksPerSecond
+                                                   : steadyBlocksPerSecond;
+        const auto largest = static_cast<std::uint64_t>(rate / perSecond);
         // Even blocks: one of a few sample frames would be no time for a change of gain.
         const std::uint64_t blocks = (left + largest - 1) / largest;
         const std::uint64_t sampleFrames = (left + blocks - 1) / blocks;
@@ -47,6 +54,13 @@ void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
     }
     voices.Reap();
     sink.Commit();
+}
+
+bool OfflineRenderer::IsAnythingChanging(Channels channels) const
+{
+    return acoustics.IsChanging() || std::any_of(channels.begin(), channels.end(), [](const auto& channel) {
+        return channel->IsChanging();
+    });
 }
 
 void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)

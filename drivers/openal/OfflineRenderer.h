@@ -14,8 +14,9 @@ namespace Quon
 /// Over any number of calls the sample frames add up to the floor of the whole time. Owned by the driver;
 /// task thread.
 ///
-/// Blocks of at most 10 ms are mixed at a time, and of 5 ms while a sound is falling silent, since that takes
-/// one block. Channels are read as far ahead of a block as a sound needs to fall silent after it.
+/// Blocks of at most 40 ms are mixed at a time; of 10 ms at the begin of a call, and while a sound fades or a
+/// room changes; and of 5 ms while a sound is falling silent, since that takes one block. Channels are read
+/// as far ahead of a block as a sound needs to fall silent after it.
 class OfflineRenderer : public Allocated
 {
 public:
@@ -30,6 +31,7 @@ public:
     void Render(std::uint32_t elapsedMs, Channels channels);
 
 private:
+    bool IsAnythingChanging(Channels channels) const;
     void RenderBlock(int sampleFrames, Channels channels);
 
     OutputDevice& device;

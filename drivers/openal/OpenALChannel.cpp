@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace Quon
@@ -328,6 +329,12 @@ void OpenALChannel::Pump(const ReadAhead& ahead, std::int64_t time, bool mayWait
     chanLock.Unlock();
 }
 
+bool OpenALChannel::IsChanging()
+{
+    const std::scoped_lock outputLock(outputMutex);
+    return voice && (fadeOut.IsRunning() || acoustics.IsBehind());
+}
+
 void OpenALChannel::PumpRound(const ReadAhead& ahead, std::int64_t time)
 {
     StartRound(time);
@@ -339,7 +346,8 @@ void OpenALChannel::PumpRound(const ReadAhead& ahead, std::int64_t time)
         const int given = feed.Fill(*this, wanted.sampleFrames, wanted.speedHz);
         const bool ranDry = given < wanted.sampleFrames;
         QueueBlock(given, ranDry);
-        if (ranDry) {
+        // To ask OpenAL again would cost more than it could tell.
+        if (ranDry || wanted.missing <= given) {
             return;
         }
     }
@@ -368,11 +376,14 @@ OpenALChannel::Wanted OpenALChannel::CountWanted(const ReadAhead& ahead)
     const std::int64_t target = feed.GetTailFrames() > 0 ? ahead.tailTarget : ahead.target;
     const std::int64_t missing = ToFrames(target, speedHz) + resamplerFrames - isAhead;
     if (missing <= 0 || !voice->HasRoom() || fadeOut.IsOver(services.device.GetTime())) {
-        return {0, speedHz};
+        return {0, speedHz, 0};
     }
+    // The rate is certain only when the first block has been read.
+    const bool isCertain = voice->GetFramesQueued() > 0;
     const int minBlock = std::max(ToFrames(ahead.minBlock, speedHz), 1);
     const int maxBlock = std::max(ToFrames(ahead.maxBlock, speedHz), minBlock);
-    return {static_cast<int>(std::clamp<std::int64_t>(missing, minBlock, maxBlock)), speedHz};
+    return {static_cast<int>(std::clamp<std::int64_t>(missing, minBlock, maxBlock)), speedHz,
+        isCertain ? missing : std::numeric_limits<std::int64_t>::max()};
 }
 
 void OpenALChannel::QueueBlock(int sampleFrames, bool ranDry)

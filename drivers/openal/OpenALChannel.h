@@ -127,6 +127,9 @@ public:
 
     // For the thread that pumps.
 
+    /// Whether the sound fades out, or is on its way into another room.
+    bool IsChanging();
+
     /// The device has gone or come; the voice has changed already. Needs a ContextScope.
     void OnDeviceChanged();
 
@@ -149,6 +152,7 @@ private:
     {
         int sampleFrames;
         double speedHz;
+        std::int64_t missing; ///< In all, for this block and further ones.
     };
 
     template<class Record>

@@ -92,6 +92,13 @@ void OwnRooms::GiveBack(const ReverbSlot* slot, bool isCutOff, std::int64_t now,
     }
 }
 
+bool OwnRooms::IsChanging()
+{
+    const std::scoped_lock lock(mutex);
+    return std::any_of(
+        places.begin(), places.end(), [](const Place& place) { return place.slot.IsLeaving(); });
+}
+
 void OwnRooms::Tick(std::int64_t time)
 {
     const std::scoped_lock lock(mutex);

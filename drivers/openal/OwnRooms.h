@@ -31,6 +31,9 @@ public:
 
     void Tick(std::int64_t time);
 
+    /// Whether a room is being left.
+    bool IsChanging();
+
 private:
     struct Place
     {

@@ -44,6 +44,9 @@ public:
     /// Sets the level to what it is to be at `time`.
     void Tick(std::int64_t time);
 
+    /// Whether its level is on the way down, or will be.
+    bool IsLeaving() const { return !isEmpty && fall.IsRunning(); }
+
     bool IsEmpty() const { return isEmpty; }
     const FXEnvReverb& GetRoom() const { return room; }
 

@@ -1,5 +1,7 @@
 #include "drivers/openal/Room.h"
 
+#include <algorithm>
+
 namespace Quon
 {
 
@@ -54,6 +56,13 @@ void Room::Tick(std::int64_t time, std::int64_t ticksPerSecond)
         // Sounds go in at once.
         currentSince = never;
     }
+}
+
+bool Room::IsChanging()
+{
+    const std::scoped_lock lock(mutex);
+    return isPending ||
+        std::any_of(slots.begin(), slots.end(), [](const ReverbSlot& slot) { return slot.IsLeaving(); });
 }
 
 void Room::Leave(ReverbSlot& left, std::int64_t now, std::int64_t ticksPerSecond)

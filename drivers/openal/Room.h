@@ -31,6 +31,9 @@ public:
     /// Lets time go on to `time`. Once a block or round.
     void Tick(std::int64_t time, std::int64_t ticksPerSecond);
 
+    /// Whether a change is not over yet.
+    bool IsChanging();
+
     /// The slot into which sounds are to go now, or null. It stays where it is. Any thread.
     const ReverbSlot* GetSlot() const { return current; }
 

@@ -170,9 +170,6 @@ void Voice::Queue(const float* pcm, int sampleFrames, int channels, int rateHz)
 
 void Voice::QueueOnSource(const float* pcm, int sampleFrames)
 {
-    if (GetState() == AL_STOPPED) {
-        Reclaim();
-    }
     Append(pcm, sampleFrames);
     const ALint state = GetState();
     if (state == AL_PLAYING) {
