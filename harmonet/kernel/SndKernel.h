@@ -45,9 +45,9 @@ struct SoundOptions
 /// calls.
 ///
 /// *What observers do meanwhile.* Ending or starting a sound calls observers, and these may start, stop and
-/// delete other sounds. So nothing here walks a list or the table while it ends or starts sounds: a SoundWalk
-/// goes by the ids of those that stood there when it began, and an id that has gone finds nothing. A sound
-/// that is started during an update is dealt with at the next one.
+/// delete other sounds. So nothing here walks a list or the table by itself while it ends or starts sounds: a
+/// SoundWalk visits those that stood there when it began and still exist. A sound that is started during an
+/// update is dealt with at the next one.
 class SndKernel : public Allocated
 {
 public:
