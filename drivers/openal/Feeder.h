@@ -18,8 +18,8 @@ namespace Quon
 /// It looks at all channels every 10 ms, so that a sound goes on through any game frame that is not longer
 /// than what is read ahead plus the time between two updates, and through longer ones too: no update is
 /// needed for a sound that only plays on. It also looks after the device, which can go away and come back. A
-/// channel whose lock is taken, by somebody who appends a file to
-/// it, waits for the next round and holds up no other.
+/// channel whose lock is taken, by somebody who appends a file to it, waits for the next round and holds up
+/// no other.
 class Feeder : public Allocated
 {
 public:

@@ -49,8 +49,8 @@ struct ChannelServices
 /// read and carries out fades, with Pump(). Three kinds of members follow from that. Those of the task thread
 /// alone need no lock. Those of reading are under the channel's lock, which is held while a file is read.
 /// Those of the output are under `outputMutex`, which is not, so that setting a gain or asking for the
-/// remaining time never waits for the disk. The channel's lock is taken
-/// first, then a ContextScope, then the mutex.
+/// remaining time never waits for the disk. The channel's lock is taken first, then a ContextScope, then the
+/// mutex.
 ///
 /// The sound's insert effects work on what is read, before it is queued. When there is nothing more to read
 /// they sound on, until they have fallen by 60 dB or for 3 s, and only then the channel ends; the remaining
