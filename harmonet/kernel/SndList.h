@@ -49,6 +49,7 @@ public:
     template<class Next>
     void Reorder(Next next)
     {
+        TellWalks();
         IListNode* last = &head;
         known.resize(static_cast<std::size_t>(count));
         numGone = 0;
