@@ -180,6 +180,7 @@ void SndFileMP3::Rewind()
     frameLength = 0;
     frameSamples = 0;
     pcmIndex = 0;
+    windowHeld = 0;
     if (overlapBuffer != nullptr) {
         std::fill_n(overlapBuffer, maxChannels * overlapPerChannel, 0.0f);
     }
@@ -199,6 +200,21 @@ unsigned long SndFileMP3::GetRemainLength()
 unsigned long SndFileMP3::GetCurrentLength()
 {
     return CalcCurrentLength(FileMP3);
+}
+
+int SndFileMP3::Read(unsigned char* buffer, int bytes, int position)
+{
+    if (handle == nullptr || bytes <= 0 || bytes > windowCapacity) {
+        return SndFile::Read(buffer, bytes, position);
+    }
+    if (position < windowBegin || position - windowBegin > windowHeld - bytes) {
+        windowBegin = position;
+        windowHeld = SndFile::Read(window, windowCapacity, position);
+    }
+    const int offset = position - windowBegin;
+    const int given = std::min(bytes, windowHeld - offset);
+    std::memcpy(buffer, window + offset, static_cast<std::size_t>(given));
+    return given;
 }
 
 bool SndFileMP3::ReadHeader()

@@ -61,6 +61,11 @@ public:
     /// while any object decodes.
     static void UseKernels(const DecoderKernels* chosen);
 
+protected:
+    /// Reads from an open file are taken out of a window, which is read in one go: an MPEG frame is read in two
+    /// small pieces, one behind the other, and each would cost two calls of the system.
+    int Read(unsigned char* buffer, int bytes, int position) override;
+
 private:
     static constexpr int crcBytes = 2;
     static constexpr int overlapPerChannel = subbandCount * slotsPerGranule;
@@ -139,6 +144,11 @@ private:
     /// As read at the header found last; the bit reader touches two bytes behind them.
     unsigned char headBytes[headBytesRead + 2] = {};
     int headBytesHeld = 0;
+
+    static constexpr int windowCapacity = 2048;
+    unsigned char window[windowCapacity] = {};
+    int windowBegin = 0; ///< Position of its first byte.
+    int windowHeld = 0; ///< Bytes in it.
 };
 
 /// 3 if the file is MPEG audio of the kind that SndFileMP3 plays, going by its wrapper or by its first four
