@@ -62,8 +62,8 @@ public:
     static void UseKernels(const DecoderKernels* chosen);
 
 protected:
-    /// Reads from an open file are taken out of a window, which is read in one go: an MPEG frame is read in two
-    /// small pieces, one behind the other, and each would cost two calls of the system.
+    /// Reads from an open file are taken out of a window, which is read in one go: an MPEG frame is read in
+    /// two small pieces, one behind the other, and each would cost two calls of the system.
     int Read(unsigned char* buffer, int bytes, int position) override;
 
 private:
