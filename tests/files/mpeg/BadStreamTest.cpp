@@ -7,41 +7,30 @@
 #include <gtest/gtest.h>
 
 using namespace Quon;
-using StreamMaker::Bytes;
 
 namespace
 {
 
-/// Small frames, so that every byte can be changed.
-Bytes SmallStream(int mode, int frameCount)
-{
-    std::mt19937 random(11);
-    StreamMaker::Header header;
-    header.isMpeg1 = false;
-    header.mode = mode;
-    header.bitrateIndex = 2;
-    header.rateIndex = 1;
-    return StreamMaker::MakeRandomStream(random, header, frameCount);
-}
-
-/// One object lives on, so that the shared tables are not built for each stream.
 class BadStreams : public testing::Test
 {
+protected:
+    static void ReadTwice(const Bytes& stream)
+    {
+        MemoryStream file(stream);
+        if (file.Get() == nullptr) {
+            return;
+        }
+        const std::vector<int> once = file.ReadAll(700);
+        // A frame of 24 bytes, the shortest that there is, gives 576 sample frames of two channels at most.
+        ASSERT_LE(once.size(), (stream.size() / 24 + 1) * 576 * 2);
+        file.Get()->Rewind();
+        ASSERT_EQ(file.ReadAll(700), once);
+    }
+
+private:
+    /// Lives on, so that the shared tables are not built for each stream.
     SndFileMP3 keeper;
 };
-
-void ReadTwice(const Bytes& stream)
-{
-    MemoryStream file(stream);
-    if (file.Get() == nullptr) {
-        return;
-    }
-    const std::vector<int> once = file.ReadAll(700);
-    // A frame of 24 bytes, the shortest that there is, gives 576 sample frames of two channels at most.
-    ASSERT_LE(once.size(), (stream.size() / 24 + 1) * 576 * 2);
-    file.Get()->Rewind();
-    ASSERT_EQ(file.ReadAll(700), once);
-}
 
 } // namespace
 
@@ -49,25 +38,26 @@ TEST_F(BadStreams, EveryTruncationPlaysItsWholeFrames)
 {
     const Bytes stream = ReadStream("mono-16000.mp3");
     constexpr std::size_t frameBytes = 108;
-    const std::vector<int> whole = MemoryStream(stream).ReadAll();
-    for (std::size_t kept = 0; kept < stream.size(); ++kept) {
-        SCOPED_TRACE(testing::Message() << kept << " bytes kept");
-        MemoryStream file(Bytes(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(kept)));
-        ASSERT_EQ(file.Get() != nullptr, kept >= 4);
-        if (file.Get() != nullptr) {
-            const std::vector<int> pcm = file.ReadAll();
-            ASSERT_EQ(pcm.size(), kept / frameBytes * 576);
-            ASSERT_TRUE(std::equal(pcm.begin(), pcm.end(), whole.begin()));
-        }
+    const std::vector<int> whole = DecodeAll(stream);
+    Bytes kept;
+    for (const unsigned char next : stream) {
+        SCOPED_TRACE(testing::Message() << kept.size() << " bytes kept");
+        ASSERT_EQ(MemoryStream(kept).Get() != nullptr, kept.size() >= 4);
+        const std::vector<int> pcm = DecodeAll(kept);
+        ASSERT_EQ(pcm.size(), kept.size() / frameBytes * 576);
+        ASSERT_TRUE(std::equal(pcm.begin(), pcm.end(), whole.begin()));
+        kept.push_back(next);
     }
 }
 
 // Each bit by itself, which reaches each field of a header, and the ends of a byte's range, which drive the
-// fields to theirs.
+// fields to theirs. Small frames, so that every byte can be changed.
 TEST_F(BadStreams, EveryChangeOfAByteKeepsToTheBuffers)
 {
     for (const int mode : {1, 3}) {
-        const Bytes stream = SmallStream(mode, 3);
+        std::mt19937 random(11);
+        const FrameForm form = {.isMpeg1 = false, .bitrateIndex = 2, .rateIndex = 1, .mode = mode};
+        const Bytes stream = MakeRandomStream(random, form, 3);
         ASSERT_LT(stream.size(), 200u);
         for (std::size_t at = 0; at < stream.size(); ++at) {
             const int was = stream[at];
@@ -76,10 +66,7 @@ TEST_F(BadStreams, EveryChangeOfAByteKeepsToTheBuffers)
                 SCOPED_TRACE(testing::Message() << "mode " << mode << ", byte " << at << " is " << value);
                 Bytes changed = stream;
                 changed[at] = static_cast<unsigned char>(value);
-                ReadTwice(changed);
-                if (HasFatalFailure()) {
-                    return;
-                }
+                ASSERT_NO_FATAL_FAILURE(ReadTwice(changed));
             }
         }
     }
@@ -88,22 +75,16 @@ TEST_F(BadStreams, EveryChangeOfAByteKeepsToTheBuffers)
 TEST_F(BadStreams, ChangedBytesInLargeFramesKeepToTheBuffers)
 {
     std::mt19937 random(13);
-    StreamMaker::Header header;
-    header.mode = 1;
-    header.bitrateIndex = 14;
-    header.rateIndex = 2;
-    const Bytes stream = StreamMaker::MakeRandomStream(random, header, 4);
+    const FrameForm form = {.bitrateIndex = 14, .rateIndex = 2, .mode = 1};
+    const Bytes stream = MakeRandomStream(random, form, 4);
     for (int round = 0; round < 1500; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         Bytes changed = stream;
         for (int change = 0; change < 1 + round % 20; ++change) {
             // Most of them where the side information is.
-            const std::size_t start = random() % 4 * header.GetFrameBytes();
+            const std::size_t start = random() % 4 * form.GetFrameBytes();
             changed[start + random() % (round % 4 != 0 ? 40 : 1440)] = static_cast<unsigned char>(random());
         }
-        ReadTwice(changed);
-        if (HasFatalFailure()) {
-            return;
-        }
+        ASSERT_NO_FATAL_FAILURE(ReadTwice(changed));
     }
 }

@@ -3,23 +3,24 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
 using namespace Quon;
 
-std::vector<unsigned char> ReadBytes(const std::string& path)
+Bytes ReadBytes(const std::string& path)
 {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-std::vector<unsigned char> ReadStream(const std::string& name)
+Bytes ReadStream(const std::string& name)
 {
     return ReadBytes(std::string(MPEG_STREAMS) + "/" + name);
 }
 
-std::vector<int> ToValues(const std::vector<unsigned char>& pcm)
+std::vector<int> ToValues(const Bytes& pcm)
 {
     std::vector<int> values;
     for (std::size_t i = 0; i + 1 < pcm.size(); i += 2) {
@@ -28,8 +29,16 @@ std::vector<int> ToValues(const std::vector<unsigned char>& pcm)
     return values;
 }
 
-MemoryStream::MemoryStream(std::vector<unsigned char> newBytes)
-    : bytes(std::move(newBytes))
+void ExpectSameSound(const std::vector<int>& decoded, const std::vector<int>& expected, std::size_t stride)
+{
+    ASSERT_EQ((decoded.size() + stride - 1) / stride, expected.size());
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        ASSERT_LE(std::abs(decoded[stride * i] - expected[i]), 1) << "value " << stride * i;
+    }
+}
+
+MemoryStream::MemoryStream(const Bytes& newBytes)
+    : bytes(newBytes)
     , file(std::make_unique<SndFileMP3>())
 {
     node.fileType = SndFile::FileMP3;
@@ -38,11 +47,11 @@ MemoryStream::MemoryStream(std::vector<unsigned char> newBytes)
     node.size = bytes.size();
     node.cached = true;
     node.useCount = 1;
-    if (!file->Open(&node)) {
-        file.reset();
+    if (file->Open(&node)) {
+        channelsAtOpen = file->GetChannels();
     }
     else {
-        channelsAtOpen = file->GetChannels();
+        file.reset();
     }
 }
 
@@ -52,17 +61,15 @@ MemoryStream::~MemoryStream()
     node.data = nullptr;
 }
 
-std::vector<int> MemoryStream::ReadOnce(int samples, int& delivered)
+std::vector<int> MemoryStream::ReadOnce(int samples)
 {
     constexpr std::size_t guardBytes = 64;
     constexpr unsigned char guard = 0xA5;
     const int channels = std::min(file->GetChannels(), channelsAtOpen);
-    const std::size_t room = static_cast<std::size_t>(samples) * static_cast<std::size_t>(2 * channels);
-    std::vector<unsigned char> buffer(room + guardBytes, guard);
-    delivered = file->ReadSamples(buffer.data(), samples);
+    Bytes buffer(static_cast<std::size_t>(samples * 2 * channels) + guardBytes, guard);
+    const int delivered = file->ReadSamples(buffer.data(), samples);
     EXPECT_LE(delivered, samples);
-    EXPECT_TRUE(
-        std::all_of(buffer.end() - guardBytes, buffer.end(), [](unsigned char b) { return b == guard; }));
+    EXPECT_EQ(Bytes(buffer.end() - guardBytes, buffer.end()), Bytes(guardBytes, guard));
     buffer.resize(static_cast<std::size_t>(2 * delivered * file->GetChannels()));
     return ToValues(buffer);
 }
@@ -70,10 +77,16 @@ std::vector<int> MemoryStream::ReadOnce(int samples, int& delivered)
 std::vector<int> MemoryStream::ReadAll(int samplesPerCall)
 {
     std::vector<int> all;
-    int delivered = 0;
+    std::vector<int> part;
     do {
-        const std::vector<int> values = ReadOnce(samplesPerCall, delivered);
-        all.insert(all.end(), values.begin(), values.end());
-    } while (delivered > 0);
+        part = ReadOnce(samplesPerCall);
+        all.insert(all.end(), part.begin(), part.end());
+    } while (!part.empty());
     return all;
+}
+
+std::vector<int> DecodeAll(const Bytes& stream, int samplesPerCall)
+{
+    MemoryStream file(stream);
+    return file.Get() != nullptr ? file.ReadAll(samplesPerCall) : std::vector<int>();
 }

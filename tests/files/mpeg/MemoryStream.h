@@ -2,36 +2,42 @@
 
 #include "harmonet/files/SndNode.h"
 #include "harmonet/files/mpeg/SndFileMP3.h"
+#include "tests/files/WaveBuilder.h"
 
 #include <memory>
-#include <string>
-#include <vector>
 
-std::vector<unsigned char> ReadBytes(const std::string& path);
+Bytes ReadBytes(const std::string& path);
 /// A stream of the folder streams/.
-std::vector<unsigned char> ReadStream(const std::string& name);
+Bytes ReadStream(const std::string& name);
 /// Little-endian 16-bit values.
-std::vector<int> ToValues(const std::vector<unsigned char>& pcm);
+std::vector<int> ToValues(const Bytes& pcm);
+/// The same sound but for a step of rounding, as far as decoders may differ. `decoded` counts with every
+/// `stride`th value.
+void ExpectSameSound(
+    const std::vector<int>& decoded, const std::vector<int>& expected, std::size_t stride = 1);
 
 /// A reader on a stream that lies in memory, as in the data cache.
 class MemoryStream
 {
 public:
-    explicit MemoryStream(std::vector<unsigned char> newBytes);
+    explicit MemoryStream(const Bytes& newBytes);
     ~MemoryStream();
 
     /// Null if the reader refused the stream.
     Quon::SndFileMP3* Get() const { return file.get(); }
 
-    /// Reads on to the end in calls of so many sample frames; gives the values of all channels. Every call is
-    /// watched: it may touch no byte behind what a caller has by the format at open and before the call.
+    /// The values of all channels that one read gives. It is watched: it may touch no byte behind what a
+    /// caller has by the format at open and before the call.
+    std::vector<int> ReadOnce(int samples);
+    /// Reads on to the end in calls of so many sample frames.
     std::vector<int> ReadAll(int samplesPerCall = 1152);
-    /// The same for one call, which `delivered` tells the result of.
-    std::vector<int> ReadOnce(int samples, int& delivered);
 
 private:
-    std::vector<unsigned char> bytes;
+    Bytes bytes;
     Quon::SndNode node;
     std::unique_ptr<Quon::SndFileMP3> file;
     int channelsAtOpen = 0;
 };
+
+/// All that a stream decodes to; nothing if the reader refuses it.
+std::vector<int> DecodeAll(const Bytes& stream, int samplesPerCall = 1152);

@@ -1,48 +1,70 @@
 #pragma once
 
-#include "PlainStages.h"
+#include "harmonet/files/mpeg/SideInfo.h"
+#include "harmonet/files/mpeg/StandardTables.h"
+
+#include <array>
+#include <vector>
+
+/// MPEG Layer III decoding as its formulas stand, slowly and in double precision: the judge of the fast
+/// decoder. It shares with the library nothing but plain records and the standard's numbers.
 
 namespace PlainMpeg
 {
 
-/// A whole decoder of bare MPEG streams from the plain stages: the slow version that streams are compared
-/// with. It needs a stream without junk, and reservoirs that are there.
-class Decoder
+/// Interleaved 16-bit values of all frames of a bare stream, each in its own number of channels. The stream
+/// has to be without junk, and its reservoirs there.
+std::vector<int> Decode(const std::vector<unsigned char>& stream);
+
+// The stages that this takes, in their order.
+
+using Line = std::array<double, Quon::linesPerGranule>;
+using Values = std::array<int, Quon::linesPerGranule>;
+
+/// Reads bit by bit; what lies behind the end reads as 0.
+struct Bits
 {
-public:
-    /// Interleaved 16-bit values of all frames, each in its own number of channels.
-    std::vector<int> Decode(const std::vector<unsigned char>& stream);
+    int Take(int count);
 
-private:
-    struct Header
-    {
-        bool isMpeg1;
-        int rateIndex;
-        int channels;
-        bool msStereo;
-        bool intensityStereo;
-        int bytes;
-        int sideInfoStart;
-    };
-
-    static Header ParseHeader(const std::vector<unsigned char>& stream, std::size_t at);
-    Quon::GranuleInfo ParseGranule(Bits& bits) const;
-    void DecodeFrame(const std::vector<unsigned char>& frame);
-    void ReadScaleFactors(Bits& bits, int granule, std::size_t channel, Quon::GranuleInfo& info);
-    void ReadLsfScaleFactors(
-        Bits& bits, bool intensityChannel, Quon::GranuleInfo& info, Quon::ScaleFactors& to);
-    void DecodeGranule(int granule);
-
-    Header header = {};
-    Quon::BandTable bands = {};
-    std::vector<unsigned char> mainData; ///< Of this frame and of all before it.
-    int position = 0; ///< In bits.
-    std::array<std::array<int, 4>, 2> scfsi = {};
-    std::array<std::array<Quon::GranuleInfo, 2>, 2> granules = {}; ///< By granule and channel.
-    std::array<Quon::ScaleFactors, 2> scaleFactors = {};
-    std::array<Subbands, 2> overlap = {};
-    std::array<Polyphase, 2> polyphase;
-    std::vector<int> pcm;
+    const std::vector<unsigned char>& bytes;
+    int position = 0;
 };
+
+/// The Huffman data of a granule and channel that may take `budget` bits, from the reader's position on; the
+/// reader ends behind the budget. Returns the line count.
+int DecodeValues(Bits& bits, const Quon::GranuleInfo& info, int budget, Values& values);
+
+struct Limits
+{
+    std::array<int, 4> band = {-1, -1, -1, -1};
+    int subband = -1;
+};
+
+Line Requantise(const Quon::GranuleInfo& info, const Quon::ScaleFactors& scaleFactors,
+    const Quon::BandTable& bands, const Values& values, int lineCount, Limits& limits);
+
+struct StereoMode
+{
+    bool isMpeg1;
+    bool msStereo;
+    bool intensityStereo;
+};
+
+void Stereo(const StereoMode& mode, const Quon::GranuleInfo& first, const Quon::ScaleFactors& positions,
+    const Limits& rightLimits, const Quon::BandTable& bands, Line& left, Line& right);
+
+void AliasReduction(const Quon::GranuleInfo& info, Line& xr);
+
+/// By subband and time slot.
+using Subbands = std::array<std::array<double, 18>, 32>;
+
+/// The transform with windows and overlap, without the frequency inversion.
+Subbands Hybrid(const Quon::GranuleInfo& info, int subbandLimit, const Line& xr, Subbands& overlap);
+
+/// The standard's vector of 1024 values.
+using PolyphaseState = std::array<double, 1024>;
+
+/// The frequency inversion and the polyphase filter: 576 samples with full scale at 1.0.
+std::vector<double> Polyphase(const Subbands& subbands, PolyphaseState& v);
 
 } // namespace PlainMpeg

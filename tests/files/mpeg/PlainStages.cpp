@@ -1,4 +1,4 @@
-#include "PlainStages.h"
+#include "PlainDecoder.h"
 
 #include <algorithm>
 #include <cmath>
@@ -15,14 +15,24 @@ namespace
 constexpr double pi = std::numbers::pi;
 constexpr int notIntensity = 7;
 
-double Factor(int gain, int reduction)
+/// One code of a table, found by comparing with each code of the list; returns its two values.
+std::array<int, 2> TakeCode(Bits& bits, int table)
 {
-    return std::pow(2.0, (gain - reduction - 210) / 4.0);
+    const HuffmanSource& source = huffmanSources[table];
+    const int start = bits.position;
+    for (int i = source.firstCode; i < source.firstCode + source.codeCount; ++i) {
+        bits.position = start;
+        if (bits.Take(huffmanCodes[i].length) == static_cast<int>(huffmanCodes[i].code)) {
+            return {huffmanCodes[i].first, huffmanCodes[i].second};
+        }
+    }
+    return {};
 }
 
-double Power(int value)
+double Scaled(int value, int gain, int reduction)
 {
-    return std::copysign(std::pow(std::abs(value), 4.0 / 3.0), value);
+    return std::copysign(std::pow(std::abs(value), 4.0 / 3.0), value) *
+        std::pow(2.0, (gain - reduction - 210) / 4.0);
 }
 
 double Window(int blockType, int i)
@@ -40,61 +50,43 @@ double Window(int blockType, int i)
     }
 }
 
-/// cos(pi / 2n (2i + 1 + n / 2)(2k + 1)), worked out once.
-template<std::size_t n>
-double TransformCosine(std::size_t i, std::size_t k)
+/// cos(pi / half * number), worked out once for each angle.
+template<int half>
+double Cosine(int number)
 {
     static const auto table = [] {
-        std::array<std::array<double, n / 2>, n> all;
-        for (std::size_t row = 0; row < n; ++row) {
-            for (std::size_t column = 0; column < n / 2; ++column) {
-                const auto product = static_cast<double>((2 * row + 1 + n / 2) * (2 * column + 1));
-                all[row][column] = std::cos(pi / (2 * n) * product);
-            }
+        std::array<double, 2 * half> all;
+        for (int i = 0; i < 2 * half; ++i) {
+            all[i] = std::cos(pi / half * i);
         }
         return all;
     }();
-    return table[i][k];
+    return table[number % (2 * half)];
 }
 
 /// x[i] of n points from every `stride`th of n / 2 lines, windowed.
-template<std::size_t n>
-double Imdct(const double* lines, std::size_t stride, std::size_t i, int blockType)
+template<int n>
+double Imdct(const double* lines, int stride, int i, int blockType)
 {
     double sum = 0;
-    for (std::size_t k = 0; k < n / 2; ++k) {
-        sum += lines[stride * k] * TransformCosine<n>(i, k);
+    for (int k = 0; k < n / 2; ++k) {
+        sum += lines[stride * k] * Cosine<2 * n>((2 * i + 1 + n / 2) * (2 * k + 1));
     }
-    return sum * Window(blockType, static_cast<int>(i));
+    return sum * Window(blockType, i);
 }
 
 std::array<double, 36> TransformSubband(const double* lines, int blockType)
 {
     std::array<double, 36> out = {};
-    for (std::size_t i = 0; blockType != 2 && i < 36; ++i) {
+    for (int i = 0; blockType != 2 && i < 36; ++i) {
         out[i] = Imdct<36>(lines, 1, i, blockType);
     }
-    for (std::size_t window = 0; blockType == 2 && window < 3; ++window) {
-        for (std::size_t i = 0; i < 12; ++i) {
+    for (int window = 0; blockType == 2 && window < 3; ++window) {
+        for (int i = 0; i < 12; ++i) {
             out[6 + 6 * window + i] += Imdct<12>(lines + window, 3, i, 2);
         }
     }
     return out;
-}
-
-/// cos(pi / 64 (16 + i)(2k + 1)), worked out once.
-double MatrixCosine(std::size_t i, std::size_t k)
-{
-    static const auto table = [] {
-        std::array<std::array<double, 32>, 64> all;
-        for (std::size_t row = 0; row < 64; ++row) {
-            for (std::size_t column = 0; column < 32; ++column) {
-                all[row][column] = std::cos(pi / 64 * static_cast<double>((16 + row) * (2 * column + 1)));
-            }
-        }
-        return all;
-    }();
-    return table[i][k];
 }
 
 /// Where a short block's line of the stream stands in the spectrum: by band, window and line.
@@ -112,36 +104,51 @@ void ForShortLines(const BandTable& bands, int firstBand, Visit visit)
     }
 }
 
+/// The intensity position of each line, in the order of the stream.
+Values IntensityPositions(const GranuleInfo& first, const ScaleFactors& positions, const Limits& rightLimits,
+    const BandTable& bands)
+{
+    Values result;
+    result.fill(notIntensity);
+    const bool isShort = first.block_type == 2;
+    int longBands = isShort && first.mixed_block_flag == 0 ? 0 : isShort ? 8 : 22;
+    if (isShort) {
+        ForShortLines(bands, longBands == 8 ? 3 : 0, [&](int band, int window, int inStream, int) {
+            const int coded = std::min(band, 11);
+            if (coded > rightLimits.band[1 + window]) {
+                result[inStream] = positions.shortBands[window][coded];
+            }
+            if (rightLimits.band[1 + window] >= 3) {
+                longBands = 0;
+            }
+        });
+    }
+    for (int band = 0; band < longBands; ++band) {
+        const int coded = std::min(band, 20);
+        if (coded > rightLimits.band[0]) {
+            std::fill(&result[bands.longStart[band]], result.data() + bands.longStart[band + 1],
+                positions.longBands[coded]);
+        }
+    }
+    return result;
+}
+
 } // namespace
 
 int Bits::Take(int count)
 {
     int result = 0;
     for (; count > 0; --count, ++position) {
-        const auto byte = static_cast<std::size_t>(position / 8);
-        const int bit = byte < bytes.size() ? bytes[byte] >> (7 - position % 8) & 1 : 0;
-        result = 2 * result + bit;
+        const bool isThere = position / 8 < std::ssize(bytes);
+        result = 2 * result + (isThere ? bytes[position / 8] >> (7 - position % 8) & 1 : 0);
     }
     return result;
 }
 
-std::array<int, 2> TakeCode(Bits& bits, int table)
-{
-    const HuffmanSource& source = huffmanSources[table];
-    const int start = bits.GetPosition();
-    for (int i = source.firstCode; i < source.firstCode + source.codeCount; ++i) {
-        bits.SetPosition(start);
-        if (bits.Take(huffmanCodes[i].length) == static_cast<int>(huffmanCodes[i].code)) {
-            return {huffmanCodes[i].first, huffmanCodes[i].second};
-        }
-    }
-    return {};
-}
-
 int DecodeValues(Bits& bits, const GranuleInfo& info, int budget, Values& values)
 {
-    const int end = bits.GetPosition() + budget;
-    const auto left = [&] { return end - bits.GetPosition(); };
+    const int end = bits.position + budget;
+    const auto left = [&] { return end - bits.position; };
     const auto finish = [&](int value, int linbits) {
         if (value == 15) {
             value += bits.Take(linbits);
@@ -149,32 +156,30 @@ int DecodeValues(Bits& bits, const GranuleInfo& info, int budget, Values& values
         return value != 0 && bits.Take(1) != 0 ? -value : value;
     };
     values = {};
-    std::size_t line = 0;
-    const auto bigEnd = static_cast<std::size_t>(std::min(2 * info.big_values, 576));
-    for (; line < bigEnd && left() >= 1; line += 2) {
-        const int at = static_cast<int>(line);
-        const int table = info.table_select[at >= info.region2Start ? 2 : at >= info.region1Start ? 1 : 0];
-        if (huffmanSources[table].codeCount == 0) {
-            continue;
+    int line = 0;
+    for (; line < std::min(2 * info.big_values, 576) && left() >= 1; line += 2) {
+        const int region = line >= info.region2Start ? 2 : line >= info.region1Start ? 1 : 0;
+        const int table = info.table_select[region];
+        if (huffmanSources[table].codeCount != 0) {
+            const std::array<int, 2> pair = TakeCode(bits, table);
+            values[line] = finish(pair[0], huffmanSources[table].linbits);
+            values[line + 1] = finish(pair[1], huffmanSources[table].linbits);
         }
-        const std::array<int, 2> pair = TakeCode(bits, table);
-        values[line] = finish(pair[0], huffmanSources[table].linbits);
-        values[line + 1] = finish(pair[1], huffmanSources[table].linbits);
     }
     for (; line < 576 && left() >= 1; line += 4) {
         const int quadruple = TakeCode(bits, 32 + info.count1table_select)[0];
-        for (std::size_t i = 0; i < 4; ++i) {
+        for (int i = 0; i < 4; ++i) {
             const int value = finish(quadruple >> (3 - i) & 1, 0);
             if (line + i < 576) {
                 values[line + i] = value;
             }
         }
     }
-    int lineCount = static_cast<int>(std::min<std::size_t>(line, 576));
+    int lineCount = std::min(line, 576);
     if (left() < 0 && lineCount >= 4) {
         lineCount -= 4;
     }
-    bits.SetPosition(end);
+    bits.position = end;
     return lineCount;
 }
 
@@ -183,40 +188,37 @@ Line Requantise(const GranuleInfo& info, const ScaleFactors& scaleFactors, const
 {
     Line xr = {};
     const int step = 2 * (info.scalefac_scale + 1);
-    const bool mixed = info.block_type == 2 && info.mixed_block_flag != 0;
-    const int longEnd = info.block_type != 2 ? 576 : mixed ? 36 : 0;
-    int longLine = -1;
+    const bool isShort = info.block_type == 2;
+    const bool mixed = isShort && info.mixed_block_flag != 0;
+    const int longEnd = std::min(!isShort ? 576 : mixed ? 36 : 0, lineCount);
+    int highest = -1;
     for (int band = 0; band < 22; ++band) {
         const int factor = scaleFactors.longBands[band] + (info.preflag != 0 ? pretabRows[1][band] : 0);
-        for (int i = bands.longStart[band]; i < std::min({bands.longStart[band + 1], longEnd, lineCount});
-             ++i) {
-            const auto at = static_cast<std::size_t>(i);
-            xr[at] = Factor(info.gain[0], factor * step) * Power(values[at]);
-            if (values[at] != 0) {
+        for (int i = bands.longStart[band]; i < std::min(bands.longStart[band + 1], longEnd); ++i) {
+            xr[i] = Scaled(values[i], info.gain[0], factor * step);
+            if (values[i] != 0) {
                 limits.band[0] = band;
-                longLine = bands.longStart[band + 1] - 1;
+                highest = bands.longStart[band + 1] - 1;
             }
         }
     }
-    int highest = longLine;
-    if (info.block_type == 2) {
-        int lastVisited = 0;
+    int lastVisited = 0;
+    if (isShort) {
         ForShortLines(bands, mixed ? 3 : 0, [&](int band, int window, int inStream, int place) {
             if (bands.shortStart[band] < lineCount) {
                 lastVisited = band;
             }
-            const int value = inStream < lineCount ? values[static_cast<std::size_t>(inStream)] : 0;
-            if (value != 0) {
+            if (inStream < lineCount && values[inStream] != 0) {
                 const int reduction = scaleFactors.shortBands[window][band] * step;
-                xr[static_cast<std::size_t>(place)] = Factor(info.gain[1 + window], reduction) * Power(value);
-                limits.band[static_cast<std::size_t>(1 + window)] = band;
+                xr[place] = Scaled(values[inStream], info.gain[1 + window], reduction);
+                limits.band[1 + window] = band;
             }
         });
-        for (std::size_t window = 1; window < 4; ++window) {
-            if (limits.band[window] >= 0) {
-                highest = std::max(
-                    highest, bands.shortStart[limits.band[window]] + 3 * bands.shortWidth[lastVisited] - 1);
-            }
+    }
+    for (int window = 1; window < 4; ++window) {
+        if (limits.band[window] >= 0) {
+            const int width = 3 * bands.shortWidth[lastVisited];
+            highest = std::max(highest, bands.shortStart[limits.band[window]] + width - 1);
         }
     }
     limits.subband = highest < 0 ? -1 : std::min(highest / 18, 31);
@@ -226,53 +228,20 @@ Line Requantise(const GranuleInfo& info, const ScaleFactors& scaleFactors, const
 void Stereo(const StereoMode& mode, const GranuleInfo& first, const ScaleFactors& positions,
     const Limits& rightLimits, const BandTable& bands, Line& left, Line& right)
 {
-    const auto midSide = [&](std::size_t line, double scale) {
+    const auto midSide = [&](int line, double scale) {
         const double middle = left[line];
         left[line] = (middle + right[line]) * scale;
         right[line] = (middle - right[line]) * scale;
     };
     if (!mode.intensityStereo) {
-        for (std::size_t line = 0; line < 576; ++line) {
+        for (int line = 0; line < 576; ++line) {
             midSide(line, 1);
         }
         return;
     }
-    Values position;
-    position.fill(notIntensity);
-    const bool isShort = first.block_type == 2;
-    const bool mixed = isShort && first.mixed_block_flag != 0;
-    const auto fillLong = [&](int lastBand) {
-        for (int band = rightLimits.band[0] + 1; band <= lastBand; ++band) {
-            std::fill(position.begin() + bands.longStart[band], position.begin() + bands.longStart[band + 1],
-                positions.longBands[band]);
-        }
-    };
-    if (!isShort) {
-        fillLong(20);
-        std::fill(position.begin() + bands.longStart[21], position.end(),
-            position[static_cast<std::size_t>(bands.longStart[20])]);
-    }
-    else {
-        const int lowest = mixed ? 3 : 0;
-        bool longToo = mixed;
-        std::array<int, 3> start;
-        for (std::size_t window = 0; window < 3; ++window) {
-            start[window] = std::max(rightLimits.band[1 + window] + 1, lowest);
-            longToo = longToo && start[window] <= 3;
-        }
-        ForShortLines(bands, lowest, [&](int band, int window, int inStream, int) {
-            const int coded = std::min(band, 11);
-            if (coded >= start[static_cast<std::size_t>(window)]) {
-                position[static_cast<std::size_t>(inStream)] = positions.shortBands[window][coded];
-            }
-        });
-        if (longToo) {
-            fillLong(7);
-        }
-    }
-    const auto mix = [&](int inStream, int place) {
-        const int p = position[static_cast<std::size_t>(inStream)];
-        const auto line = static_cast<std::size_t>(place);
+    const Values position = IntensityPositions(first, positions, rightLimits, bands);
+    const auto mix = [&](int inStream, int line) {
+        const int p = position[inStream];
         if (p == notIntensity) {
             if (mode.msStereo) {
                 midSide(line, std::sqrt(0.5));
@@ -282,8 +251,8 @@ void Stereo(const StereoMode& mode, const GranuleInfo& first, const ScaleFactors
         double leftFactor = 1;
         double rightFactor = 1;
         if (mode.isMpeg1) {
-            leftFactor = p == 6 ? 1 : std::tan(p * pi / 12) / (1 + std::tan(p * pi / 12));
-            rightFactor = p == 6 ? 0 : 1 / (1 + std::tan(p * pi / 12));
+            rightFactor = 1 / (1 + std::tan(p * pi / 12));
+            leftFactor = std::tan(p * pi / 12) * rightFactor;
         }
         else {
             const double base = std::pow(2.0, (first.scalefac_compress & 1) != 0 ? -0.5 : -0.25);
@@ -292,6 +261,8 @@ void Stereo(const StereoMode& mode, const GranuleInfo& first, const ScaleFactors
         right[line] = rightFactor * left[line];
         left[line] = leftFactor * left[line];
     };
+    const bool isShort = first.block_type == 2;
+    const bool mixed = isShort && first.mixed_block_flag != 0;
     for (int line = 0; line < (mixed ? 36 : isShort ? 0 : 576); ++line) {
         mix(line, line);
     }
@@ -303,8 +274,8 @@ void Stereo(const StereoMode& mode, const GranuleInfo& first, const ScaleFactors
 void AliasReduction(const GranuleInfo& info, Line& xr)
 {
     const int boundaries = info.block_type != 2 ? 31 : info.mixed_block_flag != 0 ? 1 : 0;
-    for (std::size_t b = 18; b <= static_cast<std::size_t>(18 * boundaries); b += 18) {
-        for (std::size_t i = 0; i < 8; ++i) {
+    for (int b = 18; b <= 18 * boundaries; b += 18) {
+        for (int i = 0; i < 8; ++i) {
             const double c = aliasConstants[i];
             const double cs = 1 / std::sqrt(1 + c * c);
             const double u = xr[b - 1 - i];
@@ -318,13 +289,13 @@ void AliasReduction(const GranuleInfo& info, Line& xr)
 Subbands Hybrid(const GranuleInfo& info, int subbandLimit, const Line& xr, Subbands& overlap)
 {
     Subbands out;
-    for (std::size_t subband = 0; subband < 32; ++subband) {
+    for (int subband = 0; subband < subbandCount; ++subband) {
         std::array<double, 36> x = {};
-        if (static_cast<int>(subband) < subbandLimit + 2) {
+        if (subband < subbandLimit + 2) {
             const bool normal = info.mixed_block_flag != 0 && subband < 2;
             x = TransformSubband(xr.data() + 18 * subband, normal ? 0 : info.block_type);
         }
-        for (std::size_t i = 0; i < 18; ++i) {
+        for (int i = 0; i < 18; ++i) {
             out[subband][i] = x[i] + overlap[subband][i];
             overlap[subband][i] = x[18 + i];
         }
@@ -332,21 +303,21 @@ Subbands Hybrid(const GranuleInfo& info, int subbandLimit, const Line& xr, Subba
     return out;
 }
 
-std::vector<double> Polyphase::Run(const Subbands& subbands)
+std::vector<double> Polyphase(const Subbands& subbands, PolyphaseState& v)
 {
     std::vector<double> samples;
-    for (std::size_t slot = 0; slot < 18; ++slot) {
+    for (int slot = 0; slot < 18; ++slot) {
         std::copy_backward(v.begin(), v.end() - 64, v.end());
-        for (std::size_t i = 0; i < 64; ++i) {
+        for (int i = 0; i < 64; ++i) {
             v[i] = 0;
-            for (std::size_t k = 0; k < 32; ++k) {
+            for (int k = 0; k < 32; ++k) {
                 const double inverted = slot % 2 != 0 && k % 2 != 0 ? -1 : 1;
-                v[i] += MatrixCosine(i, k) * inverted * subbands[k][slot];
+                v[i] += Cosine<64>((16 + i) * (2 * k + 1)) * inverted * subbands[k][slot];
             }
         }
-        for (std::size_t j = 0; j < 32; ++j) {
+        for (int j = 0; j < 32; ++j) {
             double sum = 0;
-            for (std::size_t i = 0; i < 8; ++i) {
+            for (int i = 0; i < 8; ++i) {
                 sum += v[128 * i + j] * synthesisWindow[64 * i + j] / 65536.0;
                 sum += v[128 * i + 96 + j] * synthesisWindow[64 * i + 32 + j] / 65536.0;
             }

@@ -1,51 +1,29 @@
 #pragma once
 
+#include "tests/files/WaveBuilder.h"
+
 #include <random>
-#include <vector>
 
 /// Makes MPEG frames for the tests, bit by bit.
 
-namespace StreamMaker
-{
-
-using Bytes = std::vector<unsigned char>;
-
-class BitWriter
-{
-public:
-    void Put(int value, int bitCount);
-    void PadTo(std::size_t byteCount);
-    const Bytes& GetBytes() const { return bytes; }
-
-private:
-    Bytes bytes;
-    int bitsInLast = 8;
-};
-
-/// The four bytes of a frame header. `mode` 0 stereo, 1 joint stereo, 3 mono.
-struct Header
+/// What a frame's header says: if nothing else is asked for MPEG-1, 128 kbit/s, 44.1 kHz, mono, which is 417
+/// bytes.
+struct FrameForm
 {
     bool isMpeg1 = true;
     int bitrateIndex = 9;
     int rateIndex = 0;
-    int mode = 3;
-    int modeExtension = 0;
+    int mode = 3; ///< 0 stereo, 1 joint stereo, 3 mono.
     bool hasCrc = false;
     bool padding = false;
 
-    Bytes MakeBytes() const;
     std::size_t GetFrameBytes() const;
-    std::size_t GetSideInfoBytes() const;
-    int GetSampleFrames() const { return isMpeg1 ? 1152 : 576; }
 };
 
-/// A frame with empty side information: it decodes to silence.
-Bytes MakeSilentFrame(const Header& header);
-/// The same, with main data that begin so many bytes ahead of the frame.
-Bytes MakeFrameWithReservoir(const Header& header, int mainDataBegin);
+/// A frame with empty side information, which decodes to silence. Its main data begin so many bytes ahead of
+/// it.
+Bytes MakeSilentFrame(const FrameForm& form, int mainDataBegin = 0);
 
 /// Frames whose side information and main data are random, but for sizes that fit and gains that keep the
 /// sound at about full scale: every kind of block, table, scale factor and stereo mode turns up.
-Bytes MakeRandomStream(std::mt19937& random, Header header, int frameCount);
-
-} // namespace StreamMaker
+Bytes MakeRandomStream(std::mt19937& random, const FrameForm& form, int frameCount);

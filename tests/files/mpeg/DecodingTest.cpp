@@ -1,0 +1,202 @@
+// What is decoded: beside another decoder, beside the conformance streams of the standard, and beside a plain
+// decoder in double precision. Each on the kernels of every instruction set that this processor runs.
+
+#include "MemoryStream.h"
+#include "PlainDecoder.h"
+#include "StreamMaker.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+
+using namespace Quon;
+
+namespace
+{
+
+template<class Action>
+void OnAllKernels(Action action)
+{
+    for (const DecoderKernels* kernels : {&BaselineKernels(), Avx2Kernels()}) {
+        if (kernels != nullptr) {
+            SCOPED_TRACE(kernels->name);
+            SndFileMP3::UseKernels(kernels);
+            action(*kernels);
+        }
+    }
+    SndFileMP3::UseKernels(nullptr);
+}
+
+/// Whether this library decodes the stream as the reference does: not at 24 kHz, where its table of bands
+/// differs, not with the intensity stereo of MPEG-2, and no free format.
+bool IsInScope(const Bytes& stream)
+{
+    for (std::size_t at = 0; at + frameHeaderBytes <= stream.size();) {
+        const FrameHeader header = SplitFrameHeader(LoadFrameHeader(stream.data() + at));
+        if (!IsPlayable(header) || SampleRateHz(header) == 24000 ||
+            (!header.IsMpeg1() && header.IntensityStereo())) {
+            return false;
+        }
+        at += static_cast<std::size_t>(FrameBytes(header) + frameHeaderBytes);
+    }
+    return true;
+}
+
+void ExpectConformance(const std::vector<int>& pcm, const std::vector<int>& reference)
+{
+    // One of the references lacks the last frame.
+    ASSERT_GE(pcm.size(), reference.size());
+    ASSERT_LE(pcm.size(), reference.size() + 2304);
+    ASSERT_GT(reference.size(), 0u);
+    double squares = 0;
+    int largest = 0;
+    for (std::size_t i = 0; i < reference.size(); ++i) {
+        const int error = std::abs(pcm[i] - reference[i]);
+        largest = std::max(largest, error);
+        squares += static_cast<double>(error) * error;
+    }
+    EXPECT_LE(largest, 2);
+    EXPECT_LE(std::sqrt(squares / static_cast<double>(reference.size())), 0.80);
+}
+
+} // namespace
+
+TEST(Decoding, GivesWhatAnotherDecoderGives)
+{
+    // The references hold every 11th value (streams/make_streams.sh).
+    constexpr std::size_t stride = 11;
+    OnAllKernels([](const DecoderKernels&) {
+        for (const std::string name : {"joint-44100", "crc-44100", "mono-48000", "vbr-32000", "joint-22050",
+                 "mono-16000", "joint-24000"}) {
+            SCOPED_TRACE(name);
+            MemoryStream file(ReadStream(name + ".mp3"));
+            ASSERT_NE(file.Get(), nullptr);
+            EXPECT_TRUE(name.ends_with(std::to_string(file.Get()->GetSampleFrequency())));
+            const std::vector<int> reference = ToValues(ReadStream(name + ".ref"));
+            ASSERT_GT(reference.size(), 900u);
+            ExpectSameSound(file.ReadAll(), reference, stride);
+        }
+    });
+}
+
+TEST(Decoding, OfConformanceStreamsStaysWithinTwoSteps)
+{
+    const char* folder = std::getenv("HARMONET_VECTORS");
+    if (folder == nullptr || !std::filesystem::is_directory(folder)) {
+        GTEST_SKIP() << "HARMONET_VECTORS names no folder with conformance streams (*.bit and *.pcm)";
+    }
+    int streams = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        const Bytes stream = entry.path().extension() == ".bit" ? ReadBytes(entry.path()) : Bytes();
+        if (stream.empty() || !IsInScope(stream)) {
+            continue;
+        }
+        SCOPED_TRACE(entry.path().filename());
+        const auto referencePath = std::filesystem::path(entry.path()).replace_extension(".pcm");
+        const std::vector<int> reference = ToValues(ReadBytes(referencePath));
+        OnAllKernels([&](const DecoderKernels&) { ExpectConformance(DecodeAll(stream), reference); });
+        ++streams;
+    }
+    EXPECT_GT(streams, 0);
+}
+
+// Streams of random frames hold every syntax that an encoder could use and some that none does.
+TEST(Decoding, OfRandomStreamsGivesWhatThePlainDecoderGives)
+{
+    std::mt19937 random(1992);
+    for (int kind = 0; kind < 72; ++kind) {
+        const int round = kind / 18;
+        const FrameForm form = {.isMpeg1 = kind % 2 == 0,
+            .bitrateIndex = 14 - 2 * round,
+            .rateIndex = kind / 2 % 3,
+            .mode = kind / 6 % 3 == 2 ? 3 : kind / 6 % 3,
+            .hasCrc = round == 1,
+            .padding = round == 2};
+        SCOPED_TRACE(testing::Message() << "MPEG-" << (form.isMpeg1 ? 1 : 2) << ", rate " << form.rateIndex
+                                        << ", mode " << form.mode << ", round " << round);
+        const Bytes stream = MakeRandomStream(random, form, 6);
+        const std::vector<int> plain = PlainMpeg::Decode(stream);
+        OnAllKernels([&](const DecoderKernels&) { ExpectSameSound(DecodeAll(stream), plain); });
+    }
+}
+
+// What random streams reach by luck alone. One code, then ones: full linbits and negative signs, on to
+// whatever that gives.
+TEST(Decoding, ReadsEveryCodeOfEveryTableAsAWalkThroughTheListDoes)
+{
+    static const auto tables = std::make_unique<DecoderTables>();
+    constexpr int budget = 60;
+    for (int table = 1; table < count1TableBase; ++table) {
+        const HuffmanSource& source = huffmanSources[table];
+        GranuleInfo info = {};
+        info.big_values = 4;
+        info.region1Start = info.region2Start = linesPerGranule;
+        info.table_select[0] = table;
+        for (int i = source.firstCode; i < source.firstCode + source.codeCount; ++i) {
+            SCOPED_TRACE("table " + std::to_string(table) + ", code " + std::to_string(i));
+            Bytes bytes(2308, 0xFF);
+            const unsigned long long code = static_cast<unsigned long long>(huffmanCodes[i].code + 1)
+                << (64 - huffmanCodes[i].length);
+            for (int byte = 0; byte < 8; ++byte) {
+                bytes[byte] = static_cast<unsigned char>((code - 1) >> (56 - 8 * byte));
+            }
+            PlainMpeg::Bits bits{bytes};
+            PlainMpeg::Values values;
+            const int lineCount = PlainMpeg::DecodeValues(bits, info, budget, values);
+            OnAllKernels([&](const DecoderKernels& kernels) {
+                float lines[spectrumStride];
+                ASSERT_EQ(kernels.decodeLines(*tables, info, bytes.data(), 0, budget, lines), lineCount);
+                for (int line = 0; line < linesPerGranule; ++line) {
+                    const int value = line < lineCount ? values[line] : 0;
+                    const auto power = static_cast<float>(std::pow(std::abs(value), 4.0 / 3.0));
+                    ASSERT_FLOAT_EQ(lines[line], value < 0 ? -power : power) << "line " << line;
+                }
+            });
+        }
+    }
+}
+
+TEST(Decoding, TruncatesAndClipsToSixteenBits)
+{
+    constexpr struct
+    {
+        float sample;
+        int pcm;
+    } rows[] = {{0.0f, 0}, {1.0f, 32767}, {-1.0f, -32767}, {1.001f, 32767}, {-1.001f, -32768},
+        {1.9f / 32767, 1}, {-1.9f / 32767, -1}, {1e30f, 32767}, {-1e30f, -32768}};
+    OnAllKernels([&](const DecoderKernels& kernels) {
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.sample);
+            const std::vector<float> left(linesPerGranule, row.sample);
+            const std::vector<float> right(linesPerGranule, 100.5f / 32767);
+            Bytes pcm(4 * linesPerGranule);
+            kernels.storePcm16(left.data(), right.data(), linesPerGranule, pcm.data());
+            const std::vector<int> stereo = ToValues(pcm);
+            kernels.storePcm16(left.data(), nullptr, linesPerGranule, pcm.data());
+            const std::vector<int> mono = ToValues(pcm);
+            for (int i = 0; i < linesPerGranule; ++i) {
+                ASSERT_EQ(stereo[2 * i], row.pcm);
+                ASSERT_EQ(stereo[2 * i + 1], 100);
+                ASSERT_EQ(mono[i], row.pcm);
+            }
+        }
+    });
+}
+
+// The plain decoder and the maker of streams take their numbers from the same tables.
+TEST(Tables, HoldTheNumbersOfTheStandard)
+{
+    EXPECT_EQ(bandTables[4].longStart[18], 330);
+    EXPECT_EQ(bandTables[4].longWidth[17], 52);
+    constexpr int longCounts[6][4] = {
+        {6, 5, 5, 5}, {6, 5, 7, 3}, {11, 10, 0, 0}, {7, 7, 7, 0}, {6, 6, 6, 3}, {8, 8, 5, 0}};
+    for (int row = 0; row < 6; ++row) {
+        EXPECT_TRUE(std::ranges::equal(lsfScaleFactorRows[row].counts[0], longCounts[row])) << row;
+    }
+    constexpr int bitrates[2][2] = {{32, 320}, {8, 160}};
+    for (int version = 0; version < 2; ++version) {
+        EXPECT_EQ(bitratesKbps[version][1], bitrates[version][0]);
+        EXPECT_EQ(bitratesKbps[version][14], bitrates[version][1]);
+    }
+}
