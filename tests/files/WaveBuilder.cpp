@@ -9,21 +9,20 @@ Bytes operator+(Bytes front, const Bytes& back)
     return front;
 }
 
-Bytes Little16(std::uint32_t number)
+Bytes Little16(long long number)
 {
     return {static_cast<unsigned char>(number), static_cast<unsigned char>(number >> 8)};
 }
 
-Bytes Little32(std::uint32_t number)
+Bytes Little32(long long number)
 {
     return Little16(number) + Little16(number >> 16);
 }
 
 Bytes FormatBytes(int tag, int channels, std::uint32_t rateHz, int blockAlign, int bits)
 {
-    return Little16(static_cast<std::uint32_t>(tag)) + Little16(static_cast<std::uint32_t>(channels)) +
-        Little32(rateHz) + Little32(0) + Little16(static_cast<std::uint32_t>(blockAlign)) +
-        Little16(static_cast<std::uint32_t>(bits));
+    return Little16(tag) + Little16(channels) + Little32(rateHz) + Little32(0) + Little16(blockAlign) +
+        Little16(bits);
 }
 
 Bytes PcmFormat(int channels, std::uint32_t rateHz, int bits)
@@ -34,35 +33,30 @@ Bytes PcmFormat(int channels, std::uint32_t rateHz, int bits)
 Bytes AdpcmFormat(int channels, std::uint32_t rateHz, int blockAlign,
     const std::vector<std::pair<int, int>>& pairs, std::optional<int> statedPairs)
 {
-    const auto extraBytes = static_cast<std::uint32_t>(4 + 4 * pairs.size());
+    const int pairCount = static_cast<int>(pairs.size());
     const int samplesPerBlock = channels == 1 ? 2 * blockAlign - 12 : blockAlign - 12;
-    Bytes format = FormatBytes(2, channels, rateHz, blockAlign, 4) + Little16(extraBytes) +
-        Little16(static_cast<std::uint32_t>(samplesPerBlock)) +
-        Little16(static_cast<std::uint32_t>(statedPairs.value_or(static_cast<int>(pairs.size()))));
+    Bytes format = FormatBytes(2, channels, rateHz, blockAlign, 4) + Little16(4 + 4 * pairCount) +
+        Little16(samplesPerBlock) + Little16(statedPairs.value_or(pairCount));
     for (const auto& [coef1, coef2] : pairs)
-        format = format + Little16(static_cast<std::uint32_t>(coef1)) +
-            Little16(static_cast<std::uint32_t>(coef2));
+        format = format + Little16(coef1) + Little16(coef2);
     return format;
 }
 
 Bytes Chunk(const std::string& id, const Bytes& content, std::optional<std::uint32_t> statedSize)
 {
-    Bytes chunk = Bytes(id.begin(), id.end()) +
-        Little32(statedSize.value_or(static_cast<std::uint32_t>(content.size()))) + content;
-    if (content.size() % 2 != 0)
-        chunk.push_back(0);
-    return chunk;
+    const auto size = static_cast<std::uint32_t>(content.size());
+    return Bytes(id.begin(), id.end()) + Little32(statedSize.value_or(size)) + content + Bytes(size % 2);
 }
 
 Bytes Wave(const Bytes& chunks)
 {
-    const Bytes form = {'W', 'A', 'V', 'E'};
-    return Chunk("RIFF", form + chunks);
+    return Chunk("RIFF", Bytes{'W', 'A', 'V', 'E'} + chunks);
 }
 
-Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples)
+Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples,
+    std::optional<std::uint32_t> statedSize)
 {
-    return Wave(Chunk("fmt ", PcmFormat(channels, rateHz, bits)) + Chunk("data", samples));
+    return Wave(Chunk("fmt ", PcmFormat(channels, rateHz, bits)) + Chunk("data", samples, statedSize));
 }
 
 Bytes Counting(std::size_t count)

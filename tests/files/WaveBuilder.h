@@ -12,8 +12,8 @@ using Bytes = std::vector<unsigned char>;
 
 Bytes operator+(Bytes front, const Bytes& back);
 
-Bytes Little16(std::uint32_t number);
-Bytes Little32(std::uint32_t number);
+Bytes Little16(long long number);
+Bytes Little32(long long number);
 
 /// The 16 bytes that every "fmt " chunk begins with.
 Bytes FormatBytes(int tag, int channels, std::uint32_t rateHz, int blockAlign, int bits);
@@ -31,8 +31,9 @@ Bytes Chunk(const std::string& id, const Bytes& content, std::optional<std::uint
 /// The 12 bytes of a head and then the chunks.
 Bytes Wave(const Bytes& chunks);
 
-/// A plain PCM file.
-Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples);
+/// A plain PCM file; `statedSize` is what the size field of its data says.
+Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples,
+    std::optional<std::uint32_t> statedSize = {});
 
 /// `count` bytes 1, 2, 3 ... that repeat after a prime number, so that no two places look alike.
 Bytes Counting(std::size_t count);
