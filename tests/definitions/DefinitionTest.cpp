@@ -51,22 +51,15 @@ std::string DescribeLine(const SoundResource& sound)
     return text + ')';
 }
 
-class Description
+struct Description
 {
-public:
-    explicit Description(const std::string& begin)
-        : text(begin)
-    {
-    }
     void Add(const std::string& name, float value, float normal)
     {
         if (value != normal)
             Add(name + ' ' + ToText(value));
     }
     void Add(const std::string& part) { text += (text.empty() ? "" : ", ") + part; }
-    const std::string& Get() const { return text; }
 
-private:
     std::string text;
 };
 
@@ -89,8 +82,8 @@ std::string Describe(const SoundResource& sound)
     text.Add("changing", sound.GetChgFrequency(), 0);
     text.Add("hz", static_cast<float>(sound.GetFrequency()), 0);
     text.Add("dry", sound.GetDisableMicFX(), 0);
-    if (sound.GetNumPoints() != 0 || sound.GetPolyline() || sound.GetNumAddSounds() != 0 ||
-        sound.GetMinAngle() != 45.0F)
+    EXPECT_EQ(sound.GetNumPoints() == 0, sound.GetPolyline() == nullptr);
+    if (sound.GetPolyline() || sound.GetNumAddSounds() != 0 || sound.GetMinAngle() != 45.0F)
         text.Add(DescribeLine(sound));
     const SndFXList effects = sound.GetFXList();
     const unsigned char* place = effects.GetEffectsArr();
@@ -99,7 +92,7 @@ std::string Describe(const SoundResource& sound)
         text.Add(DescribeEffect(desc));
         place += 8 + desc.size;
     }
-    return text.Get();
+    return text.text;
 }
 
 DefinitionTest::DefinitionTest()
@@ -121,6 +114,14 @@ std::string DefinitionTest::Load(const std::string& text)
 std::string DefinitionTest::LoadBlock(const std::string& keywords)
 {
     return Load("*SOUND_DEFINITION\n{\n*FILE a.wav\n" + keywords + "\n}\n");
+}
+
+void DefinitionTest::CheckBlocks(const std::vector<Row>& rows)
+{
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.text);
+        EXPECT_EQ(LoadBlock(row.text), (row.expected.empty() ? "0: a.wav" : "0: a.wav, ") + row.expected);
+    }
 }
 
 int DefinitionTest::LoadAgain()

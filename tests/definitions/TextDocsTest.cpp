@@ -97,7 +97,7 @@ TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
     EXPECT_EQ(count, 13);
 }
 
-TEST_F(TextDocs, EachEffectStandsThereWithItsKeywordsRangesAndDefaults)
+TEST_F(TextDocs, EachEffectStandsThereWithItsFieldsTheirRangesAndDefaults)
 {
     for (unsigned int effect = 0; effect < numResourceFX; ++effect) {
         const EffectKeywords& keywords = GetEffectKeywords(static_cast<SndFX>(effect));
@@ -106,6 +106,8 @@ TEST_F(TextDocs, EachEffectStandsThereWithItsKeywordsRangesAndDefaults)
         const std::vector<Lines> rows = GetRows("### `" + name + '`');
         ASSERT_EQ(rows.size(), keywords.fields.size());
         std::string defaults = name + " {\n";
+        std::string numbered = defaults;
+        std::string numbers;
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const EffectField& field = keywords.fields[i];
             SCOPED_TRACE(rows[i][0]);
@@ -115,9 +117,15 @@ TEST_F(TextDocs, EachEffectStandsThereWithItsKeywordsRangesAndDefaults)
             range << field.least << " to " << field.most;
             EXPECT_TRUE((", " + rows[i][2]).ends_with(", " + range.str())) << rows[i][2];
             defaults += rows[i][0] + ' ' + rows[i][3] + '\n';
+            const std::string number = ' ' + std::to_string(i + 1);
+            numbered += rows[i][0] + number + '\n';
+            numbers += number;
         }
         const std::string written = LoadBlock(defaults + '}');
         EXPECT_EQ(written, LoadBlock(name));
+        // The paper goes through a record from its first field to its last.
+        const std::string filled = LoadBlock(numbered + '}');
+        EXPECT_TRUE(filled.ends_with('(' + numbers.substr(1) + ')')) << filled;
     }
 }
 
