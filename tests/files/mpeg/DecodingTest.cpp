@@ -4,6 +4,7 @@
 #include "MemoryStream.h"
 #include "PlainDecoder.h"
 #include "StreamMaker.h"
+#include "harmonet/files/mpeg/SpectrumStage.h"
 
 #include <gtest/gtest.h>
 
@@ -26,6 +27,12 @@ void OnAllKernels(Action action)
         }
     }
     SndFileMP3::UseKernels(nullptr);
+}
+
+const DecoderTables& Tables()
+{
+    static const auto tables = std::make_unique<DecoderTables>();
+    return *tables;
 }
 
 /// Whether this library decodes the stream as the reference does: not at 24 kHz, where its table of bands
@@ -121,11 +128,42 @@ TEST(Decoding, OfRandomStreamsGivesWhatThePlainDecoderGives)
     }
 }
 
-// What random streams reach by luck alone. One code, then ones: full linbits and negative signs, on to
+// What random streams reach by luck alone: spectra that end in zeros, up to the line count and behind.
+TEST(Decoding, ScalesSparseSpectraAndFindsTheirEndsAsThePlainDecoderDoes)
+{
+    std::mt19937 random(4);
+    for (int round = 0; round < 2000; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        GranuleInfo info = {};
+        info.block_type = round % 3 != 0 ? blockTypeShort : 0;
+        info.mixed_block_flag = round % 3 == 2 ? 1 : 0;
+        std::fill_n(info.gain, 4, unityGain);
+        const BandTable& bands = bandTables[random() % 6];
+        const int lineCount = static_cast<int>(random() % (linesPerGranule + 1));
+        PlainMpeg::Values values = {};
+        float lines[spectrumStride] = {};
+        for (int line = 0, end = static_cast<int>(random() % (lineCount + 1)); line < end; ++line) {
+            values[line] = static_cast<int>(random() % 3) - 1;
+            lines[line] = static_cast<float>(values[line]);
+        }
+        const ScaleFactors factors = {};
+        PlainMpeg::Limits limits;
+        const PlainMpeg::Line plain = PlainMpeg::Requantise(info, factors, bands, values, lineCount, limits);
+        OnAllKernels([&](const DecoderKernels& kernels) {
+            float xr[spectrumStride];
+            const SpectrumLimits found =
+                Requantise(Tables(), kernels, {info, factors, bands, lineCount}, lines, xr);
+            EXPECT_TRUE(std::ranges::equal(found.bandLimit, limits.band));
+            EXPECT_EQ(found.subbandLimit, limits.subband);
+            EXPECT_TRUE(std::equal(plain.begin(), plain.end(), xr));
+        });
+    }
+}
+
+// One code, then ones: full linbits and negative signs, on to
 // whatever that gives.
 TEST(Decoding, ReadsEveryCodeOfEveryTableAsAWalkThroughTheListDoes)
 {
-    static const auto tables = std::make_unique<DecoderTables>();
     constexpr int budget = 60;
     for (int table = 1; table < count1TableBase; ++table) {
         const HuffmanSource& source = huffmanSources[table];
@@ -146,7 +184,7 @@ TEST(Decoding, ReadsEveryCodeOfEveryTableAsAWalkThroughTheListDoes)
             const int lineCount = PlainMpeg::DecodeValues(bits, info, budget, values);
             OnAllKernels([&](const DecoderKernels& kernels) {
                 float lines[spectrumStride];
-                ASSERT_EQ(kernels.decodeLines(*tables, info, bytes.data(), 0, budget, lines), lineCount);
+                ASSERT_EQ(kernels.decodeLines(Tables(), info, bytes.data(), 0, budget, lines), lineCount);
                 for (int line = 0; line < linesPerGranule; ++line) {
                     const int value = line < lineCount ? values[line] : 0;
                     const auto power = static_cast<float>(std::pow(std::abs(value), 4.0 / 3.0));
