@@ -1,22 +1,88 @@
-#include "BlockReaderFixture.h"
+#include "harmonet/engine/BlockReader.h"
+
+#include "tests/support/TempFolder.h"
 
 #include <clocale>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <optional>
+#include <random>
 
 namespace Quon
 {
 namespace
 {
 
+/// Opens texts as files, and writes down what a reader finds in them.
+class BlockReaders : public testing::Test
+{
+protected:
+    BlockReaders() { EXPECT_TRUE(File::AddRoot(owner, folder.GetPath().c_str())); }
+    ~BlockReaders() override { File::RemoveRoot(owner); }
+
+    /// A reader on a file of that content. An empty content cannot be opened and leaves the reader on a
+    /// closed file.
+    BlockReader& ReaderOf(std::string_view content)
+    {
+        folder.Write("text.txt", content);
+        file.Open(owner, "text.txt", File::modeRead);
+        reader.Init(file);
+        return reader;
+    }
+
+    /// The whole tree as one line: `*KEY(value,value){...}`.
+    static std::string Tree(BlockReader& block)
+    {
+        std::string tree;
+        PString keyword;
+        while (block.Next(keyword)) {
+            tree += keyword.GetText();
+            PString value;
+            for (const char* separator = "("; block.ReadString(value); separator = ",") {
+                tree += separator + std::string(value.GetView());
+            }
+            if (BlockReader* const inner = block.Begin()) {
+                tree += "{" + Tree(*inner) + "}";
+                block.End();
+            }
+            tree += " ";
+        }
+        return tree;
+    }
+
+    std::string TreeOf(std::string_view content) { return Tree(ReaderOf(content)); }
+
+    /// What that word behind a keyword is read for, if it can be; if not, what was there has to stay.
+    template<class Value>
+    std::optional<Value> Read(
+        const std::string& word, bool (BlockReader::*read)(Value&), Value before = Value(55))
+    {
+        PString keyword;
+        BlockReader& block = ReaderOf("*A " + word);
+        EXPECT_TRUE(block.Next(keyword));
+        Value value = before;
+        if ((block.*read)(value)) {
+            return value;
+        }
+        EXPECT_EQ(value, before);
+        return {};
+    }
+
+    const PString owner = "owner of the texts";
+    TempFolder folder;
+    File file;
+    BlockReader reader;
+};
+
 TEST_F(BlockReaders, ReadTheTextForm)
 {
-    struct Row
+    const std::string_view withZero("*A 1\0002\n*B\0", 10);
+    const struct
     {
         const char* what;
         std::string_view text;
         const char* tree;
-    };
-    const std::string_view withZero("*A 1\0002\n*B\0", 10);
-    const Row rows[] = {
+    } rows[] = {
         {"values", "*A 1 two \"three and four\" 5.0\n", "*A(1,two,three and four,5.0 "},
         {"no last line end", "*A 1", "*A(1 "},
         {"no value from the next line", "*A\n1 2\n*B 3", "*A *B(3 "},
@@ -48,7 +114,7 @@ TEST_F(BlockReaders, ReadTheTextForm)
         {"only comment", "// nothing", ""},
         {"nothing", "", ""},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
         EXPECT_EQ(TreeOf(row.text), row.tree);
     }
@@ -88,54 +154,32 @@ TEST_F(BlockReaders, StaySafeWhenTheCallsComeOutOfOrder)
 
 TEST_F(BlockReaders, TakeWholeNumbersOf32BitsOnly)
 {
-    struct Row
-    {
-        const char* word;
-        bool isGood;
-        int value;
-    };
-    const Row rows[] = {{"0", true, 0}, {"-1", true, -1}, {"+12", true, 12}, {"007", true, 7},
-        {"2147483647", true, 2147483647}, {"-2147483648", true, -2147483647 - 1}, {"2147483648", false, 0},
-        {"-2147483649", false, 0}, {"99999999999999999999", false, 0}, {"1.0", false, 0}, {"1e3", false, 0},
-        {"0x10", false, 0}, {"+-1", false, 0}, {"+", false, 0}, {"1a", false, 0}, {"\"1\"", false, 0},
-        {"", false, 0}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.word);
-        PString keyword;
-        BlockReader& block = ReaderOf("*A " + std::string(row.word));
-        ASSERT_TRUE(block.Next(keyword));
-        int value = 55;
-        EXPECT_EQ(block.ReadInt(value), row.isGood);
-        EXPECT_EQ(value, row.isGood ? row.value : 55);
+    const std::pair<const char*, int> good[] = {{"0", 0}, {"-1", -1}, {"+12", 12}, {"007", 7},
+        {"2147483647", 2147483647}, {"-2147483648", -2147483647 - 1}};
+    for (const auto& [word, value] : good) {
+        EXPECT_EQ(Read(word, &BlockReader::ReadInt), value) << word;
+    }
+    for (const char* word : {"2147483648", "-2147483649", "99999999999999999999", "1.0", "1e3", "0x10", "+-1",
+             "+", "1a", "\"1\"", ""}) {
+        EXPECT_EQ(Read(word, &BlockReader::ReadInt), std::nullopt) << word;
     }
 }
 
 TEST_F(BlockReaders, TakeFiniteFloatsWhateverTheLocale)
 {
-    struct Row
-    {
-        const char* word;
-        bool isGood;
-        float value;
-    };
-    const Row rows[] = {{"0.8", true, 0.8f}, {"-50.0", true, -50.0f}, {"1e3", true, 1000.0f},
-        {"+.5", true, 0.5f}, {"5.", true, 5.0f}, {"12", true, 12.0f}, {"3.4028234e38", true, 3.4028234e38f},
-        {"3.5e38", false, 0}, {"1e999", false, 0}, {"nan", false, 0}, {"inf", false, 0}, {"-inf", false, 0},
-        {"infinity", false, 0}, {"0,5", false, 0}, {"1.0f", false, 0}, {"1.2.3", false, 0}, {"-", false, 0},
-        {".", false, 0}, {"\"1\"", false, 0}, {"", false, 0}};
+    const std::pair<const char*, float> good[] = {{"0.8", 0.8f}, {"-50.0", -50.0f}, {"1e3", 1000.0f},
+        {"+.5", 0.5f}, {"5.", 5.0f}, {"12", 12.0f}, {"3.4028234e38", 3.4028234e38f}};
     for (const char* locale : {"C", "de_DE.UTF-8", "de_DE"}) {
         // A machine without the German locales still tests the first round.
         if (std::setlocale(LC_ALL, locale) == nullptr) {
             continue;
         }
-        for (const Row& row : rows) {
-            SCOPED_TRACE(row.word);
-            PString keyword;
-            BlockReader& block = ReaderOf("*A " + std::string(row.word));
-            ASSERT_TRUE(block.Next(keyword));
-            float value = 55.0f;
-            EXPECT_EQ(block.ReadFloat(value), row.isGood);
-            EXPECT_EQ(value, row.isGood ? row.value : 55.0f);
+        for (const auto& [word, value] : good) {
+            EXPECT_EQ(Read(word, &BlockReader::ReadFloat), value) << word;
+        }
+        for (const char* word : {"3.5e38", "1e999", "nan", "inf", "-inf", "infinity", "0,5", "1.0f", "1.2.3",
+                 "-", ".", "\"1\"", ""}) {
+            EXPECT_EQ(Read(word, &BlockReader::ReadFloat), std::nullopt) << word;
         }
     }
     std::setlocale(LC_ALL, "C");
@@ -144,22 +188,13 @@ TEST_F(BlockReaders, TakeFiniteFloatsWhateverTheLocale)
 TEST_F(BlockReaders, KnowTheTruthValues)
 {
     for (const char* word : {"true", "TRUE", "yes", "On", "1"}) {
-        PString keyword;
-        bool value = false;
-        BlockReader& block = ReaderOf("*A " + std::string(word));
-        EXPECT_TRUE(block.Next(keyword) && block.ReadBool(value) && value) << word;
+        EXPECT_EQ(Read(word, &BlockReader::ReadBool, false), true) << word;
     }
     for (const char* word : {"false", "False", "no", "OFF", "0"}) {
-        PString keyword;
-        bool value = true;
-        BlockReader& block = ReaderOf("*A " + std::string(word));
-        EXPECT_TRUE(block.Next(keyword) && block.ReadBool(value) && !value) << word;
+        EXPECT_EQ(Read(word, &BlockReader::ReadBool, true), false) << word;
     }
     for (const char* word : {"truer", "2", "t", "\"true\"", "", "[rue"}) {
-        PString keyword;
-        bool value = true;
-        BlockReader& block = ReaderOf("*A " + std::string(word));
-        EXPECT_TRUE(block.Next(keyword) && !block.ReadBool(value) && value) << word;
+        EXPECT_EQ(Read(word, &BlockReader::ReadBool, true), std::nullopt) << word;
     }
 }
 
@@ -219,6 +254,93 @@ TEST_F(BlockReaders, KeepSignsOfTwoCharactersTogetherAcrossASeam)
         EXPECT_EQ(TreeOf(text), "*A(1 *B(3 *C(a/b/c ");
         EXPECT_EQ(reader.GetLine(), 4);
     }
+}
+
+/// Hears everything and counts it, so that the reporting code runs as well.
+class CountingListener : public BlockReaderListener
+{
+public:
+    void OnSkipped(const Skipped& skipped) override { length += skipped.keyword.GetView().size(); }
+    void OnUnreadable(const PString&, int, const char* wanted, const char* found) override
+    {
+        length += std::string_view(wanted).size() + std::string_view(found != nullptr ? found : "").size();
+    }
+    void OnFault(int, const char* fault) override { length += std::string_view(fault).size(); }
+
+    std::size_t length = 0;
+};
+
+/// Calls all operations in a random order, on the reader and on those that it gave, also on those that have
+/// been left. Returns how many keywords there were.
+int UseAtRandom(BlockReader& outer, std::mt19937& random)
+{
+    std::vector<BlockReader*> readers = {&outer};
+    int keywords = 0;
+    for (int call = 0; call < 300; ++call) {
+        BlockReader& block = *readers[random() % readers.size()];
+        const unsigned action = random() % 8;
+        PString text;
+        bool truth = false;
+        float values[3] = {0, 0, 0};
+        if (action == 0) {
+            if (BlockReader* const inner = block.Begin()) {
+                readers.push_back(inner);
+            }
+        }
+        else if (action == 1) {
+            block.End();
+        }
+        else if (action == 2) {
+            EXPECT_LE(block.ReadFloatv(values, 3), 3);
+            EXPECT_TRUE(std::isfinite(values[0]) && std::isfinite(values[1]) && std::isfinite(values[2]));
+        }
+        else if (action == 3) {
+            block.ReadBool(truth) || block.ReadString(text);
+        }
+        else if (block.Next(text)) {
+            ++keywords;
+            EXPECT_EQ(text.GetText()[0], '*');
+        }
+    }
+    return keywords;
+}
+
+/// Noise, noise of the signs that count, and a good text with some changes, in turns.
+std::string MakeText(int round, std::mt19937& random)
+{
+    constexpr std::string_view likely = "**** {{}}\"\"//##\n\n\r\t 01.-+eE\\ab\xFF";
+    if (round % 3 != 0) {
+        std::string text(random() % 6000, '\0');
+        for (char& character : text) {
+            character = round % 3 == 1 ? static_cast<char>(random()) : likely[random() % likely.size()];
+        }
+        return text;
+    }
+    std::string text = "*SOUND_DEFINITION // As a designer writes it.\r\n{\n*FILE \"a loop.wav\" # quoted\n"
+                       "*LOOPING true\n*POSITION 1.0 -2.5e1 +3\n*UNKNOWN 1 2 { *FILE lost.wav { } }\n"
+                       "*FX_ECHO { *FEEDBACK 30.0 }\n*POLYLINE\n{\n*POINT 0.0 0.0 0.0\n*POINT 1 2 3\n}\n}";
+    for (int change = 0; change < 5; ++change) {
+        const std::string moved = text.substr(random() % text.size(), random() % 40);
+        text.replace(random() % text.size(), random() % 20, moved);
+        text[random() % text.size()] = static_cast<char>(random());
+    }
+    return text;
+}
+
+TEST_F(BlockReaders, EndWhateverIsCalledOnWhateverText)
+{
+    std::mt19937 random(20260701);
+    int keywords = 0;
+    for (int round = 0; round < 600; ++round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        const std::string text = MakeText(round, random);
+        CountingListener listener;
+        reader.SetListener(&listener);
+        keywords += UseAtRandom(ReaderOf(text), random);
+        Tree(ReaderOf(text));
+        reader.SetListener(nullptr);
+    }
+    EXPECT_GT(keywords, 600);
 }
 
 } // namespace

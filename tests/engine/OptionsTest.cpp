@@ -25,39 +25,32 @@ using List = std::vector<std::string>;
 
 TEST(Options, GiveWholeNumbersOf32BitsAndTheDefaultForAllElse)
 {
-    struct Row
-    {
-        const char* text;
-        bool isNumber;
-        int value;
-    };
-    const Row rows[] = {{"22050", true, 22050}, {" -1 ", true, -1}, {"+7", true, 7},
-        {"2147483647", true, 2147483647}, {"-2147483648", true, -2147483647 - 1}, {"2147483648", false, 0},
-        {"", false, 0}, {"+-1", false, 0}, {"12x", false, 0}, {"1.5", false, 0}, {"0x10", false, 0},
-        {"nan", false, 0}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
+    const auto read = [](const char* text) {
         Options options;
-        options.Set("Key", row.text);
+        options.Set("Key", text);
         int value = 1;
-        EXPECT_EQ(options.Get("Key", value, 99), row.isNumber);
-        EXPECT_EQ(value, row.isNumber ? row.value : 99);
+        const bool isNumber = options.Get("Key", value, 99);
+        return std::pair(isNumber, value);
+    };
+    const std::pair<const char*, int> good[] = {{"22050", 22050}, {" -1 ", -1}, {"+7", 7},
+        {"2147483647", 2147483647}, {"-2147483648", -2147483647 - 1}};
+    for (const auto& [text, value] : good) {
+        EXPECT_EQ(read(text), std::pair(true, value)) << text;
     }
-    Options options;
-    int value = 1;
-    EXPECT_FALSE(options.Get("Key", value, 500));
-    EXPECT_EQ(value, 500);
+    for (const char* text : {"2147483648", "", "+-1", "12x", "1.5", "0x10", "nan"}) {
+        EXPECT_EQ(read(text), std::pair(false, 99)) << text;
+    }
+    EXPECT_EQ(read(nullptr), std::pair(false, 99));
 }
 
 TEST(Options, WalkAListOnceAndAnewAfterItsSeparatorsAreSet)
 {
-    struct Row
+    const struct
     {
         const char* separators;
         const char* text;
         List items;
-    };
-    const Row rows[] = {
+    } rows[] = {
         {",", "HarmonetOpenAL,HarmonetNull", {"HarmonetOpenAL", "HarmonetNull"}},
         {",", " a , b c ,", {"a", "b c"}},
         {",", ",,a,,", {"a"}},
@@ -66,15 +59,17 @@ TEST(Options, WalkAListOnceAndAnewAfterItsSeparatorsAreSet)
         {",", " , ", {}},
         {nullptr, "a,b", {"a,b"}},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.text);
-        OS os;
-        os.GetOptions()->SetSeperators("Sound", row.separators);
-        os.GetOptions()->Set("Sound", row.text);
-        EXPECT_EQ(Items(*os.GetOptions(), "Sound"), row.items);
-        EXPECT_EQ(Items(*os.GetOptions(), "Sound"), List());
-        os.GetOptions()->SetSeperators("Sound", row.separators);
-        EXPECT_EQ(Items(*os.GetOptions(), "Sound"), row.items);
+        Options options;
+        options.SetSeperators("Sound", row.separators);
+        options.Set("Sound", row.text);
+        EXPECT_EQ(Items(options, "Sound"), row.items);
+        EXPECT_EQ(Items(options, "Sound"), List());
+        options.SetSeperators("Sound", row.separators);
+        EXPECT_EQ(Items(options, "Sound"), row.items);
+        options.Set("Sound", row.text);
+        EXPECT_EQ(Items(options, "Sound"), row.items);
     }
 }
 
@@ -121,18 +116,14 @@ TEST(Options, ComeFromATextFile)
 TEST(Options, TellWhichLineOfAFileIsNoOption)
 {
     const TempFolder folder;
-    struct Row
-    {
-        const char* content;
-        int badLine;
-    };
-    const Row rows[] = {{"A = 1\nno option\n= 3\nB = 2\n", 2}, {"= 1\nB = 2", 1}, {"B = 2\n\n\nnone", 4}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.content);
+    const std::pair<const char*, int> rows[] = {
+        {"A = 1\nno option\n= 3\nB = 2\n", 2}, {"= 1\nB = 2", 1}, {"B = 2\n\n\nnone", 4}};
+    for (const auto& [content, expectedLine] : rows) {
+        SCOPED_TRACE(content);
         Options options;
         int badLine = -1;
-        EXPECT_FALSE(options.ReadFile(folder.Write("bad.txt", row.content).c_str(), &badLine));
-        EXPECT_EQ(badLine, row.badLine);
+        EXPECT_FALSE(options.ReadFile(folder.Write("bad.txt", content).c_str(), &badLine));
+        EXPECT_EQ(badLine, expectedLine);
         int number = 0;
         EXPECT_TRUE(options.Get("B", number, 0));
         EXPECT_EQ(number, 2);
@@ -143,6 +134,7 @@ TEST(Options, TellWhichLineOfAFileIsNoOption)
     EXPECT_EQ(badLine, 0);
     EXPECT_FALSE(options.ReadFile(folder.GetPath().c_str()));
     EXPECT_FALSE(options.ReadFile(nullptr));
+    EXPECT_TRUE(options.ReadFile(folder.Write("largest", std::string(1 << 20, '\n')).c_str()));
     EXPECT_FALSE(options.ReadFile(folder.Write("large", std::string((1 << 20) + 1, '\n')).c_str()));
 }
 

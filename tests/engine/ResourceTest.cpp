@@ -21,8 +21,7 @@ using Log = std::vector<std::string>;
 /// What all resources and types of a test write down.
 Log* theLog = nullptr;
 
-/// Loads itself by one of the two entries, as the sound resources do: data by Load(), definitions by
-/// LoadTxt().
+/// Loads data by Load() and definitions by LoadTxt(), as the sound resources do.
 class LoggingResource : public Resource
 {
 public:
@@ -118,22 +117,20 @@ protected:
 
 TEST_F(Resources, AreMadeByTheTypeWithTheLongestEndingAndLoadedByItsEntry)
 {
-    struct Row
+    const struct
     {
         const char* name;
         const char* owner;
         Log made;
         Log loaded;
-    };
-    const Row rows[] = {
-        {"shot.wav", "first", {"wav makes shot.wav"}, {"load shot.wav"}},
+    } rows[] = {
         {"both.wav", "first", {"wav makes both.wav"}, {"load both.wav"}},
         {"sub/Deep.WAV", "second", {"wav makes sub/Deep.WAV"}, {"load sub/Deep.WAV"}},
         {"horn.sound", "first", {"sound makes horn.sound"}, {"load horn.sound", "text horn.sound"}},
         {"bell.sound.txt", "first", {"sound.txt makes bell.sound.txt"}, {"text bell.sound.txt"}},
         {"readme.txt", "first", {"txt makes readme.txt"}, {"text readme.txt"}},
     };
-    for (const Row& row : rows) {
+    for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
         const Resource* resource = nullptr;
         EXPECT_EQ(LogOf([&] { resource = Find(row.name); }), row.made);
@@ -149,56 +146,48 @@ TEST_F(Resources, AreMadeByTheTypeWithTheLongestEndingAndLoadedByItsEntry)
     }
 }
 
-TEST_F(Resources, AreSharedByNameAndCounted)
+TEST_F(Resources, AreSharedByNameAndCountedAndTriedAgainAfterAFailedLoad)
 {
     const Resource* const resource = Find("shot.wav");
     EXPECT_EQ(Find("shot.wav"), resource);
     EXPECT_EQ(resource->GetReferenceCount(), 2);
+    LoggingResource::nextResult = 17;
+    EXPECT_EQ(resource->Lock(database.get()).GetCode(), 17);
+    EXPECT_EQ(resource->GetLockCount(), 0);
+    EXPECT_FALSE(resource->IsLoaded());
+    LoggingResource::nextResult = 0;
     EXPECT_EQ(LogOf([&] {
         EXPECT_TRUE(resource->Lock(database.get()).IsOk());
         EXPECT_TRUE(resource->Lock(database.get()).IsOk());
     }),
         Log{"load shot.wav"});
     EXPECT_EQ(resource->GetLockCount(), 2);
-    resource->Unlock();
-    resource->Unlock();
-    resource->Unlock();
+    for (int unlock = 0; unlock < 3; ++unlock) {
+        resource->Unlock();
+    }
     EXPECT_EQ(resource->GetLockCount(), 0);
     EXPECT_FALSE(resource->ReleaseReference());
     EXPECT_TRUE(resource->ReleaseReference());
     EXPECT_EQ(database->GetCount(), 1u);
 }
 
-TEST_F(Resources, PassAFailedLoadOnAndTryAgain)
-{
-    const Resource* const resource = Find("horn.sound");
-    LoggingResource::nextResult = 17;
-    EXPECT_EQ(resource->Lock(database.get()).GetCode(), 17);
-    EXPECT_EQ(resource->GetLockCount(), 0);
-    EXPECT_FALSE(resource->IsLoaded());
-    LoggingResource::nextResult = 0;
-    EXPECT_EQ(resource->Lock(database.get()).GetCode(), 0);
-    EXPECT_EQ(resource->GetLockCount(), 1);
-    resource->Unlock();
-    resource->ReleaseReference();
-}
-
-TEST_F(Resources, AreLoadedAgainWhenTheirFileHasChanged)
+TEST_F(Resources, AreLoadedAgainWhenTheirFileHasChangedAndKeptWhileItIsGone)
 {
     const Resource* const idle = Find("shot.wav");
     const Resource* const locked = Find("horn.sound");
-    const Resource* const same = Find("both.wav");
-    for (const Resource* resource : {idle, locked, same}) {
+    const Resource* const orphan = Find("both.wav");
+    for (const Resource* resource : {idle, locked, orphan}) {
         ASSERT_TRUE(resource->Lock(database.get()).IsOk());
     }
     idle->Unlock();
-    same->Unlock();
+    orphan->Unlock();
     folder.Write("first/shot.wav", "a longer wave");
     folder.Write("first/horn.sound", "*A *B *C");
+    std::filesystem::remove(folder.Path("first/both.wav"));
     EXPECT_EQ(LogOf([&] { database->ReloadChanged(); }), Log{"unload shot.wav"});
     EXPECT_EQ(LogOf([&] {
         idle->Lock(database.get());
-        same->Lock(database.get());
+        orphan->Lock(database.get());
         // Others who lock the old content meanwhile share it.
         locked->Lock(database.get());
         locked->Unlock();
@@ -207,25 +196,10 @@ TEST_F(Resources, AreLoadedAgainWhenTheirFileHasChanged)
     EXPECT_EQ(LogOf([&] { locked->Unlock(); }), Log{"unload horn.sound"});
     EXPECT_EQ(LogOf([&] { locked->Lock(database.get()); }), (Log{"load horn.sound", "text horn.sound"}));
     EXPECT_EQ(LogOf([&] { database->ReloadChanged(); }), Log());
-    for (const Resource* resource : {idle, locked, same}) {
+    for (const Resource* resource : {idle, locked, orphan}) {
         resource->Unlock();
         resource->ReleaseReference();
     }
-}
-
-TEST_F(Resources, KeepTheirContentWhileTheirFileIsGone)
-{
-    const Resource* const resource = Find("shot.wav");
-    resource->Lock(database.get());
-    resource->Unlock();
-    std::filesystem::remove(folder.Path("first/shot.wav"));
-    EXPECT_EQ(LogOf([&] {
-        database->ReloadChanged();
-        EXPECT_TRUE(resource->Lock(database.get()).IsOk());
-    }),
-        Log());
-    resource->Unlock();
-    resource->ReleaseReference();
 }
 
 TEST_F(Resources, AreDroppedWhenNobodyHasUsedThemForARound)
