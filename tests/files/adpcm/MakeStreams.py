@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes the ADPCM streams of this folder and the PCM that is expected of each.
 
-Run by hand, with sox and ffmpeg installed; the results are kept in the tree. The sound is a chord that swells
+Run by hand, with sox installed; the results are kept in the tree. The sound is a chord that swells
 into noise and over the limit, so that several coefficient pairs and all codes come up. The expected PCM is what
 sox decodes: 16 bits, little-endian, interleaved.
 """
@@ -31,8 +31,6 @@ def main():
         for channels, name in ((1, "mono"), (2, "stereo")):
             make_sound(work / "sound.wav", channels, 0.62 if channels == 1 else 0.4)
             run("sox", "-R", work / "sound.wav", "-e", "ms-adpcm", HERE / f"sox-{name}.wav")
-            run("ffmpeg", "-loglevel", "error", "-y", "-i", work / "sound.wav", "-c:a", "adpcm_ms", "-bitexact",
-                "-block_size", 256, HERE / f"ffmpeg-{name}.wav")
     for wave in sorted(HERE.glob("*.wav")):
         run("sox", wave, "-t", "raw", "-e", "signed", "-b", 16, "-L", wave.with_suffix(".pcm"))
 

@@ -6,7 +6,6 @@
 
 #include <memory>
 
-Bytes ReadBytes(const std::string& path);
 /// A stream of the folder streams/.
 Bytes ReadStream(const std::string& name);
 /// Little-endian 16-bit values.
