@@ -24,8 +24,7 @@ Sample SmallPcm()
 Sample SmallAdpcm(const char* name, int channels, int blockAlign)
 {
     const Bytes block = Counting(static_cast<std::size_t>(blockAlign));
-    Bytes data = block + block + block;
-    data.resize(data.size() - 4);
+    const Bytes data = block + block + Bytes(block.begin(), block.end() - 4);
     const Bytes head =
         Chunk("fmt ", AdpcmFormat(channels, 8000, blockAlign, usualPairs)) + Chunk("fact", Little32(40));
     return {name, Wave(head) + Chunk("data", data), 12 + head.size() + 8};
