@@ -217,24 +217,18 @@ TEST_F(Resources, AreDroppedWhenNobodyHasUsedThemForARound)
     EXPECT_EQ(database->GetCount(), 0u);
 }
 
-TEST_F(Resources, OutliveTheirDatabaseWhileSomebodyHoldsThem)
+// A type is used by its resources, and goes with the last of them.
+TEST_F(Resources, OutliveTheirDatabaseAndHoldTheirTypeWhileSomebodyHoldsThem)
 {
     const Resource* const held = Find("shot.wav");
     held->Lock(database.get());
-    EXPECT_EQ(LogOf([&] { database.reset(); }), Log());
-    held->Unlock();
-    EXPECT_EQ(LogOf([&] { held->ReleaseReference(); }), (Log{"unload shot.wav", "delete shot.wav"}));
-}
-
-// A type is used by its resources, and goes with the last of them.
-TEST_F(Resources, HoldTheirTypeBeyondTheRegistry)
-{
-    const Resource* const held = Find("shot.wav");
     EXPECT_EQ(LogOf([&] { PluginRegistry::Get().ReleaseAll(); }),
         (Log{"delete type txt", "delete type sound", "delete type sound.txt"}));
     EXPECT_EQ(Find("both.wav"), nullptr);
-    held->ReleaseReference();
-    EXPECT_EQ(LogOf([&] { database.reset(); }), (Log{"delete shot.wav", "delete type wav"}));
+    EXPECT_EQ(LogOf([&] { database.reset(); }), Log());
+    held->Unlock();
+    EXPECT_EQ(LogOf([&] { held->ReleaseReference(); }),
+        (Log{"unload shot.wav", "delete shot.wav", "delete type wav"}));
 }
 
 /// Writes down what it hears, and takes itself and another off while it is told.
