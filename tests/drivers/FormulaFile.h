@@ -2,12 +2,16 @@
 
 #include "harmonet/files/SndFile.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <condition_variable>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <numbers>
+#include <thread>
 
 namespace Quon
 {
@@ -27,21 +31,31 @@ public:
         int bytesPerSample = 2;
     };
 
-    FormulaFile(const Form& form, Formula newFormula);
+    FormulaFile(const Form& form, Formula newFormula)
+        : formula(std::move(newFormula))
+        , dataEnd(form.sampleFrames)
+    {
+        SetFormat(form.bytesPerSample, form.rateHz, form.sampleFrames, form.channels);
+        fileType = FileWav;
+        soundLength = CalcLength(form.sampleFrames);
+    }
 
     /// The value as it is stored: rounded to the integers of the form, and turned back.
-    double GetStored(int sampleFrame, int channel) const;
+    double GetStored(int sampleFrame, int channel) const
+    {
+        return std::ldexp(
+            static_cast<double>(Quantise(formula(sampleFrame, channel))), 1 - 8 * bytesPerSample);
+    }
+
+    // What it is like. All of it before it plays.
 
     /// The data end before the sample frames that the form states.
     void BreakOffAt(int sampleFrame) { dataEnd = sampleFrame; }
-
     /// A read that would pass this sample frame ends in front of it, as at a change of form; the next goes
     /// on.
     void PauseAt(int sampleFrame) { pauseAt = sampleFrame; }
-
     /// What the form says of the rate turns out to be wrong at the first read.
     void TurnOutToHave(int newRateHz) { trueRateHz = newRateHz; }
-
     /// Each read of so many takes a while, as from a disk that has gone to sleep.
     void BeSlow(int newReadsPerSlowOne, std::chrono::milliseconds newSlowness)
     {
@@ -58,28 +72,74 @@ public:
     /// Sample frames that have been handed out.
     long GetFramesRead() const { return framesRead; }
     /// Waits until that many have been handed out, from any thread. False if it takes an age.
-    bool WaitUntilRead(long sampleFrames);
+    bool WaitUntilRead(long sampleFrames)
+    {
+        std::unique_lock lock(mutex);
+        return wasRead.wait_for(lock, std::chrono::minutes(2), [&] { return framesRead >= sampleFrames; });
+    }
 
     bool OpenMemory(void*, unsigned long, WaveFormatEx*) override { return false; }
     bool OpenHandle(SndFileHandle*) override { return false; }
     void* CreateNodeInfo() override { return nullptr; }
-    int ReadSamples(unsigned char* buffer, int samples) override;
-    int SkipSamples(int samples) override;
-    void Rewind() override;
+    int ReadSamples(unsigned char* buffer, int samples) override
+    {
+        forbiddenTouches += forbidden;
+        Dawdle();
+        sampleFrequency = trueRateHz > 0 ? trueRateHz : sampleFrequency;
+        const int readEnd = currentSample < pauseAt ? std::min(pauseAt, dataEnd) : dataEnd;
+        const int given = std::clamp(readEnd - currentSample, 0, samples);
+        for (int i = 0; i < given; ++i) {
+            for (int channel = 0; channel < channels; ++channel) {
+                long bits = Quantise(formula(currentSample + i, channel)) + (bytesPerSample == 1 ? 128 : 0);
+                for (int byte = 0; byte < bytesPerSample; ++byte, bits >>= 8) {
+                    *buffer++ = static_cast<unsigned char>(bits);
+                }
+            }
+        }
+        currentSample += given;
+        const std::scoped_lock lock(mutex);
+        framesRead += given;
+        wasRead.notify_all();
+        return given;
+    }
+    int SkipSamples(int samples) override
+    {
+        forbiddenTouches += forbidden;
+        const int skipped = std::clamp(soundSamples - currentSample, 0, std::max(samples, 0));
+        currentSample += skipped;
+        return skipped;
+    }
+    void Rewind() override
+    {
+        forbiddenTouches += forbidden;
+        currentSample = 0;
+    }
     unsigned long GetRemainLength() override { return CalcRemainLength(FileWav); }
     unsigned long GetCurrentLength() override { return CalcCurrentLength(FileWav); }
 
 private:
-    long Quantise(double value) const;
-    void Touch();
-    void Dawdle();
+    long Quantise(double value) const
+    {
+        const double steps = std::ldexp(1.0, 8 * bytesPerSample - 1);
+        return std::lround(std::clamp(value * steps, -steps, steps - 1.0));
+    }
+
+    void Dawdle()
+    {
+        if (readsPerSlowOne > 0 && reads++ % readsPerSlowOne == 0) {
+            const auto begin = std::chrono::steady_clock::now();
+            std::this_thread::sleep_for(slowness);
+            const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+            slowestRead = std::max(slowestRead, taken);
+        }
+    }
 
     const Formula formula;
     int dataEnd;
     int pauseAt = 0;
     int trueRateHz = 0;
     int readsPerSlowOne = 0; ///< 0: all are quick.
-    int readsUntilSlowOne = 0;
+    int reads = 0;
     std::chrono::milliseconds slowness{};
     std::chrono::duration<double> slowestRead{};
     std::atomic<bool> forbidden = false;
@@ -89,12 +149,32 @@ private:
     std::atomic<long> framesRead = 0;
 };
 
-/// Shapes for sounds.
-FormulaFile::Formula Constant(double value);
-FormulaFile::Formula Sine(double hz, double amplitude, int rateHz);
-/// Looks like noise, is different in each channel, and uses all of the range.
-FormulaFile::Formula Scatter();
+inline std::unique_ptr<FormulaFile> MakeFile(const FormulaFile::Form& form, FormulaFile::Formula formula)
+{
+    return std::make_unique<FormulaFile>(form, std::move(formula));
+}
 
-std::unique_ptr<FormulaFile> MakeFile(const FormulaFile::Form& form, FormulaFile::Formula formula);
+// Shapes for sounds.
+
+inline FormulaFile::Formula Constant(double value)
+{
+    return [value](int, int) { return value; };
+}
+
+inline FormulaFile::Formula Sine(double hz, double amplitude, int rateHz)
+{
+    return [=](int sampleFrame, int) {
+        return amplitude * std::sin(2.0 * std::numbers::pi * hz * sampleFrame / rateHz);
+    };
+}
+
+/// Looks like noise, is different in each channel, and uses all of the range.
+inline FormulaFile::Formula Scatter()
+{
+    return [](int sampleFrame, int channel) {
+        const auto mixed = static_cast<std::uint32_t>(sampleFrame * 2 + channel + 1) * 2654435761u;
+        return static_cast<double>(mixed >> 8) / 8388608.0 - 1.0;
+    };
+}
 
 } // namespace Quon

@@ -27,14 +27,14 @@ public:
     TestFolder()
     {
         std::string name = (std::filesystem::temp_directory_path() / "harmonet-test-XXXXXX").string();
-        folder = mkdtemp(name.data());
-        setenv("HOME", folder.c_str(), 1);
-        setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
-        setenv("XDG_CONFIG_DIRS", folder.c_str(), 1);
+        path = mkdtemp(name.data());
+        for (const char* const variable : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"}) {
+            setenv(variable, path.c_str(), 1);
+        }
     }
-    ~TestFolder() { std::filesystem::remove_all(folder); }
+    ~TestFolder() { std::filesystem::remove_all(path); }
 
-    std::filesystem::path folder;
+    std::filesystem::path path;
 };
 
 // Before main(), since OpenAL reads its configuration when it is first used.
@@ -45,7 +45,7 @@ const std::filesystem::path& testFolder = GetTestFolder();
 const std::filesystem::path& GetTestFolder()
 {
     static const TestFolder folder;
-    return folder.folder;
+    return folder.path;
 }
 
 double Rendering::At(size_t sampleFrame, int side) const
@@ -58,7 +58,7 @@ double Rendering::LargestStep(size_t begin, size_t end) const
 {
     double largest = 0.0;
     for (size_t i = std::max<size_t>(begin, 1); i < end; ++i) {
-        for (int side = 0; side < channels; ++side) {
+        for (const int side : {0, 1}) {
             largest = std::max(largest, std::abs(At(i, side) - At(i - 1, side)));
         }
     }
@@ -69,7 +69,7 @@ double Rendering::LargestBend(size_t begin, size_t end) const
 {
     double largest = 0.0;
     for (size_t i = std::max<size_t>(begin, 2); i < end; ++i) {
-        for (int side = 0; side < channels; ++side) {
+        for (const int side : {0, 1}) {
             largest = std::max(largest, std::abs(At(i, side) - 2 * At(i - 1, side) + At(i - 2, side)));
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tests/drivers/DriverRig.h"
+#include "tests/drivers/FormulaFile.h"
 
 #include <filesystem>
 
@@ -30,6 +31,10 @@ struct Rendering
 
 Rendering ReadRendering(const std::string& path);
 
+/// A folder for the files of this process's tests, removed at its end. No user's configuration of OpenAL
+/// reaches a program that links this.
+const std::filesystem::path& GetTestFolder();
+
 /// The OpenAL driver rendering into a file of its own, which goes away with it.
 class OfflineRig : public DriverRig
 {
@@ -40,17 +45,11 @@ public:
     explicit OfflineRig(int maxChannels = 8, int outputRateHz = rateHz, const char* hrtf = nullptr);
     ~OfflineRig();
 
-    const std::string& GetPath() const { return path; }
-
     /// All that has been rendered so far. It goes on being rendered.
     Rendering Heard() const { return ReadRendering(path); }
 
 private:
     std::string path;
 };
-
-/// A folder for the files of this process's tests, removed at its end. No user's configuration of OpenAL
-/// reaches a program that links this.
-const std::filesystem::path& GetTestFolder();
 
 } // namespace Quon

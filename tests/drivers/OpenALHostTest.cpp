@@ -1,6 +1,5 @@
 #include "harmonet/definitions/EnvReverbPresets.h"
 #include "harmonet/instances/Sound.h"
-#include "tests/drivers/FormulaFile.h"
 #include "tests/drivers/OfflineRig.h"
 #include "tests/support/HostTest.h"
 
@@ -31,22 +30,19 @@ Function GetFunction(const char* name)
 const auto setThreadContext = GetFunction<PFNALCSETTHREADCONTEXTPROC>("alcSetThreadContext");
 const auto getThreadContext = GetFunction<PFNALCGETTHREADCONTEXTPROC>("alcGetThreadContext");
 
-/// What a host has of OpenAL for itself: a device with a context and one source in it.
+/// What a host has of OpenAL for itself: a device with a context, whose listener has a gain.
 class HostsOwn
 {
 public:
-    explicit HostsOwn(float newGain)
-        : gain(newGain)
+    HostsOwn()
     {
         device = GetFunction<LPALCLOOPBACKOPENDEVICESOFT>("alcLoopbackOpenDeviceSOFT")(nullptr);
         const ALCint attributes[] = {ALC_FORMAT_CHANNELS_SOFT, ALC_STEREO_SOFT, ALC_FORMAT_TYPE_SOFT,
             ALC_FLOAT_SOFT, ALC_FREQUENCY, rateHz, 0};
         context = alcCreateContext(device, attributes);
-        Visit([this] {
-            alListenerf(AL_GAIN, gain);
-            alGenSources(1, &source);
-            alSourcef(source, AL_GAIN, gain);
-        });
+        setThreadContext(context);
+        alListenerf(AL_GAIN, gain);
+        setThreadContext(nullptr);
     }
     ~HostsOwn()
     {
@@ -58,116 +54,93 @@ public:
 
     void ExpectUntouched() const
     {
-        Visit([this] {
-            ALfloat value = 0.0f;
-            alGetListenerf(AL_GAIN, &value);
-            EXPECT_EQ(value, gain);
-            alGetSourcef(source, AL_GAIN, &value);
-            EXPECT_EQ(value, gain);
-            ALint state = 0;
-            alGetSourcei(source, AL_SOURCE_STATE, &state);
-            EXPECT_EQ(state, AL_INITIAL);
-            ALuint next = 0;
-            alGenSources(1, &next);
-            EXPECT_EQ(next, source + 1) << "somebody has made sources here";
-            alDeleteSources(1, &next);
-            EXPECT_EQ(alGetError(), AL_NO_ERROR);
-        });
+        setThreadContext(context);
+        ALfloat value = 0.0f;
+        alGetListenerf(AL_GAIN, &value);
+        EXPECT_EQ(value, gain);
+        ALuint source = 0;
+        alGenSources(1, &source);
+        EXPECT_EQ(source, 1u) << "somebody has made sources here";
+        alDeleteSources(1, &source);
+        EXPECT_EQ(alGetError(), AL_NO_ERROR);
+        setThreadContext(nullptr);
     }
 
 private:
-    template<class Action>
-    void Visit(const Action& action) const
-    {
-        ALCcontext* const before = getThreadContext();
-        setThreadContext(context);
-        action();
-        setThreadContext(before);
-    }
-
-    const float gain;
+    static constexpr float gain = 0.75f;
     ALCdevice* device;
     ALCcontext* context;
-    ALuint source = 0;
 };
 
-TEST(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
+/// Whether the output is rendered, and whether the thread has a context of its own beside that of the
+/// process.
+using OpenALHost = testing::TestWithParam<std::pair<bool, bool>>;
+
+INSTANTIATE_TEST_SUITE_P(, OpenALHost,
+    testing::Values(
+        std::pair(false, false), std::pair(false, true), std::pair(true, false), std::pair(true, true)));
+
+TEST_P(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
 {
     ASSERT_TRUE(isQuietOutput);
-    const HostsOwn ofProcess(0.25f);
-    const HostsOwn ofThread(0.75f);
-    for (const bool isThreadSet : {true, false}) {
-        for (const bool isRendered : {false, true}) {
-            SCOPED_TRACE(std::string(isRendered ? "rendered" : "live") +
-                (isThreadSet ? ", with a context of the thread" : ""));
-            alcMakeContextCurrent(ofProcess.GetContext());
-            setThreadContext(isThreadSet ? ofThread.GetContext() : nullptr);
-            ALCcontext* const current = (isThreadSet ? ofThread : ofProcess).GetContext();
+    const HostsOwn ofProcess;
+    const HostsOwn ofThread;
+    const auto [isRendered, isThreadSet] = GetParam();
+    alcMakeContextCurrent(ofProcess.GetContext());
+    ALCcontext* const threads = isThreadSet ? ofThread.GetContext() : nullptr;
+    setThreadContext(threads);
+    ALCcontext* const current = threads ? threads : ofProcess.GetContext();
 
-            const auto file = MakeFile({rateHz / 10}, Constant(0.1));
-            const auto other = MakeFile({rateHz}, Constant(0.1));
-            DriverRig rig("HarmonetOpenAL");
-            if (isRendered) {
-                rig.GetOptions().Set("OpenALRender", (GetTestFolder() / "host.wav").c_str());
-            }
-            SndDriver& driver = rig.GetDriver();
-            SndChannel* channel = nullptr;
-            bool hasEnded = false;
-            rig.onEvent = [&](const DriverEvent&) {
-                hasEnded = true;
-                EXPECT_EQ(alcGetCurrentContext(), current);
-            };
-            FXEnvReverbSourceProperties properties = {-100, 0, 0, 0, 0, 0, 0, 0, 0};
-            SoundCaps caps;
-            const std::pair<const char*, std::function<void()>> calls[] = {
-                {"Open", [&] { ASSERT_TRUE(rig.Open(rateHz, 4)); }},
-                {"GetCaps", [&] { driver.GetCaps(caps); }},
-                {"SetFXEnvReverb", [&] { driver.SetFXEnvReverb(&fxEnvReverbCave, 0, 0); }},
-                {"CreateChannel", [&] { ASSERT_TRUE(channel = rig.Create(*file, ChanPositional)); }},
-                {"FadeIn", [&] { channel->FadeIn(10); }}, {"SetGain", [&] { channel->SetGain(0.5f); }},
-                {"SetCone", [&] { channel->SetCone(10, 20, 0.5f); }},
-                {"SetMinMaxDistance", [&] { channel->SetMinMaxDistance(1, 10, true); }},
-                {"SetPosition",
-                    [&] {
-                        channel->SetPosition({1, 2, 3});
-                    }},
-                {"SetDirection",
-                    [&] {
-                        channel->SetDirection({1, 2, 3});
-                    }},
-                {"SetFrequency", [&] { channel->SetFrequency(32000); }},
-                {"SetProperties", [&] { channel->SetFXEnvReverbSourceProperties(&properties); }},
-                {"Play", [&] { channel->Play(); }}, {"BeginUpdate", [&] { driver.BeginUpdate(40); }},
-                {"SetListenerPosition",
-                    [&] {
-                        driver.SetListenerPosition({1, 2, 3});
-                    }},
-                {"SetListenerOrientation",
-                    [&] {
-                        driver.SetListenerOrientation({1, 0, 0}, {0, 1, 0});
-                    }},
-                {"SetRolloffFactor", [&] { driver.SetRolloffFactor(0.5f); }},
-                {"SetMainGain", [&] { driver.SetMainGain(0.5f); }},
-                {"EndUpdate", [&] { driver.EndUpdate(); }},
-                {"GetRemainLength", [&] { channel->GetRemainLength(); }},
-                {"FadeOut", [&] { channel->FadeOut(1); }},
-                {"until the end",
-                    [&] {
-                        while (!hasEnded) {
-                            rig.Step(40);
-                        }
-                    }},
-                {"Stop", [&] { rig.Play(*other)->Stop(); }},
-                {"ResetFXEnvReverb", [&] { driver.ResetFXEnvReverb(0); }},
-                {"the end of the driver", [&] { rig.Close(); }}};
-            for (const auto& [name, call] : calls) {
-                SCOPED_TRACE(name);
-                call();
-                ASSERT_EQ(alcGetCurrentContext(), current);
-                ASSERT_EQ(getThreadContext(), isThreadSet ? current : nullptr);
-                ASSERT_FALSE(HasFatalFailure());
-            }
-        }
+    const auto file = MakeFile({rateHz / 10}, Constant(0.1));
+    const auto other = MakeFile({rateHz}, Constant(0.1));
+    DriverRig rig("HarmonetOpenAL");
+    if (isRendered) {
+        rig.GetOptions().Set("OpenALRender", (GetTestFolder() / "host.wav").c_str());
+    }
+    SndDriver& driver = rig.GetDriver();
+    SndChannel* channel = nullptr;
+    bool hasEnded = false;
+    rig.onEvent = [&](const DriverEvent&) {
+        hasEnded = true;
+        EXPECT_EQ(alcGetCurrentContext(), current);
+    };
+    const FXEnvReverbSourceProperties properties = {-100, 0, 0, 0, 0, 0, 0, 0, 0};
+    const Vector3 place = {1, 2, 3};
+    const Vector3 up = {0, 1, 0};
+    SoundCaps caps;
+    const std::function<void()> calls[] = {
+        [&] { ASSERT_TRUE(rig.Open(rateHz, 4)); },
+        [&] { driver.GetCaps(caps); },
+        [&] { driver.SetFXEnvReverb(&fxEnvReverbCave, 0, 0); },
+        [&] { ASSERT_TRUE(channel = rig.Create(*file, ChanPositional)); },
+        [&] { channel->FadeIn(10); },
+        [&] { channel->SetGain(0.5f); },
+        [&] { channel->SetCone(10, 20, 0.5f); },
+        [&] { channel->SetMinMaxDistance(1, 10, true); },
+        [&] { channel->SetPosition(place); },
+        [&] { channel->SetDirection(place); },
+        [&] { channel->SetFrequency(32000); },
+        [&] { channel->SetFXEnvReverbSourceProperties(&properties); },
+        [&] { channel->Play(); },
+        [&] { driver.BeginUpdate(40); },
+        [&] { driver.SetListenerPosition(place); },
+        [&] { driver.SetListenerOrientation(place, up); },
+        [&] { driver.SetRolloffFactor(0.5f); },
+        [&] { driver.SetMainGain(0.5f); },
+        [&] { driver.EndUpdate(); },
+        [&] { channel->GetRemainLength(); },
+        [&] { channel->FadeOut(1); },
+        [&] { EXPECT_TRUE(rig.StepUntil([&] { return hasEnded; })); },
+        [&] { rig.Play(*other)->Stop(); },
+        [&] { driver.ResetFXEnvReverb(0); },
+        [&] { rig.Close(); },
+    };
+    for (const auto& call : calls) {
+        SCOPED_TRACE("call " + std::to_string(&call - calls));
+        call();
+        ASSERT_EQ(alcGetCurrentContext(), current);
+        ASSERT_EQ(getThreadContext(), threads);
+        ASSERT_FALSE(HasFatalFailure());
     }
     setThreadContext(nullptr);
     alcMakeContextCurrent(nullptr);
@@ -179,18 +152,15 @@ TEST(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
 class OpenALCycles : public HostTest
 {
 protected:
+    OpenALCycles() { SetOption("Sound", "HarmonetOpenAL"); }
+
     struct Used
     {
-        std::size_t blocks;
-        std::size_t bytes;
-        std::ptrdiff_t threads;
-        std::ptrdiff_t handles;
+        std::size_t blocks = Alloc::LiveBlocks();
+        std::size_t bytes = mallinfo2().uordblks;
+        std::ptrdiff_t threads = CountEntries("/proc/self/task");
+        std::ptrdiff_t handles = CountEntries("/proc/self/fd");
     };
-
-    /// In bytes, of one cycle; nothing that OpenAL keeps of a sound or a device is as small as that. The C
-    /// library keeps some for itself too.
-    static constexpr std::size_t slackOfCycle = 96;
-    static constexpr std::size_t slack = 4096;
 
     static std::ptrdiff_t CountEntries(const char* path)
     {
@@ -198,25 +168,16 @@ protected:
             std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
     }
 
-    static Used GetUsed()
-    {
-        return {Alloc::LiveBlocks(), mallinfo2().uordblks, CountEntries("/proc/self/task"),
-            CountEntries("/proc/self/fd")};
-    }
-
     /// A short game, stopped while it plays.
-    void RunCycle()
+    void RunGame()
     {
-        WaveFormatEx format{};
-        format.formatTag = waveTagPcm;
-        format.channels = 1;
-        format.samplesPerSecond = rateHz;
-        format.bitsPerSample = 16;
-        static short pcm[rateHz / 10];
+        static MemoryBlock block({rateHz / 10, rateHz});
         ASSERT_TRUE(Start());
         Sound group;
         for (int i = 0; i < 4; ++i) {
-            EXPECT_NE(group.Play2DSound(pcm, sizeof pcm, &format, Sound::StartLooping, 0, 0), 0);
+            EXPECT_NE(
+                group.Play2DSound(block.GetData(), block.GetSize(), &block.format, Sound::StartLooping, 0, 0),
+                0);
         }
         StepTimes(2, 50);
         system.Done();
@@ -224,66 +185,61 @@ protected:
 
     /// Goes through so many cycles several times over. What is left behind by each cycle shows each time;
     /// what a voice or the C library takes once, when it first comes to it, does not.
-    template<class Run>
-    void ExpectNoGrowth(int cycles, Run run)
+    template<class Cycle>
+    void ExpectNoGrowth(std::size_t cycles, Cycle runCycle)
     {
-        constexpr int rounds = 4;
+        // In bytes, of one cycle; nothing that OpenAL keeps of a sound or a device is as small as that. The C
+        // library keeps some for itself too.
+        constexpr std::size_t slackOfCycle = 96;
+        constexpr std::size_t slack = 4096;
+        constexpr std::size_t rounds = 4;
+        cycles = std::max<std::size_t>(cycles, std::getenv("HARMONET_NIGHTLY") ? 1000 : 0) / rounds;
+        const auto runRound = [&] {
+            const Used before;
+            for (std::size_t i = 0; i < cycles; ++i) {
+                runCycle(static_cast<int>(i));
+            }
+            const Used after;
+            return after.bytes > before.bytes ? after.bytes - before.bytes : 0;
+        };
+        runRound();
+        const Used before;
         std::size_t leastMore = std::numeric_limits<std::size_t>::max();
-        run(cycles / rounds);
-        const Used before = GetUsed();
-        for (int round = 0; round < rounds; ++round) {
-            const std::size_t bytesBefore = GetUsed().bytes;
-            run(cycles / rounds);
-            const std::size_t bytes = GetUsed().bytes;
-            leastMore = std::min(leastMore, bytes > bytesBefore ? bytes - bytesBefore : 0);
+        for (std::size_t round = 0; round < rounds; ++round) {
+            leastMore = std::min(leastMore, runRound());
         }
-        const Used after = GetUsed();
+        const Used after;
         EXPECT_EQ(after.blocks, before.blocks);
         EXPECT_EQ(after.threads, before.threads);
         EXPECT_EQ(after.handles, before.handles);
-        EXPECT_LE(leastMore, slack + slackOfCycle * static_cast<std::size_t>(cycles / rounds));
-    }
-
-    void ExpectNoGrowthOfGames(int cycles)
-    {
-        ExpectNoGrowth(std::getenv("HARMONET_NIGHTLY") ? 1000 : cycles, [this](int count) {
-            for (int i = 0; i < count; ++i) {
-                RunCycle();
-            }
-        });
+        EXPECT_LE(leastMore, slack + slackOfCycle * cycles);
     }
 };
 
 TEST_F(OpenALCycles, StartingAndStoppingALiveOutputLeavesNothingBehind)
 {
-    SetOption("Sound", "HarmonetOpenAL");
-    ExpectNoGrowthOfGames(40);
+    ExpectNoGrowth(40, [this](int) { RunGame(); });
 }
 
 TEST_F(OpenALCycles, StartingAndStoppingARenderedOutputLeavesNothingBehind)
 {
-    SetOption("Sound", "HarmonetOpenAL");
     SetOption("OpenALRender", (GetTestFolder() / "cycles.wav").c_str());
-    ExpectNoGrowthOfGames(100);
+    ExpectNoGrowth(100, [this](int) { RunGame(); });
 }
 
 TEST_F(OpenALCycles, StartingAndStoppingSoundsLeavesNothingBehind)
 {
-    std::vector<std::unique_ptr<FormulaFile>> files;
-    for (int i = 0; i < 8; ++i) {
-        files.push_back(MakeFile({100 * rateHz, rateHz, 1 + i % 2}, Constant(0.1)));
-    }
+    const auto mono = MakeFile({100 * rateHz}, Constant(0.1));
+    const auto stereo = MakeFile({100 * rateHz, rateHz, 2}, Constant(0.1));
     DriverRig rig("HarmonetOpenAL");
     ASSERT_TRUE(rig.Open(rateHz, 4));
-    ExpectNoGrowth(1200, [&](int cycles) {
-        for (int i = 0; i < cycles; ++i) {
-            const unsigned int flags = (i % 3 ? ChanPositional : 0u) | (i % 5 ? 0u : ChanLooping);
-            SndChannel* const channel = rig.Play(*files[static_cast<size_t>(i) % files.size()], flags);
-            if (i % 7 == 0) {
-                rig.Step(40);
-            }
-            channel->Stop();
+    ExpectNoGrowth(1200, [&](int i) {
+        const unsigned int flags = (i % 3 ? ChanPositional : 0u) | (i % 5 ? 0u : ChanLooping);
+        SndChannel* const channel = rig.Play(i % 2 ? *stereo : *mono, flags);
+        if (i % 7 == 0) {
+            rig.Step(40);
         }
+        channel->Stop();
     });
 }
 

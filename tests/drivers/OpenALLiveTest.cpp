@@ -1,12 +1,10 @@
 #include "harmonet/definitions/EnvReverbPresets.h"
 #include "tests/drivers/FickleMachine.h"
-#include "tests/drivers/FormulaFile.h"
 #include "tests/drivers/OfflineRig.h"
 #include "tests/drivers/effects/OwnedList.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <map>
 #include <random>
@@ -22,103 +20,34 @@ constexpr int rateHz = 44100;
 // An output of OpenAL that takes sound at the speed of a sound card and plays it to nobody.
 const bool isQuietOutput = setenv("ALSOFT_DRIVERS", "null", 1) == 0;
 
-/// The driver on its own thread, with updates as fast as they go. Time is the machine's here, so nothing asks
-/// how long a thing took: a test waits for what has to happen, for as long as it takes.
-/// The files must outlive it.
-class LiveRig : public DriverRig
+/// The driver on its own thread. Time is the machine's here, so nothing asks how long a thing took: a test
+/// waits for what has to happen, for as long as it takes.
+class OpenALLive : public testing::Test
 {
-public:
-    explicit LiveRig(int maxChannels = 16)
-        : DriverRig("HarmonetOpenAL")
+protected:
+    void Open()
     {
-        EXPECT_TRUE(isQuietOutput);
-        EXPECT_TRUE(Open(rateHz, maxChannels));
+        ASSERT_TRUE(isQuietOutput);
+        ASSERT_TRUE(rig.Open(rateHz, 16));
     }
 
-    /// On a machine of the test's own.
-    explicit LiveRig(FickleMachine& machine)
-        : DriverRig(machine.MakeDriver())
+    /// A file that outlives the driver.
+    FormulaFile* Make(const FormulaFile::Form& form)
     {
-        EXPECT_TRUE(isQuietOutput);
-        EXPECT_TRUE(Open(rateHz, 16));
+        files.push_back(MakeFile(form, Constant(0.01)));
+        return files.back().get();
     }
 
-    /// Updates until the condition holds. False if it takes an age.
-    bool StepUntil(const std::function<bool()>& condition)
-    {
-        const auto giveUp = std::chrono::steady_clock::now() + std::chrono::minutes(2);
-        while (!condition()) {
-            if (std::chrono::steady_clock::now() > giveUp) {
-                return false;
-            }
-            Step(40);
-            std::this_thread::yield();
-        }
-        return true;
-    }
+    std::vector<std::unique_ptr<FormulaFile>> files;
+    FickleMachine machine;
+    DriverRig rig{machine.MakeDriver()};
 };
 
-TEST(OpenALLive, ASoundIsReadToItsEndWithoutAnyUpdateAndItsEndIsReportedByTheNextOne)
+TEST_F(OpenALLive, AChannelWhoseLockIsHeldForLongDoesNotHoldUpTheOthers)
 {
-    const auto first = MakeFile({rateHz / 4, rateHz}, Constant(0.1));
-    const auto second = MakeFile({rateHz / 4, rateHz}, Constant(0.1));
-    LiveRig rig;
-    first->Add(second.get());
-    SndChannel* const channel = rig.Play(*first);
-    ASSERT_TRUE(second->WaitUntilRead(rateHz / 4));
-    EXPECT_TRUE(rig.TakeEvents().empty());
-    const std::thread::id taskThread = std::this_thread::get_id();
-    std::vector<int> kinds;
-    rig.onEvent = [&](const DriverEvent& event) {
-        EXPECT_EQ(event.channel, channel);
-        EXPECT_EQ(std::this_thread::get_id(), taskThread);
-        kinds.push_back(event.kind);
-    };
-    ASSERT_TRUE(rig.StepUntil([&] { return kinds.size() >= 2; }));
-    EXPECT_EQ(kinds, (std::vector<int>{SndFileChanged, SndChannelEnded}));
-}
-
-TEST(OpenALLive, AFadeOutEndsByItselfAndLeavesItsFileAlone)
-{
-    const auto file = MakeFile({rateHz, rateHz}, Constant(0.1));
-    const auto other = MakeFile({rateHz, rateHz}, Constant(0.1));
-    LiveRig rig;
-    SndChannel* const channel = rig.Play(*file, ChanLooping);
-    ASSERT_TRUE(file->WaitUntilRead(rateHz / 4));
-    channel->FadeOut(100);
-    bool hasEnded = false;
-    rig.onEvent = [&](const DriverEvent& event) {
-        hasEnded = event.kind == SndChannelEnded;
-        file->Forbid();
-    };
-    ASSERT_TRUE(rig.StepUntil([&] { return hasEnded; }));
-    rig.Play(*other);
-    ASSERT_TRUE(other->WaitUntilRead(rateHz / 2));
-    EXPECT_EQ(file->GetForbiddenTouches(), 0);
-}
-
-TEST(OpenALLive, RemainingLengthOnlyFallsWhileASoundPlays)
-{
-    const auto file = MakeFile({rateHz / 2, rateHz}, Constant(0.1));
-    LiveRig rig;
-    SndChannel* const channel = rig.Play(*file);
-    unsigned long last = channel->GetRemainLength();
-    EXPECT_EQ(last, 500u);
-    bool hasEnded = false;
-    rig.onEvent = [&](const DriverEvent&) { hasEnded = true; };
-    EXPECT_TRUE(rig.StepUntil([&] {
-        const unsigned long now = channel->GetRemainLength();
-        EXPECT_LE(now, last);
-        last = now;
-        return hasEnded || testing::Test::HasFailure();
-    }));
-}
-
-TEST(OpenALLive, AChannelWhoseLockIsHeldForLongDoesNotHoldUpTheOthers)
-{
-    const auto held = MakeFile({100 * rateHz, rateHz}, Constant(0.1));
-    const auto other = MakeFile({100 * rateHz, rateHz}, Constant(0.1));
-    LiveRig rig;
+    Open();
+    FormulaFile* const held = Make({100 * rateHz});
+    FormulaFile* const other = Make({100 * rateHz});
     SndChannel* const channel = rig.Play(*held);
     rig.Play(*other);
     ASSERT_TRUE(held->WaitUntilRead(1));
@@ -130,35 +59,16 @@ TEST(OpenALLive, AChannelWhoseLockIsHeldForLongDoesNotHoldUpTheOthers)
     EXPECT_TRUE(held->WaitUntilRead(readSoFar + rateHz / 4)) << "and it goes on afterwards";
 }
 
-TEST(OpenALLive, DeletingTheDriverWhileSoundsPlayLeavesTheirFilesAloneFromThenOn)
-{
-    std::vector<std::unique_ptr<FormulaFile>> files;
-    for (int round = 0; round < 3; ++round) {
-        LiveRig rig;
-        for (int i = 0; i < 10; ++i) {
-            files.push_back(MakeFile({rateHz, rateHz}, Constant(0.1)));
-            rig.Play(*files.back(), ChanLooping);
-        }
-        ASSERT_TRUE(files.back()->WaitUntilRead(1));
-        rig.Close();
-        for (const auto& file : files) {
-            file->Forbid();
-        }
-    }
-    const auto clock = MakeFile({rateHz, rateHz}, Constant(0.1));
-    LiveRig next;
-    next.Play(*clock);
-    ASSERT_TRUE(clock->WaitUntilRead(rateHz / 4));
-    for (const auto& file : files) {
-        EXPECT_EQ(file->GetForbiddenTouches(), 0);
-    }
-}
-
 /// Game code that starts, steers, appends to, fades and stops sounds at random, also from inside events,
 /// while the driver's thread plays them.
-class RandomGame : public testing::Test
+class RandomGame : public OpenALLive
 {
 protected:
+    RandomGame()
+    {
+        effects.Add(SndFXEcho, FXEcho{50, 30, 20, 30, 1}).Add(SndFXEnvReverb, fxEnvReverbPaddedCell);
+    }
+
     /// Plays for long enough; `trouble` may make some before each update.
     void Run(const std::function<void(int update)>& trouble);
 
@@ -168,29 +78,20 @@ protected:
         bool looping;
     };
 
-    RandomGame()
-    {
-        effects.Add(SndFXEcho, FXEcho{50, 30, 20, 30, 1}).Add(SndFXEnvReverb, fxEnvReverbPaddedCell);
-    }
-
     int Draw(int below) { return std::uniform_int_distribution<>(0, below - 1)(random); }
+    Vector3 DrawPlace() { return {static_cast<float>(Draw(20)), 0, 1}; }
 
     FormulaFile* NewFile(int fileHz)
     {
-        files.push_back(
-            MakeFile({Draw(4) == 0 ? Draw(20) : Draw(fileHz / 3), fileHz, 1 + Draw(2)}, Constant(0.01)));
-        return files.back().get();
+        return Make({Draw(4) == 0 ? Draw(20) : Draw(fileHz / 3), fileHz, 1 + Draw(2)});
     }
 
     void Start()
     {
-        const int fileHz = Draw(2) ? rateHz : 22050;
-        FormulaFile* const head = NewFile(fileHz);
+        FormulaFile* const head = NewFile(Draw(2) ? rateHz : 22050);
         const bool looping = Draw(4) == 0;
-        SndChannel* const channel =
-            rig.Create(*head, (Draw(2) ? ChanPositional : 0u) | (looping ? ChanLooping : 0u),
-                Draw(3) == 0 ? effects.Get() : SndFXList());
-        if (channel) {
+        const unsigned int flags = (Draw(2) ? ChanPositional : 0u) | (looping ? ChanLooping : 0u);
+        if (SndChannel* const channel = rig.Create(*head, flags, Draw(3) ? SndFXList() : effects.Get())) {
             if (Draw(3) == 0) {
                 channel->FadeIn(Draw(200));
             }
@@ -209,16 +110,10 @@ protected:
         }
     }
 
-    static void ForbidChain(SndFile* file)
-    {
-        for (; file; file = file->GetNext()) {
-            static_cast<FormulaFile*>(file)->Forbid();
-        }
-    }
-
     void Steer(SndChannel* channel, const Playing& sound)
     {
-        switch (Draw(9)) {
+        const FXEnvReverbSourceProperties dull = {-Draw(2000), 0, 0, -Draw(2000), 0, 0, 0, -500, 0.5f};
+        switch (Draw(8)) {
         case 0:
             channel->SetFrequency(static_cast<unsigned long>(100 + Draw(99901)));
             break;
@@ -227,23 +122,19 @@ protected:
             break;
         case 2:
             channel->SetGain(0.01f * static_cast<float>(Draw(100)));
-            channel->SetPosition({static_cast<float>(Draw(20)), 0, 1});
+            channel->SetPosition(DrawPlace());
             channel->SetMinMaxDistance(1, 10, Draw(2) == 0);
+            rig.GetDriver().SetListenerPosition(DrawPlace());
             break;
         case 3:
-            rig.GetDriver().SetListenerPosition({static_cast<float>(Draw(20)), 0, 1});
-            break;
-        case 4:
             EXPECT_LE(channel->GetRemainLength(), 1000u);
             break;
-        case 5:
+        case 4:
             ChangeRoom();
             break;
-        case 6: {
-            const FXEnvReverbSourceProperties dull = {-Draw(2000), 0, 0, -Draw(2000), 0, 0, 0, -500, 0.5f};
+        case 5:
             channel->SetFXEnvReverbSourceProperties(&dull);
             break;
-        }
         default:
             if (!sound.looping) {
                 rig.Append(*channel, *sound.head, *NewFile(sound.head->GetSampleFrequency()));
@@ -257,53 +148,60 @@ protected:
             Start();
             return;
         }
-        auto sound = std::next(sounds.begin(), Draw(static_cast<int>(sounds.size())));
+        const auto sound = std::next(sounds.begin(), Draw(static_cast<int>(sounds.size())));
         if (sound->first == notThis) {
             return;
         }
         if (Draw(4) == 0) {
             sound->first->Stop();
             EXPECT_EQ(sound->first->GetSndFile(), sound->second.head);
-            ForbidChain(sound->second.head);
-            sounds.erase(sound);
+            Forget(sound);
         }
         else {
             Steer(sound->first, sound->second);
         }
     }
 
+    void Forget(std::map<SndChannel*, Playing>::iterator sound)
+    {
+        for (SndFile* file = sound->second.head; file; file = file->GetNext()) {
+            static_cast<FormulaFile*>(file)->Forbid();
+        }
+        sounds.erase(sound);
+    }
+
     void OnEvent(const DriverEvent& event)
     {
-        ASSERT_EQ(sounds.count(event.channel), 1u) << "an event for a sound that was stopped";
-        Playing& sound = sounds[event.channel];
+        EXPECT_EQ(std::this_thread::get_id(), taskThread);
+        const auto sound = sounds.find(event.channel);
+        ASSERT_NE(sound, sounds.end()) << "an event for a sound that was stopped";
+        FormulaFile*& head = sound->second.head;
         if (event.kind == SndFileChanged) {
-            EXPECT_EQ(event.oldFile, sound.head);
-            sound.head->Forbid();
-            sound.head = static_cast<FormulaFile*>(event.newFile);
+            EXPECT_EQ(event.oldFile, head);
+            head->Forbid();
+            head = static_cast<FormulaFile*>(event.newFile);
             ++changes;
         }
         else {
-            EXPECT_EQ(rig.GetFileAtEnd(), sound.head);
-            ForbidChain(sound.head);
-            sounds.erase(event.channel);
+            EXPECT_EQ(rig.GetFileAtEnd(), head);
+            Forget(sound);
             ++ends;
         }
         DoSomething(event.channel);
     }
 
+    const std::thread::id taskThread = std::this_thread::get_id();
     std::mt19937 random{20262};
     Testing::OwnedList effects;
-    std::vector<std::unique_ptr<FormulaFile>> files;
     std::map<SndChannel*, Playing> sounds;
     int changes = 0;
     int ends = 0;
-    FickleMachine machine;
-    LiveRig rig{machine};
 };
 
 void RandomGame::Run(const std::function<void(int update)>& trouble)
 {
-    const auto clock = MakeFile({100 * rateHz, rateHz}, Constant(0.0));
+    Open();
+    FormulaFile* const clock = Make({100 * rateHz});
     rig.Play(*clock);
     rig.onEvent = [this](const DriverEvent& event) { OnEvent(event); };
     const int enough = 25;
@@ -330,13 +228,15 @@ TEST_F(RandomGame, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSound)
     EXPECT_EQ(machine.timesOpened, 1);
 }
 
-TEST_F(RandomGame, TheSameHoldsWhileTheDeviceComesAndGoes)
+TEST_F(RandomGame, TheSameHoldsWithoutADeviceAndWhileItComesAndGoes)
 {
+    machine.isThere = false;
+    rig.GetOptions().Set("OpenALFallback", "1");
     Run([this](int update) {
+        machine.isThere = update >= 50 && update % 16 != 0;
         if (update % 8 == 0) {
             machine.hasGoneOnce = true;
         }
-        machine.isThere = update % 16 != 0;
     });
     EXPECT_GT(machine.timesOpened, 2);
 }

@@ -6,10 +6,10 @@
 #include "tests/drivers/OfflineRig.h"
 #include "tests/support/HostTest.h"
 
-#include <chrono>
+#include <algorithm>
 #include <cstdlib>
-#include <map>
 #include <random>
+#include <set>
 #include <thread>
 
 namespace Quon
@@ -21,7 +21,6 @@ namespace
 const bool isQuietOutput = setenv("ALSOFT_DRIVERS", "null", 1) == 0;
 
 constexpr int rateHz = 22050;
-constexpr int frameMs = 10;
 constexpr int maxSounds = 6;
 
 /// A game that plays, fades, appends, steers and stops sounds at random, from its frames and from inside the
@@ -40,95 +39,78 @@ protected:
             names.push_back(WriteWave("s" + std::to_string(i) + ".wav", {length, rateHz, 1 + i % 2}));
         }
         for (int i = 0; i < 48; ++i) {
-            blocks.push_back(
-                {std::make_unique<MemoryBlock>(PcmForm{rateHz / 50 + i * 29, rateHz, 1 + i % 2}), 0});
+            blocks.push_back({MemoryBlock({rateHz / 50 + i * 29, rateHz, 1 + i % 2}), nobody});
         }
         group.AddObserver(this);
     }
 
-    struct Block
+    static constexpr int nobody = 0;
+
+    struct Block : MemoryBlock
     {
-        std::unique_ptr<MemoryBlock> memory;
-        int owner; ///< The sound that has it, 0 if nobody has.
+        int owner; ///< The sound that has it.
     };
 
     int Draw(int below) { return std::uniform_int_distribution<>(0, below - 1)(random); }
-    const PString& DrawName() { return names[static_cast<std::size_t>(Draw(8))]; }
-    int DrawFlags(bool canQueue)
-    {
-        const int flags = Draw(2) * Sound::StartImmediately + Draw(2) * Sound::StartChgFrequency;
-        return flags + (canQueue ? Sound::StartQueued : Draw(4) == 0 ? Sound::StartLooping : 0);
-    }
+    const PString& DrawName(int below = 8) { return names[static_cast<std::size_t>(Draw(below))]; }
+    Vector3 DrawPlace() { return {static_cast<float>(Draw(12)), 0.0F, static_cast<float>(Draw(12))}; }
+    int DrawFlags() { return Draw(2) * Sound::StartImmediately + Draw(2) * Sound::StartChgFrequency; }
 
-    /// A block that nobody has, or null.
-    Block* FindBlock(int channels)
+    /// A block that nobody had, or null.
+    Block* TakeBlock(int newOwner)
     {
-        for (Block& block : blocks) {
-            if (block.owner == 0 && block.memory->format.channels == channels) {
-                return &block;
-            }
+        Block& block = blocks[static_cast<std::size_t>(Draw(48))];
+        if (block.owner != nobody) {
+            return nullptr;
         }
-        return nullptr;
+        block.owner = newOwner;
+        return &block;
     }
 
-    void Append(int id, int channels)
+    /// Nothing to a sound of another form, or without a queue.
+    void Append(int id)
     {
-        Block* const block = FindBlock(channels);
+        Block* const block = TakeBlock(id);
         if (!block) {
             return;
         }
-        block->owner = id;
-        if (group.CatSound(id, block->memory->GetData(), block->memory->GetSize(), &block->memory->format)) {
+        if (group.CatSound(id, block->GetData(), block->GetSize(), &block->format)) {
             ++appended;
         }
         else {
-            block->owner = 0;
+            block->owner = nobody;
         }
     }
 
     void PlayBlocks()
     {
-        const int channels = 1 + Draw(2);
-        Block* const block = FindBlock(channels);
+        constexpr int someone = -1;
+        Block* const block = isClosing ? nullptr : TakeBlock(someone);
         if (!block) {
             return;
         }
-        MemoryBlock& memory = *block->memory;
-        block->owner = -1;
-        const int id = Draw(2) ? group.New2DSound(memory.GetData(), memory.GetSize(), &memory.format)
-                               : group.New3DSound(memory.GetData(), memory.GetSize(), &memory.format);
+        const int id = Draw(2) ? group.New2DSound(block->GetData(), block->GetSize(), &block->format)
+                               : group.New3DSound(block->GetData(), block->GetSize(), &block->format);
+        ASSERT_NE(id, 0);
         block->owner = id;
-        if (id == 0) {
-            EXPECT_TRUE(isClosing);
-            return;
-        }
-        streams[id] = channels;
-        Append(id, channels);
+        Append(id);
         if (Draw(3) == 0) {
             const FXEcho echo = {50.0f, 30.0f, 40.0f, 30.0f, 0};
             group.SetFXEcho(id, &echo);
         }
-        if (!group.StartSound(id, DrawFlags(true))) {
-            StopAndForget(id);
-        }
-    }
-
-    /// Without a word to anybody: its blocks are back at once.
-    void StopAndForget(int id)
-    {
-        group.DeleteSound(id);
-        for (Block& block : blocks) {
-            if (block.owner == id) {
-                block.owner = 0;
+        if (!group.StartSound(id, DrawFlags() | Sound::StartQueued)) {
+            // Without a word to anybody: its blocks are back at once.
+            group.DeleteSound(id);
+            running.erase(id);
+            for (Block& own : blocks) {
+                own.owner = own.owner == id ? nobody : own.owner;
             }
         }
-        streams.erase(id);
-        running.erase(id);
     }
 
     void PlayFile()
     {
-        const int flags = DrawFlags(false);
+        const int flags = DrawFlags() | (Draw(4) == 0 ? Sound::StartLooping : 0);
         if (Draw(2)) {
             group.Play2DSound(DrawName(), nullptr, flags, 1 + Draw(3), Draw(3) * 20);
             return;
@@ -138,90 +120,54 @@ protected:
         settings.minDistance = 1.0F;
         settings.maxDistance = 8.0F;
         settings.cutout = Draw(2) == 0;
-        settings.setCone = true;
-        settings.innerConeAngle = settings.outerConeAngle = 360.0F;
         group.Play3DSound(DrawPlace(), DrawName(), nullptr, flags, 1 + Draw(3), settings, 0);
     }
 
-    Vector3 DrawPlace() { return {static_cast<float>(Draw(12)), 0.0F, static_cast<float>(Draw(12))}; }
+    /// One of these, at random.
+    void DoOneOf(std::initializer_list<std::function<void()>> ways)
+    {
+        ways.begin()[Draw(static_cast<int>(ways.size()))]();
+    }
 
     void Steer(int id)
     {
-        switch (Draw(9)) {
-        case 0:
-            group.FadeOutSound(id, static_cast<unsigned int>(Draw(120)));
-            break;
-        case 1:
-            group.SetSoundGain(id, 0.01F * static_cast<float>(Draw(101)));
-            break;
-        case 2:
-            group.SetFrequency(id, static_cast<unsigned long>(4000 + Draw(60000)));
-            break;
-        case 3:
-            group.SetSoundPosition(id, DrawPlace());
-            break;
-        case 4:
-            group.GetRemainLength(id);
-            group.GetCurrentLength(id);
-            break;
-        case 5:
-            group.SetSoundPriority(id, Draw(4));
-            break;
-        case 6:
-            group.StopSound(id);
-            break;
-        default:
-            if (const auto stream = streams.find(id); stream != streams.end()) {
-                Append(id, stream->second);
-            }
-        }
+        DoOneOf({
+            [&] { group.FadeOutSound(id, static_cast<unsigned int>(Draw(120))); },
+            [&] { group.SetSoundGain(id, 0.01F * static_cast<float>(Draw(101))); },
+            [&] { group.SetFrequency(id, static_cast<unsigned long>(4000 + Draw(60000))); },
+            [&] { group.SetSoundPosition(id, DrawPlace()); },
+            [&] { group.GetRemainLength(id); },
+            [&] { group.SetSoundPriority(id, Draw(4)); },
+            [&] { group.StopSound(id); },
+            [&] { Append(id); },
+        });
     }
 
-    void PlayMusic()
+    void ChangeSurroundings()
     {
-        switch (Draw(5)) {
-        case 0:
-            music.Stop();
-            break;
-        case 1:
-            music.FadeOut(Draw(200));
-            break;
-        case 2:
-            music.Play(names[0], Draw(2) == 0);
-            break;
-        default:
-            music.CrossFade(names[static_cast<std::size_t>(Draw(2))], Draw(200), true);
-        }
+        DoOneOf({
+            [&] { music.Stop(); },
+            [&] { music.FadeOut(Draw(200)); },
+            [&] { music.Play(names[0], Draw(2) == 0); },
+            [&] { music.CrossFade(DrawName(2), Draw(200), true); },
+            [&] { listener.SetPosition(DrawPlace()); },
+            [&] { listener.ResetFXEnvReverb(0); },
+            [&] { listener.SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbRoom, 0, 0); },
+        });
     }
 
-    void MoveListener()
-    {
-        listener.SetPosition(DrawPlace());
-        if (Draw(4) == 0) {
-            listener.ResetFXEnvReverb(0);
-        }
-        else if (Draw(2) == 0) {
-            listener.SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbRoom, 0, 0);
-        }
-    }
-
-    void DoSomething(int notThis = 0)
+    void DoSomething(int notThis = nobody)
     {
         const int what = Draw(16);
-        if (what == 0) {
-            PlayMusic();
-        }
-        else if (what == 1) {
-            MoveListener();
+        if (what < 2) {
+            ChangeSurroundings();
         }
         else if (what < 4 || running.size() < 3 * maxSounds) {
             Draw(2) ? PlayFile() : PlayBlocks();
         }
-        else {
-            const auto sound = std::next(running.begin(), Draw(static_cast<int>(running.size())));
-            if (sound->first != notThis) {
-                Steer(sound->first);
-            }
+        else if (const int id = *std::next(running.begin(), Draw(static_cast<int>(running.size())));
+                 id != notThis) {
+            Steer(id);
         }
     }
 
@@ -236,41 +182,33 @@ protected:
 
     void OnSoundBegin(int id, const PString&) override
     {
-        EXPECT_TRUE(running.emplace(id, 0).second) << "began twice";
+        EXPECT_TRUE(running.insert(id).second) << "began twice";
         React(id);
     }
-    void OnSoundEnd(int id, const PString&) override
+    void OnSoundEnd(int id, const PString& name) override
     {
         ++ends;
-        OnOver(id);
+        OnSoundAbort(id, name, 0);
     }
-    void OnSoundAbort(int id, const PString&, int) override { OnOver(id); }
-    void OnOver(int id)
+    void OnSoundAbort(int id, const PString&, int) override
     {
         EXPECT_EQ(running.erase(id), 1u) << "ended without having begun";
-        streams.erase(id);
         React(id);
     }
     void OnBufferFree(int id, void* data) override
     {
-        for (Block& block : blocks) {
-            if (block.memory->GetData() == data) {
-                EXPECT_EQ(block.owner, id) << "a block came back twice";
-                block.owner = 0;
-            }
-        }
+        const auto block =
+            std::find_if(blocks.begin(), blocks.end(), [&](Block& own) { return own.GetData() == data; });
+        EXPECT_EQ(block->owner, id) << "a block came back twice";
+        block->owner = nobody;
         ++blocksBack;
-        if (const auto stream = streams.find(id); stream != streams.end() && Draw(2)) {
-            Append(id, stream->second);
-        }
         React(id);
     }
 
     std::mt19937 random{20263};
     std::vector<PString> names;
     std::vector<Block> blocks;
-    std::map<int, int> running; ///< Sounds that have begun.
-    std::map<int, int> streams; ///< Sounds of blocks, and their channels.
+    std::set<int> running; ///< Sounds that have begun.
     int depth = 0;
     bool isClosing = false; ///< No sound can be made any more.
     int ends = 0;
@@ -287,18 +225,17 @@ TEST_F(StressGame, EverySoundBeginsAndEndsOnceAndEveryBlockComesBackOnce)
     ASSERT_TRUE(Start());
     listener.Activate();
     const bool isNightly = std::getenv("HARMONET_NIGHTLY") != nullptr;
-    const auto frame = std::chrono::milliseconds(frameMs);
     auto next = std::chrono::steady_clock::now();
     const auto end = next + (isNightly ? std::chrono::seconds(20) : std::chrono::milliseconds(1500));
     // By the machine's clock, since the driver plays by it: this is what a game's own pace is, and no waiting
     // for anything.
-    for (; next < end && !HasFailure(); next += frame) {
+    for (; next < end && !HasFailure(); next += std::chrono::milliseconds(10)) {
         std::this_thread::sleep_until(next);
         for (int i = Draw(3); i > 0; --i) {
             DoSomething();
         }
         // Each fourth is a full update.
-        Step(frameMs);
+        Step(10);
     }
     EXPECT_GT(ends, 5);
     EXPECT_GT(appended, 5);
@@ -308,7 +245,7 @@ TEST_F(StressGame, EverySoundBeginsAndEndsOnceAndEveryBlockComesBackOnce)
     system.Done();
     EXPECT_EQ(running.size(), 0u);
     for (const Block& block : blocks) {
-        EXPECT_EQ(block.owner, 0);
+        EXPECT_EQ(block.owner, nobody);
     }
 }
 

@@ -20,21 +20,29 @@ constexpr FXEcho echo = {50, 50, 100, 100, 0};
 constexpr FXGargle gargle = {40, 1};
 constexpr FXDistortion distortion = {-6, 80, 1000, 2000, 2000};
 
-/// The tail in steps of `blockFrames`, as a driver asks for it; for ever, if it does not end.
-Pcm CollectTail(EffectChain& chain, std::size_t blockFrames, int channels = 1)
+class Chain : public testing::Test
 {
-    Pcm tail;
-    Pcm block(blockFrames * static_cast<std::size_t>(channels));
-    std::size_t given = 0;
-    do {
-        given = chain.ProcessTail(block);
-        const auto samples = static_cast<std::ptrdiff_t>(given * static_cast<std::size_t>(channels));
-        tail.insert(tail.end(), block.begin(), block.begin() + samples);
-    } while (given == blockFrames);
-    return tail;
-}
+protected:
+    void Build(const OwnedList& list, int channels = 1) { chain.Build(list.Get(), {rateHz, channels}); }
 
-TEST(EffectChain, ProcessesInTheOrderOfTheList)
+    /// The tail in steps of `blockFrames`, as a driver asks for it; for ever, if it does not end.
+    Pcm CollectTail(std::size_t blockFrames, std::size_t channels = 1)
+    {
+        Pcm tail;
+        Pcm block(blockFrames * channels);
+        std::size_t given = 0;
+        do {
+            given = chain.ProcessTail(block);
+            const auto samples = static_cast<std::ptrdiff_t>(given * channels);
+            tail.insert(tail.end(), block.begin(), block.begin() + samples);
+        } while (given == blockFrames);
+        return tail;
+    }
+
+    EffectChain chain;
+};
+
+TEST_F(Chain, ProcessesInTheOrderOfTheListAndPassesOverRoomsAndTornRecords)
 {
     const Pcm noise = MakeNoise(4000, 0.8f);
     DistortionEffect distortionAlone(distortion, {rateHz, 1});
@@ -42,54 +50,18 @@ TEST(EffectChain, ProcessesInTheOrderOfTheList)
     EchoEffect echoAlone(echo, {rateHz, 1});
     const Pcm expected = Through(echoAlone, Through(gargleAlone, Through(distortionAlone, noise)));
 
-    EffectChain chain;
     OwnedList list;
-    list.Add(SndFXDistortion, distortion).Add(SndFXGargle, gargle).Add(SndFXEcho, echo);
-    chain.Build(list.Get(), {rateHz, 1});
-    EXPECT_EQ(Through(chain, noise), expected);
-
-    OwnedList reversed;
-    reversed.Add(SndFXEcho, echo).Add(SndFXGargle, gargle).Add(SndFXDistortion, distortion);
-    chain.Build(reversed.Get(), {rateHz, 1});
-    EXPECT_NE(Through(chain, noise), expected);
-}
-
-TEST(EffectChain, PassesOverRoomsAndTornRecords)
-{
-    OwnedList list;
-    list.Add(SndFXEnvReverb, FXEnvReverb{}).Add(SndFXEnvReverbSource, FXEnvReverbSourceProperties{});
-    list.Add(SndFXEcho, std::int32_t{0});
-    EffectChain chain;
-    chain.Build(list.Get(), {rateHz, 1});
+    list.Add(SndFXEnvReverb, FXEnvReverb{}).Add(SndFXChorus, std::int32_t{0});
+    Build(list);
     EXPECT_TRUE(chain.IsEmpty());
-    const Pcm noise = MakeNoise(100, 0.8f);
-    EXPECT_EQ(Through(chain, noise), noise);
+    list.Add(SndFXDistortion, distortion).Add(SndFXGargle, gargle).Add(SndFXEcho, echo);
+    Build(list);
+    EXPECT_EQ(Through(chain, noise), expected);
 }
 
-TEST(EffectChain, TellsWhatItAppliesAndOnlyOfWhatItHas)
+TEST_F(Chain, IsMadeAgainForAnotherRateWhenTheListIsGone)
 {
-    OwnedList list;
-    list.Add(SndFXEcho, FXEcho{50, 50, 5000, 100, 0}).Add(SndFXParamEq, FXParamEq{8000, 12, 3});
-    EffectChain chain;
-    chain.Build(list.Get(), {rateHz, 2});
-    FXEcho appliedEcho{};
-    FXParamEq appliedEq{};
-    FXChorus none{};
-    ASSERT_TRUE(chain.GetParameters(&appliedEcho));
-    EXPECT_EQ(appliedEcho.leftDelay, 2000.0f);
-    ASSERT_TRUE(chain.GetParameters(&appliedEq));
-    EXPECT_FLOAT_EQ(appliedEq.center, rateHz / 3.0f);
-    EXPECT_FALSE(chain.GetParameters(&none));
-}
-
-TEST(EffectChain, IsMadeAgainForAnotherRateWhenTheListIsGone)
-{
-    EffectChain chain;
-    {
-        OwnedList list;
-        list.Add(SndFXEcho, echo);
-        chain.Build(list.Get(), {rateHz, 1});
-    }
+    Build(OwnedList().Add(SndFXEcho, echo));
     chain.SetRate(2 * rateHz);
     const Pcm out = Through(chain, MakeImpulse(rateHz));
     EXPECT_EQ(out[1600], 0.5f); // 100 ms
@@ -98,58 +70,39 @@ TEST(EffectChain, IsMadeAgainForAnotherRateWhenTheListIsGone)
 
 // An echo of 100 ms halves each time: the ninth, of 0.5 ^ 9, is the last above -60 dB. Behind it the tail
 // waits for the delay and for 20 ms more.
-TEST(EffectChain, GivesATailUntilItStaysQuiet)
+TEST_F(Chain, GivesATailUntilItStaysQuietAndAnotherOneAfterFurtherSound)
 {
-    OwnedList list;
-    list.Add(SndFXEcho, echo);
     for (const std::size_t blockFrames : {1u, 7u, 80u, 100000u}) {
         SCOPED_TRACE(blockFrames);
-        EffectChain chain;
-        chain.Build(list.Get(), {rateHz, 1});
+        Build(OwnedList().Add(SndFXEcho, echo));
         Through(chain, Pcm{1.0f});
-        const Pcm tail = CollectTail(chain, blockFrames);
+        const Pcm tail = CollectTail(blockFrames);
         EXPECT_EQ(tail.size(), 9u * 800 + 800 + 160);
         for (std::size_t i = 0; i < tail.size(); ++i) {
             const std::size_t place = i + 1;
             EXPECT_EQ(tail[i], place % 800 == 0 ? std::pow(0.5f, static_cast<float>(place) / 800) : 0.0f);
         }
+        Through(chain, Pcm{1.0f});
+        // What is left of the first sound is below -60 dB and stays there.
+        EXPECT_EQ(CollectTail(blockFrames).size(), tail.size());
     }
 }
 
-TEST(EffectChain, CutsATailThatDoesNotEnd)
+TEST_F(Chain, CutsATailThatDoesNotEnd)
 {
-    OwnedList list;
-    list.Add(SndFXEcho, FXEcho{50, 100, 10, 10, 0});
-    EffectChain chain;
-    chain.Build(list.Get(), {rateHz, 2});
+    Build(OwnedList().Add(SndFXEcho, FXEcho{50, 100, 10, 10, 0}), 2);
     Through(chain, Pcm{1.0f, 1.0f});
-    EXPECT_EQ(CollectTail(chain, 160, 2).size(), 2u * 3 * rateHz);
+    EXPECT_EQ(CollectTail(160, 2).size(), 2u * 3 * rateHz);
     Pcm block(320);
     EXPECT_EQ(chain.ProcessTail(block), 0u);
 }
 
-TEST(EffectChain, BeginsANewTailAfterFurtherSound)
-{
-    OwnedList list;
-    list.Add(SndFXEcho, echo);
-    EffectChain chain;
-    chain.Build(list.Get(), {rateHz, 1});
-    Through(chain, Pcm{1.0f});
-    const std::size_t whole = CollectTail(chain, 160).size();
-    Through(chain, Pcm{1.0f});
-    // What is left of the first sound is below -60 dB and stays there.
-    EXPECT_EQ(CollectTail(chain, 160).size(), whole);
-}
-
 // A slow gargle is silent for half a second while the echoes go on behind its back.
-TEST(EffectChain, WaitsForWhatOneEffectHidesOfAnother)
+TEST_F(Chain, WaitsForWhatOneEffectHidesOfAnother)
 {
-    OwnedList list;
-    list.Add(SndFXEcho, FXEcho{50, 90, 50, 50, 0}).Add(SndFXGargle, FXGargle{1, 1});
-    EffectChain chain;
-    chain.Build(list.Get(), {rateHz, 1});
+    Build(OwnedList().Add(SndFXEcho, FXEcho{50, 90, 50, 50, 0}).Add(SndFXGargle, FXGargle{1, 1}));
     Through(chain, Pcm(400, 1.0f));
-    const Pcm tail = CollectTail(chain, 160);
+    const Pcm tail = CollectTail(160);
     const auto loud = [](float sample) { return std::fabs(sample) > 0.001f; };
     EXPECT_FALSE(std::any_of(tail.begin() + 4000, tail.begin() + 7500, loud));
     EXPECT_TRUE(std::any_of(tail.begin() + 8000, tail.end(), loud));

@@ -12,7 +12,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 #include <limits>
 #include <memory>
 #include <random>
@@ -24,6 +23,7 @@ namespace
 {
 
 constexpr int rateHz = 22050;
+constexpr float infinity = std::numeric_limits<float>::infinity();
 
 struct EffectCase
 {
@@ -61,31 +61,23 @@ protected:
 INSTANTIATE_TEST_SUITE_P(, EveryEffect, testing::ValuesIn(everyEffect),
     [](const auto& given) { return std::string(given.param.name); });
 
-bool IsFinite(const Pcm& pcm)
-{
-    return std::all_of(pcm.begin(), pcm.end(), [](float sample) { return std::isfinite(sample); });
-}
-
+/// Infinite if one of the samples is no number.
 float GetPeak(const Pcm& pcm)
 {
     float peak = 0.0f;
     for (const float sample : pcm) {
-        peak = std::max(peak, std::fabs(sample));
+        peak = std::max(peak, std::isfinite(sample) ? std::fabs(sample) : infinity);
     }
     return peak;
 }
 
-TEST_P(EveryEffect, MakesNoSoundOfItsOwn)
-{
-    EXPECT_EQ(GetPeak(Through(*Make(2), MakeSilence(rateHz, 2))), 0.0f);
-}
-
-TEST_P(EveryEffect, DoesNotDependOnHowTheSoundIsCut)
+TEST_P(EveryEffect, DoesNotDependOnHowTheSoundIsCutAndIsAsNewAfterAReset)
 {
     for (const int channels : {1, 2}) {
         const Pcm noise = MakeNoise(static_cast<std::size_t>(rateHz * channels), 0.8f);
-        const Pcm whole = Through(*Make(channels), noise);
         const auto effect = Make(channels);
+        const Pcm whole = Through(*effect, noise);
+        effect->Reset();
         Pcm pieces = noise;
         std::mt19937 random(7);
         std::uniform_int_distribution<std::size_t> length(0, 300);
@@ -107,51 +99,33 @@ TEST_P(EveryEffect, TreatsOneChannelAsTheLeftOfTwoEqualOnes)
 
 TEST_P(EveryEffect, GetsOverBrokenSamples)
 {
-    constexpr float infinity = std::numeric_limits<float>::infinity();
     const Pcm broken = {std::nanf(""), 0.5f, infinity, -infinity, std::numeric_limits<float>::max(), -0.5f};
     const auto effect = Make(2);
-    EXPECT_TRUE(IsFinite(Through(*effect, broken)));
-    const Pcm after = Through(*effect, MakeSilence(10 * rateHz, 2));
-    EXPECT_TRUE(IsFinite(after));
+    EXPECT_LT(GetPeak(Through(*effect, broken)), infinity);
+    const Pcm after = Through(*effect, Pcm(20 * rateHz));
+    EXPECT_LT(GetPeak(after), infinity);
     EXPECT_LT(std::fabs(after.back()), 1e-6f);
     EXPECT_GT(GetPeak(Through(*effect, MakeNoise(rateHz, 0.8f))), 0.01f);
 }
 
-TEST_P(EveryEffect, DiesAwayToSilenceWithoutTinyNumbers)
+TEST_P(EveryEffect, DiesAwayToSilenceWithoutTinyNumbersAndLeavesTheCallersArithmeticAlone)
 {
     const auto effect = Make();
     Through(*effect, MakeNoise(rateHz, 0.8f));
-    const Pcm tail = Through(*effect, MakeSilence(60 * rateHz));
+    const Pcm tail = Through(*effect, Pcm(60 * rateHz));
     EXPECT_FALSE(std::any_of(
         tail.begin(), tail.end(), [](float sample) { return std::fpclassify(sample) == FP_SUBNORMAL; }));
     EXPECT_EQ(tail.back(), 0.0f);
-}
-
-TEST_P(EveryEffect, LeavesTheCallersArithmeticAlone)
-{
-    Through(*Make(), MakeNoise(100, 0.8f));
     volatile float smallest = std::numeric_limits<float>::min();
     volatile float half = smallest / 2;
     EXPECT_GT(half, 0.0f);
-}
-
-TEST_P(EveryEffect, IsAsNewAfterAReset)
-{
-    const auto effect = Make(2);
-    const Pcm noise = MakeNoise(rateHz, 0.8f);
-    const Pcm first = Through(*effect, noise);
-    effect->Reset();
-    EXPECT_EQ(Through(*effect, noise), first);
 }
 
 // Broken files state such rates.
 TEST_P(EveryEffect, WorksAtAnyRate)
 {
     for (const int rate : {1, 7, 100, 768000}) {
-        SCOPED_TRACE(rate);
-        const Pcm out = Through(*Make(2, rate), MakeNoise(20000, 0.8f));
-        EXPECT_TRUE(IsFinite(out));
-        EXPECT_LT(GetPeak(out), 20.0f);
+        EXPECT_LT(GetPeak(Through(*Make(2, rate), MakeNoise(20000, 0.8f))), 20.0f) << rate;
     }
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "drivers/openal/effects/Effect.h"
-
 #include <cmath>
 #include <complex>
+#include <numbers>
+#include <random>
 #include <vector>
 
 /// Signals to send through effects, and measures of what comes out.
@@ -13,19 +13,55 @@ namespace Quon::Testing
 
 using Pcm = std::vector<float>;
 
-Pcm MakeSilence(std::size_t sampleFrames, int channels = 1);
+/// One sample of full scale and silence behind it.
+inline Pcm MakeImpulse(std::size_t sampleFrames)
+{
+    Pcm pcm(sampleFrames);
+    pcm[0] = 1.0f;
+    return pcm;
+}
 
-/// One sample of `level` and silence behind it.
-Pcm MakeImpulse(std::size_t sampleFrames, float level = 1.0f);
-
-Pcm MakeSine(double frequencyHz, float amplitude, int rateHz, std::size_t sampleFrames);
+inline Pcm MakeSine(double frequencyHz, float amplitude, int rateHz, std::size_t sampleFrames)
+{
+    Pcm pcm(sampleFrames);
+    for (std::size_t i = 0; i < sampleFrames; ++i) {
+        const double turns = frequencyHz * static_cast<double>(i) / rateHz;
+        pcm[i] = static_cast<float>(amplitude * std::sin(2 * std::numbers::pi * turns));
+    }
+    return pcm;
+}
 
 /// Full-band noise of even distribution, the same for the same seed.
-Pcm MakeNoise(std::size_t sampleFrames, float amplitude, unsigned int seed = 1);
+inline Pcm MakeNoise(std::size_t sampleFrames, float amplitude, unsigned int seed = 1)
+{
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> level(-amplitude, amplitude);
+    Pcm pcm(sampleFrames);
+    for (float& sample : pcm) {
+        sample = level(random);
+    }
+    return pcm;
+}
 
 /// A signal on both sides, interleaved.
-Pcm MakeStereo(const Pcm& left, const Pcm& right);
-Pcm TakeSide(const Pcm& stereo, int side);
+inline Pcm MakeStereo(const Pcm& left, const Pcm& right)
+{
+    Pcm stereo;
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        stereo.push_back(left[i]);
+        stereo.push_back(right[i]);
+    }
+    return stereo;
+}
+
+inline Pcm TakeSide(const Pcm& stereo, int side)
+{
+    Pcm pcm;
+    for (std::size_t i = static_cast<std::size_t>(side); i < stereo.size(); i += 2) {
+        pcm.push_back(stereo[i]);
+    }
+    return pcm;
+}
 
 /// What comes out of an effect, or of whatever processes PCM, given all at once.
 template<class Processor>
@@ -35,15 +71,20 @@ Pcm Through(Processor&& processor, Pcm pcm)
     return pcm;
 }
 
-/// The part of a frequency in a signal of which it fits in a whole number of periods: half the amplitude of a
-/// sine, turned by its phase.
-std::complex<double> GetSpectrum(const Pcm& pcm, double frequencyHz, int rateHz);
+/// The amplitude of a sine in a signal of which it fits in a whole number of periods.
+inline double GetAmplitude(const Pcm& pcm, double frequencyHz, int rateHz)
+{
+    std::complex<double> sum = 0.0;
+    for (std::size_t i = 0; i < pcm.size(); ++i) {
+        const double turns = frequencyHz * static_cast<double>(i) / rateHz;
+        sum += std::polar(double{pcm[i]}, -2 * std::numbers::pi * turns);
+    }
+    return 2 * std::abs(sum) / static_cast<double>(pcm.size());
+}
 
-/// The amplitude of that sine.
-double GetAmplitude(const Pcm& pcm, double frequencyHz, int rateHz);
-
-double GetPower(const Pcm& pcm);
-
-double ToDecibels(double factor);
+inline double ToDecibels(double factor)
+{
+    return 20 * std::log10(factor);
+}
 
 } // namespace Quon::Testing

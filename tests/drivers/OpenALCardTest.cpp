@@ -1,0 +1,297 @@
+#include "harmonet/definitions/EnvReverbPresets.h"
+#include "tests/drivers/FickleMachine.h"
+#include "tests/drivers/OfflineRig.h"
+#include "tests/drivers/effects/OwnedList.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <numbers>
+
+namespace Quon
+{
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr int rateHz = 44100;
+
+const fs::path cardPath = GetTestFolder() / "card.wav";
+
+// An output of OpenAL that writes to a file at the speed of a sound card, and begins it anew when it is
+// opened again.
+bool SetUpCard()
+{
+    const std::string configuration = (GetTestFolder() / "card.conf").string();
+    std::ofstream(configuration) << "[wave]\nfile = " << cardPath.string() << "\n";
+    return setenv("ALSOFT_DRIVERS", "wave", 1) == 0 && setenv("ALSOFT_CONF", configuration.c_str(), 1) == 0;
+}
+
+const bool isCard = SetUpCard();
+
+/// The driver on a machine whose sound card goes away and comes back. Nothing asks how long a thing took.
+class OpenALCard : public testing::Test
+{
+protected:
+    OpenALCard()
+    {
+        EXPECT_TRUE(isCard);
+        fs::remove(cardPath);
+    }
+
+    /// A file that lives as long as the test.
+    FormulaFile& Make(int sampleFrames, FormulaFile::Formula formula)
+    {
+        files.push_back(MakeFile({sampleFrames, rateHz}, std::move(formula)));
+        return *files.back();
+    }
+
+    /// What the card has played since it was opened last.
+    Rendering CloseAndRead()
+    {
+        rig->Close();
+        return ReadRendering(cardPath.string());
+    }
+
+    /// The same, once that is `sampleFrames`.
+    Rendering WaitForCard(std::uintmax_t sampleFrames)
+    {
+        constexpr std::uintmax_t mostFrameBytes = 8;
+        EXPECT_TRUE(rig->StepUntil([&] {
+            std::error_code missing;
+            const std::uintmax_t size = fs::file_size(cardPath, missing);
+            return !missing && size > sampleFrames * mostFrameBytes;
+        }));
+        return CloseAndRead();
+    }
+
+    FickleMachine machine;
+    std::vector<std::unique_ptr<FormulaFile>> files;
+    std::unique_ptr<DriverRig> rig = std::make_unique<DriverRig>(machine.MakeDriver());
+};
+
+TEST_F(OpenALCard, SoundsThatAreStoppedAndTakenUpInTheMiddleOfAWaveDoNotClick)
+{
+    FormulaFile& file = Make(100 * rateHz, Sine(97, 0.8, rateHz));
+    // With the longest read-ahead, so that a machine that is busy with other things breaks nothing off.
+    const int streamLength = 1000;
+    ASSERT_TRUE(rig->Open(rateHz, 8, streamLength));
+    for (int i = 0; i < 20; ++i) {
+        SndChannel* channel = nullptr;
+        // Within an update settings are held back to its end, outside of it they are not.
+        const auto doAround = [&](bool isWithin, const std::function<void()>& action) {
+            if (isWithin) {
+                rig->Step(40, action);
+            }
+            else {
+                action();
+            }
+        };
+        doAround(i % 2 == 0, [&] { channel = rig->Play(file); });
+        ASSERT_TRUE(file.WaitUntilRead(file.GetFramesRead() + rateHz / 3 + i * 41));
+        doAround(i % 3 == 0, [&] { channel->Stop(); });
+    }
+    const Rendering heard = CloseAndRead();
+    ASSERT_GT(heard.GetFrames(), static_cast<size_t>(20 * rateHz / 10));
+    EXPECT_NEAR(heard.Level(rateHz / 10, rateHz / 5, 0), 0.8 / std::numbers::sqrt2, 0.2);
+    EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 2 * 0.8 * 2 * std::numbers::pi * 97 / rateHz);
+}
+
+/// A gap in what was heard of a sound whose height grows all the time.
+struct Gap
+{
+    size_t sampleFrames;
+    double lost; ///< Sample frames of the sound that fell into it; less than 0: that came again.
+};
+
+std::vector<Gap> FindGaps(const Rendering& heard, double risePerFrame)
+{
+    std::vector<Gap> gaps;
+    size_t last = heard.FindFirst(0.01, 0);
+    for (size_t i = last + 1; i < heard.GetFrames(); ++i) {
+        if (std::abs(heard.At(i)) <= 0.01) {
+            continue;
+        }
+        if (i > last + 1) {
+            // Where it goes on it first rises for some milliseconds.
+            constexpr size_t rise = 441;
+            const double step = heard.At(i + rise) - heard.At(last);
+            gaps.push_back({i - last - 1, step / risePerFrame - rise - 1});
+            i += rise;
+        }
+        last = i;
+    }
+    return gaps;
+}
+
+// What is read ahead is heard while the disk is waited for.
+TEST_F(OpenALCard, ASlowDiskLeavesGapsShorterThanItsReadsAndLosesNothing)
+{
+    constexpr int length = 10 * rateHz;
+    FormulaFile& slow = Make(length, [](int i, int) { return 0.25 + 0.25 * i / length; });
+    slow.BeSlow(25, std::chrono::milliseconds(300));
+    FormulaFile& beside = Make(length, Constant(0.0));
+    ASSERT_TRUE(rig->Open(rateHz, 8));
+    SndChannel* const channel = rig->Play(slow);
+    rig->Play(beside);
+    while (slow.GetFramesRead() < 3 * rateHz) {
+        rig->Step(40);
+        EXPECT_LE(channel->GetRemainLength(), 10000u);
+        ASSERT_TRUE(slow.WaitUntilRead(slow.GetFramesRead() + 1));
+    }
+    channel->Stop();
+    slow.Forbid();
+    ASSERT_TRUE(beside.WaitUntilRead(beside.GetFramesRead() + rateHz / 4));
+    const Rendering heard = CloseAndRead();
+    EXPECT_EQ(slow.GetForbiddenTouches(), 0);
+    const std::vector<Gap> gaps = FindGaps(heard, 0.25 / length);
+    EXPECT_GE(gaps.size(), 1u) << "the disk was not slow";
+    for (const Gap& gap : gaps) {
+        EXPECT_LT(static_cast<double>(gap.sampleFrames) / rateHz, slow.GetSlowestRead().count());
+        EXPECT_NEAR(gap.lost, 0.0, 64.0);
+    }
+}
+
+TEST_F(OpenALCard, AGameFrameOfTwoSecondsIsHeardWithoutAGapAndItsEventsComeInOneUpdate)
+{
+    constexpr int length = 7 * rateHz / 10;
+    FormulaFile* parts[3];
+    for (int part = 0; part < 3; ++part) {
+        parts[part] =
+            &Make(length, [=](int i, int) { return 0.25 + 0.25 * (part * length + i) / (3 * length); });
+    }
+    FormulaFile& beside = Make(20 * rateHz, Constant(0.0));
+    ASSERT_TRUE(rig->Open(rateHz, 8, 1000));
+    parts[0]->Add(parts[1]);
+    parts[0]->Add(parts[2]);
+    rig->Play(*parts[0]);
+    rig->Play(beside);
+    rig->Step(40);
+    // Until the last sample frame has certainly been heard.
+    ASSERT_TRUE(parts[2]->WaitUntilRead(length));
+    ASSERT_TRUE(beside.WaitUntilRead(beside.GetFramesRead() + rateHz));
+    EXPECT_TRUE(rig->TakeEvents().empty());
+    rig->Step(2000);
+    std::vector<int> kinds;
+    for (const DriverEvent& event : rig->TakeEvents()) {
+        kinds.push_back(event.kind);
+    }
+    EXPECT_EQ(kinds, (std::vector<int>{SndFileChanged, SndFileChanged, SndChannelEnded}));
+    const Rendering heard = CloseAndRead();
+    EXPECT_TRUE(FindGaps(heard, 0.25 / (3 * length)).empty());
+    const size_t begin = heard.FindFirst(0.01, 0);
+    EXPECT_NEAR(heard.At(begin + 3 * length - 1), 0.5, 0.001);
+    EXPECT_NEAR(heard.At(begin + 3 * length + 100), 0.0, 0.001);
+}
+
+TEST_F(OpenALCard, WithoutADeviceItOpensOnlyIfItIsToldToGoOnInSilenceOrToRender)
+{
+    // OpenAL cannot write to a folder: to it there is no card.
+    fs::create_directory(cardPath);
+    const std::pair<const char*, bool> rows[] = {{nullptr, false}, {"0", false}, {"2", false}, {"1", true}};
+    for (const auto& [option, opens] : rows) {
+        SCOPED_TRACE(option ? option : "not set");
+        DriverRig silent("HarmonetOpenAL");
+        silent.GetOptions().Set("OpenALFallback", option);
+        EXPECT_EQ(silent.Open(rateHz, 4), opens);
+    }
+    OfflineRig rendered;
+    rendered.Step(1000);
+    EXPECT_EQ(rendered.Heard().GetFrames(), 44100u);
+}
+
+TEST_F(OpenALCard, RemainingLengthOnlyFallsWhileTheDeviceGoesAndComesBack)
+{
+    FormulaFile& file = Make(3 * rateHz / 4, Constant(0.1));
+    ASSERT_TRUE(rig->Open(rateHz, 4));
+    SndChannel* const channel = rig->Create(file);
+    unsigned long last = channel->GetRemainLength();
+    EXPECT_EQ(last, 750u);
+    channel->Play();
+    bool hasEnded = false;
+    rig->onEvent = [&](const DriverEvent&) { hasEnded = true; };
+    EXPECT_TRUE(rig->StepUntil([&] {
+        const unsigned long now = channel->GetRemainLength();
+        EXPECT_LE(now, last);
+        if (now / 100 != last / 100) {
+            machine.hasGoneOnce = true;
+        }
+        last = now;
+        return hasEnded || HasFailure();
+    }));
+    EXPECT_GT(machine.timesOpened, 2);
+}
+
+// The sound's height tells where in the sound one is.
+TEST_F(OpenALCard, WhenADeviceComesTheSoundIsHeardFromWhereItHasGotToAndWithItsSettings)
+{
+    constexpr int length = 20 * rateHz;
+    FormulaFile& ramp = Make(length, [](int i, int) { return 0.5 + 0.5 * i / length; });
+    ASSERT_TRUE(rig->Open(rateHz, 4));
+    SndChannel* const channel = rig->Play(ramp);
+    ASSERT_TRUE(ramp.WaitUntilRead(rateHz / 2));
+    machine.isThere = false;
+    ASSERT_TRUE(rig->StepUntil([&] { return ramp.GetFramesRead() > rateHz; }));
+    channel->SetGain(0.5f);
+    rig->GetDriver().SetMainGain(0.5f);
+    const unsigned long leftBefore = channel->GetRemainLength();
+    fs::remove(cardPath);
+    machine.isThere = true;
+    const Rendering heard = WaitForCard(rateHz);
+    const size_t begin = heard.FindFirst(0.01, 0);
+    ASSERT_LT(begin + rateHz / 10, heard.GetFrames());
+    const auto placeAt = [&](size_t i) { return (heard.At(i) / 0.25 - 0.5) / 0.5 * length; };
+    // Behind the first few milliseconds, in which it rises.
+    const double place = placeAt(begin + 441) - 441;
+    EXPECT_GT(place, length - static_cast<double>(leftBefore + 1) * rateHz / 1000);
+    EXPECT_LT(place, ramp.GetFramesRead());
+    EXPECT_LT(heard.At(begin), 0.05) << "it rises";
+    EXPECT_NEAR(placeAt(begin + 4410), place + 4410, 200) << "and has no gap";
+}
+
+// Clicks with half a second between them, which a room fills.
+TEST_F(OpenALCard, ARoomThatIsSetWithoutADeviceIsHeardOnTheFirstOne)
+{
+    FormulaFile& clicks = Make(rateHz / 2, [](int i, int) { return i < 441 ? 0.9 : 0.0; });
+    machine.isThere = false;
+    rig->GetOptions().Set("OpenALFallback", "1");
+    ASSERT_TRUE(rig->Open(rateHz, 4));
+    SoundCaps caps;
+    EXPECT_TRUE(rig->GetDriver().GetCaps(caps));
+    EXPECT_EQ(caps.GetFlags(), capEnvReverbSource);
+    SndChannel* const channel = rig->Play(clicks, ChanLooping | ChanPositional);
+    channel->SetPosition({0, 0, -1});
+    EXPECT_TRUE(rig->GetDriver().SetFXEnvReverb(&fxEnvReverbHangar, 0, 0));
+    const FXEnvReverbSourceProperties muted = {-10000, 0, 0, 0, 0, 0, 0, 0, 0};
+    EXPECT_TRUE(channel->SetFXEnvReverbSourceProperties(&muted));
+    Testing::OwnedList list;
+    list.Add(SndFXEnvReverb, fxEnvReverbCave);
+    FXEnvReverb own{};
+    SndChannel* const quiet = rig->Play(Make(rateHz, Constant(0.0)), 0, list.Get());
+    EXPECT_TRUE(quiet->GetFXEnvReverbListenerProperties(&own));
+    machine.isThere = true;
+    const Rendering heard = WaitForCard(rateHz);
+    size_t reverberant = 0;
+    for (size_t i = 0; i < heard.GetFrames(); ++i) {
+        reverberant += std::abs(heard.At(i)) > 0.001 ? 1 : 0;
+        ASSERT_LT(std::abs(heard.At(i)), 0.4) << "the direct sound is off";
+    }
+    EXPECT_GT(reverberant, heard.GetFrames() / 3);
+}
+
+// The card's file begins on a full disk, so that the first block that reaches the disk breaks it.
+TEST_F(OpenALCard, ACardThatBreaksInTheMiddleIsNoticedAndTheNextOneIsTaken)
+{
+    fs::create_symlink("/dev/full", cardPath);
+    ASSERT_TRUE(rig->Open(rateHz, 4));
+    fs::remove(cardPath);
+    rig->Play(Make(rateHz, Constant(0.5)), ChanLooping);
+    const Rendering heard = WaitForCard(rateHz);
+    EXPECT_EQ(machine.timesOpened, 2);
+    EXPECT_LT(heard.FindFirst(0.49, 1), heard.GetFrames());
+}
+
+} // namespace
+} // namespace Quon
