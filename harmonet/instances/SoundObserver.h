@@ -24,8 +24,8 @@ public:
     SoundObserver(const SoundObserver&) = default;
     SoundObserver& operator=(const SoundObserver&) = default;
 
-    /// Leaves the `Sound` to which it was last added. One that was added to several has to be removed from the
-    /// others first.
+    /// Leaves the `Sound` to which it was last added. One that was added to several has to be removed from
+    /// the others first.
     virtual ~SoundObserver();
     /// The `Sound` is being destroyed; the observer is no longer linked to it.
     virtual void OnShutDown();
