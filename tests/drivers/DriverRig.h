@@ -6,6 +6,7 @@
 #include "harmonet/files/SndFile.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
+#include "tests/drivers/FormulaFile.h"
 
 #include <chrono>
 #include <functional>
@@ -72,6 +73,13 @@ public:
 
     SndDriver& GetDriver() { return *driver; }
     Options& GetOptions() { return *os.GetOptions(); }
+
+    /// A sound that lives as long as the rig, and longer than the driver.
+    FormulaFile& Make(const FormulaFile::Form& form, FormulaFile::Formula formula)
+    {
+        files.push_back(MakeFile(form, std::move(formula)));
+        return *files.back();
+    }
 
     /// Null if the driver refuses.
     SndChannel* Create(SndFile& file, unsigned int flags = 0, const SndFXList& fx = {})
@@ -156,6 +164,7 @@ private:
     }
 
     OS os;
+    std::vector<std::unique_ptr<FormulaFile>> files;
     std::unique_ptr<DynamicLibrary> library;
     std::unique_ptr<SndDriver> driver;
     std::vector<DriverEvent> events;

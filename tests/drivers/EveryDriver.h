@@ -13,27 +13,24 @@ namespace Quon
 class EveryDriver : public testing::TestWithParam<std::unique_ptr<DriverRig> (*)(int maxChannels)>
 {
 protected:
-    /// A file that lives as long as the test.
     FormulaFile& Make(int sampleFrames, int rateHz = 44100)
     {
-        files.push_back(MakeFile({sampleFrames, rateHz}, Constant(0.1)));
-        return *files.back();
+        return rig->Make({sampleFrames, rateHz}, Constant(0.1));
     }
 
-    /// Files of these lengths that follow each other; the first of them.
-    FormulaFile& MakeQueue(const std::vector<int>& lengths, int rateHz = 44100)
+    /// Files of these lengths that follow each other.
+    std::vector<FormulaFile*> MakeQueue(const std::vector<int>& lengths, int rateHz = 44100)
     {
-        const size_t head = files.size();
+        std::vector<FormulaFile*> queue;
         for (const int length : lengths) {
-            FormulaFile& file = Make(length, rateHz);
-            if (&file != files[head].get()) {
-                files[head]->Add(&file);
+            queue.push_back(&Make(length, rateHz));
+            if (queue.size() > 1) {
+                queue.front()->Add(queue.back());
             }
         }
-        return *files[head];
+        return queue;
     }
 
-    std::vector<std::unique_ptr<FormulaFile>> files;
     std::unique_ptr<DriverRig> rig = GetParam()(4);
 };
 

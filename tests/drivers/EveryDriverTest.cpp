@@ -80,7 +80,8 @@ TEST_P(EveryDriver, FilesAreReadAsFarAsTheirDataGoAndALoopWithoutDataEnds)
 TEST_P(EveryDriver, EachStepOfAQueueAndItsEndAreReportedInTheUpdateInWhichTheyAreHeard)
 {
     const std::vector<int> lengths = {5000, 1, 0, 12345, 0, 3, 3, 4000, 441};
-    SndChannel* const channel = rig->Play(MakeQueue(lengths));
+    const std::vector<FormulaFile*> files = MakeQueue(lengths);
+    SndChannel* const channel = rig->Play(*files.front());
     std::vector<DriverEvent> events;
     int end = 0;
     for (size_t i = 0; i < lengths.size(); ++i) {
@@ -88,7 +89,7 @@ TEST_P(EveryDriver, EachStepOfAQueueAndItsEndAreReportedInTheUpdateInWhichTheyAr
         const long heardMs = (end * 1000L + 44099) / 44100;
         const long reportMs = (heardMs + 39) / 40 * 40;
         events.push_back(i + 1 < lengths.size()
-                ? DriverEvent{SndFileChanged, channel, files[i].get(), files[i + 1].get(), reportMs}
+                ? DriverEvent{SndFileChanged, channel, files[i], files[i + 1], reportMs}
                 : DriverEvent{SndChannelEnded, channel, nullptr, nullptr, reportMs});
     }
     rig->StepTimes(15, 40);
@@ -99,7 +100,7 @@ TEST_P(EveryDriver, RemainingLengthIsRightToTheMillisecondOverThreeFilesAndAtAny
 {
     for (const int speed : {1, 3}) {
         SCOPED_TRACE("speed " + std::to_string(speed));
-        SndChannel* const channel = rig->Create(MakeQueue({22050, 7350, 44100}, 22050));
+        SndChannel* const channel = rig->Create(*MakeQueue({22050, 7350, 44100}, 22050).front());
         const double endsMs[] = {1000, 1333.3, 3333.3};
         channel->SetFrequency(static_cast<unsigned long>(speed * 22050));
         EXPECT_EQ(channel->GetRemainLength(), 1000u) << "before the start";
@@ -183,21 +184,20 @@ TEST_P(EveryDriver, ACallbackMayStopOtherChannelsAndUseThemAnew)
 
 TEST_P(EveryDriver, AfterStopNobodyTouchesTheFilesAndTheChainIsFoundFromItsOldestFile)
 {
-    SndChannel* const other = rig->Play(MakeQueue({100, 44100}));
-    FormulaFile& oldest = MakeQueue({100, 44100});
-    FormulaFile& current = *files.back();
-    SndChannel* const channel = rig->Play(oldest);
+    SndChannel* const other = rig->Play(*MakeQueue({100, 44100}).front());
+    const std::vector<FormulaFile*> queue = MakeQueue({100, 44100});
+    SndChannel* const channel = rig->Play(*queue[0]);
     rig->onEvent = [&](const DriverEvent& event) {
         ASSERT_EQ(event.channel, other) << "the other channel's change comes first";
-        EXPECT_EQ(channel->GetSndFile(), &current) << "it is being read, and not reported";
+        EXPECT_EQ(channel->GetSndFile(), queue[1]) << "it is being read, and not reported";
         channel->Stop();
-        EXPECT_EQ(channel->GetSndFile(), &oldest);
-        oldest.Forbid();
-        current.Forbid();
+        EXPECT_EQ(channel->GetSndFile(), queue[0]);
+        queue[0]->Forbid();
+        queue[1]->Forbid();
     };
     rig->StepTimes(5, 40);
     EXPECT_EQ(rig->TakeEvents().size(), 1u);
-    EXPECT_EQ(oldest.GetForbiddenTouches() + current.GetForbiddenTouches(), 0);
+    EXPECT_EQ(queue[0]->GetForbiddenTouches() + queue[1]->GetForbiddenTouches(), 0);
 }
 
 } // namespace

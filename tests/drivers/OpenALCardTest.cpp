@@ -41,17 +41,10 @@ protected:
         fs::remove(cardPath);
     }
 
-    /// A file that lives as long as the test.
-    FormulaFile& Make(int sampleFrames, FormulaFile::Formula formula)
-    {
-        files.push_back(MakeFile({sampleFrames, rateHz}, std::move(formula)));
-        return *files.back();
-    }
-
     /// What the card has played since it was opened last.
     Rendering CloseAndRead()
     {
-        rig->Close();
+        rig.Close();
         return ReadRendering(cardPath.string());
     }
 
@@ -59,7 +52,7 @@ protected:
     Rendering WaitForCard(std::uintmax_t sampleFrames)
     {
         constexpr std::uintmax_t mostFrameBytes = 8;
-        EXPECT_TRUE(rig->StepUntil([&] {
+        EXPECT_TRUE(rig.StepUntil([&] {
             std::error_code missing;
             const std::uintmax_t size = fs::file_size(cardPath, missing);
             return !missing && size > sampleFrames * mostFrameBytes;
@@ -68,28 +61,27 @@ protected:
     }
 
     FickleMachine machine;
-    std::vector<std::unique_ptr<FormulaFile>> files;
-    std::unique_ptr<DriverRig> rig = std::make_unique<DriverRig>(machine.MakeDriver());
+    DriverRig rig{machine.MakeDriver()};
 };
 
 TEST_F(OpenALCard, SoundsThatAreStoppedAndTakenUpInTheMiddleOfAWaveDoNotClick)
 {
-    FormulaFile& file = Make(100 * rateHz, Sine(97, 0.8, rateHz));
+    FormulaFile& file = rig.Make({100 * rateHz}, Sine(97, 0.8, rateHz));
     // With the longest read-ahead, so that a machine that is busy with other things breaks nothing off.
     const int streamLength = 1000;
-    ASSERT_TRUE(rig->Open(rateHz, 8, streamLength));
+    ASSERT_TRUE(rig.Open(rateHz, 8, streamLength));
     for (int i = 0; i < 20; ++i) {
         SndChannel* channel = nullptr;
         // Within an update settings are held back to its end, outside of it they are not.
         const auto doAround = [&](bool isWithin, const std::function<void()>& action) {
             if (isWithin) {
-                rig->Step(40, action);
+                rig.Step(40, action);
             }
             else {
                 action();
             }
         };
-        doAround(i % 2 == 0, [&] { channel = rig->Play(file); });
+        doAround(i % 2 == 0, [&] { channel = rig.Play(file); });
         ASSERT_TRUE(file.WaitUntilRead(file.GetFramesRead() + rateHz / 3 + i * 41));
         doAround(i % 3 == 0, [&] { channel->Stop(); });
     }
@@ -130,14 +122,14 @@ std::vector<Gap> FindGaps(const Rendering& heard, double risePerFrame)
 TEST_F(OpenALCard, ASlowDiskLeavesGapsShorterThanItsReadsAndLosesNothing)
 {
     constexpr int length = 10 * rateHz;
-    FormulaFile& slow = Make(length, [](int i, int) { return 0.25 + 0.25 * i / length; });
+    FormulaFile& slow = rig.Make({length}, [](int i, int) { return 0.25 + 0.25 * i / length; });
     slow.BeSlow(25, std::chrono::milliseconds(300));
-    FormulaFile& beside = Make(length, Constant(0.0));
-    ASSERT_TRUE(rig->Open(rateHz, 8));
-    SndChannel* const channel = rig->Play(slow);
-    rig->Play(beside);
+    FormulaFile& beside = rig.Make({length}, Constant(0.0));
+    ASSERT_TRUE(rig.Open(rateHz, 8));
+    SndChannel* const channel = rig.Play(slow);
+    rig.Play(beside);
     while (slow.GetFramesRead() < 3 * rateHz) {
-        rig->Step(40);
+        rig.Step(40);
         EXPECT_LE(channel->GetRemainLength(), 10000u);
         ASSERT_TRUE(slow.WaitUntilRead(slow.GetFramesRead() + 1));
     }
@@ -160,22 +152,22 @@ TEST_F(OpenALCard, AGameFrameOfTwoSecondsIsHeardWithoutAGapAndItsEventsComeInOne
     FormulaFile* parts[3];
     for (int part = 0; part < 3; ++part) {
         parts[part] =
-            &Make(length, [=](int i, int) { return 0.25 + 0.25 * (part * length + i) / (3 * length); });
+            &rig.Make({length}, [=](int i, int) { return 0.25 + 0.25 * (part * length + i) / (3 * length); });
     }
-    FormulaFile& beside = Make(20 * rateHz, Constant(0.0));
-    ASSERT_TRUE(rig->Open(rateHz, 8, 1000));
+    FormulaFile& beside = rig.Make({20 * rateHz}, Constant(0.0));
+    ASSERT_TRUE(rig.Open(rateHz, 8, 1000));
     parts[0]->Add(parts[1]);
     parts[0]->Add(parts[2]);
-    rig->Play(*parts[0]);
-    rig->Play(beside);
-    rig->Step(40);
+    rig.Play(*parts[0]);
+    rig.Play(beside);
+    rig.Step(40);
     // Until the last sample frame has certainly been heard.
     ASSERT_TRUE(parts[2]->WaitUntilRead(length));
     ASSERT_TRUE(beside.WaitUntilRead(beside.GetFramesRead() + rateHz));
-    EXPECT_TRUE(rig->TakeEvents().empty());
-    rig->Step(2000);
+    EXPECT_TRUE(rig.TakeEvents().empty());
+    rig.Step(2000);
     std::vector<int> kinds;
-    for (const DriverEvent& event : rig->TakeEvents()) {
+    for (const DriverEvent& event : rig.TakeEvents()) {
         kinds.push_back(event.kind);
     }
     EXPECT_EQ(kinds, (std::vector<int>{SndFileChanged, SndFileChanged, SndChannelEnded}));
@@ -204,15 +196,15 @@ TEST_F(OpenALCard, WithoutADeviceItOpensOnlyIfItIsToldToGoOnInSilenceOrToRender)
 
 TEST_F(OpenALCard, RemainingLengthOnlyFallsWhileTheDeviceGoesAndComesBack)
 {
-    FormulaFile& file = Make(3 * rateHz / 4, Constant(0.1));
-    ASSERT_TRUE(rig->Open(rateHz, 4));
-    SndChannel* const channel = rig->Create(file);
+    FormulaFile& file = rig.Make({3 * rateHz / 4}, Constant(0.1));
+    ASSERT_TRUE(rig.Open(rateHz, 4));
+    SndChannel* const channel = rig.Create(file);
     unsigned long last = channel->GetRemainLength();
     EXPECT_EQ(last, 750u);
     channel->Play();
     bool hasEnded = false;
-    rig->onEvent = [&](const DriverEvent&) { hasEnded = true; };
-    EXPECT_TRUE(rig->StepUntil([&] {
+    rig.onEvent = [&](const DriverEvent&) { hasEnded = true; };
+    EXPECT_TRUE(rig.StepUntil([&] {
         const unsigned long now = channel->GetRemainLength();
         EXPECT_LE(now, last);
         if (now / 100 != last / 100) {
@@ -228,14 +220,14 @@ TEST_F(OpenALCard, RemainingLengthOnlyFallsWhileTheDeviceGoesAndComesBack)
 TEST_F(OpenALCard, WhenADeviceComesTheSoundIsHeardFromWhereItHasGotToAndWithItsSettings)
 {
     constexpr int length = 20 * rateHz;
-    FormulaFile& ramp = Make(length, [](int i, int) { return 0.5 + 0.5 * i / length; });
-    ASSERT_TRUE(rig->Open(rateHz, 4));
-    SndChannel* const channel = rig->Play(ramp);
+    FormulaFile& ramp = rig.Make({length}, [](int i, int) { return 0.5 + 0.5 * i / length; });
+    ASSERT_TRUE(rig.Open(rateHz, 4));
+    SndChannel* const channel = rig.Play(ramp);
     ASSERT_TRUE(ramp.WaitUntilRead(rateHz / 2));
     machine.isThere = false;
-    ASSERT_TRUE(rig->StepUntil([&] { return ramp.GetFramesRead() > rateHz; }));
+    ASSERT_TRUE(rig.StepUntil([&] { return ramp.GetFramesRead() > rateHz; }));
     channel->SetGain(0.5f);
-    rig->GetDriver().SetMainGain(0.5f);
+    rig.GetDriver().SetMainGain(0.5f);
     const unsigned long leftBefore = channel->GetRemainLength();
     fs::remove(cardPath);
     machine.isThere = true;
@@ -254,22 +246,22 @@ TEST_F(OpenALCard, WhenADeviceComesTheSoundIsHeardFromWhereItHasGotToAndWithItsS
 // Clicks with half a second between them, which a room fills.
 TEST_F(OpenALCard, ARoomThatIsSetWithoutADeviceIsHeardOnTheFirstOne)
 {
-    FormulaFile& clicks = Make(rateHz / 2, [](int i, int) { return i < 441 ? 0.9 : 0.0; });
+    FormulaFile& clicks = rig.Make({rateHz / 2}, [](int i, int) { return i < 441 ? 0.9 : 0.0; });
     machine.isThere = false;
-    rig->GetOptions().Set("OpenALFallback", "1");
-    ASSERT_TRUE(rig->Open(rateHz, 4));
+    rig.GetOptions().Set("OpenALFallback", "1");
+    ASSERT_TRUE(rig.Open(rateHz, 4));
     SoundCaps caps;
-    EXPECT_TRUE(rig->GetDriver().GetCaps(caps));
+    EXPECT_TRUE(rig.GetDriver().GetCaps(caps));
     EXPECT_EQ(caps.GetFlags(), capEnvReverbSource);
-    SndChannel* const channel = rig->Play(clicks, ChanLooping | ChanPositional);
+    SndChannel* const channel = rig.Play(clicks, ChanLooping | ChanPositional);
     channel->SetPosition({0, 0, -1});
-    EXPECT_TRUE(rig->GetDriver().SetFXEnvReverb(&fxEnvReverbHangar, 0, 0));
+    EXPECT_TRUE(rig.GetDriver().SetFXEnvReverb(&fxEnvReverbHangar, 0, 0));
     const FXEnvReverbSourceProperties muted = {-10000, 0, 0, 0, 0, 0, 0, 0, 0};
     EXPECT_TRUE(channel->SetFXEnvReverbSourceProperties(&muted));
     Testing::OwnedList list;
     list.Add(SndFXEnvReverb, fxEnvReverbCave);
     FXEnvReverb own{};
-    SndChannel* const quiet = rig->Play(Make(rateHz, Constant(0.0)), 0, list.Get());
+    SndChannel* const quiet = rig.Play(rig.Make({rateHz}, Constant(0.0)), 0, list.Get());
     EXPECT_TRUE(quiet->GetFXEnvReverbListenerProperties(&own));
     machine.isThere = true;
     const Rendering heard = WaitForCard(rateHz);
@@ -285,9 +277,9 @@ TEST_F(OpenALCard, ARoomThatIsSetWithoutADeviceIsHeardOnTheFirstOne)
 TEST_F(OpenALCard, ACardThatBreaksInTheMiddleIsNoticedAndTheNextOneIsTaken)
 {
     fs::create_symlink("/dev/full", cardPath);
-    ASSERT_TRUE(rig->Open(rateHz, 4));
+    ASSERT_TRUE(rig.Open(rateHz, 4));
     fs::remove(cardPath);
-    rig->Play(Make(rateHz, Constant(0.5)), ChanLooping);
+    rig.Play(rig.Make({rateHz}, Constant(0.5)), ChanLooping);
     const Rendering heard = WaitForCard(rateHz);
     EXPECT_EQ(machine.timesOpened, 2);
     EXPECT_LT(heard.FindFirst(0.49, 1), heard.GetFrames());

@@ -108,33 +108,18 @@ TEST_P(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
     const Vector3 place = {1, 2, 3};
     const Vector3 up = {0, 1, 0};
     SoundCaps caps;
-    const std::function<void()> calls[] = {
-        [&] { ASSERT_TRUE(rig.Open(rateHz, 4)); },
-        [&] { driver.GetCaps(caps); },
-        [&] { driver.SetFXEnvReverb(&fxEnvReverbCave, 0, 0); },
-        [&] { ASSERT_TRUE(channel = rig.Create(*file, ChanPositional)); },
-        [&] { channel->FadeIn(10); },
-        [&] { channel->SetGain(0.5f); },
-        [&] { channel->SetCone(10, 20, 0.5f); },
-        [&] { channel->SetMinMaxDistance(1, 10, true); },
-        [&] { channel->SetPosition(place); },
-        [&] { channel->SetDirection(place); },
-        [&] { channel->SetFrequency(32000); },
-        [&] { channel->SetFXEnvReverbSourceProperties(&properties); },
-        [&] { channel->Play(); },
-        [&] { driver.BeginUpdate(40); },
-        [&] { driver.SetListenerPosition(place); },
-        [&] { driver.SetListenerOrientation(place, up); },
-        [&] { driver.SetRolloffFactor(0.5f); },
-        [&] { driver.SetMainGain(0.5f); },
-        [&] { driver.EndUpdate(); },
-        [&] { channel->GetRemainLength(); },
-        [&] { channel->FadeOut(1); },
-        [&] { EXPECT_TRUE(rig.StepUntil([&] { return hasEnded; })); },
-        [&] { rig.Play(*other)->Stop(); },
-        [&] { driver.ResetFXEnvReverb(0); },
-        [&] { rig.Close(); },
-    };
+    const std::function<void()> calls[] = {[&] { ASSERT_TRUE(rig.Open(rateHz, 4)); },
+        [&] { driver.GetCaps(caps); }, [&] { driver.SetFXEnvReverb(&fxEnvReverbCave, 0, 0); },
+        [&] { ASSERT_TRUE(channel = rig.Create(*file, ChanPositional)); }, [&] { channel->FadeIn(10); },
+        [&] { channel->SetGain(0.5f); }, [&] { channel->SetCone(10, 20, 0.5f); },
+        [&] { channel->SetMinMaxDistance(1, 10, true); }, [&] { channel->SetPosition(place); },
+        [&] { channel->SetDirection(place); }, [&] { channel->SetFrequency(32000); },
+        [&] { channel->SetFXEnvReverbSourceProperties(&properties); }, [&] { channel->Play(); },
+        [&] { driver.BeginUpdate(40); }, [&] { driver.SetListenerPosition(place); },
+        [&] { driver.SetListenerOrientation(place, up); }, [&] { driver.SetRolloffFactor(0.5f); },
+        [&] { driver.SetMainGain(0.5f); }, [&] { driver.EndUpdate(); }, [&] { channel->GetRemainLength(); },
+        [&] { channel->FadeOut(1); }, [&] { EXPECT_TRUE(rig.StepUntil([&] { return hasEnded; })); },
+        [&] { rig.Play(*other)->Stop(); }, [&] { driver.ResetFXEnvReverb(0); }, [&] { rig.Close(); }};
     for (const auto& call : calls) {
         SCOPED_TRACE("call " + std::to_string(&call - calls));
         call();

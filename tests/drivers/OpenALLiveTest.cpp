@@ -31,14 +31,6 @@ protected:
         ASSERT_TRUE(rig.Open(rateHz, 16));
     }
 
-    /// A file that outlives the driver.
-    FormulaFile* Make(const FormulaFile::Form& form)
-    {
-        files.push_back(MakeFile(form, Constant(0.01)));
-        return files.back().get();
-    }
-
-    std::vector<std::unique_ptr<FormulaFile>> files;
     FickleMachine machine;
     DriverRig rig{machine.MakeDriver()};
 };
@@ -46,17 +38,17 @@ protected:
 TEST_F(OpenALLive, AChannelWhoseLockIsHeldForLongDoesNotHoldUpTheOthers)
 {
     Open();
-    FormulaFile* const held = Make({100 * rateHz});
-    FormulaFile* const other = Make({100 * rateHz});
-    SndChannel* const channel = rig.Play(*held);
-    rig.Play(*other);
-    ASSERT_TRUE(held->WaitUntilRead(1));
+    FormulaFile& held = rig.Make({100 * rateHz}, Constant(0.1));
+    FormulaFile& other = rig.Make({100 * rateHz}, Constant(0.1));
+    SndChannel* const channel = rig.Play(held);
+    rig.Play(other);
+    ASSERT_TRUE(held.WaitUntilRead(1));
     channel->Lock();
-    const long readSoFar = held->GetFramesRead();
-    EXPECT_TRUE(other->WaitUntilRead(other->GetFramesRead() + rateHz / 2));
-    EXPECT_EQ(held->GetFramesRead(), readSoFar);
+    const long readSoFar = held.GetFramesRead();
+    EXPECT_TRUE(other.WaitUntilRead(other.GetFramesRead() + rateHz / 2));
+    EXPECT_EQ(held.GetFramesRead(), readSoFar);
     channel->Unlock();
-    EXPECT_TRUE(held->WaitUntilRead(readSoFar + rateHz / 4)) << "and it goes on afterwards";
+    EXPECT_TRUE(held.WaitUntilRead(readSoFar + rateHz / 4)) << "and it goes on afterwards";
 }
 
 /// Game code that starts, steers, appends to, fades and stops sounds at random, also from inside events,
@@ -83,7 +75,9 @@ protected:
 
     FormulaFile* NewFile(int fileHz)
     {
-        return Make({Draw(4) == 0 ? Draw(20) : Draw(fileHz / 3), fileHz, 1 + Draw(2)});
+        const int length = Draw(4) == 0 ? Draw(20) : Draw(fileHz / 3);
+        files.push_back(&rig.Make({length, fileHz, 1 + Draw(2)}, Constant(0.01)));
+        return files.back();
     }
 
     void Start()
@@ -193,6 +187,7 @@ protected:
     const std::thread::id taskThread = std::this_thread::get_id();
     std::mt19937 random{20262};
     Testing::OwnedList effects;
+    std::vector<FormulaFile*> files;
     std::map<SndChannel*, Playing> sounds;
     int changes = 0;
     int ends = 0;
@@ -201,13 +196,13 @@ protected:
 void RandomGame::Run(const std::function<void(int update)>& trouble)
 {
     Open();
-    FormulaFile* const clock = Make({100 * rateHz});
-    rig.Play(*clock);
+    FormulaFile& clock = rig.Make({100 * rateHz}, Constant(0.0));
+    rig.Play(clock);
     rig.onEvent = [this](const DriverEvent& event) { OnEvent(event); };
     const int enough = 25;
     for (int update = 0; (update < 150 || changes < enough || ends < enough) && !HasFailure(); ++update) {
         // At the pace of the sound: some 15 ms an update.
-        ASSERT_TRUE(clock->WaitUntilRead(clock->GetFramesRead() + 1));
+        ASSERT_TRUE(clock.WaitUntilRead(clock.GetFramesRead() + 1));
         trouble(update);
         DoSomething();
         rig.Step(40, [this] {
@@ -217,7 +212,7 @@ void RandomGame::Run(const std::function<void(int update)>& trouble)
         });
     }
     rig.Close();
-    for (const auto& file : files) {
+    for (const FormulaFile* const file : files) {
         EXPECT_EQ(file->GetForbiddenTouches(), 0);
     }
 }

@@ -34,8 +34,8 @@ protected:
     SndChannel* PlayTone(double hz, const FXEnvReverbSourceProperties* properties = nullptr,
         unsigned int flags = ChanPositional)
     {
-        files.push_back(MakeFile({rateHz}, Sine(hz, 0.2, rateHz)));
-        SndChannel* const channel = rig->Create(*files.back(), flags | ChanLooping);
+        FormulaFile& tone = rig->Make({rateHz}, Sine(hz, 0.2, rateHz));
+        SndChannel* const channel = rig->Create(tone, flags | ChanLooping);
         EXPECT_TRUE(!properties || channel->SetFXEnvReverbSourceProperties(properties));
         channel->SetPosition({0, 0, -1});
         channel->Play();
@@ -44,9 +44,8 @@ protected:
 
     SndChannel* PlayClick(unsigned int flags, const OwnedList& list = {})
     {
-        const auto click = [](int sampleFrame, int) { return sampleFrame < 44 ? 0.95 : 0.0; };
-        files.push_back(MakeFile({rateHz / 10}, click));
-        SndChannel* const channel = rig->Play(*files.back(), flags, list.Get());
+        FormulaFile& click = rig->Make({rateHz / 10}, [](int i, int) { return i < 44 ? 0.95 : 0.0; });
+        SndChannel* const channel = rig->Play(click, flags, list.Get());
         channel->SetPosition({0, 0, -1});
         return channel;
     }
@@ -81,7 +80,6 @@ protected:
         return EffectsExample::MeasureDecay(left, rateHz, 500);
     }
 
-    std::vector<std::unique_ptr<FormulaFile>> files;
     std::unique_ptr<OfflineRig> rig = std::make_unique<OfflineRig>();
 };
 

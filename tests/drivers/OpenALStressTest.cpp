@@ -111,16 +111,12 @@ protected:
     void PlayFile()
     {
         const int flags = DrawFlags() | (Draw(4) == 0 ? Sound::StartLooping : 0);
-        if (Draw(2)) {
-            group.Play2DSound(DrawName(), nullptr, flags, 1 + Draw(3), Draw(3) * 20);
-            return;
-        }
         Sound::Settings settings;
         settings.setDistance = true;
-        settings.minDistance = 1.0F;
         settings.maxDistance = 8.0F;
-        settings.cutout = Draw(2) == 0;
-        group.Play3DSound(DrawPlace(), DrawName(), nullptr, flags, 1 + Draw(3), settings, 0);
+        settings.cutout = true;
+        Draw(2) ? group.Play2DSound(DrawName(), nullptr, flags, 1 + Draw(3), Draw(3) * 20)
+                : group.Play3DSound(DrawPlace(), DrawName(), nullptr, flags, 1 + Draw(3), settings, 0);
     }
 
     /// One of these, at random.
