@@ -52,7 +52,7 @@ protected:
     };
 
     int Draw(int below) { return std::uniform_int_distribution<>(0, below - 1)(random); }
-    const PString& DrawName(int below = 8) { return names[static_cast<std::size_t>(Draw(below))]; }
+    const PString& DrawName() { return names[static_cast<std::size_t>(Draw(8))]; }
     Vector3 DrawPlace() { return {static_cast<float>(Draw(12)), 0.0F, static_cast<float>(Draw(12))}; }
     int DrawFlags() { return Draw(2) * Sound::StartImmediately + Draw(2) * Sound::StartChgFrequency; }
 
@@ -119,15 +119,9 @@ protected:
                 : group.Play3DSound(DrawPlace(), DrawName(), nullptr, flags, 1 + Draw(3), settings, 0);
     }
 
-    /// One of these, at random.
-    void DoOneOf(std::initializer_list<std::function<void()>> ways)
-    {
-        ways.begin()[Draw(static_cast<int>(ways.size()))]();
-    }
-
     void Steer(int id)
     {
-        DoOneOf({
+        const std::function<void()> ways[] = {
             [&] { group.FadeOutSound(id, static_cast<unsigned int>(Draw(120))); },
             [&] { group.SetSoundGain(id, 0.01F * static_cast<float>(Draw(101))); },
             [&] { group.SetFrequency(id, static_cast<unsigned long>(4000 + Draw(60000))); },
@@ -136,29 +130,17 @@ protected:
             [&] { group.SetSoundPriority(id, Draw(4)); },
             [&] { group.StopSound(id); },
             [&] { Append(id); },
-        });
-    }
-
-    void ChangeSurroundings()
-    {
-        DoOneOf({
-            [&] { music.Stop(); },
-            [&] { music.FadeOut(Draw(200)); },
-            [&] { music.Play(names[0], Draw(2) == 0); },
-            [&] { music.CrossFade(DrawName(2), Draw(200), true); },
+            [&] { Append(id); },
             [&] { listener.SetPosition(DrawPlace()); },
-            [&] { listener.ResetFXEnvReverb(0); },
             [&] { listener.SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbRoom, 0, 0); },
-        });
+            [&] { music.CrossFade(names[static_cast<std::size_t>(Draw(2))], Draw(200), true); },
+        };
+        ways[Draw(static_cast<int>(std::size(ways)))]();
     }
 
     void DoSomething(int notThis = nobody)
     {
-        const int what = Draw(16);
-        if (what < 2) {
-            ChangeSurroundings();
-        }
-        else if (what < 4 || running.size() < 3 * maxSounds) {
+        if (Draw(6) == 0 || running.size() < 3 * maxSounds) {
             Draw(2) ? PlayFile() : PlayBlocks();
         }
         else if (const int id = *std::next(running.begin(), Draw(static_cast<int>(running.size())));
