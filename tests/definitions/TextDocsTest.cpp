@@ -23,16 +23,26 @@ protected:
             paper.push_back(line);
     }
 
-    /// The first block of text between fences that begins behind a line with that text.
+    /// The lines behind the first one that begins like that, up to the next heading.
+    Lines GetSection(const std::string& heading) const
+    {
+        Lines section;
+        bool isThere = false;
+        for (const std::string& line : paper) {
+            if (line.starts_with("##"))
+                isThere = line.starts_with(heading);
+            else if (isThere)
+                section.push_back(line);
+        }
+        return section;
+    }
+
+    /// The first block of text between fences in a section.
     std::string GetExample(const std::string& heading) const
     {
         std::string example;
         int fences = 0;
-        bool isThere = false;
-        for (const std::string& line : paper) {
-            isThere = isThere || line.starts_with(heading);
-            if (!isThere)
-                continue;
+        for (const std::string& line : GetSection(heading)) {
             if (line.starts_with("```"))
                 ++fences;
             else if (fences == 1)
@@ -41,22 +51,18 @@ protected:
         return example;
     }
 
-    /// The cells of the rows of the tables that stand behind that heading, up to the next one.
+    /// The cells of the rows of the tables in a section.
     std::vector<Lines> GetRows(const std::string& heading) const
     {
         std::vector<Lines> rows;
-        bool isThere = false;
-        for (const std::string& line : paper) {
-            if (line.starts_with("#"))
-                isThere = line == heading;
-            if (!isThere || !line.starts_with("| `"))
+        for (const std::string& line : GetSection(heading)) {
+            if (!line.starts_with("| `"))
                 continue;
-            Lines cells;
+            Lines& cells = rows.emplace_back();
             std::istringstream row(line);
             for (std::string cell; std::getline(row, cell, '|');)
                 cells.push_back(Trim(cell));
             cells.erase(cells.begin());
-            rows.push_back(cells);
         }
         return rows;
     }

@@ -12,30 +12,9 @@ namespace Quon
 namespace
 {
 
-/// The library, loaded by name, with its types registered.
-class TextPlugins : public DefinitionTest
-{
-protected:
-    TextPlugins()
-    {
-        PluginRegistry::Get().ReleaseAll();
-        EXPECT_TRUE(library->Open(HARMONET_LIBRARY));
-        void* symbol = nullptr;
-        EXPECT_TRUE(library->GetSymbol(&symbol, "QuonGetPlugins"));
-        getPlugins = reinterpret_cast<QuonGetPluginsFunction>(symbol);
-    }
-    ~TextPlugins() override
-    {
-        database.DropUnused();
-        database.DropUnused();
-        PluginRegistry::Get().ReleaseAll();
-    }
+using TextPlugins = DefinitionTest;
 
-    std::unique_ptr<DynamicLibrary> library{os.CreateDynamicLibrary()};
-    QuonGetPluginsFunction getPlugins = nullptr;
-};
-
-TEST_F(TextPlugins, FourTypesAreRegisteredInOrder)
+TEST_F(TextPlugins, FourTypesLeadFromTheNamesInAFolderToSettings)
 {
     const struct
     {
@@ -46,7 +25,12 @@ TEST_F(TextPlugins, FourTypesAreRegisteredInOrder)
         {"sound.txt", "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundDefResource)},
         {"wav", "6B7E2192-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundResource)},
         {"mp3", "6B7E2194-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundResource)}};
-    getPlugins();
+    PluginRegistry::Get().ReleaseAll();
+    const std::unique_ptr<DynamicLibrary> library(os.CreateDynamicLibrary());
+    ASSERT_TRUE(library->Open(HARMONET_LIBRARY));
+    void* getPlugins = nullptr;
+    ASSERT_TRUE(library->GetSymbol(&getPlugins, "QuonGetPlugins"));
+    reinterpret_cast<QuonGetPluginsFunction>(getPlugins)();
     const auto& registered = PluginRegistry::Get().GetTypes();
     const std::vector<const PluginType*> types(registered.begin(), registered.end());
     ASSERT_EQ(types.size(), std::size(expected));
@@ -60,11 +44,7 @@ TEST_F(TextPlugins, FourTypesAreRegisteredInOrder)
         EXPECT_EQ(type->GetCommonID(), UId("6B7E2180-3F4C-41A7-8C2D-5E19A07C33D1"));
         EXPECT_EQ(type->GetSize(), static_cast<int>(expected[i].size));
     }
-}
 
-TEST_F(TextPlugins, NamesInAFolderLeadToSettings)
-{
-    getPlugins();
     folder.Write("river.sound", "*SOUND_DEFINITION { *FILE w.wav\n*GAIN 0.5 }");
     folder.Write("engine.sound.txt", "*SOUND_DEFINITION { *FILE w.wav\n*DELAY 5 }");
     folder.Write("broken.sound", "*SOUND_DEFINITION { *GAIN 0.5 }");
@@ -82,6 +62,10 @@ TEST_F(TextPlugins, NamesInAFolderLeadToSettings)
         resource->Unlock();
         resource->ReleaseReference();
     }
+    // Those that were in use go in the second round.
+    database.DropUnused();
+    database.DropUnused();
+    PluginRegistry::Get().ReleaseAll();
 }
 
 } // namespace

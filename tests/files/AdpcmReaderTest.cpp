@@ -94,8 +94,7 @@ TEST_F(AdpcmReader, GivesWhatSoxGivesBitForBit)
         SCOPED_TRACE(name);
         const Bytes expected = ReadBytes(name + ".pcm");
         ASSERT_GT(expected.size(), 5000u);
-        const auto file = OpenBytes(ReadBytes(name + ".wav"));
-        ASSERT_NE(file, nullptr);
+        const auto file = OpenGood(ReadBytes(name + ".wav"));
         EXPECT_EQ(file->FileType(), SndFile::FileAdpcm);
         EXPECT_TRUE(ReadAll(*file, 100) == expected);
     }
@@ -126,8 +125,7 @@ TEST_F(AdpcmReader, CountsBlocksAndTheTornLastOne)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.what);
-        const auto file = OpenBytes(AdpcmWave(row.channels, row.blockAlign, Bytes(row.bytes)));
-        ASSERT_NE(file, nullptr);
+        const auto file = OpenGood(AdpcmWave(row.channels, row.blockAlign, Bytes(row.bytes)));
         EXPECT_EQ(file->GetBytesPerSample(), 2);
         EXPECT_EQ(file->GetSoundSamples(), row.counted);
         EXPECT_EQ(ReadAll(*file, 10).size(), row.delivered * 2 * static_cast<std::size_t>(row.channels));
@@ -150,8 +148,7 @@ TEST_F(AdpcmReader, AnyMixOfReadsSkipsAndRewindsIsExact)
         const int frameBytes = 2 * channels;
         const int total = static_cast<int>(pcm.size()) / frameBytes;
         const Bytes fact = draw(2) == 0 ? Chunk("fact", Little32(1 + draw(total))) : Bytes();
-        const auto file = OpenBytes(AdpcmWave(channels, blockAlign, data, fact));
-        ASSERT_NE(file, nullptr);
+        const auto file = OpenGood(AdpcmWave(channels, blockAlign, data, fact));
         if (draw(2) == 0) {
             ASSERT_NE(file->Load(), nullptr);
         }
@@ -186,8 +183,7 @@ TEST_F(AdpcmReader, AnyMixOfReadsSkipsAndRewindsIsExact)
 TEST_F(AdpcmReader, ASkipThatRunsOutOfBlocksStandsAtTheEnd)
 {
     const Bytes format = Chunk("fmt ", AdpcmFormat(1, 8000, 20, usualPairs));
-    const auto file = OpenBytes(Wave(format + Chunk("data", Bytes(40), 400)));
-    ASSERT_NE(file, nullptr);
+    const auto file = OpenGood(Wave(format + Chunk("data", Bytes(40), 400)));
     EXPECT_EQ(file->GetSoundSamples(), 560);
     ASSERT_EQ(ReadFrames(*file, 56).size(), 112u);
     EXPECT_EQ(file->SkipSamples(10), 10);
@@ -202,8 +198,7 @@ TEST_F(AdpcmReader, ABlockWithoutCoefficientsIsTheEndUntilARewindUnlessItIsSkipp
         SCOPED_TRACE(channel);
         Bytes data(100);
         data[20 + channel] = 7;
-        const auto file = OpenBytes(AdpcmWave(2, 20, data));
-        ASSERT_NE(file, nullptr);
+        const auto file = OpenGood(AdpcmWave(2, 20, data));
         for (int round = 0; round < 2; ++round) {
             EXPECT_EQ(ReadFrames(*file, 30).size(), 8u * 4);
             EXPECT_TRUE(ReadFrames(*file, 30).empty());
@@ -264,8 +259,7 @@ TEST_F(AdpcmReader, SizesNearTheEndOfTheirTypeAreCounted)
         SCOPED_TRACE(channels);
         const int blockAlign = 7 * channels;
         const Bytes format = Chunk("fmt ", AdpcmFormat(channels, 8000, blockAlign, usualPairs));
-        const auto file = OpenBytes(Wave(format + Chunk("data", Bytes(70), 0xFFFFFFFF)));
-        ASSERT_NE(file, nullptr);
+        const auto file = OpenGood(Wave(format + Chunk("data", Bytes(70), 0xFFFFFFFF)));
         const long long counted = std::min(0xFFFFFFFFll / blockAlign * 2, 0x7FFFFFFFll);
         EXPECT_EQ(file->GetSoundSamples(), counted);
         EXPECT_EQ(file->Load(), nullptr);

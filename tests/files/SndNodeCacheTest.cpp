@@ -27,7 +27,7 @@ TEST_F(NodeCache, ASecondSoundOfAFileReadsTheSameBytesAtItsOwnPlace)
     const Bytes block = Counting(40);
     for (const Bytes& wave : {PcmWave(1, 8000, 16, block),
              Wave(Chunk("fmt ", AdpcmFormat(1, 8000, 40, usualPairs)) + Chunk("data", block + block))}) {
-        const Bytes expected = ReadAll(*OpenBytes(wave));
+        const Bytes expected = ReadAll(*OpenGood(wave));
         cache.Clear();
         cache.SetLimit(1000);
         const auto first = OpenSound("sound");

@@ -3,6 +3,7 @@
 #include "harmonet/engine/File.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 using namespace Quon;
 
@@ -45,6 +46,15 @@ std::unique_ptr<SndFile> SoundFolder::OpenBytes(const Bytes& bytes) const
     folder.Remove("sound");
     folder.Write("sound", bytes);
     return Open("sound");
+}
+
+std::unique_ptr<SndFile> SoundFolder::OpenGood(const Bytes& bytes) const
+{
+    auto file = OpenBytes(bytes);
+    EXPECT_NE(file, nullptr);
+    if (file == nullptr)
+        throw std::runtime_error("nothing to go on with");
+    return file;
 }
 
 Bytes ReadFrames(SndFile& file, int frameCount)

@@ -49,8 +49,7 @@ TEST_F(MpegFiles, StreamsAreCountedAndPlayAsFromMemory)
     const std::vector<int> expected = DecodeAll(stream);
     for (const char* name : {"joint-44100.mp3", "wrapped-44100.wav"}) {
         SCOPED_TRACE(name);
-        const auto file = OpenBytes(ReadStream(name));
-        ASSERT_NE(file, nullptr);
+        const auto file = OpenGood(ReadStream(name));
         EXPECT_EQ(file->GetSoundSamples(), 24 * frame);
         EXPECT_EQ(file->GetSoundLength(), 24u * frame * 1000 / 44100);
         EXPECT_EQ(file->GetRemainLength(), file->GetSoundLength());
@@ -102,10 +101,9 @@ TEST_F(MpegFiles, TheCountComesFromFactOrFromTheHeaders)
 TEST_F(MpegFiles, EightBitsWhereTheWrapperDeclaresThem)
 {
     const Bytes silence = Wave(Format(85, 8) + Chunk("data", MakeSilentFrame({})));
-    EXPECT_EQ(ReadAll(*OpenBytes(silence), frame), Bytes(frame, 128));
+    EXPECT_EQ(ReadAll(*OpenGood(silence), frame), Bytes(frame, 128));
     const Bytes stream = RandomFrames(3);
-    const auto file = OpenBytes(Wave(Format(85, 8) + Chunk("data", stream)));
-    ASSERT_NE(file, nullptr);
+    const auto file = OpenGood(Wave(Format(85, 8) + Chunk("data", stream)));
     EXPECT_EQ(file->GetBytesPerSample(), 1);
     const Bytes pcm8 = ReadAll(*file, frame);
     const std::vector<int> pcm16 = DecodeAll(stream);
