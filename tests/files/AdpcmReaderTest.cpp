@@ -100,38 +100,6 @@ TEST_F(AdpcmReader, GivesWhatSoxGivesBitForBit)
     }
 }
 
-TEST_F(AdpcmReader, CountsBlocksAndTheTornLastOne)
-{
-    const struct
-    {
-        const char* what;
-        int channels;
-        int blockAlign;
-        std::size_t bytes;
-        int counted;
-        std::size_t delivered;
-    } rows[] = {
-        {"a whole stereo block", 2, 1024, 1024, 1012, 1012},
-        {"three mono blocks", 1, 20, 60, 84, 84},
-        {"mono, a torn header", 1, 20, 26, 28, 28},
-        {"mono, a header alone counts nothing and gives two", 1, 20, 27, 28, 30},
-        {"mono, a header and one byte", 1, 20, 28, 32, 32},
-        {"stereo, a torn header", 2, 20, 33, 8, 8},
-        {"stereo, a header alone counts nothing and gives two", 2, 20, 34, 8, 10},
-        {"stereo, a header and one byte", 2, 20, 35, 11, 11},
-        {"one frame to a mono block is the least", 1, 7, 14, 4, 4},
-        {"stereo blocks too short for their header", 2, 13, 26, 2, 0},
-        {"nothing", 1, 20, 0, 0, 0},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        const auto file = OpenGood(AdpcmWave(row.channels, row.blockAlign, Bytes(row.bytes)));
-        EXPECT_EQ(file->GetBytesPerSample(), 2);
-        EXPECT_EQ(file->GetSoundSamples(), row.counted);
-        EXPECT_EQ(ReadAll(*file, 10).size(), row.delivered * 2 * static_cast<std::size_t>(row.channels));
-    }
-}
-
 TEST_F(AdpcmReader, AnyMixOfReadsSkipsAndRewindsIsExact)
 {
     for (unsigned seed = 1; seed <= 60; ++seed) {
@@ -214,43 +182,6 @@ TEST_F(AdpcmReader, ABlockWithoutCoefficientsIsTheEndUntilARewindUnlessItIsSkipp
     ASSERT_NE(mute, nullptr) << "no coefficients at all is no reason to refuse";
     EXPECT_EQ(mute->GetSoundSamples(), 140);
     EXPECT_TRUE(ReadFrames(*mute, 10).empty());
-}
-
-TEST_F(AdpcmReader, FormatsItCannotPlayAreRefused)
-{
-    std::vector<std::pair<int, int>> eightPairs = usualPairs;
-    eightPairs.emplace_back(1, 1);
-    Bytes shortOfPairs = AdpcmFormat(1, 8000, 20, usualPairs);
-    shortOfPairs.resize(49);
-    Bytes withoutExtension = AdpcmFormat(1, 8000, 20, {});
-    withoutExtension.resize(21);
-    const struct
-    {
-        const char* what;
-        Bytes format;
-        bool opens;
-    } rows[] = {
-        {"seven pairs in 50 bytes", AdpcmFormat(1, 8000, 20, usualPairs), true},
-        {"seven pairs in 49 bytes", shortOfPairs, false},
-        {"eight pairs", AdpcmFormat(1, 8000, 20, eightPairs), false},
-        {"65535 pairs stated", AdpcmFormat(1, 8000, 20, usualPairs, 65535), false},
-        {"six stated, seven there", AdpcmFormat(1, 8000, 20, usualPairs, 6), true},
-        {"21 bytes", withoutExtension, false},
-        {"no channels", AdpcmFormat(0, 8000, 20, usualPairs), false},
-        {"three channels", AdpcmFormat(3, 8000, 60, usualPairs), false},
-        {"no rate", AdpcmFormat(1, 0, 20, usualPairs), false},
-        {"a rate that an int cannot hold", AdpcmFormat(1, 0x80000000, 20, usualPairs), false},
-        {"mono blocks of 6", AdpcmFormat(1, 8000, 6, usualPairs), false},
-        {"stereo blocks of 12", AdpcmFormat(2, 8000, 12, usualPairs), false},
-        {"blocks of 0", AdpcmFormat(1, 8000, 0, usualPairs), false},
-        {"blocks of 65535", AdpcmFormat(1, 8000, 65535, usualPairs), true},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(
-            OpenBytes(Wave(Chunk("fmt ", row.format) + Chunk("data", Bytes(40)))) != nullptr, row.opens);
-    }
-    EXPECT_EQ(openFiles.GetCount(), 0);
 }
 
 TEST_F(AdpcmReader, SizesNearTheEndOfTheirTypeAreCounted)
