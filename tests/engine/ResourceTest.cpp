@@ -185,6 +185,7 @@ TEST_F(Resources, AreLoadedAgainWhenTheirFileHasChangedAndKeptWhileItIsGone)
     folder.Write("first/horn.sound", "*A *B *C");
     std::filesystem::remove(folder.Path("first/both.wav"));
     EXPECT_EQ(LogOf([&] { database->ReloadChanged(); }), Log{"unload shot.wav"});
+    EXPECT_EQ(idle->GetReferenceCount(), 1);
     EXPECT_EQ(LogOf([&] {
         idle->Lock(database.get());
         orphan->Lock(database.get());

@@ -14,7 +14,8 @@ Bytes AdpcmWave(int channels, int blockAlign, const Bytes& data, const Bytes& fa
 {
     const Bytes format = AdpcmFormat(channels, 8000, blockAlign, usualPairs);
     Bytes wave = Wave(Chunk("fmt ", format) + fact) + Chunk("data", data);
-    wave.resize(wave.size() - data.size() % 2);
+    if (data.size() % 2 != 0)
+        wave.pop_back();
     return wave;
 }
 
