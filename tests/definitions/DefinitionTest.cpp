@@ -113,15 +113,7 @@ std::string DefinitionTest::Load(const std::string& text)
 
 std::string DefinitionTest::LoadBlock(const std::string& keywords)
 {
-    return Load("*SOUND_DEFINITION\n{\n*FILE a.wav\n" + keywords + "\n}\n");
-}
-
-void DefinitionTest::CheckBlocks(const std::vector<Row>& rows)
-{
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        EXPECT_EQ(LoadBlock(row.text), (row.expected.empty() ? "0: a.wav" : "0: a.wav, ") + row.expected);
-    }
+    return Load("*SOUND_DEFINITION {\n*FILE a.wav\n" + keywords + "\n}\n");
 }
 
 int DefinitionTest::LoadAgain()

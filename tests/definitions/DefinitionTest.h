@@ -14,13 +14,6 @@ namespace Quon
 /// ...)".
 std::string Describe(const SoundResource& sound);
 
-/// One definition and what is to come of it.
-struct Row
-{
-    std::string text;
-    std::string expected;
-};
-
 /// A definition that is loaded under the given name from a folder, as the resource library does it.
 class DefinitionTest : public HostTest
 {
@@ -33,8 +26,6 @@ protected:
     std::string Load(const std::string& text);
     /// The same for what stands between the braces of a definition with a file, "a.wav".
     std::string LoadBlock(const std::string& keywords);
-    /// Loads each as a block, and expects success and the settings that stand behind the file's name.
-    void CheckBlocks(const std::vector<Row>& rows);
 
     const SoundDefResource& GetDefinition() const { return *definition; }
     /// Loads without writing; the code.

@@ -50,15 +50,16 @@ TEST_F(TextPlugins, FourTypesLeadFromTheNamesInAFolderToSettings)
     folder.Write("broken.sound", "*SOUND_DEFINITION { *GAIN 0.5 }");
     folder.Write("w.wav", std::string("no wave"));
     folder.Write("m.mp3", std::string("no stream"));
-    const Row rows[] = {{"river.sound", "0: w.wav, gain 0.5"}, {"engine.sound.txt", "0: w.wav, delay 5"},
-        {"w.wav", "0: w.wav"}, {"m.mp3", "0: m.mp3"}, {"broken.sound", "1"}};
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.text);
-        const auto* resource = dynamic_cast<const SoundResource*>(database.Lookup(row.text.c_str(), 2));
+    const std::pair<const char*, const char*> rows[] = {{"river.sound", "0: w.wav, gain 0.5"},
+        {"engine.sound.txt", "0: w.wav, delay 5"}, {"w.wav", "0: w.wav"}, {"m.mp3", "0: m.mp3"},
+        {"broken.sound", "1"}};
+    for (const auto& [name, expectedLoad] : rows) {
+        SCOPED_TRACE(name);
+        const auto* resource = dynamic_cast<const SoundResource*>(database.Lookup(name, 2));
         ASSERT_NE(resource, nullptr);
         EXPECT_EQ(resource->GetOwnerName().GetView(), "sounds");
         const int code = resource->Lock(&database).GetCode();
-        EXPECT_EQ(std::to_string(code) + (code == 0 ? ": " + Describe(*resource) : ""), row.expected);
+        EXPECT_EQ(std::to_string(code) + (code == 0 ? ": " + Describe(*resource) : ""), expectedLoad);
         resource->Unlock();
         resource->ReleaseReference();
     }

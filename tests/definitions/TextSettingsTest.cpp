@@ -1,4 +1,4 @@
-// A definition as text in, its settings out.
+// A definition as text in: its settings out, and what a listener hears of it.
 
 #include "tests/definitions/DefinitionTest.h"
 
@@ -10,14 +10,65 @@ namespace Quon
 namespace
 {
 
-using TextSettings = DefinitionTest;
+constexpr const char* faultNames[] = {"no definition", "no file", "outside", "unknown", "left over",
+    "unreadable", "refused", "out of range", "rate dropped", "no block", "too few points", "lost", "text"};
+
+/// Writes each remark as "line keyword fault", with what the fault has to say behind it.
+class Notebook final : public DefinitionListener
+{
+public:
+    Notebook() { before = SoundDefResource::SetListener(this); }
+    ~Notebook() override { EXPECT_EQ(SoundDefResource::SetListener(before), this); }
+
+    void OnRemark(const DefinitionRemark& remark) override
+    {
+        std::string text = std::to_string(remark.line);
+        if (!remark.keyword.IsEmpty())
+            text += ' ' + std::string(remark.keyword.GetView());
+        text += std::string(" ") + faultNames[static_cast<int>(remark.fault)];
+        if (remark.fault == DefinitionFault::Unreadable)
+            text += std::string(": ") + remark.text + " for " + (remark.found ? remark.found : "nothing");
+        if (remark.fault == DefinitionFault::Refused || remark.fault == DefinitionFault::OutOfRange)
+            text += ": " + ToText(static_cast<float>(remark.value)) + " of " +
+                ToText(static_cast<float>(remark.least)) + " to " + ToText(static_cast<float>(remark.most));
+        remarks.push_back(text);
+    }
+
+    Lines remarks;
+
+private:
+    DefinitionListener* before;
+};
+
+struct Row
+{
+    std::string text;
+    std::string settings;
+    Lines remarks = {};
+};
+
+class TextSettings : public DefinitionTest
+{
+protected:
+    /// Loads each as what stands in a definition behind "a.wav", from line 3 on, and expects success, the
+    /// settings that stand behind the file's name, and the remarks.
+    void CheckBlocks(const std::vector<Row>& rows)
+    {
+        for (const Row& row : rows) {
+            SCOPED_TRACE(row.text);
+            Notebook notebook;
+            EXPECT_EQ(LoadBlock(row.text), (row.settings.empty() ? "0: a.wav" : "0: a.wav, ") + row.settings);
+            EXPECT_EQ(notebook.remarks, row.remarks);
+        }
+    }
+};
 
 TEST_F(TextSettings, EachKeywordReachesItsSetting)
 {
     CheckBlocks({
         {"", ""},
         {"*LOOPING true", "looping 1"},
-        {"*GAIN 0.25", "gain 0.25"},
+        {"*GAIN 1\n*GAIN 0.25", "gain 0.25"},
         {"*DELAY 250", "delay 250"},
         {"*MIN_DISTANCE 5\n*MAX_DISTANCE 120.5", "min 5, max 120.5"},
         {"*CUTOUT false", "cutout 0"},
@@ -26,27 +77,32 @@ TEST_F(TextSettings, EachKeywordReachesItsSetting)
         {"*SET_FRQUENCY true", "changing 1"},
         {"*DISABLE_ENV_FX true", "dry 1"},
         // Nothing is clamped.
-        {"*GAIN 7\n*MIN_DISTANCE -1\n*CONE_GAIN -3", "gain 7, min -1, conegain -3"},
-        {"*GAIN 0.5\n*GAIN 0.75", "gain 0.75"},
-        // Unknown keywords are passed over, and blocks behind plain ones.
-        {"*SET_FREQUENCY true\n*COLOUR red { *GAIN 0.1 }\n*GAIN 0.5", "gain 0.5"},
-        {"*LOOPING true { *GAIN 0.1 }\n*DELAY 1", "looping 1, delay 1"},
-        {"*POINT 1 2 3\n*ANGLE 9\n*WETDRYMIX 1", ""},
+        {"*GAIN 7\n*MIN_DISTANCE -1\n*CONE_GAIN -3", "gain 7, min -1, conegain -3",
+            {"3 *GAIN out of range: 7 of 0 to 1", "4 *MIN_DISTANCE out of range: -1 of 0 to 3.4028235e+38",
+                "5 *CONE_GAIN out of range: -3 of 0 to 1"}},
+        // Unknown keywords are passed over, and what is too much behind known ones.
+        {"*SET_FREQUENCY true\n*COLOUR red { *GAIN 0.1 }\n*GAIN 0.5", "gain 0.5",
+            {"3 *SET_FREQUENCY unknown", "4 *COLOUR unknown"}},
+        {"*LOOPING true { *GAIN 0.1 }\n*DELAY 1 2", "looping 1, delay 1",
+            {"3 *LOOPING left over", "4 *DELAY left over"}},
+        {"*POINT 1 2 3\n*WETDRYMIX 1", "", {"3 *POINT unknown", "4 *WETDRYMIX unknown"}},
     });
 }
 
 TEST_F(TextSettings, AFrequencyCountsFrom100To100000AndAsksForAChangingRateUnlessThereAreEffects)
 {
     CheckBlocks({
-        {"*FREQUENCY 99\n*GAIN 0.5", "gain 0.5"},
+        {"*FREQUENCY 99\n*GAIN 0.5", "gain 0.5", {"3 *FREQUENCY out of range: 99 of 100 to 1e+05"}},
         {"*FREQUENCY 100", "changing 1, hz 100"},
         {"*FREQUENCY 100000", "changing 1, hz 1e+05"},
-        {"*FREQUENCY 100001", ""},
-        {"*FREQUENCY 22050\n*FREQUENCY 5", "changing 1"},
+        {"*FREQUENCY 22050\n*FREQUENCY 200000", "changing 1",
+            {"4 *FREQUENCY out of range: 2e+05 of 100 to 1e+05"}},
         {"*FREQUENCY 22050\n*SET_FRQUENCY false", "hz 22050"},
-        {"*FREQUENCY 22050\n*FREQUENCY high\n*GAIN 0.5", "changing 1"},
-        {"*FREQUENCY 22050\n*FX_GARGLE", "gargle(20 0)"},
-        {"*FX_GARGLE\n*SET_FRQUENCY true\n*FREQUENCY 22050", "gargle(20 0)"},
+        {"*FREQUENCY 22050\n*FREQUENCY high\n*GAIN 0.5", "changing 1",
+            {"4 *FREQUENCY unreadable: a whole number for high", "5 *GAIN lost"}},
+        {"*FREQUENCY 22050\n*FX_ECHO {\n*FEEDBACK 1\n}", "echo(50 1 500 500 0)", {"4 *FX_ECHO rate dropped"}},
+        {"*FX_GARGLE\n*SET_FRQUENCY true\n*FREQUENCY 22050", "gargle(20 0)",
+            {"4 *SET_FRQUENCY rate dropped", "5 *FREQUENCY rate dropped"}},
         {"*FREQUENCY 22050\n*SET_FRQUENCY false\n*FX_GARGLE", "hz 22050, gargle(20 0)"},
     });
 }
@@ -54,14 +110,18 @@ TEST_F(TextSettings, AFrequencyCountsFrom100To100000AndAsksForAChangingRateUnles
 TEST_F(TextSettings, ABadValueEndsTheReadingAndKeepsWhatCameBefore)
 {
     CheckBlocks({
-        {"*DELAY 9\n*GAIN loud\n*LOOPING true", "delay 9"},
-        {"*GAIN\n0.5\n*LOOPING true", ""},
-        {"*DELAY 1.5\n*LOOPING true", ""},
-        {"*LOOPING maybe\n*GAIN 0.5", ""},
-        {"*DELAY 9\n*DELAY -1\n*GAIN 0.5", ""},
-        {"*POSITION 1 2\n*GAIN 0.5", "at 1 2 0"},
-        {"*POSITION 7 8 9\n*POSITION 1 2 x\n*GAIN 0.5", "at 1 2 9"},
-        {"*FX_ECHO { *FEEDBACK much }\n*GAIN 0.5", ""},
+        {"*DELAY 9\n*GAIN loud\n*LOOPING true\n*FX_ECHO { *DELAY 1 }", "delay 9",
+            {"4 *GAIN unreadable: a number for loud", "5 *LOOPING lost", "6 *FX_ECHO lost"}},
+        {"*GAIN\n0.5\n*LOOPING true", "",
+            {"3 *GAIN unreadable: a number for nothing", "4 text", "5 *LOOPING lost"}},
+        {"*DELAY 1.5", "", {"3 *DELAY unreadable: a whole number for 1.5"}},
+        {"*LOOPING maybe", "", {"3 *LOOPING unreadable: true or false for maybe"}},
+        {"*DELAY 9\n*DELAY -1\n*GAIN 0.5", "", {"4 *DELAY refused: -1 of 0 to 2147483648", "5 *GAIN lost"}},
+        {"*POSITION 7 8 9\n*POSITION 1 2 x\n*GAIN 0.5", "at 1 2 9",
+            {"4 *POSITION unreadable: a number for x", "5 *GAIN lost"}},
+        {"*FX_ECHO {\n*FEEDBACK x\n*LEFTDELAY 1\n}\n*GAIN 1", "",
+            {"4 *FEEDBACK unreadable: a number for x", "5 *LEFTDELAY lost", "7 *GAIN lost"}},
+        {"}\n*GAIN 1", "", {"4 *GAIN outside", "5 text"}},
     });
 }
 
@@ -72,11 +132,14 @@ TEST_F(TextSettings, AnEffectHasOneEntryInTheOrderOfItsFirstAppearance)
         // The second block begins anew; one that fails leaves the first.
         {"*FX_ECHO { *FEEDBACK 30 }\n*FX_GARGLE\n*FX_ECHO { *LEFTDELAY 9 }",
             "echo(50 50 9 500 0), gargle(20 0)"},
-        {"*FX_ECHO { *FEEDBACK 30 }\n*FX_ECHO { *FEEDBACK x }\n*FX_GARGLE", "echo(50 30 500 500 0)"},
-        {"*FX_ECHO { *WAVEFORM 1\n*RATEHZ 5\n*FEEDBACK 2 }", "echo(50 2 500 500 0)"},
+        {"*FX_ECHO { *FEEDBACK 30 }\n*FX_ECHO { *FEEDBACK x }\n*FX_GARGLE", "echo(50 30 500 500 0)",
+            {"4 *FEEDBACK unreadable: a number for x", "5 *FX_GARGLE lost"}},
+        {"*FX_ECHO\n{\n*WAVEFORM 1\n*PANDELAY 2\n}", "echo(50 50 500 500 2)",
+            {"5 *WAVEFORM unknown", "6 *PANDELAY out of range: 2 of 0 to 1"}},
         {"*FX_CHORUS {\n*FREQUENCY 1.5\n*DELAY 3\n}\n*FX_PARAMEQ { *GAIN 4 }",
             "chorus(50 10 25 1.5 1 3 3), parameq(7350 12 4)"},
-        {"*FX_GARGLE\n*FX_CHORUS { *WAVEFORM 1.0 }\n*FX_ECHO", "gargle(20 0)"},
+        {"*FX_GARGLE\n*FX_CHORUS { *WAVEFORM 1.0 }", "gargle(20 0)",
+            {"4 *WAVEFORM unreadable: a whole number for 1.0"}},
     });
     const FXEnvReverb before = fxEnvReverbDefault;
     fxEnvReverbDefault.room = -7;
@@ -89,39 +152,44 @@ TEST_F(TextSettings, ALineHasItsPointsInTheOrderOfTheTextAndNoneIfItFails)
 {
     const std::string good = "*POLYLINE {\n*POINT 0 0 0\n*POINT 1 0 0\n}\n";
     CheckBlocks({
-        {"*POLYLINE {\n*POINT 0 0 0\n*POINT 100 0 0.5\n}", "line(0 45: 0 0 0 100 0 0.5)"},
-        {"*POLYLINE {\n*POINT 1 2 3\n*ANGLE -90\n*POINT 4 5 6\n*NUM_ADD_SOUNDS 9\n}",
-            "line(9 -90: 1 2 3 4 5 6)"},
+        {"*POLYLINE {\n*POINT 1 2 3\n*ANGLE -90\n*POINT 4 5 6.5\n*NUM_ADD_SOUNDS 9\n}",
+            "line(9 -90: 1 2 3 4 5 6.5)"},
         {good + "*POLYLINE {\n*ANGLE 9\n*POINT 2 0 0\n*POINT 3 0 0\n}", "line(0 9: 2 0 0 3 0 0)"},
-        {"*POLYLINE\n*GAIN 0.5", ""},
-        {"*POLYLINE {}\n*GAIN 0.5", ""},
-        {"*POLYLINE { *POINT 0 0 0 }\n*GAIN 0.5", ""},
-        {"*POLYLINE {\n*POINT 0 0 0\n*POINT 1 1\n1\n*POINT 2 2 2\n}\n*GAIN 0.5", ""},
-        {"*POLYLINE {\n*NUM_ADD_SOUNDS -1\n*POINT 0 0 0\n*POINT 1 1 1\n}\n*GAIN 0.5", ""},
-        {"*POLYLINE {\n*NUM_ADD_SOUNDS 3\n*ANGLE 20\n*POINT 1 x\n}", "line(3 20:)"},
-        {good + "*POLYLINE { *POINT 1 }", ""},
-        {good + "*POLYLINE", ""},
+        {good + "*POLYLINE\n*GAIN 0.5", "", {"7 *POLYLINE no block", "8 *GAIN lost"}},
+        {"*POLYLINE {}", "", {"3 *POLYLINE too few points"}},
+        {"*POLYLINE {\n*POINT 0 0 0\n}\n*GAIN 0.5", "", {"3 *POLYLINE too few points", "6 *GAIN lost"}},
+        {"*POLYLINE {\n*POINT 0 0 0\n*POINT 1 1\n1\n*POINT 2 2 2\n}", "",
+            {"5 *POINT unreadable: a number for nothing", "6 text", "7 *POINT lost"}},
+        {"*POLYLINE {\n*NUM_ADD_SOUNDS -1\n*POINT 0 0 0\n}", "",
+            {"4 *NUM_ADD_SOUNDS refused: -1 of 0 to 2147483648", "5 *POINT lost"}},
+        {good + "*POLYLINE {\n*NUM_ADD_SOUNDS 3\n*ANGLE 20\n*POINT 1 x\n}", "line(3 20:)",
+            {"10 *POINT unreadable: a number for x"}},
     });
 }
 
 TEST_F(TextSettings, TheFileDecidesWhetherADefinitionLoads)
 {
     const Row rows[] = {
-        {"*FILE a.wav\n*OTHER { *FILE a.wav }", "1: "},
-        {"*SOUND_DEFINITION\n*FILE a.wav", "1: "},
-        {"*SOUND_DEFINITION { *GAIN 0.5 }", "1: gain 0.5"},
-        {"*SOUND_DEFINITION { *GAIN x\n*FILE a.wav }", "1: "},
-        {"*SOUND_DEFINITION {\n*FILE\n*GAIN 0.5\n}", "1: "},
-        {"*OTHER { *FILE b.wav }\n*SOUND_DEFINITION { *FILE c.wav }\n*GAIN 0.5", "0: c.wav"},
-        {"*SOUND_DEFINITION { *FILE a.wav }\n*SOUND_DEFINITION { *FILE b.wav }", "0: a.wav"},
+        {"*A 1\n*FILE x { *FILE a.wav }", "1: ", {"1 *A outside", "2 *FILE outside", "0 no definition"}},
+        {"*SOUND_DEFINITION\n*FILE a.wav", "1: ", {"0 no definition", "2 *FILE outside"}},
+        {"*SOUND_DEFINITION { *GAIN 0.5 }", "1: gain 0.5", {"0 no file"}},
+        {"*SOUND_DEFINITION { *GAIN x\n*FILE a.wav }",
+            "1: ", {"1 *GAIN unreadable: a number for x", "2 *FILE lost", "0 no file"}},
+        {"*OTHER { *FILE b.wav }\n*SOUND_DEFINITION { *FILE c.wav }\n*GAIN 0.5", "0: c.wav",
+            {"1 *OTHER outside", "3 *GAIN outside"}},
+        {"*SOUND_DEFINITION { *FILE a.wav }\n*SOUND_DEFINITION { *FILE b.wav }", "0: a.wav",
+            {"2 *SOUND_DEFINITION outside"}},
         {"*SOUND_DEFINITION {\n*FILE a.wav\n*FILE \"b c.wav\"\n}", "0: b c.wav"},
-        {"*SOUND_DEFINITION {\n*FILE a.wav\n*FILE\n*GAIN 0.5\n}", "1: a.wav"},
-        {"*SOUND_DEFINITION {\n*FILE a.wav\n*GAIN 0.5", "0: a.wav, gain 0.5"},
+        {"*SOUND_DEFINITION {\n*FILE a.wav\n*FILE\n*GAIN 0.5\n}", "1: a.wav",
+            {"3 *FILE unreadable: a text for nothing", "4 *GAIN lost", "0 no file"}},
+        {"*SOUND_DEFINITION {\n*FILE a.wav\n*GAIN 0.5", "0: a.wav, gain 0.5", {"3 text"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.text);
         Forget();
-        EXPECT_EQ(Load(row.text), row.expected);
+        Notebook notebook;
+        EXPECT_EQ(Load(row.text), row.settings);
+        EXPECT_EQ(notebook.remarks, row.remarks);
     }
 }
 
