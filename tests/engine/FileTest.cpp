@@ -183,7 +183,8 @@ TEST_F(Files, ThrowWhenTheSystemTellsNoLength)
         file.Size();
         FAIL() << "nothing was thrown";
     }
-    catch (const FileEx& exception) {
+    catch (const FileEx& thrown) {
+        const FileEx exception(thrown);
         EXPECT_STREQ(exception.GetMessage(), "Size() failed to get file length");
         EXPECT_STREQ(exception.GetFile(), "..\\..\\..\\Inc\\File");
         EXPECT_EQ(exception.GetLine(), 2467);
