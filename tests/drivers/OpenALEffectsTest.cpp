@@ -47,17 +47,6 @@ protected:
     OfflineRig rig;
 };
 
-TEST_F(OpenALEffects, TheyWorkOnThePcmWhateverTheBlocks)
-{
-    list.Add(SndFXEcho, echo).Add(SndFXParamEq, FXParamEq{1000, 12, 10});
-    FormulaFile& file = rig.Make({rateHz}, Sine(300, 0.1, rateHz));
-    rig.Play(file, 0, list.Get());
-    for (const unsigned long ms : {41ul, 97ul, 62ul, 200ul, 533ul}) {
-        rig.Step(ms);
-    }
-    ExpectHeard(GetSamples(file, rateHz * 933 / 1000));
-}
-
 TEST_F(OpenALEffects, TheyGoByTheRateThatAFileHasWhenItIsRead)
 {
     list.Add(SndFXEcho, echo);

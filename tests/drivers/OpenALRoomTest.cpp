@@ -69,7 +69,7 @@ protected:
         return std::hypot(heard.Level(begin, end, 0), heard.Level(begin, end, 1));
     }
 
-    /// The time in which a click of 500 Hz falls by 60 dB.
+    /// The time in which what is heard around 500 Hz falls by 60 dB.
     double MeasureDecay(size_t begin = 0) const
     {
         const Rendering heard = rig->Heard();

@@ -35,7 +35,7 @@ protected:
         // Some files are read while they play.
         SetOption("SoundCacheSize", "60000");
         for (int i = 0; i < 8; ++i) {
-            const int length = i < 2 ? 4 * rateHz : (i + 1) * rateHz / 20;
+            const int length = i < 2 ? 4 * rateHz : (i + 1) * rateHz / 40;
             names.push_back(WriteWave("s" + std::to_string(i) + ".wav", {length, rateHz, 1 + i % 2}));
         }
         for (int i = 0; i < 48; ++i) {
@@ -110,7 +110,7 @@ protected:
 
     void PlayFile()
     {
-        const int flags = DrawFlags() | (Draw(4) == 0 ? Sound::StartLooping : 0);
+        const int flags = DrawFlags() | (Draw(8) == 0 ? Sound::StartLooping : 0);
         Sound::Settings settings;
         settings.setDistance = true;
         settings.maxDistance = 8.0F;
@@ -140,7 +140,7 @@ protected:
 
     void DoSomething(int notThis = nobody)
     {
-        if (Draw(6) == 0 || running.size() < 3 * maxSounds) {
+        if (Draw(4) == 0 || running.size() < 3 * maxSounds) {
             Draw(2) ? PlayFile() : PlayBlocks();
         }
         else if (const int id = *std::next(running.begin(), Draw(static_cast<int>(running.size())));
