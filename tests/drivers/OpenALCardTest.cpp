@@ -72,23 +72,34 @@ TEST_F(OpenALCard, SoundsThatAreStoppedAndTakenUpInTheMiddleOfAWaveDoNotClick)
     ASSERT_TRUE(rig.Open(rateHz, 8, streamLength));
     for (int i = 0; i < 20; ++i) {
         SndChannel* channel = nullptr;
+        const auto play = [&] { channel = rig.Play(file); };
+        const auto stop = [&] { channel->Stop(); };
         // Within an update settings are held back to its end, outside of it they are not.
-        const auto doAround = [&](bool isWithin, const std::function<void()>& action) {
-            if (isWithin) {
-                rig.Step(40, action);
-            }
-            else {
-                action();
-            }
-        };
-        doAround(i % 2 == 0, [&] { channel = rig.Play(file); });
+        i % 2 == 0 ? rig.Step(40, play) : play();
         ASSERT_TRUE(file.WaitUntilRead(file.GetFramesRead() + rateHz / 3 + i * 41));
-        doAround(i % 3 == 0, [&] { channel->Stop(); });
+        i % 3 == 0 ? rig.Step(40, stop) : stop();
     }
     const Rendering heard = CloseAndRead();
     ASSERT_GT(heard.GetFrames(), static_cast<size_t>(20 * rateHz / 10));
     EXPECT_NEAR(heard.Level(rateHz / 10, rateHz / 5, 0), 0.8 / std::numbers::sqrt2, 0.2);
     EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 2 * 0.8 * 2 * std::numbers::pi * 97 / rateHz);
+}
+
+TEST_F(OpenALCard, HrtfIsOnIfItIsAskedFor)
+{
+    for (const char* const option : {"0", "1"}) {
+        DriverRig headphones("HarmonetOpenAL");
+        headphones.GetOptions().Set("OpenALHRTF", option);
+        ASSERT_TRUE(headphones.Open(rateHz, 8));
+        FormulaFile& click = headphones.Make({rateHz}, [](int i, int) { return i < 4 ? 0.9 : 0.0; });
+        headphones.Play(click, ChanPositional)->SetPosition({1, 0, -1});
+        ASSERT_TRUE(click.WaitUntilRead(rateHz / 2));
+        headphones.Close();
+        const Rendering heard = ReadRendering(cardPath.string());
+        const size_t left = heard.FindFirst(0.02, 0);
+        ASSERT_LT(left, heard.GetFrames());
+        EXPECT_EQ(left > heard.FindFirst(0.02, 1) + 8, option == std::string("1"));
+    }
 }
 
 /// A gap in what was heard of a sound whose height grows all the time.
