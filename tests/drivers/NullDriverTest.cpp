@@ -12,7 +12,8 @@ std::unique_ptr<DriverRig> MakeNull(int maxChannels)
     return rig;
 }
 
-INSTANTIATE_TEST_SUITE_P(Null, EveryDriver, testing::Values(MakeNull));
+INSTANTIATE_TEST_SUITE_P(
+    , EveryDriver, testing::Values(MakeNull), [](const auto&) { return std::string("Null"); });
 
 TEST(NullDriver, AnHourOfUnevenStepsReadsEverySampleFrameThatIsDueAndNoMore)
 {

@@ -78,7 +78,10 @@ using OpenALHost = testing::TestWithParam<std::pair<bool, bool>>;
 
 INSTANTIATE_TEST_SUITE_P(, OpenALHost,
     testing::Values(
-        std::pair(false, false), std::pair(false, true), std::pair(true, false), std::pair(true, true)));
+        std::pair(false, false), std::pair(false, true), std::pair(true, false), std::pair(true, true)),
+    [](const auto& given) {
+        return std::string(given.param.first ? "Rendered" : "Live") + (given.param.second ? "InAThread" : "");
+    });
 
 TEST_P(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
 {

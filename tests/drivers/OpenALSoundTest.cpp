@@ -19,7 +19,8 @@ std::unique_ptr<DriverRig> MakeOffline(int maxChannels)
     return std::make_unique<OfflineRig>(maxChannels);
 }
 
-INSTANTIATE_TEST_SUITE_P(OpenAL, EveryDriver, testing::Values(MakeOffline));
+INSTANTIATE_TEST_SUITE_P(
+    , EveryDriver, testing::Values(MakeOffline), [](const auto&) { return std::string("OpenAL"); });
 
 TEST(OpenALSound, SixteenBitsAtTheOutputsRateComeOutBitByBit)
 {
