@@ -98,6 +98,7 @@ std::string Draw(const std::vector<Quon::Vector3>& river, const std::vector<Step
     for (const Quon::Vector3& point : river)
         svg.AddCircle(point, 2.5F, "fill=\"#4292c6\"");
     std::vector<Quon::Vector3> path;
+    path.reserve(steps.size());
     for (const Step& step : steps)
         path.push_back(step.listener);
     svg.AddPath(path, "stroke=\"#888888\" stroke-width=\"1.5\"");

@@ -15,6 +15,7 @@ inline constexpr int prefetchDistance = 16;
 inline void PrefetchLine(std::uintptr_t address)
 {
 #if defined(__GNUC__)
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): it may point outside of any object.
     __builtin_prefetch(reinterpret_cast<const void*>(address));
 #else
     static_cast<void>(address);
