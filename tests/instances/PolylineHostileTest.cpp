@@ -93,29 +93,6 @@ TEST_F(PolylineHostile, AnyDistancesLeaveTheSourcesOnTheLineOrInPause)
     }
 }
 
-TEST_F(PolylineHostile, AMillionPointsAreALine)
-{
-    constexpr int count = 1000000;
-    PolylineModel::Settings settings;
-    settings.numAddSounds = 7;
-    settings.minAngle = 45.0F;
-    for (int i = 0; i < count; ++i) {
-        const auto step = static_cast<float>(i);
-        settings.points.push_back({step, 10.0F * std::sin(step * 0.01F), 10.0F * std::cos(step * 0.01F)});
-    }
-    const int id = PlayLine(settings);
-    PolylineModel model(settings);
-    for (const Vector3& listener : {Vector3{500000.0F, 0.0F, 0.0F}, Vector3{0.0F, 50.0F, 0.0F}}) {
-        Listen(listener);
-        const std::vector<Vector3>& expected = model.Move(listener);
-        const std::vector<Vector3> places = Places(id);
-        ASSERT_EQ(places.size(), expected.size());
-        ASSERT_FALSE(places.empty());
-        for (std::size_t i = 0; i < places.size(); ++i)
-            EXPECT_NEAR(places[i].x, expected[i].x, 0.1F);
-    }
-}
-
 // A tangle of pieces all around the listener gives far more candidates than fit on the stack.
 TEST_F(PolylineHostile, ThousandsOfCandidatesComeFromTheHeapAndGoBack)
 {
