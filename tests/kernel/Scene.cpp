@@ -19,22 +19,6 @@ constexpr int reactionPercent = 12;
 constexpr int numOtherObservers = 6;
 constexpr float minDistance = 1.0F;
 
-int GetMainGainKind(int number)
-{
-    constexpr int kinds[] = {0, static_cast<int>(Flag3D), static_cast<int>(FlagMusic)};
-    return kinds[number];
-}
-
-void SetMainGain(int number, float gain)
-{
-    if (number == 0)
-        SoundSystem::Set2DMainGain(gain);
-    else if (number == 1)
-        SoundSystem::Set3DMainGain(gain);
-    else
-        SoundSystem::SetMusicMainGain(gain);
-}
-
 } // namespace
 
 Scene::Scene()
@@ -45,7 +29,7 @@ Scene::Scene()
         model->files[file.name] = file;
         const PcmForm form{file.frames, file.rateHz};
         if (file.isBlock)
-            memory[file.name] = &NewBlock(file.name, form);
+            memory[file.name] = &SoundTest::NewBlock(file.name, form);
         else
             WriteWave(file.name, form);
     }
@@ -88,10 +72,176 @@ void Scene::Live(unsigned int seed, int crowd, int updates)
     }
 }
 
+int Scene::NewBlock(const std::string& block)
+{
+    MemoryBlock& data = *memory.at(block);
+    return Made(group->New2DSound(data.GetData(), data.GetSize(), &data.format));
+}
+
+bool Scene::Cat(int id, const std::string& file, bool isBlock)
+{
+    if (!isBlock)
+        return group->CatSound(ToReal(id), PString(file.c_str()), nullptr);
+    MemoryBlock& data = *memory.at(file);
+    return group->CatSound(ToReal(id), data.GetData(), data.GetSize(), &data.format);
+}
+
+void Scene::SetOwner(int id, int owner)
+{
+    SndBase* sound = Find(ToReal(id));
+    if (sound && owner)
+        sound->SetSubstName(PString(ownerName));
+}
+
+void Scene::SetInPause(int id, bool on)
+{
+    if (SndBase* sound = Find(ToReal(id)))
+        sound->SetInPause(on);
+}
+
+void Scene::SetMainGain(int kind, float gain)
+{
+    if (kind == 0)
+        SoundSystem::Set2DMainGain(gain);
+    else if (kind == Flag3D)
+        SoundSystem::Set3DMainGain(gain);
+    else
+        SoundSystem::SetMusicMainGain(gain);
+}
+
+void Scene::ActivateListener(const Vector3& position)
+{
+    auto fresh = std::make_unique<Microphone>();
+    fresh->SetPosition(position);
+    fresh->Activate();
+    microphone = std::move(fresh);
+}
+
+void Scene::MoveListener(const Vector3& position)
+{
+    if (microphone)
+        microphone->SetPosition(position);
+}
+
+template<class World>
+int Scene::PlayIn(World& world, const Action& action)
+{
+    int id;
+    if (action.kind == Action::PlayBlock)
+        id = world.NewBlock(action.file);
+    else
+        id = action.kind == Action::Play3D ? world.New3D(action.file) : world.New2D(action.file);
+    if (action.kind != Action::PlayBlock)
+        world.SetOwner(id, action.owner);
+    world.SetDistances(id, minDistance, static_cast<float>(action.number), action.owner == 0);
+    world.SetPosition(id, action.position);
+    world.SetPriority(id, action.priority);
+    world.SetDelay(id, action.ms);
+    world.SetSoundGain(id, action.value);
+    if (action.ms == 250)
+        world.SetFadeIn(id, action.ms);
+    if (!action.isOn || world.Start(id, action.flags))
+        return id;
+    world.Delete(id);
+    return 0;
+}
+
+template<class World>
+int Scene::DoIn(World& world, const Action& action)
+{
+    const int id = action.id;
+    switch (action.kind) {
+    case Action::Play2D:
+    case Action::Play3D:
+    case Action::PlayBlock:
+        return PlayIn(world, action);
+    case Action::Start:
+        return world.Start(id, action.flags);
+    case Action::Stop:
+        world.Stop(id);
+        break;
+    case Action::Delete:
+        world.Delete(id);
+        break;
+    case Action::FadeOut:
+        return world.FadeOut(id, action.ms);
+    case Action::Cat:
+        return world.Cat(id, action.file, action.isBlock);
+    case Action::Priority:
+        world.SetPriority(id, action.priority);
+        break;
+    case Action::Gain:
+        world.SetSoundGain(id, action.value);
+        break;
+    case Action::GroupGain:
+        world.SetGroupGain(action.value);
+        break;
+    case Action::MainGain:
+        world.SetMainGain(action.number, action.value);
+        break;
+    case Action::Move:
+        world.SetPosition(id, action.position);
+        break;
+    case Action::Distances:
+        world.SetDistances(id, minDistance, static_cast<float>(action.number), action.isOn);
+        break;
+    case Action::Frequency:
+        return world.SetFrequency(id, static_cast<unsigned long>(action.number));
+    case Action::Pause:
+        world.SetInPause(id, action.isOn);
+        break;
+    case Action::MusicFadeIn:
+        return world.MusicFadeIn(id, action.file, action.ms, action.isOn);
+    case Action::MusicCrossFade:
+        return world.MusicCrossFade(id, action.file, action.ms, action.isOn);
+    case Action::MusicFadeOut:
+        return world.MusicFadeOut(id, action.ms);
+    case Action::MusicStop:
+        world.MusicStop(id);
+        break;
+    case Action::MusicGain:
+        world.MusicSetGain(id, action.value);
+        break;
+    case Action::Listener:
+        world.ActivateListener(action.position);
+        break;
+    case Action::MoveListener:
+        world.MoveListener(action.position);
+        break;
+    case Action::DropListener:
+        world.DropListener();
+        break;
+    case Action::Limit:
+        world.SetLimit(action.number);
+        break;
+    case Action::ChannelLimit:
+        world.SetChannelLimit(action.number);
+        break;
+    case Action::StopAll:
+        world.StopAll();
+        break;
+    case Action::StopAll2D:
+        world.StopAll2D();
+        break;
+    case Action::StopAll3D:
+        world.StopAll3D();
+        break;
+    case Action::AddObserver:
+        world.AddObserver(id);
+        break;
+    case Action::RemoveObserver:
+        world.RemoveObserver(id);
+        break;
+    case Action::NumKinds:
+        break;
+    }
+    return 0;
+}
+
 void Scene::DoBoth(const Action& action)
 {
-    const int result = Do(action);
-    const int expected = DoInModel(action);
+    const int result = DoIn(*this, action);
+    const int expected = DoIn(*model, action);
     if (result != expected) {
         ADD_FAILURE() << where << ": action " << action.kind << " on " << action.id << " gives " << result
                       << " instead of " << expected;
@@ -108,252 +258,11 @@ void Scene::React(int idNearby, bool inModel)
         return;
     ++reactor.depth;
     const Action action = reactor.dice.DrawAction(idNearby + 5);
-    const int result = inModel ? DoInModel(action) : Do(action);
+    const int result = inModel ? DoIn(*model, action) : DoIn(*this, action);
     (inModel ? model->log : recording.lines)
         .push_back("answered with " + std::to_string(action.kind) + " on " + std::to_string(action.id) +
             ": " + std::to_string(result));
     --reactor.depth;
-}
-
-int Scene::DoPlay(const Action& action)
-{
-    const PString file(action.file.c_str());
-    int id;
-    if (action.kind == Action::PlayBlock) {
-        MemoryBlock& block = *memory.at(action.file);
-        id = group->New2DSound(block.GetData(), block.GetSize(), &block.format);
-    }
-    else {
-        id = action.kind == Action::Play3D ? group->New3DSound(file, nullptr)
-                                           : group->New2DSound(file, nullptr);
-        if (id && action.owner)
-            Find(id)->SetSubstName(PString(ownerName));
-    }
-    group->SetSoundMinMaxDistance(id, minDistance, static_cast<float>(action.number), action.owner == 0);
-    group->SetSoundPosition(id, action.position);
-    group->SetSoundPriority(id, action.priority);
-    group->SetSoundDelay(id, action.ms);
-    group->SetSoundGain(id, action.value);
-    if (action.ms == 250)
-        group->SetSoundFadeIn(id, action.ms);
-    if (!action.isOn || group->StartSound(id, action.flags))
-        return id ? ToModel(id) : 0;
-    group->DeleteSound(id);
-    return 0;
-}
-
-int Scene::PlayInModel(const Action& action)
-{
-    int id;
-    if (action.kind == Action::PlayBlock)
-        id = model->NewBlock(action.file);
-    else
-        id = action.kind == Action::Play3D ? model->New3D(action.file) : model->New2D(action.file);
-    if (action.kind != Action::PlayBlock)
-        model->SetOwner(id, action.owner);
-    model->SetDistances(id, minDistance, static_cast<float>(action.number), action.owner == 0);
-    model->SetPosition(id, action.position);
-    model->SetPriority(id, action.priority);
-    model->SetDelay(id, action.ms);
-    model->SetSoundGain(id, action.value);
-    if (action.ms == 250)
-        model->SetFadeIn(id, action.ms);
-    if (!action.isOn || model->Start(id, action.flags))
-        return id;
-    model->Delete(id);
-    return 0;
-}
-
-int Scene::Do(const Action& action)
-{
-    const int id = ToReal(action.id);
-    const PString file(action.file.c_str());
-    switch (action.kind) {
-    case Action::Play2D:
-    case Action::Play3D:
-    case Action::PlayBlock:
-        return DoPlay(action);
-    case Action::Start:
-        return group->StartSound(id, action.flags);
-    case Action::Stop:
-        group->StopSound(id);
-        return 0;
-    case Action::Delete:
-        group->DeleteSound(id);
-        return 0;
-    case Action::FadeOut:
-        return group->FadeOutSound(id, static_cast<unsigned int>(action.ms));
-    case Action::Cat:
-        if (!action.isBlock)
-            return group->CatSound(id, file, nullptr);
-        return group->CatSound(id, memory.at(action.file)->GetData(), memory.at(action.file)->GetSize(),
-            &memory.at(action.file)->format);
-    case Action::Priority:
-        group->SetSoundPriority(id, action.priority);
-        return 0;
-    case Action::Gain:
-        group->SetSoundGain(id, action.value);
-        return 0;
-    case Action::GroupGain:
-        group->SetGain(action.value);
-        return 0;
-    case Action::MainGain:
-        SetMainGain(action.number, action.value);
-        return 0;
-    case Action::Move:
-        group->SetSoundPosition(id, action.position);
-        return 0;
-    case Action::Distances:
-        group->SetSoundMinMaxDistance(id, minDistance, static_cast<float>(action.number), action.isOn);
-        return 0;
-    case Action::Frequency:
-        return group->SetFrequency(id, static_cast<unsigned long>(action.number));
-    case Action::Pause:
-        if (SndBase* sound = Find(id))
-            sound->SetInPause(action.isOn);
-        return 0;
-    case Action::MusicFadeIn:
-        return music[static_cast<std::size_t>(action.id)].FadeIn(file, action.ms, action.isOn);
-    case Action::MusicCrossFade:
-        return music[static_cast<std::size_t>(action.id)].CrossFade(file, action.ms, action.isOn);
-    case Action::MusicFadeOut:
-        return music[static_cast<std::size_t>(action.id)].FadeOut(action.ms);
-    case Action::MusicStop:
-        music[static_cast<std::size_t>(action.id)].Stop();
-        return 0;
-    case Action::MusicGain:
-        music[static_cast<std::size_t>(action.id)].SetGain(action.value);
-        return 0;
-    case Action::Listener: {
-        auto fresh = std::make_unique<Microphone>();
-        fresh->SetPosition(action.position);
-        fresh->Activate();
-        microphone = std::move(fresh);
-        return 0;
-    }
-    case Action::MoveListener:
-        if (microphone)
-            microphone->SetPosition(action.position);
-        return 0;
-    case Action::DropListener:
-        microphone.reset();
-        return 0;
-    case Action::Limit:
-        system.SetMaxAudibleSounds(static_cast<unsigned int>(action.number));
-        return 0;
-    case Action::ChannelLimit:
-        recording.channelLimit = action.number;
-        return 0;
-    case Action::StopAll:
-        SoundSystem::StopAll();
-        return 0;
-    case Action::StopAll2D:
-        SoundSystem::StopAll2D();
-        return 0;
-    case Action::StopAll3D:
-        SoundSystem::StopAll3D();
-        return 0;
-    case Action::AddObserver:
-        group->AddObserver(others[static_cast<std::size_t>(action.id - 1)].get());
-        return 0;
-    case Action::RemoveObserver:
-        group->RemoveObserver(others[static_cast<std::size_t>(action.id - 1)].get());
-        return 0;
-    case Action::NumKinds:
-        break;
-    }
-    return -1;
-}
-
-int Scene::DoInModel(const Action& action)
-{
-    switch (action.kind) {
-    case Action::Play2D:
-    case Action::Play3D:
-    case Action::PlayBlock:
-        return PlayInModel(action);
-    case Action::Start:
-        return model->Start(action.id, action.flags);
-    case Action::Stop:
-        model->Stop(action.id);
-        return 0;
-    case Action::Delete:
-        model->Delete(action.id);
-        return 0;
-    case Action::FadeOut:
-        return model->FadeOut(action.id, action.ms);
-    case Action::Cat:
-        return model->Cat(action.id, action.file, action.isBlock);
-    case Action::Priority:
-        model->SetPriority(action.id, action.priority);
-        return 0;
-    case Action::Gain:
-        model->SetSoundGain(action.id, action.value);
-        return 0;
-    case Action::GroupGain:
-        model->SetGroupGain(action.value);
-        return 0;
-    case Action::MainGain:
-        model->SetMainGain(GetMainGainKind(action.number), action.value);
-        return 0;
-    case Action::Move:
-        model->SetPosition(action.id, action.position);
-        return 0;
-    case Action::Distances:
-        model->SetDistances(action.id, minDistance, static_cast<float>(action.number), action.isOn);
-        return 0;
-    case Action::Frequency:
-        return model->SetFrequency(action.id, static_cast<unsigned long>(action.number));
-    case Action::Pause:
-        model->SetInPause(action.id, action.isOn);
-        return 0;
-    case Action::MusicFadeIn:
-        return model->MusicFadeIn(action.id, action.file, action.ms, action.isOn);
-    case Action::MusicCrossFade:
-        model->MusicFadeOut(action.id, action.ms);
-        return model->MusicFadeIn(action.id, action.file, action.ms, action.isOn);
-    case Action::MusicFadeOut:
-        return model->MusicFadeOut(action.id, action.ms);
-    case Action::MusicStop:
-        model->MusicStop(action.id);
-        return 0;
-    case Action::MusicGain:
-        model->MusicSetGain(action.id, action.value);
-        return 0;
-    case Action::Listener:
-        model->ActivateListener(action.position);
-        return 0;
-    case Action::MoveListener:
-        model->MoveListener(action.position);
-        return 0;
-    case Action::DropListener:
-        model->DropListener();
-        return 0;
-    case Action::Limit:
-        model->SetLimit(action.number);
-        return 0;
-    case Action::ChannelLimit:
-        model->channelLimit = action.number;
-        return 0;
-    case Action::StopAll:
-        model->StopAll();
-        return 0;
-    case Action::StopAll2D:
-        model->StopAll2D();
-        return 0;
-    case Action::StopAll3D:
-        model->StopAll3D();
-        return 0;
-    case Action::AddObserver:
-        model->AddObserver(action.id);
-        return 0;
-    case Action::RemoveObserver:
-        model->RemoveObserver(action.id);
-        return 0;
-    case Action::NumKinds:
-        break;
-    }
-    return -1;
 }
 
 void Scene::ReadInBoth(SceneDice& dice)
@@ -390,7 +299,7 @@ void Scene::RunDriverEvent(const UpdateModel::DriverEvent& event)
     if (event.isEnd)
         recording.End(event.channel);
     else if (found->second.channel->GetSndFile()->GetNext())
-        recording.Send(recording.StepFile(event.channel));
+        recording.StepFile(event.channel);
 }
 
 void Scene::UpdateBoth(float seconds)

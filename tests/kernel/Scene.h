@@ -103,10 +103,10 @@ private:
 
     void TestBody() override {}
     // The results say whether it went well, or what id there is now.
-    int Do(const Action& action);
-    int DoPlay(const Action& action);
-    int DoInModel(const Action& action);
-    int PlayInModel(const Action& action);
+    template<class World>
+    int DoIn(World& world, const Action& action);
+    template<class World>
+    int PlayIn(World& world, const Action& action);
     void DoBoth(const Action& action);
     void React(int idNearby, bool inModel);
     void ReadInBoth(SceneDice& dice);
@@ -120,6 +120,52 @@ private:
     std::string DescribeInModel(int id) const;
     int ToReal(int id) const { return id + names->GetLastIDBefore(); }
     int ToModel(int id) const { return id - names->GetLastIDBefore(); }
+    int Made(int id) const { return id ? ToModel(id) : 0; }
+
+    // The game's side of the real system, under the model's names and with its ids.
+    int New2D(const std::string& file) { return Made(group->New2DSound(PString(file.c_str()), nullptr)); }
+    int New3D(const std::string& file) { return Made(group->New3DSound(PString(file.c_str()), nullptr)); }
+    int NewBlock(const std::string& block);
+    bool Start(int id, int flags) { return group->StartSound(ToReal(id), flags); }
+    void Stop(int id) { group->StopSound(ToReal(id)); }
+    void Delete(int id) { group->DeleteSound(ToReal(id)); }
+    bool FadeOut(int id, int ms) { return group->FadeOutSound(ToReal(id), static_cast<unsigned int>(ms)); }
+    bool Cat(int id, const std::string& file, bool isBlock);
+    void SetPriority(int id, int priority) { group->SetSoundPriority(ToReal(id), priority); }
+    void SetDelay(int id, int ms) { group->SetSoundDelay(ToReal(id), ms); }
+    void SetFadeIn(int id, int ms) { group->SetSoundFadeIn(ToReal(id), ms); }
+    void SetSoundGain(int id, float gain) { group->SetSoundGain(ToReal(id), gain); }
+    void SetGroupGain(float gain) { group->SetGain(gain); }
+    void SetPosition(int id, const Vector3& position) { group->SetSoundPosition(ToReal(id), position); }
+    void SetDistances(int id, float nearest, float farthest, bool cutout)
+    {
+        group->SetSoundMinMaxDistance(ToReal(id), nearest, farthest, cutout);
+    }
+    bool SetFrequency(int id, unsigned long hz) { return group->SetFrequency(ToReal(id), hz); }
+    void SetOwner(int id, int owner);
+    void SetInPause(int id, bool on);
+    static void SetMainGain(int kind, float gain);
+    void SetLimit(int count) { system.SetMaxAudibleSounds(static_cast<unsigned int>(count)); }
+    void SetChannelLimit(int count) { recording.channelLimit = count; }
+    static void StopAll() { SoundSystem::StopAll(); }
+    static void StopAll2D() { SoundSystem::StopAll2D(); }
+    static void StopAll3D() { SoundSystem::StopAll3D(); }
+    void AddObserver(int number) { group->AddObserver(others.at(number - 1).get()); }
+    void RemoveObserver(int number) { group->RemoveObserver(others.at(number - 1).get()); }
+    bool MusicFadeIn(int handle, const std::string& file, int ms, bool loop)
+    {
+        return music[handle].FadeIn(PString(file.c_str()), ms, loop);
+    }
+    bool MusicCrossFade(int handle, const std::string& file, int ms, bool loop)
+    {
+        return music[handle].CrossFade(PString(file.c_str()), ms, loop);
+    }
+    bool MusicFadeOut(int handle, int ms) { return music[handle].FadeOut(ms); }
+    void MusicStop(int handle) { music[handle].Stop(); }
+    void MusicSetGain(int handle, float gain) { music[handle].SetGain(gain); }
+    void ActivateListener(const Vector3& position);
+    void MoveListener(const Vector3& position);
+    void DropListener() { microphone.reset(); }
 
     struct Reactor
     {
@@ -137,7 +183,7 @@ private:
     std::unique_ptr<Reactor> reactors[2];
     std::vector<std::unique_ptr<LoggingObserver>> others;
     std::map<std::string, MemoryBlock*> memory;
-    std::array<Music, 2> music;
+    Music music[2];
 };
 
 } // namespace Quon

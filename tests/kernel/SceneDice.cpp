@@ -134,6 +134,7 @@ void SceneDice::DrawDetails(Action& action)
     static const char* const names[] = {
         "a.wav", "b.wav", "c.wav", "d.wav", "block1", "block2", "empty.wav", "missing.wav"};
     static const unsigned long rates[] = {0, 99, 500, 2000, 44100};
+    static const std::uint32_t gainKinds[] = {0, Flag3D, FlagMusic};
     action.file = Pick(*this, names);
     action.isBlock = action.file.starts_with("block");
     action.flags = (Chance(50) ? Sound::StartImmediately : 0) | (Chance(10) ? Sound::StartLooping : 0);
@@ -157,7 +158,7 @@ void SceneDice::DrawDetails(Action& action)
         action.id = 1 + Draw(6);
         break;
     case Action::MainGain:
-        action.number = Draw(3);
+        action.number = static_cast<int>(Pick(*this, gainKinds));
         break;
     case Action::Frequency:
         action.number = static_cast<int>(Pick(*this, rates));

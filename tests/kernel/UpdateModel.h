@@ -81,7 +81,6 @@ public:
     Lines log;
     /// What the first observer does about a note.
     std::function<void(const Note&)> react;
-    int channelLimit = 1 << 30; ///< Of the driver.
     /// What the real id of a sound is above the model's: the table goes by real ids.
     int idOffset = 0;
 
@@ -107,6 +106,7 @@ public:
     void SetInPause(int id, bool on);
     void SetMainGain(int kind, float gain); ///< 0, 1 and 8.
     void SetLimit(int count) { maxAudible = count; }
+    void SetChannelLimit(int count) { channelLimit = count; } ///< Of the driver.
     void StopAll();
     void StopAll2D();
     void StopAll3D();
@@ -114,6 +114,7 @@ public:
     void RemoveObserver(int number);
 
     bool MusicFadeIn(int handle, const std::string& fileName, int ms, bool loop);
+    bool MusicCrossFade(int handle, const std::string& fileName, int ms, bool loop);
     bool MusicFadeOut(int handle, int ms);
     void MusicStop(int handle);
     void MusicSetGain(int handle, float gain);
@@ -164,7 +165,7 @@ private:
     void RemoveFromTable(int id);
     std::vector<int> GetTableOrder() const;
     void DeleteMatching(const std::function<bool(const ModelSound&)>& matches);
-    void StopListed(ModelList& list, const std::function<bool(const ModelSound&)>& matches);
+    void StopListed(const std::function<bool(const ModelSound&)>& matches);
     void Refresh(const std::function<bool(const ModelSound&)>& matches);
     void Notify(const std::string& line, const Note& note);
     ModelSoundPtr FindMusic(int handle) const;
@@ -236,7 +237,7 @@ private:
     std::vector<Observer> observers = {{0, true}};
     int notifyDepth = 0;
     float groupGain = 1.0F;
-    std::array<Music, 2> music;
+    Music music[2];
     std::map<int, float> mainGains = {{0, 1.0F}, {1, 1.0F}, {8, 1.0F}};
 
     bool hasListener = false;
@@ -245,6 +246,7 @@ private:
     bool listenerChanged = true;
     unsigned long elapsed = 0;
     int maxAudible = 20;
+    int channelLimit = 1 << 30;
     bool useMultiplier = true;
     bool isOnItsWay = false; ///< An update is behind its third step.
     bool refusesSounds = false;

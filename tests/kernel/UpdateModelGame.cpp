@@ -259,13 +259,15 @@ void UpdateModel::SetInPause(int id, bool on)
         sound->flags = on ? sound->flags | FlagInPause : sound->flags & ~FlagInPause;
 }
 
-void UpdateModel::StopListed(ModelList& list, const std::function<bool(const ModelSound&)>& matches)
+void UpdateModel::StopListed(const std::function<bool(const ModelSound&)>& matches)
 {
-    for (const ModelSoundPtr& sound : Snapshot(list)) {
-        if (!Find(sound->id) || !IsOn(list, sound->id) || !matches(*sound) || sound->isTold)
-            continue;
-        TakeOffLists(sound->id);
-        Destroy(sound);
+    for (ModelList* list : {&playing, &emulated, &waiting}) {
+        for (const ModelSoundPtr& sound : Snapshot(*list)) {
+            if (!Find(sound->id) || !IsOn(*list, sound->id) || !matches(*sound) || sound->isTold)
+                continue;
+            TakeOffLists(sound->id);
+            Destroy(sound);
+        }
     }
 }
 
@@ -287,8 +289,7 @@ void UpdateModel::DeleteMatching(const std::function<bool(const ModelSound&)>& m
 void UpdateModel::StopAll()
 {
     const auto isAny = [](const ModelSound&) { return true; };
-    for (ModelList* list : {&playing, &emulated, &waiting})
-        StopListed(*list, isAny);
+    StopListed(isAny);
     // What observers have started in answer ends too, and then they can start no more.
     const bool refusedBefore = std::exchange(refusesSounds, true);
     DeleteMatching(isAny);
@@ -298,16 +299,14 @@ void UpdateModel::StopAll()
 void UpdateModel::StopAll2D()
 {
     const auto is2D = [](const ModelSound& sound) { return !sound.Has(Flag3D | FlagMusic); };
-    for (ModelList* list : {&playing, &emulated, &waiting})
-        StopListed(*list, is2D);
+    StopListed(is2D);
     DeleteMatching(is2D);
 }
 
 void UpdateModel::StopAll3D()
 {
     const auto is3D = [](const ModelSound& sound) { return sound.Has(Flag3D); };
-    for (ModelList* list : {&playing, &emulated, &waiting})
-        StopListed(*list, is3D);
+    StopListed(is3D);
     DeleteMatching(is3D);
 }
 
@@ -345,7 +344,7 @@ void UpdateModel::Notify(const std::string& line, const Note& note)
 
 ModelSoundPtr UpdateModel::FindMusic(int handle) const
 {
-    return Find(music[static_cast<std::size_t>(handle)].id);
+    return Find(music[handle].id);
 }
 
 bool UpdateModel::MusicFadeIn(int handle, const std::string& fileName, int ms, bool loop)
@@ -373,14 +372,20 @@ bool UpdateModel::MusicFadeIn(int handle, const std::string& fileName, int ms, b
     if (loop)
         sound->flags |= FlagLooping;
     sound->fileName = fileName;
-    music[static_cast<std::size_t>(handle)].id = sound->id;
+    music[handle].id = sound->id;
     SetGain(*sound, -1.0F);
     sound->isNew = isOnItsWay;
     if (StartChannel(sound))
         return true;
-    music[static_cast<std::size_t>(handle)].id = 0;
+    music[handle].id = 0;
     Destroy(sound);
     return false;
+}
+
+bool UpdateModel::MusicCrossFade(int handle, const std::string& fileName, int ms, bool loop)
+{
+    MusicFadeOut(handle, ms);
+    return MusicFadeIn(handle, fileName, ms, loop);
 }
 
 bool UpdateModel::MusicFadeOut(int handle, int ms)
@@ -397,7 +402,7 @@ void UpdateModel::MusicStop(int handle)
 
 void UpdateModel::MusicSetGain(int handle, float gain)
 {
-    music[static_cast<std::size_t>(handle)].gain = gain;
+    music[handle].gain = gain;
     if (const ModelSoundPtr sound = FindMusic(handle))
         SetGain(*sound, -1.0F);
 }

@@ -206,7 +206,7 @@ void UpdateModel::NotifyEnd(ModelSound& sound)
     if (!sound.Has(FlagPlaying)) {
         Notify("begin" + who, {Note::Begin, sound.id});
         const int length = static_cast<int>(static_cast<std::uint32_t>(sound.soundLength));
-        Notify("abort" + who + ' ' + std::to_string(length), {Note::Abort, sound.id, length});
+        Notify("abort" + who + ' ' + std::to_string(length), {Note::Abort, sound.id});
         return;
     }
     std::uint32_t left = 0;
@@ -220,7 +220,7 @@ void UpdateModel::NotifyEnd(ModelSound& sound)
         left += static_cast<std::uint32_t>(GetQueueLength(sound));
     const int remaining = static_cast<int>(left);
     if (remaining != 0)
-        Notify("abort" + who + ' ' + std::to_string(remaining), {Note::Abort, sound.id, remaining});
+        Notify("abort" + who + ' ' + std::to_string(remaining), {Note::Abort, sound.id});
     else
         Notify("end" + who, {Note::End, sound.id});
 }
@@ -257,8 +257,7 @@ void UpdateModel::CloseFile(ModelSound& sound, const ModelFile& file)
     if (!file.isBlock || !sound.hasGroup)
         return;
     const bool wasTold = std::exchange(sound.isTold, true);
-    Note note{Note::Free, sound.id};
-    Notify("free #" + std::to_string(sound.id) + ' ' + file.name, note);
+    Notify("free #" + std::to_string(sound.id) + ' ' + file.name, {Note::Free, sound.id});
     sound.isTold = wasTold;
 }
 
@@ -300,7 +299,7 @@ unsigned long UpdateModel::GetRemainLength(const ModelSound& sound) const
 float UpdateModel::GetOutputGain(const ModelSound& sound) const
 {
     if (sound.Has(FlagMusic))
-        return music[static_cast<std::size_t>(sound.musicHandle)].gain * mainGains.at(8) * sound.gain;
+        return music[sound.musicHandle].gain * mainGains.at(8) * sound.gain;
     return groupGain * mainGains.at(sound.Has(Flag3D) ? 1 : 0) * sound.gain;
 }
 

@@ -42,6 +42,14 @@ bool WarmUp()
     return system.Init(&os, false);
 }
 
+float ToSeconds(int ms)
+{
+    float seconds = static_cast<float>(ms) / 1000.0F;
+    while (static_cast<double>(seconds) * 1000.0 < ms)
+        seconds = std::nextafter(seconds, std::numeric_limits<float>::infinity());
+    return seconds;
+}
+
 } // namespace
 
 Recording& GetRecording()
@@ -81,14 +89,6 @@ HostTest::HostTest()
     , root(folder)
 {
     NameDriver(os);
-}
-
-float HostTest::ToSeconds(int ms)
-{
-    float seconds = static_cast<float>(ms) / 1000.0F;
-    while (static_cast<double>(seconds) * 1000.0 < ms)
-        seconds = std::nextafter(seconds, std::numeric_limits<float>::infinity());
-    return seconds;
 }
 
 void HostTest::Step(int ms)

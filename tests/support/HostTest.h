@@ -54,7 +54,6 @@ protected:
     /// One game frame of so many milliseconds, none lost to rounding.
     void Step(int ms);
     void StepTimes(int times, int ms);
-    static float ToSeconds(int ms);
 
     /// Writes a wave file into the folder; returns its name.
     PString WriteWave(const std::string& name, const PcmForm& form);

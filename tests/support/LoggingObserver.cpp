@@ -43,7 +43,7 @@ void LoggingObserver::OnSoundAbort(int soundID, const PString& fileName, int rem
 {
     Tell("abort " + names.GetName(soundID) + ' ' + std::string(fileName.GetView()) + ' ' +
             std::to_string(remaining),
-        {Note::Abort, soundID, remaining});
+        {Note::Abort, soundID});
 }
 
 void LoggingObserver::OnSoundEnd(int soundID, const PString& fileName)
@@ -53,7 +53,7 @@ void LoggingObserver::OnSoundEnd(int soundID, const PString& fileName)
 
 void LoggingObserver::OnBufferFree(int soundID, void* buffer)
 {
-    Tell("free " + names.GetName(soundID) + ' ' + names.GetName(buffer), {Note::Free, soundID, 0, buffer});
+    Tell("free " + names.GetName(soundID) + ' ' + names.GetName(buffer), {Note::Free, soundID});
 }
 
 void LoggingObserver::OnShutDown()

@@ -38,8 +38,6 @@ struct Note
 
     Kind kind;
     int id = 0;
-    int remaining = 0; ///< Of Abort.
-    void* block = nullptr; ///< Of Free.
 };
 
 /// Writes what it is told into the recording driver's log, so that calls and notifications stand there in

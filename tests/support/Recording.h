@@ -34,7 +34,6 @@ struct ChannelRecord
         FadingOut
     };
 
-    int number = 0; ///< Counts the channels of a driver, from 1.
     SndChannel* channel = nullptr;
     unsigned int flags = 0;
     State state = Made;
@@ -71,7 +70,7 @@ public:
     std::vector<std::function<void()>> atBegin;
     std::vector<std::function<void()>> atEnd;
 
-    // What the driver has. Numbers of channels that are over find nothing.
+    // What the driver has: its channels by their numbers, which count from 1. Those that are over are gone.
 
     std::map<int, ChannelRecord> channels;
     int maxChannels = 0; ///< As told by SetMaxChannels().
@@ -81,14 +80,10 @@ public:
     /// Reads up to so many sample frames from the channel's file, and from its start again if the channel
     /// loops; returns how many there were. Stays on the file.
     virtual int Read(int channel, int sampleFrames) = 0;
-    /// Goes on to the next file of the channel's queue, as a driver's own thread would, and returns the event
-    /// that is due.
-    virtual SndFileChange StepFile(int channel) = 0;
-    virtual void Send(SndFileChange change) = 0;
+    /// Goes on to the next file of the channel's queue, as a driver's own thread would, and reports it.
+    virtual void StepFile(int channel) = 0;
     /// Reports that the channel has ended, and forgets it.
     virtual void End(int channel) = 0;
-    /// Sends any event as it stands.
-    virtual void Send(int event, void* data) = 0;
     /// Forgets the log and all that was set.
     virtual void Reset() = 0;
 

@@ -11,7 +11,6 @@ RecordingChannel::RecordingChannel(int newNumber, unsigned int flags, SndFile* f
 {
     sndFile = file;
     ChannelRecord& record = recording.channels[number];
-    record.number = number;
     record.channel = this;
     record.flags = flags;
 }

@@ -33,7 +33,7 @@ int RecordingState::Read(int channel, int sampleFrames)
     return read;
 }
 
-SndFileChange RecordingState::StepFile(int channel)
+void RecordingState::StepFile(int channel)
 {
     SndChannel* const stepping = channels.at(channel).channel;
     stepping->Lock();
@@ -41,7 +41,8 @@ SndFileChange RecordingState::StepFile(int channel)
     SndFile* const newFile = oldFile->GetNext();
     stepping->SetSndFile(newFile);
     stepping->Unlock();
-    return {stepping, newFile, oldFile};
+    SndFileChange change{stepping, newFile, oldFile};
+    driver->Send(SndFileChanged, &change);
 }
 
 void RecordingState::End(int channel)
@@ -49,12 +50,7 @@ void RecordingState::End(int channel)
     SndChannel* const ended = channels.at(channel).channel;
     // Nobody may call it from here on.
     channels.erase(channel);
-    Send(SndChannelEnded, ended);
-}
-
-void RecordingState::Send(int event, void* data)
-{
-    driver->Send(event, data);
+    driver->Send(SndChannelEnded, ended);
 }
 
 void RecordingState::Reset()

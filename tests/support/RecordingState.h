@@ -15,10 +15,8 @@ class RecordingState final : public Recording
 {
 public:
     int Read(int channel, int sampleFrames) override;
-    SndFileChange StepFile(int channel) override;
-    void Send(SndFileChange change) override { Send(SndFileChanged, &change); }
+    void StepFile(int channel) override;
     void End(int channel) override;
-    void Send(int event, void* data) override;
     void Reset() override;
 
     void Add(std::string line) { lines.push_back(std::move(line)); }

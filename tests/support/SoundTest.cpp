@@ -47,11 +47,6 @@ MemoryBlock& SoundTest::NewBlock(const std::string& name, const PcmForm& form)
     return *blocks.back();
 }
 
-int SoundTest::PlayBlock(MemoryBlock& block, int flags)
-{
-    return group->Play2DSound(block.GetData(), block.GetSize(), &block.format, flags, 0, 0);
-}
-
 Ids SoundTest::GetIds(const SndList& list)
 {
     Ids ids;
@@ -91,16 +86,16 @@ int SoundTest::ChannelOf(int id) const
     return 0;
 }
 
-void SoundTest::StepWithEnd(int channel, int ms)
+void SoundTest::StepWithEnd(int channel)
 {
     recording.atEnd.push_back([this, channel] { recording.End(channel); });
-    Step(ms);
+    Step(40);
 }
 
-void SoundTest::StepWithNextFile(int channel, int ms)
+void SoundTest::StepWithNextFile(int channel)
 {
-    recording.atEnd.push_back([this, channel] { recording.Send(recording.StepFile(channel)); });
-    Step(ms);
+    recording.atEnd.push_back([this, channel] { recording.StepFile(channel); });
+    Step(40);
 }
 
 } // namespace Quon

@@ -32,7 +32,6 @@ protected:
     int Play3D(const PString& file, float x, int flags = 0, int priority = 0, float maxDistance = 100.0F);
     /// Prepares a block of memory that is called `name` in the log.
     MemoryBlock& NewBlock(const std::string& name, const PcmForm& form);
-    int PlayBlock(MemoryBlock& block, int flags);
 
     /// The sounds that hold a channel, those that run without one, and those that wait: ids, the least
     /// important first.
@@ -45,9 +44,9 @@ protected:
     int ChannelOf(int id) const;
 
     /// An update in which the driver reports the end of a channel.
-    void StepWithEnd(int channel, int ms = 40);
+    void StepWithEnd(int channel);
     /// An update in which the driver reports that the channel has gone on to the next file of its queue.
-    void StepWithNextFile(int channel, int ms = 40);
+    void StepWithNextFile(int channel);
 
 private:
     static Ids GetIds(const SndList& list);
