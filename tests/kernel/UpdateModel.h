@@ -171,7 +171,7 @@ private:
     ModelSoundPtr FindMusic(int handle) const;
 
     // UpdateModelSounds.cpp
-    ModelFilePtr Open(const ModelSound& sound) const;
+    ModelFilePtr Open(ModelSound& sound) const;
     ModelSoundPtr FindLike(const ModelSound& sound) const;
     bool PlaySound(const ModelSoundPtr& sound);
     bool StartChannel(const ModelSoundPtr& sound);

@@ -141,12 +141,9 @@ bool UpdateModel::Cat(int id, const std::string& fileName, bool isBlock)
     if (sound->Has(FlagPlaying) && !sound->Has(FlagQueued))
         return false;
     sound->flags |= FlagQueued;
-    if (!sound->file) {
-        sound->file = Open(*sound);
-        if (!sound->file)
-            return false;
-        sound->soundLength = sound->file->GetLength();
-    }
+    sound->file = Open(*sound);
+    if (!sound->file)
+        return false;
     const auto found = files.find(fileName);
     if (found == files.end() || found->second.isBlock != isBlock ||
         found->second.rateHz != sound->file->rateHz)

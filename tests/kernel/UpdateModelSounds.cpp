@@ -20,10 +20,16 @@ int ModelFile::Skip(int count)
     return skipped;
 }
 
-ModelFilePtr UpdateModel::Open(const ModelSound& sound) const
+// The file that the sound has, or else the one that it names, whose length it then knows.
+ModelFilePtr UpdateModel::Open(ModelSound& sound) const
 {
+    if (sound.file)
+        return sound.file;
     const auto found = files.find(sound.fileName);
-    return found != files.end() ? std::make_shared<ModelFile>(found->second) : nullptr;
+    if (found == files.end())
+        return nullptr;
+    sound.soundLength = found->second.GetLength();
+    return std::make_shared<ModelFile>(found->second);
 }
 
 ModelSoundPtr UpdateModel::FindLike(const ModelSound& sound) const
@@ -48,7 +54,6 @@ bool UpdateModel::PlaySound(const ModelSoundPtr& sound)
             sound->file = Open(*sound);
             if (!sound->file)
                 return false;
-            sound->soundLength = sound->file->GetLength();
         }
     }
     if (sound->Has(FlagImmediately) && !sound->Has(FlagInPause)) {
@@ -93,13 +98,9 @@ bool UpdateModel::StartChannel(const ModelSoundPtr& sound)
         flags |= ChanLooping;
     if (sound->Has(FlagChgFrequency))
         flags |= ChanChgFrequency;
-    ModelFilePtr file = sound->file;
-    if (!file) {
-        file = Open(*sound);
-        if (!file)
-            return false;
-        sound->soundLength = file->GetLength();
-    }
+    const ModelFilePtr file = Open(*sound);
+    if (!file)
+        return false;
     const std::string what = std::to_string(flags) + ' ' + (file->isBlock ? "memory" : file->name) + '@' +
         std::to_string(file->current) + " fx";
     if (static_cast<int>(channels.size()) >= channelLimit) {
@@ -129,13 +130,9 @@ bool UpdateModel::StartChannel(const ModelSoundPtr& sound)
 
 bool UpdateModel::EmulateSound(const ModelSoundPtr& sound)
 {
-    ModelFilePtr file = sound->file;
-    if (!file) {
-        file = Open(*sound);
-        if (!file)
-            return false;
-        sound->soundLength = file->GetLength();
-    }
+    const ModelFilePtr file = Open(*sound);
+    if (!file)
+        return false;
     Play(sound, file);
     const bool goesOn = Emulate(sound);
     if (goesOn)
