@@ -49,14 +49,11 @@ TEST_F(Snd3DTest, TheRangeHasABandInWhichASoundStaysAsItIs)
     };
     const float justAbove1 = 1.000004F;
     const Row rows[] = {
-        {{0.0F, 0.0F, 0.0F}, true, FlagDistLTMax},
         {{std::nextafter(10.0F, 0.0F), 0.0F, 0.0F}, true, FlagDistLTMax},
         {{10.0F, 0.0F, 0.0F}, true, 0},
-        {{0.0F, -10.0F, 1.0F}, true, 0},
         {{10.0F, 1.0F, -1.0F}, true, 0},
         {{10.0F, 1.0F, justAbove1}, true, FlagDistGTMax},
         {{10.0F, 1.0F, justAbove1}, false, FlagDistLTMax},
-        {{1.0e15F, 0.0F, 0.0F}, false, FlagDistLTMax},
         {{1.0e30F, 0.0F, 0.0F}, true, FlagDistGTMax},
     };
     EXPECT_EQ(100.0F * 1.02F, 102.0F);

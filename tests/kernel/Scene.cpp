@@ -232,8 +232,6 @@ int Scene::DoIn(World& world, const Action& action)
     case Action::RemoveObserver:
         world.RemoveObserver(id);
         break;
-    case Action::NumKinds:
-        break;
     }
     return 0;
 }

@@ -45,8 +45,7 @@ struct Action
         StopAll2D,
         StopAll3D,
         AddObserver,
-        RemoveObserver,
-        NumKinds
+        RemoveObserver
     };
 
     Kind kind = Play2D;

@@ -10,39 +10,15 @@ namespace
 {
 
 // How often each kind of action comes up, as against the others.
-constexpr int weights[Action::NumKinds] = {
-    12, // Play2D
-    12, // Play3D
-    5, // PlayBlock
-    6, // Start
-    14, // Stop
-    5, // Delete
-    8, // FadeOut
-    10, // Cat
-    8, // Priority
-    5, // Gain
-    1, // GroupGain
-    1, // MainGain
-    14, // Move
-    4, // Distances
-    4, // Frequency
-    4, // Pause
-    3, // MusicFadeIn
-    3, // MusicCrossFade
-    2, // MusicFadeOut
-    1, // MusicStop
-    1, // MusicGain
-    2, // Listener
-    8, // MoveListener
-    2, // DropListener
-    4, // Limit
-    2, // ChannelLimit
-    0, // StopAll, which is rare
-    0, // StopAll2D
-    0, // StopAll3D
-    4, // AddObserver
-    4, // RemoveObserver
-};
+// Those that end all sounds are rarer than any of these.
+constexpr std::pair<Action::Kind, int> weights[] = {{Action::Play2D, 12}, {Action::Play3D, 12},
+    {Action::PlayBlock, 5}, {Action::Start, 6}, {Action::Stop, 14}, {Action::Delete, 5}, {Action::FadeOut, 8},
+    {Action::Cat, 10}, {Action::Priority, 8}, {Action::Gain, 5}, {Action::GroupGain, 1},
+    {Action::MainGain, 1}, {Action::Move, 14}, {Action::Distances, 4}, {Action::Frequency, 4},
+    {Action::Pause, 4}, {Action::MusicFadeIn, 3}, {Action::MusicCrossFade, 3}, {Action::MusicFadeOut, 2},
+    {Action::MusicStop, 1}, {Action::MusicGain, 1}, {Action::Listener, 2}, {Action::MoveListener, 8},
+    {Action::DropListener, 2}, {Action::Limit, 4}, {Action::ChannelLimit, 2}, {Action::AddObserver, 4},
+    {Action::RemoveObserver, 4}};
 
 template<class Value, std::size_t count>
 const Value& Pick(SceneDice& dice, const Value (&values)[count])
@@ -91,13 +67,15 @@ Action SceneDice::DrawAction(int lastID)
         return action;
     }
     int total = 0;
-    for (int weight : weights)
+    for (const auto& [kind, weight] : weights)
         total += weight;
     int place = Draw(total);
-    int kind = 0;
-    while (place >= weights[kind])
-        place -= weights[kind++];
-    action.kind = static_cast<Action::Kind>(kind);
+    for (const auto& [kind, weight] : weights) {
+        action.kind = kind;
+        place -= weight;
+        if (place < 0)
+            break;
+    }
     if (action.kind <= Action::PlayBlock)
         return DrawPlay();
     // The young ones are those that live, for the most part.

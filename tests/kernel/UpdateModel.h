@@ -108,8 +108,14 @@ public:
     void SetLimit(int count) { maxAudible = count; }
     void SetChannelLimit(int count) { channelLimit = count; } ///< Of the driver.
     void StopAll();
-    void StopAll2D();
-    void StopAll3D();
+    void StopAll2D()
+    {
+        StopMatching([](const ModelSound& sound) { return !sound.Has(Flag3D | FlagMusic); });
+    }
+    void StopAll3D()
+    {
+        StopMatching([](const ModelSound& sound) { return sound.Has(Flag3D); });
+    }
     void AddObserver(int number);
     void RemoveObserver(int number);
 
@@ -166,6 +172,11 @@ private:
     std::vector<int> GetTableOrder() const;
     void DeleteMatching(const std::function<bool(const ModelSound&)>& matches);
     void StopListed(const std::function<bool(const ModelSound&)>& matches);
+    void StopMatching(const std::function<bool(const ModelSound&)>& matches)
+    {
+        StopListed(matches);
+        DeleteMatching(matches);
+    }
     void Refresh(const std::function<bool(const ModelSound&)>& matches);
     void Notify(const std::string& line, const Note& note);
     ModelSoundPtr FindMusic(int handle) const;

@@ -256,18 +256,6 @@ void UpdateModel::SetInPause(int id, bool on)
         sound->flags = on ? sound->flags | FlagInPause : sound->flags & ~FlagInPause;
 }
 
-void UpdateModel::StopListed(const std::function<bool(const ModelSound&)>& matches)
-{
-    for (ModelList* list : {&playing, &emulated, &waiting}) {
-        for (const ModelSoundPtr& sound : Snapshot(*list)) {
-            if (!Find(sound->id) || !IsOn(*list, sound->id) || !matches(*sound) || sound->isTold)
-                continue;
-            TakeOffLists(sound->id);
-            Destroy(sound);
-        }
-    }
-}
-
 void UpdateModel::DeleteMatching(const std::function<bool(const ModelSound&)>& matches)
 {
     std::vector<ModelSoundPtr> doomed;
@@ -283,6 +271,18 @@ void UpdateModel::DeleteMatching(const std::function<bool(const ModelSound&)>& m
     }
 }
 
+void UpdateModel::StopListed(const std::function<bool(const ModelSound&)>& matches)
+{
+    for (ModelList* list : {&playing, &emulated, &waiting}) {
+        for (const ModelSoundPtr& sound : Snapshot(*list)) {
+            if (!Find(sound->id) || !IsOn(*list, sound->id) || !matches(*sound) || sound->isTold)
+                continue;
+            TakeOffLists(sound->id);
+            Destroy(sound);
+        }
+    }
+}
+
 void UpdateModel::StopAll()
 {
     const auto isAny = [](const ModelSound&) { return true; };
@@ -291,20 +291,6 @@ void UpdateModel::StopAll()
     const bool refusedBefore = std::exchange(refusesSounds, true);
     DeleteMatching(isAny);
     refusesSounds = refusedBefore;
-}
-
-void UpdateModel::StopAll2D()
-{
-    const auto is2D = [](const ModelSound& sound) { return !sound.Has(Flag3D | FlagMusic); };
-    StopListed(is2D);
-    DeleteMatching(is2D);
-}
-
-void UpdateModel::StopAll3D()
-{
-    const auto is3D = [](const ModelSound& sound) { return sound.Has(Flag3D); };
-    StopListed(is3D);
-    DeleteMatching(is3D);
 }
 
 void UpdateModel::AddObserver(int number)

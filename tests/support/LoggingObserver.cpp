@@ -34,21 +34,24 @@ void LoggingObserver::Tell(const std::string& line, const Note& note)
         reaction(note);
 }
 
+std::string LoggingObserver::Describe(int soundID, const PString& fileName) const
+{
+    return names.GetName(soundID) + ' ' + std::string(fileName.GetView());
+}
+
 void LoggingObserver::OnSoundBegin(int soundID, const PString& fileName)
 {
-    Tell("begin " + names.GetName(soundID) + ' ' + std::string(fileName.GetView()), {Note::Begin, soundID});
+    Tell("begin " + Describe(soundID, fileName), {Note::Begin, soundID});
 }
 
 void LoggingObserver::OnSoundAbort(int soundID, const PString& fileName, int remaining)
 {
-    Tell("abort " + names.GetName(soundID) + ' ' + std::string(fileName.GetView()) + ' ' +
-            std::to_string(remaining),
-        {Note::Abort, soundID});
+    Tell("abort " + Describe(soundID, fileName) + ' ' + std::to_string(remaining), {Note::Abort, soundID});
 }
 
 void LoggingObserver::OnSoundEnd(int soundID, const PString& fileName)
 {
-    Tell("end " + names.GetName(soundID) + ' ' + std::string(fileName.GetView()), {Note::End, soundID});
+    Tell("end " + Describe(soundID, fileName), {Note::End, soundID});
 }
 
 void LoggingObserver::OnBufferFree(int soundID, void* buffer)

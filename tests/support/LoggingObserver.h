@@ -58,6 +58,7 @@ public:
 
 private:
     void Tell(const std::string& line, const Note& note);
+    std::string Describe(int soundID, const PString& fileName) const;
 
     const SoundNames& names;
     const std::string prefix;
