@@ -85,7 +85,10 @@ public:
     {
         forbiddenTouches += forbidden;
         Dawdle();
-        sampleFrequency = trueRateHz > 0 ? trueRateHz : sampleFrequency;
+        // Only then: the game's thread may ask for the rate meanwhile.
+        if (trueRateHz > 0) {
+            sampleFrequency = trueRateHz;
+        }
         const int readEnd = currentSample < pauseAt ? std::min(pauseAt, dataEnd) : dataEnd;
         const int given = std::clamp(readEnd - currentSample, 0, samples);
         for (int i = 0; i < given; ++i) {
