@@ -54,6 +54,7 @@ public:
         : driver(std::move(newDriver))
     {
     }
+    virtual ~DriverRig() = default;
     DriverRig(const DriverRig&) = delete;
     DriverRig& operator=(const DriverRig&) = delete;
 

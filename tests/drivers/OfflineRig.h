@@ -43,7 +43,7 @@ public:
 
     /// Opens the driver. `hrtf` is the option "OpenALHRTF"; null: not set.
     explicit OfflineRig(int maxChannels = 8, int outputRateHz = rateHz, const char* hrtf = nullptr);
-    ~OfflineRig();
+    ~OfflineRig() override;
 
     /// All that has been rendered so far. It goes on being rendered.
     Rendering Heard() const { return ReadRendering(path); }
