@@ -157,7 +157,9 @@ TEST_F(MpegFiles, AnOpenedReaderCanBeOpenedOnAnotherFile)
     folder.Write("two", ReadStream("mono-16000.mp3"));
     SndFileMP3 file;
     ASSERT_TRUE(file.OpenHandle(openFiles.Acquire(owner, "one")));
-    ReadAll(file, frame);
+    // Only in part, so that more of it has been read ahead.
+    Bytes buffer(frame * 4);
+    EXPECT_GT(file.ReadSamples(buffer.data(), frame), 0);
     ASSERT_TRUE(file.OpenHandle(openFiles.Acquire(owner, "two")));
     EXPECT_EQ(openFiles.GetCount(), 1);
     EXPECT_EQ(file.GetSampleFrequency(), 16000);
