@@ -38,52 +38,9 @@ protected:
     Music music;
 };
 
-// With a fade still on its way, the new piece's end leaves the instance with a file that is at its end.
-TEST_F(MusicTest, ANewPieceCanEndBeforeTheFadeOfTheOldOneAndAThirdBegin)
-{
-    music.Play("a", true);
-    music.CrossFade("b", 10000, false);
-    const int id = LastId();
-    StepWithEnd(2);
-    ASSERT_EQ(Playing(), (Ids{id}));
-    TakeLog();
-    EXPECT_TRUE(music.Play("c", false));
-    EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 1", "CreateChannel c3 0 c@0 fx", "c3 Play"}));
-    EXPECT_EQ(Playing(), (Ids{id}));
-    Step(40);
-}
-
-TEST_F(MusicTest, AGainIsClampedAndKeptWithoutAPiece)
-{
-    const std::pair<float, float> gains[] = {
-        {2.0F, 1.0F}, {-0.5F, 0.0F}, {0.75F, 0.75F}, {std::numeric_limits<float>::quiet_NaN(), 0.75F}};
-    for (const auto& [given, kept] : gains) {
-        music.SetGain(given);
-        EXPECT_EQ(music.GetGain(), kept) << given;
-    }
-    system.Done();
-    music.SetGain(0.5F);
-    EXPECT_EQ(music.GetGain(), 0.5F);
-}
-
-TEST_F(MusicTest, TheKernelEndsPiecesAndTheHandleMayOutliveIt)
-{
-    music.Play("a", true);
-    SoundSystem::StopAll2D();
-    EXPECT_EQ(Playing().size(), 1U);
-    SoundSystem::StopAll();
-    EXPECT_EQ(Playing().size(), 0U);
-    music.Play("a", true);
-    system.Done();
-    EXPECT_FALSE(music.Play("a", true));
-    EXPECT_FALSE(music.FadeOut(1));
-    EXPECT_FALSE(music.CrossFade("a", 1, true));
-    EXPECT_EQ(music.GetRemainLength(), 0U);
-    music.Stop();
-}
-
-// A piece looks for its gain in the handle that started it, which can be assigned another and go.
-TEST_F(MusicTest, APieceWhoseHandleWasAssignedAnotherPlaysOn)
+// A handle may outlive the system, and its piece the handle: a piece looks for its gain in the handle that
+// started it, which can be assigned another and go.
+TEST_F(MusicTest, HandlesPiecesAndTheKernelOutliveOneAnother)
 {
     auto handle = std::make_unique<Music>();
     handle->SetGain(0.5F);
@@ -97,7 +54,21 @@ TEST_F(MusicTest, APieceWhoseHandleWasAssignedAnotherPlaysOn)
     TakeLog();
     SoundSystem::SetMusicMainGain(0.25F);
     EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 0.25"}));
-    SoundSystem::SetMusicMainGain(1.0F);
+    SoundSystem::StopAll2D();
+    EXPECT_EQ(Playing(), (Ids{left}));
+    SoundSystem::StopAll();
+    EXPECT_EQ(Playing(), Ids());
+    music.Play("a", true);
+    system.Done();
+    EXPECT_FALSE(music.Play("a", true) || music.FadeOut(1) || music.CrossFade("a", 1, true));
+    EXPECT_EQ(music.GetRemainLength(), 0U);
+    music.Stop();
+    const std::pair<float, float> gains[] = {
+        {2.0F, 1.0F}, {-0.5F, 0.0F}, {0.75F, 0.75F}, {std::numeric_limits<float>::quiet_NaN(), 0.75F}};
+    for (const auto& [given, kept] : gains) {
+        music.SetGain(given);
+        EXPECT_EQ(music.GetGain(), kept) << given;
+    }
 }
 
 /// Pieces that are named by resources.
@@ -121,35 +92,22 @@ TEST_F(MusicResources, ADefinitionGivesFileGainLoopAndEffectsAndNothingElse)
     music.Stop();
     EXPECT_TRUE(music.FadeIn("once.sound", &database, 70, false));
     EXPECT_EQ(TakeLog(), (Lines{"c1 Stop", "CreateChannel c2 0 b@0 fx", "c2 FadeIn 70", "c2 Play"}));
-}
-
-// The new piece's own gain is set before it has its channel, and so reaches the one that fades out as well.
-TEST_F(MusicResources, ACrossFadeToADefinitionSetsItsGainOnBothChannels)
-{
-    EXPECT_TRUE(music.Play("b", false));
-    TakeLog();
+    // The new piece's own gain is set before it has its channel, and so reaches the one that fades out too.
     EXPECT_TRUE(music.CrossFade("theme.sound", &database, 300, false));
     EXPECT_EQ(TakeLog(),
-        (Lines{"c1 FadeOut 300", "c1 SetGain 0.5", "CreateChannel c2 2 a@0 fx 3 7", "c2 FadeIn 300",
-            "c2 SetGain 0.5", "c2 Play"}));
+        (Lines{"c2 FadeOut 300", "c2 SetGain 0.5", "CreateChannel c3 2 a@0 fx 3 7", "c3 FadeIn 300",
+            "c3 SetGain 0.5", "c3 Play"}));
     // A block of effects takes the place of the one before; a plain file leaves gain and effects as they are.
     EXPECT_TRUE(music.CrossFade("theme.sound", &database, 300, false));
     TakeLog();
     EXPECT_TRUE(music.CrossFade("c", 300, false));
-    EXPECT_EQ(TakeLog({"CreateChannel", "c4"}),
-        (Lines{"CreateChannel c4 0 c@0 fx 3 7", "c4 FadeIn 300", "c4 SetGain 0.5", "c4 Play"}));
-}
-
-TEST_F(MusicResources, AResourceThatCannotBeHadEndsAFadingPiece)
-{
-    EXPECT_FALSE(music.Play("missing.sound", &database, false));
-    EXPECT_FALSE(music.Play("missing", false));
+    EXPECT_EQ(TakeLog({"CreateChannel", "c5"}),
+        (Lines{"CreateChannel c5 0 c@0 fx 3 7", "c5 FadeIn 300", "c5 SetGain 0.5", "c5 Play"}));
+    // What cannot be had ends a fading piece.
     folder.Write("bad.sound", "*SOUND_DEFINITION { *GAIN 1 }");
-    music.Play("a", true);
-    TakeLog();
     EXPECT_FALSE(music.CrossFade("bad.sound", &database, 300, true));
-    EXPECT_EQ(TakeLog(), (Lines{"c1 FadeOut 300", "c1 Stop"}));
     EXPECT_TRUE(Playing().empty());
+    EXPECT_FALSE(music.Play("missing.sound", &database, false));
 }
 
 } // namespace

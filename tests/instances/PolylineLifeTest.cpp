@@ -47,94 +47,71 @@ TEST_F(PolylineLife, NothingIsMadeWithoutPointsOrAResource)
     EXPECT_EQ(group->New3DSound(nullptr, 2, file, nullptr, 1, 90.0F), 0);
     EXPECT_EQ(group->New3DSound(points, 0, file, nullptr, 1, 90.0F), 0);
     EXPECT_EQ(group->New3DSound(points, 2, "missing.wav", &database, 1, 90.0F), 0);
-    const int id = group->New2DSound(file, nullptr);
-    EXPECT_EQ(names->GetName(id), "#2"); // One id was lost to the missing resource, and no sound was left.
-    EXPECT_EQ(Find(id - 1), nullptr);
+    EXPECT_EQ(Find(names->GetLastIDBefore() + 1), nullptr);
 }
 
 // Each source begins a thousand samples behind the one before, so that they are out of phase.
-TEST_F(PolylineLife, TheCopiesPlayTheSameDataOutOfPhase)
+TEST_F(PolylineLife, TheCopiesPlayOutOfPhaseAndStandStillWithoutAChannelWhileTheyAreNotNeeded)
 {
     file = WriteWave("long", {10000});
     const int id = PlayLine(LineOfThree());
     Listen(nearby);
     for (int rank = 0; rank < 3; ++rank)
         EXPECT_EQ(GetSource(id, rank).GetSndFile()->GetCurrentSample(), 1000 * rank) << rank;
-}
-
-TEST_F(PolylineLife, SourcesThatAreNotNeededGiveTheirChannelsBackAndStandStill)
-{
-    const int id = PlayLine(LineOfThree());
-    Listen(nearby);
     Step(40);
-    recording.Read(ChannelOf(SourceIds(id)[0]), 77);
     Listen({0.0F, 0.0F, 1000.0F});
     EXPECT_TRUE(Playing().empty());
     EXPECT_EQ(Emulated().size(), 4U);
     StepTimes(5, 100);
-    EXPECT_EQ(GetSource(id, 0).GetSndFile()->GetCurrentSample(), 77);
+    EXPECT_EQ(GetSource(id, 1).GetSndFile()->GetCurrentSample(), 1000);
     Listen(nearby);
     EXPECT_EQ(Playing().size(), 3U);
 }
 
 TEST_F(PolylineLife, SettingsGoToAllSources)
 {
-    const int id = PlayLine(LineOfThree());
+    const int id = Make(LineOfThree());
     group->SetSoundPriority(id, 7);
     group->SetSoundGain(id, 0.5F);
     group->SetSoundMinMaxDistance(id, 3.0F, 33.0F, false);
     Find(id)->SetDelay(9);
+    EXPECT_TRUE(group->SetFrequency(id, 2000));
+    group->BindSoundAxisToDirection(id, 2);
     for (int rank = 0; rank < 3; ++rank) {
         SCOPED_TRACE(rank);
-        const Snd3D& source = GetSource(id, rank);
+        Snd3D& source = GetSource(id, rank);
         EXPECT_EQ(source.GetPriority(), 7);
         EXPECT_EQ(source.GetGain(), rank == 0 ? 0.5F : 0.25F);
         EXPECT_EQ(source.GetMinDistance(), 3.0F);
         EXPECT_EQ(source.GetMaxDistance(), 33.0F);
         EXPECT_FALSE(source.GetCutout());
         EXPECT_EQ(source.GetDelay(), 9);
+        EXPECT_EQ(source.GetNewFrequency(), 2000U);
+        source.SetCone(10.0F, 20.0F, 0.5F);
     }
     EXPECT_EQ(group->GetSoundPriority(id, 0), 7);
     EXPECT_EQ(group->GetSoundGain(id), 0.5F);
     EXPECT_EQ(Find(id)->GetDelay(), 9);
+    // A rate is changed only if all sources take it.
+    FXGargle gargle{20, 0};
+    EXPECT_TRUE(group->SetFXGargle(SourceIds(id)[1], &gargle));
+    EXPECT_FALSE(group->SetFrequency(id, 3000));
+    EXPECT_EQ(GetSource(id, 2).GetNewFrequency(), 3000U);
+    // Neither a place nor a parent is the line's to have.
+    Particle world;
+    EXPECT_FALSE(group->AttachSound(id, &world, PString()));
+    group->SetSoundPosition(id, {1.0F, 2.0F, 3.0F});
+    EXPECT_EQ(group->GetSoundPosition(id), origin);
+
+    ASSERT_TRUE(group->StartSound(id, 0));
+    Listen(nearby);
+    EXPECT_EQ(TakeLog({"c1 SetDirection", "c2 SetDirection", "c3 SetDirection"}),
+        (Lines{"c1 SetDirection 0 1 0", "c2 SetDirection 0 1 0", "c3 SetDirection 0 1 0"}));
     // 3 x 30 is the reach now, in place of 100.
     Listen({0.0F, 0.0F, 89.0F});
     EXPECT_FALSE(Places(id).empty());
     Listen({0.0F, 0.0F, 91.0F});
     EXPECT_TRUE(Places(id).empty());
-}
-
-TEST_F(PolylineLife, ARateIsChangedOnlyIfAllSourcesTakeIt)
-{
-    const int id = Make(LineOfThree());
-    EXPECT_TRUE(group->SetFrequency(id, 2000));
-    EXPECT_EQ(GetSource(id, 2).GetNewFrequency(), 2000U);
-    FXGargle gargle{20, 0};
-    EXPECT_TRUE(group->SetFXGargle(SourceIds(id)[1], &gargle));
-    EXPECT_FALSE(group->SetFrequency(id, 3000));
-    EXPECT_EQ(GetSource(id, 2).GetNewFrequency(), 3000U);
-}
-
-TEST_F(PolylineLife, TheAxisGoesToTheSources)
-{
-    const int id = Make(LineOfThree());
-    for (int rank = 0; rank < 3; ++rank)
-        GetSource(id, rank).SetCone(10.0F, 20.0F, 0.5F);
-    group->BindSoundAxisToDirection(id, 2);
-    ASSERT_TRUE(group->StartSound(id, 0));
-    Listen(nearby);
-    EXPECT_EQ(TakeLog({"c1 SetDirection", "c2 SetDirection", "c3 SetDirection"}),
-        (Lines{"c1 SetDirection 0 1 0", "c2 SetDirection 0 1 0", "c3 SetDirection 0 1 0"}));
-}
-
-TEST_F(PolylineLife, PlaceConeAndParentOfALineAreRefused)
-{
-    const int id = Make(LineOfThree());
-    Particle world;
-    EXPECT_FALSE(group->AttachSound(id, &world, PString()));
-    group->SetSoundPosition(id, {1.0F, 2.0F, 3.0F});
-    EXPECT_EQ(group->GetSoundPosition(id), origin);
-    EXPECT_EQ(group->GetSoundPlaces(group->New2DSound(file, nullptr), nullptr, 0), 0);
 }
 
 TEST_F(PolylineLife, ASourceThatEndsIsForgottenAndTheOthersMoveUp)
@@ -147,32 +124,17 @@ TEST_F(PolylineLife, ASourceThatEndsIsForgottenAndTheOthersMoveUp)
     EXPECT_EQ(SourceIds(id), (Ids{before[1], before[2]}));
     Listen(nearby);
     EXPECT_EQ(GetSource(id, 0).GetGlobalPosition(), origin);
-    for (const int source : SourceIds(id))
-        group->StopSound(source);
+    // More than one at once, while they are still counted as placed.
+    group->StopSound(before[2]);
+    group->StopSound(before[1]);
+    group->SetSoundGain(id, 0.3F);
     TakeLog();
     Step(40);
     EXPECT_NE(Find(id), nullptr); // Noticed when the listener moves next.
-    Listen({0.0F, 0.0F, 6.0F});
+    Listen({0.0F, 0.0F, 1000.0F});
     Listen(nearby);
     EXPECT_EQ(Find(id), nullptr);
     EXPECT_EQ(TakeLog({"begin", "abort", "end"}), (Lines{"abort #2 w -1"}));
-}
-
-TEST_F(PolylineLife, AllSourcesGoneAtOnceWhilePlacedDoNotTrouble)
-{
-    const int id = PlayLine(LineOfThree());
-    Listen(nearby);
-    const Ids sources = SourceIds(id);
-    group->StopSound(sources[2]);
-    group->StopSound(sources[1]);
-    group->SetSoundGain(id, 0.3F); // Notices that they are gone; three are still counted as placed.
-    EXPECT_EQ(SourceIds(id), (Ids{sources[0]}));
-    Listen({0.0F, 0.0F, 1000.0F});
-    EXPECT_EQ(Find(id)->IsPolyline(), true);
-    group->StopSound(sources[0]);
-    Listen({0.0F, 0.0F, 999.0F});
-    Listen(nearby);
-    EXPECT_EQ(Find(id), nullptr);
 }
 
 TEST_F(PolylineLife, EveryWayToEndALineEndsItsSources)
@@ -181,37 +143,29 @@ TEST_F(PolylineLife, EveryWayToEndALineEndsItsSources)
     {
         const char* name;
         std::function<void(int)> end;
-        Lines heard;
+        bool isTold;
     };
     const EndRow rows[] = {
-        {"stop", [this](int id) { group->StopSound(id); }, {"abort #2 w -1"}},
-        {"delete", [this](int id) { group->DeleteSound(id); }, {}},
-        {"fade out", [this](int id) { EXPECT_FALSE(group->FadeOutSound(id, 100)); }, {"abort #2 w -1"}},
-        {"stop all", [](int) { SoundSystem::StopAll(); }, {"abort #2 w -1"}},
-        {"stop all 3D", [](int) { SoundSystem::StopAll3D(); }, {"abort #2 w -1"}},
+        {"stop", [this](int id) { group->StopSound(id); }, true},
+        {"delete", [this](int id) { group->DeleteSound(id); }, false},
+        {"fade out", [this](int id) { EXPECT_FALSE(group->FadeOutSound(id, 100)); }, true},
+        {"stop all", [](int) { SoundSystem::StopAll(); }, true},
+        {"stop all 3D", [](int) { SoundSystem::StopAll3D(); }, true},
     };
     for (const EndRow& row : rows) {
         SCOPED_TRACE(row.name);
-        names = std::make_unique<SoundNames>();
-        LoggingObserver heard(*names);
-        group->RemoveObserver(observer.get());
-        group->AddObserver(&heard);
         const int id = PlayLine(LineOfThree());
         Listen(nearby);
         Listen({0.0F, 0.0F, 6.0F});
         TakeLog();
         row.end(id);
-        EXPECT_EQ(TakeLog({"begin", "abort", "end"}), row.heard);
+        EXPECT_EQ(TakeLog({"begin", "abort", "end"}),
+            row.isTold ? Lines{"abort " + names->GetName(id) + " w -1"} : Lines());
         for (int gone = id - 1; gone <= id + 2; ++gone)
             EXPECT_EQ(Find(gone), nullptr) << gone - id;
-        group->RemoveObserver(&heard);
     }
-}
-
-TEST_F(PolylineLife, TheEndOfTheGroupAndOfTheSystemEndLinesInAnyState)
-{
+    // Those of the group and of the system end lines in any state.
     Make(LineOfThree());
-    PlayLine(LineOfThree());
     const int placed = PlayLine(LineOfThree());
     Listen(nearby);
     Sound other;
@@ -223,8 +177,9 @@ TEST_F(PolylineLife, TheEndOfTheGroupAndOfTheSystemEndLinesInAnyState)
 }
 
 // The handler is called in the midst of starting the source, which goes with the line.
-TEST_F(PolylineLife, ALineCannotBeEndedWhileOneOfItsSourcesIsToldOf)
+TEST_F(PolylineLife, ALineCannotBeEndedWhileOneOfItsSourcesIsToldOfButAnotherCan)
 {
+    const int other = PlayLine(LineOfThree());
     const int id = PlayLine(LineOfThree());
     bool wasAsked = false;
     observer->react = [&](const Note& note) {
@@ -238,6 +193,7 @@ TEST_F(PolylineLife, ALineCannotBeEndedWhileOneOfItsSourcesIsToldOf)
     };
     Listen(nearby);
     EXPECT_TRUE(wasAsked);
+    EXPECT_EQ(Find(other), nullptr);
     EXPECT_NE(Find(id), nullptr);
     observer->react = nullptr;
     Listen({0.0F, 0.0F, 6.0F});
@@ -245,19 +201,6 @@ TEST_F(PolylineLife, ALineCannotBeEndedWhileOneOfItsSourcesIsToldOf)
     EXPECT_EQ(GetLine(id).GetNumSounds(), 1);
     group->StopSound(id);
     EXPECT_EQ(Find(id), nullptr);
-}
-
-TEST_F(PolylineLife, AHandlerMayEndOneLineWhileAnotherIsToldOf)
-{
-    const int first = PlayLine(LineOfThree());
-    const int second = PlayLine(LineOfThree());
-    observer->react = [&](const Note& note) {
-        if (note.kind == Note::Begin && note.id == second + 1)
-            group->StopSound(first);
-    };
-    Listen(nearby);
-    EXPECT_EQ(Find(first), nullptr);
-    EXPECT_EQ(GetLine(second).GetNumSounds(), 3);
 }
 
 /// Lines from definitions.
@@ -293,63 +236,44 @@ TEST_F(PolylineResources, ADefinitionWithALineMakesOneUnlessPointsAreGiven)
     EXPECT_EQ(Places(given), (std::vector<Vector3>{{0.0F, 0.0F, 100.0F}}));
 }
 
-// What a line's sources bring along from the resource is dropped at the start.
-TEST_F(PolylineResources, TheSourcesHaveTheEffectsThatWereSetOnTheLine)
+// What a line's sources bring along from the resource is dropped at the start. A block moves with each record
+// that is added to it: whoever holds it must not be left with the old one; the address sanitizer looks on.
+TEST_F(PolylineResources, TheSourcesHaveTheEffectsOfTheLineWheneverTheyAreSet)
 {
     const int id = group->New3DSound("river.sound", &database);
     FXEcho echo{};
-    EXPECT_FALSE(group->GetFXEcho(id, &echo));
-    EXPECT_EQ(GetSource(id, 2).GetThisFXList().GetNumEffects(), 1U);
-    const FXGargle gargle{30, 1};
-    EXPECT_TRUE(group->SetFXGargle(id, &gargle));
-    ASSERT_TRUE(group->StartSound(id, 0));
-    Listen(nearby);
-    EXPECT_EQ(TakeLog({"CreateChannel"}),
-        (Lines{"CreateChannel c1 7 w@0 fx 7", "CreateChannel c2 7 w@0 fx 7", "CreateChannel c3 7 w@0 fx 7"}));
-    for (int rank = 0; rank < 3; ++rank) {
-        SCOPED_TRACE(rank);
-        FXGargle read{};
-        EXPECT_FALSE(GetSource(id, rank).GetFXEcho(&echo));
-        EXPECT_TRUE(GetSource(id, rank).GetFXGargle(&read));
-        EXPECT_EQ(read.rateHz, 30);
-    }
-}
-
-// A block moves with each record that is added to it. Whoever holds it must not be left with the old one; the
-// address sanitizer looks on.
-TEST_F(PolylineResources, EffectsAddedAtAnyTimeLeaveNobodyWithABlockThatIsGone)
-{
-    const int id = group->New3DSound("river.sound", &database);
-    const FXGargle gargle{30, 1};
+    FXGargle gargle{30, 1};
     const FXChorus chorus{};
     const FXEnvReverbSourceProperties properties{};
-    const auto readAll = [&] {
+    EXPECT_FALSE(group->GetFXEcho(id, &echo));
+    EXPECT_EQ(GetSource(id, 2).GetThisFXList().GetNumEffects(), 1U);
+    const auto expectGargle = [&] {
         for (const int source : SourceIds(id)) {
             FXGargle read{};
-            FXEnvReverbSourceProperties readProperties{};
-            group->GetFXGargle(source, &read);
-            group->GetFXEnvReverbSourceProperties(source, &readProperties);
+            EXPECT_TRUE(group->GetFXGargle(source, &read));
+            EXPECT_EQ(read.rateHz, 30);
         }
     };
     // A source of its own list while the others share.
     EXPECT_TRUE(group->SetFXChorus(SourceIds(id)[1], &chorus));
-    readAll();
     EXPECT_TRUE(group->SetFXGargle(id, &gargle));
     folder.Remove("w");
     EXPECT_FALSE(group->StartSound(id, 0));
-    EXPECT_TRUE(group->SetFXChorus(id, &chorus));
-    readAll();
     WriteWave("w", {1000});
     EXPECT_TRUE(group->StartSound(id, 0));
     Listen(nearby);
+    EXPECT_EQ(TakeLog({"CreateChannel"}),
+        (Lines{"CreateChannel c1 7 w@0 fx 7", "CreateChannel c2 7 w@0 fx 7", "CreateChannel c3 7 w@0 fx 7"}));
+    expectGargle();
     EXPECT_FALSE(group->SetFXChorus(id, &chorus));
     group->SetFXEnvReverbSourceProperties(id, &properties);
     group->SetFXEnvReverbSourceProperties(SourceIds(id)[0], &properties);
-    readAll();
+    expectGargle();
     Listen({0.0F, 0.0F, 1000.0F});
     Listen(nearby);
     group->StopSound(SourceIds(id)[0]);
-    readAll();
+    Listen({0.0F, 0.0F, 6.0F});
+    expectGargle();
     group->StopSound(id);
 }
 
