@@ -16,13 +16,127 @@ namespace
 
 constexpr int maxReactionDepth = 3;
 constexpr int reactionPercent = 12;
-constexpr int numOtherObservers = 6;
-constexpr float minDistance = 1.0F;
+
+/// What can be done in either world.
+class Deed
+{
+public:
+    /// `newWeight` tells how often it comes up, as against the others.
+    template<class Do>
+    Deed(const char* newName, int newWeight, Do act)
+        : name(newName)
+        , weight(newWeight)
+        , inReal([act](Scene& scene, const Action& action) { return CallFor(act, scene, action); })
+        , inModel([act](UpdateModel& model, const Action& action) { return CallFor(act, model, action); })
+    {
+    }
+
+    /// The result says whether it went well, or what id there is now.
+    int In(Scene& scene, const Action& action) const { return inReal(scene, action); }
+    int In(UpdateModel& model, const Action& action) const { return inModel(model, action); }
+
+    const char* name;
+    int weight;
+
+private:
+    template<class Do, class World>
+    static int CallFor(Do act, World& world, const Action& action)
+    {
+        if constexpr (std::is_void_v<decltype(act(world, action))>)
+            return act(world, action), 0;
+        else
+            return act(world, action);
+    }
+
+    std::function<int(Scene&, const Action&)> inReal;
+    std::function<int(UpdateModel&, const Action&)> inModel;
+};
+
+template<class World>
+int Play(World& world, const Action& action)
+{
+    constexpr float minDistance = 1.0F;
+    auto& group = world.GetGroup();
+    const bool isBlock = action.made == Action::Block;
+    const int id = isBlock               ? world.NewBlock(action.file)
+        : action.made == Action::Sound3D ? world.New3D(action.file)
+                                         : world.New2D(action.file);
+    if (!isBlock)
+        world.SetOwner(id, action.owner);
+    group.SetSoundMinMaxDistance(id, minDistance, action.maxDistance, action.owner == 0);
+    group.SetSoundPosition(id, action.position);
+    group.SetSoundPriority(id, action.priority);
+    group.SetSoundDelay(id, action.ms);
+    group.SetSoundGain(id, action.gain);
+    if (action.ms == 250)
+        group.SetSoundFadeIn(id, action.ms);
+    if (!action.isOn || group.StartSound(id, action.flags))
+        return id;
+    group.DeleteSound(id);
+    return 0;
+}
+
+/// By weight, and with an action's details. Those that end all sounds are rarer than any other: see
+/// DrawAction.
+const Deed deeds[] = {
+    {"play", 29, [](auto& world, auto& with) { return Play(world, with); }},
+    {"start", 6, [](auto& world, auto& with) { return world.GetGroup().StartSound(with.id, with.flags); }},
+    {"stop", 14, [](auto& world, auto& with) { world.GetGroup().StopSound(with.id); }},
+    {"delete", 5, [](auto& world, auto& with) { world.GetGroup().DeleteSound(with.id); }},
+    {"fade out", 8, [](auto& world, auto& with) { return world.GetGroup().FadeOutSound(with.id, with.ms); }},
+    {"append", 10, [](auto& world, auto& with) { return world.Cat(with.id, with.file, with.isBlock); }},
+    {"priority", 8,
+        [](auto& world, auto& with) { world.GetGroup().SetSoundPriority(with.id, with.priority); }},
+    {"gain", 5, [](auto& world, auto& with) { world.GetGroup().SetSoundGain(with.id, with.gain); }},
+    {"group gain", 1, [](auto& world, auto& with) { world.GetGroup().SetGain(with.gain); }},
+    {"main gain", 1, [](auto& world, auto& with) { world.SetMainGain(with.gainKind, with.gain); }},
+    {"move", 14, [](auto& world, auto& with) { world.GetGroup().SetSoundPosition(with.id, with.position); }},
+    {"distances", 4,
+        [](auto& world, auto& with) {
+            world.GetGroup().SetSoundMinMaxDistance(with.id, 1.0F, with.maxDistance, with.isOn);
+        }},
+    {"rate", 4, [](auto& world, auto& with) { return world.GetGroup().SetFrequency(with.id, with.hz); }},
+    {"pause", 4, [](auto& world, auto& with) { world.SetInPause(with.id, with.isOn); }},
+    {"music fade-in", 3,
+        [](auto& world, auto& with) {
+            return world.MusicFadeIn(with.handle, with.musicFile, with.ms, with.isOn);
+        }},
+    {"music cross-fade", 3,
+        [](auto& world, auto& with) {
+            return world.MusicCrossFade(with.handle, with.musicFile, with.ms, with.isOn);
+        }},
+    {"music fade-out", 2, [](auto& world, auto& with) { return world.MusicFadeOut(with.handle, with.ms); }},
+    {"music stop", 1, [](auto& world, auto& with) { world.MusicStop(with.handle); }},
+    {"music gain", 1, [](auto& world, auto& with) { world.MusicSetGain(with.handle, with.gain); }},
+    {"listener", 2, [](auto& world, auto& with) { world.ActivateListener(with.position); }},
+    {"move listener", 8, [](auto& world, auto& with) { world.MoveListener(with.position); }},
+    {"drop listener", 2, [](auto& world, auto&) { world.DropListener(); }},
+    {"limit", 4, [](auto& world, auto& with) { world.SetLimit(with.limit); }},
+    {"channel limit", 2, [](auto& world, auto& with) { world.SetChannelLimit(with.channelLimit); }},
+    {"add observer", 4, [](auto& world, auto& with) { world.AddObserver(with.observer); }},
+    {"remove observer", 4, [](auto& world, auto& with) { world.RemoveObserver(with.observer); }},
+    {"stop all", 0, [](auto& world, auto&) { world.StopAll(); }},
+    {"stop all 2D", 0, [](auto& world, auto&) { world.StopAll2D(); }},
+    {"stop all 3D", 0, [](auto& world, auto&) { world.StopAll3D(); }},
+};
+
+std::string Describe(const ModelSound& sound)
+{
+    std::ostringstream text;
+    text << '#' << sound.id << std::hex << " flags " << sound.flags << " distance "
+         << std::bit_cast<std::uint32_t>(sound.distSqr) << " multiplier "
+         << std::bit_cast<std::uint32_t>(sound.multiplier) << std::dec << " state " << sound.stateTime
+         << " delay " << sound.delay << " length " << sound.soundLength << " channel " << sound.channel
+         << " fading " << sound.fadeOutChannel << " files";
+    for (ModelFilePtr file = sound.file; file; file = file->next)
+        text << ' ' << file->current << '/' << file->frames;
+    return text.str();
+}
 
 } // namespace
 
 Scene::Scene()
-    : model(std::make_unique<UpdateModel>())
+    : model(std::make_unique<UpdateModel>(names->GetLastIDBefore()))
 {
     File::AddRoot(PString(ownerName), folder.GetPath().c_str());
     for (const ModelFile& file : SceneDice::GetFiles()) {
@@ -35,10 +149,9 @@ Scene::Scene()
     }
     for (int number = 1; number <= numOtherObservers; ++number)
         others.push_back(std::make_unique<LoggingObserver>(*names, 'o' + std::to_string(number) + ' '));
-    model->idOffset = names->GetLastIDBefore();
     model->ActivateListener(origin);
     model->log.clear();
-    observer->react = [this](const Note& note) { React(ToModel(note.id), false); };
+    observer->react = [this](const Note& note) { React(note.id, false); };
     model->react = [this](const Note& note) { React(note.id, true); };
 }
 
@@ -63,7 +176,7 @@ void Scene::Live(unsigned int seed, int crowd, int updates)
         for (int plays = dice.Draw(std::max(missing, 3)) + (update == 0 ? missing : 0); plays > 0; --plays)
             DoBoth(dice.DrawPlay());
         for (int actions = dice.Draw(12); actions > 0 && !HasFailure(); --actions)
-            DoBoth(dice.DrawAction(model->GetLastID()));
+            DoBoth(DrawAction(dice, model->GetLastID()));
         ReadInBoth(dice);
         DrawDriverEvents(dice);
         UpdateBoth(lengths[dice.Draw(8)]);
@@ -75,31 +188,31 @@ void Scene::Live(unsigned int seed, int crowd, int updates)
 int Scene::NewBlock(const std::string& block)
 {
     MemoryBlock& data = *memory.at(block);
-    return Made(group->New2DSound(data.GetData(), data.GetSize(), &data.format));
+    return group->New2DSound(data.GetData(), data.GetSize(), &data.format);
 }
 
 bool Scene::Cat(int id, const std::string& file, bool isBlock)
 {
     if (!isBlock)
-        return group->CatSound(ToReal(id), PString(file.c_str()), nullptr);
+        return group->CatSound(id, PString(file.c_str()), nullptr);
     MemoryBlock& data = *memory.at(file);
-    return group->CatSound(ToReal(id), data.GetData(), data.GetSize(), &data.format);
+    return group->CatSound(id, data.GetData(), data.GetSize(), &data.format);
 }
 
 void Scene::SetOwner(int id, int owner)
 {
-    SndBase* sound = Find(ToReal(id));
+    SndBase* sound = Find(id);
     if (sound && owner)
         sound->SetSubstName(PString(ownerName));
 }
 
 void Scene::SetInPause(int id, bool on)
 {
-    if (SndBase* sound = Find(ToReal(id)))
+    if (SndBase* sound = Find(id))
         sound->SetInPause(on);
 }
 
-void Scene::SetMainGain(int kind, float gain)
+void Scene::SetMainGain(std::uint32_t kind, float gain)
 {
     if (kind == 0)
         SoundSystem::Set2DMainGain(gain);
@@ -123,126 +236,34 @@ void Scene::MoveListener(const Vector3& position)
         microphone->SetPosition(position);
 }
 
-template<class World>
-int Scene::PlayIn(World& world, const Action& action)
+Action Scene::DrawAction(SceneDice& dice, int lastID) const
 {
-    int id;
-    if (action.kind == Action::PlayBlock)
-        id = world.NewBlock(action.file);
-    else
-        id = action.kind == Action::Play3D ? world.New3D(action.file) : world.New2D(action.file);
-    if (action.kind != Action::PlayBlock)
-        world.SetOwner(id, action.owner);
-    world.SetDistances(id, minDistance, static_cast<float>(action.number), action.owner == 0);
-    world.SetPosition(id, action.position);
-    world.SetPriority(id, action.priority);
-    world.SetDelay(id, action.ms);
-    world.SetSoundGain(id, action.value);
-    if (action.ms == 250)
-        world.SetFadeIn(id, action.ms);
-    if (!action.isOn || world.Start(id, action.flags))
-        return id;
-    world.Delete(id);
-    return 0;
-}
-
-template<class World>
-int Scene::DoIn(World& world, const Action& action)
-{
-    const int id = action.id;
-    switch (action.kind) {
-    case Action::Play2D:
-    case Action::Play3D:
-    case Action::PlayBlock:
-        return PlayIn(world, action);
-    case Action::Start:
-        return world.Start(id, action.flags);
-    case Action::Stop:
-        world.Stop(id);
-        break;
-    case Action::Delete:
-        world.Delete(id);
-        break;
-    case Action::FadeOut:
-        return world.FadeOut(id, action.ms);
-    case Action::Cat:
-        return world.Cat(id, action.file, action.isBlock);
-    case Action::Priority:
-        world.SetPriority(id, action.priority);
-        break;
-    case Action::Gain:
-        world.SetSoundGain(id, action.value);
-        break;
-    case Action::GroupGain:
-        world.SetGroupGain(action.value);
-        break;
-    case Action::MainGain:
-        world.SetMainGain(action.number, action.value);
-        break;
-    case Action::Move:
-        world.SetPosition(id, action.position);
-        break;
-    case Action::Distances:
-        world.SetDistances(id, minDistance, static_cast<float>(action.number), action.isOn);
-        break;
-    case Action::Frequency:
-        return world.SetFrequency(id, static_cast<unsigned long>(action.number));
-    case Action::Pause:
-        world.SetInPause(id, action.isOn);
-        break;
-    case Action::MusicFadeIn:
-        return world.MusicFadeIn(id, action.file, action.ms, action.isOn);
-    case Action::MusicCrossFade:
-        return world.MusicCrossFade(id, action.file, action.ms, action.isOn);
-    case Action::MusicFadeOut:
-        return world.MusicFadeOut(id, action.ms);
-    case Action::MusicStop:
-        world.MusicStop(id);
-        break;
-    case Action::MusicGain:
-        world.MusicSetGain(id, action.value);
-        break;
-    case Action::Listener:
-        world.ActivateListener(action.position);
-        break;
-    case Action::MoveListener:
-        world.MoveListener(action.position);
-        break;
-    case Action::DropListener:
-        world.DropListener();
-        break;
-    case Action::Limit:
-        world.SetLimit(action.number);
-        break;
-    case Action::ChannelLimit:
-        world.SetChannelLimit(action.number);
-        break;
-    case Action::StopAll:
-        world.StopAll();
-        break;
-    case Action::StopAll2D:
-        world.StopAll2D();
-        break;
-    case Action::StopAll3D:
-        world.StopAll3D();
-        break;
-    case Action::AddObserver:
-        world.AddObserver(id);
-        break;
-    case Action::RemoveObserver:
-        world.RemoveObserver(id);
-        break;
+    constexpr int rareDeeds = 3;
+    int deed = static_cast<int>(std::size(deeds)) - rareDeeds;
+    if (dice.Chance(1) && dice.Chance(50)) {
+        deed += dice.Draw(rareDeeds);
     }
-    return 0;
+    else {
+        int total = 0;
+        for (const Deed& any : deeds)
+            total += any.weight;
+        int place = dice.Draw(total);
+        for (deed = 0; place >= deeds[deed].weight; ++deed)
+            place -= deeds[deed].weight;
+    }
+    Action action = deed == 0 ? dice.DrawPlay() : dice.DrawAction(lastID, lastID - names->GetLastIDBefore());
+    action.deed = deed;
+    return action;
 }
 
 void Scene::DoBoth(const Action& action)
 {
-    const int result = DoIn(*this, action);
-    const int expected = DoIn(*model, action);
+    const Deed& deed = deeds[action.deed];
+    const int result = deed.In(*this, action);
+    const int expected = deed.In(*model, action);
     if (result != expected) {
-        ADD_FAILURE() << where << ": action " << action.kind << " on " << action.id << " gives " << result
-                      << " instead of " << expected;
+        ADD_FAILURE() << where << ": " << deed.name << " on " << names->GetName(action.id) << " gives "
+                      << result << " instead of " << expected;
         CompareLogs();
     }
 }
@@ -255,11 +276,12 @@ void Scene::React(int idNearby, bool inModel)
     if (reactor.depth >= maxReactionDepth || !reactor.dice.Chance(reactionPercent))
         return;
     ++reactor.depth;
-    const Action action = reactor.dice.DrawAction(idNearby + 5);
-    const int result = inModel ? DoIn(*model, action) : DoIn(*this, action);
+    const Action action = DrawAction(reactor.dice, idNearby + 5);
+    const Deed& deed = deeds[action.deed];
+    const int result = inModel ? deed.In(*model, action) : deed.In(*this, action);
     (inModel ? model->log : recording.lines)
-        .push_back("answered with " + std::to_string(action.kind) + " on " + std::to_string(action.id) +
-            ": " + std::to_string(result));
+        .push_back(std::string("answered with ") + deed.name + " on " + names->GetName(action.id) + ": " +
+            std::to_string(result));
     --reactor.depth;
 }
 
@@ -329,59 +351,53 @@ void Scene::CompareSounds()
 {
     if (HasFailure())
         return;
-    CompareList("playing", Playing(), model->GetPlaying());
-    CompareList("emulated", Emulated(), model->GetEmulated());
-    CompareList("waiting", Waiting(), model->GetWaiting());
-    for (int id = 1; id <= model->GetLastID() && !HasFailure(); ++id)
-        EXPECT_EQ(Describe(ToReal(id)), DescribeInModel(id)) << where;
+    const auto toIds = [](const ModelList& list) { return Ids(list.begin(), list.end()); };
+    EXPECT_EQ(Playing(), toIds(model->GetPlaying())) << where;
+    EXPECT_EQ(Emulated(), toIds(model->GetEmulated())) << where;
+    EXPECT_EQ(Waiting(), toIds(model->GetWaiting())) << where;
+    for (int id = names->GetLastIDBefore() + 1; id <= model->GetLastID() && !HasFailure(); ++id) {
+        const ModelSoundPtr real = DescribeReal(id);
+        const ModelSoundPtr expected = model->Find(id);
+        ASSERT_EQ(real != nullptr, expected != nullptr) << where << ": " << names->GetName(id);
+        if (real) {
+            EXPECT_EQ(Describe(*real), Describe(*expected)) << where;
+        }
+    }
 }
 
-void Scene::CompareList(const char* name, const Ids& real, const ModelList& list)
-{
-    Ids ids;
-    for (int id : real)
-        ids.push_back(ToModel(id));
-    EXPECT_EQ(ids, Ids(list.begin(), list.end())) << where << ", list " << name;
-}
-
-std::string Scene::Describe(int id) const
+/// As the model would have it, as far as the two are compared.
+ModelSoundPtr Scene::DescribeReal(int id) const
 {
     const SndBase* sound = Find(id);
     if (!sound)
-        return "gone";
-    std::ostringstream text;
-    const auto channelNumber = [this](const SndChannel* channel) {
-        for (const auto& [number, record] : recording.channels) {
-            if (record.channel == channel)
-                return number;
-        }
-        return 0;
-    };
-    text << '#' << ToModel(id) << std::hex << " flags " << sound->GetSndFlags() << " distance "
-         << std::bit_cast<std::uint32_t>(sound->GetDistSqr()) << " multiplier "
-         << std::bit_cast<std::uint32_t>(sound->GetMultiplier()) << std::dec << " state "
-         << sound->GetStateTime() << " delay " << sound->GetDelay() << " length " << sound->GetSoundLength()
-         << " channel " << channelNumber(sound->GetSndChannel()) << " fading "
-         << channelNumber(sound->GetFadeOutChannel()) << " files";
-    for (const SndFile* file = sound->GetSndFile(); file; file = file->GetNext())
-        text << ' ' << file->GetCurrentSample() << '/' << file->GetSoundSamples();
-    return text.str();
+        return nullptr;
+    const auto real = std::make_shared<ModelSound>();
+    real->id = id;
+    real->flags = sound->GetSndFlags();
+    real->distSqr = sound->GetDistSqr();
+    real->multiplier = sound->GetMultiplier();
+    real->stateTime = sound->GetStateTime();
+    real->delay = sound->GetDelay();
+    real->soundLength = sound->GetSoundLength();
+    real->channel = GetNumber(sound->GetSndChannel());
+    real->fadeOutChannel = GetNumber(sound->GetFadeOutChannel());
+    ModelFilePtr* end = &real->file;
+    for (const SndFile* file = sound->GetSndFile(); file; file = file->GetNext()) {
+        *end = std::make_shared<ModelFile>();
+        (*end)->current = file->GetCurrentSample();
+        (*end)->frames = file->GetSoundSamples();
+        end = &(*end)->next;
+    }
+    return real;
 }
 
-std::string Scene::DescribeInModel(int id) const
+int Scene::GetNumber(const SndChannel* channel) const
 {
-    const ModelSoundPtr sound = model->Find(id);
-    if (!sound)
-        return "gone";
-    std::ostringstream text;
-    text << '#' << id << std::hex << " flags " << sound->flags << " distance "
-         << std::bit_cast<std::uint32_t>(sound->distSqr) << " multiplier "
-         << std::bit_cast<std::uint32_t>(sound->multiplier) << std::dec << " state " << sound->stateTime
-         << " delay " << sound->delay << " length " << sound->soundLength << " channel " << sound->channel
-         << " fading " << sound->fadeOutChannel << " files";
-    for (ModelFilePtr file = sound->file; file; file = file->next)
-        text << ' ' << file->current << '/' << file->frames;
-    return text.str();
+    for (const auto& [number, record] : recording.channels) {
+        if (record.channel == channel)
+            return number;
+    }
+    return 0;
 }
 
 } // namespace Quon

@@ -9,55 +9,33 @@
 namespace Quon
 {
 
-/// Something that the game, or an observer in answer to a note, does to the world. Which of the numbers count
-/// is told by the kind.
+/// Something that the game, or an observer in answer to a note, does to the world, with all that it could
+/// need; which of the numbers count is told by the deed.
 struct Action
 {
-    enum Kind
+    int deed = 0; ///< Of the scene's list.
+    int id = 0;
+    enum
     {
-        Play2D,
-        Play3D,
-        PlayBlock,
-        Start,
-        Stop,
-        Delete,
-        FadeOut,
-        Cat,
-        Priority,
-        Gain,
-        GroupGain,
-        MainGain,
-        Move,
-        Distances,
-        Frequency,
-        Pause,
-        MusicFadeIn,
-        MusicCrossFade,
-        MusicFadeOut,
-        MusicStop,
-        MusicGain,
-        Listener,
-        MoveListener,
-        DropListener,
-        Limit,
-        ChannelLimit,
-        StopAll,
-        StopAll2D,
-        StopAll3D,
-        AddObserver,
-        RemoveObserver
-    };
-
-    Kind kind = Play2D;
-    int id = 0; ///< Of a sound, a piece of music or an observer.
+        Sound3D,
+        Sound2D,
+        Block
+    } made = Sound3D;
     std::string file;
     bool isBlock = false;
+    std::string musicFile;
+    int handle = 0; ///< Of music.
+    int observer = 0;
     int flags = 0;
     int priority = 0;
     int ms = 0;
     int owner = 0;
-    int number = 0;
-    float value = 0.0F;
+    float maxDistance = 0.0F;
+    float gain = 0.0F;
+    std::uint32_t gainKind = 0;
+    unsigned long hz = 0;
+    int limit = 0;
+    int channelLimit = 0;
     Vector3 position;
     bool isOn = false;
 };
@@ -67,20 +45,23 @@ class SceneDice
 {
 public:
     /// `newCrowd` is about how many sounds there are to be.
-    SceneDice(unsigned int seed, int newCrowd);
+    SceneDice(unsigned int seed, int newCrowd)
+        : random(seed)
+        , crowd(newCrowd)
+    {
+    }
 
     int Draw(int below) { return static_cast<int>(random() % static_cast<unsigned int>(below)); }
     bool Chance(int percent) { return Draw(100) < percent; }
-    Vector3 DrawPosition();
-    /// `lastID` is that of the youngest sound.
-    Action DrawAction(int lastID);
-    /// Of those that make a sound.
+    /// The details of any deed; `lastID` is that of the youngest sound, `count` that of all so far.
+    Action DrawAction(int lastID, int count);
+    /// Of a deed that makes a sound.
     Action DrawPlay();
 
     static std::vector<ModelFile> GetFiles();
 
 private:
-    void DrawDetails(Action& action);
+    Vector3 DrawPosition();
 
     std::mt19937 random;
     int crowd;
@@ -91,59 +72,24 @@ private:
 class Scene : public SoundTest
 {
 public:
+    static constexpr int numOtherObservers = 6;
+
     Scene();
     ~Scene() override;
 
     /// Many updates with what happens between them. Stops at the first difference.
     void Live(unsigned int seed, int crowd, int updates);
 
-private:
-    static constexpr const char* ownerName = "other";
+    // The game's side of the real system, as far as the model does not have it under the same name.
 
-    void TestBody() override {}
-    // The results say whether it went well, or what id there is now.
-    template<class World>
-    int DoIn(World& world, const Action& action);
-    template<class World>
-    int PlayIn(World& world, const Action& action);
-    void DoBoth(const Action& action);
-    void React(int idNearby, bool inModel);
-    void ReadInBoth(SceneDice& dice);
-    void DrawDriverEvents(SceneDice& dice);
-    void RunDriverEvent(const UpdateModel::DriverEvent& event);
-    void UpdateBoth(float seconds);
-    void CompareLogs();
-    void CompareSounds();
-    void CompareList(const char* name, const Ids& real, const ModelList& list);
-    std::string Describe(int id) const;
-    std::string DescribeInModel(int id) const;
-    int ToReal(int id) const { return id + names->GetLastIDBefore(); }
-    int ToModel(int id) const { return id - names->GetLastIDBefore(); }
-    int Made(int id) const { return id ? ToModel(id) : 0; }
-
-    // The game's side of the real system, under the model's names and with its ids.
-    int New2D(const std::string& file) { return Made(group->New2DSound(PString(file.c_str()), nullptr)); }
-    int New3D(const std::string& file) { return Made(group->New3DSound(PString(file.c_str()), nullptr)); }
+    Sound& GetGroup() { return *group; }
+    int New2D(const std::string& file) { return group->New2DSound(PString(file.c_str()), nullptr); }
+    int New3D(const std::string& file) { return group->New3DSound(PString(file.c_str()), nullptr); }
     int NewBlock(const std::string& block);
-    bool Start(int id, int flags) { return group->StartSound(ToReal(id), flags); }
-    void Stop(int id) { group->StopSound(ToReal(id)); }
-    void Delete(int id) { group->DeleteSound(ToReal(id)); }
-    bool FadeOut(int id, int ms) { return group->FadeOutSound(ToReal(id), static_cast<unsigned int>(ms)); }
     bool Cat(int id, const std::string& file, bool isBlock);
-    void SetPriority(int id, int priority) { group->SetSoundPriority(ToReal(id), priority); }
-    void SetDelay(int id, int ms) { group->SetSoundDelay(ToReal(id), ms); }
-    void SetFadeIn(int id, int ms) { group->SetSoundFadeIn(ToReal(id), ms); }
-    void SetSoundGain(int id, float gain) { group->SetSoundGain(ToReal(id), gain); }
-    void SetGroupGain(float gain) { group->SetGain(gain); }
-    void SetPosition(int id, const Vector3& position) { group->SetSoundPosition(ToReal(id), position); }
-    void SetDistances(int id, float nearest, float farthest, bool cutout)
-    {
-        group->SetSoundMinMaxDistance(ToReal(id), nearest, farthest, cutout);
-    }
-    bool SetFrequency(int id, unsigned long hz) { return group->SetFrequency(ToReal(id), hz); }
     void SetOwner(int id, int owner);
     void SetInPause(int id, bool on);
-    static void SetMainGain(int kind, float gain);
+    static void SetMainGain(std::uint32_t kind, float gain);
     void SetLimit(int count) { system.SetMaxAudibleSounds(static_cast<unsigned int>(count)); }
     void SetChannelLimit(int count) { recording.channelLimit = count; }
     static void StopAll() { SoundSystem::StopAll(); }
@@ -165,6 +111,22 @@ private:
     void ActivateListener(const Vector3& position);
     void MoveListener(const Vector3& position);
     void DropListener() { microphone.reset(); }
+
+private:
+    static constexpr const char* ownerName = "other";
+
+    void TestBody() override {}
+    Action DrawAction(SceneDice& dice, int lastID) const;
+    void DoBoth(const Action& action);
+    void React(int idNearby, bool inModel);
+    void ReadInBoth(SceneDice& dice);
+    void DrawDriverEvents(SceneDice& dice);
+    void RunDriverEvent(const UpdateModel::DriverEvent& event);
+    void UpdateBoth(float seconds);
+    void CompareLogs();
+    void CompareSounds();
+    ModelSoundPtr DescribeReal(int id) const;
+    int GetNumber(const SndChannel* channel) const;
 
     struct Reactor
     {

@@ -30,7 +30,7 @@ using ModelFilePtr = std::shared_ptr<ModelFile>;
 
 struct ModelSound
 {
-    int id = 0; ///< From 1, in the order of making.
+    int id = 0;
     bool hasGroup = false;
     bool isTold = false; ///< A notification about it is running.
     bool isNew = false; ///< Started while the running update was on its way.
@@ -74,6 +74,13 @@ using ModelList = std::deque<int>;
 class UpdateModel
 {
 public:
+    /// Its ids go on behind this one, as those of the real system do.
+    explicit UpdateModel(int lastIDBefore)
+        : idOffset(lastIDBefore)
+        , lastID(lastIDBefore)
+    {
+    }
+
     // The world around.
 
     /// The files that exist, by name; what is not here cannot be opened.
@@ -81,30 +88,32 @@ public:
     Lines log;
     /// What the first observer does about a note.
     std::function<void(const Note&)> react;
-    /// What the real id of a sound is above the model's: the table goes by real ids.
-    int idOffset = 0;
 
-    // The game's side. Ids that are gone find nothing.
+    // What the game asks of its group. Ids that are gone find nothing.
 
-    int New2D(const std::string& fileName);
-    int NewBlock(const std::string& blockName);
-    int New3D(const std::string& fileName);
-    bool Start(int id, int startFlags);
-    void Stop(int id);
-    void Delete(int id);
-    bool FadeOut(int id, int ms);
-    bool Cat(int id, const std::string& fileName, bool isBlock);
-    void SetPriority(int id, int priority);
-    void SetDelay(int id, int ms);
-    void SetFadeIn(int id, int ms);
+    UpdateModel& GetGroup() { return *this; }
+    bool StartSound(int id, int startFlags);
+    void StopSound(int id);
+    void DeleteSound(int id);
+    bool FadeOutSound(int id, int ms);
+    void SetSoundPriority(int id, int priority);
+    void SetSoundDelay(int id, int ms);
+    void SetSoundFadeIn(int id, int ms);
     void SetSoundGain(int id, float gain);
-    void SetGroupGain(float gain);
-    void SetPosition(int id, const Vector3& position);
-    void SetDistances(int id, float minDistance, float maxDistance, bool cutout);
+    void SetGain(float gain);
+    void SetSoundPosition(int id, const Vector3& position);
+    void SetSoundMinMaxDistance(int id, float minDistance, float maxDistance, bool cutout);
     bool SetFrequency(int id, unsigned long hz);
+
+    // The rest of the game's side.
+
+    int New2D(const std::string& fileName) { return New(FlagDistLTMax, fileName); }
+    int New3D(const std::string& fileName) { return New(Flag3D, fileName); }
+    int NewBlock(const std::string& blockName);
+    bool Cat(int id, const std::string& fileName, bool isBlock);
     void SetOwner(int id, int owner);
     void SetInPause(int id, bool on);
-    void SetMainGain(int kind, float gain); ///< 0, 1 and 8.
+    void SetMainGain(std::uint32_t kind, float gain);
     void SetLimit(int count) { maxAudible = count; }
     void SetChannelLimit(int count) { channelLimit = count; } ///< Of the driver.
     void StopAll();
@@ -166,6 +175,7 @@ private:
     using Bucket = std::vector<int>;
 
     // UpdateModelGame.cpp
+    int New(std::uint32_t flags, const std::string& fileName);
     ModelSoundPtr Add(std::uint32_t flags);
     Bucket& GetBucket(int id);
     void RemoveFromTable(int id);
@@ -178,6 +188,7 @@ private:
         DeleteMatching(matches);
     }
     void Refresh(const std::function<bool(const ModelSound&)>& matches);
+    std::string GetName(const ModelSound& sound) const;
     void Notify(const std::string& line, const Note& note);
     ModelSoundPtr FindMusic(int handle) const;
 
@@ -233,10 +244,11 @@ private:
     int PickBest(ModelList& list);
     bool IsEligible(int id) const;
 
+    const int idOffset;
+    int lastID;
     std::map<int, ModelSoundPtr> sounds; ///< Those that exist, also those that are on their way out.
     /// The table. No rule says in what order a bucket is; the last entry fills a gap.
     std::array<Bucket, 32> buckets;
-    int lastID = 0;
     ModelList playing;
     ModelList emulated;
     ModelList waiting;
@@ -249,7 +261,7 @@ private:
     int notifyDepth = 0;
     float groupGain = 1.0F;
     Music music[2];
-    std::map<int, float> mainGains = {{0, 1.0F}, {1, 1.0F}, {8, 1.0F}};
+    std::map<std::uint32_t, float> mainGains = {{0, 1.0F}, {Flag3D, 1.0F}, {FlagMusic, 1.0F}};
 
     bool hasListener = false;
     bool listenerHasChanged = false; ///< The listener's own mark.

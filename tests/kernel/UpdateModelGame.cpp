@@ -37,7 +37,7 @@ ModelSoundPtr UpdateModel::Add(std::uint32_t flags)
 
 UpdateModel::Bucket& UpdateModel::GetBucket(int id)
 {
-    return buckets[static_cast<unsigned>(id + idOffset) % buckets.size()];
+    return buckets[static_cast<unsigned>(id) % buckets.size()];
 }
 
 void UpdateModel::RemoveFromTable(int id)
@@ -59,64 +59,52 @@ std::vector<int> UpdateModel::GetTableOrder() const
     return ids;
 }
 
-int UpdateModel::New2D(const std::string& fileName)
+int UpdateModel::New(std::uint32_t flags, const std::string& fileName)
 {
     if (refusesSounds)
         return 0;
-    const ModelSoundPtr sound = Add(FlagDistLTMax);
+    const ModelSoundPtr sound = Add(flags);
     sound->fileName = fileName;
     return sound->id;
 }
 
 int UpdateModel::NewBlock(const std::string& blockName)
 {
-    if (refusesSounds)
-        return 0;
-    const ModelSoundPtr sound = Add(FlagDistLTMax);
-    sound->file = std::make_shared<ModelFile>(files.at(blockName));
-    sound->soundLength = sound->file->GetLength();
-    return sound->id;
+    const int id = New2D("");
+    if (const ModelSoundPtr sound = Find(id)) {
+        sound->file = std::make_shared<ModelFile>(files.at(blockName));
+        sound->soundLength = sound->file->GetLength();
+    }
+    return id;
 }
 
-int UpdateModel::New3D(const std::string& fileName)
+bool UpdateModel::StartSound(int id, int startFlags)
 {
-    if (refusesSounds)
-        return 0;
-    const ModelSoundPtr sound = Add(Flag3D);
-    sound->fileName = fileName;
-    return sound->id;
-}
-
-bool UpdateModel::Start(int id, int startFlags)
-{
+    static constexpr std::pair<int, std::uint32_t> flagsByStart[] = {{Sound::StartLooping, FlagLooping},
+        {Sound::StartNotMovable, FlagNotMovable}, {Sound::StartNoEmulation, FlagNoEmulation},
+        {Sound::StartImmediately, FlagImmediately}, {Sound::StartQueued, FlagQueued},
+        {Sound::StartChgFrequency, FlagChgFrequency | FlagDisableMicFX}};
     const ModelSoundPtr sound = Find(id);
     if (!sound || sound->isTold || sound->Has(FlagPlaying) || sound->channel)
         return false;
-    if ((startFlags & Sound::StartLooping) && sound->Has(FlagQueued))
+    const bool loops = (startFlags & Sound::StartLooping) != 0;
+    if (loops && sound->Has(FlagQueued))
         return false;
-    if (startFlags & Sound::StartLooping)
-        sound->flags |= FlagLooping;
-    if (startFlags & Sound::StartNotMovable)
-        sound->flags |= FlagNotMovable;
-    if (startFlags & Sound::StartNoEmulation)
-        sound->flags |= FlagNoEmulation;
-    if (startFlags & Sound::StartImmediately)
-        sound->flags |= FlagImmediately;
-    if ((startFlags & Sound::StartQueued) && !(startFlags & Sound::StartLooping))
-        sound->flags |= FlagQueued;
-    if (startFlags & Sound::StartChgFrequency)
-        sound->flags |= FlagChgFrequency | FlagDisableMicFX;
+    for (const auto& [start, flags] : flagsByStart) {
+        if ((startFlags & start) && !(loops && start == Sound::StartQueued))
+            sound->flags |= flags;
+    }
     return !refusesSounds && PlaySound(sound);
 }
 
-void UpdateModel::Stop(int id)
+void UpdateModel::StopSound(int id)
 {
     const ModelSoundPtr sound = Find(id);
     if (sound && !sound->isTold)
         Destroy(sound);
 }
 
-void UpdateModel::Delete(int id)
+void UpdateModel::DeleteSound(int id)
 {
     const ModelSoundPtr sound = Find(id);
     if (!sound || sound->isTold)
@@ -125,7 +113,7 @@ void UpdateModel::Delete(int id)
     Destroy(sound);
 }
 
-bool UpdateModel::FadeOut(int id, int ms)
+bool UpdateModel::FadeOutSound(int id, int ms)
 {
     const ModelSoundPtr sound = Find(id);
     return sound && !sound->isTold && FadeOut(sound, ms);
@@ -157,20 +145,20 @@ bool UpdateModel::Cat(int id, const std::string& fileName, bool isBlock)
     return true;
 }
 
-void UpdateModel::SetPriority(int id, int priority)
+void UpdateModel::SetSoundPriority(int id, int priority)
 {
     if (const ModelSoundPtr sound = Find(id))
         sound->priority = priority;
 }
 
-void UpdateModel::SetDelay(int id, int ms)
+void UpdateModel::SetSoundDelay(int id, int ms)
 {
     const ModelSoundPtr sound = Find(id);
     if (sound && !sound->Has(FlagPlaying))
         sound->delay = ms;
 }
 
-void UpdateModel::SetFadeIn(int id, int ms)
+void UpdateModel::SetSoundFadeIn(int id, int ms)
 {
     const ModelSoundPtr sound = Find(id);
     if (!sound || sound->Has(FlagPlaying))
@@ -185,18 +173,16 @@ void UpdateModel::SetSoundGain(int id, float gain)
         SetGain(*sound, gain);
 }
 
-void UpdateModel::SetGroupGain(float gain)
+void UpdateModel::SetGain(float gain)
 {
     groupGain = gain;
     Refresh([](const ModelSound& sound) { return sound.hasGroup; });
 }
 
-void UpdateModel::SetMainGain(int kind, float gain)
+void UpdateModel::SetMainGain(std::uint32_t kind, float gain)
 {
     mainGains[kind] = gain;
-    Refresh([kind](const ModelSound& sound) {
-        return (sound.flags & (Flag3D | FlagMusic)) == static_cast<std::uint32_t>(kind);
-    });
+    Refresh([kind](const ModelSound& sound) { return (sound.flags & (Flag3D | FlagMusic)) == kind; });
 }
 
 void UpdateModel::Refresh(const std::function<bool(const ModelSound&)>& matches)
@@ -207,7 +193,7 @@ void UpdateModel::Refresh(const std::function<bool(const ModelSound&)>& matches)
     }
 }
 
-void UpdateModel::SetPosition(int id, const Vector3& position)
+void UpdateModel::SetSoundPosition(int id, const Vector3& position)
 {
     const ModelSoundPtr sound = Find(id);
     if (!sound || !sound->Has(Flag3D))
@@ -216,7 +202,7 @@ void UpdateModel::SetPosition(int id, const Vector3& position)
     sound->hasMoved = true;
 }
 
-void UpdateModel::SetDistances(int id, float minDistance, float maxDistance, bool cutout)
+void UpdateModel::SetSoundMinMaxDistance(int id, float minDistance, float maxDistance, bool cutout)
 {
     const ModelSoundPtr sound = Find(id);
     if (!sound || !sound->Has(Flag3D))
@@ -309,6 +295,11 @@ void UpdateModel::RemoveObserver(int number)
         entry.active = entry.active && entry.number != number;
     if (notifyDepth == 0)
         std::erase_if(observers, [](const Observer& entry) { return !entry.active; });
+}
+
+std::string UpdateModel::GetName(const ModelSound& sound) const
+{
+    return '#' + std::to_string(sound.id - idOffset);
 }
 
 void UpdateModel::Notify(const std::string& line, const Note& note)

@@ -164,7 +164,7 @@ void UpdateModel::Play(const ModelSoundPtr& sound, const ModelFilePtr& file)
         sound->flags |= FlagPlaying;
         if (sound->hasGroup) {
             sound->isTold = true;
-            Notify("begin #" + std::to_string(sound->id) + ' ' + sound->fileName, {Note::Begin, sound->id});
+            Notify("begin " + GetName(*sound) + ' ' + sound->fileName, {Note::Begin, sound->id});
             sound->isTold = false;
         }
     }
@@ -199,7 +199,7 @@ void UpdateModel::Destroy(const ModelSoundPtr& sound)
 
 void UpdateModel::NotifyEnd(ModelSound& sound)
 {
-    const std::string who = " #" + std::to_string(sound.id) + ' ' + sound.fileName;
+    const std::string who = ' ' + GetName(sound) + ' ' + sound.fileName;
     if (!sound.Has(FlagPlaying)) {
         Notify("begin" + who, {Note::Begin, sound.id});
         const int length = static_cast<int>(static_cast<std::uint32_t>(sound.soundLength));
@@ -254,7 +254,7 @@ void UpdateModel::CloseFile(ModelSound& sound, const ModelFile& file)
     if (!file.isBlock || !sound.hasGroup)
         return;
     const bool wasTold = std::exchange(sound.isTold, true);
-    Notify("free #" + std::to_string(sound.id) + ' ' + file.name, {Note::Free, sound.id});
+    Notify("free " + GetName(sound) + ' ' + file.name, {Note::Free, sound.id});
     sound.isTold = wasTold;
 }
 
@@ -296,8 +296,8 @@ unsigned long UpdateModel::GetRemainLength(const ModelSound& sound) const
 float UpdateModel::GetOutputGain(const ModelSound& sound) const
 {
     if (sound.Has(FlagMusic))
-        return music[sound.musicHandle].gain * mainGains.at(8) * sound.gain;
-    return groupGain * mainGains.at(sound.Has(Flag3D) ? 1 : 0) * sound.gain;
+        return music[sound.musicHandle].gain * mainGains.at(FlagMusic) * sound.gain;
+    return groupGain * mainGains.at(sound.flags & Flag3D) * sound.gain;
 }
 
 void UpdateModel::SetGain(ModelSound& sound, float gain)
