@@ -33,13 +33,19 @@ int Answer(DynamicLibrary& library)
     return answer();
 }
 
-TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrder)
+TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrderOrBesideTheEngine)
 {
     const TempFolder broken;
     broken.Write(moduleName, "this is no library");
     OS os;
-    const auto before = MakeLibrary(os);
-    EXPECT_FALSE(before->Open(moduleName.c_str()));
+    EXPECT_FALSE(MakeLibrary(os)->Open(moduleName.c_str()));
+
+    const std::filesystem::path beside = std::filesystem::path(ENGINE_LIBRARY).parent_path() / "Beside.so";
+    std::filesystem::copy_file(module, beside, std::filesystem::copy_options::overwrite_existing);
+    const auto neighbour = MakeLibrary(os);
+    EXPECT_TRUE(neighbour->Open("Beside.so"));
+    EXPECT_EQ(Answer(*neighbour), 42);
+    std::filesystem::remove(beside);
 
     os.AddDriverFolder(broken.GetPath().c_str());
     os.AddDriverFolder("");
@@ -48,18 +54,6 @@ TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrder)
     ASSERT_TRUE(library->Open(moduleName.c_str()));
     EXPECT_EQ(Answer(*library), 42);
     EXPECT_TRUE(moduleName.ends_with(dynamicLibrarySuffix));
-}
-
-TEST(DynamicLibrary, IsFoundBesideTheEngineWithoutAFolderOfTheHost)
-{
-    const std::string name = "BesideTheEngine" + std::string(dynamicLibrarySuffix);
-    const std::filesystem::path place = std::filesystem::path(ENGINE_LIBRARY).parent_path() / name;
-    std::filesystem::copy_file(module, place, std::filesystem::copy_options::overwrite_existing);
-    const OS os;
-    const auto library = MakeLibrary(os);
-    EXPECT_TRUE(library->Open(name.c_str()));
-    EXPECT_EQ(Answer(*library), 42);
-    std::filesystem::remove(place);
 }
 
 // The loader could find a file again that was refused, and would not look at it as closely.

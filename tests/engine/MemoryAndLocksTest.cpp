@@ -23,23 +23,18 @@ struct Derived : Counted
     char more[1000] = {};
 };
 
-TEST(Alloc, CountsObjectsArraysAndContainersUntilTheyGo)
+TEST(Alloc, CountsBlocksUntilTheyGoAndRefusesFourGibibytesInOnePiece)
 {
     const std::size_t before = Alloc::LiveBlocks();
     {
         const std::unique_ptr<Counted> object = std::make_unique<Derived>();
         const std::unique_ptr<Counted[]> array(new Counted[3]);
-        EngineVector<int> vector(10);
+        EngineVector<std::uint32_t> vector(10);
         EXPECT_EQ(Alloc::LiveBlocks(), before + 3);
+        EXPECT_THROW(vector.reserve(std::size_t{1} << 30), std::bad_alloc);
+        EXPECT_THROW(Counted::operator new (std::size_t{1} << 32), std::bad_alloc);
     }
     EXPECT_EQ(Alloc::LiveBlocks(), before);
-}
-
-TEST(Alloc, RefusesFourGibibytesInOnePiece)
-{
-    EngineVector<std::uint32_t> vector;
-    EXPECT_THROW(vector.reserve(std::size_t{1} << 30), std::bad_alloc);
-    EXPECT_THROW(Counted::operator new (std::size_t{1} << 32), std::bad_alloc);
 }
 
 /// One of each kind.

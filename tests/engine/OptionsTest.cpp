@@ -77,56 +77,49 @@ TEST(Options, HaveNoItemsAndNoTextWhenTheyAreNotSet)
 {
     Options options;
     options.SetSeperators("Sound", ",");
+    options.Set("Sound", "a");
+    options.Set("Sound", nullptr);
     String text;
     EXPECT_FALSE(options.GetNext("Sound", text));
     EXPECT_FALSE(options.GetNext(nullptr, text));
     EXPECT_FALSE(options.Get("Sound", text, "default"));
     EXPECT_STREQ(text.GetText(), "default");
-    options.Set("Sound", "a");
-    options.Set("Sound", nullptr);
-    EXPECT_FALSE(options.GetNext("Sound", text));
 }
 
-TEST(Options, ComeFromATextFile)
+/// Each key with what it is set to; "-" if it is not.
+std::string Texts(Options& options, std::initializer_list<const char*> keys)
 {
-    const TempFolder folder;
-    const std::string path = folder.Write("options.txt",
-        "# a comment\r\n"
-        "// another\n"
-        "\n"
-        "Sound = HarmonetOpenAL, HarmonetNull\r\n"
-        "MaxSounds=32\n"
-        "  Quoted = \" with blanks \"  \n"
-        "Empty =\n"
-        "MaxSounds = 33");
-    Options options;
-    EXPECT_TRUE(options.ReadFile(path.c_str()));
-    options.SetSeperators("Sound", ",");
-    EXPECT_EQ(Items(options, "Sound"), (List{"HarmonetOpenAL", "HarmonetNull"}));
-    int number = 0;
-    EXPECT_TRUE(options.Get("MaxSounds", number, 0));
-    EXPECT_EQ(number, 33);
-    String text;
-    EXPECT_TRUE(options.Get("Quoted", text, nullptr));
-    EXPECT_STREQ(text.GetText(), " with blanks ");
-    EXPECT_TRUE(options.Get("Empty", text, "default"));
-    EXPECT_STREQ(text.GetText(), "");
+    std::string all;
+    for (const char* key : keys) {
+        String text;
+        options.Get(key, text, "-");
+        all += std::string(key) + '=' + text.GetText() + ';';
+    }
+    return all;
 }
 
-TEST(Options, TellWhichLineOfAFileIsNoOption)
+TEST(Options, ComeFromATextFileAndTellWhichLineIsNone)
 {
     const TempFolder folder;
-    const std::pair<const char*, int> rows[] = {
-        {"A = 1\nno option\n= 3\nB = 2\n", 2}, {"= 1\nB = 2", 1}, {"B = 2\n\n\nnone", 4}};
-    for (const auto& [content, expectedLine] : rows) {
-        SCOPED_TRACE(content);
+    const struct
+    {
+        const char* content;
+        int badLine;
+        const char* texts;
+    } rows[] = {
+        {"# a comment\r\n// another\n\nA = x, y\r\nB=32\n  C = \" with blanks \"  \nB = 33\nD =", 0,
+            "A=x, y;B=33;C= with blanks ;D=;"},
+        {"A = 1\nno option\n= 3\nB = 2\n", 2, "A=1;B=2;C=-;D=-;"},
+        {"= 1\nB = 2", 1, "A=-;B=2;C=-;D=-;"},
+        {"B = 2\n\n\nnone", 4, "A=-;B=2;C=-;D=-;"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.content);
         Options options;
         int badLine = -1;
-        EXPECT_FALSE(options.ReadFile(folder.Write("bad.txt", content).c_str(), &badLine));
-        EXPECT_EQ(badLine, expectedLine);
-        int number = 0;
-        EXPECT_TRUE(options.Get("B", number, 0));
-        EXPECT_EQ(number, 2);
+        EXPECT_EQ(options.ReadFile(folder.Write("options", row.content).c_str(), &badLine), row.badLine == 0);
+        EXPECT_EQ(badLine, row.badLine);
+        EXPECT_EQ(Texts(options, {"A", "B", "C", "D"}), row.texts);
     }
     Options options;
     int badLine = -1;
@@ -140,21 +133,14 @@ TEST(Options, TellWhichLineOfAFileIsNoOption)
 
 TEST(Options, ComeFromTheCommandLine)
 {
-    const char* arguments[] = {"play", "a.wav", "--option", "MaxSounds=8", "--option=Sound=A,B",
-        "--optional=C=1", "--", "--option", "MaxSounds=9"};
+    const char* arguments[] = {"play", "a.wav", "--option", "A=8", "--option=B=x,y", "--optional=C=1",
+        "--option=none", "--", "--option", "A=9"};
     Options options;
-    EXPECT_TRUE(options.ReadCommandLine(static_cast<int>(std::size(arguments)), arguments));
-    int number = 0;
-    EXPECT_TRUE(options.Get("MaxSounds", number, 0));
-    EXPECT_EQ(number, 8);
-    String text;
-    EXPECT_TRUE(options.Get("Sound", text, nullptr));
-    EXPECT_STREQ(text.GetText(), "A,B");
-    EXPECT_FALSE(options.Get("C", number, 0));
-
-    const char* torn[] = {"play", "--option=none", "--option=D=4", "--option"};
-    EXPECT_FALSE(options.ReadCommandLine(static_cast<int>(std::size(torn)), torn));
-    EXPECT_TRUE(options.Get("D", number, 0));
+    EXPECT_FALSE(options.ReadCommandLine(static_cast<int>(std::size(arguments)), arguments));
+    EXPECT_EQ(Texts(options, {"A", "B", "C"}), "A=8;B=x,y;C=-;");
+    EXPECT_TRUE(options.ReadCommandLine(6, arguments));
+    const char* torn[] = {"play", "--option"};
+    EXPECT_FALSE(options.ReadCommandLine(2, torn));
 }
 
 } // namespace
