@@ -51,8 +51,7 @@ TEST_F(MpegFiles, StreamsAreCountedAndPlayAsFromMemory)
         SCOPED_TRACE(name);
         const auto file = OpenGood(ReadStream(name));
         EXPECT_EQ(file->GetSoundSamples(), 24 * frame);
-        EXPECT_EQ(file->GetSoundLength(), 24u * frame * 1000 / 44100);
-        EXPECT_EQ(file->GetRemainLength(), file->GetSoundLength());
+        EXPECT_EQ(file->GetRemainLength(), 24u * frame * 1000 / 44100);
         EXPECT_EQ(file->CreateNodeInfo(), nullptr);
         EXPECT_EQ(ReadValues(*file), expected);
         EXPECT_EQ(file->GetRemainLength(), 0u);
