@@ -7,11 +7,16 @@
 #include "drivers/openal/effects/ParamEqEffect.h"
 #include "drivers/openal/effects/SweptEffect.h"
 #include "drivers/openal/effects/WavesReverbEffect.h"
+#include "harmonet/definitions/EffectKeywords.h"
+#include "harmonet/definitions/SndFXList.h"
 #include "tests/drivers/effects/Signals.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
 #include <limits>
 #include <memory>
 #include <random>
@@ -25,28 +30,74 @@ namespace
 constexpr int rateHz = 22050;
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
+template<class AnyEffect, class Record>
+void ExpectApplied(const Record& wanted, const Record& expected, int rate)
+{
+    using Words = std::array<std::uint32_t, sizeof(Record) / 4>;
+    const AnyEffect effect(wanted, {rate, 1});
+    EXPECT_EQ(std::bit_cast<Words>(effect.GetParameters()), std::bit_cast<Words>(expected));
+}
+
+template<class Record>
+void SetField(Record& record, const EffectField& field, double value)
+{
+    auto* const place = reinterpret_cast<unsigned char*>(&record) + field.offset;
+    const auto number = static_cast<float>(value);
+    const auto whole = static_cast<std::int32_t>(field.isInt ? value : 0);
+    std::memcpy(place, field.isInt ? static_cast<const void*>(&whole) : &number, 4);
+}
+
+/// At a rate at which no filter is held below its range.
+template<class AnyEffect, class Record, SndFX kind>
+void ExpectHeld()
+{
+    Record defaults;
+    std::memcpy(&defaults, GetFXDefault(kind).record, sizeof defaults);
+    Record least{}, inside{}, most{}, tooLow{}, tooHigh{}, none = defaults;
+    for (const EffectField& field : GetEffectKeywords(kind).fields) {
+        const double enormous = field.isInt ? 2147483647.0 : double{infinity};
+        SetField(tooLow, field, -enormous);
+        SetField(least, field, field.least);
+        SetField(inside, field, (field.least + field.most) / 2);
+        SetField(most, field, field.most);
+        SetField(tooHigh, field, enormous);
+        if (!field.isInt) {
+            SetField(none, field, std::nan(""));
+        }
+    }
+    const std::pair<Record, Record> rows[] = {
+        {tooLow, least}, {inside, inside}, {tooHigh, most}, {none, defaults}};
+    for (const auto& [wanted, expected] : rows) {
+        ExpectApplied<AnyEffect>(wanted, expected, 96000);
+    }
+}
+
 struct EffectCase
 {
     const char* name;
     std::unique_ptr<Effect> (*make)(const PcmLayout& layout);
+    void (*expectHeld)();
 };
 
-template<class MadeEffect, auto record>
-std::unique_ptr<Effect> MakeWith(const PcmLayout& layout)
+template<class AnyEffect, SndFX kind, auto record>
+constexpr EffectCase MakeCase(const char* name)
 {
-    return std::make_unique<MadeEffect>(record, layout);
+    const auto make = [](const PcmLayout& layout) -> std::unique_ptr<Effect> {
+        return std::make_unique<AnyEffect>(record, layout);
+    };
+    return {name, make, ExpectHeld<AnyEffect, std::remove_const_t<decltype(record)>, kind>};
 }
 
 // Without a phase between the sides, so that these are comparable; otherwise everything at work.
 const EffectCase everyEffect[] = {
-    {"chorus", MakeWith<ChorusEffect, FXChorus{50, 40, 60, 1.1f, 1, 16, 2}>},
-    {"flanger", MakeWith<FlangerEffect, FXFlanger{50, 100, -50, 0.7f, 0, 2, 2}>},
-    {"echo", MakeWith<EchoEffect, FXEcho{50, 50, 30, 30, 1}>},
-    {"distortion", MakeWith<DistortionEffect, FXDistortion{-6, 40, 2400, 2400, 7350}>},
-    {"compressor", MakeWith<CompressorEffect, FXCompressor{6, 10, 200, -20, 3, 4}>},
-    {"equaliser", MakeWith<ParamEqEffect, FXParamEq{300, 12, 10}>},
-    {"gargle", MakeWith<GargleEffect, FXGargle{20, 0}>},
-    {"reverb", MakeWith<WavesReverbEffect, FXWavesReverb{0, -3, 500, 0.3f}>},
+    MakeCase<ChorusEffect, SndFXChorus, FXChorus{50, 40, 60, 1.1f, 1, 16, 2}>("chorus"),
+    MakeCase<FlangerEffect, SndFXFlanger, FXFlanger{50, 100, -50, 0.7f, 0, 2, 2}>("flanger"),
+    MakeCase<EchoEffect, SndFXEcho, FXEcho{50, 50, 30, 30, 1}>("echo"),
+    MakeCase<DistortionEffect, SndFXDistortion, FXDistortion{-6, 40, 2400, 2400, 7350}>("distortion"),
+    MakeCase<CompressorEffect, SndFXCompressor, FXCompressor{6, 10, 200, -20, 3, 4}>("compressor"),
+    MakeCase<ParamEqEffect, SndFXParamEq, FXParamEq{300, 12, 10}>("equaliser"),
+    MakeCase<GargleEffect, SndFXGargle, FXGargle{20, 0}>("gargle"),
+    MakeCase<WavesReverbEffect, SndFXWavesReverb, FXWavesReverb{0, -3, 500, 0.3f}>("reverb"),
 };
 
 class EveryEffect : public testing::TestWithParam<EffectCase>
@@ -69,6 +120,20 @@ float GetPeak(const Pcm& pcm)
         peak = std::max(peak, std::isfinite(sample) ? std::fabs(sample) : infinity);
     }
     return peak;
+}
+
+TEST_P(EveryEffect, HoldsParametersToTheirRangesAndTakesTheDefaultForWhatIsNoNumber)
+{
+    GetParam().expectHeld();
+}
+
+TEST(Filters, KeepBelowAThirdOfTheRate)
+{
+    ExpectApplied<ParamEqEffect, FXParamEq>({16000, 12, 3}, {7350, 12, 3}, 22050);
+    ExpectApplied<ParamEqEffect, FXParamEq>({std::nanf(""), 12, 3}, {3675, 12, 3}, 11025);
+    ExpectApplied<DistortionEffect, FXDistortion>(
+        {-18, 15, 8000, 8000, 8000}, {-18, 15, 7350, 7350, 7350}, 22050);
+    ExpectApplied<GargleEffect, FXGargle>({1000, 1}, {60, 1}, 120);
 }
 
 TEST_P(EveryEffect, DoesNotDependOnHowTheSoundIsCutAndIsAsNewAfterAReset)

@@ -4,97 +4,84 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 
 namespace Quon::Testing
 {
 namespace
 {
 
-constexpr int rateHz = 44100;
-constexpr std::size_t windowFrames = 256;
+constexpr int rateHz = 22050;
 
-/// The correlation of a window of `late` with `early` so many sample frames before.
-double Correlate(const Pcm& early, const Pcm& late, std::size_t begin, std::size_t lag)
+/// The cubic through four points at 0, 1, 2 and 3 (Lagrange's form).
+double Interpolate(const std::array<double, 4>& points, double place)
 {
     double sum = 0;
-    for (std::size_t i = begin; i < begin + windowFrames; ++i) {
-        sum += double{late[i]} * early[i - lag];
+    for (int i = 0; i < 4; ++i) {
+        double term = points[static_cast<std::size_t>(i)];
+        for (int other = 0; other < 4; ++other) {
+            term *= other == i ? 1.0 : (place - other) / (i - other);
+        }
+        sum += term;
     }
     return sum;
 }
 
-/// How late `late` is around a window, between samples by a parabola through the best three.
-double FindDelay(const Pcm& early, const Pcm& late, std::size_t begin, std::size_t longest)
+/// One side of a sound through a sweep that is so far ahead, sample frame by sample frame.
+template<class Record>
+std::vector<double> SweepPlainly(const Record& record, const Pcm& dry, double turnsAhead)
 {
-    std::size_t best = 1;
-    for (std::size_t lag = 1; lag < longest; ++lag) {
-        if (Correlate(early, late, begin, lag) > Correlate(early, late, begin, best)) {
-            best = lag;
-        }
+    std::vector<double> line;
+    const auto late = [&](int frames) {
+        const auto back = static_cast<std::size_t>(frames);
+        return back <= line.size() ? line[line.size() - back] : 0.0;
+    };
+    std::vector<double> out;
+    for (const float sample : dry) {
+        const double turns = record.frequency * static_cast<double>(out.size()) / rateHz + turnsAhead;
+        const double sine = std::sin(2 * std::numbers::pi * turns);
+        const double wave = record.waveform == 1 ? sine : 2 / std::numbers::pi * std::asin(sine);
+        const double middle = record.delay * rateHz / 1000;
+        const double delay = std::max(middle * (1 + record.depth / 100 * wave), 2.0);
+        const int whole = static_cast<int>(delay);
+        const double part = delay - whole;
+        const double wet =
+            Interpolate({late(whole - 1), late(whole), late(whole + 1), late(whole + 2)}, 1 + part);
+        const double back = (1 - part) * late(whole) + part * late(whole + 1);
+        line.push_back(sample + record.feedback / 100 * back);
+        out.push_back(sample + record.wetDryMix / 100 * (wet - sample));
     }
-    const double before = Correlate(early, late, begin, best - 1);
-    const double at = Correlate(early, late, begin, best);
-    const double after = Correlate(early, late, begin, best + 1);
-    return static_cast<double>(best) + (before - after) / (2 * (before - 2 * at + after));
+    return out;
 }
 
-double GetWave(int waveform, double turns)
-{
-    const double sine = std::sin(2 * std::numbers::pi * turns);
-    return waveform == 1 ? sine : 2 / std::numbers::pi * std::asin(sine);
-}
-
-/// Noise through the delayed path alone, and where it comes out, against the formula of the sweep. The right
-/// side's sweep is ahead.
 template<class SweptEffect, class Record>
-void ExpectSweep(const Record& record, double rightTurns)
+void ExpectSweep(const Record& record)
 {
-    const Pcm noise = MakeNoise(3 * rateHz, 0.5f);
+    const Pcm noise = MakeNoise(20000, 0.5f);
     SweptEffect effect(record, {rateHz, 2});
     const Pcm out = Through(effect, MakeStereo(noise, noise));
-    const double middle = record.delay * rateHz / 1000;
-    const auto longest = static_cast<std::size_t>(middle * (1 + record.depth / 100)) + 10;
     for (const int side : {0, 1}) {
-        const Pcm late = TakeSide(out, side);
-        for (std::size_t begin = 4000; begin + windowFrames < late.size(); begin += 3777) {
-            const double seconds = (static_cast<double>(begin) + windowFrames / 2.0) / rateHz;
-            const double turns = record.frequency * seconds + (side == 1 ? rightTurns : 0);
-            const double swing = record.depth / 100 * GetWave(record.waveform, turns);
-            EXPECT_NEAR(FindDelay(noise, late, begin, longest), std::max(middle * (1 + swing), 2.0), 0.6)
-                << "delay " << record.delay << ", side " << side << ", at " << seconds << " s";
+        SCOPED_TRACE("delay " + std::to_string(record.delay) + ", side " + std::to_string(side));
+        const Pcm heard = TakeSide(out, side);
+        const std::vector<double> expected =
+            SweepPlainly(record, noise, side == 1 ? (record.phase - 2) / 4.0 : 0.0);
+        for (std::size_t i = 0; i < heard.size(); ++i) {
+            ASSERT_NEAR(heard[i], expected[i], 0.02) << i;
         }
     }
 }
 
-TEST(Chorus, SweepsTheDelayAlongItsWave)
+TEST(Sweep, IsWhatAPlainDelayLineGives)
 {
-    ExpectSweep<ChorusEffect>(FXChorus{100, 10, 0, 0.7f, 1, 16, 3}, 0.25);
-    ExpectSweep<ChorusEffect>(FXChorus{100, 60, 0, 0.2f, 0, 8, 0}, -0.5);
-    ExpectSweep<ChorusEffect>(FXChorus{100, 25, 0, 0.0f, 1, 20, 1}, -0.25);
-}
-
-TEST(Flanger, SweepsTheDelayAlongItsWave)
-{
-    ExpectSweep<FlangerEffect>(FXFlanger{100, 100, 0, 0.25f, 1, 2, 2}, 0.0);
-    ExpectSweep<FlangerEffect>(FXFlanger{100, 50, 0, 0.5f, 0, 4, 4}, 0.5);
-}
-
-// A delay that stands still makes echoes of whole sample frames: 2 ms are 16 of them.
-TEST(Chorus, FeedsBackWhatIsLate)
-{
-    for (const float feedback : {50.0f, -50.0f}) {
-        ChorusEffect chorus({25, 0, feedback, 1.1f, 1, 2, 3}, {8000, 1});
-        const Pcm out = Through(chorus, MakeImpulse(100));
-        for (std::size_t i = 0; i < out.size(); ++i) {
-            const double echo = 0.25 * std::pow(feedback / 100, static_cast<double>(i) / 16 - 1);
-            const double expected = i == 0 ? 0.75 : i % 16 == 0 ? echo : 0.0;
-            EXPECT_NEAR(out[i], expected, 1e-6) << "feedback " << feedback << ", sample frame " << i;
-        }
-    }
+    ExpectSweep<ChorusEffect>(FXChorus{100, 10, 0, 1.7f, 1, 16, 3});
+    ExpectSweep<ChorusEffect>(FXChorus{70, 60, -50, 1.2f, 0, 8, 0});
+    ExpectSweep<ChorusEffect>(FXChorus{50, 25, 30, 0.0f, 1, 20, 1});
+    ExpectSweep<FlangerEffect>(FXFlanger{100, 100, 0, 1.25f, 1, 2, 2});
+    ExpectSweep<FlangerEffect>(FXFlanger{25, 50, 60, 2.5f, 0, 4, 4});
 }
 
 // The sum of the geometric series of 0.99 is 100, and the cubic adds a quarter to a single sample at most.
-TEST(Flanger, StaysBoundedWhileItSweepsWithTheMostFeedback)
+TEST(Sweep, StaysBoundedWithTheMostFeedback)
 {
     for (const float feedback : {99.0f, -99.0f}) {
         FlangerEffect flanger({100, 100, feedback, 10, 0, 4, 0}, {8000, 2});
