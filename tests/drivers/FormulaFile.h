@@ -62,8 +62,6 @@ public:
         readsPerSlowOne = newReadsPerSlowOne;
         slowness = newSlowness;
     }
-    /// The longest that a read has really taken.
-    std::chrono::duration<double> GetSlowestRead() const { return slowestRead; }
 
     /// From now on nobody may call any operation; GetForbiddenTouches() counts those who do.
     void Forbid() { forbidden = true; }
@@ -84,7 +82,9 @@ public:
     int ReadSamples(unsigned char* buffer, int samples) override
     {
         forbiddenTouches += forbidden;
-        Dawdle();
+        if (readsPerSlowOne > 0 && reads++ % readsPerSlowOne == 0) {
+            std::this_thread::sleep_for(slowness);
+        }
         // Only then: the game's thread may ask for the rate meanwhile.
         if (trueRateHz > 0) {
             sampleFrequency = trueRateHz;
@@ -127,16 +127,6 @@ private:
         return std::lround(std::clamp(value * steps, -steps, steps - 1.0));
     }
 
-    void Dawdle()
-    {
-        if (readsPerSlowOne > 0 && reads++ % readsPerSlowOne == 0) {
-            const auto begin = std::chrono::steady_clock::now();
-            std::this_thread::sleep_for(slowness);
-            const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
-            slowestRead = std::max(slowestRead, taken);
-        }
-    }
-
     const Formula formula;
     int dataEnd;
     int pauseAt = 0;
@@ -144,7 +134,6 @@ private:
     int readsPerSlowOne = 0; ///< 0: all are quick.
     int reads = 0;
     std::chrono::milliseconds slowness{};
-    std::chrono::duration<double> slowestRead{};
     std::atomic<bool> forbidden = false;
     std::atomic<int> forbiddenTouches = 0;
     std::mutex mutex;

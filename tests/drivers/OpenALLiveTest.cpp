@@ -22,47 +22,18 @@ const bool isQuietOutput = setenv("ALSOFT_DRIVERS", "null", 1) == 0;
 
 /// The driver on its own thread. Time is the machine's here, so nothing asks how long a thing took: a test
 /// waits for what has to happen, for as long as it takes.
+///
+/// For the second test, game code that starts, steers, appends to, fades and stops sounds at random, also
+/// from inside events.
 class OpenALLive : public testing::Test
 {
 protected:
-    void Open()
-    {
-        ASSERT_TRUE(isQuietOutput);
-        ASSERT_TRUE(rig.Open(rateHz, 16));
-    }
-
-    FickleMachine machine;
-    DriverRig rig{machine.MakeDriver()};
-};
-
-TEST_F(OpenALLive, AChannelWhoseLockIsHeldForLongDoesNotHoldUpTheOthers)
-{
-    Open();
-    FormulaFile& held = rig.Make({100 * rateHz}, Constant(0.1));
-    FormulaFile& other = rig.Make({100 * rateHz}, Constant(0.1));
-    SndChannel* const channel = rig.Play(held);
-    rig.Play(other);
-    ASSERT_TRUE(held.WaitUntilRead(1));
-    channel->Lock();
-    const long readSoFar = held.GetFramesRead();
-    EXPECT_TRUE(other.WaitUntilRead(other.GetFramesRead() + rateHz / 2));
-    EXPECT_EQ(held.GetFramesRead(), readSoFar);
-    channel->Unlock();
-    EXPECT_TRUE(held.WaitUntilRead(readSoFar + rateHz / 4)) << "and it goes on afterwards";
-}
-
-/// Game code that starts, steers, appends to, fades and stops sounds at random, also from inside events,
-/// while the driver's thread plays them.
-class RandomGame : public OpenALLive
-{
-protected:
-    RandomGame()
+    OpenALLive()
     {
         effects.Add(SndFXEcho, FXEcho{50, 30, 20, 30, 1}).Add(SndFXEnvReverb, fxEnvReverbPaddedCell);
+        EXPECT_TRUE(isQuietOutput);
+        EXPECT_TRUE(rig.Open(rateHz, 16));
     }
-
-    /// Plays for long enough; `trouble` may make some before each update.
-    void Run(const std::function<void(int update)>& trouble);
 
     struct Playing
     {
@@ -94,16 +65,6 @@ protected:
         }
     }
 
-    void ChangeRoom()
-    {
-        if (Draw(4) == 0) {
-            rig.GetDriver().ResetFXEnvReverb(0);
-        }
-        else {
-            EXPECT_TRUE(rig.GetDriver().SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbAlley, 2, 0));
-        }
-    }
-
     void Steer(SndChannel* channel, const Playing& sound)
     {
         const FXEnvReverbSourceProperties dull = {-Draw(2000), 0, 0, -Draw(2000), 0, 0, 0, -500, 0.5f};
@@ -124,9 +85,10 @@ protected:
             EXPECT_LE(channel->GetRemainLength(), 1000u);
             break;
         case 4:
-            ChangeRoom();
+            EXPECT_TRUE(rig.GetDriver().SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbAlley, 2, 0));
             break;
         case 5:
+            rig.GetDriver().ResetFXEnvReverb(0);
             channel->SetFXEnvReverbSourceProperties(&dull);
             break;
         default:
@@ -185,6 +147,8 @@ protected:
     }
 
     const std::thread::id taskThread = std::this_thread::get_id();
+    FickleMachine machine;
+    DriverRig rig{machine.MakeDriver()};
     std::mt19937 random{20262};
     Testing::OwnedList effects;
     std::vector<FormulaFile*> files;
@@ -193,17 +157,35 @@ protected:
     int ends = 0;
 };
 
-void RandomGame::Run(const std::function<void(int update)>& trouble)
+TEST_F(OpenALLive, AChannelWhoseLockIsHeldForLongDoesNotHoldUpTheOthers)
 {
-    Open();
+    FormulaFile& held = rig.Make({100 * rateHz}, Constant(0.1));
+    FormulaFile& other = rig.Make({100 * rateHz}, Constant(0.1));
+    SndChannel* const channel = rig.Play(held);
+    rig.Play(other);
+    ASSERT_TRUE(held.WaitUntilRead(1));
+    channel->Lock();
+    const long readSoFar = held.GetFramesRead();
+    EXPECT_TRUE(other.WaitUntilRead(other.GetFramesRead() + rateHz / 2));
+    EXPECT_EQ(held.GetFramesRead(), readSoFar);
+    channel->Unlock();
+    EXPECT_TRUE(held.WaitUntilRead(readSoFar + rateHz / 4)) << "and it goes on afterwards";
+}
+
+TEST_F(OpenALLive, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSoundAlsoWhenTheDeviceComesAndGoes)
+{
     FormulaFile& clock = rig.Make({100 * rateHz}, Constant(0.0));
     rig.Play(clock);
     rig.onEvent = [this](const DriverEvent& event) { OnEvent(event); };
-    const int enough = 25;
-    for (int update = 0; (update < 150 || changes < enough || ends < enough) && !HasFailure(); ++update) {
+    constexpr int steady = 100;
+    constexpr int enough = 40;
+    for (int update = 0; (update < 250 || changes < enough || ends < enough) && !HasFailure(); ++update) {
         // At the pace of the sound: some 15 ms an update.
         ASSERT_TRUE(clock.WaitUntilRead(clock.GetFramesRead() + 1));
-        trouble(update);
+        machine.isThere = update < steady || update % 16 != 0;
+        if (update > steady && update % 8 == 0) {
+            machine.hasGoneOnce = true;
+        }
         DoSomething();
         rig.Step(40, [this] {
             for (int i = Draw(4); i > 0; --i) {
@@ -211,29 +193,11 @@ void RandomGame::Run(const std::function<void(int update)>& trouble)
             }
         });
     }
+    EXPECT_GT(machine.timesOpened, 2);
     rig.Close();
     for (const FormulaFile* const file : files) {
         EXPECT_EQ(file->GetForbiddenTouches(), 0);
     }
-}
-
-TEST_F(RandomGame, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSound)
-{
-    Run([](int) {});
-    EXPECT_EQ(machine.timesOpened, 1);
-}
-
-TEST_F(RandomGame, TheSameHoldsWithoutADeviceAndWhileItComesAndGoes)
-{
-    machine.isThere = false;
-    rig.GetOptions().Set("OpenALFallback", "1");
-    Run([this](int update) {
-        machine.isThere = update >= 50 && update % 16 != 0;
-        if (update % 8 == 0) {
-            machine.hasGoneOnce = true;
-        }
-    });
-    EXPECT_GT(machine.timesOpened, 2);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "drivers/openal/Acoustics.h"
 #include "drivers/openal/DeviceSource.h"
 #include "drivers/openal/OutputDevice.h"
+#include "drivers/openal/Room.h"
 #include "drivers/openal/SourceAcoustics.h"
 #include "drivers/openal/Voice.h"
 #include "examples/effects/Decay.h"
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace Quon
 {
@@ -92,9 +92,8 @@ TEST_F(Rooms, AClickDecaysInTheTimeOfItsRoom)
         double least, most; ///< Of the decay time.
     };
     // Where high frequencies decay in a tenth of the time, those of 500 Hz are a good deal faster too.
-    const Row rows[] = {{"generic", &fxEnvReverbGeneric, 0.9, 1.1}, {"room", &fxEnvReverbRoom, 0.9, 1.1},
-        {"hangar", &fxEnvReverbHangar, 0.9, 1.1}, {"parking lot", &fxEnvReverbParkingLot, 0.9, 1.1},
-        {"city", &fxEnvReverbCity, 0.9, 1.1}, {"underwater", &fxEnvReverbUnderwater, 0.4, 0.9}};
+    const Row rows[] = {{"room", &fxEnvReverbRoom, 0.9, 1.1}, {"hangar", &fxEnvReverbHangar, 0.9, 1.1},
+        {"parking lot", &fxEnvReverbParkingLot, 0.9, 1.1}, {"underwater", &fxEnvReverbUnderwater, 0.4, 0.9}};
     OwnedList list;
     list.Add(SndFXEnvReverbSource, onlyRoom);
     for (const Row& row : rows) {
@@ -125,24 +124,8 @@ TEST_F(Rooms, OnlyPositionalSoundsThatDoNotRefuseAreInTheRoom)
     }
 }
 
-TEST_F(Rooms, AfterAResetASoundIsAsDryAsBefore)
-{
-    PlayTone(440);
-    rig->StepTimes(20, 50);
-    SetRoom(&fxEnvReverbHangar);
-    rig->StepTimes(20, 50);
-    EXPECT_GT(std::abs(GetLevel() - 0.2 * frontGain), 0.005);
-    SetRoom(nullptr);
-    rig->StepTimes(20, 50);
-    const Rendering heard = rig->Heard();
-    // Whole seconds lie between, and the tone repeats in each.
-    for (size_t i = rateHz / 2; i < rateHz; ++i) {
-        ASSERT_EQ(heard.At(i), heard.At(i + 2 * rateHz)) << i;
-    }
-}
-
 // The steepest step while rooms change may be no steeper than within the room where it is steepest.
-TEST_F(Rooms, AChangeOfRoomDoesNotClick)
+TEST_F(Rooms, AChangeOfRoomDoesNotClickAndAfterAResetTheSoundIsAsDryAsBefore)
 {
     const FXEnvReverb* const rooms[] = {&fxEnvReverbHangar, &fxEnvReverbPaddedCell, &fxEnvReverbUnderwater,
         &fxEnvReverbSewerPipe, nullptr, &fxEnvReverbBathRoom, &fxEnvReverbPsychotic};
@@ -161,12 +144,19 @@ TEST_F(Rooms, AChangeOfRoomDoesNotClick)
             rig->Step(ms, [&] { SetRoom(room); });
         }
     }
-    rig->Step(500);
+    SetRoom(nullptr);
+    rig->StepTimes(20, 50);
     const Rendering heard = rig->Heard();
     EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 1.1 * steepest);
     // The tone has bends of 6e-5 in the loudest room, and 16 bits as much again.
     EXPECT_LT(heard.LargestBend(begin, heard.GetFrames()), 2e-4);
     EXPECT_GT(steepest, 0.0017) << "the tone alone";
+    // The tone repeats every 10 ms, and there was no room around it before the tenth second was over.
+    const size_t last = heard.GetFrames() - rateHz / 2;
+    const size_t dry = 9 * rateHz + last % (rateHz / 100);
+    for (size_t i = 0; i < rateHz / 2; ++i) {
+        ASSERT_EQ(heard.At(last + i), heard.At(dry + i)) << i;
+    }
 }
 
 TEST_F(Rooms, SourcePropertiesWeakenTheDirectSoundAndTheWayIntoTheRoom)
@@ -246,36 +236,28 @@ TEST_F(Rooms, SourcePropertiesAreToldAsTheyAreAppliedAndOnlyOfPositionalSounds)
     EXPECT_FALSE(rig->GetDriver().SetFXEnvReverb(nullptr, 2, 0));
 }
 
-/// A device on which the parts of the driver are looked at one by one.
-class RoomParts : public testing::Test
-{
-protected:
-    RoomParts() { EXPECT_TRUE(device.OpenLoopback(rateHz, Hrtf::Off)); }
-
-    OutputDevice device{DeviceSource::GetMachine()};
-};
-
 // As a sound card does it: time goes on in steps of 10 ms, and now and then the device mixes what is due.
-TEST_F(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
+TEST(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
 {
+    OutputDevice device(DeviceSource::GetMachine());
+    ASSERT_TRUE(device.OpenLoopback(rateHz, Hrtf::Off));
     const ContextScope scope(device);
     Acoustics acoustics(device);
     ASSERT_TRUE(acoustics.Create());
     Voice voice;
     ASSERT_TRUE(voice.Create(false));
     voice.Begin(true);
-    voice.SetPosition({0, 0, -1});
     SourceAcoustics source(acoustics);
     source.Begin(voice.GetSource(), true, false, SndFXList());
-    std::vector<float> tone(15 * rateHz);
-    for (size_t i = 0; i < tone.size(); ++i) {
+    std::vector<float> tone;
+    for (int i = 0; i < 10 * rateHz; ++i) {
         const double rise = std::min(static_cast<double>(i) / rateHz, 1.0);
-        tone[i] = static_cast<float>(0.2 * rise * Sine(100, 1, rateHz)(static_cast<int>(i), 0));
+        tone.push_back(static_cast<float>(rise * Sine(100, 0.2, rateHz)(i, 0)));
     }
     voice.Queue(tone.data(), static_cast<int>(tone.size()), 1, rateHz);
     const FXEnvReverb* const rooms[] = {&fxEnvReverbHangar, &fxEnvReverbPaddedCell, nullptr};
     Rendering heard{rateHz, 2, false, {}};
-    for (int ms = 0; ms < 13500; ms += 10) {
+    for (int ms = 0; ms < 9000; ms += 10) {
         if (ms % 450 == 0) {
             const FXEnvReverb* const room = rooms[ms / 450 % 3];
             acoustics.ResetRoom();
@@ -285,7 +267,7 @@ TEST_F(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
         if (source.IsBehind()) {
             source.Follow(voice.IsPlaying());
         }
-        const int period = ms < 4500 ? 220 : ms < 9000 ? 1024 : 2500;
+        const int period = ms < 4500 ? 220 : 2500;
         while (static_cast<int>(heard.GetFrames()) + period < ms * rateHz / 1000) {
             std::vector<float> block(static_cast<size_t>(2 * period));
             device.Render(block.data(), period);
@@ -293,8 +275,6 @@ TEST_F(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
         }
     }
     EXPECT_LT(heard.LargestBend(1, heard.GetFrames()), 1e-4);
-    const double stepOfTone = 0.2 * frontGain * 2 * std::numbers::pi * 100 / rateHz;
-    EXPECT_GT(heard.LargestStep(1, heard.GetFrames()), 1.1 * stepOfTone) << "rooms are heard";
     voice.GoSilent();
     acoustics.Destroy();
 }
@@ -309,8 +289,10 @@ void GenOneSlot(ALsizei count, ALuint* slots)
     genSlots(slotsLeft-- > 0 ? count : -1, slots);
 }
 
-TEST_F(RoomParts, WithASingleSlotTheNextRoomFollowsWhenTheLastHasFallenSilent)
+TEST(RoomParts, WithASingleSlotTheNextRoomFollowsWhenTheLastHasFallenSilent)
 {
+    OutputDevice device(DeviceSource::GetMachine());
+    ASSERT_TRUE(device.OpenLoopback(rateHz, Hrtf::Off));
     const ContextScope scope(device);
     EfxFunctions efx;
     ASSERT_GT(efx.Load(), 0);
