@@ -119,29 +119,18 @@ private:
     Action DrawAction(SceneDice& dice, int lastID) const;
     void DoBoth(const Action& action);
     void React(int idNearby, bool inModel);
-    void ReadInBoth(SceneDice& dice);
     void DrawDriverEvents(SceneDice& dice);
     void RunDriverEvent(const UpdateModel::DriverEvent& event);
-    void UpdateBoth(float seconds);
     void CompareLogs();
     void CompareSounds();
     ModelSoundPtr DescribeReal(int id) const;
     int GetNumber(const SndChannel* channel) const;
 
-    struct Reactor
-    {
-        explicit Reactor(unsigned int seed)
-            : dice(seed, 0)
-        {
-        }
-
-        SceneDice dice;
-        int depth = 0;
-    };
-
     std::unique_ptr<UpdateModel> model;
     std::string where; ///< For whoever reads of a failure.
-    std::unique_ptr<Reactor> reactors[2];
+    /// Of the observers in the real system and in the model.
+    std::unique_ptr<SceneDice> reactionDice[2];
+    int reactionDepth[2] = {};
     std::vector<std::unique_ptr<LoggingObserver>> others;
     std::map<std::string, MemoryBlock*> memory;
     Music music[2];
