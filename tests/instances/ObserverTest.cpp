@@ -68,17 +68,21 @@ TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsAndThenTellsTheShutdown)
 }
 
 // The walk of an update went by what had been there at its start; the end of a group must not.
-TEST_F(ObserverTest, AGroupCanComeAndGoInsideAHandler)
+TEST_F(ObserverTest, AGroupCanComeAndGoInsideAHandlerAndTheSoundThatIsToldAboutStands)
 {
-    Play(file);
+    const int id = Play3D(file, 3.0F);
     observer->react = [&](const Note&) {
+        EXPECT_EQ(group->GetSoundPosition(id).x, 3.0F);
+        EXPECT_EQ(group->GetRemainLength(id), 2000U);
         Sound brief;
         EXPECT_NE(brief.Play2DSound(file, nullptr, Sound::StartImmediately, 0, 0), 0);
         EXPECT_NE(brief.Play2DSound(file, nullptr, 0, 0, 0), 0);
     };
     Step(40);
-    EXPECT_EQ(Playing().size(), 1U);
+    EXPECT_EQ(Playing(), Ids{id});
     EXPECT_EQ(Waiting(), Ids());
+    group->StopSound(id);
+    EXPECT_EQ(Playing(), Ids());
 }
 
 } // namespace

@@ -30,14 +30,14 @@ int SoundTest::Play(const PString& file, int flags, int priority, int delay)
     return group->Play2DSound(file, nullptr, flags, priority, delay);
 }
 
-int SoundTest::Play3D(const PString& file, float x, int flags, int priority, float maxDistance)
+int SoundTest::Play3D(const PString& file, float x)
 {
     Sound::Settings settings;
     settings.setDistance = true;
     settings.minDistance = 1.0F;
-    settings.maxDistance = maxDistance;
+    settings.maxDistance = 100.0F;
     settings.cutout = true;
-    return group->Play3DSound(Vector3{x, 0.0F, 0.0F}, file, nullptr, flags, priority, settings, 0);
+    return group->Play3DSound(Vector3{x, 0.0F, 0.0F}, file, nullptr, 0, 0, settings, 0);
 }
 
 MemoryBlock& SoundTest::NewBlock(const std::string& name, const PcmForm& form)

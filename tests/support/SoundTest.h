@@ -28,8 +28,8 @@ protected:
 
     /// Plays from a file of the folder.
     int Play(const PString& file, int flags = 0, int priority = 0, int delay = 0);
-    /// On the X axis at that distance, with the distances 1 and `maxDistance` and cutout.
-    int Play3D(const PString& file, float x, int flags = 0, int priority = 0, float maxDistance = 100.0F);
+    /// On the X axis at that distance, with the distances 1 and 100 and cutout.
+    int Play3D(const PString& file, float x);
     /// Prepares a block of memory that is called `name` in the log.
     MemoryBlock& NewBlock(const std::string& name, const PcmForm& form);
 
