@@ -7,6 +7,7 @@
 
 #include "tests/support/TempFolder.h"
 
+#include <functional>
 #include <gtest/gtest.h>
 #include <memory>
 #include <vector>
@@ -76,14 +77,11 @@ protected:
         for (const char* name : {"txt", "sound", "sound.txt", "wav"}) {
             new LoggingType(name);
         }
-        folder.Write("first/shot.wav", "wave");
-        folder.Write("first/both.wav", "wave");
-        folder.Write("first/horn.sound", "*A");
-        folder.Write("first/bell.sound.txt", "*A");
-        folder.Write("first/readme.txt", "text");
-        folder.Write("first/strange.ogg", "ogg");
-        folder.Write("second/both.wav", "wave");
-        folder.Write("second/sub/Deep.WAV", "wave");
+        for (const char* name :
+            {"first/shot.wav", "first/both.wav", "first/horn.sound", "first/bell.sound.txt",
+                "first/readme.txt", "first/strange.ogg", "second/both.wav", "second/sub/Deep.WAV"}) {
+            folder.Write(name, "data");
+        }
         database = std::make_unique<ResourceDatabase>();
         EXPECT_TRUE(database->AddFolder("first", folder.Path("first").c_str()));
         EXPECT_TRUE(database->AddFolder("second", folder.Path("second").c_str()));
@@ -200,25 +198,17 @@ TEST_F(Resources, AreLoadedAgainWhenTheirFileHasChangedAndKeptWhileItIsGone)
     }
 }
 
-TEST_F(Resources, AreDroppedWhenNobodyHasUsedThemForARound)
+// A type is used by its resources, and goes with the last of them.
+TEST_F(Resources, AreDroppedWhenNobodyHasUsedThemForARoundAndOutliveTheirDatabaseWhileSomebodyHoldsThem)
 {
     const Resource* const held = Find("shot.wav");
-    const Resource* const released = Find("both.wav");
-    released->ReleaseReference();
+    Find("both.wav")->ReleaseReference();
     database->DropUnused();
     EXPECT_EQ(database->GetCount(), 2u);
-    EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log{"delete both.wav"});
-    held->ReleaseReference();
-    Find("shot.wav")->ReleaseReference();
+    Find("both.wav")->ReleaseReference();
     EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log());
-    EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log{"delete shot.wav"});
-    EXPECT_EQ(database->GetCount(), 0u);
-}
-
-// A type is used by its resources, and goes with the last of them.
-TEST_F(Resources, OutliveTheirDatabaseAndHoldTheirTypeWhileSomebodyHoldsThem)
-{
-    const Resource* const held = Find("shot.wav");
+    EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log{"delete both.wav"});
+    EXPECT_EQ(database->GetCount(), 1u);
     held->Lock(database.get());
     EXPECT_EQ(LogOf([&] { PluginRegistry::Get().ReleaseAll(); }),
         (Log{"delete type txt", "delete type sound", "delete type sound.txt"}));
@@ -229,44 +219,44 @@ TEST_F(Resources, OutliveTheirDatabaseAndHoldTheirTypeWhileSomebodyHoldsThem)
         (Log{"unload shot.wav", "delete shot.wav", "delete type wav"}));
 }
 
-/// Writes down what it hears, and takes itself and another off while it is told.
-class LeavingObserver : public ResourceObserver
+/// Writes down what it hears, and answers a load if it is told to.
+class LoggingObserver : public ResourceObserver
 {
 public:
-    LeavingObserver(Log& newLog, const char* newName)
-        : log(newLog)
-        , name(newName)
+    explicit LoggingObserver(const char* newName)
+        : name(newName)
     {
     }
 
-    void OnResourceLoaded(const Resource& resource) const override
+    void OnResourceLoaded(const Resource&) const override
     {
-        log.push_back(name + " loaded");
-        if (companion != nullptr) {
-            resource.RemoveObserver(this);
-            resource.RemoveObserver(companion);
-            resource.AddObserver(companion);
+        theLog->push_back(name + " loaded");
+        if (answer) {
+            answer();
         }
     }
-    void OnResourceUnloaded(const Resource&) const override { log.push_back(name + " unloaded"); }
+    void OnResourceUnloaded(const Resource&) const override { theLog->push_back(name + " unloaded"); }
 
-    const LeavingObserver* companion = nullptr;
+    std::function<void()> answer;
 
 private:
-    Log& log;
     std::string name;
 };
 
 TEST_F(Resources, TellTheirObserversWhoMayComeAndGo)
 {
-    LeavingObserver first(log, "first");
-    LeavingObserver second(log, "second");
-    LeavingObserver third(log, "third");
-    first.companion = &second;
+    LoggingObserver first("first");
+    LoggingObserver second("second");
+    LoggingObserver third("third");
     const Resource* const resource = Find("shot.wav");
-    for (const LeavingObserver* observer : {&first, &second, &third}) {
+    for (const LoggingObserver* observer : {&first, &second, &third}) {
         resource->AddObserver(observer);
     }
+    first.answer = [&] {
+        resource->RemoveObserver(&first);
+        resource->RemoveObserver(&second);
+        resource->AddObserver(&second);
+    };
     EXPECT_EQ(LogOf([&] { resource->Lock(database.get()); }),
         (Log{"load shot.wav", "first loaded", "third loaded"}));
     resource->Unlock();
