@@ -84,9 +84,7 @@ Bytes DecodePlainly(const Bytes& data, std::size_t channels, std::size_t blockAl
     return pcm;
 }
 
-class AdpcmReader : public SoundFolder
-{
-};
+using AdpcmReader = SoundFolder;
 
 TEST_F(AdpcmReader, GivesWhatSoxGivesBitForBit)
 {

@@ -33,13 +33,13 @@ Bytes PcmFormat(int channels, std::uint32_t rateHz, int bits)
     return FormatBytes(1, channels, rateHz, channels * bits / 8, bits);
 }
 
-Bytes AdpcmFormat(int channels, std::uint32_t rateHz, int blockAlign,
-    const std::vector<std::pair<int, int>>& pairs, std::optional<int> statedPairs)
+Bytes AdpcmFormat(
+    int channels, std::uint32_t rateHz, int blockAlign, const std::vector<std::pair<int, int>>& pairs)
 {
     const int pairCount = static_cast<int>(pairs.size());
     const int samplesPerBlock = channels == 1 ? 2 * blockAlign - 12 : blockAlign - 12;
     Bytes format = FormatBytes(2, channels, rateHz, blockAlign, 4) + Little16(4 + 4 * pairCount) +
-        Little16(samplesPerBlock) + Little16(statedPairs.value_or(pairCount));
+        Little16(samplesPerBlock) + Little16(pairCount);
     for (const auto& [coef1, coef2] : pairs)
         format = format + Little16(coef1) + Little16(coef2);
     return format;

@@ -18,9 +18,9 @@ Bytes Little32(long long number);
 /// The 16 bytes that every "fmt " chunk begins with.
 Bytes FormatBytes(int tag, int channels, std::uint32_t rateHz, int blockAlign, int bits);
 Bytes PcmFormat(int channels, std::uint32_t rateHz, int bits);
-/// The ADPCM record with its coefficient pairs; `statedPairs` is what it says of their number.
-Bytes AdpcmFormat(int channels, std::uint32_t rateHz, int blockAlign,
-    const std::vector<std::pair<int, int>>& pairs, std::optional<int> statedPairs = {});
+/// The ADPCM record with its coefficient pairs.
+Bytes AdpcmFormat(
+    int channels, std::uint32_t rateHz, int blockAlign, const std::vector<std::pair<int, int>>& pairs);
 
 /// The seven usual pairs.
 extern const std::vector<std::pair<int, int>> usualPairs;

@@ -197,16 +197,12 @@ TEST(Decoding, ReadsEveryCodeOfEveryTableAsAWalkThroughTheListDoes)
 
 TEST(Decoding, TruncatesAndClipsToSixteenBits)
 {
-    constexpr struct
-    {
-        float sample;
-        int pcm;
-    } rows[] = {{0.0f, 0}, {1.0f, 32767}, {-1.0f, -32767}, {1.001f, 32767}, {-1.001f, -32768},
-        {1.9f / 32767, 1}, {-1.9f / 32767, -1}, {1e30f, 32767}, {-1e30f, -32768}};
+    const std::pair<float, int> rows[] = {{0.0f, 0}, {1.0f, 32767}, {-1.0f, -32767}, {1.001f, 32767},
+        {-1.001f, -32768}, {1.9f / 32767, 1}, {-1.9f / 32767, -1}, {1e30f, 32767}, {-1e30f, -32768}};
     OnAllKernels([&](const DecoderKernels& kernels) {
-        for (const auto& row : rows) {
-            SCOPED_TRACE(row.sample);
-            const std::vector<float> left(linesPerGranule, row.sample);
+        for (const auto& [sample, expected] : rows) {
+            SCOPED_TRACE(sample);
+            const std::vector<float> left(linesPerGranule, sample);
             const std::vector<float> right(linesPerGranule, 100.5f / 32767);
             Bytes pcm(4 * linesPerGranule);
             kernels.storePcm16(left.data(), right.data(), linesPerGranule, pcm.data());
@@ -214,9 +210,9 @@ TEST(Decoding, TruncatesAndClipsToSixteenBits)
             kernels.storePcm16(left.data(), nullptr, linesPerGranule, pcm.data());
             const std::vector<int> mono = ToValues(pcm);
             for (int i = 0; i < linesPerGranule; ++i) {
-                ASSERT_EQ(stereo[2 * i], row.pcm);
+                ASSERT_EQ(stereo[2 * i], expected);
                 ASSERT_EQ(stereo[2 * i + 1], 100);
-                ASSERT_EQ(mono[i], row.pcm);
+                ASSERT_EQ(mono[i], expected);
             }
         }
     });
