@@ -95,21 +95,13 @@ TEST_F(FXLists, TheMaskTakesOutItsEffectsAndKeepsTheOrderOfTheOthers)
     list.AddFX(SndFXEcho, &echo, sizeof echo, 0);
     list.AddFX(SndFXEnvReverb, &fxEnvReverbForest, 52, 7);
     list.AddFX(SndFXChorus, &chorus, sizeof chorus, 0);
-    const struct
-    {
-        unsigned long mask;
-        std::vector<SndFX> kept;
-    } rows[] = {
-        {0x1FF, {SndFXEcho, SndFXEnvReverb, SndFXChorus}},
-        {0x1FE, {SndFXEcho, SndFXChorus}},
-        {0x1FD, {SndFXEcho, SndFXEnvReverb}},
-        {0x001, {SndFXEnvReverb}},
-        {0x000, {}},
-    };
-    for (const auto& row : rows) {
-        SCOPED_TRACE(row.mask);
-        SndFXList kept = list.DuplicateFiltered(row.mask);
-        EXPECT_EQ(GetOrder(kept), row.kept);
+    const std::pair<unsigned long, std::vector<SndFX>> rows[] = {
+        {0x1FF, {SndFXEcho, SndFXEnvReverb, SndFXChorus}}, {0x1FE, {SndFXEcho, SndFXChorus}},
+        {0x1FD, {SndFXEcho, SndFXEnvReverb}}, {0x001, {SndFXEnvReverb}}, {0x000, {}}};
+    for (const auto& [mask, expected] : rows) {
+        SCOPED_TRACE(mask);
+        SndFXList kept = list.DuplicateFiltered(mask);
+        EXPECT_EQ(GetOrder(kept), expected);
         if (const SndFXDesc* room = kept.GetFXDesc(SndFXEnvReverb)) {
             EXPECT_EQ(room->GetQuality(), 7);
             EXPECT_EQ(std::memcmp(room->GetRecord(), &fxEnvReverbForest, 48), 0);

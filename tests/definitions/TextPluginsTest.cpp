@@ -6,6 +6,8 @@
 #include "harmonet/kernel/QuonGetPlugins.h"
 #include "tests/definitions/DefinitionTest.h"
 
+#include <tuple>
+
 namespace Quon
 {
 
@@ -16,13 +18,10 @@ using TextPlugins = DefinitionTest;
 
 TEST_F(TextPlugins, FourTypesLeadFromTheNamesInAFolderToSettings)
 {
-    const struct
-    {
-        const char* name;
-        const char* id;
-        std::size_t size;
-    } expected[] = {{"sound", "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundDefResource)},
-        {"sound.txt", "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundDefResource)},
+    constexpr const char* definitionId = "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1";
+    const std::tuple<const char*, const char*, std::size_t> expected[] = {
+        {"sound", definitionId, sizeof(SoundDefResource)},
+        {"sound.txt", definitionId, sizeof(SoundDefResource)},
         {"wav", "6B7E2192-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundResource)},
         {"mp3", "6B7E2194-3F4C-41A7-8C2D-5E19A07C33D1", sizeof(SoundResource)}};
     PluginRegistry::Get().ReleaseAll();
@@ -35,14 +34,14 @@ TEST_F(TextPlugins, FourTypesLeadFromTheNamesInAFolderToSettings)
     const std::vector<const PluginType*> types(registered.begin(), registered.end());
     ASSERT_EQ(types.size(), std::size(expected));
     for (std::size_t i = 0; i < types.size(); ++i) {
-        SCOPED_TRACE(expected[i].name);
+        const auto& [name, id, size] = expected[i];
+        SCOPED_TRACE(name);
         const auto* type = dynamic_cast<const ResourceTypeBase*>(types[i]);
         ASSERT_NE(type, nullptr);
-        EXPECT_EQ(type->GetName().GetView(), expected[i].name);
-        EXPECT_EQ(type->GetTypeID(), UId(expected[i].id));
-        EXPECT_FALSE(type->GetTypeID().IsZero());
+        EXPECT_EQ(type->GetName().GetView(), name);
+        EXPECT_EQ(type->GetTypeID(), UId(id));
         EXPECT_EQ(type->GetCommonID(), UId("6B7E2180-3F4C-41A7-8C2D-5E19A07C33D1"));
-        EXPECT_EQ(type->GetSize(), static_cast<int>(expected[i].size));
+        EXPECT_EQ(type->GetSize(), static_cast<int>(size));
     }
 
     folder.Write("river.sound", "*SOUND_DEFINITION { *FILE w.wav\n*GAIN 0.5 }");

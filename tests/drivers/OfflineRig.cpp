@@ -1,5 +1,7 @@
 #include "tests/drivers/OfflineRig.h"
 
+#include "tests/support/TempFolder.h"
+
 #include <gtest/gtest.h>
 #include <sndfile.h>
 
@@ -21,31 +23,20 @@ namespace Quon
 namespace
 {
 
-class TestFolder
-{
-public:
-    TestFolder()
-    {
-        std::string name = (std::filesystem::temp_directory_path() / "harmonet-test-XXXXXX").string();
-        path = mkdtemp(name.data());
-        for (const char* const variable : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"}) {
-            setenv(variable, path.c_str(), 1);
-        }
-    }
-    ~TestFolder() { std::filesystem::remove_all(path); }
-
-    std::filesystem::path path;
-};
-
 // Before main(), since OpenAL reads its configuration when it is first used.
-const std::filesystem::path& testFolder = GetTestFolder();
+const bool hasNoUser = [] {
+    for (const char* const variable : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"}) {
+        setenv(variable, GetTestFolder().c_str(), 1);
+    }
+    return true;
+}();
 
 } // namespace
 
 const std::filesystem::path& GetTestFolder()
 {
-    static const TestFolder folder;
-    return folder.path;
+    static const TempFolder folder;
+    return folder.GetPath();
 }
 
 double Rendering::At(size_t sampleFrame, int side) const

@@ -117,16 +117,5 @@ TEST_F(OpenALEffects, AFileAppendedDuringTheTailGoesOnSoonAndThroughTheSameEffec
     ExpectHeard(dry);
 }
 
-TEST_F(OpenALEffects, ALoopHasNoTailAndItsEchoesGoOnOverItsSeams)
-{
-    list.Add(SndFXEcho, echo);
-    FormulaFile& loop = rig.Make({4410}, Constant(0.1));
-    rig.Play(loop, ChanLooping, list.Get());
-    rig.StepTimes(20, 50);
-    // 0.05 dry and 0.05 * (1 + 1/2 + 1/4) of the echoes so far.
-    EXPECT_NEAR(rig.Heard().samples.back(), 0.05 + 0.05 * 1.75, 2 * roundingError);
-    EXPECT_TRUE(rig.TakeEvents().empty());
-}
-
 } // namespace
 } // namespace Quon

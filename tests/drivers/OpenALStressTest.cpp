@@ -1,6 +1,3 @@
-#include "harmonet/definitions/EnvReverbPresets.h"
-#include "harmonet/instances/Microphone.h"
-#include "harmonet/instances/Music.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/instances/SoundObserver.h"
 #include "tests/drivers/OfflineRig.h"
@@ -24,7 +21,8 @@ constexpr int rateHz = 22050;
 constexpr int maxSounds = 6;
 
 /// A game that plays, fades, appends, steers and stops sounds at random, from its frames and from inside the
-/// events of its sounds. It plays many more than there are channels, so that they come and go unheard, too.
+/// events of its sounds, while the driver's thread plays them. Many more than there are channels, so that
+/// they come and go unheard, too.
 class StressGame : public HostTest, public SoundObserver
 {
 protected:
@@ -52,8 +50,6 @@ protected:
     };
 
     int Draw(int below) { return std::uniform_int_distribution<>(0, below - 1)(random); }
-    const PString& DrawName() { return names[static_cast<std::size_t>(Draw(8))]; }
-    Vector3 DrawPlace() { return {static_cast<float>(Draw(12)), 0.0F, static_cast<float>(Draw(12))}; }
     int DrawFlags() { return Draw(2) * Sound::StartImmediately + Draw(2) * Sound::StartChgFrequency; }
 
     /// A block that nobody has, or null.
@@ -78,15 +74,10 @@ protected:
         if (!block) {
             return;
         }
-        const int id = Draw(2) ? group.New2DSound(block->GetData(), block->GetSize(), &block->format)
-                               : group.New3DSound(block->GetData(), block->GetSize(), &block->format);
+        const int id = group.New2DSound(block->GetData(), block->GetSize(), &block->format);
         ASSERT_NE(id, 0);
         block->owner = id;
         Append(id);
-        if (Draw(3) == 0) {
-            const FXEcho echo = {50.0f, 30.0f, 40.0f, 30.0f, 0};
-            group.SetFXEcho(id, &echo);
-        }
         if (!group.StartSound(id, DrawFlags() | Sound::StartQueued)) {
             // Without a word to anybody: its blocks are back at once.
             group.DeleteSound(id);
@@ -100,29 +91,18 @@ protected:
     void PlayFile()
     {
         const int flags = DrawFlags() | (Draw(8) == 0 ? Sound::StartLooping : 0);
-        Sound::Settings settings;
-        settings.setDistance = true;
-        settings.maxDistance = 8.0F;
-        settings.cutout = true;
-        Draw(2) ? group.Play2DSound(DrawName(), nullptr, flags, 1 + Draw(3), Draw(3) * 20)
-                : group.Play3DSound(DrawPlace(), DrawName(), nullptr, flags, 1 + Draw(3), settings, 0);
+        group.Play2DSound(names[static_cast<std::size_t>(Draw(8))], nullptr, flags, Draw(3), Draw(3) * 20);
     }
 
     void Steer(int id)
     {
         const std::function<void()> ways[] = {
             [&] { group.FadeOutSound(id, static_cast<unsigned int>(Draw(120))); },
-            [&] { group.SetSoundGain(id, 0.01F * static_cast<float>(Draw(101))); },
             [&] { group.SetFrequency(id, static_cast<unsigned long>(4000 + Draw(60000))); },
-            [&] { group.SetSoundPosition(id, DrawPlace()); },
             [&] { group.GetRemainLength(id); },
-            [&] { group.SetSoundPriority(id, Draw(4)); },
+            [&] { group.SetSoundPriority(id, Draw(3)); },
             [&] { group.StopSound(id); },
             [&] { Append(id); },
-            [&] { Append(id); },
-            [&] { listener.SetPosition(DrawPlace()); },
-            [&] { listener.SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbRoom, 0, 0); },
-            [&] { music.CrossFade(names[static_cast<std::size_t>(Draw(2))], Draw(200), true); },
         };
         ways[Draw(static_cast<int>(std::size(ways)))]();
     }
@@ -152,11 +132,7 @@ protected:
         EXPECT_TRUE(running.insert(id).second) << "began twice";
         React(id);
     }
-    void OnSoundEnd(int id, const PString& name) override
-    {
-        ++ends;
-        OnSoundAbort(id, name, 0);
-    }
+    void OnSoundEnd(int id, const PString& name) override { OnSoundAbort(id, name, 0); }
     void OnSoundAbort(int id, const PString&, int) override
     {
         EXPECT_EQ(running.erase(id), 1u) << "ended without having begun";
@@ -178,10 +154,7 @@ protected:
     std::set<int> running; ///< Sounds that have begun.
     int depth = 0;
     bool isClosing = false; ///< No sound can be made any more.
-    int ends = 0;
     int blocksBack = 0;
-    Microphone listener;
-    Music music;
     Sound group;
 };
 
@@ -189,7 +162,6 @@ TEST_F(StressGame, EverySoundBeginsAndEndsOnceAndEveryBlockComesBackOnce)
 {
     ASSERT_TRUE(isQuietOutput);
     ASSERT_TRUE(Start());
-    listener.Activate();
     const bool isNightly = std::getenv("HARMONET_NIGHTLY") != nullptr;
     auto next = std::chrono::steady_clock::now();
     const auto end = next + (isNightly ? std::chrono::seconds(20) : std::chrono::milliseconds(1500));
@@ -203,10 +175,8 @@ TEST_F(StressGame, EverySoundBeginsAndEndsOnceAndEveryBlockComesBackOnce)
         // Each fourth is a full update.
         Step(10);
     }
-    EXPECT_GT(ends, 5);
     EXPECT_GT(blocksBack, 5);
     isClosing = true;
-    music.Stop();
     system.Done();
     EXPECT_EQ(running.size(), 0u);
     for (const Block& block : blocks) {

