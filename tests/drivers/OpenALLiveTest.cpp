@@ -42,7 +42,6 @@ protected:
     };
 
     int Draw(int below) { return std::uniform_int_distribution<>(0, below - 1)(random); }
-    Vector3 DrawPlace() { return {static_cast<float>(Draw(20)), 0, 1}; }
 
     FormulaFile* NewFile(int fileHz)
     {
@@ -67,35 +66,28 @@ protected:
 
     void Steer(SndChannel* channel, const Playing& sound)
     {
+        SndDriver& driver = rig.GetDriver();
         const FXEnvReverbSourceProperties dull = {-Draw(2000), 0, 0, -Draw(2000), 0, 0, 0, -500, 0.5f};
-        switch (Draw(8)) {
-        case 0:
-            channel->SetFrequency(static_cast<unsigned long>(100 + Draw(99901)));
-            break;
-        case 1:
-            channel->FadeOut(Draw(100));
-            break;
-        case 2:
-            channel->SetGain(0.01f * static_cast<float>(Draw(100)));
-            channel->SetPosition(DrawPlace());
-            channel->SetMinMaxDistance(1, 10, Draw(2) == 0);
-            rig.GetDriver().SetListenerPosition(DrawPlace());
-            break;
-        case 3:
-            EXPECT_LE(channel->GetRemainLength(), 1000u);
-            break;
-        case 4:
-            EXPECT_TRUE(rig.GetDriver().SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbAlley, 2, 0));
-            break;
-        case 5:
-            rig.GetDriver().ResetFXEnvReverb(0);
-            channel->SetFXEnvReverbSourceProperties(&dull);
-            break;
-        default:
+        const auto append = [&] {
             if (!sound.looping) {
                 rig.Append(*channel, *sound.head, *NewFile(sound.head->GetSampleFrequency()));
             }
-        }
+        };
+        const std::function<void()> ways[] = {append, append, append, append,
+            [&] { channel->SetFrequency(static_cast<unsigned long>(100 + Draw(99901))); },
+            [&] { channel->FadeOut(Draw(100)); },
+            [&] { channel->SetGain(0.01f * static_cast<float>(Draw(100))); },
+            [&] {
+                channel->SetPosition({static_cast<float>(Draw(20)), 0, 1});
+            },
+            [&] { channel->SetMinMaxDistance(1, 10, Draw(2) == 0); },
+            [&] {
+                driver.SetListenerPosition({static_cast<float>(Draw(20)), 0, 1});
+            },
+            [&] { EXPECT_LE(channel->GetRemainLength(), 1000u); },
+            [&] { EXPECT_TRUE(driver.SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbAlley, 2, 0)); },
+            [&] { driver.ResetFXEnvReverb(0); }, [&] { channel->SetFXEnvReverbSourceProperties(&dull); }};
+        ways[Draw(static_cast<int>(std::size(ways)))]();
     }
 
     void DoSomething(const SndChannel* notThis = nullptr)

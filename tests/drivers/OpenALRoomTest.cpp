@@ -222,6 +222,7 @@ TEST(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
     Voice voice;
     ASSERT_TRUE(voice.Create(false));
     voice.Begin(true);
+    voice.SetPosition({0, 0, -1});
     SourceAcoustics source(acoustics);
     source.Begin(voice.GetSource(), true, false, SndFXList());
     std::vector<float> tone;
@@ -250,6 +251,7 @@ TEST(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
         }
     }
     EXPECT_LT(heard.LargestBend(1, heard.GetFrames()), 1e-4);
+    EXPECT_GT(heard.LargestStep(1, heard.GetFrames()), 0.0019) << "that of the tone alone is 0.0017";
     voice.GoSilent();
     acoustics.Destroy();
 }

@@ -3,12 +3,14 @@
 #include "drivers/openal/effects/CompressorEffect.h"
 #include "drivers/openal/effects/DistortionEffect.h"
 #include "drivers/openal/effects/EchoEffect.h"
+#include "drivers/openal/effects/EffectChain.h"
 #include "drivers/openal/effects/GargleEffect.h"
 #include "drivers/openal/effects/ParamEqEffect.h"
 #include "drivers/openal/effects/SweptEffect.h"
 #include "drivers/openal/effects/WavesReverbEffect.h"
 #include "harmonet/definitions/EffectKeywords.h"
 #include "harmonet/definitions/SndFXList.h"
+#include "tests/drivers/effects/OwnedList.h"
 #include "tests/drivers/effects/Signals.h"
 
 #include <gtest/gtest.h>
@@ -77,6 +79,7 @@ struct EffectCase
     const char* name;
     std::unique_ptr<Effect> (*make)(const PcmLayout& layout);
     void (*expectHeld)();
+    void (*addTo)(OwnedList& list);
 };
 
 template<class AnyEffect, SndFX kind, auto record>
@@ -85,7 +88,8 @@ constexpr EffectCase MakeCase(const char* name)
     const auto make = [](const PcmLayout& layout) -> std::unique_ptr<Effect> {
         return std::make_unique<AnyEffect>(record, layout);
     };
-    return {name, make, ExpectHeld<AnyEffect, std::remove_const_t<decltype(record)>, kind>};
+    const auto addTo = [](OwnedList& list) { list.Add(kind, record); };
+    return {name, make, ExpectHeld<AnyEffect, std::remove_const_t<decltype(record)>, kind>, addTo};
 }
 
 // Without a phase between the sides, so that these are comparable; otherwise everything at work.
@@ -160,6 +164,16 @@ TEST_P(EveryEffect, TreatsOneChannelAsTheLeftOfTwoEqualOnes)
 {
     const Pcm noise = MakeNoise(rateHz, 0.8f);
     EXPECT_EQ(TakeSide(Through(*Make(2), MakeStereo(noise, noise)), 0), Through(*Make(1), noise));
+}
+
+TEST_P(EveryEffect, IsMadeByAChainFromItsRecord)
+{
+    const Pcm noise = MakeNoise(rateHz, 0.8f);
+    OwnedList list;
+    GetParam().addTo(list);
+    EffectChain chain;
+    chain.Build(list.Get(), {rateHz, 1});
+    EXPECT_EQ(Through(chain, noise), Through(*Make(), noise));
 }
 
 TEST_P(EveryEffect, GetsOverBrokenSamples)
