@@ -106,15 +106,11 @@ TEST_F(PlayInterfaceTest, OnlyASoundWithoutEffectsCanBeStartedForChangesOfItsRat
     EXPECT_EQ(Find(withEffect)->GetSndFlags(), FlagDistLTMax);
 }
 
-TEST_F(PlayInterfaceTest, RatesAreBoundedAndCanBeRefusedByTheDriver)
+TEST_F(PlayInterfaceTest, ARateCanBeToldAndRefusedByTheDriver)
 {
-    const std::pair<unsigned long, bool> rates[] = {
-        {99, false}, {100, true}, {100000, true}, {100001, false}, {0, true}, {0x100000064UL, false}};
     const int id = group->New2DSound(file, nullptr);
-    for (const auto& [hz, isTaken] : rates)
-        EXPECT_EQ(group->SetFrequency(id, hz), isTaken) << hz;
-    EXPECT_EQ(group->GetFrequency(id), 0U);
-    group->SetFrequency(id, 4000);
+    EXPECT_TRUE(group->SetFrequency(id, 4000));
+    EXPECT_FALSE(group->SetFrequency(id, 0x100000064UL));
     EXPECT_EQ(group->GetFrequency(id), 4000U);
     group->StartSound(id, Sound::StartImmediately);
     recording.tellFrequency = true;

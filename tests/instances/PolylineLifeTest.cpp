@@ -259,11 +259,14 @@ TEST_F(PolylineResources, TheSourcesHaveTheEffectsOfTheLineWheneverTheyAreSet)
     EXPECT_TRUE(group->SetFXGargle(id, &gargle));
     folder.Remove("w");
     EXPECT_FALSE(group->StartSound(id, 0));
+    EXPECT_TRUE(group->SetFXChorus(id, &chorus));
+    expectGargle();
     WriteWave("w", {1000});
     EXPECT_TRUE(group->StartSound(id, 0));
     Listen(nearby);
     EXPECT_EQ(TakeLog({"CreateChannel"}),
-        (Lines{"CreateChannel c1 7 w@0 fx 7", "CreateChannel c2 7 w@0 fx 7", "CreateChannel c3 7 w@0 fx 7"}));
+        (Lines{"CreateChannel c1 7 w@0 fx 7 1", "CreateChannel c2 7 w@0 fx 7 1",
+            "CreateChannel c3 7 w@0 fx 7 1"}));
     expectGargle();
     EXPECT_FALSE(group->SetFXChorus(id, &chorus));
     group->SetFXEnvReverbSourceProperties(id, &properties);

@@ -70,7 +70,7 @@ Action SceneDice::DrawAction(int lastID, int count)
         "a.wav", "b.wav", "c.wav", "d.wav", "block1", "block2", "empty.wav", "missing.wav"};
     static const char* const musicNames[] = {
         "a.wav", "b.wav", "c.wav", "d.wav", "long.wav", "long.wav", "empty.wav", "missing.wav"};
-    static const unsigned long rates[] = {0, 99, 500, 2000, 44100};
+    static const unsigned long rates[] = {0, 99, 100, 2000, 44100, 100000, 100001};
     static const std::uint32_t gainKinds[] = {0, Flag3D, FlagMusic};
     Action action;
     // The young ones are those that live, for the most part.

@@ -8,16 +8,6 @@
 namespace Quon
 {
 
-namespace
-{
-
-std::string GetPrefix(int observer)
-{
-    return observer > 0 ? 'o' + std::to_string(observer) + ' ' : "";
-}
-
-} // namespace
-
 ModelSoundPtr UpdateModel::Find(int id) const
 {
     const auto found = sounds.find(id);
@@ -308,8 +298,9 @@ void UpdateModel::Notify(const std::string& line, const Note& note)
     for (std::size_t i = 0; i < observers.size(); ++i) {
         if (!observers[i].active)
             continue;
-        log.push_back(GetPrefix(observers[i].number) + line);
-        if (observers[i].number == 0 && react)
+        const int number = observers[i].number;
+        log.push_back(number > 0 ? 'o' + std::to_string(number) + ' ' + line : line);
+        if (number == 0 && react)
             react(note);
     }
     if (--notifyDepth == 0)

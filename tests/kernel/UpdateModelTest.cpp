@@ -8,32 +8,21 @@ namespace
 {
 
 // The nightly run goes through many more scenes, and larger ones.
-bool IsNightly()
+TEST(UpdateModelTest, ScenesAreDecidedAsInTheModel)
 {
-    return std::getenv("HARMONET_NIGHTLY") != nullptr;
-}
-
-void LiveThrough(unsigned int firstSeed, int scenes, int crowd, int updates)
-{
-    for (int i = 0; i < scenes && !testing::Test::HasFailure(); ++i) {
-        Scene scene;
-        scene.Live(firstSeed + static_cast<unsigned int>(i), crowd, updates);
+    struct Row
+    {
+        unsigned int firstSeed;
+        unsigned int scenes;
+        int crowd;
+        int updates;
+    };
+    const Row daily[] = {{1, 30, 12, 25}, {10001, 10, 60, 25}, {20001, 2, 300, 6}};
+    const Row nightly[] = {{1, 300, 12, 25}, {10001, 120, 60, 25}, {20001, 8, 2000, 25}};
+    for (const Row& row : std::getenv("HARMONET_NIGHTLY") ? nightly : daily) {
+        for (unsigned int i = 0; i < row.scenes && !HasFailure(); ++i)
+            Scene().Live(row.firstSeed + i, row.crowd, row.updates);
     }
-}
-
-TEST(UpdateModelTest, SmallScenesAreDecidedAsInTheModel)
-{
-    LiveThrough(1, IsNightly() ? 300 : 12, 12, 25);
-}
-
-TEST(UpdateModelTest, CrowdedScenesAreDecidedAsInTheModel)
-{
-    LiveThrough(10001, IsNightly() ? 120 : 5, 60, 25);
-}
-
-TEST(UpdateModelTest, HugeScenesAreDecidedAsInTheModel)
-{
-    LiveThrough(20001, IsNightly() ? 8 : 1, IsNightly() ? 2000 : 300, IsNightly() ? 25 : 6);
 }
 
 } // namespace
