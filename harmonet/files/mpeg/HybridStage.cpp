@@ -52,9 +52,10 @@ void ReduceAlias(const DecoderTables& tables, const DecoderKernels& kernels, con
     if (info.IsShort() && !info.IsMixed()) {
         return;
     }
-    // Above the boundary that the content touches there are only zeros to turn.
+    // Up to the boundary above the last subband that is transformed. The limit of a short block can lie below
+    // its highest lines, and the stereo stage brings those into the other channel.
     const int boundaries = info.IsMixed() ? 1 : subbandCount - 1;
-    kernels.aliasReduction(tables.alias, xr, std::min(boundaries, subbandLimit + 1));
+    kernels.aliasReduction(tables.alias, xr, std::min(boundaries, subbandLimit + 2));
 }
 
 void TransformHybrid(const DecoderTables& tables, const DecoderKernels& kernels, const GranuleInfo& info,

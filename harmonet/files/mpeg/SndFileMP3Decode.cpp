@@ -135,7 +135,8 @@ void SndFileMP3::Stereo(float* xr, GranuleInfo* first)
 {
     float* const right = xr + spectrumStride;
     if (!intensityStereo) {
-        const int subbands = std::min(limits[0].subbandLimit + 2, subbandCount);
+        // As far as alias reduction reads.
+        const int subbands = std::min(limits[0].subbandLimit + 3, subbandCount);
         kernels->midSide(xr, right, subbands * linesPerSubband);
         return;
     }

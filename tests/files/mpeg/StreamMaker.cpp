@@ -73,8 +73,10 @@ public:
         // Scale factors alone can take more bits than a granule is given: none may lie behind the frame.
         PutSideInfo(writer, mainDataBegin, 8 * (newBytes + mainDataBegin) - mostScaleFactorBits);
         writer.PadTo(headBytes);
+        // Ones are codes of zeros in most tables: spectra with holes, and with ends.
+        const int onesOfFour = Pick(0, 4);
         for (int i = 0; i < newBytes; ++i) {
-            writer.Put(Pick(0, 255), 8);
+            writer.Put(Pick(1, 4) <= onesOfFour ? 0xFF : Pick(0, 255), 8);
         }
         // No frame begins ahead of the one before it.
         reservoir = mainDataBegin + newBytes;
