@@ -70,6 +70,7 @@ void SndFileMP3::UseKernels(const DecoderKernels* chosen)
 
 bool SndFileMP3::OpenMemory(void*, unsigned long, WaveFormatEx*)
 {
+    CloseFile(0, nullptr);
     return false;
 }
 
