@@ -11,8 +11,9 @@ class SndFile;
 /// Owned by the channel that it reads for. All operations need the channel's lock, from whatever thread, and
 /// touch nothing but the channel's `sndFile` and the files behind it. Nothing here allocates.
 ///
-/// A file is at its end when it has given its sound samples, or when a read has given less than was asked
-/// for. A loop ends when two passes in a row have given nothing.
+/// A file is at its end when it has given its sound samples, or when a read has given nothing. A short read
+/// is no end yet: a stream that changes its form ends one at the change. A loop ends when two passes in a row
+/// have given nothing.
 class QueueReader
 {
 public:
@@ -44,7 +45,7 @@ private:
     Result MoveOn(SndChannel& channel, SndFile& file);
 
     bool looping = false;
-    bool fileOver = false; ///< A read of the channel's file came up short.
+    bool fileOver = false; ///< A read of the channel's file has given nothing.
     bool passGaveData = false;
     int emptyPasses = 0; ///< Passes of the loop that have given nothing, in a row.
 };
