@@ -74,7 +74,7 @@ public:
     /// own one file.
     SndBase& operator=(const SndBase& other);
 
-    /// Ends the sound: see Done().
+    /// As Done().
     virtual ~SndBase();
     /// The sound is running on this file from now on: called when it has got a channel, and when it starts
     /// without one. The first call tells the observers OnSoundBegin and skips the start samples.
@@ -104,6 +104,11 @@ public:
     bool FadeOut(int ms);
     /// Takes the sound off the driver and leaves it running. Returns whether it can go on.
     bool Emulate();
+    /// Ends the instance; the destructors call it, of which the first does it, and after a call from outside
+    /// they do no more of it. Tells the observers how it ended, stops the channels, leaves list and table,
+    /// closes the files and frees the effects, in this order. With no kernel it does not touch channels, list
+    /// and table.
+    void Done();
 
     /// What goes to the driver: the group's gain, the main gain of the kind, and the own gain, multiplied.
     /// With no kernel the own gain alone.
@@ -281,10 +286,6 @@ protected:
     /// or effects, and the settings of `other`.
     SndBase(const SndBase& other);
 
-    /// Ends the instance; called by the destructors, of which the first does it. Tells the observers how it
-    /// ended, stops the channels, leaves list and table, closes the files and frees the effects, in this
-    /// order. With no kernel it does not touch channels, list and table.
-    void Done();
     /// Moves the file forward by `samples` sample frames, round a loop or along the queue.
     void SkipSamples(int samples);
     /// Turns a list that belongs to another instance into one of this sound's own, which may be changed.

@@ -41,6 +41,8 @@ SndPolyline::SndPolyline(Snd3D& model)
 SndPolyline::~SndPolyline()
 {
     ForEachSource([](Snd3D& source, int) { delete &source; });
+    // Here already: an observer that is told may ask for the line's places.
+    Done();
     sourceFX.Clear();
 }
 

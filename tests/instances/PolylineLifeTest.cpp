@@ -203,6 +203,23 @@ TEST_F(PolylineLife, ALineCannotBeEndedWhileOneOfItsSourcesIsToldOfButAnotherCan
     EXPECT_EQ(Find(id), nullptr);
 }
 
+// The handler is called out of the destruction of the line, when the id still finds it.
+TEST_F(PolylineLife, ALineCanBeAskedAndSetWhileItsEndIsToldOf)
+{
+    const int id = PlayLine(LineOfThree());
+    Listen(nearby);
+    EXPECT_EQ(Places(id).size(), 3U);
+    bool wasTold = false;
+    observer->react = [&](const Note& note) {
+        wasTold = note.kind == Note::Abort && note.id == id;
+        EXPECT_LE(Places(id).size(), 3U);
+        group->SetSoundGain(id, 0.5F);
+        group->SetSoundMinMaxDistance(id, 1.0F, 50.0F, true);
+    };
+    group->StopSound(id);
+    EXPECT_TRUE(wasTold);
+}
+
 /// Lines from definitions.
 class PolylineResources : public WithResources<PolylineTest>
 {
