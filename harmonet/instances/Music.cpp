@@ -83,11 +83,7 @@ bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool
         instance->SetFadeIn(ms);
     if (loop)
         instance->SetLooping();
-    if (db ? StartResource(*instance, isNew, name, *db) : StartFile(*instance, isNew, name))
-        return true;
-    soundID = 0;
-    delete instance;
-    return false;
+    return db ? StartResource(*instance, isNew, name, *db) : StartFile(*instance, isNew, name);
 }
 
 bool Music::StartFile(SndBase& instance, bool isNew, const PString& name)
@@ -95,14 +91,14 @@ bool Music::StartFile(SndBase& instance, bool isNew, const PString& name)
     instance.SetFileName(name);
     Adopt(instance, isNew);
     instance.SetGain(applyGainAgain);
-    return theKernel->StartMusic(instance);
+    return StartOrGiveUp(instance);
 }
 
 bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase& db)
 {
     TakenResource resource(name, db, lookupMode);
     if (!resource)
-        return false;
+        return GiveUp(instance);
     instance.SetFileName(resource->GetFileName());
     instance.SetSubstName(resource->GetOwnerName());
     if (resource->GetLooping())
@@ -114,7 +110,23 @@ bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, co
         instance.SetCopyFXList(resource->GetFXList());
     resource->ApplyMusicSettings(this);
     resource.Unlock();
-    return theKernel->StartMusic(instance);
+    // The resource can have stopped this piece, or started one itself.
+    const SndBase* live = FindLive();
+    if (live != &instance || live->GetSndChannel())
+        return live != nullptr;
+    return StartOrGiveUp(instance);
+}
+
+bool Music::StartOrGiveUp(SndBase& instance)
+{
+    return theKernel->StartMusic(instance) || GiveUp(instance);
+}
+
+bool Music::GiveUp(SndBase& instance)
+{
+    soundID = 0;
+    delete &instance;
+    return false;
 }
 
 void Music::Adopt(SndBase& instance, bool isNew)

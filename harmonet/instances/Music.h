@@ -61,6 +61,9 @@ private:
     bool StartFile(SndBase& instance, bool isNew, const PString& name);
     bool StartResource(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase& db);
     void Adopt(SndBase& instance, bool isNew);
+    bool StartOrGiveUp(SndBase& instance);
+    /// Deletes the instance, with what still fades out in it. False.
+    bool GiveUp(SndBase& instance);
 
     int soundID = 0;
     float gain = 1.0F;

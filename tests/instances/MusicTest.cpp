@@ -1,11 +1,14 @@
 // Pieces of music: what the driver hears of them.
 
 #include "harmonet/instances/Music.h"
+#include "harmonet/definitions/SoundResource.h"
 #include "harmonet/instances/SndBase.h"
+#include "harmonet/kernel/ResourceType.h"
 #include "tests/instances/WithResources.h"
 #include "tests/support/SoundTest.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 
 namespace Quon
@@ -108,6 +111,39 @@ TEST_F(MusicResources, ADefinitionGivesFileGainLoopAndEffectsAndNothingElse)
     EXPECT_FALSE(music.CrossFade("bad.sound", &database, 300, true));
     EXPECT_TRUE(Playing().empty());
     EXPECT_FALSE(music.Play("missing.sound", &database, false));
+}
+
+/// A resource of the game's own, which does with the music what the test asks for.
+class WilfulResource : public SoundResource
+{
+public:
+    using SoundResource::SoundResource;
+
+    bool ApplyMusicSettings(Music* music) const override
+    {
+        act(*music);
+        return true;
+    }
+
+    static inline std::function<void(Music&)> act;
+};
+
+TEST_F(MusicResources, AResourceMayStopThePieceOrStartAnother)
+{
+    new ResourceType<WilfulResource>(PString("wilful"), UId("6B7E2199-3F4C-41A7-8C2D-5E19A07C33D1"),
+        UId("6B7E2180-3F4C-41A7-8C2D-5E19A07C33D1"));
+    WriteWave("a.wilful", {5000});
+    WilfulResource::act = [](Music& handle) { handle.Stop(); };
+    EXPECT_FALSE(music.Play("a.wilful", &database, false));
+    EXPECT_TRUE(TakeLog().empty());
+    WilfulResource::act = [](Music& handle) { handle.FadeOut(10); };
+    EXPECT_FALSE(music.Play("a.wilful", &database, false));
+    EXPECT_TRUE(TakeLog().empty());
+    WilfulResource::act = [](Music& handle) { EXPECT_TRUE(handle.Play("b", true)); };
+    EXPECT_TRUE(music.Play("a.wilful", &database, false));
+    EXPECT_EQ(TakeLog(), (Lines{"CreateChannel c1 2 b@0 fx", "c1 Play"}));
+    music.Stop();
+    EXPECT_EQ(TakeLog(), (Lines{"c1 Stop"}));
 }
 
 } // namespace
