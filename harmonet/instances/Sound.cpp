@@ -58,6 +58,7 @@ Sound::~Sound()
     closing = true;
     if (theKernel)
         theKernel->DeleteSounds(this);
+    hasShutDown = true;
     Notify([](SoundObserver& observer) {
         observer.subject = nullptr;
         observer.OnShutDown();
@@ -66,6 +67,9 @@ Sound::~Sound()
 
 void Sound::AddObserver(SoundObserver* observer)
 {
+    // One that comes back from its OnShutDown() would keep the address of what is gone.
+    if (hasShutDown)
+        return;
     observer->subject = this;
     ObserverSubject::AddObserver(observer);
 }

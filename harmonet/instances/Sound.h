@@ -239,6 +239,7 @@ private:
     int defaultAxis = -3;
     float gain = 1.0F;
     bool closing = false;
+    bool hasShutDown = false;
 };
 
 } // namespace Quon

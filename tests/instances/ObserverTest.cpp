@@ -59,6 +59,11 @@ TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsAndThenTellsTheShutdown)
     };
     LoggingObserver last(*names, "B ");
     group->AddObserver(&last);
+    // There is nothing left to come back to.
+    last.react = [&, ending = group.get()](const Note& note) {
+        if (note.kind == Note::ShutDown)
+            ending->AddObserver(&last);
+    };
     group.reset();
     EXPECT_EQ(TakeNotes(),
         (Lines{"abort #1 a.wav 2000", "B abort #1 a.wav 2000", "begin #2 a.wav", "B begin #2 a.wav",
