@@ -105,7 +105,8 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
     const double exactMs = static_cast<double>(seconds) * msPerSecond;
     const std::uint32_t ms = exactMs > 0.0 ? static_cast<std::uint32_t>(std::min(exactMs, 4294967295.0)) : 0;
     const auto minimum = static_cast<std::uint64_t>(theKernel->GetOptions().minEmulationLength);
-    if (GetRemainLength() < minimum + ms)
+    const unsigned long left = GetRemainLength();
+    if (left != unknownLength && left < minimum + ms)
         return false;
     return AdvanceEmulated(static_cast<std::uint32_t>(GetFrequency()) * ms / 1000U);
 }

@@ -7,6 +7,7 @@
 #include "tests/support/SoundTest.h"
 
 #include <filesystem>
+#include <limits>
 
 namespace Quon
 {
@@ -129,6 +130,14 @@ TEST_F(RunningTest, TheTimesLeftAndPlayedFollowTheState)
     group->StartSound(loop, Sound::StartImmediately);
     group->FadeOutSound(loop, 300);
     EXPECT_EQ(group->GetRemainLength(loop), 0xFFFFFFFFU);
+}
+
+TEST_F(RunningTest, ALoopGoesOnHoweverLongTheStep)
+{
+    const int id = NewQueue({1000});
+    Displace(id, Sound::StartLooping);
+    for (const float seconds : {4294967.5F, std::numeric_limits<float>::infinity()})
+        EXPECT_TRUE(Find(id)->SndUpdate(seconds, origin, false)) << seconds;
 }
 
 // A file that is torn while it plays is the end of the sound, not of the program: what has vanished is still
