@@ -130,10 +130,17 @@ Result SoundDefResource::LoadTxt(const ResourceDatabase*, char* path) const
 {
     fxList.Clear();
     FreePolyline();
-    File file;
-    if (!file.Open(GetOwnerName(), path, File::modeRead).IsOk())
-        return Result(LoadFailed);
     DefinitionReport report(listener);
+    File file;
+    const Result opened = file.Open(GetOwnerName(), path, File::modeRead);
+    if (!opened.IsOk()) {
+        // A file of no bytes cannot be opened, but it is read like any other without a definition.
+        if (opened.GetCode() == File::Empty) {
+            Init();
+            report.OnFault(DefinitionFault::NoDefinition);
+        }
+        return Result(LoadFailed);
+    }
     BlockReader reader;
     if (report.IsWanted())
         reader.SetListener(&report);

@@ -197,6 +197,7 @@ TEST_F(TextSettings, ALoadBeginsWithTheDefaultsExceptForTheFileName)
 {
     LoadBlock("*GAIN 0.5\n*LOOPING true\n*FX_GARGLE\n*POLYLINE { *ANGLE 1\n*POINT 0 0 0\n*POINT 1 0 0 }");
     EXPECT_EQ(Load("*SOUND_DEFINITION { *DELAY 5 }"), "1: a.wav, delay 5");
+    EXPECT_EQ(Load(""), "1: a.wav");
 }
 
 TEST_F(TextSettings, AFileThatCannotBeOpenedTakesEffectsAndPointsAwayAndNothingElse)
