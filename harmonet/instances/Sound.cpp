@@ -44,6 +44,28 @@ void ApplyPositionalSettings(Snd3D& sound, const SoundResource& resource)
         sound.AddFlags(FlagDisableMicFX);
 }
 
+// Keeps the kernel from ending while observers are told.
+class NoticeScope
+{
+public:
+    NoticeScope()
+        : kernel(theKernel)
+    {
+        if (kernel)
+            kernel->BeginNotice();
+    }
+    ~NoticeScope()
+    {
+        if (kernel)
+            kernel->EndNotice();
+    }
+    NoticeScope(const NoticeScope&) = delete;
+    NoticeScope& operator=(const NoticeScope&) = delete;
+
+private:
+    SndKernel* const kernel;
+};
+
 } // namespace
 
 void NotifyBufferFree(Sound& owner, unsigned int soundID, void* buffer)
@@ -82,21 +104,25 @@ void Sound::RemoveObserver(SoundObserver* observer)
 
 void Sound::OnSoundBegin(int soundID, const PString& fileName)
 {
+    const NoticeScope scope;
     Notify([&](SoundObserver& observer) { observer.OnSoundBegin(soundID, fileName); });
 }
 
 void Sound::OnSoundAbort(int soundID, const PString& fileName, int remaining)
 {
+    const NoticeScope scope;
     Notify([&](SoundObserver& observer) { observer.OnSoundAbort(soundID, fileName, remaining); });
 }
 
 void Sound::OnSoundEnd(int soundID, const PString& fileName)
 {
+    const NoticeScope scope;
     Notify([&](SoundObserver& observer) { observer.OnSoundEnd(soundID, fileName); });
 }
 
 void Sound::OnBufferFree(int soundID, void* buffer)
 {
+    const NoticeScope scope;
     Notify([&](SoundObserver& observer) { observer.OnBufferFree(soundID, buffer); });
 }
 

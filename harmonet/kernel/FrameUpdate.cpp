@@ -55,8 +55,7 @@ struct SndKernel::UpdateStep
 
 void SndKernel::Update(float seconds)
 {
-    // An observer that calls the update from inside an update has no time to add.
-    if (updating)
+    if (IsBusy())
         return;
     elapsed += ToMilliseconds(seconds);
     if (elapsed < minUpdateMs)

@@ -2,6 +2,8 @@
 
 #include "harmonet/kernel/SndKernel.h"
 
+#include <utility>
+
 namespace Quon
 {
 
@@ -28,8 +30,9 @@ bool HarmonetTask::Init(OS* os)
 
 void HarmonetTask::Done()
 {
-    delete kernel;
-    kernel = nullptr;
+    if (!kernel || kernel->IsBusy())
+        return;
+    delete std::exchange(kernel, nullptr);
 }
 
 Task::UpdateCode HarmonetTask::Update(float seconds)

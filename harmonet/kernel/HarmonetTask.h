@@ -19,7 +19,7 @@ public:
     ~HarmonetTask() override;
 
     bool Init(OS* os) override;
-    /// Stops the sound system. The task stays and does nothing.
+    /// Stops the sound system. The task stays and does nothing. Inside an observer's handler it does nothing.
     void Done() override;
     UpdateCode Update(float seconds) override;
 

@@ -74,8 +74,15 @@ public:
 
     // The frame update.
 
-    /// Gathers time; once 40 ms have come together, runs one full update.
+    /// Gathers time; once 40 ms have come together, runs one full update. While the kernel is busy it does
+    /// nothing: an observer that calls it has no time to add.
     void Update(float seconds);
+
+    /// Whether an update runs or an observer is being told of a sound. The kernel must not go then.
+    bool IsBusy() const { return updating || noticeDepth > 0; }
+    /// These two stand around what tells observers; may be nested.
+    void BeginNotice() { ++noticeDepth; }
+    void EndNotice() { --noticeDepth; }
 
     // Starting and ending sounds.
 
@@ -224,6 +231,7 @@ private:
 
     bool refusesSounds = false; ///< See AcceptsSounds().
     bool updating = false; ///< A full update is running.
+    int noticeDepth = 0;
     std::uint32_t startCounter = 0; ///< Counts starts: see MarkStarted().
     std::uint32_t updateHorizon = 0; ///< `startCounter` when the running update took its bearings.
 };

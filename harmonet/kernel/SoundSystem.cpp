@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <utility>
 
 namespace Quon
 {
@@ -56,8 +57,9 @@ bool SoundSystem::Init(OS* os, bool driverFlag)
 
 void SoundSystem::Done()
 {
-    delete task;
-    task = nullptr;
+    if (theKernel && theKernel->IsBusy())
+        return;
+    delete std::exchange(task, nullptr);
 }
 
 bool SoundSystem::GetCaps(Caps& caps)

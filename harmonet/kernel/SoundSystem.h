@@ -24,7 +24,7 @@ public:
     SoundSystem();
     SoundSystem(const SoundSystem&) = delete;
     SoundSystem& operator=(const SoundSystem&) = delete;
-    /// As Done().
+    /// As Done(). If that does nothing, the system runs until the engine ends its tasks.
     ~SoundSystem();
 
     /// Starts the system: finds and opens an output driver, and enters a task that runs it. Needs the option
@@ -35,7 +35,8 @@ public:
     bool Init(OS* os, bool driverFlag);
     /// Stops the system if this object has started it: ends all sounds, with their notifications, and
     /// releases driver and files. What was an id finds nothing from then on. While it runs, no sound can be
-    /// made.
+    /// made. Inside an observer's handler it does nothing, since that would take away what the handler was
+    /// called from.
     void Done();
 
     /// Asks the driver what it can do. False, with all flags clear, when there is no driver.

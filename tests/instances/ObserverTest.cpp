@@ -1,3 +1,4 @@
+#include "harmonet/engine/TaskList.h"
 #include "tests/support/SoundTest.h"
 
 namespace Quon
@@ -82,6 +83,10 @@ TEST_F(ObserverTest, AGroupCanComeAndGoInsideAHandlerAndTheSoundThatIsToldAboutS
         Sound brief;
         EXPECT_NE(brief.Play2DSound(file, nullptr, Sound::StartImmediately, 0, 0), 0);
         EXPECT_NE(brief.Play2DSound(file, nullptr, 0, 0, 0), 0);
+        // What the handler was called from cannot be taken away.
+        system.Done();
+        TaskList::Get().Done();
+        TaskList::Get().Update(1.0F);
     };
     Step(40);
     EXPECT_EQ(Playing(), Ids{id});
