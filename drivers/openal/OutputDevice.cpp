@@ -3,6 +3,8 @@
 #include "drivers/openal/DeviceSource.h"
 #include "drivers/openal/SteadyTime.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace Quon
@@ -13,6 +15,9 @@ namespace
 // Beyond what any game plays at once, so that a sound that ends has a source to fade out on while the next
 // one already has another. Sources cost nothing until they play.
 constexpr ALCint wantedSources = 1024;
+constexpr int shortBlock = 128;
+constexpr int blockStep = 4;
+constexpr int width = 2;
 } // namespace
 
 OutputDevice::OutputDevice(DeviceSource& deviceSource)
@@ -54,10 +59,27 @@ bool OutputDevice::OpenLoopback(int rateHz, Hrtf newHrtf)
     return session->CreateContext(attributes, hrtf);
 }
 
+// OpenAL Soft 1.19 fades a room that has just been set in over 128 sample frames, four at a time, and runs
+// past its memory when shorter blocks leave fewer than four of them.
 void OutputDevice::Render(float* stereo, int sampleFrames)
 {
-    extensions.renderSamples(session->GetDevice(), stereo, sampleFrames);
     renderedFrames += sampleFrames;
+    const int held = std::min(sampleFrames, surplusFrames);
+    stereo = std::copy_n(surplus.data(), width * held, stereo);
+    std::copy(surplus.data() + width * held, surplus.data() + width * surplusFrames, surplus.data());
+    surplusFrames -= held;
+    const int missing = sampleFrames - held;
+    if (missing >= shortBlock) {
+        extensions.renderSamples(session->GetDevice(), stereo, missing);
+    }
+    else if (missing > 0) {
+        std::array<float, width * shortBlock> block;
+        const int rendered = (missing + blockStep - 1) / blockStep * blockStep;
+        extensions.renderSamples(session->GetDevice(), block.data(), rendered);
+        std::copy_n(block.data(), width * missing, stereo);
+        surplusFrames = rendered - missing;
+        std::copy_n(block.data() + width * missing, width * surplusFrames, surplus.data());
+    }
 }
 
 std::int64_t OutputDevice::GetTime() const

@@ -3,6 +3,7 @@
 #include "drivers/openal/AlSession.h"
 #include "harmonet/engine/Vector.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -42,7 +43,8 @@ public:
     /// Whether positional sounds are worked out for two ears. All others are to be kept out of that.
     bool IsHrtfOn() const { return session && session->IsHrtfOn(); }
 
-    /// Mixes the next `sampleFrames` of a loopback device into `stereo`. Task thread.
+    /// Mixes the next `sampleFrames` of a loopback device into `stereo`. After a short block the device
+    /// itself can be up to three sample frames ahead. Task thread.
     void Render(float* stereo, int sampleFrames);
 
     /// The time by which fades go, in ticks of its own: the sample frames that the loopback device has
@@ -98,6 +100,8 @@ private:
     int rate = 0;
     Hrtf hrtf = Hrtf::DeviceDefault;
     std::int64_t renderedFrames = 0;
+    std::array<float, 6> surplus{}; ///< Of a loopback device: mixed and not yet given out.
+    int surplusFrames = 0;
     ListenerSettings listener;
     mutable std::recursive_mutex mutex; ///< Recursive, since scopes can be nested.
     std::unique_ptr<AlSession> session; ///< Changed under the mutex.

@@ -15,8 +15,8 @@ class ObserverSubject;
 /// The handlers are called on the task thread, out of the middle of other work. They may start, stop, fade
 /// and delete any other sounds, add and remove observers, and destroy the observer itself. They must not
 /// stop, delete or fade out the sound that they are being told about (such a call does nothing) and must not
-/// destroy the `Sound`. To run the engine's tasks or to end the sound system from a handler does nothing
-/// either.
+/// destroy the `Sound`. The sound system is neither updated nor ended from inside a handler: such a call does
+/// nothing either.
 class HARMONET_API SoundObserver
 {
 public:

@@ -83,6 +83,30 @@ protected:
     std::unique_ptr<OfflineRig> rig = std::make_unique<OfflineRig>();
 };
 
+// OpenAL fades a new room in by blocks, and bears not every length of them.
+TEST_F(Rooms, ARoomCanBeSetBeforeStepsOfAnyLengthAtAnyRate)
+{
+    for (const int outputHz : {8000, 11025, 22050, 44100}) {
+        for (const int ms : {1, 3, 7, 40}) {
+            SCOPED_TRACE(testing::Message() << ms << " ms at " << outputHz << " Hz");
+            rig = std::make_unique<OfflineRig>(8, outputHz);
+            SndChannel* tone = PlayTone(440);
+            for (int step = 0; step < 60; ++step) {
+                if (step % 10 == 0) {
+                    SetRoom(&(step % 20 == 0 ? fxEnvReverbGeneric : fxEnvReverbCave));
+                    tone->Stop();
+                    tone = PlayTone(440);
+                }
+                rig->Step(ms);
+            }
+            const Rendering heard = rig->Heard();
+            EXPECT_EQ(heard.GetFrames(), static_cast<size_t>(60 * ms * outputHz / 1000));
+            EXPECT_GT(heard.Level(0, heard.GetFrames(), 0), 0.01);
+            EXPECT_LT(heard.LargestStep(0, heard.GetFrames()), 0.5);
+        }
+    }
+}
+
 TEST_F(Rooms, AClickDecaysInTheTimeOfItsRoom)
 {
     struct Row
