@@ -247,6 +247,20 @@ TEST_F(BlockReaders, KeepSignsOfTwoCharactersTogetherAcrossASeam)
     }
 }
 
+/// Hears everything and reads it, so that the reporting code runs as well.
+class CountingListener : public BlockReaderListener
+{
+public:
+    void OnSkipped(const Skipped& skipped) override { length += skipped.keyword.GetView().size(); }
+    void OnUnreadable(const PString&, int, const char* wanted, const char* found) override
+    {
+        length += std::string_view(wanted).size() + std::string_view(found != nullptr ? found : "").size();
+    }
+    void OnFault(int, const char* fault) override { length += std::string_view(fault).size(); }
+
+    std::size_t length = 0;
+};
+
 // On the reader and on those that it gave, also on those that have been left. Half of the texts are of the
 // signs that count, the others of any.
 TEST_F(BlockReaders, EndWhateverIsCalledOnWhateverText)
@@ -254,6 +268,8 @@ TEST_F(BlockReaders, EndWhateverIsCalledOnWhateverText)
     constexpr std::string_view telling = "**** {{}}\"\"//##\n\n\r\t 01.-+eE\\ab\xFF";
     std::mt19937 random(20260701);
     int keywords = 0;
+    CountingListener listener;
+    reader.SetListener(&listener);
     for (int round = 0; round < 600; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         std::string content(random() % 6000, '\0');
@@ -265,6 +281,7 @@ TEST_F(BlockReaders, EndWhateverIsCalledOnWhateverText)
             BlockReader& block = *readers[random() % readers.size()];
             const unsigned action = random() % 8;
             PString text;
+            bool truth = false;
             float values[3] = {0, 0, 0};
             if (action == 0) {
                 if (BlockReader* const inner = block.Begin()) {
@@ -278,7 +295,7 @@ TEST_F(BlockReaders, EndWhateverIsCalledOnWhateverText)
                 EXPECT_LE(block.ReadFloatv(values, 3), 3);
             }
             else if (action == 3) {
-                block.ReadString(text);
+                block.ReadBool(truth) || block.ReadString(text);
             }
             else if (block.Next(text)) {
                 ++keywords;
@@ -287,7 +304,9 @@ TEST_F(BlockReaders, EndWhateverIsCalledOnWhateverText)
         }
         TreeOf(content);
     }
+    reader.SetListener(nullptr);
     EXPECT_GT(keywords, 600);
+    EXPECT_GT(listener.length, 0u);
 }
 
 } // namespace

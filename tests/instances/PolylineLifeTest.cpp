@@ -116,22 +116,26 @@ TEST_F(PolylineLife, SettingsGoToAllSources)
 
 TEST_F(PolylineLife, ASourceThatEndsIsForgottenAndTheOthersMoveUp)
 {
-    const int id = PlayLine(LineOfThree());
+    const int id = PlayLine(StraightLine(-50.0F, 50.0F, 3, 50.0F));
     Listen(nearby);
     const Ids before = SourceIds(id);
     group->StopSound(before[0]);
     Listen({0.0F, 0.0F, 6.0F});
-    EXPECT_EQ(SourceIds(id), (Ids{before[1], before[2]}));
+    EXPECT_EQ(SourceIds(id), (Ids{before[1], before[2], before[3]}));
     Listen(nearby);
     EXPECT_EQ(GetSource(id, 0).GetGlobalPosition(), origin);
+    EXPECT_EQ(Places(id).size(), 3U);
     // More than one at once, while they are still counted as placed.
+    group->StopSound(before[3]);
     group->StopSound(before[2]);
-    group->StopSound(before[1]);
     group->SetSoundGain(id, 0.3F);
+    EXPECT_EQ(SourceIds(id), Ids{before[1]});
+    Listen({0.0F, 0.0F, 1000.0F});
+    group->StopSound(before[1]);
     TakeLog();
     Step(40);
     EXPECT_NE(Find(id), nullptr); // Noticed when the listener moves next.
-    Listen({0.0F, 0.0F, 1000.0F});
+    Listen({0.0F, 0.0F, 999.0F});
     Listen(nearby);
     EXPECT_EQ(Find(id), nullptr);
     EXPECT_EQ(TakeLog({"begin", "abort", "end"}), (Lines{"abort #2 w -1"}));

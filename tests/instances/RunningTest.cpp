@@ -167,31 +167,38 @@ TEST_F(RunningTest, FilesThatVanishOrShrinkWhileTheyPlayDoNoHarm)
     }
 }
 
-// Sounds whose data are coded run through the whole system as plain waves do.
+// Sounds whose data are coded run through the whole system as plain waves do, round a loop or along a queue.
 TEST_F(RunningTest, CodedFilesRunOnUnheardAtTheirRateAndComeBackAtTheRightSample)
 {
     constexpr int stepMs = 50;
+    constexpr int behind = 9;
     const std::filesystem::path tests = HARMONET_FILE_TESTS;
     for (const char* path : {"mpeg/streams/mono-48000.mp3", "mpeg/streams/wrapped-44100.wav",
              "adpcm/sox-mono.wav", "adpcm/sox-stereo.wav"}) {
-        SCOPED_TRACE(path);
         const std::string name = std::filesystem::path(path).filename();
         std::filesystem::copy_file(tests / path, folder.GetPath() / name);
-        const int id = group->New2DSound(name.c_str(), nullptr);
-        Displace(id, Sound::StartLooping);
-        SndFile& file = *Find(id)->GetSndFile();
-        EXPECT_GT(file.FileType(), SndFile::FileWav);
-        const int perStep = file.GetSampleFrequency() * stepMs / 1000;
-        int passed = file.GetCurrentSample();
-        for (int step = 1; step <= 40; ++step) {
-            if (step == 40)
-                system.SetMaxAudibleSounds(1);
-            Step(stepMs);
-            passed += perStep;
-            ASSERT_EQ(file.GetCurrentSample() % file.GetSoundSamples(), passed % file.GetSoundSamples());
+        for (const bool loops : {true, false}) {
+            SCOPED_TRACE(name + (loops ? ", loop" : ", queue"));
+            const int id = group->New2DSound(name.c_str(), nullptr);
+            for (int i = 0; i < behind && !loops; ++i)
+                EXPECT_TRUE(group->CatSound(id, name.c_str(), nullptr));
+            Displace(id, loops ? Sound::StartLooping : Sound::StartQueued);
+            const SndFile& first = *Find(id)->GetSndFile();
+            EXPECT_GT(first.FileType(), SndFile::FileWav);
+            const int total = first.GetSoundSamples();
+            const int perStep = first.GetSampleFrequency() * stepMs / 1000;
+            int passed = first.GetCurrentSample();
+            for (int step = 1; step <= 40; ++step) {
+                if (step == 40)
+                    system.SetMaxAudibleSounds(1);
+                Step(stepMs);
+                passed += perStep;
+                ASSERT_EQ(Find(id)->GetSndFile()->GetCurrentSample() % total, passed % total);
+                ASSERT_EQ(group->GetQueueLength(id), loops ? 0 : behind - passed / total);
+            }
+            EXPECT_EQ(Playing(), Ids{id});
+            group->StopSound(id);
         }
-        EXPECT_EQ(Playing(), Ids{id});
-        group->StopSound(id);
     }
 }
 
