@@ -14,15 +14,22 @@ constexpr int rateHz = OfflineRig::rateHz;
 
 TEST(OpenALStream, AQueueOfFilesAndALoopAreHeardBitByBitWithoutASeam)
 {
-    for (const std::vector<int>& lengths :
-        {std::vector{5000, 1, 0, 12345, 0, 3, 3, 4000, 441}, {7}, {4410}}) {
-        // For headphones, what has no place is left as it is.
-        OfflineRig rig(8, rateHz, lengths.size() == 1 ? "1" : "0");
+    struct Row
+    {
+        std::vector<int> lengths; ///< Of a queue; one is a loop.
+        int outputHz;
+        const char* hrtf; ///< What has no place is left as it is, also at a rate without one.
+    };
+    const Row rows[] = {{{5000, 1, 0, 12345, 0, 3, 3, 4000, 441}, rateHz, "0"}, {{7}, rateHz, "1"},
+        {{4410}, rateHz / 2, "1"}};
+    for (const auto& [lengths, outputHz, hrtf] : rows) {
+        SCOPED_TRACE(lengths.front());
+        OfflineRig rig(8, outputHz, hrtf);
         std::vector<double> expected[2];
         FormulaFile* head = nullptr;
         for (const int length : lengths) {
             const int offset = static_cast<int>(expected[0].size());
-            FormulaFile& file = rig.Make({length, rateHz, 2},
+            FormulaFile& file = rig.Make({length, outputHz, 2},
                 [=](int sampleFrame, int channel) { return Scatter()(sampleFrame + offset, channel); });
             for (int i = 0; i < length; ++i) {
                 expected[0].push_back(file.GetStored(i, 0));
@@ -41,7 +48,7 @@ TEST(OpenALStream, AQueueOfFilesAndALoopAreHeardBitByBitWithoutASeam)
             rig.Step(ms);
         }
         const Rendering heard = rig.Heard();
-        ASSERT_EQ(heard.GetFrames(), 26460u);
+        ASSERT_EQ(heard.GetFrames(), static_cast<size_t>(outputHz * 6 / 10));
         for (size_t i = 0; i < heard.GetFrames(); ++i) {
             for (const int side : {0, 1}) {
                 const std::vector<double>& sound = expected[side];
@@ -49,20 +56,6 @@ TEST(OpenALStream, AQueueOfFilesAndALoopAreHeardBitByBitWithoutASeam)
                 ASSERT_EQ(heard.At(i, side), place < sound.size() ? sound[place] : 0.0) << i;
             }
         }
-    }
-}
-
-TEST(OpenALStream, AtStopTheFileStandsNoMoreThanTwelveMillisecondsAheadOfWhatWasHeard)
-{
-    for (const int hz : {8000, 22050, 44100}) {
-        OfflineRig rig;
-        const auto file = MakeFile({100 * 44100, hz}, Constant(0.1));
-        SndChannel* const channel = rig.Play(*file);
-        rig.StepTimes(7, 51);
-        channel->Stop();
-        const double aheadMs = 1000.0 * static_cast<double>(file->GetFramesRead()) / hz - 7 * 51;
-        EXPECT_GE(aheadMs, 5.0) << hz;
-        EXPECT_LE(aheadMs, 12.0 + 64000.0 / hz) << hz;
     }
 }
 
