@@ -104,7 +104,7 @@ TEST(PString, LosesNothingBetweenThreads)
     // another thread takes a new one.
     WorkOnFourThreads([](unsigned) {
         int mismatches = 0;
-        for (int i = 0; i < 50000; ++i) {
+        for (int i = 0; i < 500000; ++i) {
             mismatches += PString("always about to go").GetView() != "always about to go";
         }
         return mismatches;
