@@ -21,9 +21,9 @@ namespace Quon
 /// opened, so that the next driver that the host names has its turn. At 1 it opens and goes on in silence. In
 /// silence all is as if it were heard: time goes on, sounds run through their files and end when they should.
 /// A device that goes away while sounds play leaves silence, too, whatever the option says. In silence the
-/// driver looks for a device about once a second, from its own thread, and with the first that it finds the
-/// sounds are heard from where they have got to. OpenAL settles when it is first used what kind of output it
-/// plays to, and only a device of that kind can be found.
+/// driver looks for a device about once a second, after half a minute every 5 s, from its own thread, and
+/// with the first that it finds the sounds are heard from where they have got to. OpenAL settles when it is
+/// first used what kind of output it plays to, and only a device of that kind can be found.
 ///
 /// *Rendered.* No thread: BeginUpdate() renders exactly the time it is given, at the rate of the output
 /// format, and everything goes by that time.
@@ -38,7 +38,8 @@ namespace Quon
 /// What is set between BeginUpdate() and EndUpdate() takes hold together. A sound whose data have run out and
 /// are appended to before its end is reported goes on.
 ///
-/// Channels: as many as SetMaxChannels() asks for, or as OpenAL has sources; none before that call.
+/// Channels: as many as SetMaxChannels() asks for, up to 512, or as OpenAL has sources; none before that
+/// call.
 /// The insert effects of a sound work on its PCM before it is queued; rooms are reverbs of OpenAL. The
 /// capability 0x0400 is there where OpenAL has effects and a source can be sent to one. Coordinates are those
 /// of OpenAL: right-handed, the listener looks along negative Z with Y up. All operations on the task thread.

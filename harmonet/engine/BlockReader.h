@@ -21,25 +21,19 @@
 ///     }
 ///
 /// - A keyword is a word that begins with `*` and stands first in its line, or behind a brace. There is one
-/// keyword
-///   a line, with its values behind it; a value is never taken from the next line.
+///   keyword a line, with its values behind it; a value is never taken from the next line.
 /// - A block stands in braces behind a keyword and its values, in the same line or the following ones.
 /// - A value is a bare word, which ends at a blank, a brace, a double quote or `//`, or a text in double
-/// quotes,
-///   which ends in the same line and has no escapes.
+///   quotes, which ends in the same line and has no escapes.
 /// - `//` begins a comment anywhere outside quotes, `#` only where a word could begin.
 /// - Lines end with LF, CR LF or CR. Other control characters count as blanks. A byte order mark at the start
-/// of
-///   the file is passed over. Letters beyond ASCII are kept as they are.
+///   of the file is passed over. Letters beyond ASCII are kept as they are.
 /// - Numbers are written with a point, whatever the locale. `true`, `yes`, `on`, `1` and `false`, `no`,
-/// `off`, `0`
-///   are the truth values, in any case of letters.
+///   `off`, `0` are the truth values, in any case of letters.
 /// - A keyword that nobody asks for is passed over with its values and its block. What cannot belong anywhere
-/// (text
-///   without a keyword, a brace too many) is passed over too. The end of the file ends all open blocks.
+///   (text without a keyword, a brace too many) is passed over too. The end of the file ends all open blocks.
 /// - A word or text longer than `maxTokenLength` bytes cannot be read, as a keyword or as a value. Blocks
-/// below
-///   `maxDepth` cannot be entered; they are passed over, however deep.
+///   below `maxDepth` cannot be entered; they are passed over, however deep.
 
 namespace Quon
 {

@@ -88,10 +88,11 @@ protected:
 
 public:
     /// Writes up to `samples` sample frames of interleaved PCM in this reader's format to `buffer`, which
-    /// must have room for them, moves on by as many as were written and returns their number. Fewer than
-    /// asked for means that the data have ended. A caller that wants an exact end asks for no more than the
-    /// sound samples less the current sample: beyond that a reader may go on as long as there are bytes.
-    /// 16-bit samples are signed and little-endian, 8-bit samples are unsigned. Allocates nothing.
+    /// must have room for them, moves on by as many as were written and returns their number. 0 means that
+    /// the data have ended, and so do fewer than asked for, but of an MPEG stream, which may have come to a
+    /// change of its form. A caller that wants an exact end asks for no more than the sound samples less the
+    /// current sample: beyond that a reader may go on as long as there are bytes. 16-bit samples are signed
+    /// and little-endian, 8-bit samples are unsigned. Allocates nothing.
     virtual int ReadSamples(unsigned char* buffer, int samples) = 0;
     /// Moves forward without delivering anything; returns the sample frames skipped, fewer than asked for at
     /// the end of the data. Negative counts skip nothing.

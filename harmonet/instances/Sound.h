@@ -29,8 +29,7 @@ class SoundResource;
 /// 0, false or nothing where it is not). Ids are never used twice in the life of the process; 0 is no sound.
 ///
 /// A sound that was started lives exactly as long as it runs, and nothing need be freed. A sound that was
-/// made
-/// (`New...`) but never started stays until StopSound(), DeleteSound() or the end of this object.
+/// made (`New...`) but never started stays until StopSound(), DeleteSound() or the end of this object.
 ///
 /// `name` is the name of a resource when there is a `db`, and the name of a file when `db` is null.
 ///
@@ -66,7 +65,8 @@ public:
         StartImmediately = 0x08,
         /// CatSound() stays allowed while the sound plays.
         StartQueued = 0x10,
-        /// SetFrequency() stays allowed while the sound plays. Ignored for a sound with effects.
+        /// SetFrequency() stays allowed while the sound plays, and the listener's effects do not apply.
+        /// Ignored for a sound with effects.
         StartChgFrequency = 0x20,
         /// The listener's effects do not apply.
         StartDisableMicFX = 0x40
@@ -121,8 +121,8 @@ public:
     void StopSound(int id);
     /// Ends the sound without a word: no observer is told, and the caller has its memory back at once.
     void DeleteSound(int id);
-    /// Falls silent over `ms` milliseconds and ends. Without a channel the sound ends at once, and the result
-    /// is false.
+    /// Falls silent over `ms` milliseconds and ends. Without a channel, and along a line, the sound ends at
+    /// once, and the result is false.
     bool FadeOutSound(int id, unsigned int ms);
     /// Appends a file behind the sound, before the start, or during play if it was started with StartQueued.
     /// False, and nothing is appended, for a looping sound, a file that cannot be opened, or one whose bytes

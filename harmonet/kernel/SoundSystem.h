@@ -65,7 +65,8 @@ public:
     static void StopAll3D();
 
     /// The limit of audible sounds, in force from the next full update. The driver is not told: beyond what
-    /// the option "MaxSounds" gave it at the start it may refuse channels.
+    /// the option "MaxSounds" gave it at the start it may refuse channels. 2^31 and more silences all but
+    /// music, as 0 does.
     void SetMaxAudibleSounds(unsigned int count);
     unsigned int GetMaxAudibleSounds();
 

@@ -36,7 +36,8 @@ struct FXWavesReverb;
 /// share it, and the queue behind it, under the channel's lock: while the lock is held, `sndFile` and the
 /// links of the files behind it do not change. A driver holds it whenever it reads `sndFile`, reads from that
 /// file or steps to the next file, and never across an event. After Stop() the driver does not touch the file
-/// any more. The library closes and deletes files only after it has released the lock.
+/// any more. The library closes and deletes files after it has released the lock,
+/// but for those that wait behind `sndFile`, and one that it could not append: they go under it.
 class HARMONET_API SndChannel : public Allocated
 {
 public:
