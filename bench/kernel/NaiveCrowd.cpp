@@ -18,17 +18,17 @@ NaiveCrowd::NaiveCrowd(CrowdPlan& newPlan, int fileCount, int channels)
     for (int i = 0; i < plan.GetCount(); ++i) {
         const CrowdPlan::Place& place = plan.GetPlace(i);
         const int id = model.New3D(std::to_string(i % fileCount) + ".wav");
-        model.SetPosition(id, place.position);
-        model.SetPriority(id, place.priority);
-        model.SetDistances(id, CrowdPlan::minDistance, CrowdPlan::maxDistance, false);
-        model.Start(id, Quon::Sound::StartLooping);
+        model.SetSoundPosition(id, place.position);
+        model.SetSoundPriority(id, place.priority);
+        model.SetSoundMinMaxDistance(id, CrowdPlan::minDistance, CrowdPlan::maxDistance, false);
+        model.StartSound(id, Quon::Sound::StartLooping);
     }
 }
 
 void NaiveCrowd::MoveHalf()
 {
     for (int id = 1; id <= plan.GetCount(); id += 2)
-        model.SetPosition(id, plan.AnyPosition());
+        model.SetSoundPosition(id, plan.AnyPosition());
 }
 
 void NaiveCrowd::Update()

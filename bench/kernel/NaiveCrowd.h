@@ -20,7 +20,7 @@ public:
 
 private:
     CrowdPlan& plan;
-    Quon::UpdateModel model;
+    Quon::UpdateModel model{0};
 };
 
 } // namespace Bench
