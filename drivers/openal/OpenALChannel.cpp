@@ -20,10 +20,14 @@ constexpr double microsecondsPerSecond = 1e6;
 // The resampler looks some sample frames ahead, and a source that finds none there falls short of its end.
 constexpr int resamplerFrames = 64;
 
-int ToFrames(std::int64_t microseconds, double rateHz)
+std::int64_t ToFrames(std::int64_t microseconds, double rateHz)
 {
-    const double sampleFrames = static_cast<double>(microseconds) * rateHz / microsecondsPerSecond;
-    return static_cast<int>(std::min<double>(sampleFrames, PcmFeed::maxBlockFrames));
+    return static_cast<std::int64_t>(static_cast<double>(microseconds) * rateHz / microsecondsPerSecond);
+}
+
+int ToBlockFrames(std::int64_t microseconds, double rateHz)
+{
+    return static_cast<int>(std::min<std::int64_t>(ToFrames(microseconds, rateHz), PcmFeed::maxBlockFrames));
 }
 
 } // namespace
@@ -338,7 +342,9 @@ bool OpenALChannel::IsChanging()
 void OpenALChannel::PumpRound(const ReadAhead& ahead, std::int64_t time)
 {
     StartRound(time);
-    while (true) {
+    // A disk that is slower than the sound never gets the target read. Stop() must not wait for more than the
+    // read that is going on, nor other channels for more than a few.
+    for (int blocks = 0; isPumped && blocks < Voice::bufferCount; ++blocks) {
         const Wanted wanted = CountWanted(ahead);
         if (wanted.sampleFrames == 0) {
             return;
@@ -380,8 +386,8 @@ OpenALChannel::Wanted OpenALChannel::CountWanted(const ReadAhead& ahead)
     }
     // The rate is certain only when the first block has been read.
     const bool isCertain = voice->GetFramesQueued() > 0;
-    const int minBlock = std::max(ToFrames(ahead.minBlock, speedHz), 1);
-    const int maxBlock = std::max(ToFrames(ahead.maxBlock, speedHz), minBlock);
+    const int minBlock = std::max(ToBlockFrames(ahead.minBlock, speedHz), 1);
+    const int maxBlock = std::max(ToBlockFrames(ahead.maxBlock, speedHz), minBlock);
     return {static_cast<int>(std::clamp<std::int64_t>(missing, minBlock, maxBlock)), speedHz,
         isCertain ? missing : std::numeric_limits<std::int64_t>::max()};
 }

@@ -131,6 +131,19 @@ TEST_F(OpenALCard, ASlowDiskLeavesGapsAndLosesNothing)
     EXPECT_GE(CountGaps(heard, 0.25 / length), 1) << "the disk was not slow";
 }
 
+// What is read ahead never gets to where it should be; Stop() waits for one read all the same.
+TEST_F(OpenALCard, ASoundWhoseDiskIsSlowerThanItselfCanBeStopped)
+{
+    constexpr int length = 10 * rateHz;
+    FormulaFile& slow = rig.Make({length}, Constant(0.1));
+    slow.BeSlow(1, std::chrono::milliseconds(30));
+    ASSERT_TRUE(rig.Open(rateHz, 8));
+    SndChannel* const channel = rig.Play(slow);
+    ASSERT_TRUE(slow.WaitUntilRead(rateHz / 4));
+    channel->Stop();
+    EXPECT_LT(slow.GetFramesRead(), length);
+}
+
 TEST_F(OpenALCard, NothingIsLostInAGameFrameOfTwoSecondsAndItsEventsComeInOneUpdate)
 {
     constexpr int length = 7 * rateHz / 10;
