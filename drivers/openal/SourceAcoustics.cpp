@@ -20,7 +20,8 @@ template<class Record>
 std::optional<Record> FindRecord(const SndFXList& effects, SndFX kind)
 {
     const SndFXDesc* const desc = effects.GetFXDesc(kind);
-    if (!desc || desc->size < sizeof(Record)) {
+    const std::size_t qualityBytes = kind == SndFXEnvReverb ? sizeof(std::int32_t) : 0;
+    if (!desc || desc->size < sizeof(Record) + qualityBytes) {
         return std::nullopt;
     }
     Record record;
