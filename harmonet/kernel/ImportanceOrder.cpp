@@ -14,6 +14,8 @@ namespace
 
 constexpr float lossFactor = 1.3F;
 constexpr int wordBits = 32;
+constexpr int wideDigitBits = 11;
+constexpr std::size_t mostPlaces = 3 << wideDigitBits; // Four narrow digits have fewer.
 
 constexpr std::uint32_t LowBits(int count)
 {
@@ -129,7 +131,7 @@ void ImportanceOrder::Sort(std::span<const Member> sorted, Direction direction)
 void ImportanceOrder::RadixSort(int bits)
 {
     constexpr std::size_t fewSounds = 3000;
-    const int wideBits = entries.size() < fewSounds ? 8 : 11;
+    const int wideBits = entries.size() < fewSounds ? 8 : wideDigitBits;
     switch ((bits + wideBits - 1) / wideBits) {
     case 0:
         return;
@@ -151,6 +153,8 @@ void ImportanceOrder::RadixSortInPasses(int bits)
     const int digitBits = (bits + passes - 1) / passes;
     const std::size_t numValues = std::size_t{1} << digitBits;
     const std::uint32_t digitMask = LowBits(digitBits);
+    // As many as there can ever be, so that wider keys do not allocate in the midst of a game.
+    places.reserve(mostPlaces);
     places.assign(passes * numValues, 0);
     std::uint32_t* const counters = places.data();
     for (const Entry& entry : entries) {
