@@ -96,7 +96,16 @@ bool Music::StartFile(SndBase& instance, bool isNew, const PString& name)
 
 bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase& db)
 {
+    const auto exists = [&instance, id = instance.GetSoundID()] {
+        return theKernel && theKernel->FindSound(id) == &instance;
+    };
     TakenResource resource(name, db, lookupMode);
+    // Whoever heard of the load may have ended the piece, or used the handle for another.
+    if (!theKernel || FindLive() != (isNew ? nullptr : &instance)) {
+        if (isNew || exists())
+            delete &instance;
+        return FindLive() != nullptr;
+    }
     if (!resource)
         return GiveUp(instance);
     instance.SetFileName(resource->GetFileName());
@@ -108,13 +117,16 @@ bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, co
     // Whole: the mask of resource effects is for sound effects.
     if (resource->GetFXList().GetNumEffects() > 0)
         instance.SetCopyFXList(resource->GetFXList());
+    const std::uint32_t startsBefore = instance.GetStartSerial();
     resource->ApplyMusicSettings(this);
     resource.Unlock();
-    // The resource can have stopped this piece, or started one itself.
-    const SndBase* live = FindLive();
-    if (live != &instance || live->GetSndChannel())
-        return live != nullptr;
-    return StartOrGiveUp(instance);
+    // And so may the resource.
+    const bool isOurs = exists() && FindLive() == &instance;
+    if (isOurs && instance.GetStartSerial() == startsBefore)
+        return StartOrGiveUp(instance);
+    if (exists() && !isOurs)
+        delete &instance;
+    return FindLive() != nullptr;
 }
 
 bool Music::StartOrGiveUp(SndBase& instance)

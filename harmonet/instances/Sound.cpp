@@ -149,7 +149,8 @@ int Sound::New2DSound(const PString& name, const ResourceDatabase* db)
         return AddSound(made.release());
     }
     TakenResource resource(name, *db, lookupMode);
-    if (!resource)
+    // Whoever heard of the load may have ended the system.
+    if (!resource || !CanMakeSounds())
         return 0;
     Snd2D* sound = made.get();
     const int id = AddSound(made.release());
@@ -175,7 +176,8 @@ int Sound::New3DSound(const PString& name, const ResourceDatabase* db, bool igno
         return AddSound(made.release());
     }
     TakenResource resource(name, *db, lookupMode);
-    if (!resource)
+    // Whoever heard of the load may have ended the system.
+    if (!resource || !CanMakeSounds())
         return 0;
     Snd3D* sound = made.get();
     const int id = AddSound(made.release());
@@ -235,7 +237,8 @@ unsigned long Sound::CalcSoundLength(const PString& name, const ResourceDatabase
     if (!db)
         return theKernel->GetLength(PString(), name);
     TakenResource resource(name, *db, lookupMode);
-    return resource ? theKernel->GetLength(resource->GetOwnerName(), resource->GetFileName()) : 0;
+    return resource && theKernel ? theKernel->GetLength(resource->GetOwnerName(), resource->GetFileName())
+                                 : 0;
 }
 
 } // namespace Quon

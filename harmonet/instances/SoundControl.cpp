@@ -229,8 +229,10 @@ bool Sound::CatSound(int id, const PString& name, const ResourceDatabase* db)
             return false;
         fileName = resource->GetFileName();
         ownerName = resource->GetOwnerName();
+        // Whoever heard of the load may have ended the sound.
+        sound = FindForCat(id);
     }
-    if (!MayAppend(*sound))
+    if (!sound || !MayAppend(*sound))
         return false;
     sound->AddFlags(FlagQueued);
     ChannelLock lock(sound->GetSndChannel());

@@ -139,6 +139,9 @@ TEST_F(MusicResources, AResourceMayStopThePieceOrStartAnother)
     WilfulResource::act = [](Music& handle) { handle.FadeOut(10); };
     EXPECT_FALSE(music.Play("a.wilful", &database, false));
     EXPECT_TRUE(TakeLog().empty());
+    WilfulResource::act = [](Music& handle) { handle = Music(); };
+    EXPECT_FALSE(music.Play("a.wilful", &database, false));
+    EXPECT_TRUE(TakeLog().empty());
     WilfulResource::act = [](Music& handle) { EXPECT_TRUE(handle.Play("b", true)); };
     EXPECT_TRUE(music.Play("a.wilful", &database, false));
     EXPECT_EQ(TakeLog(), (Lines{"CreateChannel c1 2 b@0 fx", "c1 Play"}));
