@@ -119,6 +119,20 @@ class SoundsTest(ToolCase):
                                      (channels, width, RATE_HZ))
                     self.assertEqual(out.readframes(out.getnframes()), data)
 
+    def test_no_sound_is_rendered_into_itself(self):
+        tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
+        other = self.write_wave("other.wav", sine(440, 0.1, 0.5))
+        before = (self.folder / tone).read_bytes()
+        os.link(self.folder / tone, self.folder / "link.wav")
+        for output in [["--render", tone], ["--render", "link.wav"], ["--render", f" {tone}"],
+                       ["--option", f"OpenALRender={tone}"],
+                       ["--render", "out.wav", "--option", f"OpenALRender = ./{tone}"]]:
+            with self.subTest(output):
+                done = self.run_tool("play", other, tone, *output)
+                self.assertEqual((done.returncode, (self.folder / tone).read_bytes()), (1, before))
+                self.assertIn("the same file", done.stderr)
+                self.assertFalse((self.folder / "out.wav").exists())
+
     @needs_rendering
     def test_a_rendered_sound_has_its_length_and_level(self):
         tone = self.write_wave("tone.wav", sine(441, 1.0, 0.5))

@@ -5,6 +5,7 @@
 #include "tools/harmonet/ToolError.h"
 
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <limits>
 
@@ -16,6 +17,7 @@ namespace
 
 constexpr const char* loudDriver = "HarmonetOpenAL";
 constexpr const char* silentDriver = "HarmonetNull";
+constexpr const char* renderOption = "OpenALRender";
 
 // An emulated sound moves on by the seconds of the call in which a full update runs, and that takes 40 ms. A
 // task that never gets less than this has all of the time in that call, and emulated sounds lose none.
@@ -34,6 +36,7 @@ Host::Host(const Settings& settings)
 {
     const std::string drivers = settings.drivers.empty() ? loudDriver : settings.drivers;
     SetOptions(settings, drivers);
+    CheckInputs(settings.inputs);
     CheckWritable(settings.renderPath);
     if (!StartSystem()) {
         throw ToolError("no sound driver works of those tried (" + drivers + ")" +
@@ -55,12 +58,26 @@ void Host::SetOptions(const Settings& settings, const std::string& drivers)
     Quon::Options& options = *os.GetOptions();
     options.Set("Sound", drivers.c_str());
     if (!settings.renderPath.empty())
-        options.Set("OpenALRender", settings.renderPath.c_str());
+        options.Set(renderOption, settings.renderPath.c_str());
     if (settings.channels > 0)
         options.Set("MaxSounds", std::to_string(settings.channels).c_str());
     for (const std::string& option : settings.options) {
         if (!options.SetFromText(option.c_str()))
             throw ToolError("'" + option + "' is no option of the form Key=Value");
+    }
+}
+
+void Host::CheckInputs(const std::vector<std::string>& inputs)
+{
+    // As the driver reads it, which leaves out blanks around the path.
+    os.GetOptions()->SetSeperators(renderOption, "\n");
+    Quon::String output;
+    if (!os.GetOptions()->GetNext(renderOption, output))
+        return;
+    for (const std::string& input : inputs) {
+        std::error_code ignored;
+        if (std::filesystem::equivalent(input, output.GetText(), ignored))
+            throw ToolError("'" + input + "' is played and rendered into; these cannot be the same file");
     }
 }
 

@@ -21,13 +21,14 @@ public:
         std::string renderPath; ///< Wave file to render into; empty to play aloud.
         int channels = 0; ///< Limit of audible sounds; 0 for the library's default.
         std::vector<std::string> options; ///< Further engine options as Key=Value.
+        std::vector<std::string> inputs; ///< Files that must not be rendered into.
     };
 
     /// How long a game frame lasts where time is turned by hand, in whole milliseconds, so that every full
     /// update gets exactly the time that was meant.
     static constexpr int offlineFrameMs = 50;
 
-    /// Throws a ToolError when an option is none or no driver works.
+    /// Throws a ToolError when an option is none, an input would be rendered into, or no driver works.
     explicit Host(const Settings& settings);
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
@@ -41,6 +42,7 @@ public:
 private:
     bool StartSystem();
     void SetOptions(const Settings& settings, const std::string& drivers);
+    void CheckInputs(const std::vector<std::string>& inputs);
 
     bool isLive;
     Quon::OS os;

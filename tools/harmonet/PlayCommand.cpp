@@ -80,7 +80,9 @@ int RunPlay(const PlayArguments& arguments)
     const FileArguments files(arguments.paths);
     CheckSounds(files);
     CatchInterrupt();
-    Host host(arguments.host);
+    Host::Settings settings = arguments.host;
+    settings.inputs = arguments.paths;
+    Host host(settings);
     PlayReport report;
     Quon::Sound group;
     group.AddObserver(&report);
