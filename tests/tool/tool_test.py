@@ -18,6 +18,7 @@ from pathlib import Path
 
 TOOL = ""
 RATE_HZ = 22050
+STREAMS = Path(__file__).resolve().parent.parent / "files/mpeg/streams"
 
 needs_rendering = unittest.skipIf("HARMONET_NO_RENDERING" in os.environ, "no OpenAL driver was built")
 
@@ -118,6 +119,21 @@ class SoundsTest(ToolCase):
                     self.assertEqual((out.getnchannels(), out.getsampwidth(), out.getframerate()),
                                      (channels, width, RATE_HZ))
                     self.assertEqual(out.readframes(out.getnframes()), data)
+
+    def test_a_stream_that_changes_its_format_is_not_decoded(self):
+        mono, joint, slow = ((STREAMS / f"{name}.mp3").read_bytes()
+                             for name in ("mono-48000", "joint-44100", "mono-16000"))
+        for name, stream, is_whole in [("mono", mono, True), ("mono twice", mono + mono, True),
+                                       ("mono to stereo", mono + joint, False),
+                                       ("stereo to mono", joint + mono, False),
+                                       ("another rate", mono + slow, False)]:
+            with self.subTest(name):
+                (self.folder / "in.mp3").write_bytes(stream)
+                done = self.run_tool("decode", "in.mp3", "out.wav")
+                self.assertEqual(done.returncode, 0 if is_whole else 1)
+                self.assertEqual("half-way" in done.stderr, not is_whole, done.stderr)
+                self.assertEqual((self.folder / "out.wav").exists(), is_whole)
+                (self.folder / "out.wav").unlink(missing_ok=True)
 
     def test_no_sound_is_rendered_into_itself(self):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))

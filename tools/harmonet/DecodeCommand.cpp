@@ -23,14 +23,26 @@ struct DecodeArguments
     std::string output;
 };
 
+/// The head of a wave file states one format for all of the sound.
+void CheckFormat(const Quon::SoundFormat& now, const Quon::SoundFormat& atStart)
+{
+    if (now.GetChannels() != atStart.GetChannels() ||
+        now.GetSampleFrequency() != atStart.GetSampleFrequency()) {
+        throw ToolError(
+            "the sound changes its number of channels or its rate half-way, which a wave file cannot do");
+    }
+}
+
 void CopySound(Quon::SndFile& data, WaveWriter& writer)
 {
+    const Quon::SoundFormat format = data;
     const int frameBytes = data.GetChannels() * data.GetBytesPerSample();
     std::vector<unsigned char> buffer(static_cast<std::size_t>(sampleFramesAtOnce * frameBytes));
     for (;;) {
         // A reader may go on behind the end of the sound; what is there is not part of it.
         const int wanted = std::min(sampleFramesAtOnce, data.GetSoundSamples() - data.GetCurrentSample());
         const int given = wanted > 0 ? data.ReadSamples(buffer.data(), wanted) : 0;
+        CheckFormat(data, format);
         if (given <= 0)
             return;
         writer.Write(buffer.data(), static_cast<std::size_t>(given) * static_cast<std::size_t>(frameBytes));
