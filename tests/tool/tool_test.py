@@ -186,6 +186,13 @@ class SoundsTest(ToolCase):
         self.assertEqual(said.count("ended"), 1, said)
         self.assertEqual(said.count("cut off"), 2, said)
 
+    def test_options_may_stand_before_the_files(self):
+        tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
+        for options in [["--at", "3,0,-2"], ["--option", "MaxSounds=2"],
+                        ["--option", "MaxSounds=2", "--option", "StreamLength=500"]]:
+            with self.subTest(options):
+                self.assertIn(f"started {tone}\n", self.succeed("play", "--driver", "HarmonetNull", *options, tone))
+
     def test_an_interrupt_ends_it_in_good_order(self):
         tone = self.write_wave("tone.wav", sine(440, 0.5, 0.5))
         with subprocess.Popen([TOOL, "play", tone, "--loop", "--driver", "HarmonetNull"], cwd=self.folder,

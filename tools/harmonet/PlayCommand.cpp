@@ -117,7 +117,8 @@ void AddPlayCommand(CLI::App& program, Action& action)
             "--at", values.position, "Place of the sounds, the listener being at 0,0,0 looking along -z")
         ->type_name("X,Y,Z")
         ->delimiter(',')
-        ->expected(3);
+        ->expected(3)
+        ->allow_extra_args(false);
     command.add_flag("--loop", values.isLooping, "Play without end");
     command.add_option("--gain", values.gain, "Linear gain")->check(CLI::Range(0.0, 1.0));
     command.add_option("--priority", values.priority, "Greater is more important");
@@ -131,7 +132,8 @@ void AddPlayCommand(CLI::App& program, Action& action)
         ->excludes(driver);
     command.add_option("--option", values.host.options, "An option of the engine, as \"StreamLength=500\"")
         ->type_name("KEY=VALUE")
-        ->expected(1);
+        ->expected(1)
+        ->allow_extra_args(false);
     command.callback([arguments, &action] { action = [arguments] { return RunPlay(*arguments); }; });
 }
 
