@@ -239,7 +239,9 @@ bool SoundDefResource::ReadFrequency(BlockReader& reader) const
         frequency = hz;
         chgFrequency = true;
     }
-    DefinitionReport(listener).CheckRange(Keys::frequency, reader, hz, minFrequencyHz, maxFrequencyHz);
+    // 0 asks for the rate of the file, which it has.
+    if (hz != 0)
+        DefinitionReport(listener).CheckRange(Keys::frequency, reader, hz, minFrequencyHz, maxFrequencyHz);
     return true;
 }
 

@@ -93,6 +93,7 @@ TEST_F(TextSettings, AFrequencyCountsFrom100To100000AndAsksForAChangingRateUnles
 {
     CheckBlocks({
         {"*FREQUENCY 99\n*GAIN 0.5", "gain 0.5", {"3 *FREQUENCY out of range: 99 of 100 to 1e+05"}},
+        {"*FREQUENCY 0\n*GAIN 0.5", "gain 0.5"},
         {"*FREQUENCY 100", "changing 1, hz 100"},
         {"*FREQUENCY 100000", "changing 1, hz 1e+05"},
         {"*FREQUENCY 22050\n*FREQUENCY 200000", "changing 1",

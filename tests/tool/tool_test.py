@@ -241,6 +241,7 @@ class DefinitionsTest(ToolCase):
         self.write("a.sound", """
             *FILE a.wav
             *GAIN 0.8
+            *FREQUENCY 0
             *FX_ECHO { *FEEDBACK 30 }
             """)
         self.write("line.sound.txt", """
