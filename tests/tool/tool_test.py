@@ -96,7 +96,8 @@ class SoundsTest(ToolCase):
     def test_wrong_arguments_are_refused(self):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
         for arguments in [[], ["sing"], ["play"], ["play", tone, "--at", "1,2"], ["play", tone, "--gain", "2"],
-                          ["play", tone, "--seconds", "x"], ["decode", tone]]:
+                          ["play", tone, "--seconds", "x"], ["decode", tone],
+                          ["play", tone, "--driver", "HarmonetNull", "--channels", "509"]]:
             with self.subTest(arguments):
                 done = self.run_tool(*arguments)
                 self.assertNotEqual(done.returncode, 0)
@@ -188,7 +189,7 @@ class SoundsTest(ToolCase):
 
     def test_options_may_stand_before_the_files(self):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
-        for options in [["--at", "3,0,-2"], ["--option", "MaxSounds=2"],
+        for options in [["--at", "3,0,-2"], ["--option", "MaxSounds=2"], ["--channels", "508"],
                         ["--option", "MaxSounds=2", "--option", "StreamLength=500"]]:
             with self.subTest(options):
                 self.assertIn(f"started {tone}\n", self.succeed("play", "--driver", "HarmonetNull", *options, tone))

@@ -23,6 +23,9 @@ constexpr float minDistance = 1.0F;
 constexpr float maxDistance = 500.0F;
 constexpr float allAround = 360.0F; ///< Degrees of a cone that is none.
 
+// The OpenAL driver gives 512, of which the library keeps 4 to spare.
+constexpr int mostChannels = 508;
+
 struct PlayArguments
 {
     std::vector<std::string> paths;
@@ -124,7 +127,7 @@ void AddPlayCommand(CLI::App& program, Action& action)
     command.add_option("--priority", values.priority, "Greater is more important");
     command.add_option("--seconds", values.seconds, "Stop after this time")->check(CLI::Range(0.1, 1e6));
     command.add_option("--channels", values.host.channels, "How many sounds can be heard at once")
-        ->check(CLI::Range(1, 1000));
+        ->check(CLI::Range(1, mostChannels));
     CLI::Option* const driver = command.add_option(
         "--driver", values.host.drivers, "Output drivers, separated by commas, tried in order");
     command.add_option("--render", values.host.renderPath, "Write what would be heard to a wave file")
