@@ -135,7 +135,6 @@ void AddPlayCommand(CLI::App& program, Action& action)
         ->excludes(driver);
     command.add_option("--option", values.host.options, "An option of the engine, as \"StreamLength=500\"")
         ->type_name("KEY=VALUE")
-        ->expected(1)
         ->allow_extra_args(false);
     command.callback([arguments, &action] { action = [arguments] { return RunPlay(*arguments); }; });
 }
