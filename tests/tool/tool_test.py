@@ -192,7 +192,7 @@ class SoundsTest(ToolCase):
         for options in [["--at", "3,0,-2"], ["--option", "MaxSounds=2"], ["--channels", "508"],
                         ["--option", "MaxSounds=2", "--option", "StreamLength=500"]]:
             with self.subTest(options):
-                self.assertIn(f"started {tone}\n", self.succeed("play", "--driver", "HarmonetNull", *options, tone))
+                self.assertIn(f"started {tone}\n", self.succeed("play", *options, tone, "--driver", "HarmonetNull"))
 
     def test_an_interrupt_ends_it_in_good_order(self):
         tone = self.write_wave("tone.wav", sine(440, 0.5, 0.5))
