@@ -100,7 +100,7 @@ private:
     int rate = 0;
     Hrtf hrtf = Hrtf::DeviceDefault;
     std::int64_t renderedFrames = 0;
-    std::array<float, 6> surplus{}; ///< Of a loopback device: mixed and not yet given out.
+    std::array<float, 6> surplus{}; ///< Of a loopback device: up to three sample frames not yet given out.
     int surplusFrames = 0;
     ListenerSettings listener;
     mutable std::recursive_mutex mutex; ///< Recursive, since scopes can be nested.
