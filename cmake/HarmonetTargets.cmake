@@ -44,8 +44,9 @@ function(harmonet_driver target name)
     install(TARGETS ${target} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT drivers)
 endfunction()
 
-# A test program test_<name>; each of its tests is known to CTest by its own name. Those in
-# HARMONET_THREADED_TESTS make up the target threaded_tests and carry the label "threaded".
+# A test program test_<name>; each of its tests is known to CTest by its own name, or the program as a whole
+# where starting it is slow (HARMONET_TEST_EACH_PROGRAM). Those in HARMONET_THREADED_TESTS make up the target
+# threaded_tests and carry the label "threaded".
 function(harmonet_test name)
     add_executable(test_${name} ${ARGN})
     target_link_libraries(test_${name} PRIVATE harmonet_test_support harmonet GTest::gtest_main GTest::gmock)
@@ -54,5 +55,10 @@ function(harmonet_test name)
         set(label threaded)
         add_dependencies(threaded_tests test_${name})
     endif()
-    gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS ${label})
+    if(HARMONET_TEST_EACH_PROGRAM)
+        add_test(NAME ${name} COMMAND test_${name})
+        set_tests_properties(${name} PROPERTIES TIMEOUT 600 LABELS ${label})
+    else()
+        gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS ${label})
+    endif()
 endfunction()

@@ -1,5 +1,6 @@
 # Installs the build tree BUILT below the folder WORK, and configures, builds and runs the consumer project there
-# against what was installed and nothing else. COMPILER is optional.
+# against what was installed and nothing else. Optional: COMPILER, or a TOOLCHAIN file that says more than that, and
+# an EMULATOR to run what was built.
 cmake_path(ABSOLUTE_PATH BUILT)
 cmake_path(ABSOLUTE_PATH WORK)
 set(prefix "${WORK}/installed")
@@ -11,10 +12,12 @@ function(run)
 endfunction()
 
 set(compiler_option)
-if(COMPILER)
+if(TOOLCHAIN)
+    set(compiler_option "-DCMAKE_TOOLCHAIN_FILE=${TOOLCHAIN}")
+elseif(COMPILER)
     set(compiler_option "-DCMAKE_CXX_COMPILER=${COMPILER}")
 endif()
 run(${CMAKE_COMMAND} --install "${BUILT}" --prefix "${prefix}")
 run(${CMAKE_COMMAND} -S "${project}" -B "${WORK}/build" -G Ninja "-DCMAKE_PREFIX_PATH=${prefix}" ${compiler_option})
 run(${CMAKE_COMMAND} --build "${WORK}/build")
-run("${WORK}/build/consumer")
+run(${EMULATOR} "${WORK}/build/consumer")

@@ -1,12 +1,14 @@
 """Runs the built tool on small files and looks at what a user gets: exit code, output, and the files it writes;
 for sound definitions what `check` says and returns, and what `info` shows.
 
-Usage: tool_test.py TOOL. With HARMONET_NO_RENDERING set what needs the OpenAL driver is left out.
+Usage: tool_test.py TOOL. With HARMONET_NO_RENDERING set what needs the OpenAL driver is left out; HARMONET_EMULATOR
+names the command that runs a tool built for another machine.
 """
 import array
 import math
 import os
 import pty
+import shlex
 import signal
 import subprocess
 import sys
@@ -16,7 +18,7 @@ import unittest
 import wave
 from pathlib import Path
 
-TOOL = ""
+TOOL = []
 RATE_HZ = 22050
 STREAMS = Path(__file__).resolve().parent.parent / "files/mpeg/streams"
 
@@ -56,7 +58,7 @@ class ToolCase(unittest.TestCase):
             return [samples[channel::file.getnchannels()] for channel in range(file.getnchannels())]
 
     def run_tool(self, *arguments):
-        return subprocess.run([TOOL, *map(str, arguments)], cwd=self.folder, env=self.environment,
+        return subprocess.run([*TOOL, *map(str, arguments)], cwd=self.folder, env=self.environment,
                               stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False)
 
     def succeed(self, *arguments):
@@ -196,7 +198,7 @@ class SoundsTest(ToolCase):
 
     def test_an_interrupt_ends_it_in_good_order(self):
         tone = self.write_wave("tone.wav", sine(440, 0.5, 0.5))
-        with subprocess.Popen([TOOL, "play", tone, "--loop", "--driver", "HarmonetNull"], cwd=self.folder,
+        with subprocess.Popen([*TOOL, "play", tone, "--loop", "--driver", "HarmonetNull"], cwd=self.folder,
                               env=self.environment, stdout=subprocess.PIPE, text=True) as tool:
             self.assertEqual(tool.stdout.readline(), f"started {tone}\n")
             tool.send_signal(signal.SIGINT)
@@ -209,7 +211,7 @@ class SoundsTest(ToolCase):
         self.assertNotIn("\r", self.succeed(*arguments))
 
         ours, terminal = pty.openpty()
-        subprocess.run([TOOL, *arguments], cwd=self.folder, env=self.environment, stdout=terminal, check=True)
+        subprocess.run([*TOOL, *arguments], cwd=self.folder, env=self.environment, stdout=terminal, check=True)
         # A read gives what has arrived so far, so a mark of our own says where the tool's output ends.
         os.write(terminal, b"<end>")
         shown = b""
@@ -363,5 +365,5 @@ class DefinitionsTest(ToolCase):
 
 
 if __name__ == "__main__":
-    TOOL = os.path.abspath(sys.argv.pop(1))
+    TOOL = [*shlex.split(os.environ.get("HARMONET_EMULATOR", "")), os.path.abspath(sys.argv.pop(1))]
     unittest.main()
