@@ -19,22 +19,30 @@ public:
     ObserverSubject(const ObserverSubject&) = delete;
     ObserverSubject& operator=(const ObserverSubject&) = delete;
 
-    /// An observer is in the list once, however often it is added. The list does not own it.
+    /// An observer is in the list once, however often it is added. The list does not own it; an observer that
+    /// is destroyed leaves by itself. Null does nothing.
     virtual void AddObserver(Observer* observer)
     {
-        if (Entry* entry = Find(observer))
-            entry->active = true;
-        else
-            entries.Append({true, observer});
+        if (!observer)
+            return;
+        if (!Find(observer))
+            entries.Append({false, observer});
+        Entry& entry = *Find(observer);
+        if (entry.active)
+            return;
+        // Active last: if memory runs out, the list holds nothing that it would call.
+        observer->Join(*this);
+        entry.active = true;
     }
 
-    /// From here on the observer gets no call, also of a notification that is under way.
+    /// From here on the observer gets no call, also of a notification that is under way. Null does nothing.
     virtual void RemoveObserver(Observer* observer)
     {
         Entry* entry = Find(observer);
         if (!entry)
             return;
         entry->active = false;
+        observer->Leave(*this);
         if (notifyDepth == 0)
             Purge();
     }

@@ -81,8 +81,9 @@ Sound::~Sound()
     if (theKernel)
         theKernel->DeleteSounds(this);
     hasShutDown = true;
-    Notify([](SoundObserver& observer) {
+    Notify([this](SoundObserver& observer) {
         observer.subject = nullptr;
+        observer.Leave(*this);
         observer.OnShutDown();
     });
 }
@@ -90,7 +91,7 @@ Sound::~Sound()
 void Sound::AddObserver(SoundObserver* observer)
 {
     // One that comes back from its OnShutDown() would keep the address of what is gone.
-    if (hasShutDown)
+    if (hasShutDown || !observer)
         return;
     observer->subject = this;
     ObserverSubject::AddObserver(observer);
@@ -98,6 +99,8 @@ void Sound::AddObserver(SoundObserver* observer)
 
 void Sound::RemoveObserver(SoundObserver* observer)
 {
+    if (!observer)
+        return;
     observer->subject = nullptr;
     ObserverSubject::RemoveObserver(observer);
 }

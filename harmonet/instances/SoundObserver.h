@@ -1,6 +1,7 @@
 #pragma once
 
 #include "harmonet/Export.h"
+#include "harmonet/engine/ChunkRing.h"
 
 namespace Quon
 {
@@ -21,12 +22,13 @@ class HARMONET_API SoundObserver
 {
 public:
     SoundObserver() = default;
-    /// A copy knows the `Sound` of its model but stands in nobody's list.
-    SoundObserver(const SoundObserver&) = default;
-    SoundObserver& operator=(const SoundObserver&) = default;
+    /// Copies `subject` alone. The copy is in no list, and `subject` is not cleared when that `Sound` is
+    /// destroyed.
+    SoundObserver(const SoundObserver& other);
+    /// Copies `subject` alone. The observer stays in the lists in which it is.
+    SoundObserver& operator=(const SoundObserver& other);
 
-    /// Leaves the `Sound` to which it was last added. One that was added to several has to be removed from
-    /// the others first.
+    /// Leaves every `Sound` to which it was added. An observer can be destroyed at any time.
     virtual ~SoundObserver();
     /// The `Sound` is being destroyed; the observer is no longer linked to it.
     virtual void OnShutDown();
@@ -43,8 +45,19 @@ public:
     /// come while the lock of the sound's channel is held; the handler may append more data to that sound.
     virtual void OnBufferFree(int soundID, void* buffer);
 
-    /// The `Sound` to which this observer was last added, or null.
+    /// The `Sound` to which this observer was last added. Null after it has been removed from any `Sound`, or
+    /// after any `Sound` that it was added to has been destroyed, even while it is still in the list of
+    /// another.
     ObserverSubject<SoundObserver>* subject = nullptr;
+
+private:
+    friend class ObserverSubject<SoundObserver>;
+    friend class Sound;
+
+    void Join(ObserverSubject<SoundObserver>& group);
+    void Leave(ObserverSubject<SoundObserver>& group);
+
+    ChunkRing<ObserverSubject<SoundObserver>*, 4> groups; ///< In whose lists this observer counts as added.
 };
 
 } // namespace Quon

@@ -15,6 +15,71 @@ protected:
     const PString file = WriteWave("a.wav", {2000});
 };
 
+// `subject` names one group at most, so that it cannot be what the destructor goes by.
+TEST_F(ObserverTest, IsGoneFromEveryGroupWhenItIsDestroyedWhateverSubjectSays)
+{
+    constexpr int groupCount = 5;
+    enum Case
+    {
+        Added,
+        RemovedFromOne,
+        OneDestroyed,
+        AddedAgain,
+        AssignedOver,
+        CopyOutlives,
+        InHandler,
+        CaseCount
+    };
+    for (int which = 0; which < CaseCount; ++which) {
+        SCOPED_TRACE(which);
+        std::vector<std::unique_ptr<Sound>> groups;
+        auto watcher = std::make_unique<LoggingObserver>(*names, "A ");
+        for (int i = 0; i < groupCount; ++i) {
+            groups.push_back(std::make_unique<Sound>());
+            groups.back()->AddObserver(watcher.get());
+        }
+        SoundObserver elsewhere;
+        group->AddObserver(&elsewhere);
+        std::unique_ptr<SoundObserver> copy;
+        const SoundObserver* const watched = watcher.get();
+        switch (which) {
+        case RemovedFromOne:
+            groups[2]->RemoveObserver(watcher.get());
+            break;
+        case OneDestroyed:
+            groups.erase(groups.begin() + 2);
+            break;
+        case AddedAgain:
+            groups[2]->RemoveObserver(watcher.get());
+            groups[2]->AddObserver(watcher.get());
+            break;
+        case AssignedOver:
+            static_cast<SoundObserver&>(*watcher) = elsewhere;
+            break;
+        case CopyOutlives:
+            copy = std::make_unique<SoundObserver>(*watcher);
+            break;
+        case InHandler:
+            watcher->react = [&](const Note&) { watcher.reset(); };
+            break;
+        default:
+            break;
+        }
+        groups.back()->StopSound(groups.back()->New2DSound(file, nullptr));
+        watcher.reset();
+        TakeLog();
+        for (auto& any : groups) {
+            EXPECT_FALSE(any->HasObserver(watched));
+            any->StopSound(any->New2DSound(file, nullptr));
+            any->AddObserver(nullptr);
+            any->RemoveObserver(nullptr);
+            any.reset();
+        }
+        EXPECT_EQ(TakeNotes(), Lines());
+        EXPECT_EQ(elsewhere.subject, group.get());
+    }
+}
+
 // A chunk of the list has four places, so that the removals cross a border.
 TEST_F(ObserverTest, EveryObserverCanRemoveOrDestroyItselfOrAnyOther)
 {
