@@ -154,7 +154,9 @@ void SndKernel::Done()
     delete dataCache;
     dataCache = nullptr;
     CloseDriver();
-    activeMicrophone = nullptr;
+    // A microphone can outlive the system, and must not pass for the listener of the next one.
+    if (activeMicrophone)
+        ClearMicrophone(activeMicrophone);
 }
 
 bool SndKernel::GetCaps(SoundCaps& driverCaps)

@@ -113,6 +113,23 @@ TEST_F(MicrophoneTest, OnlyAChangeIsSentAndOnlyByTheActiveOne)
         (Lines{"SetListenerPosition 5 0 2", "SetListenerOrientation 0 0 1, 0 1 0"}));
 }
 
+TEST_F(MicrophoneTest, IsNoListenerOfASystemThatIsStartedLater)
+{
+    FXEnvReverb cave{};
+    FXEnvReverb answer{};
+    system.Done();
+    EXPECT_FALSE(microphone->IsActive());
+    ASSERT_TRUE(system.Init(&os, false));
+    Microphone next;
+    next.Activate();
+    TakeLog();
+    // Kept for the time when it is activated again.
+    EXPECT_TRUE(microphone->SetFXEnvReverb(&cave, 2, 5));
+    EXPECT_TRUE(microphone->GetFXEnvReverb(&answer));
+    EXPECT_EQ(TakeLog(), Lines());
+    EXPECT_TRUE(next.IsActive());
+}
+
 TEST_F(MicrophoneTest, BringsItsRoomAlongWhenItIsActivated)
 {
     FXEnvReverb cave{};
