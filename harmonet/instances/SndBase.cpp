@@ -48,6 +48,7 @@ SndBase& SndBase::operator=(const SndBase& other)
     sndFlags = other.sndFlags;
     fileName = other.fileName;
     substName = other.substName;
+    nameNumber = other.nameNumber;
     sndFile = other.sndFile;
     startSample = other.startSample;
     stateTime = other.stateTime;
