@@ -38,6 +38,14 @@ enum StartCode
     StartNotOpened = 3
 };
 
+// The option, or the default if it is not set, not a number or below the minimum.
+int ReadOption(const Options& hostOptions, const PString& key, int minimum, int defaultValue)
+{
+    int value = defaultValue;
+    hostOptions.Get(key.GetText(), value, defaultValue);
+    return value < minimum ? defaultValue : value;
+}
+
 int HandleDriverEvent(int event, void* data, void* user)
 {
     return static_cast<SndKernel*>(user)->OnDriverEvent(event, data);
@@ -78,7 +86,7 @@ int SndKernel::Init(OS* os, bool driverFlag)
     driver->SetMaxChannels(std::min(maxAudible, mostAudible) + spareChannels);
     theKernel = this;
     dataCache = new SndNodeCache;
-    dataCache->SetLimit(options.cacheSize > 0 ? static_cast<unsigned long>(options.cacheSize) : 0);
+    dataCache->SetLimit(static_cast<unsigned long>(options.cacheSize));
     fileCache = new SndFileCache;
     SndFile::SetSndFileCache(fileCache);
     driver->GetCaps(caps);
@@ -87,11 +95,11 @@ int SndKernel::Init(OS* os, bool driverFlag)
 
 void SndKernel::ReadOptions(const Options& hostOptions)
 {
-    int sampleFrequency = defaultSampleFrequency;
-    hostOptions.Get(HarmonetStrings::cacheSize.GetText(), options.cacheSize, options.cacheSize);
-    hostOptions.Get(HarmonetStrings::primaryFrequency.GetText(), sampleFrequency, sampleFrequency);
-    hostOptions.Get(HarmonetStrings::maxSounds.GetText(), options.maxSounds, options.maxSounds);
-    hostOptions.Get(HarmonetStrings::streamLength.GetText(), options.streamLength, options.streamLength);
+    options.cacheSize = ReadOption(hostOptions, HarmonetStrings::cacheSize, 0, options.cacheSize);
+    const int sampleFrequency =
+        ReadOption(hostOptions, HarmonetStrings::primaryFrequency, 1, defaultSampleFrequency);
+    options.maxSounds = ReadOption(hostOptions, HarmonetStrings::maxSounds, 0, options.maxSounds);
+    options.streamLength = ReadOption(hostOptions, HarmonetStrings::streamLength, 0, options.streamLength);
     options.format.SetFormat(defaultBytesPerSample, sampleFrequency, 0, defaultChannels);
 }
 

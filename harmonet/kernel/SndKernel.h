@@ -25,7 +25,8 @@ class Sound;
 struct SndFileChange;
 struct Vector3;
 
-/// What the kernel reads from the engine's options when it starts.
+/// What the kernel reads from the engine's options when it starts. An option takes its default if it is not
+/// set, not a number of 32 bits or out of range: below 0, for the rate below 1.
 struct SoundOptions
 {
     SoundOptions();

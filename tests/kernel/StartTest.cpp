@@ -77,8 +77,14 @@ TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
     EXPECT_EQ(TakeLog(), Lines());
     system.Done();
 
+    for (const char* option : {"SoundFrequency", "MaxSounds", "StreamLength", "SoundCacheSize"})
+        SetOption(option, "-3");
+    EXPECT_TRUE(Start());
+    EXPECT_EQ(TakeLog({"Open", "SetMax"}), (Lines{"Open 2 22050 2 0 500 0", "SetMaxChannels 24"}));
+    EXPECT_EQ(theKernel->GetOptions().cacheSize, 1000000);
+    system.Done();
+
     SetOption("MaxSounds", "2147483647");
-    SetOption("SoundCacheSize", "-1");
     EXPECT_TRUE(Start());
     EXPECT_GT(recording.maxChannels, 0);
     Sound group;
