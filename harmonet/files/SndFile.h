@@ -87,12 +87,14 @@ protected:
     virtual int Read(unsigned char* buffer, int bytes, int position);
 
 public:
-    /// Writes up to `samples` sample frames of interleaved PCM in this reader's format to `buffer`, which
-    /// must have room for them, moves on by as many as were written and returns their number. 0 means that
-    /// the data have ended, and so do fewer than asked for, but of an MPEG stream, which may have come to a
-    /// change of its form. A caller that wants an exact end asks for no more than the sound samples less the
-    /// current sample: beyond that a reader may go on as long as there are bytes. 16-bit samples are signed
-    /// and little-endian, 8-bit samples are unsigned. Allocates nothing.
+    /// Writes up to `samples` sample frames of interleaved PCM in this reader's format to `buffer`, moves on
+    /// by as many as were written and returns their number. The buffer must have room for `samples` sample
+    /// frames in the format before the call; what was written has the format after the call. The two differ
+    /// only where an MPEG stream changes its number of channels. 0 means that the data have ended. Fewer than
+    /// asked for mean the same, except where such a stream has come to a change. Data that end before
+    /// GetSoundSamples() is reached have been cut off. A caller that wants an exact end asks for no more than
+    /// the sound samples less the current sample: beyond that a reader may go on as long as there are bytes.
+    /// 16-bit samples are signed and little-endian, 8-bit samples are unsigned. Allocates nothing.
     virtual int ReadSamples(unsigned char* buffer, int samples) = 0;
     /// Moves forward without delivering anything; returns the sample frames skipped, fewer than asked for at
     /// the end of the data. Negative counts skip nothing.

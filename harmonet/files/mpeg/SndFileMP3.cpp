@@ -4,6 +4,7 @@
 #include "harmonet/files/mpeg/SndFileMP3.h"
 
 #include "harmonet/engine/File.h"
+#include "harmonet/files/LittleEndian.h"
 #include "harmonet/files/SndFileHandle.h"
 #include "harmonet/files/SndNode.h"
 
@@ -132,7 +133,6 @@ void SndFileMP3::CountSamples()
 void SndFileMP3::FinishOpen()
 {
     fileType = FileMP3;
-    openChannels = channels;
     readPosition = 0;
     frameLength = 0;
     pcmIndex = frameSamples;
@@ -147,7 +147,6 @@ void SndFileMP3::CloseFile(unsigned int soundID, Sound* owner)
 {
     FreeBuffers();
     Rewind();
-    openChannels = 0;
     SndFile::CloseFile(soundID, owner);
 }
 
@@ -292,15 +291,19 @@ int SndFileMP3::ReadSamples(unsigned char* buffer, int samples)
     if (samples <= 0 || fileType != FileMP3) {
         return 0;
     }
-    const std::int64_t room = std::int64_t{samples} * std::min(openChannels, channels) * bytesPerSample;
+    const std::int64_t room = std::int64_t{samples} * channels;
     int delivered = 0;
     while (delivered < samples && currentSample <= maxInt - maxFrameSamples) {
         if (pcmIndex >= frameSamples && !DecodeNext(delivered > 0)) {
             break;
         }
         FollowHeader();
+        if (room < channels) {
+            delivered = DeliverMixed(buffer);
+            break;
+        }
         const int stride = channels * bytesPerSample;
-        const int fitting = static_cast<int>(room / stride) - delivered;
+        const int fitting = static_cast<int>(room / channels) - delivered;
         const int count = std::min({samples - delivered, frameSamples - pcmIndex, fitting});
         if (count <= 0) {
             break;
@@ -312,6 +315,22 @@ int SndFileMP3::ReadSamples(unsigned char* buffer, int samples)
         currentSample += count;
     }
     return delivered;
+}
+
+// 0 would be the end of the data, and a sample frame of two channels is beyond the caller's buffer.
+int SndFileMP3::DeliverMixed(unsigned char* buffer)
+{
+    const unsigned char* const pcm = pcmBuffer + pcmIndex * maxChannels * bytesPerSample;
+    if (bytesPerSample == 1) {
+        buffer[0] = static_cast<unsigned char>((pcm[0] + pcm[1]) / 2);
+    }
+    else {
+        StoreLittle16(buffer, (LoadLittleSigned16(pcm) + LoadLittleSigned16(pcm + 2)) / 2);
+    }
+    channels = 1;
+    ++pcmIndex;
+    ++currentSample;
+    return 1;
 }
 
 // What has been delivered is told apart by the format, which stays until the next call has samples of

@@ -23,10 +23,12 @@ namespace Quon
 /// held inside its granule by the bit counts of the side information.
 ///
 /// *A change of channels or rate in mid-stream.* The format is that of the samples handed out last. A change
-/// of channels ends a call of ReadSamples(), so that one call never mixes layouts; the next one begins with
-/// the new layout. It writes no more bytes than `samples` sample frames take in the format at open or in the
-/// format before the call, whichever is less, and so delivers fewer sample frames than asked for where
-/// channels have been added. Only 0 then means the end. A change of the rate alone does not end a call.
+/// of channels ends a call of ReadSamples(), so that one call never mixes layouts; the next call begins with
+/// the new layout. A call writes no more bytes than `samples` sample frames take in the format before the
+/// call, and so delivers fewer sample frames than asked for where channels are added. Where that leaves no
+/// room for even one sample frame, in a call that asks for a single sample frame of one channel, the two
+/// channels are mixed into one. Only 0 means the end. A change of the rate alone does not end a call. At open
+/// the format is that of the first MPEG frame, or of the last one where the frames had to be counted.
 ///
 /// *Layout of the buffers.* They are internal and arranged for vector arithmetic: `overlapBuffer` and the
 /// hybrid output by time slot and then subband, with the frequency inversion done; `synthBuffer` as 15 past
@@ -92,6 +94,8 @@ private:
     /// DecodeFrame() for ReadSamples(). With `keepChannels` a frame of other channels counts as a failure; it
     /// waits in `pcmBuffer` for the next call.
     bool DecodeNext(bool keepChannels);
+    /// Hands out one sample frame of two channels where the caller has room for one channel.
+    int DeliverMixed(unsigned char* buffer);
     bool ReadFrame();
     /// Puts the side information, the reservoir and the new main data into `frameBuffer`.
     bool FillFrameBuffer(const unsigned char* sideInfoBytes, int reservoirHeld);
@@ -126,7 +130,6 @@ private:
     bool intensityStereo = false;
     int frameSamples = 0; ///< Sample frames in one MPEG frame; 0 after a rewind until the next header.
     int pcmIndex = 0; ///< Next sample frame of `pcmBuffer` to hand out.
-    int openChannels = 0; ///< Of the format at open.
     bool reservoirMissing = false; ///< `main_data_begin` points to bytes that nobody has read.
 
     float* overlapBuffer = nullptr; ///< [2 channels][18 time slots][32 subbands]

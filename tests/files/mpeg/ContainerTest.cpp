@@ -28,6 +28,23 @@ protected:
     }
 
     static std::vector<int> ReadValues(SndFile& file) { return ToValues(ReadAll(file, frame)); }
+
+    /// Fills blocks of 1024 sample frames as a driver does, with two channels for one, and takes 0 for the
+    /// end.
+    static std::vector<int> FillBlocks(SndFile& file)
+    {
+        std::vector<int> all;
+        for (int wanted = 1024, given = 1; given > 0; wanted = wanted > given ? wanted - given : 1024) {
+            Bytes buffer(static_cast<std::size_t>(wanted * 2 * file.GetChannels()));
+            given = file.ReadSamples(buffer.data(), wanted);
+            const int channels = file.GetChannels();
+            buffer.resize(static_cast<std::size_t>(given * 2 * channels));
+            for (const int value : ToValues(buffer)) {
+                all.insert(all.end(), static_cast<std::size_t>(channels == 1 ? 2 : 1), value);
+            }
+        }
+        return all;
+    }
 };
 
 Bytes Format(int tag, int bitsPerSample, std::size_t chunkBytes = 30)
@@ -60,6 +77,25 @@ TEST_F(MpegFiles, StreamsAreCountedAndPlayAsFromMemory)
         ASSERT_EQ(file->Load() != nullptr, file->Size() == stream.size());
         file->Rewind();
         EXPECT_EQ(ReadValues(*file), expected);
+    }
+}
+
+TEST_F(MpegFiles, StreamsThatChangeTheirChannelsPlayToTheEndFromAFileAndFromMemory)
+{
+    for (const std::string form : {"ssmm", "mmssm", "smsms", "msm"}) {
+        SCOPED_TRACE(form);
+        std::mt19937 random(5);
+        Bytes stream;
+        for (const char channels : form) {
+            stream = stream + MakeRandomStream(random, {.mode = channels == 'm' ? 3 : 0}, 1);
+        }
+        const auto file = OpenGood(stream);
+        const std::vector<int> fromFile = FillBlocks(*file);
+        EXPECT_EQ(fromFile.size(), 2u * form.size() * frame);
+        EXPECT_EQ(file->GetCurrentSample(), file->GetSoundSamples());
+        EXPECT_EQ(FillBlocks(*MemoryStream(stream).Get()), fromFile);
+        file->Rewind();
+        EXPECT_EQ(FillBlocks(*file), fromFile);
     }
 }
 
@@ -99,8 +135,12 @@ TEST_F(MpegFiles, TheCountComesFromFactOrFromTheHeaders)
 
 TEST_F(MpegFiles, EightBitsWhereTheWrapperDeclaresThem)
 {
+    const Bytes fact = Chunk("fact", Little32(2 * frame));
     const Bytes silence = Wave(Format(85, 8) + Chunk("data", MakeSilentFrame({})));
     EXPECT_EQ(ReadAll(*OpenGood(silence), frame), Bytes(frame, 128));
+    const Bytes change = MakeSilentFrame({}) + MakeSilentFrame({.mode = 0});
+    EXPECT_EQ(
+        ReadAll(*OpenGood(Wave(Format(85, 8) + fact + Chunk("data", change))), 1), Bytes(2 * frame, 128));
     const Bytes stream = RandomFrames(3);
     const auto file = OpenGood(Wave(Format(85, 8) + Chunk("data", stream)));
     EXPECT_EQ(file->GetBytesPerSample(), 1);

@@ -39,10 +39,7 @@ MemoryStream::MemoryStream(const Bytes& newBytes)
     node.size = bytes.size();
     node.cached = true;
     node.useCount = 1;
-    if (file->Open(&node)) {
-        channelsAtOpen = file->GetChannels();
-    }
-    else {
+    if (!file->Open(&node)) {
         file.reset();
     }
 }
@@ -57,8 +54,7 @@ std::vector<int> MemoryStream::ReadOnce(int samples)
 {
     constexpr std::size_t guardBytes = 64;
     constexpr unsigned char guard = 0xA5;
-    const int channels = std::min(file->GetChannels(), channelsAtOpen);
-    Bytes buffer(static_cast<std::size_t>(samples * 2 * channels) + guardBytes, guard);
+    Bytes buffer(static_cast<std::size_t>(samples * 2 * file->GetChannels()) + guardBytes, guard);
     const int delivered = file->ReadSamples(buffer.data(), samples);
     EXPECT_LE(delivered, samples);
     EXPECT_EQ(Bytes(buffer.end() - guardBytes, buffer.end()), Bytes(guardBytes, guard));

@@ -25,8 +25,8 @@ public:
     /// Null if the reader refused the stream.
     Quon::SndFileMP3* Get() const { return file.get(); }
 
-    /// The values of all channels that one read gives. It is watched: it may touch no byte behind what a
-    /// caller has by the format at open and before the call.
+    /// The values of all channels that one read gives. It is watched: it may write no byte
+    /// beyond the room that it asks for by the format before the call.
     std::vector<int> ReadOnce(int samples);
     /// Reads on to the end in calls of so many sample frames.
     std::vector<int> ReadAll(int samplesPerCall = 1152);
@@ -35,7 +35,6 @@ private:
     Bytes bytes;
     Quon::SndNode node;
     std::unique_ptr<Quon::SndFileMP3> file;
-    int channelsAtOpen = 0;
 };
 
 /// All that a stream decodes to; nothing if the reader refuses it.

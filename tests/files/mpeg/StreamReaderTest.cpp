@@ -105,11 +105,24 @@ TEST(MpegReader, AChangeOfChannelsNeverMixesLayoutsNorOverrunsABuffer)
     for (const Bytes& stream : {RandomStream(mono, 3) + RandomStream(stereo, 3) + RandomStream(mono, 2),
              RandomStream(stereo, 2) + RandomStream(mono, 3) + RandomStream(stereo, 2)}) {
         const std::vector<int> plain = PlainMpeg::Decode(stream);
-        for (const int samples : {2, 100, 576, 1152, 1153, 4000}) {
+        for (const int samples : {2, 3, 100, 576, 1152, 1153, 4000}) {
             SCOPED_TRACE(samples);
             ExpectSameSound(DecodeAll(stream, samples), plain);
         }
     }
+}
+
+// A buffer of one sample frame of one channel has no room for two: both are mixed, and nothing is left out.
+TEST(MpegReader, SingleSampleFramesOfOneChannelStayOneChannel)
+{
+    const Bytes stream = RandomStream(mono, 2) + RandomStream(stereo, 2) + RandomStream(mono, 1);
+    const std::vector<int> whole = DecodeAll(stream);
+    std::vector<int> mixed(whole.begin(), whole.begin() + 2 * frame);
+    for (int i = 0; i < 2 * frame; ++i) {
+        mixed.push_back((whole[2 * frame + 2 * i] + whole[2 * frame + 2 * i + 1]) / 2);
+    }
+    mixed.insert(mixed.end(), whole.end() - frame, whole.end());
+    EXPECT_EQ(DecodeAll(stream, 1), mixed);
 }
 
 TEST(MpegReader, FramesOfAnotherLengthGiveNothingStaleAndSkipNoMoreThanAsked)
