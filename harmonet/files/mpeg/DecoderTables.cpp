@@ -25,19 +25,20 @@ void FillGains(float (&gain)[maxGain - minGain + 1])
     }
 }
 
-/// Positions from 9 on are met in broken streams only; where the formula has no finite value it gives
-/// silence.
-float FiniteOrSilent(double factor)
+/// Positions from 8 on are met in broken streams only. The tangent of one of them is -1 but for rounding, so
+/// that the formula has no finite value for it: it gives silence.
+void FillMpeg1Intensity(int position, float& left, float& right)
 {
-    return std::isfinite(factor) ? static_cast<float>(factor) : 0.0f;
+    const double ratio = std::tan(position * pi / 12);
+    const bool isFinite = std::abs(1 + ratio) > 1e-9;
+    left = isFinite ? static_cast<float>(ratio / (1 + ratio)) : 0.0f;
+    right = isFinite ? static_cast<float>(1 / (1 + ratio)) : 0.0f;
 }
 
 void FillIntensity(IntensityTables& tables)
 {
     for (int i = 0; i < 16; ++i) {
-        const double ratio = std::tan(i * pi / 12);
-        tables.mpeg1Left[i] = FiniteOrSilent(ratio / (1 + ratio));
-        tables.mpeg1Right[i] = FiniteOrSilent(1 / (1 + ratio));
+        FillMpeg1Intensity(i, tables.mpeg1Left[i], tables.mpeg1Right[i]);
     }
     for (int scale = 0; scale < 2; ++scale) {
         const double base = scale == 0 ? std::exp2(-0.25) : std::exp2(-0.5);

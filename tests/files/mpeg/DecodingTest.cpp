@@ -218,6 +218,17 @@ TEST(Decoding, TruncatesAndClipsToSixteenBits)
     });
 }
 
+// The tangent of position 9 of MPEG-1 is -1: its factors would be a division by nearly 0.
+TEST(Tables, IntensityPositionsWithoutAFiniteFactorAreSilent)
+{
+    const IntensityTables& factors = Tables().intensity;
+    for (int position = 0; position < 16; ++position) {
+        SCOPED_TRACE(position);
+        EXPECT_NEAR(factors.mpeg1Left[position] + factors.mpeg1Right[position], position == 9 ? 0 : 1, 1e-6);
+        EXPECT_LT(std::abs(factors.mpeg1Left[position]), 3);
+    }
+}
+
 // The plain decoder and the maker of streams take their numbers from the same tables.
 TEST(Tables, HoldTheNumbersOfTheStandard)
 {

@@ -250,7 +250,10 @@ void Stereo(const StereoMode& mode, const GranuleInfo& first, const ScaleFactors
         }
         double leftFactor = 1;
         double rightFactor = 1;
-        if (mode.isMpeg1) {
+        if (mode.isMpeg1 && p == 9) {
+            leftFactor = rightFactor = 0;
+        }
+        else if (mode.isMpeg1) {
             rightFactor = 1 / (1 + std::tan(p * pi / 12));
             leftFactor = std::tan(p * pi / 12) * rightFactor;
         }
