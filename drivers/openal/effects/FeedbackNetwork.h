@@ -1,6 +1,7 @@
 #pragma once
 
 #include "harmonet/engine/Alloc.h"
+#include "harmonet/engine/Lanes.h"
 
 #include <array>
 #include <cstddef>
@@ -19,8 +20,7 @@ class FeedbackNetwork
 {
 public:
     static constexpr std::size_t lineCount = 8;
-    /// Four numbers that a processor works on at once, in the compiler's own vector type.
-    using Four = float __attribute__((vector_size(16)));
+    using Four = FourFloats;
 
     struct Room
     {

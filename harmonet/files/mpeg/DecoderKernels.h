@@ -7,9 +7,10 @@ namespace Quon
 {
 
 /// The decoder's arithmetic in the form that the processor at hand runs fastest. The same source is compiled
-/// once for the compiler's baseline and, on x86-64, once more for AVX2 with fused multiplication; the PCM
-/// of the two differs by rounding alone, at most by one step of 16 bits. All functions work on plain arrays,
-/// allocate nothing, and may run on several threads at once.
+/// on the compiler's vectors of four for the least processor of the build (SSE2, 64-bit ARM), in plain loops,
+/// and on x86-64 once more for AVX2 with fused multiplication. Their PCM differs by rounding alone, at most
+/// by one step of 16 bits. All functions work on plain arrays, allocate nothing, and may run on several
+/// threads at once.
 ///
 /// "Padded" arrays have room for `linePadding` more floats behind their content, which may be overwritten.
 
@@ -62,11 +63,13 @@ struct DecoderKernels
     void (*storePcm16)(const float* left, const float* right, int count, unsigned char* pcm);
 };
 
-/// For any processor.
+/// For any processor of the build: vectors of four, or plain loops where the compiler has no vector types.
 const DecoderKernels& BaselineKernels();
+/// Plain loops, as for a compiler without vector types. Not selected where there is better.
+const DecoderKernels& PlainKernels();
 /// Null where the compiler or the processor has no AVX2, FMA and BMI2.
 const DecoderKernels* Avx2Kernels();
-/// The fastest of the above that this processor runs.
+/// The fastest of these that this processor runs.
 const DecoderKernels& SelectKernels();
 
 } // namespace Quon

@@ -4,7 +4,10 @@
 
 #include "harmonet/files/mpeg/KernelsAvx2.h"
 
+#include "harmonet/engine/Lanes.h"
 #include "harmonet/files/mpeg/DecoderKernels.h"
+
+#include <cstring>
 #include <immintrin.h>
 
 namespace Quon
@@ -14,18 +17,16 @@ namespace
 {
 
 constexpr bool isLittleEndian = true;
+constexpr const char* kernelsName = "avx2";
 
-// clang-format off: the later ones need the first.
+// The second needs the first.
+// clang-format off
 #include "harmonet/files/mpeg/kernels/EightLanes.inl"
-#include "harmonet/files/mpeg/kernels/HybridKernel.inl"
-#include "harmonet/files/mpeg/kernels/PcmKernel.inl"
-#include "harmonet/files/mpeg/kernels/SpectrumKernel.inl"
-#include "harmonet/files/mpeg/kernels/SynthesisKernel.inl"
+#include "harmonet/files/mpeg/kernels/Kernels.inl"
 // clang-format on
 
 } // namespace
 
-const DecoderKernels compiledAvx2Kernels = {"avx2", DecodeLines, ScaleBands, MidSide, AliasReduction,
-    LongTransform, ShortTransform, FlushOverlap, laneCount, Synthesis, StorePcm16};
+const DecoderKernels compiledAvx2Kernels = kernels;
 
 } // namespace Quon

@@ -1,6 +1,8 @@
+#include "harmonet/engine/Lanes.h"
 #include "harmonet/files/mpeg/DecoderKernels.h"
 
 #include <bit>
+#include <cstring>
 
 namespace Quon
 {
@@ -9,17 +11,15 @@ namespace
 {
 
 constexpr bool isLittleEndian = std::endian::native == std::endian::little;
+constexpr const char* kernelsName = hasVectorTypes ? "vectors of four" : "plain";
+using Lanes = FourFloats;
+using IntLanes = FourInts;
 
-// clang-format off: the later ones need the first.
+// The second needs the first.
+// clang-format off
 #include "harmonet/files/mpeg/kernels/FourLanes.inl"
-#include "harmonet/files/mpeg/kernels/HybridKernel.inl"
-#include "harmonet/files/mpeg/kernels/PcmKernel.inl"
-#include "harmonet/files/mpeg/kernels/SpectrumKernel.inl"
-#include "harmonet/files/mpeg/kernels/SynthesisKernel.inl"
+#include "harmonet/files/mpeg/kernels/Kernels.inl"
 // clang-format on
-
-constexpr DecoderKernels kernels = {"baseline", DecodeLines, ScaleBands, MidSide, AliasReduction,
-    LongTransform, ShortTransform, FlushOverlap, laneCount, Synthesis, StorePcm16};
 
 } // namespace
 

@@ -1,5 +1,6 @@
 // What is decoded: beside another decoder, beside the conformance streams of the standard, and beside a plain
-// decoder in double precision. Each on the kernels of every instruction set that this processor runs.
+// decoder in double precision. Each on the kernels of every instruction set that this processor runs, and on
+// those for compilers without vector types.
 
 #include "MemoryStream.h"
 #include "PlainDecoder.h"
@@ -19,7 +20,7 @@ namespace
 template<class Action>
 void OnAllKernels(Action action)
 {
-    for (const DecoderKernels* kernels : {&BaselineKernels(), Avx2Kernels()}) {
+    for (const DecoderKernels* kernels : {&BaselineKernels(), &PlainKernels(), Avx2Kernels()}) {
         if (kernels != nullptr) {
             SCOPED_TRACE(kernels->name);
             SndFileMP3::UseKernels(kernels);

@@ -37,7 +37,7 @@ constexpr float cos80 = 0.173648177666930f;
 
 /// out[k] = sum over m of z[m] cos(pi / 18 m (2k + 1)) for nine values. Even m are symmetric about k = 4 and
 /// odd m antisymmetric, so each half is worked out once; angles are in degrees.
-[[gnu::always_inline]] inline void NineCosineSums(
+HARMONET_ALWAYS_INLINE void NineCosineSums(
     Lanes z0, Lanes z1, Lanes z2, Lanes z3, Lanes z4, Lanes z5, Lanes z6, Lanes z7, Lanes z8, Lanes (&out)[9])
 {
     const Lanes halfway = z0 + 0.5f * z6;
@@ -68,7 +68,7 @@ constexpr float cos80 = 0.173648177666930f;
 /// That factor turns the sum into one over z[n] = X[n] + X[n - 1] with cos(pi / 36 n (2k + 1)). Its even n
 /// are a sum of nine that is the same for k and 17 - k; its odd n change sign there and become a sum of nine
 /// by the same step with the factor 2 cos(pi / 36 (2k + 1)).
-[[gnu::always_inline]] inline void EighteenCosineSums(
+HARMONET_ALWAYS_INLINE void EighteenCosineSums(
     const Lanes (&x)[18], const float* joinFactors, Lanes (&sums)[18])
 {
     Lanes z[18];
@@ -89,7 +89,7 @@ constexpr float cos80 = 0.173648177666930f;
 }
 
 /// Column n is line n of each of the group's subbands.
-[[gnu::always_inline]] inline void LoadLines(const float* xr, int subband, Lanes (&x)[18])
+HARMONET_ALWAYS_INLINE void LoadLines(const float* xr, int subband, Lanes (&x)[18])
 {
     const float* lines = xr + subband * linesPerSubband;
     constexpr int starts[5] = {0, 4, 8, 12, 14};
@@ -122,7 +122,7 @@ void LongTransform(
 }
 
 /// One window's twelve outputs are six cosine sums, unfolded as those of the long transform are.
-[[gnu::always_inline]] inline void AddShortWindow(
+HARMONET_ALWAYS_INLINE void AddShortWindow(
     const HybridTables& tables, const Lanes* x, int firstOutput, Lanes (&outputs)[36])
 {
     Lanes sums[6];

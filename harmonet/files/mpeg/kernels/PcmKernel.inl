@@ -1,19 +1,19 @@
 // Conversion of samples to 16-bit PCM.
 
 /// Scales, truncates towards zero and clips. A NaN comes out as the upper limit.
-[[gnu::always_inline]] inline IntLanes ToPcm(Lanes sample)
+HARMONET_ALWAYS_INLINE IntLanes ToPcm(Lanes sample)
 {
     const Lanes scaled = sample * Broadcast(32767.0f);
-    const Lanes clipped = Greater(Lesser(scaled, Broadcast(32767.0f)), Broadcast(-32768.0f));
-    return __builtin_convertvector(clipped, IntLanes);
+    const Lanes clipped = Maximum(Minimum(scaled, Broadcast(32767.0f)), Broadcast(-32768.0f));
+    return ToInts(clipped);
 }
 
 /// Two neighbouring 16-bit samples, the first one at the lower address.
-[[gnu::always_inline]] inline void StorePairs(IntLanes first, IntLanes second, unsigned char* pcm)
+HARMONET_ALWAYS_INLINE void StorePairs(IntLanes first, IntLanes second, unsigned char* pcm)
 {
     if constexpr (isLittleEndian) {
         const IntLanes pairs = (second << 16) | (first & 0xFFFF);
-        __builtin_memcpy(pcm, &pairs, sizeof pairs);
+        std::memcpy(pcm, &pairs, sizeof pairs);
     }
     else {
         for (int i = 0; i < laneCount; ++i) {

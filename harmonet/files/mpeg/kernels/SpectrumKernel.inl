@@ -9,7 +9,7 @@ struct BitWindow
     int count;
 };
 
-[[gnu::always_inline]] inline unsigned long long LoadBigEndian(const unsigned char* from)
+HARMONET_ALWAYS_INLINE unsigned long long LoadBigEndian(const unsigned char* from)
 {
     unsigned long long result = 0;
     for (int i = 0; i < 8; ++i) {
@@ -18,7 +18,7 @@ struct BitWindow
     return result;
 }
 
-[[gnu::always_inline]] inline BitWindow OpenWindow(const unsigned char* bytes, int bitPosition)
+HARMONET_ALWAYS_INLINE BitWindow OpenWindow(const unsigned char* bytes, int bitPosition)
 {
     BitWindow window{bytes + (bitPosition >> 3), 0, 0};
     window.bits = LoadBigEndian(window.next) << (bitPosition & 7);
@@ -28,20 +28,20 @@ struct BitWindow
 }
 
 /// Makes at least 56 bits valid. Bits that are valid already are or-ed in a second time, unchanged.
-[[gnu::always_inline]] inline void Refill(BitWindow& window)
+HARMONET_ALWAYS_INLINE void Refill(BitWindow& window)
 {
     window.bits |= LoadBigEndian(window.next) >> window.count;
     window.next += (63 - window.count) >> 3;
     window.count |= 56;
 }
 
-[[gnu::always_inline]] inline void Take(BitWindow& window, int bitCount)
+HARMONET_ALWAYS_INLINE void Take(BitWindow& window, int bitCount)
 {
     window.bits <<= bitCount;
     window.count -= bitCount;
 }
 
-[[gnu::always_inline]] inline int TakeField(BitWindow& window, int bitCount)
+HARMONET_ALWAYS_INLINE int TakeField(BitWindow& window, int bitCount)
 {
     const int field = static_cast<int>(window.bits >> (64 - bitCount));
     Take(window, bitCount);
@@ -49,7 +49,7 @@ struct BitWindow
 }
 
 /// Goes on in the jump and value arrays from an inner entry; returns the leaf's value and adds to `taken`.
-[[gnu::always_inline]] inline int WalkOn(
+HARMONET_ALWAYS_INLINE int WalkOn(
     const HuffmanTable& table, unsigned entry, BitWindow& window, int& taken)
 {
     while (table.jump[entry] != huffmanLeaf) {
@@ -63,7 +63,7 @@ struct BitWindow
 
 /// The linbits and the sign of one value of a pair, and its power. Without branches: which values have
 /// linbits, and which are negative, nobody can guess.
-[[gnu::always_inline]] inline float FinishValue(
+HARMONET_ALWAYS_INLINE float FinishValue(
     const DecoderTables& tables, const HuffmanTable& table, int value, BitWindow& window, int& taken)
 {
     const int linbits = value == maxPairValue ? table.linbits : 0;
@@ -73,11 +73,16 @@ struct BitWindow
     const unsigned sign = static_cast<unsigned>(window.bits >> 63) & static_cast<unsigned>(signBits);
     Take(window, signBits);
     taken += linbits + signBits;
-    return __builtin_bit_cast(float, __builtin_bit_cast(unsigned, tables.power[value]) ^ sign << 31);
+    unsigned power;
+    std::memcpy(&power, &tables.power[value], sizeof power);
+    power ^= sign << 31;
+    float result;
+    std::memcpy(&result, &power, sizeof result);
+    return result;
 }
 
 /// A pair that the look-up has not resolved. The window holds 56 bits; the longest pair takes 47.
-[[gnu::always_inline]] inline int DecodeLongPair(
+HARMONET_ALWAYS_INLINE int DecodeLongPair(
     const DecoderTables& tables, const HuffmanTable& table, unsigned found, BitWindow& window, float* pair)
 {
     int taken = static_cast<int>(found & lookUpLengthMask);
@@ -91,17 +96,17 @@ struct BitWindow
 }
 
 /// A pair that the look-up has resolved.
-[[gnu::always_inline]] inline int TakePair(
+HARMONET_ALWAYS_INLINE int TakePair(
     const DecoderTables& tables, unsigned found, BitWindow& window, float* pair)
 {
     const int taken = static_cast<int>(found & lookUpLengthMask);
     Take(window, taken);
-    __builtin_memcpy(pair, tables.huffman.pairPowers[found >> lookUpPayloadShift], 2 * sizeof(float));
+    std::memcpy(pair, tables.huffman.pairPowers[found >> lookUpPayloadShift], 2 * sizeof(float));
     return taken;
 }
 
 /// One region of big values, up to the line `end` or the end of the budget; returns the line it got to.
-[[gnu::always_inline]] inline int DecodePairs(const DecoderTables& tables, const HuffmanTable& table,
+HARMONET_ALWAYS_INLINE int DecodePairs(const DecoderTables& tables, const HuffmanTable& table,
     int line, int end, BitWindow& window, int& budget, float* lines)
 {
     if (table.jump == nullptr) {
@@ -137,7 +142,7 @@ struct BitWindow
 }
 
 /// The count1 region, to the last line or the end of the budget; returns the line it got to.
-[[gnu::always_inline]] inline int DecodeQuadruples(const DecoderTables& tables, const HuffmanTable& table,
+HARMONET_ALWAYS_INLINE int DecodeQuadruples(const DecoderTables& tables, const HuffmanTable& table,
     int line, BitWindow& window, int& budget, float* lines)
 {
     const HuffmanLookUp* lookUp = table.lookUp;
@@ -147,7 +152,7 @@ struct BitWindow
         const int taken = static_cast<int>(found & lookUpLengthMask);
         Take(window, taken);
         budget -= taken;
-        __builtin_memcpy(lines + line, powers[found >> lookUpPayloadShift], 4 * sizeof(float));
+        std::memcpy(lines + line, powers[found >> lookUpPayloadShift], 4 * sizeof(float));
         line += 4;
     };
     while (line < linesPerGranule && budget >= 1) {
@@ -164,7 +169,7 @@ struct BitWindow
     return line;
 }
 
-[[gnu::always_inline]] inline int Least(int a, int b)
+HARMONET_ALWAYS_INLINE int Least(int a, int b)
 {
     return a < b ? a : b;
 }

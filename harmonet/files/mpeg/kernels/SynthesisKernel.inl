@@ -6,7 +6,7 @@
 /// The even outputs are the transform of half the size of the folded sums. Of the folded differences, divided
 /// by 2 cos(pi / 2N (2k + 1)), two neighbours of their transform add up to one odd output.
 template<int size>
-[[gnu::always_inline]] inline void CosineTransform(const float* cosines, const Lanes* in, Lanes* out)
+HARMONET_ALWAYS_INLINE void CosineTransform(const float* cosines, const Lanes* in, Lanes* out)
 {
     if constexpr (size == 1) {
         out[0] = in[0];
@@ -44,7 +44,7 @@ struct SlotSums
 };
 
 /// Transforms `laneCount` time slots from `slot` on.
-[[gnu::always_inline]] inline void TransformSlots(
+HARMONET_ALWAYS_INLINE void TransformSlots(
     const float* cosines, const float* subbands, int slot, SlotSums& sums)
 {
     Lanes in[subbandCount];
@@ -72,7 +72,7 @@ constexpr int slotsPerBlock = 6;
 
 /// Samples j to j + laneCount - 1 and their mirrors 32 - j of six time slots. Sample 0 and what would be
 /// sample 32 come out wrong here.
-[[gnu::always_inline]] inline void WindowBlock(
+HARMONET_ALWAYS_INLINE void WindowBlock(
     const SynthesisTables& tables, const SlotSums& sums, int slot, int j, float* samples)
 {
     Lanes direct[slotsPerBlock] = {};
@@ -95,7 +95,7 @@ constexpr int slotsPerBlock = 6;
 }
 
 /// Samples 0 and 16 of `laneCount` time slots from `slot` on.
-[[gnu::always_inline]] inline void WindowUnpaired(
+HARMONET_ALWAYS_INLINE void WindowUnpaired(
     const SynthesisTables& tables, const SlotSums& sums, int slot, float* samples)
 {
     Lanes first = {};
@@ -116,9 +116,9 @@ void Synthesis(const SynthesisTables& tables, const float* subbands, float* hist
 {
     constexpr int rowHistory = historySlots * subbandCount;
     SlotSums sums;
-    __builtin_memcpy(sums.rows, history, rowHistory * sizeof(float));
-    __builtin_memcpy(sums.middle, history + rowHistory, historySlots * sizeof(float));
-    __builtin_memcpy(sums.lowest, history + rowHistory + historySlots, historySlots * sizeof(float));
+    std::memcpy(sums.rows, history, rowHistory * sizeof(float));
+    std::memcpy(sums.middle, history + rowHistory, historySlots * sizeof(float));
+    std::memcpy(sums.lowest, history + rowHistory + historySlots, historySlots * sizeof(float));
 
     // 18 is no multiple of the lanes: the last vectors overlap and work some slots out twice.
     for (int slot = 0; slot + laneCount <= slotsPerGranule; slot += laneCount) {
@@ -135,8 +135,8 @@ void Synthesis(const SynthesisTables& tables, const float* subbands, float* hist
     }
     WindowUnpaired(tables, sums, slotsPerGranule - laneCount, samples);
 
-    __builtin_memcpy(history, sums.rows[slotsPerGranule], rowHistory * sizeof(float));
-    __builtin_memcpy(history + rowHistory, sums.middle + slotsPerGranule, historySlots * sizeof(float));
-    __builtin_memcpy(
+    std::memcpy(history, sums.rows[slotsPerGranule], rowHistory * sizeof(float));
+    std::memcpy(history + rowHistory, sums.middle + slotsPerGranule, historySlots * sizeof(float));
+    std::memcpy(
         history + rowHistory + historySlots, sums.lowest + slotsPerGranule, historySlots * sizeof(float));
 }
