@@ -17,6 +17,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/engine/Exception.h
     harmonet/engine/Export.h
     harmonet/engine/File.h
+    harmonet/engine/HostFile.h
     harmonet/engine/IListNode.h
     harmonet/engine/ITree.h
     harmonet/engine/Matrix.h

@@ -1,31 +1,12 @@
 #include "harmonet/engine/DynamicLibrary.h"
 
 #include "harmonet/engine/LibraryImage.h"
+#include "harmonet/engine/NativeLibrary.h"
 
 #include <string_view>
 
-#include <dlfcn.h>
-#include <unistd.h>
-
 namespace Quon
 {
-
-namespace
-{
-
-/// The folder in which the engine library lies; empty if the loader does not tell.
-EngineString OwnFolder()
-{
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<const void*>(&OwnFolder), &info) == 0 || info.dli_fname == nullptr) {
-        return {};
-    }
-    const std::string_view path = info.dli_fname;
-    const std::size_t slash = path.rfind('/');
-    return EngineString(slash != std::string_view::npos ? path.substr(0, slash + 1) : "./");
-}
-
-} // namespace
 
 DynamicLibrary::DynamicLibrary(const EngineVector<EngineString>& newFolders)
     : folders(newFolders)
@@ -43,7 +24,7 @@ bool DynamicLibrary::Open(const char* name)
     if (name == nullptr || *name == '\0') {
         return false;
     }
-    if (std::string_view(name).find('/') != std::string_view::npos) {
+    if (std::string_view(name).find_first_of(NativeLibrary::GetSeparators()) != std::string_view::npos) {
         return OpenFile(name);
     }
     // The loader is asked last, and not about a file that was found and refused: it could find the same one
@@ -54,7 +35,7 @@ bool DynamicLibrary::Open(const char* name)
         if (OpenFile(path)) {
             return true;
         }
-        isRefused = isRefused || access(path.c_str(), F_OK) == 0;
+        isRefused = isRefused || NativeLibrary::Exists(path.c_str());
     }
     return !isRefused && Load(name);
 }
@@ -62,25 +43,27 @@ bool DynamicLibrary::Open(const char* name)
 void DynamicLibrary::Close()
 {
     if (handle != nullptr) {
-        dlclose(handle);
+        NativeLibrary::Unload(handle);
         handle = nullptr;
     }
 }
 
 bool DynamicLibrary::GetSymbol(void** address, const char* name)
 {
-    *address = handle != nullptr && name != nullptr ? dlsym(handle, name) : nullptr;
+    *address = handle != nullptr && name != nullptr ? NativeLibrary::FindSymbol(handle, name) : nullptr;
     return *address != nullptr;
 }
 
-/// The folders to look in, each with a slash at its end.
+/// The folders to look in, each with a separator at its end.
 EngineVector<EngineString> DynamicLibrary::Places() const
 {
     EngineVector<EngineString> places;
     for (const EngineString& folder : folders) {
-        places.push_back(folder.ends_with('/') ? folder : folder + '/');
+        const bool isClosed =
+            !folder.empty() && NativeLibrary::GetSeparators().find(folder.back()) != std::string_view::npos;
+        places.push_back(isClosed ? folder : folder + '/');
     }
-    const EngineString own = OwnFolder();
+    const EngineString own = NativeLibrary::GetOwnFolder();
     if (!own.empty()) {
         places.push_back(own);
     }
@@ -94,7 +77,7 @@ bool DynamicLibrary::OpenFile(const EngineString& path)
 
 bool DynamicLibrary::Load(const char* path)
 {
-    handle = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+    handle = NativeLibrary::Load(path);
     return handle != nullptr;
 }
 

@@ -44,10 +44,11 @@ public:
         Opened = 0,
         /// The host has given no root for this owner, or the root is gone.
         NoRoot = 1,
-        /// The name is null, empty, or longer than the system takes.
+        /// The name is null, empty, or longer than the system takes. On Windows also a name that is no plain
+        /// file's there: of a device, of a stream, with a dot or blank at its end, not UTF-8.
         BadName = 2,
         /// The name is absolute, begins with a drive letter, contains `..`, or leads out of the root through
-        /// a symbolic link.
+        /// a symbolic link or a junction.
         OutsideRoot = 3,
         NotFound = 4,
         /// A folder, a device, a pipe: anything but a regular file.
@@ -74,13 +75,18 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    /// Gives the owner its root folder, a path of the operating system; an earlier root is replaced. The
-    /// empty owner, under which plain file names are looked up, gets a root in the same way. False, and no
-    /// change, if there is no such folder. Files that are open stay open.
+    /// Gives the owner its root folder, a path of the operating system in UTF-8; an earlier root is replaced.
+    /// The empty owner, under which plain file names are looked up, gets a root in the same way. False, and
+    /// no change, if there is no such folder. Files that are open stay open.
     static bool AddRoot(const PString& owner, const char* folder);
 
     /// Takes the owner's root away. Does nothing if there is none.
     static void RemoveRoot(const PString& owner);
+
+    /// The one name by which a cache knows a file. Where the platform's file names ignore case, names that
+    /// differ in case or in the kind of separator give the same one, in capitals; elsewhere it is the name
+    /// itself.
+    static PString FoldName(const PString& name);
 
     /// Tells the state of a file without opening it, by the same rules and codes as Open().
     static Result GetStamp(const PString& owner, const char* name, FileStamp& stamp);
@@ -105,12 +111,13 @@ public:
     unsigned long Size() const;
 
     /// The handle of the operating system is valid.
-    bool IsOpen() const { return descriptor >= 0; }
+    bool IsOpen() const { return handle != closedHandle; }
 
 private:
     static constexpr std::int64_t sizeUnknown = -1;
+    static constexpr std::intptr_t closedHandle = -1;
 
-    int descriptor = -1;
+    std::intptr_t handle = closedHandle;
     mutable std::int64_t knownSize = sizeUnknown;
 };
 

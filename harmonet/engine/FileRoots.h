@@ -28,7 +28,7 @@ private:
     struct Root
     {
         PString owner;
-        /// Canonical, without a slash at its end.
+        /// As NativePath::FindFolder() gives it.
         EngineString folder;
     };
 

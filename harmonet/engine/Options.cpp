@@ -1,5 +1,7 @@
 #include "harmonet/engine/Options.h"
 
+#include "harmonet/engine/HostFile.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -46,7 +48,7 @@ bool IsIdle(std::string_view line)
 bool ReadWhole(const char* path, EngineString& content)
 {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        path != nullptr ? std::fopen(path, "rb") : nullptr, std::fclose);
+        path != nullptr ? OpenHostFile(path, "rb") : nullptr, std::fclose);
     if (!file) {
         return false;
     }

@@ -1,7 +1,5 @@
-// What the platform calls when it loads and unloads the library, on platforms that do. All start-up waits for
-// QuonGetPlugins() and SoundSystem::Init(), so that there is nothing to do here.
-
-#if defined(_WIN32)
+// What the platform calls when it loads and unloads the library, and for each thread that comes and goes. All
+// start-up waits for QuonGetPlugins() and SoundSystem::Init(), so that there is nothing to do here.
 
 #include "harmonet/engine/Exception.h"
 
@@ -30,5 +28,3 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
 {
     return Quon::ExceptionHandler::Main(AcceptReason, &reason);
 }
-
-#endif

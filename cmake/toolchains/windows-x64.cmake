@@ -1,0 +1,16 @@
+# Builds for Windows on x86-64, on a Debian machine with the package g++-mingw-w64-x86-64-posix.
+set(CMAKE_SYSTEM_NAME Windows)
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+
+set(triplet x86_64-w64-mingw32)
+# The compiler with threads of the C++ library; the other one has none.
+set(CMAKE_CXX_COMPILER ${triplet}-g++-posix)
+set(CMAKE_C_COMPILER ${triplet}-gcc-posix)
+set(CMAKE_RC_COMPILER ${triplet}-windres)
+
+set(CMAKE_FIND_ROOT_PATH /usr/${triplet})
+set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
+set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
+set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
+# Packages may lie anywhere, such as one that was made here.
+set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)

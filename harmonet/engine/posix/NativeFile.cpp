@@ -1,0 +1,126 @@
+#include "harmonet/engine/NativeFile.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace Quon::NativeFile
+{
+
+namespace
+{
+
+constexpr off_t smallestTooLarge = off_t{1} << 31;
+/// What the system takes in one call on every platform.
+constexpr std::size_t longestRead = std::size_t{1} << 30;
+
+Result Judge(const struct stat& status)
+{
+    if (!S_ISREG(status.st_mode)) {
+        return File::NotAFile;
+    }
+    if (status.st_size == 0) {
+        return File::Empty;
+    }
+    return status.st_size >= smallestTooLarge ? File::TooLarge : File::Opened;
+}
+
+Result ResultOfOpenError()
+{
+    return errno == EACCES || errno == EPERM ? File::NotReadable
+        : errno == ENOENT                    ? File::NotFound
+                                             : File::SystemError;
+}
+
+/// Looks at the file without opening it: opening a pipe or a device could wait for ever.
+Result Examine(const EngineString& path, struct stat& status)
+{
+    return stat(path.c_str(), &status) == 0 ? Judge(status) : ResultOfOpenError();
+}
+
+std::uint64_t MixedIdentity(const struct stat& status)
+{
+    return static_cast<std::uint64_t>(status.st_dev) * 0x9E3779B97F4A7C15u ^
+        static_cast<std::uint64_t>(status.st_ino);
+}
+
+} // namespace
+
+Result GetStamp(const EngineString& path, FileStamp& stamp)
+{
+    struct stat status
+    {
+    };
+    const Result examined = Examine(path, status);
+    if (examined.IsOk()) {
+        stamp.modifiedNs = std::int64_t{status.st_mtim.tv_sec} * 1'000'000'000 + status.st_mtim.tv_nsec;
+        stamp.size = static_cast<std::uint64_t>(status.st_size);
+        stamp.identity = MixedIdentity(status);
+    }
+    return examined;
+}
+
+Result Open(const EngineString& path, Handle& handle)
+{
+    struct stat status
+    {
+    };
+    const Result examined = Examine(path, status);
+    if (!examined.IsOk()) {
+        return examined;
+    }
+    // The file may have been exchanged since it was looked at: no waiting, no following, and another look.
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
+    if (descriptor < 0) {
+        return ResultOfOpenError();
+    }
+    const Result judged = fstat(descriptor, &status) == 0 ? Judge(status) : Result(File::SystemError);
+    if (judged.IsOk()) {
+        handle = descriptor;
+    }
+    else {
+        close(descriptor);
+    }
+    return judged;
+}
+
+std::int64_t Seek(Handle handle, std::int64_t offset, FileSeek origin)
+{
+    static_assert(SEEK_SET == 0 && SEEK_CUR == 1 && SEEK_END == 2, "FileSeek has the values of the system");
+    const off_t position = lseek(static_cast<int>(handle), offset, static_cast<int>(origin));
+    return position >= 0 ? position : -1;
+}
+
+std::size_t Read(Handle handle, void* buffer, std::size_t bytes)
+{
+    std::size_t done = 0;
+    while (done < bytes) {
+        const ssize_t got = read(
+            static_cast<int>(handle), static_cast<char*>(buffer) + done, std::min(bytes - done, longestRead));
+        if (got > 0) {
+            done += static_cast<std::size_t>(got);
+        }
+        else if (got == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    return done;
+}
+
+bool Close(Handle handle)
+{
+    return close(static_cast<int>(handle)) == 0;
+}
+
+std::int64_t GetLength(Handle handle)
+{
+    struct stat status
+    {
+    };
+    return fstat(static_cast<int>(handle), &status) == 0 ? std::int64_t{status.st_size} : -1;
+}
+
+} // namespace Quon::NativeFile

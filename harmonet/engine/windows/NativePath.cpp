@@ -1,0 +1,172 @@
+#include "harmonet/engine/NativePath.h"
+
+#include "harmonet/engine/windows/Paths.h"
+#include "harmonet/engine/windows/Utf16.h"
+
+#include <algorithm>
+#include <array>
+
+namespace Quon::NativePath
+{
+
+namespace
+{
+
+constexpr std::size_t longestPath = 32767;
+constexpr std::string_view separators = "/\\";
+
+/// Takes the first part off the name.
+std::string_view TakePart(std::string_view& name)
+{
+    const std::string_view part = name.substr(0, std::min(name.find_first_of(separators), name.size()));
+    name.remove_prefix(std::min(part.size() + 1, name.size()));
+    return part;
+}
+
+bool IsNothing(std::string_view part)
+{
+    return part.empty() || part == ".";
+}
+
+/// The parts that lead somewhere, with this separator between them.
+EngineString Joined(std::string_view name, char separator)
+{
+    EngineString joined;
+    while (!name.empty()) {
+        const std::string_view part = TakePart(name);
+        if (!IsNothing(part)) {
+            joined += joined.empty() ? "" : std::string_view(&separator, 1);
+            joined += part;
+        }
+    }
+    return joined;
+}
+
+EngineString InCapitals(std::string_view text)
+{
+    EngineString capitals(text);
+    for (char& letter : capitals) {
+        letter = letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+    }
+    return capitals;
+}
+
+/// A device has its name in every folder, whatever follows behind a dot.
+bool IsDevice(std::string_view part)
+{
+    std::string_view stem = part.substr(0, part.find('.'));
+    stem = stem.substr(0, stem.find_last_not_of(' ') + 1);
+    const EngineString name = InCapitals(stem);
+    constexpr std::array<std::string_view, 6> whole = {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"};
+    if (std::find(whole.begin(), whole.end(), std::string_view(name)) != whole.end()) {
+        return true;
+    }
+    const std::string_view port = name;
+    if (!port.starts_with("COM") && !port.starts_with("LPT")) {
+        return false;
+    }
+    // Raised digits count as digits.
+    constexpr std::array<std::string_view, 13> numbers = {
+        "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "\u00B9", "\u00B2", "\u00B3"};
+    return std::find(numbers.begin(), numbers.end(), port.substr(3)) != numbers.end();
+}
+
+bool HasForbidden(std::string_view part)
+{
+    return std::any_of(part.begin(), part.end(), [](char letter) {
+        return (letter >= 0 && letter < ' ') ||
+            std::string_view("<>:\"|?*").find(letter) != std::string_view::npos;
+    });
+}
+
+/// The system drops dots and blanks at the end, so that such a name is another file's.
+bool IsPlainName(std::string_view part)
+{
+    return part.back() != '.' && part.back() != ' ' && !HasForbidden(part) && !IsDevice(part);
+}
+
+bool IsFolder(HANDLE handle)
+{
+    BY_HANDLE_FILE_INFORMATION information{};
+    return GetFileInformationByHandle(handle, &information) != 0 &&
+        (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+EngineString FindFolder(const std::wstring& path)
+{
+    const ScopedHandle folder(OpenExisting(path, FILE_READ_ATTRIBUTES));
+    return folder.IsValid() && IsFolder(folder.Get()) ? ToUtf8(FinalPath(folder.Get())) : EngineString();
+}
+
+} // namespace
+
+EngineString FindFolder(const char* folder)
+{
+    return FindFolder(ExtendedPath(folder));
+}
+
+Result CheckName(std::string_view name)
+{
+    const bool hasDrive = name.size() >= 2 && name[1] == ':';
+    if (hasDrive || separators.find(name.front()) != std::string_view::npos) {
+        return File::OutsideRoot;
+    }
+    std::wstring wide;
+    if (!ToUtf16(name, wide) || wide.size() >= longestPath) {
+        return File::BadName;
+    }
+    while (!name.empty()) {
+        const std::string_view part = TakePart(name);
+        if (part == "..") {
+            return File::OutsideRoot;
+        }
+        if (!IsNothing(part) && !IsPlainName(part)) {
+            return File::BadName;
+        }
+    }
+    return File::Opened;
+}
+
+Result Resolve(const EngineString& root, std::string_view name, EngineString& path)
+{
+    const EngineString inside = root.ends_with('\\') ? root : root + '\\';
+    const EngineString whole = inside + Joined(name, '\\');
+    const ScopedHandle file(OpenExisting(ExtendedPath(whole.c_str()), FILE_READ_ATTRIBUTES));
+    if (!file.IsValid()) {
+        const Result result = ResultOfLastError();
+        return FindFolder(ExtendedPath(root.c_str())).empty() ? Result(File::NoRoot) : result;
+    }
+    // The name itself cannot leave the root; a link on its way can.
+    const EngineString resolved = ToUtf8(FinalPath(file.Get()));
+    if (!resolved.starts_with(inside)) {
+        return resolved == root ? File::NotAFile : File::OutsideRoot;
+    }
+    const bool asksForFolder = separators.find(name.back()) != std::string_view::npos;
+    if (asksForFolder && !IsFolder(file.Get())) {
+        return File::NotFound;
+    }
+    path = resolved;
+    return File::Opened;
+}
+
+bool FoldName(std::string_view name, EngineString& folded)
+{
+    std::wstring wide;
+    if (!ToUtf16(Joined(name, '/'), wide) || wide.empty()) {
+        return false;
+    }
+    const int units = static_cast<int>(wide.size());
+    std::wstring capitals(wide.size(), L'\0');
+    if (LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, wide.data(), units, capitals.data(), units,
+            nullptr, nullptr, 0) != units) {
+        return false;
+    }
+    const EngineString result = ToUtf8(capitals);
+    if (result == name) {
+        return false;
+    }
+    folded = result;
+    return true;
+}
+
+} // namespace Quon::NativePath
