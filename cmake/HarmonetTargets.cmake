@@ -10,6 +10,12 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+# Beside the engine library, where drivers are looked for.
+if(WIN32)
+    set(HARMONET_DRIVER_FOLDER "${CMAKE_INSTALL_BINDIR}")
+else()
+    set(HARMONET_DRIVER_FOLDER "${CMAKE_INSTALL_LIBDIR}")
+endif()
 set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
 # Nobody puts functions of his own in the place of the library's while a program is loaded, so that a call
@@ -41,7 +47,7 @@ function(harmonet_driver target name)
     add_library(${target} MODULE ${ARGN})
     set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME "${name}")
     target_link_libraries(${target} PRIVATE harmonet)
-    install(TARGETS ${target} LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT drivers)
+    install(TARGETS ${target} LIBRARY DESTINATION "${HARMONET_DRIVER_FOLDER}" COMPONENT drivers)
 endfunction()
 
 # A test program test_<name>; each of its tests is known to CTest by its own name, or the program as a whole
@@ -60,5 +66,17 @@ function(harmonet_test name)
         set_tests_properties(${name} PROPERTIES TIMEOUT 600 LABELS ${label})
     else()
         gtest_discover_tests(test_${name} DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 300 LABELS ${label})
+    endif()
+endfunction()
+
+# An interface target for headers that are the same for every platform, such as OpenAL's, in a cross build:
+# `folder` is copied from the machine that builds, alone, since what lies beside it is that machine's own. There
+# is no target if the machine has no such folder.
+function(harmonet_host_headers target folder)
+    find_path(HARMONET_HOST_HEADERS_${folder} "${folder}" PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH)
+    if(HARMONET_HOST_HEADERS_${folder})
+        file(COPY "${HARMONET_HOST_HEADERS_${folder}}/${folder}" DESTINATION "${PROJECT_BINARY_DIR}/headers/${target}")
+        add_library(${target} INTERFACE)
+        target_include_directories(${target} SYSTEM INTERFACE "${PROJECT_BINARY_DIR}/headers/${target}")
     endif()
 endfunction()

@@ -1,5 +1,7 @@
 #include "drivers/openal/AlExtensions.h"
 
+#include "drivers/openal/AlLibrary.h"
+
 namespace Quon
 {
 
@@ -24,7 +26,7 @@ bool LoadFromContext(Function& function, const char* name)
 
 bool AlExtensions::LoadGlobal()
 {
-    return alcIsExtensionPresent(nullptr, "ALC_EXT_thread_local_context") &&
+    return LoadAlLibrary() && alcIsExtensionPresent(nullptr, "ALC_EXT_thread_local_context") &&
         alcIsExtensionPresent(nullptr, "ALC_SOFT_loopback") &&
         LoadFromDevice(setThreadContext, nullptr, "alcSetThreadContext") &&
         LoadFromDevice(getThreadContext, nullptr, "alcGetThreadContext") &&

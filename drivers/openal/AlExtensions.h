@@ -19,7 +19,7 @@ struct AlExtensions
     LPALPROCESSUPDATESSOFT processUpdates = nullptr;
     LPALCGETINTEGER64VSOFT getInteger64v = nullptr; ///< Null where there is no clock of the device.
 
-    /// What needs no device and no context. False if any of it is missing.
+    /// OpenAL itself, and what needs no device and no context. False if any of it is missing.
     bool LoadGlobal();
     /// What needs a device with a current context. False if any but the clock is missing.
     bool LoadForDevice(ALCdevice* device);
