@@ -1,0 +1,145 @@
+#pragma once
+
+#include "fuzz/game/Dice.h"
+#include "fuzz/game/GameFolder.h"
+#include "harmonet/instances/Microphone.h"
+#include "harmonet/instances/Music.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/SoundSystem.h"
+
+#include <array>
+#include <memory>
+#include <vector>
+
+namespace Quon
+{
+
+class Witness;
+
+/// A game that does what dice say: it plays, moves, fades and stops sounds of every kind through the public
+/// classes, on the null driver, with observers that do the same from inside their handlers, and with restarts
+/// of the system. Its digest takes in every notification.
+class Game
+{
+public:
+    /// `newWild` adds arguments that no game in its right mind would pass: NaN, infinity, numbers out of
+    /// range.
+    Game(Dice& newDice, GameFolder& newFolder, bool newWild);
+    ~Game();
+    Game(const Game&) = delete;
+    Game& operator=(const Game&) = delete;
+
+    /// One thing that a game does between two updates.
+    void Act();
+    /// One game frame.
+    void Step(int ms);
+    /// Stops the system and starts it again, perhaps with other options.
+    void Restart();
+
+    std::uint64_t GetDigest() const { return digest.Get(); }
+    unsigned long GetNotificationCount() const { return notificationCount; }
+
+private:
+    friend class Witness;
+
+    enum class Note
+    {
+        Begin,
+        Abort,
+        End,
+        Free,
+        ShutDown
+    };
+
+    struct Operation
+    {
+        int weight;
+        void (Game::*run)();
+    };
+    /// The first ones only outside of handlers.
+    static constexpr int outerOperations = 4;
+    static const Operation operations[];
+
+    void Start();
+    void RunOperation(bool isInner);
+    void Hear(Note note, int id, const PString& fileName, int remaining);
+
+    // Outside of handlers.
+    void ReplaceGroup();
+    void ReplaceMicrophone();
+    void StopSystemForAWhile();
+    void ReloadResources();
+    // Anywhere.
+    void Play2D();
+    void Play3D();
+    void PlayAttached();
+    void PlayBlock();
+    void PlayLine();
+    void MakeUnstarted();
+    void StartMade();
+    void StopOne();
+    void DeleteOne();
+    void FadeOne();
+    void Append();
+    void Attach();
+    void SetSomething();
+    void SetPlacement();
+    void SetEffect();
+    void AskEverything();
+    void MoveNode();
+    void ReplaceNode();
+    void MoveMicrophone();
+    void SetRoom();
+    void PlayMusic();
+    void FadeMusic();
+    void SetGains();
+    void SetLimits();
+    void StopMany();
+    void AddWitness();
+    void MoveWitness();
+    void DropWitness();
+    void ForbiddenInside();
+
+    Sound& PickGroup() { return *groups[static_cast<std::size_t>(dice.Draw(numGroups))]; }
+    /// Of a sound of late, most of the time.
+    int PickID();
+    int Keep(int id);
+    int PickFlags();
+    int PickPriority() { return dice.Draw(5) - 2; }
+    int PickDelay() { return dice.Chance(20) ? dice.Draw(8) * 50 : 0; }
+    int PickMs();
+    const PString& PickFile();
+    /// A resource with the database, or a file and null.
+    const PString& PickName(const ResourceDatabase*& database);
+    float PickNumber(float most);
+    Vector3 PickPosition();
+    Quaternion PickOrientation();
+    Sound::Settings PickSettings();
+    template<class Record>
+    Record PickRecord();
+
+    static constexpr int numGroups = 3;
+    static constexpr int numNodes = 4;
+    static constexpr std::size_t numKeptIDs = 48;
+    static constexpr std::size_t mostWitnesses = 6;
+
+    Dice& dice;
+    GameFolder& folder;
+    const bool wild;
+    SoundSystem system;
+    std::array<std::unique_ptr<Particle>, numNodes> nodes;
+    std::array<std::unique_ptr<Microphone>, 2> microphones;
+    /// Not smart pointers: while one is being destroyed its observers still use it.
+    std::array<Sound*, numGroups> groups{};
+    std::vector<std::unique_ptr<Witness>> witnesses;
+    std::array<Music, 2> music;
+
+    std::array<int, numKeptIDs> keptIDs{};
+    std::size_t keptCount = 0;
+    int firstID = 0;
+    int depth = 0; ///< Of handlers that act.
+    Digest digest;
+    unsigned long notificationCount = 0;
+};
+
+} // namespace Quon

@@ -1,0 +1,246 @@
+#include "fuzz/FuzzTarget.h"
+#include "fuzz/game/Dice.h"
+#include "harmonet/engine/File.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/files/SndFileCache.h"
+#include "harmonet/files/SndNodeCache.h"
+#include "harmonet/files/mpeg/SndFileMP3.h"
+#include "tests/support/TempFolder.h"
+
+#include <algorithm>
+#include <memory>
+#include <vector>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr std::size_t mostBytes = 1 << 16;
+constexpr std::size_t mostPcm = 1 << 20;
+constexpr int wholeRead = 4096;
+
+/// All that a reader hands out up to its sound samples.
+struct Pcm
+{
+    std::vector<unsigned char> bytes;
+    int sampleFrames = 0;
+    /// Nothing but full reads: no bad header, no change of channels, no torn end.
+    bool isPlain = true;
+    /// The sample frames changed their size on the way.
+    bool changesChannels = false;
+
+    bool operator==(const Pcm& other) const
+    {
+        return bytes == other.bytes && sampleFrames == other.sampleFrames;
+    }
+};
+
+int FrameBytes(const SndFile& file)
+{
+    return file.GetBytesPerSample() * file.GetChannels();
+}
+
+/// Whether one sample frame fits a buffer of ordinary size: a header can state 65 535 channels.
+bool IsOfOrdinarySize(const SndFile& file)
+{
+    return file.GetBytesPerSample() <= 4 && FrameBytes(file) <= 4096;
+}
+
+int Left(const SndFile& file)
+{
+    return std::max(file.GetSoundSamples() - file.GetCurrentSample(), 0);
+}
+
+/// One read into a buffer that has room for exactly what was asked for, so that the address sanitizer sees
+/// the first byte beyond it.
+///
+/// The position of ADPCM behind a skip is a promise that torn data can break, and then `isExact` is false.
+int ReadPiece(SndFile& file, int wanted, Pcm& pcm, bool isExact)
+{
+    const int frameBytes = FrameBytes(file);
+    std::vector<unsigned char> buffer(static_cast<std::size_t>(wanted * frameBytes));
+    const int before = file.GetCurrentSample();
+    const int given = file.ReadSamples(buffer.data(), wanted);
+    Require(given >= 0 && given <= wanted, "a read gives more than was asked for");
+    Require(!isExact || file.GetCurrentSample() == before + given, "the position moves by what was read");
+    pcm.changesChannels = pcm.changesChannels || FrameBytes(file) != frameBytes;
+    pcm.isPlain = pcm.isPlain && given == wanted && !pcm.changesChannels;
+    buffer.resize(static_cast<std::size_t>(given * FrameBytes(file)));
+    pcm.bytes.insert(pcm.bytes.end(), buffer.begin(), buffer.end());
+    pcm.sampleFrames += given;
+    return given;
+}
+
+/// A call can give nothing at a bad header and go on behind it at the next, so the end is where as many calls
+/// as there could be headers have given nothing.
+template<class Piece>
+Pcm ReadAll(SndFile& file, std::size_t fileBytes, Piece piece)
+{
+    Pcm pcm;
+    std::size_t emptyReads = 0;
+    while (emptyReads <= fileBytes / 4 && pcm.bytes.size() < mostPcm && Left(file) > 0) {
+        const int given = ReadPiece(file, std::min(piece(), Left(file)), pcm, true);
+        emptyReads = given == 0 ? emptyReads + 1 : 0;
+    }
+    pcm.isPlain = pcm.isPlain && Left(file) == 0;
+    return pcm;
+}
+
+/// A folder with the one file, and the list of open files. Made anew for each input: while a sound system
+/// runs, the list is another.
+class Workbench
+{
+public:
+    Workbench()
+    {
+        File::AddRoot(owner, folder.GetPath().c_str());
+        SndFile::SetSndFileCache(&openFiles);
+    }
+    ~Workbench()
+    {
+        SndFile::SetSndFileCache(nullptr);
+        File::RemoveRoot(owner);
+    }
+    Workbench(const Workbench&) = delete;
+    Workbench& operator=(const Workbench&) = delete;
+
+    void Write(FuzzBytes bytes) const
+    {
+        folder.Write("sound", {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+    }
+    std::unique_ptr<SndFile> Open() const { return std::unique_ptr<SndFile>(SndFile::OpenFile(owner, name)); }
+    std::unique_ptr<SndFile> OpenCached(SndNodeCache& cache) const
+    {
+        return std::unique_ptr<SndFile>(cache.OpenSound(owner, name, 0));
+    }
+    void CheckClosed() const { Require(openFiles.GetCount() == 0, "no file stays open"); }
+
+private:
+    const PString owner{"fuzz"};
+    const PString name{"sound"};
+    TempFolder folder;
+    SndFileCache openFiles;
+};
+
+class SoundFileCheck
+{
+public:
+    explicit SoundFileCheck(FuzzBytes newBytes)
+        : bytes(newBytes)
+        , dice(Hash(newBytes))
+    {
+        bench.Write(bytes);
+    }
+
+    void Run()
+    {
+        CheckReads();
+        CheckCache();
+        bench.CheckClosed();
+    }
+
+private:
+    static std::uint64_t Hash(FuzzBytes bytes)
+    {
+        Digest digest;
+        digest.Add(bytes);
+        return digest.Get();
+    }
+
+    // Never a single sample frame where a stream goes from one channel to two: that gives nothing.
+    int OddPiece() { return 2 + dice.Draw(dice.Chance(50) ? 8 : 3000); }
+
+    void CheckReads()
+    {
+        const auto file = bench.Open();
+        if (!file || !IsOfOrdinarySize(*file))
+            return;
+        whole = ReadAll(*file, bytes.size(), [] { return wholeRead; });
+        // What is told of the length does not depend on the reading.
+        const unsigned long length = file->GetSoundLength();
+        file->Rewind();
+        Require(file->GetCurrentSample() == 0, "a rewound reader stands at 0");
+        const Pcm pieces = ReadAll(*file, bytes.size(), [this] { return OddPiece(); });
+        Require(pieces == whole, "odd pieces give what one read gives");
+        Require(file->GetSoundLength() == length, "the length stays");
+        CheckSkips(*file);
+        ReadBeyond(*file);
+    }
+
+    void CheckCache()
+    {
+        constexpr unsigned long cacheBytes = 1 << 22;
+        SndNodeCache cache;
+        cache.SetLimit(cacheBytes);
+        const auto loaded = bench.OpenCached(cache);
+        const auto cached = bench.OpenCached(cache);
+        Require((loaded == nullptr) == (cached == nullptr), "a cached file opens as a file does");
+        // A stream that changes its channels opens with other ones from memory than from a file.
+        if (!loaded || !IsOfOrdinarySize(*loaded) || whole.changesChannels)
+            return;
+        Require(ReadAll(*loaded, bytes.size(), [] { return wholeRead; }) == whole,
+            "a file that the cache has loaded gives what the file gives");
+        Require(ReadAll(*cached, bytes.size(), [this] { return OddPiece(); }) == whole,
+            "cached bytes give what the file gives");
+        CheckSkips(*cached);
+        cached->CloseFile(0, nullptr);
+        loaded->CloseFile(0, nullptr);
+        Require(cache.GetFreeBytes() <= cacheBytes, "the budget holds");
+    }
+
+    /// Skips and reads in turn. How much there is does not change; of what can be compared sample by sample,
+    /// nor does the PCM. MPEG frames behind a skip lack the bit reservoir.
+    void CheckSkips(SndFile& file)
+    {
+        file.Rewind();
+        Pcm read;
+        const auto frameBytes = static_cast<std::size_t>(FrameBytes(file));
+        for (int turns = 0; turns < 64 && Left(file) > 0; ++turns) {
+            const int before = file.GetCurrentSample();
+            const int wanted = std::min(dice.Draw(dice.Chance(50) ? 16 : 4000), Left(file));
+            const int skipped = file.SkipSamples(wanted);
+            Require(skipped >= 0 && skipped <= wanted, "a skip passes over more than was asked for");
+            Require(file.GetCurrentSample() == before + skipped, "the position moves by what was skipped");
+            const auto start = static_cast<std::size_t>(file.GetCurrentSample()) * frameBytes;
+            const std::size_t held = read.bytes.size();
+            const int given = ReadPiece(file, std::min(OddPiece(), Left(file)), read, whole.isPlain);
+            if (!whole.isPlain)
+                continue;
+            Require(skipped == wanted, "a skip inside the sound goes all the way");
+            Require(given > 0 || Left(file) == 0, "a read behind a skip gives something");
+            if (file.FileType() == SndFile::FileMP3)
+                continue;
+            Require(std::equal(read.bytes.begin() + static_cast<std::ptrdiff_t>(held), read.bytes.end(),
+                        whole.bytes.begin() + static_cast<std::ptrdiff_t>(start)),
+                "behind a skip comes what stands there");
+        }
+    }
+
+    // A reader may go on there or not, but it stays inside its data and the caller's buffer.
+    void ReadBeyond(SndFile& file)
+    {
+        Pcm beyond;
+        for (int i = 0; i < 4; ++i)
+            ReadPiece(file, OddPiece(), beyond, false);
+        file.SkipSamples(1 << 30);
+        ReadPiece(file, OddPiece(), beyond, false);
+    }
+
+    const Workbench bench;
+    const FuzzBytes bytes;
+    SeededDice dice;
+    Pcm whole;
+};
+
+} // namespace
+
+void FuzzSoundFile(FuzzBytes bytes)
+{
+    // The tables of the MPEG decoder live as long as any reader does.
+    static const SndFileMP3 keepsTables;
+    SoundFileCheck(bytes.first(std::min(bytes.size(), mostBytes))).Run();
+}
+
+} // namespace Quon
