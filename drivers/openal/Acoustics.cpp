@@ -18,15 +18,16 @@ void Acoustics::Expect()
 bool Acoustics::Create()
 {
     EfxFunctions efx;
-    sendCount = efx.Load();
-    if (sendCount > 0 && !(filters.Create(efx) && room.Create(efx))) {
+    int created = efx.Load();
+    if (created > 0 && !(filters.Create(efx) && room.Create(efx))) {
         Destroy();
-        sendCount = 0;
+        created = 0;
     }
-    if (sendCount > 0) {
+    if (created > 0) {
         ownRooms.Create(efx);
     }
-    return sendCount > 0;
+    sendCount = created;
+    return created > 0;
 }
 
 void Acoustics::Destroy()

@@ -54,7 +54,8 @@ public:
 
 private:
     const OutputDevice& device;
-    std::atomic<int> sendCount = 0; ///< Can change with the device.
+    /// Can change with the device. Publishes what Create() has made.
+    std::atomic<int> sendCount = 0;
     SourceFilters filters;
     Room room;
     OwnRooms ownRooms;

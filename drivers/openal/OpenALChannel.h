@@ -184,7 +184,7 @@ private:
     PcmFeed feed;
 
     /// Whether there is anything to pump. Tells the pumping thread which channels it can pass over; what it
-    /// then finds it looks at again under the lock.
+    /// then finds it looks at again under the lock. Publishes nothing.
     std::atomic<bool> isPumped = false;
 
     std::mutex outputMutex; ///< Guards all that follows.

@@ -45,7 +45,8 @@ private:
     std::mutex mutex; ///< Guards all that follows, but for reading the pointer.
     std::array<ReverbSlot, 2> slots;
     bool isSingle = false; ///< The device has given one slot only.
-    std::atomic<ReverbSlot*> current = nullptr; ///< Null in the open.
+    /// Null in the open. Publishes the slot's name, which changes only with the device.
+    std::atomic<ReverbSlot*> current = nullptr;
     std::int64_t currentSince = 0; ///< The time at which it was set.
     std::optional<FXEnvReverb> wanted; ///< What has been set last,
     bool isPending = false; ///< and whether it is still to be done.
