@@ -1,5 +1,6 @@
 #include "tools/harmonet/Interrupt.h"
 
+#include <atomic>
 #include <csignal>
 
 namespace Tool
@@ -8,11 +9,13 @@ namespace Tool
 namespace
 {
 
-volatile std::sig_atomic_t interrupted = 0;
+/// Publishes nothing. A signal may arrive on any thread.
+std::atomic<bool> interrupted = false;
+static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler must not wait");
 
 extern "C" void OnInterrupt(int signal)
 {
-    interrupted = 1;
+    interrupted = true;
     std::signal(signal, SIG_DFL);
 }
 
@@ -26,7 +29,7 @@ void CatchInterrupt()
 
 bool IsInterrupted()
 {
-    return interrupted != 0;
+    return interrupted;
 }
 
 } // namespace Tool
