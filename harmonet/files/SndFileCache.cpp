@@ -1,5 +1,6 @@
 #include "harmonet/files/SndFileCache.h"
 
+#include "harmonet/engine/Options.h"
 #include "harmonet/files/SndFileHandle.h"
 
 #include <memory>
@@ -38,6 +39,13 @@ void SndFileCache::ReleaseAll()
 {
     while (handles.IsLinked())
         Destroy(static_cast<SndFileHandle*>(handles.next));
+}
+
+void SndFileCache::ReadOptions(const Options& options)
+{
+    int value = 0;
+    options.Get("MpegStandard", value, 0);
+    SetMpegStandard(value == 1);
 }
 
 SndFileHandle* SndFileCache::Find(const PString& substName, const PString& fileName)

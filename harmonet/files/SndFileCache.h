@@ -7,6 +7,7 @@
 namespace Quon
 {
 
+class Options;
 class SndFileHandle;
 
 /// The list of open files: one SndFileHandle for each file in use, so that all readers that stream from one
@@ -30,12 +31,20 @@ public:
 
     int GetCount() const { return count; }
 
+    /// Takes the option "MpegStandard", 0 or 1; anything else is 0, the default.
+    void ReadOptions(const Options& options);
+    /// Whether readers of MPEG audio that open while this list is in use decode by the standards where this
+    /// library has rules of its own. Readers that are open already go on as they were opened.
+    void SetMpegStandard(bool on) { mpegStandard = on; }
+    bool IsMpegStandard() const { return mpegStandard; }
+
 private:
     SndFileHandle* Find(const PString& substName, const PString& fileName);
     void Destroy(SndFileHandle* handle);
 
     IListNode handles; ///< The files in order of their opening.
     int count = 0;
+    bool mpegStandard = false;
 };
 
 } // namespace Quon

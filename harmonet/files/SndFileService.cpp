@@ -14,6 +14,13 @@ SndFileService::SndFileService()
     }
 }
 
+SndFileService::SndFileService(const Options& options)
+    : SndFileService()
+{
+    if (files != nullptr)
+        files->ReadOptions(options);
+}
+
 SndFileService::~SndFileService()
 {
     if (SndFile::sndFileCache == files)

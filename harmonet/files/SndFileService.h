@@ -6,6 +6,7 @@
 namespace Quon
 {
 
+class Options;
 class SndFileCache;
 
 /// Lets SndFile open files while no sound system runs: for tools and loaders that want sound data and no
@@ -18,6 +19,9 @@ class HARMONET_API SndFileService : public Allocated
 {
 public:
     SndFileService();
+    /// The same with options for the readers that open meanwhile: "MpegStandard" (docs/formats.md). While
+    /// files can be opened already, they are left aside.
+    explicit SndFileService(const Options& options);
     SndFileService(const SndFileService&) = delete;
     SndFileService& operator=(const SndFileService&) = delete;
     /// Closes all files that were opened meanwhile.

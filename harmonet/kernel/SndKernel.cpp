@@ -88,6 +88,7 @@ int SndKernel::Init(OS* os, bool driverFlag)
     dataCache = new SndNodeCache;
     dataCache->SetLimit(static_cast<unsigned long>(options.cacheSize));
     fileCache = new SndFileCache;
+    fileCache->ReadOptions(*os->GetOptions());
     SndFile::SetSndFileCache(fileCache);
     driver->GetCaps(caps);
     return StartRunning;

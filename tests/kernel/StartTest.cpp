@@ -1,4 +1,6 @@
 #include "harmonet/engine/TaskList.h"
+#include "harmonet/files/SndFile.h"
+#include "harmonet/files/SndFileCache.h"
 #include "harmonet/kernel/HarmonetStrings.h"
 #include "harmonet/kernel/HarmonetTask.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -65,7 +67,9 @@ TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
     SetOption("SoundFrequency", "48000");
     SetOption("MaxSounds", "7");
     SetOption("StreamLength", "250");
+    SetOption("MpegStandard", "1");
     EXPECT_TRUE(Start(true));
+    EXPECT_TRUE(SndFile::sndFileCache->IsMpegStandard());
     EXPECT_EQ(TakeLog(), (Lines{"Open 2 48000 2 0 250 1", "SetCallback", "SetMaxChannels 11"}));
     EXPECT_EQ(system.GetMaxAudibleSounds(), 7U);
     // A running system refuses another start.
@@ -77,11 +81,13 @@ TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
     EXPECT_EQ(TakeLog(), Lines());
     system.Done();
 
-    for (const char* option : {"SoundFrequency", "MaxSounds", "StreamLength", "SoundCacheSize"})
+    for (const char* option :
+        {"SoundFrequency", "MaxSounds", "StreamLength", "SoundCacheSize", "MpegStandard"})
         SetOption(option, "-3");
     EXPECT_TRUE(Start());
     EXPECT_EQ(TakeLog({"Open", "SetMax"}), (Lines{"Open 2 22050 2 0 500 0", "SetMaxChannels 24"}));
     EXPECT_EQ(theKernel->GetOptions().cacheSize, 1000000);
+    EXPECT_FALSE(SndFile::sndFileCache->IsMpegStandard());
     system.Done();
 
     SetOption("MaxSounds", "2147483647");

@@ -138,6 +138,22 @@ class SoundsTest(ToolCase):
                 self.assertEqual((self.folder / "out.wav").exists(), is_whole)
                 (self.folder / "out.wav").unlink(missing_ok=True)
 
+    def test_decode_takes_engine_options(self):
+        name = "departure-32000-short"
+        (self.folder / "in.mp3").write_bytes((STREAMS / f"{name}.mp3").read_bytes())
+        standard = array.array("h", (STREAMS / f"{name}.ref").read_bytes())
+        for options, is_standard in [([], False), (["--option", "MpegStandard=1"], True),
+                                     (["--option", "MpegStandard=2"], False)]:
+            with self.subTest(options):
+                self.succeed("decode", "in.mp3", "out.wav", *options)
+                with wave.open(str(self.folder / "out.wav")) as out:
+                    samples = array.array("h", out.readframes(out.getnframes()))[::11]
+                largest = max(abs(a - b) for a, b in zip(samples, standard, strict=True))
+                self.assertEqual(largest <= 1, is_standard, largest)
+        done = self.run_tool("decode", "in.mp3", "out.wav", "--option", "MpegStandard")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("'MpegStandard' is no option of the form Key=Value", done.stderr)
+
     def test_no_sound_is_rendered_into_itself(self):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
         other = self.write_wave("other.wav", sine(440, 0.1, 0.5))

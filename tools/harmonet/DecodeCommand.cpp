@@ -1,6 +1,7 @@
 #include "harmonet/engine/OS.h"
 #include "harmonet/files/SndFileService.h"
 #include "tools/harmonet/Commands.h"
+#include "tools/harmonet/EngineOptions.h"
 #include "tools/harmonet/SoundData.h"
 #include "tools/harmonet/ToolError.h"
 #include "tools/harmonet/WaveWriter.h"
@@ -21,6 +22,7 @@ struct DecodeArguments
 {
     std::string input;
     std::string output;
+    std::vector<std::string> options; ///< Engine options as Key=Value.
 };
 
 /// The head of a wave file states one format for all of the sound.
@@ -51,8 +53,9 @@ void CopySound(Quon::SndFile& data, WaveWriter& writer)
 
 int RunDecode(const DecodeArguments& arguments)
 {
-    const Quon::OS os;
-    const Quon::SndFileService service;
+    Quon::OS os;
+    SetEngineOptions(*os.GetOptions(), arguments.options);
+    const Quon::SndFileService service(*os.GetOptions());
     const FileArguments files({arguments.input});
     std::error_code error;
     if (std::filesystem::equivalent(arguments.input, arguments.output, error))
@@ -75,6 +78,9 @@ void AddDecodeCommand(CLI::App& program, Action& action)
     command->add_option("FILE", arguments->input, "The sound file")->required();
     command->add_option("OUT.wav", arguments->output, "The wave file; one that exists is replaced")
         ->required();
+    command->add_option("--option", arguments->options, "An option of the engine, as \"MpegStandard=1\"")
+        ->type_name("KEY=VALUE")
+        ->allow_extra_args(false);
     command->callback([arguments, &action] { action = [arguments] { return RunDecode(*arguments); }; });
 }
 

@@ -1,6 +1,7 @@
 #include "tools/harmonet/Host.h"
 
 #include "harmonet/engine/TaskList.h"
+#include "tools/harmonet/EngineOptions.h"
 #include "tools/harmonet/QuietErrors.h"
 #include "tools/harmonet/ToolError.h"
 
@@ -61,10 +62,7 @@ void Host::SetOptions(const Settings& settings, const std::string& drivers)
         options.Set(renderOption, settings.renderPath.c_str());
     if (settings.channels > 0)
         options.Set("MaxSounds", std::to_string(settings.channels).c_str());
-    for (const std::string& option : settings.options) {
-        if (!options.SetFromText(option.c_str()))
-            throw ToolError("'" + option + "' is no option of the form Key=Value");
-    }
+    SetEngineOptions(options, settings.options);
 }
 
 void Host::CheckInputs(const std::vector<std::string>& inputs)

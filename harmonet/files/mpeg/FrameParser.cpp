@@ -14,8 +14,10 @@ constexpr int codedLayer3 = 1;
 /// The last coded long band is 20, the last coded short band 11.
 constexpr int codedLongBands = 21;
 constexpr int codedShortBands = 12;
-/// In a mixed block eight values go to long bands and the rest to short bands from 3 on, in both versions.
+/// In a mixed block eight values go to long bands and the rest to short bands from 3 on, in both versions. In
+/// MPEG-2 six long bands reach as far, and the standard has six values.
 constexpr int mixedLongBands = 8;
+constexpr int standardLsfMixedLongBands = 6;
 constexpr int mixedFirstShortBand = 3;
 
 /// From a fixed number of bytes and the rate to bytes: 1152 sample frames of so many bits.
@@ -27,7 +29,7 @@ int LongBoundary(const BandTable& bands, int boundary)
     return bands.longStart[std::min(boundary, longBandCount)];
 }
 
-void ParseRegions(BitReader& reader, const FrameHeader& header, GranuleInfo& info)
+void ParseRegions(BitReader& reader, const FrameHeader& header, bool byStandard, GranuleInfo& info)
 {
     info.window_switching_flag = static_cast<int>(reader.GetBits(1));
     const int tables = info.window_switching_flag != 0 ? 2 : 3;
@@ -46,21 +48,21 @@ void ParseRegions(BitReader& reader, const FrameHeader& header, GranuleInfo& inf
         info.region2Start = linesPerGranule;
         return;
     }
-    const BandTable& bands = BandsOf(header);
+    const BandTable& bands = BandsOf(header, byStandard);
     const int region0Count = static_cast<int>(reader.GetBits(4));
     const int region1Count = static_cast<int>(reader.GetBits(3));
     info.region1Start = LongBoundary(bands, region0Count + 1);
     info.region2Start = LongBoundary(bands, region0Count + region1Count + 2);
 }
 
-void ParseGranule(BitReader& reader, const FrameHeader& header, GranuleInfo& info)
+void ParseGranule(BitReader& reader, const FrameHeader& header, bool byStandard, GranuleInfo& info)
 {
     info = {};
     info.part2_3_length = static_cast<int>(reader.GetBits(12));
     info.big_values = static_cast<int>(reader.GetBits(9));
     info.global_gain = static_cast<int>(reader.GetBits(8));
     info.scalefac_compress = static_cast<int>(reader.GetBits(header.IsMpeg1() ? 4 : 9));
-    ParseRegions(reader, header, info);
+    ParseRegions(reader, header, byStandard, info);
     if (header.IsMpeg1()) {
         info.preflag = static_cast<int>(reader.GetBits(1));
     }
@@ -125,41 +127,61 @@ int ReadMpeg1(BitReader& reader, const ChannelInfo& channel, int granule, ScaleF
     return bits + ReadShortBands(reader, 6, codedShortBands, lengths[1], scaleFactors.shortBands);
 }
 
+/// How MPEG-2 packs the scale factors of a granule and channel: four groups of so many values of so many
+/// bits.
+struct LsfLayout
+{
+    LsfLayout(const GranuleInfo& info, bool intensityChannel)
+    {
+        // The right channel's scale factors are intensity positions and packed by rules of their own.
+        const LsfScaleFactorRow* row = lsfScaleFactorRows + (intensityChannel ? 3 : 0);
+        const int value = info.scalefac_compress >> row->halving;
+        while (value > row->last) {
+            ++row;
+        }
+        preflag = row->preflag;
+        counts = row->counts[info.IsMixed() ? 2 : info.IsShort() ? 1 : 0];
+        for (int group = 0; group < 4; ++group) {
+            lengths[group] = (value - row->offset) / row->divisor[group] % row->modulus[group];
+        }
+    }
+
+    int preflag;
+    const int* counts;
+    int lengths[4];
+};
+
 /// Where the value of that index goes in the order in which MPEG-2 sends the values of a granule.
-int* LsfPlace(const GranuleInfo& info, int index, ScaleFactors& scaleFactors)
+int* LsfPlace(const GranuleInfo& info, bool byStandard, int index, ScaleFactors& scaleFactors)
 {
     int firstShortBand = 0;
     if (!info.IsShort()) {
         return &scaleFactors.longBands[index];
     }
     if (info.IsMixed()) {
-        if (index < mixedLongBands) {
+        const int longBands = byStandard ? standardLsfMixedLongBands : mixedLongBands;
+        if (index < longBands) {
             return &scaleFactors.longBands[index];
         }
-        index -= mixedLongBands;
+        index -= longBands;
         firstShortBand = mixedFirstShortBand;
     }
     return &scaleFactors.shortBands[index % shortWindowCount][firstShortBand + index / shortWindowCount];
 }
 
-int ReadMpeg2(BitReader& reader, bool intensityChannel, GranuleInfo& info, ScaleFactors& scaleFactors)
+int ReadMpeg2(
+    BitReader& reader, bool intensityChannel, bool byStandard, GranuleInfo& info, ScaleFactors& scaleFactors)
 {
-    // The right channel's scale factors are intensity positions and packed by rules of their own.
-    const LsfScaleFactorRow* row = lsfScaleFactorRows + (intensityChannel ? 3 : 0);
-    const int value = info.scalefac_compress >> row->halving;
-    while (value > row->last) {
-        ++row;
-    }
-    info.preflag = row->preflag;
-    const int* counts = row->counts[info.IsMixed() ? 2 : info.IsShort() ? 1 : 0];
+    const LsfLayout layout(info, intensityChannel);
+    info.preflag = layout.preflag;
     int bits = 0;
     int index = 0;
     for (int group = 0; group < 4; ++group) {
-        const int length = (value - row->offset) / row->divisor[group] % row->modulus[group];
-        for (int i = 0; i < counts[group]; ++i) {
-            *LsfPlace(info, index++, scaleFactors) = static_cast<int>(reader.GetBits(length));
+        const int length = layout.lengths[group];
+        for (int i = 0; i < layout.counts[group]; ++i) {
+            *LsfPlace(info, byStandard, index++, scaleFactors) = static_cast<int>(reader.GetBits(length));
         }
-        bits += counts[group] * length;
+        bits += layout.counts[group] * length;
     }
     return bits;
 }
@@ -223,12 +245,16 @@ int FrameSamples(const FrameHeader& header)
     return header.Granules() * linesPerGranule;
 }
 
-const BandTable& BandsOf(const FrameHeader& header)
+const BandTable& BandsOf(const FrameHeader& header, bool byStandard)
 {
+    constexpr int index24kHz = 1;
+    if (byStandard && !header.IsMpeg1() && header.sampleRateIndex == index24kHz) {
+        return standardBands24kHz;
+    }
     return bandTables[(header.IsMpeg1() ? 0 : 3) + header.sampleRateIndex];
 }
 
-void ParseSideInfo(BitReader& reader, const FrameHeader& header, SideInfo& sideInfo)
+void ParseSideInfo(BitReader& reader, const FrameHeader& header, bool byStandard, SideInfo& sideInfo)
 {
     sideInfo = {};
     const int channels = header.Channels();
@@ -247,12 +273,12 @@ void ParseSideInfo(BitReader& reader, const FrameHeader& header, SideInfo& sideI
     }
     for (int granule = 0; granule < header.Granules(); ++granule) {
         for (int channel = 0; channel < channels; ++channel) {
-            ParseGranule(reader, header, sideInfo.channels[channel].granules[granule]);
+            ParseGranule(reader, header, byStandard, sideInfo.channels[channel].granules[granule]);
         }
     }
 }
 
-int ReadScaleFactors(BitReader& reader, const FrameHeader& header, int granule, int channel,
+int ReadScaleFactors(BitReader& reader, const FrameHeader& header, bool byStandard, int granule, int channel,
     SideInfo& sideInfo, ScaleFactors& scaleFactors)
 {
     ChannelInfo& info = sideInfo.channels[channel];
@@ -260,7 +286,19 @@ int ReadScaleFactors(BitReader& reader, const FrameHeader& header, int granule, 
         return ReadMpeg1(reader, info, granule, scaleFactors);
     }
     const bool intensityChannel = channel == 1 && header.IntensityStereo();
-    return ReadMpeg2(reader, intensityChannel, info.granules[granule], scaleFactors);
+    return ReadMpeg2(reader, intensityChannel, byStandard, info.granules[granule], scaleFactors);
+}
+
+void FindIntensityMarks(const GranuleInfo& right, ScaleFactors& marks)
+{
+    const LsfLayout layout(right, true);
+    int index = 0;
+    for (int group = 0; group < 4; ++group) {
+        const int largest = layout.lengths[group] > 0 ? (1 << layout.lengths[group]) - 1 : -1;
+        for (int i = 0; i < layout.counts[group]; ++i) {
+            *LsfPlace(right, true, index++, marks) = largest;
+        }
+    }
 }
 
 } // namespace Quon

@@ -30,16 +30,21 @@ int SideInfoBytes(const FrameHeader& header);
 /// The bytes of the frame behind its header.
 int FrameBytes(const FrameHeader& header);
 int FrameSamples(const FrameHeader& header);
-const BandTable& BandsOf(const FrameHeader& header);
+/// `byStandard`, here and below, stands for the rules of the standard where this library has its own.
+const BandTable& BandsOf(const FrameHeader& header, bool byStandard);
 
 /// Reads all of the side information, and works out the starts of the regions and the gains on the way. A
 /// region that would start behind the last band starts at line 576.
-void ParseSideInfo(BitReader& reader, const FrameHeader& header, SideInfo& sideInfo);
+void ParseSideInfo(BitReader& reader, const FrameHeader& header, bool byStandard, SideInfo& sideInfo);
 
 /// Reads the scale factors of one granule and channel and returns the bits that they took. What is not
 /// sent keeps its value: `scaleFactors` is zeroed once per frame, since granule 1 can share granule 0's. In
 /// MPEG-2 it sets the granule's `preflag`.
-int ReadScaleFactors(BitReader& reader, const FrameHeader& header, int granule, int channel,
+int ReadScaleFactors(BitReader& reader, const FrameHeader& header, bool byStandard, int granule, int channel,
     SideInfo& sideInfo, ScaleFactors& scaleFactors);
+
+/// For each band of an MPEG-2 granule's right channel, the value that the standard takes for "not intensity
+/// coded": the largest one that the position's bits can hold. Positions without bits have none, -1.
+void FindIntensityMarks(const GranuleInfo& right, ScaleFactors& marks);
 
 } // namespace Quon

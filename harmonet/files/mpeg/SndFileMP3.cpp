@@ -5,6 +5,7 @@
 
 #include "harmonet/engine/File.h"
 #include "harmonet/files/LittleEndian.h"
+#include "harmonet/files/SndFileCache.h"
 #include "harmonet/files/SndFileHandle.h"
 #include "harmonet/files/SndNode.h"
 
@@ -78,6 +79,7 @@ bool SndFileMP3::OpenMemory(void*, unsigned long, WaveFormatEx*)
 bool SndFileMP3::Open(SndNode* newNode)
 {
     CloseFile(0, nullptr);
+    ChooseRules();
     SndFile::Open(newNode);
     if (fileType != FileMP3) {
         Abandon();
@@ -98,6 +100,7 @@ bool SndFileMP3::Open(SndNode* newNode)
 bool SndFileMP3::OpenHandle(SndFileHandle* newHandle)
 {
     CloseFile(0, nullptr);
+    ChooseRules();
     dataOffset = 0;
     if (!newHandle->GetFile().IsOpen()) {
         return false;
@@ -118,6 +121,11 @@ bool SndFileMP3::OpenHandle(SndFileHandle* newHandle)
     soundLength = CalcLength(soundSamples);
     FinishOpen();
     return true;
+}
+
+void SndFileMP3::ChooseRules()
+{
+    byStandard = sndFileCache != nullptr && sndFileCache->IsMpegStandard();
 }
 
 void SndFileMP3::CountSamples()

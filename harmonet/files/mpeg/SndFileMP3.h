@@ -30,6 +30,10 @@ namespace Quon
 /// channels are mixed into one. Only 0 means the end. A change of the rate alone does not end a call. At open
 /// the format is that of the first MPEG frame, or of the last one where the frames had to be counted.
 ///
+/// *Rules.* Where this library's own rules of decoding differ from those of the standards, a reader follows
+/// its own, or those of the standards if the list of open files says so while it opens
+/// (SndFileCache::SetMpegStandard()).
+///
 /// *Layout of the buffers.* They are internal and arranged for vector arithmetic: `overlapBuffer` and the
 /// hybrid output by time slot and then subband, with the frequency inversion done; `synthBuffer` as 15 past
 /// time slots of 32 cosine sums, of which the 64 matrixing rows are copies with signs.
@@ -83,6 +87,7 @@ private:
     void FreeBuffers();
     /// What both ways of opening have in common at their end.
     void FinishOpen();
+    void ChooseRules();
     void CountSamples();
 
     /// Finds and parses the next frame header at `readPosition` and takes the format from it.
@@ -126,6 +131,7 @@ private:
     int frameLength = 0; ///< Bytes of the frame behind its header, then those that `frameBuffer` holds.
     int sideInfoLength = 0;
     int bitrate = 0; ///< In kilobits per second.
+    bool byStandard = false; ///< Chosen at open.
     bool msStereo = false;
     bool intensityStereo = false;
     int frameSamples = 0; ///< Sample frames in one MPEG frame; 0 after a rewind until the next header.

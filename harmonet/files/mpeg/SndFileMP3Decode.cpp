@@ -14,6 +14,10 @@ namespace Quon
 namespace
 {
 
+/// The long part of a mixed block has positions for eight bands. In MPEG-2 its lines are those of six bands.
+constexpr int lastMixedLongBand = 7;
+constexpr int standardLastMixedLongBand = 5;
+
 /// Truncates towards zero and clips; NaN gives 0.
 unsigned char ToPcm8(float sample)
 {
@@ -110,12 +114,13 @@ void SndFileMP3::DecodeGranule(int granule)
 
 void SndFileMP3::ParseSideInfo()
 {
-    Quon::ParseSideInfo(reader, header, sideInfo);
+    Quon::ParseSideInfo(reader, header, byStandard, sideInfo);
 }
 
 void SndFileMP3::ReadScaleFactors(int granule, int channel)
 {
-    part2Bits = Quon::ReadScaleFactors(reader, header, granule, channel, sideInfo, scaleFactors[channel]);
+    part2Bits =
+        Quon::ReadScaleFactors(reader, header, byStandard, granule, channel, sideInfo, scaleFactors[channel]);
 }
 
 // Wherever the codes end, in leftover bits or beyond the budget, the next granule and channel begin behind
@@ -127,7 +132,8 @@ void SndFileMP3::DecodeSpectrum(float* xr, GranuleInfo* info, int channel)
     const int lineCount =
         kernels->decodeLines(*tables, *info, reader.BitPointer(), reader.BitOffset(), budget, lines);
     reader.Move(budget);
-    const RequantiseInput input{*info, scaleFactors[channel], BandsOf(header), lineCount};
+    const RequantiseInput input{
+        *info, scaleFactors[channel], BandsOf(header, byStandard), lineCount, byStandard};
     limits[channel] = Requantise(*tables, *kernels, input, lines, xr);
 }
 
@@ -140,8 +146,16 @@ void SndFileMP3::Stereo(float* xr, GranuleInfo* first)
         kernels->midSide(xr, right, subbands * linesPerSubband);
         return;
     }
-    const IntensityInput input{
-        header.IsMpeg1(), msStereo, *first, scaleFactors[1], limits[1], BandsOf(header)};
+    IntensityInput input{header.IsMpeg1(), msStereo, *first, scaleFactors[1], limits[1],
+        BandsOf(header, byStandard), first->scalefac_compress & 1, lastMixedLongBand, nullptr};
+    ScaleFactors marks = {};
+    if (byStandard && !header.IsMpeg1()) {
+        const GranuleInfo& rightInfo = sideInfo.channels[1].granules[0];
+        FindIntensityMarks(rightInfo, marks);
+        input.marks = &marks;
+        input.scale = rightInfo.scalefac_compress & 1;
+        input.lastMixedLongBand = standardLastMixedLongBand;
+    }
     ApplyIntensityStereo(tables->intensity, input, xr, right);
 }
 

@@ -86,12 +86,14 @@ int HighestLongLine(const BandTable& bands, int bandLimit)
 }
 
 /// The highest line is reckoned with the width of the last band visited, also where a window ends below it.
-int HighestShortLine(const BandTable& bands, const int* windowLimits, int lastVisited)
+/// By the standard it is the width of the window's own last band.
+int HighestShortLine(const BandTable& bands, const int* windowLimits, int lastVisited, bool byStandard)
 {
     int highest = -1;
     for (int window = 0; window < shortWindowCount; ++window) {
         if (windowLimits[window] >= 0) {
-            const int width = shortWindowCount * bands.shortWidth[lastVisited];
+            const int widthOf = byStandard ? windowLimits[window] : lastVisited;
+            const int width = shortWindowCount * bands.shortWidth[widthOf];
             highest = std::max(highest, bands.shortStart[windowLimits[window]] + width - 1);
         }
     }
@@ -119,7 +121,7 @@ SpectrumLimits Requantise(const DecoderTables& tables, const DecoderKernels& ker
     }
     const int lastVisited = RequantiseShort(tables, input, firstShortBand, lines, xr, limits.bandLimit + 1);
     limits.subbandLimit = SubbandOf(std::max(HighestLongLine(input.bands, limits.bandLimit[0]),
-        HighestShortLine(input.bands, limits.bandLimit + 1, lastVisited)));
+        HighestShortLine(input.bands, limits.bandLimit + 1, lastVisited, input.byStandard)));
     return limits;
 }
 

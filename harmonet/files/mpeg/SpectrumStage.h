@@ -17,6 +17,7 @@ struct RequantiseInput
     const ScaleFactors& scaleFactors;
     const BandTable& bands;
     int lineCount; ///< Of `lines`; everything behind it is 0.
+    bool byStandard; ///< Find the end of a short block by the standard.
 };
 
 /// Multiplies the powers in `lines` (DecoderKernels::decodeLines) by their bands' factors and writes them to

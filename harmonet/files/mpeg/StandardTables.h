@@ -60,6 +60,8 @@ extern const HuffmanCode huffmanCodes[huffmanCodeCount];
 extern const HuffmanSource huffmanSources[huffmanTableCount];
 /// At 44.1, 48, 32 kHz (MPEG-1) and 22.05, 24, 16 kHz (MPEG-2).
 extern const BandTable bandTables[6];
+/// At 24 kHz as the standard has it, with the boundary of long bands 17 and 18 at line 332 instead of 330.
+extern const BandTable standardBands24kHz;
 /// The two lengths for each `scalefac_compress` of MPEG-1.
 extern const unsigned char scaleFactorLengths[16][2];
 extern const LsfScaleFactorRow lsfScaleFactorRows[6];

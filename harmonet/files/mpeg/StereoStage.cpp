@@ -8,14 +8,12 @@ namespace Quon
 namespace
 {
 
-/// A line at this position is not intensity coded.
-constexpr int notIntensity = 7;
+/// Stands for lines that are not intensity coded.
+constexpr int notIntensity = -1;
 constexpr float halfPower = 0.70710677f;
 
 constexpr int lastCodedLongBand = 20;
 constexpr int lastCodedShortBand = 11;
-/// What the long part of a mixed block has scale factors for.
-constexpr int lastMixedLongBand = 7;
 constexpr int mixedFirstShortBand = 3;
 
 /// The intensity position of each line, in the order of the stream: in short blocks window after window
@@ -36,7 +34,7 @@ public:
             FillShort(0);
         }
         else if (FillShort(mixedFirstShortBand) <= mixedFirstShortBand) {
-            FillLong(lastMixedLongBand);
+            FillLong(input.lastMixedLongBand);
         }
     }
 
@@ -47,7 +45,10 @@ private:
     {
         const int* start = input.bands.longStart;
         for (int band = input.rightLimits.bandLimit[0] + 1; band <= lastBand; ++band) {
-            std::fill(positions + start[band], positions + start[band + 1], input.positions.longBands[band]);
+            const int mark = input.marks != nullptr ? input.marks->longBands[band] : notIntensityPosition;
+            const int position = input.positions.longBands[band];
+            std::fill(positions + start[band], positions + start[band + 1],
+                position == mark ? notIntensity : position);
         }
     }
 
@@ -59,7 +60,10 @@ private:
             const int firstBand = std::max(input.rightLimits.bandLimit[1 + window] + 1, lowestBand);
             highestStart = std::max(highestStart, firstBand);
             for (int band = firstBand; band <= lastCodedShortBand; ++band) {
-                FillWindow(window, band, input.positions.shortBands[window][band]);
+                const int mark =
+                    input.marks != nullptr ? input.marks->shortBands[window][band] : notIntensityPosition;
+                const int position = input.positions.shortBands[window][band];
+                FillWindow(window, band, position == mark ? notIntensity : position);
             }
             FillWindow(window, lastCodedShortBand + 1, *Window(window, lastCodedShortBand));
         }
@@ -88,9 +92,8 @@ public:
     LineMixer(const IntensityTables& tables, const IntensityInput& input)
         : msStereo(input.msStereo)
     {
-        const int scale = input.first.scalefac_compress & 1;
-        leftFactors = input.isMpeg1 ? tables.mpeg1Left : tables.mpeg2[scale][0];
-        rightFactors = input.isMpeg1 ? tables.mpeg1Right : tables.mpeg2[scale][1];
+        leftFactors = input.isMpeg1 ? tables.mpeg1Left : tables.mpeg2[input.scale][0];
+        rightFactors = input.isMpeg1 ? tables.mpeg1Right : tables.mpeg2[input.scale][1];
     }
 
     void Mix(int position, float& left, float& right) const

@@ -6,8 +6,8 @@
 namespace Quon
 {
 
-/// What intensity stereo needs of a granule. Block type and scale are those of the first channel's record;
-/// positions and limits are the right channel's.
+/// What intensity stereo needs of a granule. The block type is that of the first channel's record; positions
+/// and limits are the right channel's.
 struct IntensityInput
 {
     bool isMpeg1;
@@ -16,7 +16,14 @@ struct IntensityInput
     const ScaleFactors& positions;
     const SpectrumLimits& rightLimits;
     const BandTable& bands;
+    int scale; ///< Finer (0) or coarser (1) positions, in MPEG-2.
+    int lastMixedLongBand; ///< The highest long band of a mixed block that has a position.
+    /// By band, the position that means "not intensity coded"; null for `notIntensityPosition` in all.
+    const ScaleFactors* marks;
 };
+
+/// A line at this position is not intensity coded, in MPEG-1.
+inline constexpr int notIntensityPosition = 7;
 
 /// Intensity stereo on both channels' 576 lines, in place: the bands above the end of the right channel's
 /// spectrum are shared out between the channels by position. Mid/side, where it is on as well, is done on the

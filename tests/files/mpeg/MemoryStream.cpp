@@ -1,5 +1,7 @@
 #include "MemoryStream.h"
 
+#include "harmonet/files/SndFileCache.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -29,7 +31,7 @@ void ExpectSameSound(const std::vector<int>& decoded, const std::vector<int>& ex
     }
 }
 
-MemoryStream::MemoryStream(const Bytes& newBytes)
+MemoryStream::MemoryStream(const Bytes& newBytes, bool byStandard)
     : bytes(newBytes)
     , file(std::make_unique<SndFileMP3>())
 {
@@ -39,9 +41,14 @@ MemoryStream::MemoryStream(const Bytes& newBytes)
     node.size = bytes.size();
     node.cached = true;
     node.useCount = 1;
+    SndFileCache openFiles;
+    openFiles.SetMpegStandard(byStandard);
+    SndFileCache* const before = SndFile::sndFileCache;
+    SndFile::SetSndFileCache(&openFiles);
     if (!file->Open(&node)) {
         file.reset();
     }
+    SndFile::SetSndFileCache(before);
 }
 
 MemoryStream::~MemoryStream()
@@ -73,8 +80,8 @@ std::vector<int> MemoryStream::ReadAll(int samplesPerCall)
     return all;
 }
 
-std::vector<int> DecodeAll(const Bytes& stream, int samplesPerCall)
+std::vector<int> DecodeAll(const Bytes& stream, int samplesPerCall, bool byStandard)
 {
-    MemoryStream file(stream);
+    MemoryStream file(stream, byStandard);
     return file.Get() != nullptr ? file.ReadAll(samplesPerCall) : std::vector<int>();
 }

@@ -19,7 +19,7 @@ void ExpectSameSound(
 class MemoryStream
 {
 public:
-    explicit MemoryStream(const Bytes& newBytes);
+    explicit MemoryStream(const Bytes& newBytes, bool byStandard = false);
     ~MemoryStream();
 
     /// Null if the reader refused the stream.
@@ -38,4 +38,4 @@ private:
 };
 
 /// All that a stream decodes to; nothing if the reader refuses it.
-std::vector<int> DecodeAll(const Bytes& stream, int samplesPerCall = 1152);
+std::vector<int> DecodeAll(const Bytes& stream, int samplesPerCall = 1152, bool byStandard = false);

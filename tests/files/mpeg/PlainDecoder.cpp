@@ -12,9 +12,9 @@ namespace
 
 struct Header
 {
-    explicit Header(const unsigned char* bytes)
+    Header(const unsigned char* bytes, bool byStandard)
         : mode{(bytes[1] & 8) != 0, bytes[3] >> 6 == 1 && (bytes[3] & 0x20) != 0,
-              bytes[3] >> 6 == 1 && (bytes[3] & 0x10) != 0}
+              bytes[3] >> 6 == 1 && (bytes[3] & 0x10) != 0, byStandard}
         , rateIndex(bytes[2] >> 2 & 3)
         , channels(bytes[3] >> 6 == 3 ? 1 : 2)
         , sideInfoStart((bytes[1] & 1) != 0 ? 4 : 6)
@@ -40,6 +40,11 @@ public:
     {
         header = newHeader;
         bands = bandTables[(IsMpeg1() ? 0 : 3) + header.rateIndex];
+        if (IsLsfByStandard() && header.rateIndex == 1) {
+            bands.longStart[18] = 332;
+            bands.longWidth[17] = 332 - 278;
+            bands.longWidth[18] = 394 - 332;
+        }
         Bits side{frame, 8 * header.sideInfoStart};
         const int granuleCount = IsMpeg1() ? 2 : 1;
         const int mainDataBegin = side.Take(IsMpeg1() ? 9 : 8);
@@ -66,6 +71,7 @@ public:
 
 private:
     bool IsMpeg1() const { return header.mode.isMpeg1; }
+    bool IsLsfByStandard() const { return header.mode.byStandard && !IsMpeg1(); }
 
     GranuleInfo ParseGranule(Bits& side) const
     {
@@ -153,7 +159,7 @@ private:
         }
         const bool isShort = info.block_type == 2;
         const bool mixed = isShort && info.mixed_block_flag != 0;
-        const int longCount = mixed ? 8 : isShort ? 0 : 21;
+        const int longCount = mixed ? (header.mode.byStandard ? 6 : 8) : isShort ? 0 : 21;
         int index = 0;
         for (int group = 0; group < 4; ++group) {
             const int end = index + lsfScaleFactorRows[row].counts[mixed ? 2 : isShort ? 1 : 0][group];
@@ -162,6 +168,9 @@ private:
                 int& factor =
                     place < 0 ? to.longBands[index] : to.shortBands[place % 3][(mixed ? 3 : 0) + place / 3];
                 factor = bits.Take(lengths[group]);
+                int& mark = place < 0 ? marks.longBands[index]
+                                      : marks.shortBands[place % 3][(mixed ? 3 : 0) + place / 3];
+                mark = lengths[group] > 0 ? (1 << lengths[group]) - 1 : -1;
             }
         }
     }
@@ -177,16 +186,18 @@ private:
                 ReadScaleFactors(granule, channels[channel], scaleFactors[channel]);
             }
             else {
+                marks = {};
                 ReadLsfScaleFactors(channel == 1 && header.mode.intensityStereo, info, scaleFactors[channel]);
             }
             Values values;
             const int lineCount = DecodeValues(bits, info, end - bits.position, values);
-            xr[channel] = Requantise(info, scaleFactors[channel], bands, values, lineCount, limits[channel]);
+            xr[channel] = Requantise(info, scaleFactors[channel], bands, values, lineCount, limits[channel],
+                header.mode.byStandard);
         }
         if (header.mode.msStereo || header.mode.intensityStereo) {
             limits[0].subband = limits[1].subband = std::max(limits[0].subband, limits[1].subband);
-            Stereo(
-                header.mode, channels[0].granules[granule], scaleFactors[1], limits[1], bands, xr[0], xr[1]);
+            const RightChannel right{channels[1].granules[granule], scaleFactors[1], marks, limits[1]};
+            Stereo(header.mode, channels[0].granules[granule], right, bands, xr[0], xr[1]);
         }
         std::array<std::vector<double>, 2> samples;
         for (int channel = 0; channel < header.channels; ++channel) {
@@ -204,23 +215,24 @@ private:
 
     static constexpr unsigned char noHeader[4] = {};
 
-    Header header{noHeader};
+    Header header{noHeader, false};
     BandTable bands = {};
     std::vector<unsigned char> mainData; ///< Of this frame and of all before it.
     Bits bits{mainData};
     std::array<ChannelInfo, 2> channels = {};
     std::array<ScaleFactors, 2> scaleFactors = {};
+    ScaleFactors marks = {};
     std::array<Subbands, 2> overlap = {};
     std::array<PolyphaseState, 2> polyphase = {};
 };
 
 } // namespace
 
-std::vector<int> Decode(const std::vector<unsigned char>& stream)
+std::vector<int> Decode(const std::vector<unsigned char>& stream, bool byStandard)
 {
     Decoder decoder;
     for (auto at = stream.begin(); stream.end() - at >= 4;) {
-        const Header header(&*at);
+        const Header header(&*at, byStandard);
         const auto end = at + header.frameBytes;
         decoder.DecodeFrame(header, {at, end});
         at = end;

@@ -13,8 +13,9 @@ namespace PlainMpeg
 {
 
 /// Interleaved 16-bit values of all frames of a bare stream, each in its own number of channels. The stream
-/// has to be without junk, and its reservoirs there.
-std::vector<int> Decode(const std::vector<unsigned char>& stream);
+/// has to be without junk, and its reservoirs there. By the rules of the library, or by those of the
+/// standards.
+std::vector<int> Decode(const std::vector<unsigned char>& stream, bool byStandard = false);
 
 // The stages that this takes, in their order.
 
@@ -41,17 +42,28 @@ struct Limits
 };
 
 Line Requantise(const Quon::GranuleInfo& info, const Quon::ScaleFactors& scaleFactors,
-    const Quon::BandTable& bands, const Values& values, int lineCount, Limits& limits);
+    const Quon::BandTable& bands, const Values& values, int lineCount, Limits& limits,
+    bool byStandard = false);
 
 struct StereoMode
 {
     bool isMpeg1;
     bool msStereo;
     bool intensityStereo;
+    bool byStandard;
 };
 
-void Stereo(const StereoMode& mode, const Quon::GranuleInfo& first, const Quon::ScaleFactors& positions,
-    const Limits& rightLimits, const Quon::BandTable& bands, Line& left, Line& right);
+/// What the right channel says of intensity stereo: positions, and by the standard their marks.
+struct RightChannel
+{
+    const Quon::GranuleInfo& info;
+    const Quon::ScaleFactors& positions;
+    const Quon::ScaleFactors& marks; ///< Values of positions that mean "not intensity coded".
+    const Limits& limits;
+};
+
+void Stereo(const StereoMode& mode, const Quon::GranuleInfo& first, const RightChannel& rightChannel,
+    const Quon::BandTable& bands, Line& left, Line& right);
 
 void AliasReduction(const Quon::GranuleInfo& info, Line& xr);
 

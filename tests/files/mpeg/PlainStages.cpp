@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr double pi = std::numbers::pi;
-constexpr int notIntensity = 7;
+constexpr int notIntensity = -1;
 
 /// One code of a table, found by comparing with each code of the list; returns its two values.
 std::array<int, 2> TakeCode(Bits& bits, int table)
@@ -105,29 +105,34 @@ void ForShortLines(const BandTable& bands, int firstBand, Visit visit)
 }
 
 /// The intensity position of each line, in the order of the stream.
-Values IntensityPositions(const GranuleInfo& first, const ScaleFactors& positions, const Limits& rightLimits,
-    const BandTable& bands)
+Values IntensityPositions(
+    const StereoMode& mode, const GranuleInfo& first, const RightChannel& right, const BandTable& bands)
 {
+    const auto positionOf = [&mode](int position, int mark) {
+        return position == (mode.isMpeg1 || !mode.byStandard ? 7 : mark) ? notIntensity : position;
+    };
     Values result;
     result.fill(notIntensity);
     const bool isShort = first.block_type == 2;
-    int longBands = isShort && first.mixed_block_flag == 0 ? 0 : isShort ? 8 : 22;
+    const bool mixed = isShort && first.mixed_block_flag != 0;
+    int longBands = mixed ? (mode.byStandard && !mode.isMpeg1 ? 6 : 8) : isShort ? 0 : 22;
     if (isShort) {
-        ForShortLines(bands, longBands == 8 ? 3 : 0, [&](int band, int window, int inStream, int) {
+        ForShortLines(bands, mixed ? 3 : 0, [&](int band, int window, int inStream, int) {
             const int coded = std::min(band, 11);
-            if (coded > rightLimits.band[1 + window]) {
-                result[inStream] = positions.shortBands[window][coded];
+            if (coded > right.limits.band[1 + window]) {
+                result[inStream] = positionOf(
+                    right.positions.shortBands[window][coded], right.marks.shortBands[window][coded]);
             }
-            if (rightLimits.band[1 + window] >= 3) {
+            if (right.limits.band[1 + window] >= 3) {
                 longBands = 0;
             }
         });
     }
     for (int band = 0; band < longBands; ++band) {
         const int coded = std::min(band, 20);
-        if (coded > rightLimits.band[0]) {
+        if (coded > right.limits.band[0]) {
             std::fill(&result[bands.longStart[band]], result.data() + bands.longStart[band + 1],
-                positions.longBands[coded]);
+                positionOf(right.positions.longBands[coded], right.marks.longBands[coded]));
         }
     }
     return result;
@@ -184,7 +189,7 @@ int DecodeValues(Bits& bits, const GranuleInfo& info, int budget, Values& values
 }
 
 Line Requantise(const GranuleInfo& info, const ScaleFactors& scaleFactors, const BandTable& bands,
-    const Values& values, int lineCount, Limits& limits)
+    const Values& values, int lineCount, Limits& limits, bool byStandard)
 {
     Line xr = {};
     const int step = 2 * (info.scalefac_scale + 1);
@@ -217,7 +222,7 @@ Line Requantise(const GranuleInfo& info, const ScaleFactors& scaleFactors, const
     }
     for (int window = 1; window < 4; ++window) {
         if (limits.band[window] >= 0) {
-            const int width = 3 * bands.shortWidth[lastVisited];
+            const int width = 3 * bands.shortWidth[byStandard ? limits.band[window] : lastVisited];
             highest = std::max(highest, bands.shortStart[limits.band[window]] + width - 1);
         }
     }
@@ -225,8 +230,8 @@ Line Requantise(const GranuleInfo& info, const ScaleFactors& scaleFactors, const
     return xr;
 }
 
-void Stereo(const StereoMode& mode, const GranuleInfo& first, const ScaleFactors& positions,
-    const Limits& rightLimits, const BandTable& bands, Line& left, Line& right)
+void Stereo(const StereoMode& mode, const GranuleInfo& first, const RightChannel& rightChannel,
+    const BandTable& bands, Line& left, Line& right)
 {
     const auto midSide = [&](int line, double scale) {
         const double middle = left[line];
@@ -239,7 +244,7 @@ void Stereo(const StereoMode& mode, const GranuleInfo& first, const ScaleFactors
         }
         return;
     }
-    const Values position = IntensityPositions(first, positions, rightLimits, bands);
+    const Values position = IntensityPositions(mode, first, rightChannel, bands);
     const auto mix = [&](int inStream, int line) {
         const int p = position[inStream];
         if (p == notIntensity) {
@@ -258,7 +263,8 @@ void Stereo(const StereoMode& mode, const GranuleInfo& first, const ScaleFactors
             leftFactor = std::tan(p * pi / 12) * rightFactor;
         }
         else {
-            const double base = std::pow(2.0, (first.scalefac_compress & 1) != 0 ? -0.5 : -0.25);
+            const double base = std::pow(2.0,
+                ((mode.byStandard ? rightChannel.info : first).scalefac_compress & 1) != 0 ? -0.5 : -0.25);
             (p % 2 != 0 ? leftFactor : rightFactor) = std::pow(base, (p + 1) / 2);
         }
         right[line] = rightFactor * left[line];

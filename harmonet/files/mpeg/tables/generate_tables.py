@@ -63,22 +63,19 @@ def huffman_sources(ranges):
     return links
 
 
-def band_sets():
-    long_rows = {row["sample_rate"]: row for row in rows("bands_long")}
-    short_rows = {row["sample_rate"]: row for row in rows("bands_short")}
-    sets = []
-    for rate in RATES:
-        long_edges = [int(long_rows[rate]["b%d" % i]) for i in range(23)]
-        short_edges = [int(short_rows[rate]["b%d" % i]) for i in range(14)]
-        parts = [
-            [b - a for a, b in zip(long_edges, long_edges[1:])],
-            long_edges,
-            [b - a for a, b in zip(short_edges, short_edges[1:])],
-            [3 * edge for edge in short_edges],
-        ]
-        text = ",\n".join("     {" + ", ".join(map(str, part)) + "}" for part in parts)
-        sets.append("    {" + text.lstrip() + "}")
-    return ",\n".join(sets)
+def band_set(long_name, short_name):
+    long_row = next(row for row in rows("bands_long") if row["sample_rate"] == long_name)
+    short_row = next(row for row in rows("bands_short") if row["sample_rate"] == short_name)
+    long_edges = [int(long_row["b%d" % i]) for i in range(23)]
+    short_edges = [int(short_row["b%d" % i]) for i in range(14)]
+    parts = [
+        [b - a for a, b in zip(long_edges, long_edges[1:])],
+        long_edges,
+        [b - a for a, b in zip(short_edges, short_edges[1:])],
+        [3 * edge for edge in short_edges],
+    ]
+    text = ",\n".join("     {" + ", ".join(map(str, part)) + "}" for part in parts)
+    return "    {" + text.lstrip() + "}"
 
 
 def lsf_rows():
@@ -128,7 +125,10 @@ const HuffmanSource huffmanSources[{TABLE_COUNT}] = {{
 {wrapped(huffman_sources(ranges))}}};
 
 const BandTable bandTables[{len(RATES)}] = {{
-{band_sets()}}};
+{("," + chr(10)).join(band_set(rate, rate) for rate in RATES)}}};
+
+const BandTable standardBands24kHz =
+{band_set("24000 standard", "24000")};
 
 const unsigned char scaleFactorLengths[{len(lengths)}][2] = {{
 {wrapped(["{%s, %s}" % (row["slen1"], row["slen2"]) for row in lengths])}}};

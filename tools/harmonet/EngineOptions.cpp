@@ -1,0 +1,17 @@
+#include "tools/harmonet/EngineOptions.h"
+
+#include "harmonet/engine/Options.h"
+#include "tools/harmonet/ToolError.h"
+
+namespace Tool
+{
+
+void SetEngineOptions(Quon::Options& options, const std::vector<std::string>& texts)
+{
+    for (const std::string& text : texts) {
+        if (!options.SetFromText(text.c_str()))
+            throw ToolError("'" + text + "' is no option of the form Key=Value");
+    }
+}
+
+} // namespace Tool
