@@ -132,7 +132,7 @@ void Game::Hear(Note note, int id, const PString& fileName, int remaining)
 {
     ++notificationCount;
     digest.Add(static_cast<int>(note));
-    digest.Add(static_cast<std::int64_t>(id) - firstID);
+    digest.Add(id != 0 ? static_cast<std::int64_t>(id) - firstID : 0);
     digest.Add(remaining);
     const std::string_view name = fileName.GetView();
     digest.Add({reinterpret_cast<const unsigned char*>(name.data()), name.size()});

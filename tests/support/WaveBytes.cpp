@@ -11,7 +11,8 @@ namespace
 
 void Put(std::vector<unsigned char>& bytes, std::string_view text)
 {
-    bytes.insert(bytes.end(), text.begin(), text.end());
+    for (const char character : text)
+        bytes.push_back(static_cast<unsigned char>(character));
 }
 
 void Put(std::vector<unsigned char>& bytes, std::uint32_t value, int count)
