@@ -9,6 +9,32 @@
 namespace Quon
 {
 
+namespace
+{
+
+constexpr std::size_t firstWindowBytes = RiffWalk::maxContentBytes;
+constexpr std::size_t maxWindowBytes = std::size_t{1} << 16;
+
+std::uint64_t PaddedSize(std::uint32_t chunkSize)
+{
+    return (std::uint64_t{chunkSize} + 1) & ~std::uint64_t{1};
+}
+
+constexpr std::uint32_t ToNumber(const char (&id)[5])
+{
+    return static_cast<std::uint32_t>(id[0]) | static_cast<std::uint32_t>(id[1]) << 8 |
+        static_cast<std::uint32_t>(id[2]) << 16 | static_cast<std::uint32_t>(id[3]) << 24;
+}
+
+/// Whether anybody who walks a file asks for a chunk with this head.
+bool HasMeaning(const unsigned char* head)
+{
+    const std::uint32_t id = LoadLittle32(head);
+    return id == ToNumber("fmt ") || id == ToNumber("fact") || id == ToNumber("data");
+}
+
+} // namespace
+
 RiffWalk::RiffWalk(SndFileHandle& newHandle)
     : handle(newHandle)
     , fileBytes(newHandle.GetFile().Size())
@@ -21,18 +47,43 @@ RiffWalk::RiffWalk(SndFileHandle& newHandle)
 
 bool RiffWalk::Next()
 {
-    if (!isWave || nextOffset + chunkHeadBytes > fileBytes)
-        return false;
-    chunkOffset = nextOffset;
-    unsigned char head[chunkHeadBytes];
-    // A file that has shrunk since its length was asked would otherwise be walked to its former end.
-    if (!Fetch(head, chunkHeadBytes, chunkOffset))
-        return false;
-    std::memcpy(chunkId, head, sizeof chunkId);
-    chunkSize = LoadLittle32(head + sizeof chunkId);
-    const std::uint64_t paddedSize = (std::uint64_t{chunkSize} + 1) & ~std::uint64_t{1};
-    nextOffset = chunkOffset + chunkHeadBytes + paddedSize;
-    return true;
+    while (isWave) {
+        PassOver();
+        if (nextOffset + chunkHeadBytes > fileBytes)
+            break;
+        chunkOffset = nextOffset;
+        unsigned char head[chunkHeadBytes];
+        // A file that has shrunk since its length was asked would otherwise be walked to its former end.
+        if (!Fetch(head, chunkHeadBytes, chunkOffset))
+            break;
+        std::memcpy(chunkId, head, sizeof chunkId);
+        chunkSize = LoadLittle32(head + sizeof chunkId);
+        nextOffset = chunkOffset + chunkHeadBytes + PaddedSize(chunkSize);
+        if (HasMeaning(head))
+            return true;
+    }
+    return false;
+}
+
+void RiffWalk::PassOver()
+{
+    if (nextOffset < windowOffset || nextOffset - windowOffset > windowBytes)
+        return;
+    const unsigned char* const begin = window.data();
+    const unsigned char* const end = begin + windowBytes;
+    const unsigned char* head = begin + (nextOffset - windowOffset);
+    while (end - head >= chunkHeadBytes && !HasMeaning(head)) {
+        const std::uint64_t size = PaddedSize(LoadLittle32(head + sizeof chunkId));
+        // A branch of its own lets the processor go on before the size has been loaded.
+        if (size == 0) {
+            head += chunkHeadBytes;
+            continue;
+        }
+        if (size > static_cast<std::uint64_t>(end - head - chunkHeadBytes))
+            break;
+        head += chunkHeadBytes + size;
+    }
+    nextOffset = windowOffset + static_cast<std::uint64_t>(head - begin);
 }
 
 bool RiffWalk::Is(const char (&id)[5]) const
@@ -50,11 +101,14 @@ bool RiffWalk::Fetch(unsigned char* buffer, int bytes, std::uint64_t offset)
 {
     const auto wanted = static_cast<std::uint64_t>(bytes);
     if (offset < windowOffset || offset + wanted > windowOffset + windowBytes) {
+        const bool goesOn = windowBytes > 0 && offset >= windowOffset && offset <= windowOffset + windowBytes;
+        window.resize(goesOn ? std::min(2 * window.size(), maxWindowBytes) : firstWindowBytes);
         windowOffset = offset;
-        windowBytes = static_cast<std::uint64_t>(handle.ReadAt(window, maxContentBytes, offset));
+        windowBytes =
+            static_cast<std::uint64_t>(handle.ReadAt(window.data(), static_cast<int>(window.size()), offset));
     }
     const std::uint64_t got = std::min(wanted, windowOffset + windowBytes - offset);
-    std::memcpy(buffer, window + (offset - windowOffset), got);
+    std::memcpy(buffer, window.data() + (offset - windowOffset), got);
     std::fill(buffer + got, buffer + wanted, static_cast<unsigned char>(0));
     return got == wanted;
 }
@@ -79,6 +133,19 @@ std::uint32_t RiffWalk::ReadNumber()
     unsigned char bytes[4];
     ReadContent(bytes, sizeof bytes);
     return LoadLittle32(bytes);
+}
+
+int FindFormatTag(SndFileHandle& handle)
+{
+    RiffWalk walk(handle);
+    while (walk.Next()) {
+        if (!walk.Is("fmt "))
+            continue;
+        const bool fits =
+            walk.GetSize() >= RiffWalk::minFormatBytes && walk.GetSize() <= RiffWalk::maxFormatBytes;
+        return fits ? walk.ReadFormat().formatTag : 0;
+    }
+    return 0;
 }
 
 } // namespace Quon

@@ -3,6 +3,7 @@
 #include "harmonet/files/WaveFormatEx.h"
 
 #include <cstdint>
+#include <vector>
 
 namespace Quon
 {
@@ -28,7 +29,8 @@ public:
 
     /// The file begins as a RIFF/WAVE file does. If it does not, Next() finds nothing.
     bool IsWave() const { return isWave; }
-    /// Goes to the next chunk, the first one to begin with; false at the end of the file.
+    /// Goes to the next chunk that means something here ("fmt ", "fact" or "data"), the first one to begin
+    /// with; false at the end of the file. All other chunks are passed over.
     bool Next();
 
     /// The chunk has this identifier of four characters; upper and lower case differ.
@@ -50,13 +52,15 @@ private:
     static constexpr int riffHeadBytes = 12;
     static constexpr int chunkHeadBytes = 8;
 
+    /// Passes over chunks without a meaning whose heads lie in the window.
+    void PassOver();
     bool Fetch(unsigned char* buffer, int bytes, std::uint64_t offset);
 
     SndFileHandle& handle;
     std::uint64_t fileBytes;
-    /// What was read last, so that the small chunks at the front of a file come with one read, and a large
-    /// file of empty chunks in seconds and not in minutes.
-    unsigned char window[maxContentBytes];
+    /// What was read last, so that the small chunks at the front of a file come with one read. It grows while
+    /// small chunks follow each other: a file can hold millions.
+    std::vector<unsigned char> window;
     std::uint64_t windowOffset = 0;
     std::uint64_t windowBytes = 0;
     std::uint64_t chunkOffset = 0;
@@ -65,6 +69,10 @@ private:
     unsigned char chunkId[4] = {};
     bool isWave = false;
 };
+
+/// The tag of the first "fmt " chunk, if that has a size from `minFormatBytes` to `maxFormatBytes`; otherwise
+/// 0.
+int FindFormatTag(SndFileHandle& handle);
 
 /// Where a wave file's sound data lie, as the chunks other than "fmt " tell it.
 struct WaveData

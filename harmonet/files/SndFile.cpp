@@ -1,6 +1,7 @@
 #include "harmonet/files/SndFile.h"
 
 #include "harmonet/files/BufferOwner.h"
+#include "harmonet/files/RiffWalk.h"
 #include "harmonet/files/SndFileAdpcm.h"
 #include "harmonet/files/SndFileCache.h"
 #include "harmonet/files/SndFileHandle.h"
@@ -58,8 +59,10 @@ std::unique_ptr<SndFile> MakeReader(int fileType)
 /// What the file is by its content, whatever its name.
 int Probe(SndFileHandle* handle)
 {
-    const int waveType = ProbeWave(handle);
-    return waveType != SndFile::FileNone ? waveType : ProbeMpeg(handle);
+    // Both probes begin with the format tag, and a file can hold millions of chunks ahead of it.
+    const int formatTag = FindFormatTag(*handle);
+    const int waveType = ProbeTag(formatTag);
+    return waveType != SndFile::FileNone ? waveType : ProbeMpeg(handle, formatTag);
 }
 
 } // namespace

@@ -8,23 +8,17 @@ namespace Quon
 
 int ProbeWave(SndFileHandle* handle)
 {
-    RiffWalk walk(*handle);
-    while (walk.Next()) {
-        if (!walk.Is("fmt "))
-            continue;
-        if (walk.GetSize() < RiffWalk::minFormatBytes || walk.GetSize() > RiffWalk::maxFormatBytes)
-            return SndFile::FileNone;
-        const WaveFormatEx format = walk.ReadFormat();
-        return ProbeFormat(&format);
-    }
-    return SndFile::FileNone;
+    return ProbeTag(FindFormatTag(*handle));
 }
 
 int ProbeFormat(const WaveFormatEx* format)
 {
-    if (format == nullptr)
-        return SndFile::FileNone;
-    switch (format->formatTag) {
+    return format != nullptr ? ProbeTag(format->formatTag) : SndFile::FileNone;
+}
+
+int ProbeTag(int formatTag)
+{
+    switch (formatTag) {
     case waveTagPcm:
         return SndFile::FileWav;
     case waveTagAdpcm:

@@ -16,4 +16,7 @@ int ProbeWave(SndFileHandle* handle);
 /// The same by the format's tag alone; null is FileNone.
 int ProbeFormat(const WaveFormatEx* format);
 
+/// The same for a tag by itself.
+int ProbeTag(int formatTag);
+
 } // namespace Quon

@@ -213,8 +213,17 @@ TEST_F(WaveParser, TakesChunksInAnyOrder)
     const auto withJunk = [&](std::uint32_t statedSize) {
         return Wave(Chunk("JUNK", Bytes(4), statedSize) + pcmFormat + data);
     };
-    const std::vector<Bytes> files = {Wave(data + pcmFormat), Wave(pcmFormat + monoFormat + data),
-        Wave(monoFormat + pcmFormat + data), Wave(pcmFormat + Chunk("fmt ", Bytes(14)) + data),
+    // Chunks of all small sizes over more than the reader takes in at once, with a large one in between.
+    std::mt19937 random(6);
+    Bytes crowd;
+    while (crowd.size() < 300'000) {
+        const Bytes chunk =
+            Chunk("JUNK", Bytes(random() % 5000 == 0 ? 70'000 : random() % 4 * (random() % 4)));
+        crowd.insert(crowd.end(), chunk.begin(), chunk.end());
+    }
+    const std::vector<Bytes> files = {Wave(crowd + pcmFormat + crowd + data), Wave(crowd),
+        Wave(data + pcmFormat), Wave(pcmFormat + monoFormat + data), Wave(monoFormat + pcmFormat + data),
+        Wave(pcmFormat + Chunk("fmt ", Bytes(14)) + data),
         Wave(pcmFormat + Chunk("fact", Little32(3)) + Chunk("fact", Little32(2)) + data),
         Wave(pcmFormat + Chunk("data", {}, 1000)), withJunk(0xFFFFFFFF),
         // Its next chunk would stand at the walk's start once more if offsets had 32 bits.

@@ -14,23 +14,16 @@ namespace
 constexpr std::uint32_t maxMpegFormatBytes = 4096;
 constexpr int unknownSamples = -1;
 
-bool IsMpegWave(SndFileHandle& handle)
-{
-    RiffWalk walk(handle);
-    while (walk.Next()) {
-        if (walk.Is("fmt ")) {
-            return walk.GetSize() >= RiffWalk::minFormatBytes && walk.GetSize() <= RiffWalk::maxFormatBytes &&
-                walk.ReadFormat().formatTag == waveTagMpegLayer3;
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 int ProbeMpeg(SndFileHandle* handle)
 {
-    if (IsMpegWave(*handle)) {
+    return ProbeMpeg(handle, FindFormatTag(*handle));
+}
+
+int ProbeMpeg(SndFileHandle* handle, int formatTag)
+{
+    if (formatTag == waveTagMpegLayer3) {
         return SndFile::FileMP3;
     }
     unsigned char bytes[frameHeaderBytes];

@@ -163,5 +163,7 @@ private:
 /// 3 if the file is MPEG audio of the kind that SndFileMP3 plays, going by its wrapper or by its first four
 /// bytes; otherwise 0. A bare stream has to begin with an MPEG frame. Task thread; FileEx passes through.
 HARMONET_API int ProbeMpeg(SndFileHandle* handle);
+/// The same where the format tag is known already (FindFormatTag()).
+int ProbeMpeg(SndFileHandle* handle, int formatTag);
 
 } // namespace Quon

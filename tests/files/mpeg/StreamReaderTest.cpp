@@ -73,7 +73,7 @@ TEST(MpegReader, JunkBetweenFramesIsSkipped)
 {
     const Bytes frames[2] = {RandomStream(mono, 3), RandomStream(mono, 2, 8)};
     const std::vector<int> expected = DecodeAll(frames[0] + frames[1]);
-    for (const std::size_t junkBytes : {1u, 2u, 5u, 1021u, 1024u, 3000u}) {
+    for (const std::size_t junkBytes : {1u, 2u, 5u, 1021u, 1024u, 3000u, 40000u}) {
         Bytes junk(junkBytes, 0xFF);
         for (std::size_t i = 0; i < junkBytes; ++i) {
             junk[i] = i % 3 == 0 ? 0xFF : static_cast<unsigned char>(i % 0xE0);
