@@ -122,7 +122,7 @@ struct FXEnvReverb
     float reverbDelay; ///< Seconds.
     float diffusion; ///< Percent.
     float density; ///< Percent.
-    float hfReference; ///< Hz.
+    float hfReference; ///< Hz, 20 to 20000.
 };
 
 /// The I3DL2 source properties. The library passes the nine words on without reading them; the names say what

@@ -45,7 +45,8 @@ public:
     /// was not heard, and it has then ended at once.
     bool FadeOut(int ms);
     /// FadeOut() of the piece that plays, if any, and FadeIn() of the new one. A fade that runs already is
-    /// cut off.
+    /// cut off. Do not cross-fade from a resource to the plain name of a file: the name is looked up with the
+    /// owner of the resource and not found, and both pieces end.
     bool CrossFade(const PString& name, int ms, bool loop);
     bool CrossFade(const PString& name, const ResourceDatabase* db, int ms, bool loop);
 

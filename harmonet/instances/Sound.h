@@ -61,14 +61,16 @@ public:
         StartNotMovable = 0x02,
         /// The sound ends instead of running on unheard. Ignored for a sound along a line.
         StartNoEmulation = 0x04,
-        /// The sound asks for a channel at once instead of competing at the next update.
+        /// The sound asks for a channel at once instead of competing at the next update. Do not combine it
+        /// with a delay: the delay stays, and a sound that has lost its channel cannot win one again.
         StartImmediately = 0x08,
         /// CatSound() stays allowed while the sound plays.
         StartQueued = 0x10,
         /// SetFrequency() stays allowed while the sound plays, and the listener's effects do not apply.
-        /// Ignored for a sound with effects.
+        /// Ignored for a sound with effects. Has no effect on a sound along a line; set it in the resource.
         StartChgFrequency = 0x20,
-        /// The listener's effects do not apply.
+        /// The listener's effects do not apply. Has no effect on a sound along a line; set it in the
+        /// resource.
         StartDisableMicFX = 0x40
     };
 
@@ -95,7 +97,8 @@ public:
     /// ignored. It is heard through one source and up to `numAddSounds` more, seven at most, which lie in
     /// directions at least `minAngle` degrees apart as seen from the listener (somewhat less, to leave room);
     /// with an angle below 10 there is one source only. The sign of the angle does not matter, and it counts
-    /// modulo 180. Such a sound loops. It has one id, that of the whole line. 0 without points.
+    /// modulo 180. Such a sound loops. It has one id, that of the whole line. 0 without points. A line that
+    /// starts while the listener stands still is silent until the listener moves.
     int New3DSound(const Vector3* points, unsigned int numPoints, const PString& name,
         const ResourceDatabase* db, unsigned int numAddSounds, float minAngle);
 
@@ -147,9 +150,11 @@ public:
     int GetSoundPriority(int id, int);
     /// Milliseconds before the sound may start. Ignored once it runs, like the next one.
     void SetSoundDelay(int id, int ms);
-    /// Each time the sound gets a channel it rises from silence over `ms` milliseconds.
+    /// Each time the sound gets a channel it rises from silence over `ms` milliseconds. Has no effect on a
+    /// sound along a line.
     void SetSoundFadeIn(int id, int ms);
-    /// 100 to 100000 Hz, or 0 for the file's own rate; anything else is refused.
+    /// 100 to 100000 Hz, or 0 for the file's own rate; anything else is refused. While a
+    /// sound along a line runs, its sources refuse unless its resource allows a change of rate.
     bool SetFrequency(int id, unsigned long hz);
     unsigned long GetFrequency(int id);
     /// Milliseconds; unknownLength until the file has been opened.

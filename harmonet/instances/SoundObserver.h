@@ -34,10 +34,13 @@ public:
     virtual void OnShutDown();
     /// The sound starts for the first time. Can come before the game has the id, from inside the call that
     /// starts the sound. A sound that never started tells it at its end, right before OnSoundAbort(). The
-    /// name is empty for a sound in memory.
+    /// name is empty for a sound in memory. The sources of a sound along a line call it too, under ids that
+    /// the game has not been given and that get no other notification.
     virtual void OnSoundBegin(int soundID, const PString& fileName);
     /// The sound ends with something left, or never started. `remaining` is what was left in milliseconds,
-    /// the queue included; -1 for a looping sound, or when the length was not yet known.
+    /// the queue included; -1 for a looping sound, or when the length was not yet known. Called during an
+    /// update, a handler that starts a sound with StartImmediately can take the channel that the update has
+    /// given to another sound, which then ends.
     virtual void OnSoundAbort(int soundID, const PString& fileName, int remaining);
     /// The sound ends and nothing of it was left.
     virtual void OnSoundEnd(int soundID, const PString& fileName);
