@@ -30,6 +30,9 @@ public:
     /// Needs a FeederScope. The file is whole afterwards.
     void Render(std::uint32_t elapsedMs, Channels channels);
 
+    /// Whether the file has ended before the sound.
+    bool HasLostOutput() const { return !sink.IsOpen(); }
+
 private:
     bool IsAnythingChanging(Channels channels) const;
     void RenderBlock(int sampleFrames, Channels channels);

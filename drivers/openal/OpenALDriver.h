@@ -82,6 +82,8 @@ public:
     void ResetFXEnvReverb(unsigned int) override { acoustics.ResetRoom(); }
     /// Null when no channel is free, and for a file of no playable format.
     SndChannel* CreateChannel(unsigned int flags, SndFile* file, SndFXList fx) override;
+    /// Whether the rendered file ended before the sound.
+    bool HasLostOutput() const override { return renderer && renderer->HasLostOutput(); }
 
 private:
     bool OpenRendered(const DriverOptions& options, int rateHz);

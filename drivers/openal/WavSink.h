@@ -15,7 +15,7 @@ namespace Quon
 /// leaves behind it the file of the last one. What the system itself loses, with the power, is not seen to.
 ///
 /// A file ends at 4 GiB, and one that cannot be written on (a full disk) ends at the last Commit(): what
-/// comes after that is dropped without a word.
+/// comes after that is dropped, and IsOpen() is false.
 class WavSink
 {
 public:
@@ -26,6 +26,9 @@ public:
     void Write(std::span<const float> stereo);
 
     void Commit();
+
+    /// Whether all that has been written is in the file, or can still get there.
+    bool IsOpen() const { return file != nullptr; }
 
 private:
     struct Closer

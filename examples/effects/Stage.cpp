@@ -55,6 +55,8 @@ void Stage::Run(long ms)
     constexpr float stepSeconds = 0.05F;
     for (; ms > 0; ms -= stepMs)
         Quon::TaskList::Get().Update(stepSeconds);
+    if (Quon::SoundSystem::HasLostOutput())
+        throw std::runtime_error(file.string() + " is cut off, the disk is full");
 }
 
 Heard Stage::Read() const

@@ -82,6 +82,7 @@ void WriteJson(const SoundHistory& history, const std::filesystem::path& path)
         between = ",\n";
     }
     out << "\n]\n";
+    out.close();
 }
 
 } // namespace Scene

@@ -38,6 +38,7 @@ void WriteWave(const std::filesystem::path& path, const Pcm& pcm)
     WriteNumber(out, dataBytes, 4);
     for (const std::int16_t sample : pcm)
         WriteNumber(out, static_cast<std::uint16_t>(sample), sizeof sample);
+    out.close();
 }
 
 } // namespace

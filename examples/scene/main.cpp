@@ -12,6 +12,7 @@
 #include "harmonet/kernel/SoundSystem.h"
 
 #include <cstdio>
+#include <stdexcept>
 
 namespace
 {
@@ -45,6 +46,8 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
         Quon::TaskList::Get().Update(frameSeconds);
         history.LookAt(market.GetWorld());
     }
+    if (Quon::SoundSystem::HasLostOutput())
+        throw std::runtime_error("demo.wav is cut off, the disk is full");
     return true;
 }
 

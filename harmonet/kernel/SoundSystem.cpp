@@ -68,6 +68,12 @@ bool SoundSystem::GetCaps(Caps& caps)
     return theKernel && theKernel->GetCaps(caps);
 }
 
+bool SoundSystem::HasLostOutput()
+{
+    const SndDriver* driver = GetDriver();
+    return driver && driver->HasLostOutput();
+}
+
 void SoundSystem::SetMainGain(float gain)
 {
     SndDriver* driver = GetDriver();

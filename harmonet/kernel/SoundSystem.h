@@ -43,6 +43,10 @@ public:
 
     /// Asks the driver what it can do. False, with all flags clear, when there is no driver.
     bool GetCaps(Caps& caps);
+    /// Whether the driver has lost output for good: a file that is rendered into cannot take any more, since
+    /// the disk is full or the file as large as it can be. A sound card that can come back does not count.
+    /// False while the system is stopped.
+    static bool HasLostOutput();
 
     // Gains are linear factors and are clamped to 0.0 to 1.0; NaN changes nothing. A getter gives 0.0 while
     // the system is stopped.

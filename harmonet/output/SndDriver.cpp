@@ -5,4 +5,9 @@ namespace Quon
 
 SndDriver::~SndDriver() = default;
 
+bool SndDriver::HasLostOutput() const
+{
+    return false;
+}
+
 } // namespace Quon

@@ -105,6 +105,9 @@ public:
     /// not throw. `flags` are SndChannelFlags. `file` is the head of the sound's queue and stays the sound's;
     /// the driver stores it as the channel's `sndFile`. `fx` is read during the call and not freed.
     virtual SndChannel* CreateChannel(unsigned int flags, SndFile* file, SndFXList fx) = 0;
+    /// Whether output has been lost for good, as when a file that is rendered into cannot take any more. A
+    /// device that can come back does not count. False unless overridden.
+    virtual bool HasLostOutput() const;
 };
 
 /// The type of the function that a driver library exports as "CreateSoundDriver". Null means failure.

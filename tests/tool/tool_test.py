@@ -8,6 +8,7 @@ import array
 import math
 import os
 import pty
+import resource
 import shlex
 import signal
 import subprocess
@@ -57,9 +58,10 @@ class ToolCase(unittest.TestCase):
             samples = array.array("h", file.readframes(file.getnframes()))
             return [samples[channel::file.getnchannels()] for channel in range(file.getnchannels())]
 
-    def run_tool(self, *arguments):
+    def run_tool(self, *arguments, stdout=subprocess.PIPE, **settings):
         return subprocess.run([*TOOL, *map(str, arguments)], cwd=self.folder, env=self.environment,
-                              stdin=subprocess.DEVNULL, capture_output=True, text=True, check=False)
+                              stdin=subprocess.DEVNULL, stdout=stdout, stderr=subprocess.PIPE, text=True,
+                              check=False, **settings)
 
     def succeed(self, *arguments):
         done = self.run_tool(*arguments)
@@ -123,6 +125,23 @@ class SoundsTest(ToolCase):
                                      (channels, width, RATE_HZ))
                     self.assertEqual(out.readframes(out.getnframes()), data)
 
+    def test_a_truncated_file_is_decoded_with_a_warning(self):
+        wrapped = (STREAMS / "wrapped-44100.wav").read_bytes()
+        plain = (self.folder / self.write_wave("in.wav", bytes(4000))).read_bytes()
+        mpeg = (STREAMS / "mono-48000.mp3").read_bytes()
+        adpcm = (STREAMS.parents[1] / "adpcm/sox-stereo.wav").read_bytes()
+        piped = plain[:40] + b"\xff\xff\xff\xff" + plain[44:]
+        for name, whole in [("wave", plain), ("MPEG", mpeg), ("MPEG in a wave", wrapped), ("ADPCM", adpcm)]:
+            with self.subTest(name):
+                (self.folder / "in").write_bytes(whole)
+                self.succeed("decode", "in", "out.wav")
+                (self.folder / "in").write_bytes(whole[:len(whole) - 100])
+                done = self.run_tool("decode", "in", "out.wav")
+                self.assertEqual(done.returncode, 0)
+                self.assertRegex(done.stderr, r"^harmonet: warning: 'in' is cut off: it holds \d+ of \d+ [^\n]*\n$")
+        (self.folder / "in").write_bytes(piped)
+        self.succeed("decode", "in", "out.wav")
+
     def test_a_stream_that_changes_its_format_is_not_decoded(self):
         mono, joint, slow = ((STREAMS / f"{name}.mp3").read_bytes()
                              for name in ("mono-48000", "joint-44100", "mono-16000"))
@@ -176,6 +195,27 @@ class SoundsTest(ToolCase):
             # Up to a game frame may follow the end.
             self.assertAlmostEqual(len(samples) / RATE_HZ, 1.0, delta=0.1)
             self.assertAlmostEqual(rms(samples[:RATE_HZ]), 0.25 / math.sqrt(2), delta=0.002)
+
+    @needs_rendering
+    def test_a_rendered_file_that_is_cut_off_is_an_error(self):
+        tone = self.write_wave("tone.wav", sine(441, 1.0, 0.5))
+
+        # As on a full disk: a write beyond the limit fails.
+        def limit_files():
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
+
+        done = self.run_tool("play", tone, "--render", "out.wav", preexec_fn=limit_files)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("the rendered file is cut off", done.stderr)
+        self.assertGreater(len(self.read_wave("out.wav")[0]), 0)
+
+    def test_an_answer_that_cannot_be_written_is_an_error(self):
+        tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            done = self.run_tool("info", tone, stdout=full)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("cannot write to the standard output", done.stderr)
 
     @needs_rendering
     def test_a_place_has_a_side_and_a_distance(self):

@@ -7,6 +7,7 @@
 #include "tools/harmonet/WaveWriter.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
@@ -51,6 +52,17 @@ void CopySound(Quon::SndFile& data, WaveWriter& writer)
     }
 }
 
+void WarnIfCutOff(const Quon::SndFile& data, const std::string& shown)
+{
+    // What a program states that writes into a pipe and does not know the length.
+    constexpr unsigned long unknownBytes = 0xFFFFFFFF;
+    const int stated = data.GetSoundSamples();
+    if (data.GetCurrentSample() < stated && data.Size() != unknownBytes) {
+        std::fprintf(stderr, "harmonet: warning: '%s' is cut off: it holds %d of %d sample frames\n",
+            shown.c_str(), data.GetCurrentSample(), stated);
+    }
+}
+
 int RunDecode(const DecodeArguments& arguments)
 {
     Quon::OS os;
@@ -65,6 +77,7 @@ int RunDecode(const DecodeArguments& arguments)
     WaveWriter writer(arguments.output, *data);
     CopySound(*data, writer);
     writer.Finish();
+    WarnIfCutOff(*data, files.GetFiles().front().shown);
     return EXIT_SUCCESS;
 }
 

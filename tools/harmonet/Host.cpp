@@ -84,6 +84,8 @@ void Host::Update(int elapsedMs)
     // The library counts whole milliseconds and drops the rest, so the nearest float must not lie below.
     const float seconds = static_cast<float>(elapsedMs) / 1000.0F;
     Quon::TaskList::Get().Update(std::nextafter(seconds, std::numeric_limits<float>::max()));
+    if (Quon::SoundSystem::HasLostOutput())
+        throw ToolError("the rendered file is cut off: the disk is full, or the file has reached 4 GiB");
 }
 
 } // namespace Tool

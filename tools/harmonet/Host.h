@@ -36,7 +36,7 @@ public:
     /// Whether the sound is heard while the time goes on. Otherwise frames may follow each other at once.
     bool IsLive() const { return isLive; }
 
-    /// One game frame of that length.
+    /// One game frame of that length. Throws a ToolError when the rendered file cannot take what was heard.
     void Update(int elapsedMs);
 
 private:

@@ -22,7 +22,10 @@ int Run(int argumentCount, char** arguments)
     Tool::AddDecodeCommand(program, action);
     Tool::AddCheckCommand(program, action);
     CLI11_PARSE(program, argumentCount, arguments);
-    return action();
+    const int result = action();
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+        throw Tool::ToolError("cannot write to the standard output");
+    return result;
 }
 
 } // namespace
