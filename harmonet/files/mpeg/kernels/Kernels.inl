@@ -5,5 +5,5 @@
 #include "harmonet/files/mpeg/kernels/SpectrumKernel.inl"
 #include "harmonet/files/mpeg/kernels/SynthesisKernel.inl"
 
-constexpr DecoderKernels kernels = {kernelsName, DecodeLines, ScaleBands, MidSide, AliasReduction, LongTransform,
-    ShortTransform, FlushOverlap, laneCount, Synthesis, StorePcm16};
+constexpr DecoderKernels kernels = {kernelsName, DecodeLines, ScaleBands, MidSide, AliasReduction,
+    LongTransform, ShortTransform, FlushOverlap, laneCount, Synthesis, StorePcm16};

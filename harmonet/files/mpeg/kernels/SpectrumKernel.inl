@@ -49,8 +49,7 @@ HARMONET_ALWAYS_INLINE int TakeField(BitWindow& window, int bitCount)
 }
 
 /// Goes on in the jump and value arrays from an inner entry; returns the leaf's value and adds to `taken`.
-HARMONET_ALWAYS_INLINE int WalkOn(
-    const HuffmanTable& table, unsigned entry, BitWindow& window, int& taken)
+HARMONET_ALWAYS_INLINE int WalkOn(const HuffmanTable& table, unsigned entry, BitWindow& window, int& taken)
 {
     while (table.jump[entry] != huffmanLeaf) {
         const unsigned jump = table.jump[entry];
@@ -106,8 +105,8 @@ HARMONET_ALWAYS_INLINE int TakePair(
 }
 
 /// One region of big values, up to the line `end` or the end of the budget; returns the line it got to.
-HARMONET_ALWAYS_INLINE int DecodePairs(const DecoderTables& tables, const HuffmanTable& table,
-    int line, int end, BitWindow& window, int& budget, float* lines)
+HARMONET_ALWAYS_INLINE int DecodePairs(const DecoderTables& tables, const HuffmanTable& table, int line,
+    int end, BitWindow& window, int& budget, float* lines)
 {
     if (table.jump == nullptr) {
         for (; line < end && budget >= 1; line += 2) {
@@ -142,8 +141,8 @@ HARMONET_ALWAYS_INLINE int DecodePairs(const DecoderTables& tables, const Huffma
 }
 
 /// The count1 region, to the last line or the end of the budget; returns the line it got to.
-HARMONET_ALWAYS_INLINE int DecodeQuadruples(const DecoderTables& tables, const HuffmanTable& table,
-    int line, BitWindow& window, int& budget, float* lines)
+HARMONET_ALWAYS_INLINE int DecodeQuadruples(const DecoderTables& tables, const HuffmanTable& table, int line,
+    BitWindow& window, int& budget, float* lines)
 {
     const HuffmanLookUp* lookUp = table.lookUp;
     const float(*powers)[4] = tables.huffman.quadPowers;
