@@ -195,6 +195,16 @@ unsigned char* SndFile::Load()
     return data;
 }
 
+void SndFile::StepBack(int samples)
+{
+    if (samples <= 0) {
+        return;
+    }
+    const int target = std::max(currentSample - samples, 0);
+    Rewind();
+    SkipSamples(target);
+}
+
 int SndFile::Read(unsigned char* buffer, int bytes, int position)
 {
     if (size == 0 || bytes <= 0)

@@ -105,6 +105,10 @@ public:
     virtual unsigned long GetRemainLength() = 0;
     /// Milliseconds up to the current sample, truncated.
     virtual unsigned long GetCurrentLength() = 0;
+    /// Moves back by up to `samples` sample frames, at most to the first one. Negative counts do nothing. The
+    /// position is exact afterwards. This one rewinds and skips; a reader for which that takes long overrides
+    /// it for short ways. Allocates nothing.
+    virtual void StepBack(int samples);
 
     Snd_FileType FileType() const { return fileType; }
     /// Bytes of sound data; of an MPEG stream the whole file.

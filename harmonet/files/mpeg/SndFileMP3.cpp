@@ -219,6 +219,7 @@ void SndFileMP3::Rewind()
     frameSamples = 0;
     pcmIndex = 0;
     windowHeld = 0;
+    marks.Clear();
     if (overlapBuffer != nullptr) {
         std::fill_n(overlapBuffer, maxChannels * overlapPerChannel, 0.0f);
     }
@@ -315,9 +316,11 @@ bool SndFileMP3::FindSync()
     return false;
 }
 
-bool SndFileMP3::DecodeFrame()
+bool SndFileMP3::DecodeFrame(int sample)
 {
+    const FrameMark mark = {readPosition, sample};
     if (ReadFrame()) {
+        marks.Add(mark);
         pcmIndex = 0;
         return true;
     }
@@ -379,7 +382,7 @@ bool SndFileMP3::DecodeNext(bool keepChannels)
 {
     const int lastChannels = channels;
     const int lastFrequency = sampleFrequency;
-    const bool decoded = DecodeFrame();
+    const bool decoded = DecodeFrame(currentSample);
     if (!keepChannels || (decoded && channels == lastChannels)) {
         return decoded;
     }
@@ -427,12 +430,46 @@ int SndFileMP3::SkipSamples(int samples)
             skipped = SkipFrame(left);
             left -= skipped;
         }
-        if (left > 0 && !DecodeFrame()) {
+        if (left > 0 && !DecodeFrame(currentSample + wanted - left)) {
             break;
         }
     }
     currentSample += std::max(wanted - left, 0);
     return std::max(wanted - left, 0);
+}
+
+void SndFileMP3::StepBack(int samples)
+{
+    if (samples <= 0 || fileType != FileMP3) {
+        return;
+    }
+    const int target = std::max(currentSample - samples, 0);
+    if (!DecodeTo(target)) {
+        Rewind();
+        SkipSamples(target);
+    }
+}
+
+bool SndFileMP3::DecodeTo(int target)
+{
+    // The bit reservoir reaches back no more than that far at usual bit rates, and the filters one frame.
+    constexpr int warmUpFrames = 3;
+    const FrameMark* const mark = marks.Find(target, warmUpFrames);
+    if (mark == nullptr) {
+        return false;
+    }
+    readPosition = mark->readPosition;
+    currentSample = mark->sample;
+    frameLength = 0;
+    do {
+        if (!DecodeFrame(currentSample)) {
+            return false;
+        }
+        currentSample += frameSamples;
+    } while (currentSample <= target);
+    pcmIndex = frameSamples - (currentSample - target);
+    currentSample = target;
+    return true;
 }
 
 } // namespace Quon

@@ -4,6 +4,7 @@
 #include "harmonet/files/mpeg/BitReader.h"
 #include "harmonet/files/mpeg/DecoderKernels.h"
 #include "harmonet/files/mpeg/DecoderTables.h"
+#include "harmonet/files/mpeg/FrameMarks.h"
 #include "harmonet/files/mpeg/FrameParser.h"
 #include "harmonet/files/mpeg/SideInfo.h"
 
@@ -62,6 +63,9 @@ public:
     void Rewind() override;
     unsigned long GetRemainLength() override;
     unsigned long GetCurrentLength() override;
+    /// Within the last second or so that has been decoded it goes back to an MPEG frame whose place it has
+    /// kept, and decodes a few frames, so that the sound is right at once.
+    void StepBack(int samples) override;
 
     /// Makes all objects decode with these kernels, for comparisons; null goes back to the fastest ones. Not
     /// while any object decodes.
@@ -94,8 +98,9 @@ private:
     bool ReadHeader();
     /// Goes on to the next sync pattern; false at the end of the data.
     bool FindSync();
-    /// Decodes the next MPEG frame into `pcmBuffer`. After a failure nothing is left in there to hand out.
-    bool DecodeFrame();
+    /// Decodes the next MPEG frame, whose first sample frame is number `sample` of the file, into
+    /// `pcmBuffer`. After a failure nothing is left in there to hand out.
+    bool DecodeFrame(int sample);
     /// DecodeFrame() for ReadSamples(). With `keepChannels` a frame of other channels counts as a failure; it
     /// waits in `pcmBuffer` for the next call.
     bool DecodeNext(bool keepChannels);
@@ -107,6 +112,8 @@ private:
     void DecodeGranule(int granule);
     /// Skips one frame by its header if it is no longer than `samples`; returns how long it was.
     int SkipFrame(int samples);
+    /// Decodes from a frame on whose place is known until `target` is in `pcmBuffer`.
+    bool DecodeTo(int target);
     /// The format that the samples in `pcmBuffer` have.
     void FollowHeader();
 
@@ -158,6 +165,8 @@ private:
     unsigned char window[windowCapacity] = {};
     int windowBegin = 0; ///< Position of its first byte.
     int windowHeld = 0; ///< Bytes in it.
+
+    FrameMarks marks; ///< Of the frames that have been decoded.
 };
 
 /// 3 if the file is MPEG audio of the kind that SndFileMP3 plays, going by its wrapper or by its first four

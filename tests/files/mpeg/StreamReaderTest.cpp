@@ -30,8 +30,9 @@ Bytes RandomStream(const FrameForm& form, int frameCount, unsigned seed = 7)
 
 } // namespace
 
-// Behind a short skip the sound is right at once, behind one over whole frames a few frames on.
-TEST(MpegReader, AnyMixOfReadsSkipsAndRewindsKeepsTheCountAndTheSound)
+// After a short skip, and after a way back over what has been decoded, the sound is right at once; after a
+// skip over whole frames a few frames later.
+TEST(MpegReader, AnyMixOfReadsSkipsStepsBackAndRewindsKeepsTheCountAndTheSound)
 {
     const Bytes stream = ReadStream("joint-44100.mp3");
     const std::vector<int> whole = DecodeAll(stream);
@@ -50,6 +51,15 @@ TEST(MpegReader, AnyMixOfReadsSkipsAndRewindsKeepsTheCountAndTheSound)
             if (action == 0) {
                 file.Get()->Rewind();
                 position = rightFrom = 0;
+                continue;
+            }
+            if (action == 1) {
+                file.Get()->StepBack(wanted);
+                position = std::max(position - wanted, 0);
+                if (position < rightFrom + 4 * frame) {
+                    rightFrom = std::max(rightFrom, position + 4 * frame);
+                }
+                EXPECT_EQ(file.Get()->GetCurrentSample(), position);
                 continue;
             }
             if (action < 4) {
