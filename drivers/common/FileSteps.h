@@ -18,7 +18,7 @@ struct FileStep
     std::int64_t oldEnd; ///< And before the end of the old one: fewer, if effects made sound in between.
 };
 
-/// The steps that a channel has taken and the library has not been told of yet, oldest first.
+/// The steps that a channel has taken and not reported to the library yet, oldest first.
 ///
 /// A driver reads ahead: it steps to the next file when it reads from it and reports the step when it is
 /// heard. In between the old file still belongs to the sound. Owned by a channel; whoever shares it brings
@@ -28,16 +28,23 @@ class FileSteps
 public:
     bool IsEmpty() const { return steps.empty(); }
     const FileStep& GetOldest() const { return steps.front(); }
+    auto begin() const { return steps.begin(); }
+    auto end() const { return steps.end(); }
     void Add(const FileStep& step) { steps.push_back(step); }
-    void DropOldest() { steps.erase(steps.begin()); }
-    void Clear() { steps.clear(); }
+    /// The oldest step is reported now.
+    void DropOldest();
+    void Clear();
 
     /// Where the channel's `sndFile` has to stand when the channel is given back, so that the library finds
-    /// the whole chain behind it: the file that was left by the oldest step, or `current` if there is none.
+    /// the whole chain after it: the file that was left by the oldest step, or `current` if there is none.
     SndFile* GetOldestFile(SndFile* current) const;
+
+    /// Where in the stream the file of GetOldestFile() begins.
+    std::int64_t GetReportedPosition() const { return reportedPosition; }
 
 private:
     EngineVector<FileStep> steps;
+    std::int64_t reportedPosition = 0;
 };
 
 } // namespace Quon

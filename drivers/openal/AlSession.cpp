@@ -62,6 +62,7 @@ bool AlSession::PrepareContext()
     const bool isComplete = extensions.LoadForDevice(device);
     extensions.setThreadContext(previous);
     hrtfOn = AskHrtf();
+    alcGetIntegerv(device, ALC_FREQUENCY, 1, &rateHz);
     settleTime = AskSettleTime();
     return isComplete;
 }

@@ -37,6 +37,9 @@ public:
     /// Whether positional sounds are worked out for two ears.
     bool IsHrtfOn() const { return hrtfOn; }
 
+    /// The rate at which the device mixes, in Hz.
+    int GetRateHz() const { return rateHz; }
+
     /// Grows, in nanoseconds, as the device mixes. A setting made at one value has been heard in full when
     /// the value has grown by GetSettleTime().
     std::int64_t GetMixClock() const;
@@ -52,6 +55,7 @@ private:
     ALCdevice* device;
     ALCcontext* context = nullptr;
     bool hrtfOn = false;
+    int rateHz = 0;
     std::int64_t settleTime = 0;
 };
 

@@ -2,6 +2,8 @@
 
 #include "harmonet/engine/OS.h"
 
+#include <algorithm>
+
 namespace Quon
 {
 
@@ -11,6 +13,9 @@ namespace
 constexpr const char* renderOption = "OpenALRender";
 constexpr const char* hrtfOption = "OpenALHRTF";
 constexpr const char* fallbackOption = "OpenALFallback";
+constexpr const char* resamplingOption = "OpenALResampling";
+constexpr const char* handoverFadeOption = "OpenALHandoverFade";
+constexpr int longestHandoverFadeMs = 100;
 
 Hrtf ReadHrtf(const Options& options)
 {
@@ -33,6 +38,20 @@ bool ReadFallback(const Options& options)
     return value == 1;
 }
 
+RateGrade ReadRateGrade(const Options& options)
+{
+    int value = 0;
+    options.Get(resamplingOption, value, 1);
+    switch (value) {
+    case 0:
+        return RateGrade::Fast;
+    case 2:
+        return RateGrade::Best;
+    default:
+        return RateGrade::Good;
+    }
+}
+
 } // namespace
 
 DriverOptions ReadOptions(const OS* os)
@@ -47,6 +66,9 @@ DriverOptions ReadOptions(const OS* os)
     read.isRendered = options->GetNext(renderOption, read.renderPath);
     read.hrtf = ReadHrtf(*options);
     read.fallback = ReadFallback(*options);
+    read.rateGrade = ReadRateGrade(*options);
+    options->Get(handoverFadeOption, read.handoverFadeMs, read.handoverFadeMs);
+    read.handoverFadeMs = std::clamp(read.handoverFadeMs, 0, longestHandoverFadeMs);
     return read;
 }
 

@@ -26,7 +26,7 @@ ReadAhead MakeReadAhead(int readAheadMs)
 {
     const std::int64_t whole = std::int64_t{std::clamp(readAheadMs, minReadAheadMs, maxReadAheadMs)} * 1000;
     const std::int64_t block = whole / blocksAhead;
-    return {whole - block, block, block, std::min(whole - block, tailMicroseconds)};
+    return {whole - block, block, block, std::min(whole - block, tailMicroseconds), 0};
 }
 
 } // namespace
@@ -90,7 +90,7 @@ void Feeder::FinishFades()
     const FeederScope scope(device);
     for (int round = 0; round < maxLastRounds && voices.IsAnyFading(); ++round) {
         std::this_thread::sleep_for(roundTime);
-        voices.Reap();
+        voices.Tick(device.GetTime());
     }
 }
 
@@ -110,7 +110,7 @@ void Feeder::Round()
     for (const auto& channel : channels) {
         channel->Pump(readAhead, device.GetTime(), false);
     }
-    voices.Reap();
+    voices.Tick(device.GetTime());
 }
 
 } // namespace Quon

@@ -12,7 +12,9 @@ namespace Quon
 namespace
 {
 constexpr std::int64_t microsecondsPerSecond = 1000000;
-constexpr std::int64_t fallMicroseconds = 5000;
+constexpr std::int64_t leastMicroseconds = 5000;
+/// What a sound that is displaced fades out with.
+constexpr std::int64_t heldMicroseconds = 100000;
 constexpr int fallsPerSecond = 200;
 constexpr int blocksPerSecond = 100;
 constexpr int steadyBlocksPerSecond = 25;
@@ -39,7 +41,7 @@ void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
     // What has been set since the last call takes hold within the first block.
     bool isFirst = true;
     while (left > 0) {
-        voices.Reap();
+        voices.Tick(device.GetTime());
         const bool isChanging = isFirst || IsAnythingChanging(channels);
         isFirst = false;
         const int perSecond = voices.IsAnyFading() ? fallsPerSecond
@@ -52,7 +54,7 @@ void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
         RenderBlock(static_cast<int>(sampleFrames), channels);
         left -= sampleFrames;
     }
-    voices.Reap();
+    voices.Tick(device.GetTime());
     sink.Commit();
 }
 
@@ -67,10 +69,11 @@ void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)
 {
     // Rounded up, or a block could be one sample frame short.
     const std::int64_t blockMicroseconds = (sampleFrames * microsecondsPerSecond + rate - 1) / rate;
-    const std::int64_t target = blockMicroseconds + fallMicroseconds;
-    const ReadAhead ahead = {target, fallMicroseconds, 2 * target, target};
+    const ReadAhead ahead = {
+        blockMicroseconds, leastMicroseconds, 2 * blockMicroseconds, blockMicroseconds, heldMicroseconds};
     const std::int64_t blockEnd = device.GetTime() + sampleFrames;
     acoustics.Tick(blockEnd);
+    voices.Tick(blockEnd);
     for (const auto& channel : channels) {
         channel->Pump(ahead, blockEnd, true);
     }

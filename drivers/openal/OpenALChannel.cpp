@@ -17,6 +17,9 @@ namespace
 {
 
 constexpr double microsecondsPerSecond = 1e6;
+constexpr std::int64_t microsecondsPerMillisecond = 1000;
+/// A fade ends with the block that is mixed then.
+constexpr int lastBlockMs = 10;
 // The resampler looks some sample frames ahead, and a source that finds none there falls short of its end.
 constexpr int resamplerFrames = 64;
 
@@ -56,14 +59,18 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     }
     const bool looping = flags & ChanLooping;
     SetSndFile(file);
-    feed.Start(positional ? 1 : 2, looping, *file, effects);
-    hasEffects = !feed.GetEffects().IsEmpty();
+    feed.Start({positional ? 1 : 2, looping, services.device.GetRateHz(), services.options.rateGrade,
+                   services.options.handoverFadeMs},
+        *file, effects);
+    hasEffects = !feed.GetReader().GetEffects().IsEmpty();
     const std::scoped_lock outputLock(outputMutex);
     voice = newVoice;
     acoustics.Begin(voice->GetSource(), positional, flags & ChanDisableMicFX, effects);
     steps.Clear();
+    heardMap.Clear();
     passLength = looping ? std::max(file->GetSoundSamples(), 0) : 0;
     fileRateHz = file->GetSampleFrequency();
+    convertedHz = feed.IsConverting() ? feed.GetBlockHz() : 0;
     wantedHz = 0;
     isDry = false;
     gain = 1.0f;
@@ -95,21 +102,42 @@ void OpenALChannel::Stop()
     if (state != State::Ready && state != State::Playing) {
         return;
     }
-    GiveBackVoice(true);
+    const bool isTaken = services.voices.IsDeferred();
+    GiveBackVoice(true, isTaken ? services.options.handoverFadeMs : 0);
     state = State::Free;
 }
 
-void OpenALChannel::GiveBackVoice(bool isCutOff)
+void OpenALChannel::GiveBackVoice(bool isCutOff, int fadeMs)
 {
     isPumped = false;
     const SyncLock lock(chanLock);
     const ContextScope scope(services.device);
     const std::scoped_lock outputLock(outputMutex);
-    SetSndFile(steps.GetOldestFile(GetSndFile()));
-    steps.Clear();
+    PutFilesBack();
+    QueueFadeOut(std::int64_t{fadeMs + lastBlockMs} * microsecondsPerMillisecond);
     feed.Finish();
     acoustics.End(isCutOff);
-    services.voices.Retire(std::exchange(voice, nullptr));
+    const std::int64_t fadeTicks = fadeMs * services.device.GetTicksPerSecond() / 1000;
+    services.voices.Retire(std::exchange(voice, nullptr), fadeTicks);
+}
+
+void OpenALChannel::PutFilesBack()
+{
+    const auto heard = std::llround(GetStreamHeard());
+    SetSndFile(feed.GetReader().PutBack(steps, GetSndFile(), heard));
+    steps.Clear();
+}
+
+// A source that runs out in the middle of its fade would click.
+void OpenALChannel::QueueFadeOut(std::int64_t microseconds)
+{
+    if (!voice->IsPlaying() || !voice->HasRoom()) {
+        return;
+    }
+    const std::int64_t missing = ToFrames(microseconds, GetSpeedHz()) - voice->GetFramesAhead();
+    if (missing > 0) {
+        AppendToVoice(feed.FillFromHeld(static_cast<int>(missing), wantedHz));
+    }
 }
 
 void OpenALChannel::FadeIn(int ms)
@@ -133,7 +161,7 @@ unsigned long OpenALChannel::GetRemainLength()
         return 0;
     }
     const std::int64_t end = steps.IsEmpty() ? fileEnd : steps.GetOldest().oldEnd;
-    std::int64_t left = end - voice->GetFramesHeard();
+    std::int64_t left = end - static_cast<std::int64_t>(GetStreamHeard());
     // What is read can be a pass or more of a loop ahead of what is heard.
     if (passLength > 0 && left > 0) {
         left = (left - 1) % passLength + 1;
@@ -249,7 +277,7 @@ bool OpenALChannel::GetParameters(Record* record)
         return false;
     }
     const SyncLock lock(chanLock);
-    return feed.GetEffects().GetParameters(record);
+    return feed.GetReader().GetEffects().GetParameters(record);
 }
 
 void OpenALChannel::OnListenerMoved()
@@ -278,7 +306,7 @@ bool OpenALChannel::TakeChange(SndFileChange& change)
     }
     const ContextScope scope(services.device);
     const std::scoped_lock outputLock(outputMutex);
-    if (steps.IsEmpty() || voice->GetFramesHeard() < steps.GetOldest().position) {
+    if (steps.IsEmpty() || GetStreamHeard() < static_cast<double>(steps.GetOldest().position)) {
         return false;
     }
     const FileStep& step = steps.GetOldest();
@@ -305,10 +333,10 @@ bool OpenALChannel::TakeEnd()
     // A file may have been appended since the queue was last looked at. Of a queue that has run out nothing
     // is being read, so the lock is free.
     const SyncLock lock(chanLock);
-    if (!hasFaded && !feed.GetReader().IsAtEnd(*this)) {
+    if (!hasFaded && !feed.GetReader().GetReader().IsAtEnd(*this)) {
         return false;
     }
-    GiveBackVoice(false);
+    GiveBackVoice(false, 0);
     state = State::Ending;
     return true;
 }
@@ -342,20 +370,28 @@ bool OpenALChannel::IsChanging()
 void OpenALChannel::PumpRound(const ReadAhead& ahead, std::int64_t time)
 {
     StartRound(time);
+    if (!feed.GetReader().HasBegun()) {
+        feed.Begin(*this);
+        TakeRate();
+    }
     // A disk that is slower than the sound never gets the target read. Stop() must not wait for more than the
     // read that is going on, nor other channels for more than a few.
     for (int blocks = 0; isPumped && blocks < Voice::bufferCount; ++blocks) {
         const Wanted wanted = CountWanted(ahead);
         if (wanted.sampleFrames == 0) {
-            return;
+            break;
         }
-        const int given = feed.Fill(*this, wanted.sampleFrames, wanted.speedHz);
+        const int given = feed.Fill(*this, wanted.sampleFrames, wanted.hz);
         const bool ranDry = given < wanted.sampleFrames;
         QueueBlock(given, ranDry);
         // To ask OpenAL again would cost more than it could tell.
         if (ranDry || wanted.missing <= given) {
-            return;
+            break;
         }
+    }
+    if (ahead.held > 0) {
+        feed.ReadAhead(*this, ToFrames(ahead.held, feed.GetReader().GetRateHz()) + RateConverter::lookahead);
+        TakeSteps();
     }
 }
 
@@ -372,6 +408,15 @@ void OpenALChannel::StartRound(std::int64_t time)
         feed.SoftenNext();
     }
     voice->Reclaim();
+    heardMap.DropBefore(voice->GetFramesHeard());
+}
+
+// A stream tells its rate for certain only once it has been read from.
+void OpenALChannel::TakeRate()
+{
+    const std::scoped_lock outputLock(outputMutex);
+    fileRateHz = feed.GetReader().GetRateHz();
+    ApplySpeed();
 }
 
 OpenALChannel::Wanted OpenALChannel::CountWanted(const ReadAhead& ahead)
@@ -379,48 +424,65 @@ OpenALChannel::Wanted OpenALChannel::CountWanted(const ReadAhead& ahead)
     const std::scoped_lock outputLock(outputMutex);
     const double speedHz = GetSpeedHz();
     const std::int64_t isAhead = voice->GetFramesAhead();
-    const std::int64_t target = feed.GetTailFrames() > 0 ? ahead.tailTarget : ahead.target;
+    const std::int64_t target = feed.GetReader().GetTailFrames() > 0 ? ahead.tailTarget : ahead.target;
     const std::int64_t missing = ToFrames(target, speedHz) + resamplerFrames - isAhead;
     if (missing <= 0 || !voice->HasRoom() || fadeOut.IsOver(services.device.GetTime())) {
-        return {0, speedHz, 0};
+        return {0, wantedHz, 0};
     }
-    // The rate is certain only when the first block has been read.
-    const bool isCertain = voice->GetFramesQueued() > 0;
     const int minBlock = std::max(ToBlockFrames(ahead.minBlock, speedHz), 1);
     const int maxBlock = std::max(ToBlockFrames(ahead.maxBlock, speedHz), minBlock);
-    return {static_cast<int>(std::clamp<std::int64_t>(missing, minBlock, maxBlock)), speedHz,
-        isCertain ? missing : std::numeric_limits<std::int64_t>::max()};
+    return {static_cast<int>(std::clamp<std::int64_t>(missing, minBlock, maxBlock)), wantedHz, missing};
 }
 
 void OpenALChannel::QueueBlock(int sampleFrames, bool ranDry)
 {
     const std::scoped_lock outputLock(outputMutex);
-    const std::int64_t begin = voice->GetFramesQueued();
-    if (begin == 0 && sampleFrames > 0) {
-        fileRateHz = feed.GetRateHz();
-        ApplySpeed();
-    }
-    if (sampleFrames > 0) {
-        voice->Queue(feed.GetBlock().data(), sampleFrames, feed.GetOutChannels(), fileRateHz);
-    }
-    for (FileSteps& fresh = feed.GetSteps(); !fresh.IsEmpty(); fresh.DropOldest()) {
-        FileStep step = fresh.GetOldest();
-        step.position += begin;
-        step.oldEnd += begin;
-        steps.Add(step);
-    }
+    AppendToVoice(sampleFrames);
     isDry = ranDry;
+    TakeStepsLocked();
+}
+
+void OpenALChannel::AppendToVoice(int sampleFrames)
+{
+    const std::int64_t begin = voice->GetFramesQueued();
+    if (sampleFrames > 0) {
+        voice->Queue(feed.GetBlock().data(), sampleFrames, feed.GetOutChannels(), feed.GetBlockHz());
+    }
+    heardMap.Add(begin + feed.GetSilence(), feed.GetBlockBegin());
+    heardMap.SetEnd(begin + sampleFrames, feed.GetStreamPosition());
+}
+
+void OpenALChannel::TakeSteps()
+{
+    const std::scoped_lock outputLock(outputMutex);
+    TakeStepsLocked();
+}
+
+void OpenALChannel::TakeStepsLocked()
+{
+    for (FileSteps& fresh = feed.GetSteps(); !fresh.IsEmpty(); fresh.DropOldest()) {
+        steps.Add(fresh.GetOldest());
+    }
     UpdateFileEnd();
 }
 
 void OpenALChannel::UpdateFileEnd()
 {
-    fileEnd = voice->GetFramesQueued() - feed.GetTailFrames() + feed.GetReader().GetFramesLeft(*this);
+    fileEnd = feed.GetReader().GetFileEnd() + feed.GetReader().GetReader().GetFramesLeft(*this);
 }
 
+// How many sample frames of what is queued go by in a second.
 double OpenALChannel::GetSpeedHz() const
 {
+    if (convertedHz != 0) {
+        return convertedHz;
+    }
     return wantedHz != 0 ? static_cast<double>(wantedHz) : fileRateHz;
+}
+
+double OpenALChannel::GetStreamHeard() const
+{
+    return heardMap.At(voice->GetFramesHeard());
 }
 
 void OpenALChannel::ApplyGain(std::int64_t time)
@@ -433,7 +495,7 @@ void OpenALChannel::ApplyGain(std::int64_t time)
 void OpenALChannel::ApplySpeed()
 {
     if (voice) {
-        voice->SetPitch(static_cast<float>(GetSpeedHz() / fileRateHz));
+        voice->SetPitch(convertedHz != 0 ? 1.0f : static_cast<float>(GetSpeedHz() / fileRateHz));
     }
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "drivers/common/DriverChannel.h"
+#include "drivers/openal/HeardMap.h"
 #include "drivers/openal/PcmFeed.h"
 #include "drivers/openal/Placement.h"
 #include "drivers/openal/SourceAcoustics.h"
@@ -24,6 +25,7 @@ struct ReadAhead
     std::int64_t minBlock; ///< And each is at least that long,
     std::int64_t maxBlock; ///< and at most that.
     std::int64_t tailTarget; ///< Of effects that sound after the end: what is appended then waits that long.
+    std::int64_t held; ///< And so much is read beyond that, to fade out with.
 };
 
 /// The listener, as far as channels have to know of it. Task thread only.
@@ -36,6 +38,7 @@ struct Listener
 /// What a channel uses of its driver. All of it outlives the channel.
 struct ChannelServices
 {
+    const DriverOptions& options;
     OutputDevice& device;
     VoicePool& voices;
     Acoustics& acoustics;
@@ -57,21 +60,25 @@ struct ChannelServices
 /// length is 0 meanwhile. Stop() cuts that off.
 ///
 /// A step to the next file is reported when the last sample frame before it has been heard. Stop() and the
-/// end of a fade set `sndFile` back to the oldest file that has not been reported as left, so that whoever
-/// owns the chain finds all of it. Both let the sound fall silent over the next block that is mixed, out of
-/// what is queued already.
+/// end of a fade put the files back to what was heard: `sndFile` to the oldest file that has not been
+/// reported as left, so that whoever owns the chain finds all of it, and each file to its first sample frame
+/// that has not been heard. So a sound that runs on without a channel is where time says.
+///
+/// A channel that is stopped within an update has been taken from its sound, which fades out over the
+/// handover fade; one that is stopped between two updates was stopped by the game and falls silent over the
+/// next block that is mixed. Both use nothing but what has been read already.
 class OpenALChannel final : public DriverChannel
 {
 public:
     explicit OpenALChannel(const ChannelServices& channelServices);
 
     void Play() override;
-    /// Waits for a read that is going on, and for nothing else.
+    /// Waits for a read that is going on, and puts the files back; see above.
     void Stop() override;
     void FadeIn(int ms) override;
     /// A time of 0 or less ends the channel at the next update.
     void FadeOut(int ms) override;
-    /// Counts by what has been handed to the device, which is some milliseconds ahead of the ear.
+    /// Counts by what the device has mixed, which is some milliseconds ahead of the ear.
     unsigned long GetRemainLength() override;
     /// Held to 0.0 to 1.0; what is no number is ignored.
     void SetGain(float newGain) override;
@@ -81,7 +88,7 @@ public:
     void SetCone(float innerAngle, float outerAngle, float outerGain) override;
     void SetDirection(const Vector3& direction) override;
     /// Takes 100 to 100 000 Hz, and 0 for the file's own rate, on every channel without insert effects; heard
-    /// in all that is queued.
+    /// after what is queued, or with the grade "fast" at once.
     bool SetFrequency(unsigned long hz) override;
     unsigned long GetFrequency() override;
 
@@ -147,11 +154,11 @@ private:
         Ending ///< The end is being reported.
     };
 
-    /// The next block: how many sample frames, and at what rate they will be heard.
+    /// The next block: how many sample frames, and at what rate the sound is played; 0 is its own.
     struct Wanted
     {
         int sampleFrames;
-        double speedHz;
+        unsigned long hz;
         std::int64_t missing; ///< In all, for this block and further ones.
     };
 
@@ -162,12 +169,19 @@ private:
     void StartRound(std::int64_t time);
     Wanted CountWanted(const ReadAhead& ahead);
     void QueueBlock(int sampleFrames, bool ranDry);
+    void AppendToVoice(int sampleFrames);
+    void TakeSteps();
+    void TakeStepsLocked();
+    void TakeRate();
     void UpdateFileEnd();
     double GetSpeedHz() const;
+    double GetStreamHeard() const;
+    void PutFilesBack();
+    void QueueFadeOut(std::int64_t microseconds);
     void ApplyGain(std::int64_t time);
     void ApplySpeed();
     void UpdateCutOut();
-    void GiveBackVoice(bool isCutOff);
+    void GiveBackVoice(bool isCutOff, int fadeMs);
     void WakeFeeder();
 
     ChannelServices services;
@@ -190,10 +204,12 @@ private:
     std::mutex outputMutex; ///< Guards all that follows.
     Voice* voice = nullptr; ///< Present in every state but Free and Ending.
     SourceAcoustics acoustics;
+    HeardMap heardMap;
     FileSteps steps;
     std::int64_t fileEnd = 0; ///< Where the file that is read now ends, in sample frames of the stream.
     int passLength = 0; ///< Sample frames of a loop; 0 without one.
-    int fileRateHz = 0; ///< Of all that is queued.
+    int fileRateHz = 0; ///< Of the stream.
+    int convertedHz = 0; ///< Of what is queued, if that is converted; otherwise 0.
     unsigned long wantedHz = 0; ///< 0: the file's own rate.
     bool isDry = false; ///< The last look at the queue found nothing to read.
     float gain = 1.0f;

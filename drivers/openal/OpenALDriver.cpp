@@ -40,10 +40,9 @@ bool OpenALDriver::Open(OS* os, const SoundFormat* format, int streamLength, boo
     if (!format || format->GetChannels() != outputChannels || format->GetSampleFrequency() <= 0) {
         return false;
     }
-    const DriverOptions options = ReadOptions(os);
+    options = ReadOptions(os);
     const int rateHz = format->GetSampleFrequency();
-    const bool isOpen =
-        options.isRendered ? OpenRendered(options, rateHz) : OpenLive(options, rateHz, streamLength);
+    const bool isOpen = options.isRendered ? OpenRendered(rateHz) : OpenLive(rateHz, streamLength);
     if (isOpen && device.HasSession()) {
         const ContextScope scope(device);
         acoustics.Create();
@@ -54,7 +53,7 @@ bool OpenALDriver::Open(OS* os, const SoundFormat* format, int streamLength, boo
     return isOpen;
 }
 
-bool OpenALDriver::OpenRendered(const DriverOptions& options, int rateHz)
+bool OpenALDriver::OpenRendered(int rateHz)
 {
     if (!device.OpenLoopback(rateHz, options.hrtf)) {
         return false;
@@ -63,7 +62,7 @@ bool OpenALDriver::OpenRendered(const DriverOptions& options, int rateHz)
     return renderer->Open(options.renderPath.GetText(), rateHz);
 }
 
-bool OpenALDriver::OpenLive(const DriverOptions& options, int rateHz, int streamLength)
+bool OpenALDriver::OpenLive(int rateHz, int streamLength)
 {
     if (!device.OpenLive(rateHz, options.hrtf, !options.fallback)) {
         return false;
@@ -88,7 +87,7 @@ void OpenALDriver::SetMaxChannels(int count)
     const int available = std::min(voices.Build(2 * wanted), wanted);
     for (int i = 0; i < available; ++i) {
         channels.push_back(std::make_unique<OpenALChannel>(
-            ChannelServices{device, voices, acoustics, listener, feeder.get()}));
+            ChannelServices{options, device, voices, acoustics, listener, feeder.get()}));
     }
     if (feeder) {
         feeder->Start(channels);

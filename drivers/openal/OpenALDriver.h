@@ -86,13 +86,14 @@ public:
     bool HasLostOutput() const override { return renderer && renderer->HasLostOutput(); }
 
 private:
-    bool OpenRendered(const DriverOptions& options, int rateHz);
-    bool OpenLive(const DriverOptions& options, int rateHz, int streamLength);
+    bool OpenRendered(int rateHz);
+    bool OpenLive(int rateHz, int streamLength);
     void ReportEvents();
     void Report(int event, void* data);
 
     SndDriverCallback callback = nullptr;
     void* user = nullptr;
+    DriverOptions options;
     float mainGain = 1.0f;
     Listener listener;
     bool isDeferring = false;

@@ -37,6 +37,9 @@ public:
     /// what was put in bit by bit. HRTF is off unless it is asked for. False if it cannot be had.
     bool OpenLoopback(int rateHz, Hrtf newHrtf);
 
+    /// The rate of the output: the device's, or without one that which was asked for.
+    int GetRateHz() const { return session && session->GetRateHz() > 0 ? session->GetRateHz() : rate; }
+
     /// Whether there is a device.
     bool HasSession() const { return session != nullptr; }
 

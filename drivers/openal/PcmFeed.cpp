@@ -1,35 +1,48 @@
 #include "drivers/openal/PcmFeed.h"
 
-#include "drivers/openal/PcmConverter.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/output/SndChannel.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Quon
 {
 
 namespace
 {
-constexpr std::size_t readBytes = 16384;
-static_assert(readBytes >= QueueReader::minBufferBytes);
+
 constexpr double softeningMs = 5.0;
+constexpr int leastRead = 64;
+
+/// Turns one channel at the beginning of `pcm` into two equal ones.
+void Spread(std::span<float> pcm)
+{
+    for (std::size_t i = pcm.size() / 2; i-- > 0;) {
+        pcm[2 * i] = pcm[2 * i + 1] = pcm[i];
+    }
+}
+
 } // namespace
 
-void PcmFeed::Start(int newOutChannels, bool looping, const SoundFormat& format, const SndFXList& effectList)
+void PcmFeed::Start(const Sound& newSound, const SndFile& file, const SndFXList& effectList)
 {
-    reader.Start(looping);
-    steps.Clear();
+    sound = newSound;
+    if (!RateEngine::IsAvailable()) {
+        sound.grade = RateGrade::Fast;
+    }
     fadeIn.Cancel();
     softening.Cancel();
-    outChannels = newOutChannels;
-    rateHz = format.GetSampleFrequency();
-    effects.Build(effectList, {rateHz, outChannels});
-    hasBegun = false;
-    tailFrames = 0;
-    isTailOver = false;
-    bytes.resize(readBytes);
+    silence = blockSilence = 0;
+    reader.Start(sound.outChannels, sound.isLooping, file, effectList);
+    converter.Start(reader.GetWidth(), sound.outputHz, sound.grade);
     block.reserve(2 * maxBlockFrames);
+}
+
+void PcmFeed::Finish()
+{
+    reader.Finish();
+    converter.Finish();
 }
 
 void PcmFeed::SoftenNext()
@@ -37,83 +50,86 @@ void PcmFeed::SoftenNext()
     softening.Start(softeningMs);
 }
 
-int PcmFeed::Fill(SndChannel& channel, int wanted, double heardHz)
+void PcmFeed::Begin(SndChannel& channel)
+{
+    reader.ReadTo(channel, 1);
+    if (reader.BeganInside()) {
+        softening.Start(sound.returnFadeMs);
+    }
+}
+
+int PcmFeed::Fill(SndChannel& channel, int wanted, unsigned long hz)
+{
+    return Make(&channel, wanted, hz);
+}
+
+int PcmFeed::FillFromHeld(int wanted, unsigned long hz)
+{
+    return Make(nullptr, wanted, hz);
+}
+
+void PcmFeed::ReadAhead(SndChannel& channel, std::int64_t sampleFrames)
+{
+    reader.ReadTo(channel, static_cast<std::int64_t>(converter.GetPosition()) + sampleFrames);
+}
+
+int PcmFeed::Make(SndChannel* channel, int wanted, unsigned long hz)
 {
     wanted = std::min(wanted, maxBlockFrames);
-    block.resize(static_cast<std::size_t>(wanted) * static_cast<std::size_t>(outChannels));
-    int filled = 0;
-    while (filled < wanted && FillPiece(channel, wanted, filled)) {
+    block.assign(static_cast<std::size_t>(wanted * sound.outChannels), 0.0f);
+    blockSilence = std::min(silence, wanted);
+    silence -= blockSilence;
+    const double playedHz = hz != 0 ? static_cast<double>(hz) : reader.GetRateHz();
+    converter.SetRate(playedHz);
+    blockBegin = converter.GetPosition();
+    int filled = blockSilence;
+    bool isWhole = false;
+    while (filled < wanted) {
+        const int given = Convert(isWhole, filled, wanted);
+        filled += given;
+        if (filled == wanted || isWhole || !channel) {
+            break;
+        }
+        isWhole = !ReadMore(*channel, wanted - filled, playedHz);
     }
-    if (filled < wanted) {
-        filled += FillTail(wanted, filled);
-    }
-    block.resize(static_cast<std::size_t>(filled) * static_cast<std::size_t>(outChannels));
-    softening.Apply(block, outChannels, heardHz);
-    fadeIn.Apply(block, outChannels, heardHz);
+    reader.DropBefore(converter.GetOldestNeeded());
+    block.resize(static_cast<std::size_t>(filled * sound.outChannels));
+    const std::span<float> sounding = GetPlace(blockSilence, filled);
+    const double heardHz = IsConverting() ? sound.outputHz : playedHz;
+    softening.Apply(sounding, sound.outChannels, heardHz);
+    fadeIn.Apply(sounding, sound.outChannels, heardHz);
     return filled;
 }
 
-// False when the queue has run out.
-bool PcmFeed::FillPiece(SndChannel& channel, int wanted, int& filled)
+// False when there is no more, and no tail either.
+bool PcmFeed::ReadMore(SndChannel& channel, int missing, double playedHz)
 {
-    SndFile* const before = channel.GetSndFile();
-    int given = 0;
-    switch (reader.Read(channel, bytes.data(), static_cast<int>(bytes.size()), wanted - filled, given)) {
-    case QueueReader::Result::End:
-        return false;
-    case QueueReader::Result::Stepped:
-        steps.Add({before, channel.GetSndFile(), filled, filled - tailFrames});
-        return true;
-    case QueueReader::Result::Data:
-        break;
+    const double ratio = IsConverting() ? playedHz / sound.outputHz : 1.0;
+    const std::int64_t before = reader.GetStream().GetEnd();
+    const std::int64_t end = before + std::max(static_cast<int>(std::ceil(missing * ratio)), leastRead);
+    if (!reader.ReadTo(channel, end)) {
+        reader.ReadTailTo(end);
     }
-    NoticeStart(*before, given);
-    const std::span<float> place = GetPlace(filled, given);
-    if (outChannels == 1) {
-        ConvertToMono(bytes, *before, place);
-    }
-    else {
-        ConvertToStereo(bytes, *before, place);
-    }
-    if (!effects.IsEmpty()) {
-        effects.Process(place);
-    }
-    tailFrames = 0;
-    isTailOver = false;
-    filled += given;
-    return true;
+    return reader.GetStream().GetEnd() > before;
 }
 
-int PcmFeed::FillTail(int wanted, int filled)
+int PcmFeed::Convert(bool isWhole, int begin, int end)
 {
-    if (effects.IsEmpty() || !hasBegun || isTailOver) {
-        return 0;
+    const std::span<float> place = GetPlace(begin, end);
+    const auto frames = static_cast<std::size_t>(end - begin);
+    const auto width = static_cast<std::size_t>(reader.GetWidth());
+    const int given = converter.Convert(reader.GetStream(), isWhole, place.first(frames * width));
+    if (reader.GetWidth() < sound.outChannels) {
+        Spread(GetPlace(begin, begin + given));
     }
-    const auto given = static_cast<int>(effects.ProcessTail(GetPlace(filled, wanted - filled)));
-    isTailOver = given < wanted - filled;
-    tailFrames += given;
     return given;
 }
 
-std::span<float> PcmFeed::GetPlace(int begin, int sampleFrames)
+std::span<float> PcmFeed::GetPlace(int begin, int end)
 {
-    const auto width = static_cast<std::size_t>(outChannels);
+    const auto width = static_cast<std::size_t>(sound.outChannels);
     return std::span(block).subspan(
-        static_cast<std::size_t>(begin) * width, static_cast<std::size_t>(sampleFrames) * width);
-}
-
-void PcmFeed::NoticeStart(const SndFile& file, int justRead)
-{
-    if (hasBegun) {
-        return;
-    }
-    hasBegun = true;
-    if (file.GetCurrentSample() != justRead) {
-        SoftenNext();
-    }
-    // A stream tells its rate for certain only once it has been read from.
-    rateHz = std::max(file.GetSampleFrequency(), 1);
-    effects.SetRate(rateHz);
+        static_cast<std::size_t>(begin) * width, static_cast<std::size_t>(end - begin) * width);
 }
 
 } // namespace Quon

@@ -1,88 +1,100 @@
 #pragma once
 
-#include "drivers/common/FileSteps.h"
-#include "drivers/common/QueueReader.h"
 #include "drivers/openal/Fades.h"
-#include "drivers/openal/effects/EffectChain.h"
+#include "drivers/openal/RateConverter.h"
+#include "drivers/openal/SoundReader.h"
 
 #include <span>
 
 namespace Quon
 {
 
-class SndChannel;
-class SndFile;
-class SoundFormat;
-
-/// Makes the blocks of PCM that a channel queues: read along the channel's files, turned to float for one or
-/// two channels, sent through the sound's insert effects, and with the rises worked in. Owned by a channel;
-/// everything under the channel's lock.
+/// Makes the blocks of PCM that a channel queues: what is read of the sound, converted to the output's rate,
+/// with the fades in worked in. Owned by a channel; everything under the channel's lock.
 ///
-/// All of a sound is queued at the rate that its first file tells once it has been read from; the effects
-/// work at that rate. When there is nothing more to read the effects' tail follows. A file that is appended
-/// meanwhile goes on through the effects as they are; until then nothing of the tail belongs to a file.
+/// With the grade "fast" blocks have the rate of the sound, and OpenAL converts them.
 ///
-/// A sound that begins in the middle of its file, one that comes back, rises over a few milliseconds, since
-/// it would click; one that begins at its first sample is left as it is.
+/// A sound that begins in the middle of its file, one that comes back, fades in, since it would click; one
+/// that begins at its first sample frame is left as it is.
 class PcmFeed
 {
 public:
     /// The most sample frames of one block.
     static constexpr int maxBlockFrames = 8192;
 
-    /// Begins a new sound, with the insert effects among `effectList`, which is copied. `outChannels` is 1 or
-    /// 2. Allocates for the effects, and when a channel is used for the first time.
-    void Start(int newOutChannels, bool looping, const SoundFormat& format, const SndFXList& effectList);
+    /// What a channel tells of a new sound.
+    struct Sound
+    {
+        int outChannels; ///< 1 or 2.
+        bool isLooping;
+        int outputHz;
+        RateGrade grade;
+        int returnFadeMs; ///< For a sound that comes back.
+    };
 
-    /// The sound is over: frees the effects.
-    void Finish() { effects.Clear(); }
+    /// Begins a new sound, with the insert effects among `effectList`, which is copied. Allocates for the
+    /// effects, and when a channel is used for the first time.
+    void Start(const Sound& newSound, const SndFile& file, const SndFXList& effectList);
 
-    /// The sound rises over so many milliseconds from the next block on.
+    /// The sound is over: frees what it alone needed.
+    void Finish();
+
+    /// The sound fades in over so many milliseconds from the next block on.
     void FadeIn(int ms) { fadeIn.Start(ms); }
 
-    /// The next block rises as that of a sound that comes back.
+    /// The next block fades in as that of a sound that was interrupted.
     void SoftenNext();
 
-    /// Makes the next block, of `wanted` sample frames to be heard at `heardHz`, at most maxBlockFrames, and
-    /// returns how many it has. Fewer than wanted means that the queue has run out, and so has the tail.
-    /// Allocates only for effects, once, at a first file that told a wrong rate before it was read.
-    int Fill(SndChannel& channel, int wanted, double heardHz);
+    /// Reads the sound's first sample frames, so that its rate is certain. Once, before anything is made.
+    void Begin(SndChannel& channel);
 
-    /// The block that Fill() made, interleaved.
+    /// Puts silence before the first sample frame; or leaves out so many of the sound. Before the first
+    /// block.
+    void Delay(int sampleFrames) { silence = sampleFrames; }
+    void Skip(int sampleFrames) { converter.SkipTo(sampleFrames); }
+
+    /// Makes the next block, of `wanted` sample frames, at most maxBlockFrames, and returns how many it has.
+    /// The sound is played at `hz`, 0 for its own rate. Fewer than wanted means that the queue has run out,
+    /// and so has the tail. Allocates only as the reader and the converter do.
+    int Fill(SndChannel& channel, int wanted, unsigned long hz);
+
+    /// The same from what has been read already; fewer than wanted means that it did not suffice.
+    int FillFromHeld(int wanted, unsigned long hz);
+
+    /// Reads on until so many sample frames of the sound are ready beyond those that have been made.
+    void ReadAhead(SndChannel& channel, std::int64_t sampleFrames);
+
+    /// The block that was made, interleaved, and how many sample frames of silence it begins with.
     std::span<const float> GetBlock() const { return {block.data(), block.size()}; }
-    int GetOutChannels() const { return outChannels; }
+    int GetSilence() const { return blockSilence; }
+    /// The sample frame of the sound at the first one after the silence.
+    double GetBlockBegin() const { return blockBegin; }
+    int GetOutChannels() const { return sound.outChannels; }
 
-    /// The steps to further files that the block goes over, their positions counted from its start. The
-    /// channel takes them over.
-    FileSteps& GetSteps() { return steps; }
+    /// Whether blocks have the rate of the output; otherwise that of the sound.
+    bool IsConverting() const { return sound.grade != RateGrade::Fast; }
+    int GetBlockHz() const { return IsConverting() ? sound.outputHz : reader.GetRateHz(); }
 
-    const QueueReader& GetReader() const { return reader; }
+    /// The sample frame of the sound at the end of all that has been made.
+    double GetStreamPosition() const { return converter.GetPosition(); }
 
-    /// The rate of all that Fill() makes; before that, what the file tells.
-    int GetRateHz() const { return rateHz; }
-
-    const EffectChain& GetEffects() const { return effects; }
-
-    /// The sample frames of tail that stand at the end of all that has been made; 0 if a file's stand there.
-    std::int64_t GetTailFrames() const { return tailFrames; }
+    const SoundReader& GetReader() const { return reader; }
+    FileSteps& GetSteps() { return reader.GetSteps(); }
 
 private:
-    bool FillPiece(SndChannel& channel, int wanted, int& filled);
-    int FillTail(int wanted, int filled);
-    std::span<float> GetPlace(int begin, int sampleFrames);
-    void NoticeStart(const SndFile& file, int justRead);
+    int Make(SndChannel* channel, int wanted, unsigned long hz);
+    bool ReadMore(SndChannel& channel, int missing, double playedHz);
+    int Convert(bool isWhole, int begin, int end);
+    std::span<float> GetPlace(int begin, int end);
 
-    QueueReader reader;
-    FileSteps steps;
+    Sound sound{};
+    SoundReader reader;
+    RateConverter converter;
     Rise fadeIn;
     Rise softening;
-    EffectChain effects;
-    int outChannels = 1;
-    int rateHz = 1;
-    bool hasBegun = false; ///< Something has been read.
-    std::int64_t tailFrames = 0;
-    bool isTailOver = false;
-    EngineVector<unsigned char> bytes;
+    int silence = 0; ///< Still to be made.
+    int blockSilence = 0;
+    double blockBegin = 0.0;
     EngineVector<float> block;
 };
 

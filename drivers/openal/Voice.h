@@ -77,6 +77,7 @@ public:
 
     /// In this version of OpenAL a change of gain is spread over the next block that is mixed.
     void SetGain(float newGain);
+    float GetGain() const { return gain; }
     void SetPitch(float newPitch);
     void SetPosition(const Vector3& newPosition);
     void SetDistances(float newMinDistance, float newMaxDistance);

@@ -91,18 +91,22 @@ Voice* VoicePool::Take()
     return voice;
 }
 
-void VoicePool::Retire(Voice* voice)
+void VoicePool::Retire(Voice* voice, std::int64_t fadeTicks)
 {
     const std::scoped_lock lock(mutex);
     if (!voice->HasSource() || !voice->IsPlaying()) {
         Free(voice);
         return;
     }
-    voice->SetGain(0.0f);
-    fading.push_back({voice, notYet});
+    Fading entry = {voice, voice->GetGain(), {}, notYet};
+    entry.fall.Start(device.GetTime(), fadeTicks);
+    if (fadeTicks <= 0) {
+        voice->SetGain(0.0f);
+    }
+    fading.push_back(entry);
 }
 
-void VoicePool::Reap()
+void VoicePool::Tick(std::int64_t time)
 {
     const std::scoped_lock lock(mutex);
     if (isDeferred || fading.empty()) {
@@ -111,13 +115,17 @@ void VoicePool::Reap()
     const std::int64_t now = device.GetMixClock();
     std::size_t kept = 0;
     for (Fading entry : fading) {
-        entry.since = entry.since == notYet ? now : entry.since;
-        if (now - entry.since >= device.GetSettleTime() || !entry.voice->IsPlaying()) {
+        const bool wasSilent = entry.since != notYet;
+        const bool isSettled = wasSilent && now - entry.since >= device.GetSettleTime();
+        if (isSettled || !entry.voice->IsPlaying()) {
             Free(entry.voice);
+            continue;
         }
-        else {
-            fading[kept++] = entry;
+        entry.voice->SetGain(entry.gain * entry.fall.GetLevel(time));
+        if (!wasSilent && entry.fall.IsOver(time)) {
+            entry.since = now;
         }
+        fading[kept++] = entry;
     }
     fading.resize(kept);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "drivers/openal/Fades.h"
 #include "drivers/openal/Voice.h"
 
 #include <memory>
@@ -12,9 +13,9 @@ class OutputDevice;
 
 /// All voices of the driver. A channel takes one for each sound and gives it back when the sound is over.
 ///
-/// A voice that is given back in the middle of its sound is not cut: its gain goes to 0, which OpenAL spreads
-/// over the next block it mixes, and only then it is halted. That uses nothing but what is already queued.
-/// There are about twice as many voices as channels, so that new sounds need not wait for it.
+/// A voice that is given back in the middle of its sound is not cut. It fades out over a given time, or, if
+/// that is 0, over the next block that OpenAL mixes, and only then it is halted. That uses nothing but what
+/// is already queued. There are about twice as many voices as channels, so that new sounds need not wait.
 ///
 /// Any thread with a ContextScope; the pool's own lock is held for no longer than a few calls of OpenAL.
 class VoicePool
@@ -39,12 +40,13 @@ public:
     /// one that has been fading out for the longest is cut off.
     Voice* Take();
 
-    /// Takes a voice back. It falls silent by the next block that is mixed.
-    void Retire(Voice* voice);
+    /// Takes a voice back. It fades out over `fadeTicks` of the device's time.
+    void Retire(Voice* voice, std::int64_t fadeTicks);
 
-    /// Halts the voices that have fallen silent. To be called every now and then, and around each block of a
-    /// loopback device.
-    void Reap();
+    /// Sets the levels of voices that fade out to what they are to be at `time`, on the device's clock, and
+    /// halts those that have fallen silent. To be called before each block of a loopback device and every
+    /// 10 ms on a live one, and after the last block.
+    void Tick(std::int64_t time);
 
     /// Whether a voice is still falling silent.
     bool IsAnyFading();
@@ -57,7 +59,9 @@ private:
     struct Fading
     {
         Voice* voice;
-        std::int64_t since; ///< On the device's mix clock; notYet until the gain has really been set.
+        float gain; ///< From which it fades.
+        Fall fall;
+        std::int64_t since; ///< Silent since then on the device's mix clock; notYet until that has been set.
     };
 
     void Free(Voice* voice);

@@ -95,9 +95,9 @@ TEST_F(OpenALEffects, AFileAppendedDuringTheTailGoesOnSoonAndThroughTheSameEffec
     SndChannel* const channel = rig.Play(first, 0, list.Get());
     rig.StepTimes(4, 50);
     rig.Append(*channel, first, second);
-    rig.Step(4);
+    rig.Step(1);
     EXPECT_EQ(channel->GetRemainLength(), 0u) << "the first file has long been over";
-    rig.Step(46);
+    rig.Step(49);
     const std::vector<DriverEvent> expected = {{SndFileChanged, channel, &first, &second, 250}};
     EXPECT_EQ(rig.TakeEvents(), expected);
     rig.StepTimes(8, 50);

@@ -1,0 +1,131 @@
+#include "drivers/openal/RateConverter.h"
+
+#include "drivers/common/DriverChannel.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace Quon
+{
+
+namespace
+{
+
+/// Of a cross-fade from one engine to the next, and of a glide from one rate to the next.
+constexpr int changesPerSecond = 100;
+/// What a new engine reads before the place from which it is heard, at a ratio of 1.
+constexpr double memoryFrames = 512.0;
+/// What is held of the past for that: for the highest rates the memory is shorter.
+constexpr std::int64_t heldFrames = 1024;
+
+} // namespace
+
+void RateConverter::Start(int newWidth, int newOutputHz, RateGrade newGrade)
+{
+    width = newWidth;
+    outputHz = newOutputHz;
+    grade = RateEngine::IsAvailable() ? newGrade : RateGrade::Fast;
+    wantedHz = currentHz = 0.0;
+    first = 0;
+    Finish();
+}
+
+void RateConverter::Finish()
+{
+    engine = RateEngine();
+    fading.clear();
+    faded = 0;
+    unheard = 0;
+}
+
+int RateConverter::Convert(const PcmFifo& input, bool isWhole, std::span<float> out)
+{
+    if (currentHz == 0.0 && input.GetEnd() < first) {
+        if (isWhole) {
+            first = input.GetEnd();
+        }
+        return 0;
+    }
+    if (currentHz == 0.0 || (engine.IsOver() && input.GetEnd() > engine.GetFed())) {
+        MakeEngine();
+    }
+    else if (wantedHz != currentHz && grade != RateGrade::Fast && !engine.IsVariable()) {
+        GoVariable(input, isWhole);
+    }
+    SkipUnheard(input, isWhole);
+    if (unheard > 0) {
+        return 0;
+    }
+    if (engine.IsVariable() && wantedHz != currentHz) {
+        engine.Glide(wantedHz / outputHz, outputHz / changesPerSecond);
+        currentHz = wantedHz;
+    }
+    const int given = engine.Convert(input, isWhole, out);
+    ApplyFade(out.first(static_cast<std::size_t>(given * width)));
+    return given;
+}
+
+// What is converted fast is left to the mixer.
+void RateConverter::MakeEngine()
+{
+    const double inputHz = grade == RateGrade::Fast ? outputHz : wantedHz;
+    const std::int64_t begin = currentHz == 0.0 ? first : engine.GetFed();
+    engine.StartFixed(begin, width, inputHz, outputHz, grade);
+    currentHz = wantedHz;
+}
+
+void RateConverter::GoVariable(const PcmFifo& input, bool isWhole)
+{
+    const double ratio = currentHz / outputHz;
+    const double position = engine.GetPosition();
+    fading.resize(static_cast<std::size_t>(outputHz / changesPerSecond * width));
+    const int fadeFrames = engine.Convert(input, isWhole, fading);
+    fading.resize(static_cast<std::size_t>(fadeFrames * width));
+    faded = 0;
+
+    const auto wanted = static_cast<std::int64_t>(position - memoryFrames * std::max(ratio, 1.0));
+    const std::int64_t begin = std::max(wanted, input.GetBegin());
+    engine.StartVariable(begin, width, ratio, std::max<double>(maxRateHz, wantedHz) / outputHz);
+    unheard = static_cast<int>(std::lround((position - static_cast<double>(begin)) / ratio));
+}
+
+void RateConverter::SkipUnheard(const PcmFifo& input, bool isWhole)
+{
+    std::array<float, 512> scratch;
+    while (unheard > 0) {
+        const std::size_t frames = std::min<std::size_t>(
+            scratch.size() / static_cast<std::size_t>(width), static_cast<std::size_t>(unheard));
+        const int given = engine.Convert(
+            input, isWhole, std::span(scratch).first(frames * static_cast<std::size_t>(width)));
+        if (given == 0) {
+            return;
+        }
+        unheard -= given;
+    }
+}
+
+void RateConverter::ApplyFade(std::span<float> out)
+{
+    const std::size_t count = std::min(out.size(), fading.size() - faded);
+    const auto length = static_cast<float>(fading.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        const float level = static_cast<float>(faded) / length;
+        out[i] = out[i] * level + fading[faded] * (1.0f - level);
+        ++faded;
+    }
+    if (faded == fading.size()) {
+        fading.clear();
+        faded = 0;
+    }
+}
+
+std::int64_t RateConverter::GetOldestNeeded() const
+{
+    if (grade == RateGrade::Fast || engine.IsVariable()) {
+        return engine.GetFed();
+    }
+    return std::min(engine.GetFed(), static_cast<std::int64_t>(engine.GetPosition()) - heldFrames);
+}
+
+} // namespace Quon
