@@ -21,6 +21,9 @@ public:
         return sampleFrames;
     }
 
+    /// What is left over, as a part of a sample frame.
+    double GetRemainder() const { return static_cast<double>(thousandths) / 1000.0; }
+
     void Reset() { thousandths = 0; }
 
 private:

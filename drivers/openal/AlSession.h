@@ -43,6 +43,8 @@ public:
     /// Grows, in nanoseconds, as the device mixes. A setting made at one value has been heard in full when
     /// the value has grown by GetSettleTime().
     std::int64_t GetMixClock() const;
+    /// Whether that is a clock of the device; otherwise it is the machine's.
+    bool HasMixClock() const { return extensions.getInteger64v != nullptr; }
     std::int64_t GetSettleTime() const { return settleTime; }
 
 private:

@@ -15,13 +15,21 @@ constexpr const char* hrtfOption = "OpenALHRTF";
 constexpr const char* fallbackOption = "OpenALFallback";
 constexpr const char* resamplingOption = "OpenALResampling";
 constexpr const char* handoverFadeOption = "OpenALHandoverFade";
+constexpr const char* startTimesOption = "OpenALKeepStartTimes";
+constexpr const char* renderThreadsOption = "OpenALRenderThreads";
+constexpr int mostRenderThreads = 16;
 constexpr int longestHandoverFadeMs = 100;
+
+int ReadInt(const Options& options, const char* name, int standard)
+{
+    int value = 0;
+    options.Get(name, value, standard);
+    return value;
+}
 
 Hrtf ReadHrtf(const Options& options)
 {
-    int value = 0;
-    options.Get(hrtfOption, value, -1);
-    switch (value) {
+    switch (ReadInt(options, hrtfOption, -1)) {
     case 0:
         return Hrtf::Off;
     case 1:
@@ -31,18 +39,9 @@ Hrtf ReadHrtf(const Options& options)
     }
 }
 
-bool ReadFallback(const Options& options)
-{
-    int value = 0;
-    options.Get(fallbackOption, value, 0);
-    return value == 1;
-}
-
 RateGrade ReadRateGrade(const Options& options)
 {
-    int value = 0;
-    options.Get(resamplingOption, value, 1);
-    switch (value) {
+    switch (ReadInt(options, resamplingOption, 1)) {
     case 0:
         return RateGrade::Fast;
     case 2:
@@ -65,10 +64,13 @@ DriverOptions ReadOptions(const OS* os)
     options->SetSeperators(renderOption, "\n");
     read.isRendered = options->GetNext(renderOption, read.renderPath);
     read.hrtf = ReadHrtf(*options);
-    read.fallback = ReadFallback(*options);
+    read.fallback = ReadInt(*options, fallbackOption, 0) == 1;
     read.rateGrade = ReadRateGrade(*options);
-    options->Get(handoverFadeOption, read.handoverFadeMs, read.handoverFadeMs);
-    read.handoverFadeMs = std::clamp(read.handoverFadeMs, 0, longestHandoverFadeMs);
+    read.handoverFadeMs =
+        std::clamp(ReadInt(*options, handoverFadeOption, read.handoverFadeMs), 0, longestHandoverFadeMs);
+    read.renderThreads =
+        std::clamp(ReadInt(*options, renderThreadsOption, read.renderThreads), 1, mostRenderThreads);
+    read.keepsStartTimes = ReadInt(*options, startTimesOption, 1) != 0;
     return read;
 }
 

@@ -34,6 +34,8 @@ struct DriverOptions
     /// "OpenALHandoverFade", 0 to 100: how long a sound that is displaced fades out, and one that comes back
     /// fades in.
     int handoverFadeMs = 30;
+    int renderThreads = 2; ///< "OpenALRenderThreads", 1 to 16: what reads and decodes for a rendered file.
+    bool keepsStartTimes = true; ///< Unless "OpenALKeepStartTimes" is 0.
 };
 
 /// All defaults without an OS or without options.

@@ -22,11 +22,11 @@ constexpr int blocksAhead = 5;
 static_assert(blocksAhead < Voice::bufferCount);
 
 // The last block goes in when the first of them has been heard.
-ReadAhead MakeReadAhead(int readAheadMs)
+PumpTargets MakeTargets(int readAheadMs)
 {
     const std::int64_t whole = std::int64_t{std::clamp(readAheadMs, minReadAheadMs, maxReadAheadMs)} * 1000;
     const std::int64_t block = whole / blocksAhead;
-    return {whole - block, block, block, std::min(whole - block, tailMicroseconds), 0};
+    return {whole - block, block, block, std::min(whole - block, tailMicroseconds)};
 }
 
 } // namespace
@@ -36,7 +36,7 @@ Feeder::Feeder(OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driv
     , voices(voicePool)
     , acoustics(driverAcoustics)
     , keeper(outputDevice, voicePool, driverAcoustics)
-    , readAhead(MakeReadAhead(readAheadMs))
+    , targets(MakeTargets(readAheadMs))
 {
 }
 
@@ -106,9 +106,10 @@ bool Feeder::WaitForRound()
 void Feeder::Round()
 {
     const FeederScope scope(device);
+    device.ObserveMixClock();
     acoustics.Tick(device.GetTime());
     for (const auto& channel : channels) {
-        channel->Pump(readAhead, device.GetTime(), false);
+        channel->Pump(targets, device.GetTime(), false);
     }
     voices.Tick(device.GetTime());
 }

@@ -47,7 +47,7 @@ private:
     VoicePool& voices;
     Acoustics& acoustics;
     DeviceKeeper keeper;
-    const ReadAhead readAhead;
+    const PumpTargets targets;
     Channels channels; ///< Set before the thread starts.
     std::thread thread;
 

@@ -13,18 +13,21 @@ namespace
 {
 constexpr std::int64_t microsecondsPerSecond = 1000000;
 constexpr std::int64_t leastMicroseconds = 5000;
-/// What a sound that is displaced fades out with.
-constexpr std::int64_t heldMicroseconds = 100000;
+/// What a sound that is displaced fades out with, at most.
+constexpr std::int64_t heldMicroseconds = 110000;
+constexpr int slicesPerSecond = 20;
 constexpr int fallsPerSecond = 200;
 constexpr int blocksPerSecond = 100;
 constexpr int steadyBlocksPerSecond = 25;
 constexpr std::size_t channelsOut = 2;
 } // namespace
 
-OfflineRenderer::OfflineRenderer(OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics)
+OfflineRenderer::OfflineRenderer(
+    OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int threads)
     : device(outputDevice)
     , voices(voicePool)
     , acoustics(driverAcoustics)
+    , crew(threads)
 {
 }
 
@@ -38,8 +41,29 @@ bool OfflineRenderer::Open(const char* path, int rateHz)
 void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
 {
     std::uint64_t left = clock.Advance(elapsedMs, static_cast<std::uint32_t>(rate));
+    // The frames of this call are short of its time by what is left over after it; sounds that begin in it
+    // began after the call before.
+    device.SetRenderedFraction(fraction);
+    fraction = clock.GetRemainder();
     // What has been set since the last call takes hold within the first block.
     bool isFirst = true;
+    while (left > 0) {
+        const auto largest = static_cast<std::uint64_t>(rate / slicesPerSecond + 1);
+        const std::uint64_t slices = (left + largest - 1) / largest;
+        const std::uint64_t slice = (left + slices - 1) / slices;
+        // To the end of the next one, which then finds all that it needs; and what a sound fades out with.
+        crew.Begin(channels, 2 * microsecondsPerSecond / slicesPerSecond + heldMicroseconds);
+        RenderSlice(slice, isFirst, channels);
+        crew.Finish();
+        isFirst = false;
+        left -= slice;
+    }
+    voices.Tick(device.GetTime());
+    sink.Commit();
+}
+
+void OfflineRenderer::RenderSlice(std::uint64_t left, bool isFirst, Channels channels)
+{
     while (left > 0) {
         voices.Tick(device.GetTime());
         const bool isChanging = isFirst || IsAnythingChanging(channels);
@@ -54,8 +78,6 @@ void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
         RenderBlock(static_cast<int>(sampleFrames), channels);
         left -= sampleFrames;
     }
-    voices.Tick(device.GetTime());
-    sink.Commit();
 }
 
 bool OfflineRenderer::IsAnythingChanging(Channels channels) const
@@ -69,8 +91,8 @@ void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)
 {
     // Rounded up, or a block could be one sample frame short.
     const std::int64_t blockMicroseconds = (sampleFrames * microsecondsPerSecond + rate - 1) / rate;
-    const ReadAhead ahead = {
-        blockMicroseconds, leastMicroseconds, 2 * blockMicroseconds, blockMicroseconds, heldMicroseconds};
+    const PumpTargets ahead = {
+        blockMicroseconds, leastMicroseconds, 2 * blockMicroseconds, blockMicroseconds};
     const std::int64_t blockEnd = device.GetTime() + sampleFrames;
     acoustics.Tick(blockEnd);
     voices.Tick(blockEnd);

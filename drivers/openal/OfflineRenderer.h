@@ -1,7 +1,7 @@
 #pragma once
 
 #include "drivers/common/SampleClock.h"
-#include "drivers/openal/OpenALChannel.h"
+#include "drivers/openal/ReadCrew.h"
 #include "drivers/openal/WavSink.h"
 
 #include <memory>
@@ -15,14 +15,16 @@ namespace Quon
 /// task thread.
 ///
 /// Blocks of at most 40 ms are mixed at a time; of 10 ms at the begin of a call, and while a sound fades or a
-/// room changes; and of 5 ms while a sound is falling silent, since that takes one block. Channels are read
-/// as far ahead of a block as a sound needs to fall silent after it.
+/// room changes; and of 5 ms while a sound is falling silent. Beside the mixing other threads read and decode
+/// ahead: to the end of the next 50 ms, and what a sound needs to fade out after it.
 class OfflineRenderer : public Allocated
 {
 public:
     using Channels = std::span<const std::unique_ptr<OpenALChannel>>;
 
-    OfflineRenderer(OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics);
+    /// `threads` read and decode, the calling one among them.
+    OfflineRenderer(
+        OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int threads);
 
     /// False if the file cannot be made.
     bool Open(const char* path, int rateHz);
@@ -35,6 +37,7 @@ public:
 
 private:
     bool IsAnythingChanging(Channels channels) const;
+    void RenderSlice(std::uint64_t left, bool isFirst, Channels channels);
     void RenderBlock(int sampleFrames, Channels channels);
 
     OutputDevice& device;
@@ -42,8 +45,10 @@ private:
     Acoustics& acoustics;
     int rate = 0;
     SampleClock clock;
+    double fraction = 0.0; ///< Left over by the clock at the end of the last call.
     WavSink sink;
     EngineVector<float> block;
+    ReadCrew crew;
 };
 
 } // namespace Quon

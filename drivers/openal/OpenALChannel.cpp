@@ -2,6 +2,7 @@
 
 #include "drivers/openal/Feeder.h"
 #include "drivers/openal/OutputDevice.h"
+#include "drivers/openal/SteadyTime.h"
 #include "drivers/openal/VoicePool.h"
 #include "harmonet/files/SndFile.h"
 
@@ -18,6 +19,9 @@ namespace
 
 constexpr double microsecondsPerSecond = 1e6;
 constexpr std::int64_t microsecondsPerMillisecond = 1000;
+constexpr std::int64_t nanosecondsPerMicrosecond = 1000;
+/// A live sound is queued by another thread, which takes its time.
+constexpr std::int64_t feederMicroseconds = 10000;
 /// A fade ends with the block that is mixed then.
 constexpr int lastBlockMs = 10;
 // The resampler looks some sample frames ahead, and a source that finds none there falls short of its end.
@@ -72,6 +76,7 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     fileRateHz = file->GetSampleFrequency();
     convertedHz = feed.IsConverting() ? feed.GetBlockHz() : 0;
     wantedHz = 0;
+    start = {};
     isDry = false;
     gain = 1.0f;
     isCutOut = false;
@@ -84,10 +89,24 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
 void OpenALChannel::Play()
 {
     if (state == State::Ready) {
+        if (!start.isKept) {
+            start.time = GetSteadyNanoseconds();
+        }
         state = State::Playing;
         isPumped = true;
         WakeFeeder();
     }
+}
+
+void OpenALChannel::SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds)
+{
+    if (state != State::Ready || !services.options.keepsStartTimes) {
+        return;
+    }
+    const std::int64_t latency = services.startTimes.GetLatency() + feederMicroseconds;
+    start.isKept = true;
+    start.time = GetSteadyNanoseconds() + (latency - agoMicroseconds) * nanosecondsPerMicrosecond;
+    start.delay = services.startTimes.GetDelay(gameMicroseconds);
 }
 
 void OpenALChannel::WakeFeeder()
@@ -123,7 +142,7 @@ void OpenALChannel::GiveBackVoice(bool isCutOff, int fadeMs)
 
 void OpenALChannel::PutFilesBack()
 {
-    const auto heard = std::llround(GetStreamHeard());
+    const auto heard = std::llround(GetStreamDue());
     SetSndFile(feed.GetReader().PutBack(steps, GetSndFile(), heard));
     steps.Clear();
 }
@@ -349,7 +368,7 @@ void OpenALChannel::OnDeviceChanged()
     }
 }
 
-void OpenALChannel::Pump(const ReadAhead& ahead, std::int64_t time, bool mayWait)
+void OpenALChannel::Pump(const PumpTargets& ahead, std::int64_t time, bool mayWait)
 {
     constexpr int noLimit = -1;
     if (!isPumped || !chanLock.Lock(mayWait ? noLimit : 0)) {
@@ -367,12 +386,11 @@ bool OpenALChannel::IsChanging()
     return voice && (fadeOut.IsRunning() || acoustics.IsBehind());
 }
 
-void OpenALChannel::PumpRound(const ReadAhead& ahead, std::int64_t time)
+void OpenALChannel::PumpRound(const PumpTargets& ahead, std::int64_t time)
 {
     StartRound(time);
     if (!feed.GetReader().HasBegun()) {
-        feed.Begin(*this);
-        TakeRate();
+        BeginSound();
     }
     // A disk that is slower than the sound never gets the target read. Stop() must not wait for more than the
     // read that is going on, nor other channels for more than a few.
@@ -389,9 +407,54 @@ void OpenALChannel::PumpRound(const ReadAhead& ahead, std::int64_t time)
             break;
         }
     }
-    if (ahead.held > 0) {
-        feed.ReadAhead(*this, ToFrames(ahead.held, feed.GetReader().GetRateHz()) + RateConverter::lookahead);
-        TakeSteps();
+}
+
+void OpenALChannel::ReadAhead(std::int64_t microseconds)
+{
+    if (!isPumped) {
+        return;
+    }
+    const SyncLock lock(chanLock);
+    if (!isPumped || !feed.GetReader().HasBegun()) {
+        return;
+    }
+    std::unique_lock outputLock(outputMutex);
+    const std::int64_t frames = ToFrames(microseconds, GetPlayedHz()) + RateConverter::lookahead;
+    outputLock.unlock();
+    feed.ReadAhead(*this, frames);
+    outputLock.lock();
+    TakeSteps();
+}
+
+void OpenALChannel::BeginSound()
+{
+    feed.Begin(*this);
+    const std::scoped_lock outputLock(outputMutex);
+    // A stream tells its rate for certain only once it has been read from.
+    fileRateHz = feed.GetReader().GetRateHz();
+    ApplySpeed();
+    PlaceStart();
+}
+
+// A source begins with the block that is mixed next. Silence puts its sound to where it belongs; what comes
+// back can also have missed its time.
+void OpenALChannel::PlaceStart()
+{
+    const bool isReturn = !start.isKept && feed.GetReader().BeganInside();
+    if (!services.feeder) {
+        const double frames =
+            services.device.GetRenderedFraction() * GetSpeedHz() / services.device.GetRateHz() +
+            static_cast<double>(start.delay) * GetSpeedHz() / microsecondsPerSecond;
+        feed.Delay(start.isKept ? static_cast<int>(frames) : 0);
+    }
+    else if (start.isKept || isReturn) {
+        const std::int64_t wait = services.device.HasSession() ? services.device.GetMixLag(start.time)
+                                                               : start.time - GetSteadyNanoseconds();
+        const double seconds = static_cast<double>(wait) / static_cast<double>(nanosecondsPerSecond);
+        feed.Delay(static_cast<int>(std::max(seconds, 0.0) * GetSpeedHz()));
+        if (isReturn && seconds < 0.0) {
+            feed.Skip(static_cast<int>(std::lround(-seconds * GetPlayedHz())));
+        }
     }
 }
 
@@ -411,15 +474,7 @@ void OpenALChannel::StartRound(std::int64_t time)
     heardMap.DropBefore(voice->GetFramesHeard());
 }
 
-// A stream tells its rate for certain only once it has been read from.
-void OpenALChannel::TakeRate()
-{
-    const std::scoped_lock outputLock(outputMutex);
-    fileRateHz = feed.GetReader().GetRateHz();
-    ApplySpeed();
-}
-
-OpenALChannel::Wanted OpenALChannel::CountWanted(const ReadAhead& ahead)
+OpenALChannel::Wanted OpenALChannel::CountWanted(const PumpTargets& ahead)
 {
     const std::scoped_lock outputLock(outputMutex);
     const double speedHz = GetSpeedHz();
@@ -439,7 +494,7 @@ void OpenALChannel::QueueBlock(int sampleFrames, bool ranDry)
     const std::scoped_lock outputLock(outputMutex);
     AppendToVoice(sampleFrames);
     isDry = ranDry;
-    TakeStepsLocked();
+    TakeSteps();
 }
 
 void OpenALChannel::AppendToVoice(int sampleFrames)
@@ -453,12 +508,6 @@ void OpenALChannel::AppendToVoice(int sampleFrames)
 }
 
 void OpenALChannel::TakeSteps()
-{
-    const std::scoped_lock outputLock(outputMutex);
-    TakeStepsLocked();
-}
-
-void OpenALChannel::TakeStepsLocked()
 {
     for (FileSteps& fresh = feed.GetSteps(); !fresh.IsEmpty(); fresh.DropOldest()) {
         steps.Add(fresh.GetOldest());
@@ -474,15 +523,36 @@ void OpenALChannel::UpdateFileEnd()
 // How many sample frames of what is queued go by in a second.
 double OpenALChannel::GetSpeedHz() const
 {
-    if (convertedHz != 0) {
-        return convertedHz;
-    }
+    return convertedHz != 0 ? convertedHz : GetPlayedHz();
+}
+
+double OpenALChannel::GetPlayedHz() const
+{
     return wantedHz != 0 ? static_cast<double>(wantedHz) : fileRateHz;
 }
 
 double OpenALChannel::GetStreamHeard() const
 {
     return heardMap.At(voice->GetFramesHeard());
+}
+
+// A device mixes in steps. Between two of them time goes on, and the sound with it.
+double OpenALChannel::GetStreamDue() const
+{
+    const OutputDevice& device = services.device;
+    if (!services.feeder || !device.HasSession() || !voice->IsPlaying()) {
+        return GetStreamHeard();
+    }
+    std::int64_t heard = 0;
+    std::int64_t lag = 0;
+    std::int64_t mixed = 0;
+    // Until the device has mixed nothing in between.
+    do {
+        mixed = device.GetMixClock();
+        heard = voice->GetFramesHeard();
+        lag = device.GetMixLag(GetSteadyNanoseconds());
+    } while (device.GetMixClock() != mixed && device.HasMixClock());
+    return heardMap.At(heard + ToFrames(lag / nanosecondsPerMicrosecond, GetSpeedHz()));
 }
 
 void OpenALChannel::ApplyGain(std::int64_t time)

@@ -5,6 +5,7 @@
 #include "drivers/openal/PcmFeed.h"
 #include "drivers/openal/Placement.h"
 #include "drivers/openal/SourceAcoustics.h"
+#include "drivers/openal/StartTimes.h"
 #include "harmonet/output/SndDriver.h"
 
 #include <atomic>
@@ -19,13 +20,12 @@ class Voice;
 class VoicePool;
 
 /// How far a channel is to read ahead of what is heard, in microseconds.
-struct ReadAhead
+struct PumpTargets
 {
     std::int64_t target; ///< Blocks are queued until that much is ahead.
     std::int64_t minBlock; ///< And each is at least that long,
     std::int64_t maxBlock; ///< and at most that.
     std::int64_t tailTarget; ///< Of effects that sound after the end: what is appended then waits that long.
-    std::int64_t held; ///< And so much is read beyond that, to fade out with.
 };
 
 /// The listener, as far as channels have to know of it. Task thread only.
@@ -39,6 +39,7 @@ struct Listener
 struct ChannelServices
 {
     const DriverOptions& options;
+    const StartTimes& startTimes;
     OutputDevice& device;
     VoicePool& voices;
     Acoustics& acoustics;
@@ -111,6 +112,8 @@ public:
     bool GetFXGargle(FXGargle* record) override { return GetParameters(record); }
     bool GetFXWavesReverb(FXWavesReverb* record) override { return GetParameters(record); }
 
+    void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds) override;
+
     // For the driver, on the task thread.
 
     bool IsFree() const { return state == State::Free; }
@@ -143,7 +146,11 @@ public:
     /// Reads and queues what is missing, plays on, and sets the level of a fade to what it is to be at `time`
     /// on the device's clock. If `mayWait` is false and the channel's lock is taken, it does nothing this
     /// time.
-    void Pump(const ReadAhead& ahead, std::int64_t time, bool mayWait);
+    void Pump(const PumpTargets& ahead, std::int64_t time, bool mayWait);
+
+    /// Reads a sound that has begun so many microseconds ahead of what is queued. Any thread, without a
+    /// ContextScope.
+    void ReadAhead(std::int64_t microseconds);
 
 private:
     enum class State
@@ -165,17 +172,27 @@ private:
     template<class Record>
     bool GetParameters(Record* record);
 
-    void PumpRound(const ReadAhead& ahead, std::int64_t time);
+    /// When the first sample frame is to be heard.
+    struct Start
+    {
+        bool isKept = false; ///< The game has told when it asked for the sound.
+        std::int64_t time = 0; ///< Of the machine, in nanoseconds; when Play() was called if it is not kept.
+        std::int64_t delay = 0; ///< In microseconds from Play(), for a rendered output.
+    };
+
+    void BeginSound();
+    void PlaceStart();
+    void PumpRound(const PumpTargets& ahead, std::int64_t time);
     void StartRound(std::int64_t time);
-    Wanted CountWanted(const ReadAhead& ahead);
+    Wanted CountWanted(const PumpTargets& ahead);
     void QueueBlock(int sampleFrames, bool ranDry);
     void AppendToVoice(int sampleFrames);
     void TakeSteps();
-    void TakeStepsLocked();
-    void TakeRate();
     void UpdateFileEnd();
     double GetSpeedHz() const;
+    double GetPlayedHz() const;
     double GetStreamHeard() const;
+    double GetStreamDue() const;
     void PutFilesBack();
     void QueueFadeOut(std::int64_t microseconds);
     void ApplyGain(std::int64_t time);
@@ -211,6 +228,7 @@ private:
     int fileRateHz = 0; ///< Of the stream.
     int convertedHz = 0; ///< Of what is queued, if that is converted; otherwise 0.
     unsigned long wantedHz = 0; ///< 0: the file's own rate.
+    Start start;
     bool isDry = false; ///< The last look at the queue found nothing to read.
     float gain = 1.0f;
     bool isCutOut = false;

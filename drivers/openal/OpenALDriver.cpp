@@ -58,7 +58,7 @@ bool OpenALDriver::OpenRendered(int rateHz)
     if (!device.OpenLoopback(rateHz, options.hrtf)) {
         return false;
     }
-    renderer = std::make_unique<OfflineRenderer>(device, voices, acoustics);
+    renderer = std::make_unique<OfflineRenderer>(device, voices, acoustics, options.renderThreads);
     return renderer->Open(options.renderPath.GetText(), rateHz);
 }
 
@@ -87,7 +87,7 @@ void OpenALDriver::SetMaxChannels(int count)
     const int available = std::min(voices.Build(2 * wanted), wanted);
     for (int i = 0; i < available; ++i) {
         channels.push_back(std::make_unique<OpenALChannel>(
-            ChannelServices{options, device, voices, acoustics, listener, feeder.get()}));
+            ChannelServices{options, startTimes, device, voices, acoustics, listener, feeder.get()}));
     }
     if (feeder) {
         feeder->Start(channels);
@@ -96,11 +96,13 @@ void OpenALDriver::SetMaxChannels(int count)
 
 void OpenALDriver::BeginUpdate(unsigned long elapsedMs)
 {
+    const auto ms = static_cast<std::uint32_t>(
+        std::min<unsigned long>(elapsedMs, std::numeric_limits<std::uint32_t>::max()));
+    startTimes.BeginUpdate(ms);
     if (renderer) {
         // Here this is the thread that pumps, and takes the locks of channels.
         const FeederScope scope(device);
-        const auto ms = std::min<unsigned long>(elapsedMs, std::numeric_limits<std::uint32_t>::max());
-        renderer->Render(static_cast<std::uint32_t>(ms), channels);
+        renderer->Render(ms, channels);
     }
     ReportEvents();
     const ContextScope scope(device);
@@ -117,6 +119,7 @@ void OpenALDriver::EndUpdate()
     const ContextScope scope(device);
     device.ProcessUpdates();
     voices.SetDeferred(false);
+    startTimes.EndUpdate();
     isDeferring = false;
 }
 

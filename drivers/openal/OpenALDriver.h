@@ -97,6 +97,7 @@ private:
     float mainGain = 1.0f;
     Listener listener;
     bool isDeferring = false;
+    StartTimes startTimes;
     OutputDevice device;
     VoicePool voices{device};
     Acoustics acoustics{device};

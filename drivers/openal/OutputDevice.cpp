@@ -97,6 +97,17 @@ std::int64_t OutputDevice::GetMixClock() const
     return loopback ? renderedFrames : session->GetMixClock();
 }
 
+std::int64_t OutputDevice::GetMixLag(std::int64_t time) const
+{
+    if (loopback || !session) {
+        return 0;
+    }
+    const std::scoped_lock lock(timelineMutex);
+    const std::int64_t mixed = session->GetMixClock();
+    timeline.Observe(GetSteadyNanoseconds(), mixed);
+    return timeline.ToMixed(time) - mixed;
+}
+
 bool OutputDevice::IsConnected() const
 {
     return source.IsConnected(session->GetDevice());
@@ -104,6 +115,8 @@ bool OutputDevice::IsConnected() const
 
 std::unique_ptr<AlSession> OutputDevice::Exchange(std::unique_ptr<AlSession> newSession)
 {
+    const std::scoped_lock lock(timelineMutex);
+    timeline.Reset();
     return std::exchange(session, std::move(newSession));
 }
 

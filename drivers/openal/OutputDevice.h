@@ -1,6 +1,7 @@
 #pragma once
 
 #include "drivers/openal/AlSession.h"
+#include "drivers/openal/MixTimeline.h"
 #include "harmonet/engine/Vector.h"
 
 #include <array>
@@ -60,6 +61,19 @@ public:
     std::int64_t GetMixClock() const;
     std::int64_t GetSettleTime() const { return loopback ? 1 : session->GetSettleTime(); }
 
+    /// Whether that goes by what the device mixes; otherwise by the time of the machine.
+    bool HasMixClock() const { return loopback || session->HasMixClock(); }
+
+    /// The part of a sample frame by which the time of a loopback device is ahead of what it has rendered.
+    double GetRenderedFraction() const { return renderedFraction; }
+    void SetRenderedFraction(double fraction) { renderedFraction = fraction; }
+
+    /// How far the device's clock lags behind what it would be if it mixed without steps, at a time of the
+    /// machine, which can lie in the future: in nanoseconds. 0 of a loopback device and without one.
+    std::int64_t GetMixLag(std::int64_t time) const;
+    /// Looks at the clock. To be called every now and then.
+    void ObserveMixClock() const { GetMixLag(0); }
+
     /// Settings of sources and listener made between these two take hold together.
     void DeferUpdates();
     void ProcessUpdates();
@@ -103,11 +117,14 @@ private:
     int rate = 0;
     Hrtf hrtf = Hrtf::DeviceDefault;
     std::int64_t renderedFrames = 0;
+    double renderedFraction = 0.0;
     std::array<float, 6> surplus{}; ///< Of a loopback device: up to three sample frames not yet given out.
     int surplusFrames = 0;
     ListenerSettings listener;
     mutable std::recursive_mutex mutex; ///< Recursive, since scopes can be nested.
     std::unique_ptr<AlSession> session; ///< Changed under the mutex.
+    mutable std::mutex timelineMutex;
+    mutable MixTimeline timeline; ///< Under its mutex.
 };
 
 /// Makes the device's context the calling thread's own, and gives the thread back what it had. This one is

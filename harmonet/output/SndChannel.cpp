@@ -32,4 +32,6 @@ void SndChannel::Unlock()
     chanLock.Unlock();
 }
 
+void SndChannel::SetStartTime(std::int64_t, std::int64_t) {}
+
 } // namespace Quon

@@ -5,6 +5,8 @@
 #include "harmonet/engine/SyncObject.h"
 #include "harmonet/engine/Vector.h"
 
+#include <cstdint>
+
 namespace Quon
 {
 
@@ -109,6 +111,15 @@ public:
     virtual bool GetFXParamEq(FXParamEq* record) = 0;
     virtual bool GetFXGargle(FXGargle* record) = 0;
     virtual bool GetFXWavesReverb(FXWavesReverb* record) = 0;
+
+    /// When the game asked for the sound that is about to begin; called before Play(), and not for a sound
+    /// that comes back. A driver that keeps it has all sounds wait for the same time, so that their rhythm is
+    /// that of the game and not that of the updates. The default does nothing: the sound begins with Play().
+    ///
+    /// `gameMicroseconds` is in game time: during an update it counts from the update before, between two
+    /// updates from the last one. `agoMicroseconds` is how long ago that was by the machine's clock; less
+    /// than 0 for a start that the game has put off to a time that is still to come.
+    virtual void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds);
 
 protected:
     int type = 0;

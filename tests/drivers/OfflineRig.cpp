@@ -103,13 +103,16 @@ Rendering ReadRendering(const std::string& path)
     return read;
 }
 
-OfflineRig::OfflineRig(int maxChannels, int outputRateHz, const char* hrtf)
+OfflineRig::OfflineRig(int maxChannels, int outputRateHz, const char* hrtf, const OptionValues& others)
     : DriverRig("HarmonetOpenAL")
 {
     static int fileNumber = 0;
     path = (GetTestFolder() / ("heard, " + std::to_string(++fileNumber) + ".wav")).string();
     GetOptions().Set("OpenALRender", path.c_str());
     GetOptions().Set("OpenALHRTF", hrtf);
+    for (const auto& [name, value] : others) {
+        GetOptions().Set(name, value);
+    }
     EXPECT_TRUE(Open(outputRateHz, maxChannels));
 }
 

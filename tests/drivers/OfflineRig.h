@@ -41,8 +41,11 @@ class OfflineRig : public DriverRig
 public:
     static constexpr int rateHz = 44100;
 
+    using OptionValues = std::vector<std::pair<const char*, const char*>>;
+
     /// Opens the driver. `hrtf` is the option "OpenALHRTF"; null: not set.
-    explicit OfflineRig(int maxChannels = 8, int outputRateHz = rateHz, const char* hrtf = nullptr);
+    explicit OfflineRig(int maxChannels = 8, int outputRateHz = rateHz, const char* hrtf = nullptr,
+        const OptionValues& others = {});
     ~OfflineRig() override;
 
     /// All that has been rendered so far. It goes on being rendered.

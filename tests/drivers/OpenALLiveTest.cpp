@@ -59,6 +59,9 @@ protected:
             if (Draw(3) == 0) {
                 channel->FadeIn(Draw(200));
             }
+            if (Draw(3) == 0) {
+                channel->SetStartTime(Draw(50000), Draw(50000) - 10000);
+            }
             channel->Play();
             sounds[channel] = {head, looping};
         }

@@ -59,6 +59,28 @@ TEST(OpenALStream, AQueueOfFilesAndALoopAreHeardBitByBitWithoutASeam)
     }
 }
 
+// What is read beside the mixing depends on nothing that the machine does.
+TEST(OpenALStream, AnyNumberOfThreadsRendersTheSame)
+{
+    std::vector<double> rendered;
+    for (const char* const threads : {"1", "2", "5"}) {
+        OfflineRig rig(24, rateHz, nullptr, {{"OpenALRenderThreads", threads}});
+        for (int i = 0; i < 20; ++i) {
+            FormulaFile& file = rig.Make({3000 + 997 * i, i % 2 ? 22050 : rateHz, 1 + i % 3 / 2},
+                [i](int frame, int side) { return 0.05 * Scatter()(frame + i, side); });
+            file.Add(&rig.Make({5000, file.GetSampleFrequency(), file.GetChannels()}, Scatter()));
+            rig.Play(file, i % 4 == 0 ? ChanLooping : 0u);
+            rig.Step(static_cast<unsigned long>(40 + i));
+        }
+        rig.Step(1000);
+        const Rendering heard = rig.Heard();
+        if (rendered.empty()) {
+            rendered = heard.samples;
+        }
+        EXPECT_EQ(heard.samples, rendered) << threads;
+    }
+}
+
 TEST(OpenALFade, FadesAreStraightLinesInWhichTheGainCountsAndTheEndOfOneIsTheEndOfTheSound)
 {
     for (const int fileHz : {rateHz, 22050}) {

@@ -1,0 +1,72 @@
+#include "drivers/openal/ReadCrew.h"
+
+namespace Quon
+{
+
+ReadCrew::ReadCrew(int threads)
+{
+    for (int i = 1; i < threads; ++i) {
+        helpers.emplace_back([this] { Run(); });
+    }
+}
+
+ReadCrew::~ReadCrew()
+{
+    {
+        const std::scoped_lock lock(mutex);
+        isEnding = true;
+    }
+    wake.notify_all();
+    for (std::thread& helper : helpers) {
+        helper.join();
+    }
+}
+
+void ReadCrew::Begin(Channels newChannels, std::int64_t newMicroseconds)
+{
+    {
+        // One that has overslept the last round may still be looking for work.
+        std::unique_lock lock(mutex);
+        done.wait(lock, [this] { return working == 0; });
+        channels = newChannels;
+        microseconds = newMicroseconds;
+        next = 0;
+        ++round;
+    }
+    wake.notify_all();
+}
+
+void ReadCrew::Finish()
+{
+    Work();
+    std::unique_lock lock(mutex);
+    done.wait(lock, [this] { return working == 0; });
+}
+
+void ReadCrew::Work()
+{
+    for (std::size_t i = next++; i < channels.size(); i = next++) {
+        channels[i]->ReadAhead(microseconds);
+    }
+}
+
+void ReadCrew::Run()
+{
+    unsigned seen = 0;
+    std::unique_lock lock(mutex);
+    while (true) {
+        wake.wait(lock, [&] { return isEnding || round != seen; });
+        if (isEnding) {
+            return;
+        }
+        seen = round;
+        ++working;
+        lock.unlock();
+        Work();
+        lock.lock();
+        --working;
+        done.notify_one();
+    }
+}
+
+} // namespace Quon
