@@ -219,7 +219,7 @@ void SndFileMP3::Rewind()
     frameSamples = 0;
     pcmIndex = 0;
     windowHeld = 0;
-    marks.Clear();
+    frameMarks.Clear();
     if (overlapBuffer != nullptr) {
         std::fill_n(overlapBuffer, maxChannels * overlapPerChannel, 0.0f);
     }
@@ -320,7 +320,7 @@ bool SndFileMP3::DecodeFrame(int sample)
 {
     const FrameMark mark = {readPosition, sample};
     if (ReadFrame()) {
-        marks.Add(mark);
+        frameMarks.Add(mark);
         pcmIndex = 0;
         return true;
     }
@@ -454,7 +454,7 @@ bool SndFileMP3::DecodeTo(int target)
 {
     // The bit reservoir reaches back no more than that far at usual bit rates, and the filters one frame.
     constexpr int warmUpFrames = 3;
-    const FrameMark* const mark = marks.Find(target, warmUpFrames);
+    const FrameMark* const mark = frameMarks.Find(target, warmUpFrames);
     if (mark == nullptr) {
         return false;
     }

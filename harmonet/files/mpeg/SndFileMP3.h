@@ -166,7 +166,7 @@ private:
     int windowBegin = 0; ///< Position of its first byte.
     int windowHeld = 0; ///< Bytes in it.
 
-    FrameMarks marks; ///< Of the frames that have been decoded.
+    FrameMarks frameMarks; ///< Of the frames that have been decoded.
 };
 
 /// 3 if the file is MPEG audio of the kind that SndFileMP3 plays, going by its wrapper or by its first four
