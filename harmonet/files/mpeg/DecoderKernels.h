@@ -8,9 +8,9 @@ namespace Quon
 
 /// The decoder's arithmetic in the form that the processor at hand runs fastest. The same source is compiled
 /// on the compiler's vectors of four for the least processor of the build (SSE2, 64-bit ARM), in plain loops,
-/// and on x86-64 once more for AVX2 with fused multiplication. Their PCM differs by rounding alone, at most
-/// by one step of 16 bits. All functions work on plain arrays, allocate nothing, and may run on several
-/// threads at once.
+/// and on x86-64 once more for AVX2 with fused multiplication. Their PCM differs by rounding alone: at
+/// most by one step of 16 bits as long as the decoded values stay within about full scale, by more beyond it.
+/// All functions work on plain arrays, allocate nothing, and may run on several threads at once.
 ///
 /// "Padded" arrays have room for `linePadding` more floats behind their content, which may be overwritten.
 
