@@ -5,12 +5,14 @@ Usage: tool_test.py TOOL. With HARMONET_NO_RENDERING set what needs the OpenAL d
 names the command that runs a tool built for another machine.
 """
 import array
+import json
 import math
 import os
 import pty
 import resource
 import shlex
 import signal
+import struct
 import subprocess
 import sys
 import tempfile
@@ -74,43 +76,81 @@ class SoundsTest(ToolCase):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
         (self.folder / "text.wav").write_text("This is no sound.")
         (self.folder / "empty.wav").write_bytes(b"")
-        for arguments, said in [
-            (["info", "missing.wav"], "there is no file 'missing.wav'"),
-            (["play", "missing.wav"], "there is no file 'missing.wav'"),
-            (["decode", "missing.wav", "out.wav"], "there is no file 'missing.wav'"),
-            (["info", "text.wav"], "'text.wav' is neither"),
-            (["play", tone, "text.wav"], "'text.wav' is neither"),
-            (["decode", "text.wav", "out.wav"], "'text.wav' is neither"),
-            (["info", "empty.wav"], "'empty.wav' is empty"),
-            (["info", "."], "is not a file"),
-            (["play", tone, "--driver", "NoSuchDriver"], "no sound driver works"),
-            (["play", tone, "--render", "nowhere/out.wav"], "cannot write 'nowhere/out.wav'"),
-            (["decode", tone, "nowhere/out.wav"], "cannot write 'nowhere/out.wav'"),
-            (["decode", tone, tone], "the same file"),
-            (["play", tone, "--loop", "--render", "out.wav"], "needs --seconds"),
-            (["play", tone, "--driver", "HarmonetNull", "--option", "nonsense"], "'nonsense' is no option"),
+        for code, arguments, said in [
+            (3, ["info", "missing.wav"], "there is no file 'missing.wav'"),
+            (3, ["play", "missing.wav"], "there is no file 'missing.wav'"),
+            (3, ["decode", "missing.wav", "out.wav"], "there is no file 'missing.wav'"),
+            (4, ["info", "text.wav"], "'text.wav' is neither"),
+            (4, ["play", tone, "text.wav"], "'text.wav' is neither"),
+            (4, ["decode", "text.wav", "out.wav"], "'text.wav' is neither"),
+            (3, ["info", "empty.wav"], "'empty.wav' is empty"),
+            (3, ["info", "."], "is not a file"),
+            (7, ["play", tone, "--driver", "NoSuchDriver"], "no sound driver works"),
+            (5, ["play", tone, "--render", "nowhere/out.wav"], "cannot write to 'nowhere/out.wav'"),
+            (5, ["decode", tone, "nowhere/out.wav"], "cannot write to 'nowhere/out.wav'"),
+            (2, ["decode", tone, tone], "the same file"),
+            (2, ["play", tone, "--loop", "--render", "out.wav"], "needs --seconds"),
+            (2, ["play", tone, "--driver", "HarmonetNull", "--option", "nonsense"], "'nonsense' is no option"),
+            (5, ["decode", tone, "/dev/full"], "No space left"),
         ]:
             with self.subTest(arguments):
                 done = self.run_tool(*arguments)
-                self.assertEqual(done.returncode, 1)
+                self.assertEqual(done.returncode, code)
                 self.assertIn(said, done.stderr)
                 self.assertEqual(done.stderr.count("\n"), 1, done.stderr)
                 self.assertFalse((self.folder / "out.wav").exists())
 
     def test_wrong_arguments_are_refused(self):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
-        for arguments in [[], ["sing"], ["play"], ["play", tone, "--at", "1,2"], ["play", tone, "--gain", "2"],
-                          ["play", tone, "--seconds", "x"], ["decode", tone],
-                          ["play", tone, "--driver", "HarmonetNull", "--channels", "509"]]:
+        null = ["play", tone, "--driver", "HarmonetNull"]
+        for arguments, said in [([], "expected a command"), (["sing"], "'sing' is no command"), (["play"], "FILE"),
+                                ([*null, "--at", "1,2"], "--at"), ([*null, "--at", "1,nan,2"], "got 'nan'"),
+                                ([*null, "--gain", "2"], "--gain"), ([*null, "--gain", "nan"], "got 'nan'"),
+                                ([*null, "--seconds", "x"], "got 'x'"), (["decode", tone], "OUT.wav"),
+                                ([*null, "--channels", "509"], "--channels"), (["paly", tone], "did you mean 'play'?"),
+                                ([*null, "--piority", "3"], "did you mean '--priority'?")]:
             with self.subTest(arguments):
                 done = self.run_tool(*arguments)
-                self.assertNotEqual(done.returncode, 0)
-                self.assertNotEqual(done.stderr, "")
+                self.assertEqual(done.returncode, 2)
+                self.assertIn(said, done.stderr)
+
+    def test_the_help_lists_the_exit_codes(self):
+        for code in range(8):
+            self.assertRegex(self.succeed("--help"), rf"(?m)^  {code}  [`\w]")
+
+    def test_streams_take_the_place_of_files(self):
+        tone = (self.folder / self.write_wave("tone.wav", sine(440, 0.1, 0.5))).read_bytes()
+        definition = b"*SOUND_DEFINITION { *FILE tone.wav }"
+        for arguments, given, expected in [(["decode", "-", "-"], tone, tone),
+                                           (["check", "-"], definition, b"-: good\n")]:
+            with self.subTest(arguments):
+                done = subprocess.run([*TOOL, *arguments], cwd=self.folder, input=given, capture_output=True,
+                                      check=False)
+                self.assertEqual((done.returncode, done.stdout, done.stderr), (0, expected, b""))
+        read, write = os.pipe()
+        os.close(read)
+        done = self.run_tool("decode", "tone.wav", "-", stdout=write)
+        os.close(write)
+        self.assertEqual(done.returncode, 6, done.stderr)
+
+    def test_json_is_a_line_for_each_file(self):
+        self.write_wave("tone.wav", sine(440, 0.5, 0.5))
+        (self.folder / "a.sound").write_text("*SOUND_DEFINITION { *FILE tone.wav\n*GAIN 0.5\n*FX_ECHO\n*LOUD 1 }")
+        done = self.run_tool("info", "--json", "missing.wav", "tone.wav", "a.sound")
+        self.assertEqual(done.returncode, 3)
+        missing, tone, definition = map(json.loads, done.stdout.splitlines())
+        self.assertEqual((missing["file"], missing["exitCode"]), ("missing.wav", 3))
+        self.assertIn("no file", missing["error"])
+        self.assertEqual((tone["rateHz"], tone["channels"], tone["sampleFrames"]), (RATE_HZ, 1, RATE_HZ // 2))
+        self.assertEqual((definition["soundFile"], definition["gain"]), ("tone.wav", 0.5))
+        self.assertIn("*LEFTDELAY", definition["effects"]["*FX_ECHO"])
+        checked = json.loads(self.run_tool("check", "--json", "a.sound").stdout)
+        self.assertEqual((checked["errors"], checked["findings"][0]["line"]), (1, 4))
 
     def test_info_goes_on_behind_a_bad_file(self):
         tone = self.write_wave("tone.wav", sine(440, 0.5, 0.5))
         done = self.run_tool("info", "missing.wav", tone)
-        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.returncode, 3)
         for words in ["PCM wave", f"{RATE_HZ} Hz", "500 ms", f"{RATE_HZ // 2} sample frames"]:
             self.assertIn(words, done.stdout)
 
@@ -152,7 +192,7 @@ class SoundsTest(ToolCase):
             with self.subTest(name):
                 (self.folder / "in.mp3").write_bytes(stream)
                 done = self.run_tool("decode", "in.mp3", "out.wav")
-                self.assertEqual(done.returncode, 0 if is_whole else 1)
+                self.assertEqual(done.returncode, 0 if is_whole else 4)
                 self.assertEqual("half-way" in done.stderr, not is_whole, done.stderr)
                 self.assertEqual((self.folder / "out.wav").exists(), is_whole)
                 (self.folder / "out.wav").unlink(missing_ok=True)
@@ -170,7 +210,7 @@ class SoundsTest(ToolCase):
                 largest = max(abs(a - b) for a, b in zip(samples, standard, strict=True))
                 self.assertEqual(largest <= 1, is_standard, largest)
         done = self.run_tool("decode", "in.mp3", "out.wav", "--option", "MpegStandard")
-        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.returncode, 2)
         self.assertIn("'MpegStandard' is no option of the form Key=Value", done.stderr)
 
     def test_no_sound_is_rendered_into_itself(self):
@@ -183,7 +223,7 @@ class SoundsTest(ToolCase):
                        ["--render", "out.wav", "--option", f"OpenALRender = ./{tone}"]]:
             with self.subTest(output):
                 done = self.run_tool("play", other, tone, *output)
-                self.assertEqual((done.returncode, (self.folder / tone).read_bytes()), (1, before))
+                self.assertEqual((done.returncode, (self.folder / tone).read_bytes()), (2, before))
                 self.assertIn("the same file", done.stderr)
                 self.assertFalse((self.folder / "out.wav").exists())
 
@@ -206,7 +246,7 @@ class SoundsTest(ToolCase):
             resource.setrlimit(resource.RLIMIT_FSIZE, (20000, 20000))
 
         done = self.run_tool("play", tone, "--render", "out.wav", preexec_fn=limit_files)
-        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.returncode, 5)
         self.assertIn("the rendered file is cut off", done.stderr)
         self.assertGreater(len(self.read_wave("out.wav")[0]), 0)
 
@@ -214,7 +254,7 @@ class SoundsTest(ToolCase):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
         with open("/dev/full", "w", encoding="utf-8") as full:
             done = self.run_tool("info", tone, stdout=full)
-        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.returncode, 5)
         self.assertIn("cannot write to the standard output", done.stderr)
 
     @needs_rendering
@@ -276,6 +316,95 @@ class SoundsTest(ToolCase):
         os.close(terminal)
         os.close(ours)
         self.assertIn(b"\r\033[K0:00.5, 1 playing", shown)
+
+
+def extensible(channels, bits, pcm, mask):
+    """A wave file whose format chunk has the long form, which the library does not read."""
+    frame = channels * bits // 8
+    subtype = bytes.fromhex("0100000000001000800000aa00389b71")
+    head = struct.pack("<HHIIHHHHI", 0xFFFE, channels, RATE_HZ, RATE_HZ * frame, frame, bits, 22, bits, mask) + subtype
+    chunks = b"WAVEfmt " + struct.pack("<I", len(head)) + head + b"data" + struct.pack("<I", len(pcm)) + pcm
+    return b"RIFF" + struct.pack("<I", len(chunks)) + chunks
+
+
+@unittest.skipIf("HARMONET_NO_CONVERTER" in os.environ, "no converter was built")
+class ConvertTest(ToolCase):
+    def write_24_bits(self, name, samples, channels=1, mask=4):
+        pcm = b"".join((sample << 8).to_bytes(3, "little", signed=True) for sample in samples)
+        path = self.folder / name
+        path.parent.mkdir(exist_ok=True)
+        path.write_bytes(extensible(channels, 24, pcm, mask))
+
+    def test_what_does_not_play_is_explained_and_mended(self):
+        tone = sine(440, 0.2, 0.5)
+        stream = (STREAMS / "mono-48000.mp3").read_bytes()
+        self.write_24_bits("deep.wav", tone)
+        (self.folder / "tagged.mp3").write_bytes(
+            b"ID3\x03\0\0\0\0\0\x14" + b"TIT2\0\0\0\x0a\0\0\0A title..".ljust(20, b"\0") + stream
+            + b"TAG".ljust(128, b"\0"))
+        for name, said, mended in [("deep.wav", "24 bit PCM", "deep-converted.wav"),
+                                   ("tagged.mp3", "a tag or other bytes", "tagged-converted.mp3")]:
+            with self.subTest(name):
+                done = self.run_tool("info", name)
+                self.assertEqual(done.returncode, 4)
+                self.assertIn(said, done.stderr)
+                self.assertIn(f"`harmonet convert '{name}' '{mended}'`", done.stderr)
+                self.succeed("convert", name, mended)
+                self.succeed("info", mended)
+        self.assertEqual(self.read_wave("deep-converted.wav")[0], tone)
+        self.assertEqual((self.folder / "tagged-converted.mp3").read_bytes(), stream)
+
+    def test_a_sound_is_resampled_mixed_and_brought_to_a_loudness(self):
+        # Six channels with a tone in the centre, which goes to both sides.
+        tone = sine(997, 1.0, 0.05)
+        silence = array.array("h", bytes(2 * len(tone)))
+        frames = [sample for frame in zip(silence, silence, tone, silence, silence, silence) for sample in frame]
+        self.write_24_bits("six.wav", frames, 6, 0x3F)
+        self.succeed("convert", "six.wav", "out.wav", "--channels", "1", "--rate", "32000", "--loudness", "-23")
+        with wave.open(str(self.folder / "out.wav")) as out:
+            self.assertEqual((out.getnchannels(), out.getframerate(), out.getnframes()), (1, 32000, 32000))
+        # A sine of 997 Hz in one channel is as many LUFS as its root mean square in decibels.
+        self.assertAlmostEqual(20 * math.log10(rms(self.read_wave("out.wav")[0])), -23, delta=0.2)
+        # As stereo the sides are equal, and peaks stay below full scale.
+        self.assertIn("so that its peaks are not cut",
+                      self.run_tool("convert", "six.wav", "out.wav", "--channels", "2", "--loudness", "0").stderr)
+        left, right = self.read_wave("out.wav")
+        self.assertEqual(left, right)
+        self.assertAlmostEqual(20 * math.log10(max(left) / 32768), -1, delta=0.1)
+
+    def test_a_folder_is_converted_where_it_has_changed(self):
+        self.write_24_bits("in/one.wav", sine(440, 0.1, 0.5))
+        self.write_24_bits("in/two.wav", sine(440, 0.2, 0.5))
+        (self.folder / "in/readme.txt").write_text("This is no sound.")
+        for options, expected in [([], (2, 0)), ([], (0, 2)), (["--all"], (2, 0)), (["--format", "adpcm"], (2, 0))]:
+            said = self.succeed("convert", "in", "out", *options)
+            self.assertIn("%d converted, %d unchanged, 1 no sounds" % expected, said)
+        self.assertIn("Microsoft ADPCM wave", self.succeed("info", "out/two.wav"))
+        self.write_24_bits("in/one.wav", sine(440, 0.3, 0.5))
+        lines = self.succeed("convert", "--json", "in", "out", "--format", "adpcm").splitlines()
+        self.assertEqual([(Path(line["output"]).name, line["action"]) for line in map(json.loads, lines)],
+                         [("one.wav", "converted"), ("two.wav", "unchanged")])
+
+    def test_a_failed_conversion_leaves_the_file_that_was_there(self):
+        self.write_24_bits("deep.wav", sine(440, 0.2, 0.5))
+        (self.folder / "text.wav").write_text("This is no sound.")
+        (self.folder / "cut.wav").write_bytes((self.folder / "deep.wav").read_bytes()[:-900])
+        for code, arguments, said in [
+            (3, ["missing.flac", "out.wav"], "there is no file 'missing.flac'"),
+            (4, ["text.wav", "out.wav"], "is no sound file of a known kind"),
+            (2, ["deep.wav", "deep.wav"], "written to itself"),
+            (2, ["deep.wav", "out.mp3", "--rate", "8000"], "nothing is coded as MPEG"),
+            (2, ["deep.wav", "in/../deep.wav", "out/"], "would both become"),
+            (5, ["deep.wav", "/dev/full"], "cannot write to"),
+            (0, ["cut.wav", "cut out.wav"], "warning: 'cut.wav' is cut off"),
+        ]:
+            with self.subTest(arguments):
+                (self.folder / "out.wav").write_text("before")
+                done = self.run_tool("convert", *arguments)
+                self.assertEqual(done.returncode, code, done.stderr)
+                self.assertIn(said, done.stderr)
+                self.assertEqual((self.folder / "out.wav").read_text(), "before")
+                self.assertEqual(list(self.folder.glob("*.part")), [])
 
 
 class DefinitionsTest(ToolCase):
@@ -375,14 +504,14 @@ class DefinitionsTest(ToolCase):
                 self.assertEqual(exit_code, 1)
                 self.assertIn(said, "\n".join(lines))
                 done = self.run_tool("info", "x.sound")
-                self.assertEqual((done.returncode, done.stdout), (1, ""))
+                self.assertEqual((done.returncode, done.stdout), (4, ""))
                 self.assertIn("does not load", done.stderr)
 
     def test_all_files_are_looked_at_whatever_becomes_of_each(self):
         self.write("good.sound", "*FILE a.wav")
         self.write_text("plain.txt", "*SOUND_DEFINITION { *FILE a.wav }")
         exit_code, lines, errors = self.check("missing.sound", "plain.txt", "good.sound")
-        self.assertEqual((exit_code, lines), (1, ["good.sound: good"]))
+        self.assertEqual((exit_code, lines), (3, ["good.sound: good"]))
         self.assertIn("cannot reach 'missing.sound'", errors)
         self.assertIn("'plain.txt' is no sound definition", errors)
 
@@ -392,7 +521,7 @@ class DefinitionsTest(ToolCase):
         self.assertEqual(self.check("--root", ".", "sounds/deep.sound"), (0, ["sounds/deep.sound: good"], ""))
         self.write("out.sound", "*FILE a.wav")
         exit_code, _, errors = self.check("--root", "sounds", "out.sound")
-        self.assertEqual(exit_code, 1)
+        self.assertEqual(exit_code, 2)
         self.assertIn("'out.sound' does not lie below 'sounds'", errors)
 
     def test_info_shows_the_settings_as_they_were_loaded(self):

@@ -1,9 +1,8 @@
 #include "tools/harmonet/Commands.h"
 #include "tools/harmonet/DefinitionCheck.h"
-#include "tools/harmonet/ToolError.h"
+#include "tools/harmonet/FileReports.h"
+#include "tools/harmonet/Findings.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <memory>
 
 namespace Tool
@@ -17,56 +16,24 @@ struct CheckArguments
     std::vector<std::string> paths;
     std::string root;
     bool isStrict = false;
+    bool isJson = false;
 };
 
-struct Count
+ExitCode Check(const std::string& path, const CheckArguments& arguments)
 {
-    int errors = 0;
-    int warnings = 0;
-};
-
-std::string Describe(const Count& count)
-{
-    const auto name = [](int number, const char* what) {
-        return std::to_string(number) + ' ' + what + (number == 1 ? "" : "s");
-    };
-    if (count.errors == 0 && count.warnings == 0)
-        return "good";
-    return name(count.errors, "error") + ", " + name(count.warnings, "warning");
+    DefinitionFile file(path, arguments.root);
+    const std::vector<Finding> findings = DefinitionCheck().Run(file);
+    arguments.isJson ? PrintFindingsAsJson(path, findings) : PrintFindings(path, findings);
+    const Count count = CountFindings(findings);
+    const bool isGood = count.errors == 0 && (count.warnings == 0 || !arguments.isStrict);
+    return isGood ? ExitCode::Done : ExitCode::Failed;
 }
 
-Count Check(const std::string& path, const std::string& root)
-{
-    DefinitionFile file(path, root);
-    Count count;
-    for (const Finding& finding : DefinitionCheck().Run(file)) {
-        ++(finding.isError ? count.errors : count.warnings);
-        const std::string place = finding.line > 0 ? ':' + std::to_string(finding.line) : std::string();
-        std::printf("%s%s: %s: %s\n", path.c_str(), place.c_str(), finding.isError ? "error" : "warning",
-            finding.text.c_str());
-    }
-    std::printf("%s: %s\n", path.c_str(), Describe(count).c_str());
-    return count;
-}
-
-/// Goes through all files, whatever becomes of each.
-int RunCheck(const CheckArguments& arguments)
+ExitCode RunCheck(const CheckArguments& arguments)
 {
     const DefinitionHost host;
-    int exitCode = EXIT_SUCCESS;
-    for (const std::string& path : arguments.paths) {
-        try {
-            const Count count = Check(path, arguments.root);
-            if (count.errors > 0 || (arguments.isStrict && count.warnings > 0))
-                exitCode = EXIT_FAILURE;
-        }
-        catch (const ToolError& error) {
-            std::fflush(stdout);
-            std::fprintf(stderr, "harmonet: %s\n", error.what());
-            exitCode = EXIT_FAILURE;
-        }
-    }
-    return exitCode;
+    return ForEachFile(
+        arguments.paths, arguments.isJson, [&](const std::string& path) { return Check(path, arguments); });
 }
 
 } // namespace
@@ -78,10 +45,14 @@ void AddCheckCommand(CLI::App& program, Action& action)
         "check", "Read sound definitions as a game would, and tell what is wrong with them or passed over.");
     command->footer(
         "The exit code is 0 if there are no errors, with --strict if there is nothing at all to tell.");
-    command->add_option("FILE", arguments->paths, "The definitions, *.sound or *.sound.txt")->required();
+    command
+        ->add_option(
+            "FILE", arguments->paths, "The definitions, *.sound or *.sound.txt, or - for the standard input")
+        ->required();
     command->add_option("--root", arguments->root,
         "The folder to which the names of sound files refer; by default that of each definition");
     command->add_flag("--strict", arguments->isStrict, "Let warnings count as errors");
+    command->add_flag("--json", arguments->isJson, "A line of JSON for each definition");
     command->callback([arguments, &action] { action = [arguments] { return RunCheck(*arguments); }; });
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/harmonet/ExitCode.h"
+
 #include <CLI/CLI.hpp>
 
 #include <functional>
@@ -7,9 +9,8 @@
 namespace Tool
 {
 
-/// What a subcommand does once the arguments are known; gives the exit code of the program. May throw a
-/// ToolError.
-using Action = std::function<int()>;
+/// What a subcommand does once the arguments are known. May throw a ToolError.
+using Action = std::function<ExitCode()>;
 
 // Each adds its subcommand with its options to the program, and stores what it does in `action` when it is
 // the one that was asked for.
@@ -18,5 +19,6 @@ void AddPlayCommand(CLI::App& program, Action& action);
 void AddInfoCommand(CLI::App& program, Action& action);
 void AddDecodeCommand(CLI::App& program, Action& action);
 void AddCheckCommand(CLI::App& program, Action& action);
+void AddConvertCommand(CLI::App& program, Action& action);
 
 } // namespace Tool

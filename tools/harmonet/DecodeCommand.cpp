@@ -2,13 +2,12 @@
 #include "harmonet/files/SndFileService.h"
 #include "tools/harmonet/Commands.h"
 #include "tools/harmonet/EngineOptions.h"
+#include "tools/harmonet/Output.h"
 #include "tools/harmonet/SoundData.h"
 #include "tools/harmonet/ToolError.h"
 #include "tools/harmonet/WaveWriter.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 
 namespace Tool
@@ -32,7 +31,8 @@ void CheckFormat(const Quon::SoundFormat& now, const Quon::SoundFormat& atStart)
     if (now.GetChannels() != atStart.GetChannels() ||
         now.GetSampleFrequency() != atStart.GetSampleFrequency()) {
         throw ToolError(
-            "the sound changes its number of channels or its rate half-way, which a wave file cannot do");
+            "the sound changes its number of channels or its rate half-way, which a wave file cannot do",
+            ExitCode::BadInput);
     }
 }
 
@@ -58,12 +58,12 @@ void WarnIfCutOff(const Quon::SndFile& data, const std::string& shown)
     constexpr unsigned long unknownBytes = 0xFFFFFFFF;
     const int stated = data.GetSoundSamples();
     if (data.GetCurrentSample() < stated && data.Size() != unknownBytes) {
-        std::fprintf(stderr, "harmonet: warning: '%s' is cut off: it holds %d of %d sample frames\n",
-            shown.c_str(), data.GetCurrentSample(), stated);
+        Warn("'" + shown + "' is cut off: it holds " + std::to_string(data.GetCurrentSample()) + " of " +
+            std::to_string(stated) + " sample frames");
     }
 }
 
-int RunDecode(const DecodeArguments& arguments)
+ExitCode RunDecode(const DecodeArguments& arguments)
 {
     Quon::OS os;
     SetEngineOptions(*os.GetOptions(), arguments.options);
@@ -71,14 +71,16 @@ int RunDecode(const DecodeArguments& arguments)
     const FileArguments files({arguments.input});
     std::error_code error;
     if (std::filesystem::equivalent(arguments.input, arguments.output, error))
-        throw ToolError("input and output are the same file");
+        throw ToolError("input and output are the same file", ExitCode::BadArguments);
 
     const auto data = OpenSoundData(files.GetFiles().front());
-    WaveWriter writer(arguments.output, *data);
+    OutputFile output(arguments.output);
+    WaveWriter writer(output, *data);
     CopySound(*data, writer);
     writer.Finish();
+    output.Commit();
     WarnIfCutOff(*data, files.GetFiles().front().shown);
-    return EXIT_SUCCESS;
+    return ExitCode::Done;
 }
 
 } // namespace
@@ -88,8 +90,10 @@ void AddDecodeCommand(CLI::App& program, Action& action)
     const auto arguments = std::make_shared<DecodeArguments>();
     CLI::App* const command =
         program.add_subcommand("decode", "Write the PCM of a sound file to a wave file.");
-    command->add_option("FILE", arguments->input, "The sound file")->required();
-    command->add_option("OUT.wav", arguments->output, "The wave file; one that exists is replaced")
+    command->add_option("FILE", arguments->input, "The sound file, or - for the standard input")->required();
+    command
+        ->add_option("OUT.wav", arguments->output,
+            "The wave file, or - for the standard output; one that exists is replaced")
         ->required();
     command->add_option("--option", arguments->options, "An option of the engine, as \"MpegStandard=1\"")
         ->type_name("KEY=VALUE")

@@ -2,6 +2,7 @@
 
 #include "harmonet/definitions/DefinitionListener.h"
 #include "tools/harmonet/DefinitionFile.h"
+#include "tools/harmonet/Findings.h"
 
 #include <string>
 #include <unordered_map>
@@ -9,14 +10,6 @@
 
 namespace Tool
 {
-
-/// Something that whoever wrote a definition should look at.
-struct Finding
-{
-    int line; ///< 0 for the file as a whole.
-    bool isError; ///< Something is not read, not there or not heeded. Else it is only odd.
-    std::string text;
-};
 
 /// Reads a definition as the library does, hears what the reading comes across, and then looks at what
 /// will become of the settings when a sound is made. Used once.

@@ -17,6 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* owner = "assets";
 constexpr const char* endings[] = {".sound", ".sound.txt"};
+constexpr const char* nameForStream = "stdin.sound";
 constexpr int lookupMode = 2;
 
 fs::path Canonical(const std::string& shown)
@@ -24,7 +25,7 @@ fs::path Canonical(const std::string& shown)
     std::error_code error;
     fs::path path = fs::canonical(shown, error);
     if (error)
-        throw ToolError("cannot reach '" + shown + "': " + error.message());
+        throw ToolError("cannot reach '" + shown + "': " + error.message(), ExitCode::NoInput);
     return path;
 }
 
@@ -54,21 +55,24 @@ bool DefinitionFile::IsDefinitionName(const std::string& path)
     return false;
 }
 
-DefinitionFile::DefinitionFile(const std::string& path, const std::string& root)
+DefinitionFile::DefinitionFile(const std::string& path, const std::string& newRoot)
+    : input(path, nameForStream)
+    , root(newRoot)
 {
-    if (!IsDefinitionName(path))
-        throw ToolError("'" + path + "' is no sound definition; their names end with .sound or .sound.txt");
-    const fs::path file = Canonical(path);
-    const fs::path folder = root.empty() ? file.parent_path() : Canonical(root);
+    if (!IsDefinitionName(input.GetPath()))
+        throw ToolError("'" + path + "' is no sound definition; their names end with .sound or .sound.txt",
+            ExitCode::BadInput);
+    const fs::path file = Canonical(input.GetPath());
+    const fs::path folder = root.empty() || IsFromStream() ? file.parent_path() : Canonical(root);
     const fs::path name = file.lexically_relative(folder);
     if (name.empty() || *name.begin() == "..")
-        throw ToolError("'" + path + "' does not lie below '" + root + "'");
+        throw ToolError("'" + path + "' does not lie below '" + root + "'", ExitCode::BadArguments);
     if (!database.AddFolder(Quon::PString(owner), folder.c_str()))
-        throw ToolError("'" + folder.string() + "' is no folder");
+        throw ToolError("'" + folder.string() + "' is no folder", ExitCode::NoInput);
     const Quon::Resource* found = database.Lookup(Quon::PString(name.c_str()), lookupMode);
     resource = dynamic_cast<const Quon::SoundDefResource*>(found);
     if (!resource)
-        throw ToolError("'" + path + "' cannot be read");
+        throw ToolError("'" + path + "' cannot be read", ExitCode::NoInput);
 }
 
 DefinitionFile::~DefinitionFile()
@@ -82,7 +86,15 @@ DefinitionFile::~DefinitionFile()
 bool DefinitionFile::Load()
 {
     isLocked = isLocked || resource->Lock(&database).IsOk();
+    // From here on the temporary folder is not looked at any more, but the one that the names refer to.
+    if (IsFromStream())
+        database.AddFolder(Quon::PString(owner), root.empty() ? "." : root.c_str());
     return isLocked;
+}
+
+bool DefinitionFile::IsFromStream() const
+{
+    return input.GetPath() != input.GetShown();
 }
 
 } // namespace Tool

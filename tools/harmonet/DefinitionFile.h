@@ -5,6 +5,7 @@
 #include "harmonet/engine/OS.h"
 #include "harmonet/engine/ResourceDatabase.h"
 #include "harmonet/files/SndFileService.h"
+#include "tools/harmonet/InputFile.h"
 
 #include <memory>
 #include <string>
@@ -36,9 +37,10 @@ class DefinitionFile
 public:
     static bool IsDefinitionName(const std::string& path);
 
-    /// `root` is the folder to which names of files refer; empty for the definition's own folder. Throws a
-    /// ToolError if the definition is not there, does not lie below the root or is none by its name.
-    DefinitionFile(const std::string& path, const std::string& root);
+    /// `newRoot` is the folder to which names of files refer; empty for the definition's own folder, which
+    /// for one from the standard input is the current folder. Throws a ToolError if the definition is not
+    /// there, does not lie below the root or is none by its name.
+    DefinitionFile(const std::string& path, const std::string& newRoot);
     DefinitionFile(const DefinitionFile&) = delete;
     DefinitionFile& operator=(const DefinitionFile&) = delete;
     ~DefinitionFile();
@@ -49,6 +51,10 @@ public:
     const Quon::SoundDefResource& GetSettings() const { return *resource; }
 
 private:
+    bool IsFromStream() const;
+
+    InputFile input;
+    std::string root;
     Quon::ResourceDatabase database;
     const Quon::SoundDefResource* resource = nullptr;
     bool isLocked = false;

@@ -2,9 +2,11 @@
 
 #include "harmonet/definitions/EffectKeywords.h"
 #include "tools/harmonet/Format.h"
-#include "tools/harmonet/ToolError.h"
+#include "tools/harmonet/Output.h"
 
-#include <cstdio>
+#include <nlohmann/json.hpp>
+
+#include <algorithm>
 #include <cstring>
 
 namespace Tool
@@ -13,10 +15,16 @@ namespace Tool
 namespace
 {
 
-void PrintSetting(const char* name, const std::string& value)
+using Json = nlohmann::ordered_json;
+
+/// One line of the description and one member of its JSON.
+struct Setting
 {
-    std::printf("  %-19s %s\n", name, value.c_str());
-}
+    const char* label;
+    std::string text;
+    const char* key;
+    Json value;
+};
 
 std::string Yes(bool on)
 {
@@ -28,6 +36,11 @@ std::string Format(const Quon::Vector3& place)
     return FormatNumber(place.x) + ' ' + FormatNumber(place.y) + ' ' + FormatNumber(place.z);
 }
 
+Json ToJson(const Quon::Vector3& place)
+{
+    return {place.x, place.y, place.z};
+}
+
 std::string FormatFrequency(const Quon::SoundDefResource& sound)
 {
     const std::string rate =
@@ -35,32 +48,100 @@ std::string FormatFrequency(const Quon::SoundDefResource& sound)
     return rate + (sound.GetChgFrequency() ? ", can change" : "");
 }
 
-std::string FormatField(const Quon::EffectField& field, const void* record)
+double ReadField(const Quon::EffectField& field, const void* record)
 {
     const auto* place = static_cast<const unsigned char*>(record) + field.offset;
     std::int32_t whole = 0;
     float number = 0.0F;
     std::memcpy(&whole, place, sizeof whole);
     std::memcpy(&number, place, sizeof number);
-    return std::string(field.keyword.GetView()) + ' ' + FormatNumber(field.isInt ? whole : number);
+    return field.isInt ? whole : number;
 }
 
-void PrintEffect(const Quon::SndFXDesc& effect)
+Setting DescribeEffect(const Quon::SndFXDesc& effect)
 {
     const Quon::EffectKeywords& keywords = Quon::GetEffectKeywords(effect.effect);
     std::string fields;
-    for (const Quon::EffectField& field : keywords.fields)
-        fields += (fields.empty() ? "" : "  ") + FormatField(field, effect.GetRecord());
-    PrintSetting(keywords.keyword.GetText(), fields);
+    Json values = Json::object();
+    for (const Quon::EffectField& field : keywords.fields) {
+        const std::string keyword(field.keyword.GetView());
+        const double value = ReadField(field, effect.GetRecord());
+        fields += (fields.empty() ? "" : "  ") + keyword + ' ' + FormatNumber(value);
+        values[keyword] = value;
+    }
+    return {keywords.keyword.GetText(), fields, "effects", {{keywords.keyword.GetText(), values}}};
 }
 
-void PrintLine(const Quon::SoundDefResource& sound)
+void AddLine(const Quon::SoundDefResource& sound, std::vector<Setting>& settings)
 {
-    PrintSetting("line",
-        std::to_string(sound.GetNumPoints()) + " points, " + std::to_string(sound.GetNumAddSounds()) +
-            " additional sounds, angle " + FormatNumber(sound.GetMinAngle()));
+    Json points = Json::array();
     for (int i = 0; i < sound.GetNumPoints(); ++i)
-        PrintSetting("", Format(sound.GetPolyline()[i]));
+        points.push_back(ToJson(sound.GetPolyline()[i]));
+    settings.push_back({"line",
+        std::to_string(sound.GetNumPoints()) + " points, " + std::to_string(sound.GetNumAddSounds()) +
+            " additional sounds, angle " + FormatNumber(sound.GetMinAngle()),
+        "line",
+        {{"points", points}, {"additionalSounds", sound.GetNumAddSounds()}, {"angle", sound.GetMinAngle()}}});
+    for (int i = 0; i < sound.GetNumPoints(); ++i)
+        settings.push_back({"", Format(sound.GetPolyline()[i]), nullptr, nullptr});
+}
+
+std::vector<Setting> DescribeEffects(const Quon::SoundDefResource& sound)
+{
+    std::vector<Setting> described;
+    const Quon::SndFXList effects = sound.GetFXList();
+    const unsigned char* place = effects.GetEffectsArr();
+    for (unsigned long left = effects.GetNumEffects(); left > 0; --left) {
+        const auto& effect = *reinterpret_cast<const Quon::SndFXDesc*>(place);
+        described.push_back(DescribeEffect(effect));
+        place += sizeof effect + effect.size;
+    }
+    return described;
+}
+
+std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
+{
+    const std::string file(sound.GetFileName().GetView());
+    std::vector<Setting> settings = {{"sound file", file, "soundFile", file},
+        {"looping", Yes(sound.GetLooping()), "looping", sound.GetLooping()},
+        {"gain", FormatNumber(sound.GetGain()), "gain", sound.GetGain()},
+        {"delay", std::to_string(sound.GetDelay()) + " ms", "delayMs", sound.GetDelay()},
+        {"distances",
+            FormatNumber(sound.GetMinDistance()) + " to " + FormatNumber(sound.GetMaxDistance()) +
+                (sound.GetCutout() ? ", cut out beyond" : ""),
+            "distances",
+            {{"minimum", sound.GetMinDistance()}, {"maximum", sound.GetMaxDistance()},
+                {"cutout", sound.GetCutout()}}},
+        {"cone",
+            FormatNumber(sound.GetInnerConeAngle()) + " to " + FormatNumber(sound.GetOuterConeAngle()) +
+                " degrees, gain outside " + FormatNumber(sound.GetConeGain()),
+            "cone",
+            {{"innerAngle", sound.GetInnerConeAngle()}, {"outerAngle", sound.GetOuterConeAngle()},
+                {"gainOutside", sound.GetConeGain()}}},
+        {"position", Format(sound.GetPosition()), "position", ToJson(sound.GetPosition())},
+        {"rate", FormatFrequency(sound), "rate",
+            {{"hertz", sound.GetFrequency()}, {"canChange", sound.GetChgFrequency()}}},
+        {"listener's effects", sound.GetDisableMicFX() ? "do not apply" : "apply", "listenerEffects",
+            !sound.GetDisableMicFX()}};
+    if (sound.GetPolyline())
+        AddLine(sound, settings);
+    return settings;
+}
+
+void Load(DefinitionFile& file, const std::string& path)
+{
+    if (!file.Load())
+        throw ToolError("'" + path + "' does not load; `harmonet check` tells why", ExitCode::BadInput);
+}
+
+void PrintSettings(const std::vector<Setting>& settings)
+{
+    constexpr std::size_t labelWidth = 19;
+    for (const Setting& setting : settings) {
+        std::string label = setting.label;
+        label.resize(std::max(label.size(), labelWidth), ' ');
+        Print("  " + label + ' ' + setting.text + '\n');
+    }
 }
 
 } // namespace
@@ -68,32 +149,25 @@ void PrintLine(const Quon::SoundDefResource& sound)
 void PrintDefinition(const std::string& path)
 {
     DefinitionFile file(path, "");
-    if (!file.Load())
-        throw ToolError("'" + path + "' does not load; harmonet check tells why");
-    const Quon::SoundDefResource& sound = file.GetSettings();
-    std::printf("%s\n", path.c_str());
-    PrintSetting("sound file", std::string(sound.GetFileName().GetView()));
-    PrintSetting("looping", Yes(sound.GetLooping()));
-    PrintSetting("gain", FormatNumber(sound.GetGain()));
-    PrintSetting("delay", std::to_string(sound.GetDelay()) + " ms");
-    PrintSetting("distances",
-        FormatNumber(sound.GetMinDistance()) + " to " + FormatNumber(sound.GetMaxDistance()) +
-            (sound.GetCutout() ? ", cut out beyond" : ""));
-    PrintSetting("cone",
-        FormatNumber(sound.GetInnerConeAngle()) + " to " + FormatNumber(sound.GetOuterConeAngle()) +
-            " degrees, gain outside " + FormatNumber(sound.GetConeGain()));
-    PrintSetting("position", Format(sound.GetPosition()));
-    PrintSetting("rate", FormatFrequency(sound));
-    PrintSetting("listener's effects", sound.GetDisableMicFX() ? "do not apply" : "apply");
-    if (sound.GetPolyline())
-        PrintLine(sound);
-    const Quon::SndFXList effects = sound.GetFXList();
-    const unsigned char* place = effects.GetEffectsArr();
-    for (unsigned long left = effects.GetNumEffects(); left > 0; --left) {
-        const auto& effect = *reinterpret_cast<const Quon::SndFXDesc*>(place);
-        PrintEffect(effect);
-        place += sizeof effect + effect.size;
+    Load(file, path);
+    Print(path + '\n');
+    PrintSettings(DescribeSettings(file.GetSettings()));
+    PrintSettings(DescribeEffects(file.GetSettings()));
+}
+
+Json DescribeDefinition(const std::string& path)
+{
+    DefinitionFile file(path, "");
+    Load(file, path);
+    Json description = {{"file", path}};
+    for (const Setting& setting : DescribeSettings(file.GetSettings())) {
+        if (setting.key)
+            description[setting.key] = setting.value;
     }
+    description["effects"] = Json::object();
+    for (const Setting& effect : DescribeEffects(file.GetSettings()))
+        description["effects"].update(effect.value);
+    return description;
 }
 
 } // namespace Tool

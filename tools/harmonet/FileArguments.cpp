@@ -20,9 +20,9 @@ fs::path Canonical(const std::string& shown)
     std::error_code error;
     fs::path path = fs::canonical(shown, error);
     if (error == std::errc::no_such_file_or_directory)
-        throw ToolError("there is no file '" + shown + "'");
+        throw ToolError("there is no file '" + shown + "'", ExitCode::NoInput);
     if (error)
-        throw ToolError("cannot reach '" + shown + "': " + error.message());
+        throw ToolError("cannot reach '" + shown + "': " + error.message(), ExitCode::NoInput);
     return path;
 }
 
@@ -40,7 +40,7 @@ void CheckReadable(const FileArguments::File& file)
     Quon::File opened;
     const Quon::Result result = opened.Open(Quon::PString(), file.name.GetText(), Quon::File::modeRead);
     if (!result.IsOk())
-        throw ToolError("'" + file.shown + "' " + FormatOpenCode(result.GetCode()));
+        throw ToolError("'" + file.shown + "' " + FormatOpenCode(result.GetCode()), ExitCode::NoInput);
 }
 
 } // namespace
@@ -49,14 +49,16 @@ FileArguments::FileArguments(const std::vector<std::string>& paths)
 {
     std::vector<fs::path> found;
     found.reserve(paths.size());
-    for (const std::string& shown : paths)
-        found.push_back(Canonical(shown));
+    for (const std::string& shown : paths) {
+        inputs.push_back(std::make_unique<InputFile>(shown, "stdin"));
+        found.push_back(Canonical(inputs.back()->GetPath()));
+    }
 
     fs::path root = found.front().parent_path();
     for (const fs::path& path : found)
         root = CommonFolder(root, path.parent_path());
     if (!Quon::File::AddRoot(Quon::PString(), root.c_str()))
-        throw ToolError("cannot reach the folder '" + root.string() + "'");
+        throw ToolError("cannot reach the folder '" + root.string() + "'", ExitCode::NoInput);
 
     for (std::size_t i = 0; i < paths.size(); ++i) {
         files.push_back({paths[i], Quon::PString(found[i].lexically_relative(root).c_str())});

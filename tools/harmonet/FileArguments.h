@@ -1,14 +1,16 @@
 #pragma once
 
 #include "harmonet/engine/PString.h"
+#include "tools/harmonet/InputFile.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace Tool
 {
 
-/// The files that were named on the command line, made known to the engine.
+/// The files that were named on the command line, the standard input among them, made known to the engine.
 ///
 /// The engine finds files below root folders alone. Here the root of all plain names is the deepest folder
 /// that holds all the files, so that a single file's folder is its root and nothing beside the files is
@@ -28,6 +30,7 @@ public:
     const std::vector<File>& GetFiles() const { return files; }
 
 private:
+    std::vector<std::unique_ptr<InputFile>> inputs;
     std::vector<File> files;
 };
 

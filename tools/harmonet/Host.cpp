@@ -27,7 +27,7 @@ constexpr float soundStepSeconds = 0.041F;
 void CheckWritable(const std::string& path)
 {
     if (!path.empty() && !std::ofstream(path, std::ios::app))
-        throw ToolError("cannot write '" + path + "'");
+        throw ToolError("cannot write to '" + path + "'", ExitCode::NoOutput);
 }
 
 } // namespace
@@ -41,8 +41,9 @@ Host::Host(const Settings& settings)
     CheckWritable(settings.renderPath);
     if (!StartSystem()) {
         throw ToolError("no sound driver works of those tried (" + drivers + ")" +
-            (isLive ? "; without an output device there are --render OUT.wav and --driver HarmonetNull"
-                    : std::string()));
+                (isLive ? "; without an output device there are --render OUT.wav and --driver HarmonetNull"
+                        : std::string()),
+            ExitCode::NoDriver);
     }
     Quon::TaskList::Get().SetMinimumStep(Quon::PString("HarmonetTask"), soundStepSeconds);
     listener.Activate();
@@ -75,7 +76,8 @@ void Host::CheckInputs(const std::vector<std::string>& inputs)
     for (const std::string& input : inputs) {
         std::error_code ignored;
         if (std::filesystem::equivalent(input, output.GetText(), ignored))
-            throw ToolError("'" + input + "' is played and rendered into; these cannot be the same file");
+            throw ToolError("'" + input + "' is played and rendered into; these cannot be the same file",
+                ExitCode::BadArguments);
     }
 }
 
@@ -85,7 +87,8 @@ void Host::Update(int elapsedMs)
     const float seconds = static_cast<float>(elapsedMs) / 1000.0F;
     Quon::TaskList::Get().Update(std::nextafter(seconds, std::numeric_limits<float>::max()));
     if (Quon::SoundSystem::HasLostOutput())
-        throw ToolError("the rendered file is cut off: the disk is full, or the file has reached 4 GiB");
+        throw ToolError("the rendered file is cut off: the disk is full, or the file has reached 4 GiB",
+            ExitCode::NoOutput);
 }
 
 } // namespace Tool

@@ -1,10 +1,9 @@
 #include "tools/harmonet/Commands.h"
 #include "tools/harmonet/DefinitionInfo.h"
+#include "tools/harmonet/FileReports.h"
 #include "tools/harmonet/SoundData.h"
-#include "tools/harmonet/ToolError.h"
 
-#include <cstdio>
-#include <cstdlib>
+#include <nlohmann/json.hpp>
 
 namespace Tool
 {
@@ -12,45 +11,66 @@ namespace Tool
 namespace
 {
 
+struct InfoArguments
+{
+    std::vector<std::string> paths;
+    bool isJson = false;
+};
+
 void PrintSound(const std::string& path)
 {
     const FileArguments arguments({path});
     const auto data = OpenSoundData(arguments.GetFiles().front());
-    std::printf("%s\n", path.c_str());
-    std::printf("  type              %s\n", DescribeType(*data));
-    std::printf("  rate              %d Hz\n", data->GetSampleFrequency());
-    std::printf("  channels          %d\n", data->GetChannels());
-    std::printf("  bytes per sample  %d\n", data->GetBytesPerSample());
-    std::printf("  length            %s (%lu ms, %d sample frames)\n",
-        DescribeTime(data->GetSoundLength()).c_str(), data->GetSoundLength(), data->GetSoundSamples());
+    const std::string length = DescribeTime(data->GetSoundLength()) + " (" +
+        std::to_string(data->GetSoundLength()) + " ms, " + std::to_string(data->GetSoundSamples()) +
+        " sample frames)";
+    Print(path + '\n');
+    Print(std::string("  type              ") + DescribeType(*data) + '\n');
+    Print("  rate              " + std::to_string(data->GetSampleFrequency()) + " Hz\n");
+    Print("  channels          " + std::to_string(data->GetChannels()) + '\n');
+    Print("  bytes per sample  " + std::to_string(data->GetBytesPerSample()) + '\n');
+    Print("  length            " + length + '\n');
 }
 
-/// Goes through all files, whatever becomes of each; a failure shows in the exit code.
-int RunInfo(const std::vector<std::string>& paths)
+nlohmann::ordered_json DescribeSound(const std::string& path)
+{
+    const FileArguments arguments({path});
+    const auto data = OpenSoundData(arguments.GetFiles().front());
+    return {{"file", path}, {"type", DescribeType(*data)}, {"rateHz", data->GetSampleFrequency()},
+        {"channels", data->GetChannels()}, {"bytesPerSample", data->GetBytesPerSample()},
+        {"lengthMs", data->GetSoundLength()}, {"sampleFrames", data->GetSoundSamples()}};
+}
+
+void Show(const std::string& path, bool isJson)
+{
+    const bool isDefinition = DefinitionFile::IsDefinitionName(path);
+    if (isJson)
+        PrintJson(isDefinition ? DescribeDefinition(path) : DescribeSound(path));
+    else
+        isDefinition ? PrintDefinition(path) : PrintSound(path);
+}
+
+ExitCode RunInfo(const InfoArguments& arguments)
 {
     const DefinitionHost host;
-    int exitCode = EXIT_SUCCESS;
-    for (const std::string& path : paths) {
-        try {
-            DefinitionFile::IsDefinitionName(path) ? PrintDefinition(path) : PrintSound(path);
-        }
-        catch (const ToolError& error) {
-            std::fflush(stdout);
-            std::fprintf(stderr, "harmonet: %s\n", error.what());
-            exitCode = EXIT_FAILURE;
-        }
-    }
-    return exitCode;
+    return ForEachFile(arguments.paths, arguments.isJson, [&](const std::string& path) {
+        Show(path, arguments.isJson);
+        return ExitCode::Done;
+    });
 }
 
 } // namespace
 
 void AddInfoCommand(CLI::App& program, Action& action)
 {
-    const auto paths = std::make_shared<std::vector<std::string>>();
+    const auto arguments = std::make_shared<InfoArguments>();
     CLI::App* const command = program.add_subcommand("info", "Tell what sound files and definitions hold.");
-    command->add_option("FILE", *paths, "Sound files and definitions")->required();
-    command->callback([paths, &action] { action = [paths] { return RunInfo(*paths); }; });
+    command
+        ->add_option(
+            "FILE", arguments->paths, "Sound files and definitions; - is a sound from the standard input")
+        ->required();
+    command->add_flag("--json", arguments->isJson, "A line of JSON for each file");
+    command->callback([arguments, &action] { action = [arguments] { return RunInfo(*arguments); }; });
 }
 
 } // namespace Tool

@@ -1,5 +1,6 @@
 #include "harmonet/files/SndFileService.h"
 #include "harmonet/instances/Sound.h"
+#include "tools/harmonet/Arguments.h"
 #include "tools/harmonet/Commands.h"
 #include "tools/harmonet/GameClock.h"
 #include "tools/harmonet/Host.h"
@@ -9,7 +10,6 @@
 #include "tools/harmonet/ToolError.h"
 
 #include <cmath>
-#include <cstdlib>
 #include <limits>
 
 namespace Tool
@@ -59,7 +59,7 @@ void StartOrFail(Quon::Sound& group, const PlayArguments& arguments, const FileA
     // At once, so that a rendered file begins with the sound. More sounds than channels have to compete.
     if (Start(group, arguments, file.name, flags | Quon::Sound::StartImmediately) == 0 &&
         Start(group, arguments, file.name, flags) == 0)
-        throw ToolError("'" + file.shown + "' cannot be played");
+        throw ToolError("'" + file.shown + "' cannot be played", ExitCode::BadInput);
 }
 
 long LimitMs(const PlayArguments& arguments)
@@ -76,10 +76,10 @@ void CheckSounds(const FileArguments& files)
         OpenSoundData(file);
 }
 
-int RunPlay(const PlayArguments& arguments)
+ExitCode RunPlay(const PlayArguments& arguments)
 {
     if (arguments.isLooping && arguments.seconds <= 0.0 && !arguments.host.renderPath.empty())
-        throw ToolError("a loop has no end; rendering one needs --seconds");
+        throw ToolError("a loop has no end; rendering one needs --seconds", ExitCode::BadArguments);
     const FileArguments files(arguments.paths);
     CheckSounds(files);
     CatchInterrupt();
@@ -104,7 +104,7 @@ int RunPlay(const PlayArguments& arguments)
         playedMs += elapsedMs;
         report.ShowProgress(static_cast<unsigned long>(playedMs));
     } while (report.IsUnfinished() && playedMs < limitMs && !IsInterrupted());
-    return EXIT_SUCCESS;
+    return ExitCode::Done;
 }
 
 } // namespace
@@ -120,12 +120,17 @@ void AddPlayCommand(CLI::App& program, Action& action)
             "--at", values.position, "Place of the sounds, the listener being at 0,0,0 looking along -z")
         ->type_name("X,Y,Z")
         ->delimiter(',')
+        ->check(FiniteNumber())
         ->expected(3)
         ->allow_extra_args(false);
     command.add_flag("--loop", values.isLooping, "Play without end");
-    command.add_option("--gain", values.gain, "Linear gain")->check(CLI::Range(0.0, 1.0));
+    command.add_option("--gain", values.gain, "Linear gain")
+        ->check(FiniteNumber())
+        ->check(CLI::Range(0.0, 1.0));
     command.add_option("--priority", values.priority, "Greater is more important");
-    command.add_option("--seconds", values.seconds, "Stop after this time")->check(CLI::Range(0.1, 1e6));
+    command.add_option("--seconds", values.seconds, "Stop after this time")
+        ->check(FiniteNumber())
+        ->check(CLI::Range(0.1, 1e6));
     command.add_option("--channels", values.host.channels, "How many sounds can be heard at once")
         ->check(CLI::Range(1, mostChannels));
     CLI::Option* const driver = command.add_option(

@@ -1,6 +1,7 @@
 #include "tools/harmonet/SoundData.h"
 
 #include "tools/harmonet/ToolError.h"
+#include "tools/harmonet/convert/Diagnosis.h"
 
 #include <array>
 #include <cstdio>
@@ -12,7 +13,9 @@ std::unique_ptr<Quon::SndFile> OpenSoundData(const FileArguments::File& file)
 {
     std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(Quon::PString(), file.name));
     if (!data)
-        throw ToolError("'" + file.shown + "' is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III");
+        throw ToolError("'" + file.shown + "' is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III" +
+                DescribeRemedy(file.shown),
+            ExitCode::BadInput);
     return data;
 }
 

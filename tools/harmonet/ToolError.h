@@ -1,15 +1,28 @@
 #pragma once
 
+#include "tools/harmonet/ExitCode.h"
+
 #include <stdexcept>
+#include <string>
 
 namespace Tool
 {
 
-/// A reason to give up, as one sentence for the user without a full stop. main() prints it.
+/// A reason to give up, as one sentence for the user without a full stop, and the exit code that goes with
+/// it. main() prints it.
 class ToolError : public std::runtime_error
 {
 public:
-    using std::runtime_error::runtime_error;
+    explicit ToolError(const std::string& sentence, ExitCode newCode = ExitCode::Failed)
+        : std::runtime_error(sentence)
+        , code(newCode)
+    {
+    }
+
+    ExitCode GetCode() const { return code; }
+
+private:
+    ExitCode code;
 };
 
 } // namespace Tool

@@ -1,11 +1,9 @@
 #include "tools/harmonet/WaveWriter.h"
 
-#include "tools/harmonet/ToolError.h"
+#include "tools/harmonet/Output.h"
 
 #include <array>
 #include <cerrno>
-#include <cstring>
-#include <filesystem>
 #include <string_view>
 
 namespace Tool
@@ -42,28 +40,21 @@ private:
 
 } // namespace
 
-WaveWriter::WaveWriter(const std::string& newPath, const Quon::SoundFormat& newFormat)
-    : path(newPath)
+WaveWriter::WaveWriter(const OutputFile& newOutput, const Quon::SoundFormat& newFormat)
+    : output(newOutput)
     , format(newFormat)
-    , file(std::fopen(newPath.c_str(), "wb"))
+    , file(std::fopen(newOutput.GetPath().c_str(), "wb"))
 {
     // The head comes last, when the lengths are known.
     if (!file || std::fseek(file.get(), headBytes, SEEK_SET) != 0)
         Fail(errno);
 }
 
-WaveWriter::~WaveWriter()
-{
-    std::error_code ignored;
-    if (file && std::filesystem::is_regular_file(path, ignored))
-        std::filesystem::remove(path, ignored);
-}
-
 void WaveWriter::Write(const unsigned char* pcm, std::size_t bytes)
 {
     dataBytes += bytes;
     if (dataBytes > maxDataBytes)
-        throw ToolError("the sound is too long for a wave file");
+        throw ToolError("the sound is too long for a wave file", ExitCode::BadInput);
     WriteAll(pcm, bytes);
 }
 
@@ -112,7 +103,7 @@ void WaveWriter::WriteAll(const void* bytes, std::size_t count)
 
 void WaveWriter::Fail(int reason) const
 {
-    throw ToolError("cannot write '" + path + "': " + std::strerror(reason));
+    throw WriteError(output.GetShown(), reason);
 }
 
 } // namespace Tool

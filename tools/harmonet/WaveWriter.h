@@ -1,24 +1,23 @@
 #pragma once
 
 #include "harmonet/output/SoundFormat.h"
+#include "tools/harmonet/OutputFile.h"
 
 #include <cstdint>
 #include <cstdio>
 #include <memory>
-#include <string>
 
 namespace Tool
 {
 
-/// Writes PCM into a new RIFF/WAVE file, of which it leaves nothing behind unless it is finished.
+/// Writes PCM into a new RIFF/WAVE file.
 class WaveWriter
 {
 public:
-    /// Replaces the file of that path. Throws a ToolError, as the others do, when the system refuses.
-    WaveWriter(const std::string& newPath, const Quon::SoundFormat& newFormat);
+    /// The output must outlive this. Throws a ToolError, as the others do, when the system refuses.
+    WaveWriter(const OutputFile& newOutput, const Quon::SoundFormat& newFormat);
     WaveWriter(const WaveWriter&) = delete;
     WaveWriter& operator=(const WaveWriter&) = delete;
-    ~WaveWriter();
 
     /// Appends interleaved PCM in the format of the file.
     void Write(const unsigned char* pcm, std::size_t bytes);
@@ -36,7 +35,7 @@ private:
     void WriteAll(const void* bytes, std::size_t count);
     [[noreturn]] void Fail(int reason) const;
 
-    std::string path;
+    const OutputFile& output;
     Quon::SoundFormat format;
     std::unique_ptr<std::FILE, Close> file; ///< Null once finished.
     std::uint64_t dataBytes = 0;

@@ -1,48 +1,86 @@
+#include "tools/harmonet/Arguments.h"
 #include "tools/harmonet/Commands.h"
+#include "tools/harmonet/Output.h"
 #include "tools/harmonet/ToolError.h"
 
 #include "harmonet/engine/Exception.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <exception>
 
 namespace
 {
 
-int Run(int argumentCount, char** arguments)
+using Tool::ExitCode;
+
+constexpr const char* exitCodes =
+    "Exit codes:\n"
+    "  0  all went well, with or without warnings\n"
+    "  1  `check` has found errors, or something failed that has no code below\n"
+    "  2  the arguments are not understood\n"
+    "  3  a file is missing or cannot be opened\n"
+    "  4  a file is damaged or of a kind that is not read\n"
+    "  5  a result cannot be written, for example onto a full disk\n"
+    "  6  whoever read the output has closed it\n"
+    "  7  no output driver works";
+
+void AddCommands(CLI::App& program, Tool::Action& action)
 {
-    CLI::App program("Plays, describes, decodes and checks sounds with Harmonet.", "harmonet");
     program.set_version_flag("--version", "harmonet " HARMONET_VERSION);
     program.require_subcommand(1);
-
-    Tool::Action action;
+    program.footer(exitCodes);
     Tool::AddPlayCommand(program, action);
     Tool::AddInfoCommand(program, action);
     Tool::AddDecodeCommand(program, action);
     Tool::AddCheckCommand(program, action);
-    CLI11_PARSE(program, argumentCount, arguments);
-    const int result = action();
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
-        throw Tool::ToolError("cannot write to the standard output");
-    return result;
+    Tool::AddConvertCommand(program, action);
+}
+
+ExitCode Run(int argumentCount, char** arguments)
+{
+    CLI::App program("Plays, describes, decodes, checks and converts sounds with Harmonet.", "harmonet");
+    Tool::Action action;
+    AddCommands(program, action);
+    try {
+        program.parse(argumentCount, arguments);
+    }
+    catch (const CLI::Success& request) {
+        // The help or the version was asked for.
+        program.exit(request);
+        Tool::FlushOutput();
+        return ExitCode::Done;
+    }
+    catch (const CLI::ParseError& error) {
+        throw Tool::ToolError(
+            Tool::ExplainArguments(program, error, {arguments + 1, arguments + argumentCount}),
+            ExitCode::BadArguments);
+    }
+    const ExitCode code = action();
+    Tool::FlushOutput();
+    return code;
+}
+
+ExitCode RunGuarded(int argumentCount, char** arguments)
+{
+    try {
+        return Run(argumentCount, arguments);
+    }
+    catch (const Tool::ToolError& error) {
+        Tool::Complain(error.what());
+        return error.GetCode();
+    }
+    catch (const Quon::Exception& error) {
+        Tool::Complain(std::string("the system failed: ") + error.what());
+    }
+    catch (const std::exception& error) {
+        Tool::Complain(error.what());
+    }
+    return ExitCode::Failed;
 }
 
 } // namespace
 
 int main(int argumentCount, char** arguments)
 {
-    try {
-        return Run(argumentCount, arguments);
-    }
-    catch (const Tool::ToolError& error) {
-        std::fprintf(stderr, "harmonet: %s\n", error.what());
-    }
-    catch (const Quon::Exception& error) {
-        std::fprintf(stderr, "harmonet: the system failed: %s\n", error.what());
-    }
-    catch (const std::exception& error) {
-        std::fprintf(stderr, "harmonet: %s\n", error.what());
-    }
-    return EXIT_FAILURE;
+    Tool::IgnoreClosedPipes();
+    return static_cast<int>(RunGuarded(argumentCount, arguments));
 }

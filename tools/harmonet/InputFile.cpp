@@ -1,0 +1,43 @@
+#include "tools/harmonet/InputFile.h"
+
+#include "tools/harmonet/BinaryStream.h"
+#include "tools/harmonet/ToolError.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace Tool
+{
+
+namespace
+{
+
+struct Close
+{
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+void KeepStandardInput(const std::string& path)
+{
+    const std::unique_ptr<std::FILE, Close> kept(std::fopen(path.c_str(), "wb"));
+    if (!kept)
+        throw ToolError(
+            "cannot keep the standard input: " + std::string(std::strerror(errno)), ExitCode::NoOutput);
+    CopyStream(UseBinary(stdin), "the standard input", kept.get(), "a temporary file");
+}
+
+} // namespace
+
+InputFile::InputFile(const std::string& newShown, const std::string& nameForStream)
+    : shown(newShown)
+    , path(newShown)
+{
+    if (shown != standardStream)
+        return;
+    folder = std::make_unique<TemporaryFolder>();
+    path = (folder->GetPath() / nameForStream).string();
+    KeepStandardInput(path);
+}
+
+} // namespace Tool

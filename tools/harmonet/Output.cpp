@@ -1,0 +1,63 @@
+#include "tools/harmonet/Output.h"
+
+#include <nlohmann/json.hpp>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+
+namespace Tool
+{
+
+namespace
+{
+
+constexpr const char* standardOutput = "the standard output";
+
+} // namespace
+
+void IgnoreClosedPipes()
+{
+#ifdef SIGPIPE
+    std::signal(SIGPIPE, SIG_IGN);
+#endif
+}
+
+void Print(std::string_view text)
+{
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+        throw WriteError(standardOutput, errno);
+}
+
+void PrintJson(const nlohmann::ordered_json& value)
+{
+    constexpr int inOneLine = -1;
+    Print(value.dump(inOneLine, ' ', false, nlohmann::ordered_json::error_handler_t::replace) + '\n');
+}
+
+void FlushOutput()
+{
+    if (std::fflush(stdout) != 0)
+        throw WriteError(standardOutput, errno);
+}
+
+ToolError WriteError(const std::string& what, int reason)
+{
+    if (reason == EPIPE)
+        return ToolError("whoever read " + what + " has closed it", ExitCode::ClosedPipe);
+    return ToolError("cannot write to " + what + ": " + std::strerror(reason), ExitCode::NoOutput);
+}
+
+void Complain(const std::string& sentence)
+{
+    std::fflush(stdout);
+    std::fprintf(stderr, "harmonet: %s\n", sentence.c_str());
+}
+
+void Warn(const std::string& sentence)
+{
+    Complain("warning: " + sentence);
+}
+
+} // namespace Tool

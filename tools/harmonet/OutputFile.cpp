@@ -1,0 +1,89 @@
+#include "tools/harmonet/OutputFile.h"
+
+#include "tools/harmonet/BinaryStream.h"
+#include "tools/harmonet/InputFile.h"
+#include "tools/harmonet/Output.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <filesystem>
+
+namespace Tool
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+constexpr const char* partEnding = ".part";
+
+/// Where the bytes of a file of that name go in the end: through a symbolic link to what it names.
+std::string Target(const std::string& shown)
+{
+    std::error_code error;
+    const fs::path target = fs::canonical(shown, error);
+    return error ? shown : target.string();
+}
+
+struct Close
+{
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+bool IsDevice(const std::string& path)
+{
+    std::error_code error;
+    return fs::exists(path, error) && !fs::is_regular_file(path, error);
+}
+
+} // namespace
+
+OutputFile::OutputFile(const std::string& newShown)
+    : shown(newShown)
+{
+    if (shown == standardStream) {
+        folder = std::make_unique<TemporaryFolder>();
+        path = (folder->GetPath() / "output").string();
+    }
+    else {
+        path = IsDevice(shown) ? shown : Target(shown) + partEnding;
+    }
+}
+
+OutputFile::~OutputFile()
+{
+    std::error_code ignored;
+    if (!path.empty() && path != shown)
+        fs::remove(path, ignored);
+}
+
+std::string OutputFile::GetShown() const
+{
+    return IsStream() ? "the standard output" : '\'' + shown + '\'';
+}
+
+void OutputFile::Commit()
+{
+    if (IsStream()) {
+        CopyToStream();
+    }
+    else if (path != shown) {
+        std::error_code error;
+        fs::rename(path, Target(shown), error);
+        if (error)
+            throw ToolError("cannot write to " + GetShown() + ": " + error.message(), ExitCode::NoOutput);
+        path.clear();
+    }
+}
+
+void OutputFile::CopyToStream() const
+{
+    std::FILE* const written = std::fopen(path.c_str(), "rb");
+    if (!written)
+        throw WriteError(GetShown(), errno);
+    const std::unique_ptr<std::FILE, Close> closing(written);
+    CopyStream(written, "a temporary file", UseBinary(stdout), GetShown());
+}
+
+} // namespace Tool

@@ -1,0 +1,120 @@
+#include "tools/harmonet/convert/ConversionPlan.h"
+
+#include "tools/harmonet/ToolError.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+
+namespace Tool
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+bool IsFolder(const fs::path& path)
+{
+    std::error_code error;
+    return fs::is_directory(path, error);
+}
+
+bool IsHidden(const fs::path& path)
+{
+    return path.filename().string().starts_with('.');
+}
+
+/// All files below the folder, in the order of their names, without hidden ones and without the output's.
+std::vector<fs::path> FindFiles(const fs::path& folder, const fs::path& output)
+{
+    std::vector<fs::path> files;
+    std::error_code error;
+    fs::recursive_directory_iterator place(folder, fs::directory_options::skip_permission_denied, error);
+    for (; !error && place != fs::recursive_directory_iterator(); place.increment(error)) {
+        std::error_code ignored;
+        const bool isOutput = fs::equivalent(place->path(), output, ignored);
+        if (place->is_directory(ignored) && (isOutput || IsHidden(place->path())))
+            place.disable_recursion_pending();
+        else if (place->is_regular_file(ignored) && !IsHidden(place->path()))
+            files.push_back(place->path());
+    }
+    if (error)
+        throw ToolError(
+            "cannot read the folder '" + folder.string() + "': " + error.message(), ExitCode::NoInput);
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+ConversionJob MakeJob(
+    const std::string& input, const fs::path& output, const ConversionSettings& settings, bool isFound)
+{
+    ConversionJob job;
+    job.input = input;
+    job.staysMpeg = StaysMpeg(input, settings);
+    job.output = fs::path(output).replace_extension(job.staysMpeg ? ".mp3" : ".wav").string();
+    job.isFound = isFound;
+    return job;
+}
+
+void AddInput(const std::string& input, const ConversionSettings& settings, ConversionPlan& plan)
+{
+    const fs::path folder = plan.folder;
+    if (!IsFolder(input)) {
+        const fs::path name = input == standardStream ? "stdin" : fs::path(input).filename();
+        plan.jobs.push_back(MakeJob(input, folder / name, settings, false));
+        return;
+    }
+    for (const fs::path& file : FindFiles(input, folder))
+        plan.jobs.push_back(MakeJob(file.string(), folder / file.lexically_relative(input), settings, true));
+}
+
+void CheckOutputs(const ConversionPlan& plan)
+{
+    std::map<fs::path, std::string> inputs;
+    for (const ConversionJob& job : plan.jobs) {
+        const auto [place, isFirst] = inputs.emplace(fs::path(job.output).lexically_normal(), job.input);
+        if (!isFirst)
+            throw ToolError(
+                "'" + place->second + "' and '" + job.input + "' would both become '" + job.output + "'",
+                ExitCode::BadArguments);
+        std::error_code ignored;
+        if (fs::equivalent(job.input, job.output, ignored))
+            throw ToolError("'" + job.input + "' would be written to itself", ExitCode::BadArguments);
+    }
+}
+
+ConversionJob MakeSingleJob(
+    const std::string& input, const std::string& output, const ConversionSettings& settings)
+{
+    ConversionJob job{input, output, false, false};
+    job.staysMpeg = output == standardStream ? StaysMpeg(input, settings) : StaysMpeg(output, settings);
+    if (!job.staysMpeg && StaysMpeg(output, {}))
+        throw ToolError(
+            "nothing is coded as MPEG; the output of a changed sound is a .wav", ExitCode::BadArguments);
+    return job;
+}
+
+} // namespace
+
+ConversionPlan PlanConversions(
+    const std::vector<std::string>& inputs, const std::string& output, const ConversionSettings& settings)
+{
+    ConversionPlan plan;
+    const bool isIntoFolder = inputs.size() > 1 || IsFolder(inputs.front()) || IsFolder(output) ||
+        output.ends_with('/') || output.ends_with(static_cast<char>(fs::path::preferred_separator));
+    if (isIntoFolder) {
+        if (output == standardStream)
+            throw ToolError("several files need a folder to go to", ExitCode::BadArguments);
+        plan.folder = output;
+        for (const std::string& input : inputs)
+            AddInput(input, settings, plan);
+    }
+    else {
+        plan.jobs.push_back(MakeSingleJob(inputs.front(), output, settings));
+    }
+    CheckOutputs(plan);
+    return plan;
+}
+
+} // namespace Tool

@@ -1,0 +1,79 @@
+#include "tools/harmonet/convert/ConversionRecord.h"
+
+#include "tools/harmonet/ToolError.h"
+
+#include <filesystem>
+#include <fstream>
+
+namespace Tool
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+using Json = nlohmann::json;
+
+constexpr const char* recordName = ".harmonet-convert.json";
+
+/// What tells one state of a file from another without reading it; null for a file that is not there.
+Json Stamp(const std::string& path)
+{
+    std::error_code error;
+    const auto bytes = fs::file_size(path, error);
+    const auto time = error ? fs::file_time_type() : fs::last_write_time(path, error);
+    return error ? Json() : Json{bytes, time.time_since_epoch().count()};
+}
+
+} // namespace
+
+ConversionRecord::ConversionRecord(const std::string& folder, const ConversionSettings& settings)
+    : settingsText(settings.ToText())
+    , entries(Json::object())
+{
+    if (folder.empty())
+        return;
+    path = (fs::path(folder) / recordName).string();
+    std::ifstream file{fs::path(path)};
+    Json read = Json::parse(file, nullptr, false);
+    if (read.is_object())
+        entries = std::move(read);
+}
+
+Json ConversionRecord::Describe(const ConversionJob& job) const
+{
+    return {{"input", fs::path(job.input).lexically_normal().string()}, {"inputStamp", Stamp(job.input)},
+        {"outputStamp", Stamp(job.output)}, {"settings", settingsText}};
+}
+
+std::string ConversionRecord::NameOf(const ConversionJob& job) const
+{
+    return fs::path(job.output).lexically_relative(fs::path(path).parent_path()).generic_string();
+}
+
+bool ConversionRecord::IsUpToDate(const ConversionJob& job) const
+{
+    const auto entry = entries.find(NameOf(job));
+    return !path.empty() && entry != entries.end() && !Stamp(job.input).is_null() && *entry == Describe(job);
+}
+
+void ConversionRecord::SetDone(const ConversionJob& job)
+{
+    entries[NameOf(job)] = Describe(job);
+}
+
+void ConversionRecord::Save() const
+{
+    if (path.empty())
+        return;
+    constexpr int indent = 1;
+    OutputFile output(path);
+    std::ofstream file{fs::path(output.GetPath())};
+    file << entries.dump(indent, ' ', false, Json::error_handler_t::replace) << '\n';
+    file.close();
+    if (!file)
+        throw ToolError("cannot write to '" + path + "'", ExitCode::NoOutput);
+    output.Commit();
+}
+
+} // namespace Tool

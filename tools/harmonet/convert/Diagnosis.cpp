@@ -1,0 +1,46 @@
+#include "tools/harmonet/convert/Diagnosis.h"
+
+#include "tools/harmonet/ToolError.h"
+#include "tools/harmonet/convert/SoundReader.h"
+
+#include <filesystem>
+
+namespace Tool
+{
+
+namespace
+{
+
+/// A name for the converted file that is not that of the file.
+std::string SuggestOutput(const std::string& path, const char* ending)
+{
+    const std::filesystem::path file = path;
+    if (path == standardStream)
+        return standardStream;
+    if (file.extension() != ending)
+        return std::filesystem::path(file).replace_extension(ending).string();
+    return (file.parent_path() / (file.stem().string() + "-converted" + ending)).string();
+}
+
+} // namespace
+
+std::string DescribeRemedy(const std::string& path)
+{
+    std::unique_ptr<SoundReader> reader;
+    try {
+        // The standard input has been taken already.
+        reader = path == standardStream ? nullptr : SoundReader::Open(InputFile(path, ""));
+    }
+    catch (const ToolError&) {
+        return "";
+    }
+    if (!reader)
+        return "";
+    const bool isMpeg = reader->IsMpegLayer3();
+    const std::string what =
+        isMpeg ? "MPEG Layer III with a tag or other bytes ahead of it" : reader->Describe();
+    return "; it is " + what + ", and `harmonet convert '" + path + "' '" +
+        SuggestOutput(path, isMpeg ? ".mp3" : ".wav") + "'` makes a file that plays";
+}
+
+} // namespace Tool

@@ -1,0 +1,107 @@
+#include "tools/harmonet/convert/SoundReader.h"
+
+#include "tools/harmonet/ToolError.h"
+
+#include <array>
+#include <filesystem>
+
+namespace Tool
+{
+
+namespace
+{
+
+std::string FormatName(SNDFILE* file, int format)
+{
+    SF_FORMAT_INFO name{};
+    name.format = format;
+    sf_command(file, SFC_GET_FORMAT_INFO, &name, sizeof name);
+    return name.name ? name.name : "unknown";
+}
+
+void CheckIsFile(const InputFile& input)
+{
+    std::error_code error;
+    const auto status = std::filesystem::status(input.GetPath(), error);
+    if (status.type() == std::filesystem::file_type::not_found)
+        throw ToolError("there is no file '" + input.GetShown() + "'", ExitCode::NoInput);
+    if (status.type() != std::filesystem::file_type::regular)
+        throw ToolError("'" + input.GetShown() + "' is not a file", ExitCode::NoInput);
+}
+
+} // namespace
+
+std::unique_ptr<SoundReader> SoundReader::Open(const InputFile& input)
+{
+    CheckIsFile(input);
+    SF_INFO info{};
+    SNDFILE* const opened = sf_open(input.GetPath().c_str(), SFM_READ, &info);
+    if (opened)
+        return std::unique_ptr<SoundReader>(new SoundReader(input.GetShown(), info, opened));
+    if (sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT)
+        return nullptr;
+    const bool isRefused = sf_error(nullptr) == SF_ERR_SYSTEM;
+    throw ToolError("'" + input.GetShown() + "' cannot be read: " + sf_strerror(nullptr),
+        isRefused ? ExitCode::NoInput : ExitCode::BadInput);
+}
+
+SoundReader::SoundReader(std::string newShown, const SF_INFO& newInfo, SNDFILE* opened)
+    : shown(std::move(newShown))
+    , info(newInfo)
+    , file(opened)
+{
+    // An odd file can state anything, and what follows multiplies with it.
+    constexpr int maxChannels = 64;
+    if (info.channels < 1 || info.channels > maxChannels || info.samplerate < 1)
+        throw ToolError(
+            "'" + shown + "' has a number of channels or a rate that is not handled", ExitCode::BadInput);
+}
+
+std::size_t SoundReader::Read(float* out, std::size_t frames)
+{
+    const sf_count_t got = sf_readf_float(file.get(), out, static_cast<sf_count_t>(frames));
+    if (sf_error(file.get()) != SF_ERR_NO_ERROR)
+        throw ToolError("'" + shown + "' is damaged: " + sf_strerror(file.get()), ExitCode::BadInput);
+    framesRead += got;
+    return static_cast<std::size_t>(got);
+}
+
+bool SoundReader::IsMpegLayer3() const
+{
+    return (info.format & SF_FORMAT_TYPEMASK) == SF_FORMAT_MPEG &&
+        (info.format & SF_FORMAT_SUBMASK) == SF_FORMAT_MPEG_LAYER_III;
+}
+
+std::string SoundReader::Describe() const
+{
+    return FormatName(file.get(), info.format & SF_FORMAT_TYPEMASK) + ", " +
+        FormatName(file.get(), info.format & SF_FORMAT_SUBMASK);
+}
+
+std::vector<int> SoundReader::GetChannelMap() const
+{
+    std::vector<int> map(static_cast<std::size_t>(info.channels));
+    const int bytes = static_cast<int>(map.size() * sizeof(int));
+    if (sf_command(file.get(), SFC_GET_CHANNEL_MAP_INFO, map.data(), bytes) == SF_FALSE)
+        map.clear();
+    return map;
+}
+
+std::string SoundReader::DescribeMissing() const
+{
+    if (framesRead < info.frames)
+        return "'" + shown + "' is cut off: it holds " + std::to_string(framesRead) + " of " +
+            std::to_string(info.frames) + " sample frames";
+    // The frames of a wave are counted by what is there, and only the log tells what the head has stated.
+    std::array<char, 16384> log{};
+    sf_command(file.get(), SFC_GET_LOG_INFO, log.data(), log.size());
+    const std::string text = log.data();
+    const std::size_t data = text.find("\ndata : ");
+    const std::string line =
+        data == std::string::npos ? "" : text.substr(data + 1, text.find('\n', data + 1) - data);
+    if (line.find("(should be ") != std::string::npos)
+        return "'" + shown + "' is cut off: it holds fewer bytes of sound than it states";
+    return "";
+}
+
+} // namespace Tool
