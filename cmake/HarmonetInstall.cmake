@@ -24,3 +24,29 @@ install(FILES "${PROJECT_BINARY_DIR}/HarmonetConfig.cmake" "${PROJECT_BINARY_DIR
 # A host that builds us as part of itself links to the same names.
 add_library(Harmonet::harmonet ALIAS harmonet)
 add_library(Harmonet::engine ALIAS harmonet_engine)
+
+# The package for Windows is the same in an archive, with the papers, and with the run-time libraries of the compiler
+# beside the library.
+if(WIN32 AND PROJECT_IS_TOP_LEVEL)
+    install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION .)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION docs)
+    if(MINGW)
+        foreach(library libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+            execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
+                OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+            file(REAL_PATH "${path}" path)
+            install(FILES "${path}" DESTINATION "${CMAKE_INSTALL_BINDIR}")
+        endforeach()
+        # Their licences ask to be named.
+        foreach(package gcc-mingw-w64-x86-64-posix-runtime mingw-w64-x86-64-dev)
+            if(EXISTS "/usr/share/doc/${package}/copyright")
+                install(FILES "/usr/share/doc/${package}/copyright" DESTINATION docs/licences RENAME ${package}.txt)
+            endif()
+        endforeach()
+    endif()
+    set(CPACK_GENERATOR ZIP)
+    set(CPACK_PACKAGE_FILE_NAME "harmonet-${PROJECT_VERSION}-windows-x64")
+    set(CPACK_PACKAGE_DIRECTORY "${PROJECT_SOURCE_DIR}/build")
+    set(CPACK_STRIP_FILES ON)
+    include(CPack)
+endif()

@@ -1,5 +1,7 @@
 #include "drivers/openal/WavSink.h"
 
+#include "harmonet/engine/HostFile.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -46,7 +48,7 @@ std::int16_t ToSigned16(float sample)
 
 bool WavSink::Open(const char* path, int rateHz)
 {
-    file.reset(std::fopen(path, "wb"));
+    file.reset(OpenHostFile(path, "wb"));
     rate = static_cast<std::uint32_t>(rateHz);
     dataBytes = 0;
     if (!file || !WriteHead()) {

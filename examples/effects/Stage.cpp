@@ -17,7 +17,7 @@ Stage::Stage(std::filesystem::path newFile)
 {
     Quon::Options& options = *os.GetOptions();
     options.Set("Sound", "HarmonetOpenAL");
-    options.Set("OpenALRender", file.c_str());
+    options.Set("OpenALRender", file.string().c_str());
     options.Set("MaxSounds", std::to_string(maxSounds).c_str());
     options.Set("SoundFrequency", std::to_string(rateHz).c_str());
     if (!system.Init(&os, false))

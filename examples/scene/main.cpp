@@ -30,12 +30,12 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
 {
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetOpenAL");
-    os.GetOptions()->Set("OpenALRender", (folder / "demo.wav").c_str());
+    os.GetOptions()->Set("OpenALRender", (folder / "demo.wav").string().c_str());
     os.GetOptions()->Set("MaxSounds", channels);
     QuonGetPlugins();
     Quon::ResourceDatabase database;
     Quon::SoundSystem system;
-    if (!database.AddFolder("market", (folder / "sounds").c_str()) || !system.Init(&os, false))
+    if (!database.AddFolder("market", (folder / "sounds").string().c_str()) || !system.Init(&os, false))
         return false;
 
     Quon::SoundSystem::SetMainGain(mainGain);
@@ -69,7 +69,7 @@ int main(int argumentCount, char** arguments)
         }
         Scene::PrintTable(history);
         Scene::WriteJson(history, folder / "demo.json");
-        std::printf("\nwhat was heard: %s\n", (folder / "demo.wav").c_str());
+        std::printf("\nwhat was heard: %s\n", (folder / "demo.wav").string().c_str());
     }
     catch (const std::exception& error) {
         std::fprintf(stderr, "harmonet_demo: %s\n", error.what());

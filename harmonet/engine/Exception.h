@@ -6,6 +6,12 @@
 
 /// What the engine throws, and the handler that a host puts around the code that may throw it.
 
+// <windows.h> has a macro of this name.
+#if defined(_WIN32)
+#pragma push_macro("GetMessage")
+#undef GetMessage
+#endif
+
 namespace Quon
 {
 
@@ -22,6 +28,17 @@ public:
     const char* GetFile() const { return file; }
     int GetLine() const { return line; }
     const char* GetMessage() const { return message; }
+#if defined(_WIN32)
+    /// What the macro makes of the name in code that includes <windows.h>.
+    const char* GetMessageA() const
+    {
+        return message;
+    }
+    const char* GetMessageW() const
+    {
+        return message;
+    }
+#endif
 
     /// The same as GetMessage().
     const char* what() const noexcept override;
@@ -54,3 +71,7 @@ public:
 };
 
 } // namespace Quon
+
+#if defined(_WIN32)
+#pragma pop_macro("GetMessage")
+#endif

@@ -217,7 +217,11 @@ int SndFile::Read(unsigned char* buffer, int bytes, int position)
         std::memcpy(buffer, data + start, count);
         return static_cast<int>(count);
     }
-    return handle != nullptr ? handle->ReadAt(buffer, bytes, dataOffset + start) : 0;
+    // No file reaches beyond 2 GiB, and an unsigned long need not.
+    const std::uint64_t offset = dataOffset + start;
+    if (handle == nullptr || offset > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
+        return 0;
+    return handle->ReadAt(buffer, bytes, static_cast<unsigned long>(offset));
 }
 
 PString SndFile::GetFileName() const

@@ -50,9 +50,10 @@ void SndFileCache::ReadOptions(const Options& options)
 
 SndFileHandle* SndFileCache::Find(const PString& substName, const PString& fileName)
 {
+    const PString foldedName = File::FoldName(fileName);
     for (IListNode* node = handles.next; node != &handles; node = node->next) {
         auto* handle = static_cast<SndFileHandle*>(node);
-        if (handle->fileName == fileName && handle->substName == substName)
+        if (handle->foldedName == foldedName && handle->substName == substName)
             return handle;
     }
     return nullptr;

@@ -8,6 +8,7 @@ namespace Quon
 SndFileHandle::SndFileHandle(SndFileCache& newList, const PString& newSubstName, const PString& newFileName)
     : list(newList)
     , fileName(newFileName)
+    , foldedName(File::FoldName(newFileName))
     , substName(newSubstName)
     , mutex(false, nullptr)
 {

@@ -38,6 +38,7 @@ private:
 
     SndFileCache& list; ///< Where this stands.
     PString fileName;
+    PString foldedName; ///< By which the list finds it.
     PString substName;
     File file;
     int useCount = 1;

@@ -23,6 +23,7 @@ struct SndNode : Allocated
     SoundFormat format;
     SndFile::Snd_FileType fileType = SndFile::FileNone;
     PString fileName;
+    PString foldedName; ///< By which the cache finds it.
     PString substName;
     unsigned char* data = nullptr; ///< Owned.
     void* nodeInfo = nullptr; ///< What SndFile::CreateNodeInfo() gave. Owned.

@@ -1,5 +1,7 @@
 #include "harmonet/files/SndNodeCache.h"
 
+#include "harmonet/engine/File.h"
+
 #include <algorithm>
 #include <limits>
 #include <memory>
@@ -64,6 +66,7 @@ SndFile* SndNodeCache::OpenMiss(const PString& substName, const PString& fileNam
     node->format = *file;
     node->fileType = file->FileType();
     node->fileName = fileName;
+    node->foldedName = File::FoldName(fileName);
     node->substName = substName;
     node->data = data;
     node->nodeInfo = file->CreateNodeInfo();
@@ -117,8 +120,9 @@ void SndNodeCache::Clear()
 
 SndNode* SndNodeCache::Find(const PString& substName, const PString& fileName)
 {
+    const PString foldedName = File::FoldName(fileName);
     for (SndNode* node = sentinel.next; node != &sentinel; node = node->next) {
-        if (node->fileName == fileName && node->substName == substName)
+        if (node->foldedName == foldedName && node->substName == substName)
             return node;
     }
     return nullptr;

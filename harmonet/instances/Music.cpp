@@ -117,12 +117,12 @@ bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, co
     // Whole: the mask of resource effects is for sound effects.
     if (resource->GetFXList().GetNumEffects() > 0)
         instance.SetCopyFXList(resource->GetFXList());
-    const std::uint32_t startsBefore = theKernel->GetStartSerial(instance);
+    const std::uint32_t startsBefore = instance.GetStartSerial();
     resource->ApplyMusicSettings(this);
     resource.Unlock();
     // And so may the resource.
     const bool isOurs = exists() && FindLive() == &instance;
-    if (isOurs && theKernel->GetStartSerial(instance) == startsBefore)
+    if (isOurs && instance.GetStartSerial() == startsBefore)
         return StartOrGiveUp(instance);
     if (exists() && !isOurs)
         delete &instance;

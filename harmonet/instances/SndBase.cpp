@@ -4,8 +4,8 @@
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/NameNumbers.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
 
@@ -21,49 +21,44 @@ int SndBase::NextSoundID()
 }
 
 SndBase::SndBase(bool music)
-    : rowNumber(SoundRows::Take(*this))
-    , soundID(NextSoundID())
+    : soundID(NextSoundID())
+    , sndFlags(music ? FlagMusic : SndFlags())
 {
-    if (music)
-        AddFlags(FlagMusic);
 }
 
 SndBase::SndBase(const SndBase& other)
-    : rowNumber(SoundRows::Take(*this))
+    : IListNode()
     , soundID(NextSoundID())
+    , sndFlags(other.sndFlags)
+    , priority(other.priority)
+    , newFrequency(other.newFrequency)
+    , delay(other.delay)
     , fileName(other.fileName)
     , substName(other.substName)
-    , newFrequency(other.newFrequency)
     , soundLength(other.soundLength)
     , fadeDuration(other.fadeDuration)
     , gain(other.gain)
 {
-    Row().flags = other.Row().flags;
-    Row().priority = other.Row().priority;
-    SndBase::SetDelay(other.delay);
 }
 
 SndBase& SndBase::operator=(const SndBase& other)
 {
-    const SoundRow& from = other.Row();
-    SoundRow& row = Row();
-    if (theKernel)
-        theKernel->ForgetOrder(row);
-    row.flags = from.flags;
-    row.priority = from.priority;
-    row.distSqr = from.distSqr;
-    row.multiplier = from.multiplier;
-    row.stateTimeMs = from.stateTimeMs;
     soundID = other.soundID;
     parent = other.parent;
-    SetFileName(other.fileName);
-    SetSubstName(other.substName);
-    SetSndFile(other.GetSndFile());
+    sndFlags = other.sndFlags;
+    fileName = other.fileName;
+    substName = other.substName;
+    nameNumber = other.nameNumber;
+    sndFile = other.sndFile;
     startSample = other.startSample;
-    SetSoundLength(other.soundLength);
+    stateTime = other.stateTime;
+    soundLength = other.soundLength;
     fadeDuration = other.fadeDuration;
     gain = other.gain;
-    SndBase::SetDelay(other.delay);
+    priority = other.priority;
+    distSqr = other.distSqr;
+    multiplier = other.multiplier;
+    delay = other.delay;
     newFrequency = other.newFrequency;
     fxList = other.fxList;
     sndChannel = other.sndChannel;
@@ -74,7 +69,6 @@ SndBase& SndBase::operator=(const SndBase& other)
 SndBase::~SndBase()
 {
     Done();
-    SoundRows::GiveBack(rowNumber);
 }
 
 void SndBase::Done()
@@ -95,7 +89,7 @@ void SndBase::Done()
     }
     SetIsPlaying(false);
     SndFile* file = sndFile;
-    TakeFile(nullptr);
+    sndFile = nullptr;
     CloseAndDelete(file);
     if (!HasAnyFlag(FlagSharedFXList))
         fxList.Clear();
@@ -127,11 +121,11 @@ std::uint32_t SndBase::CalcRemainAtEnd() const
     if (sndChannel)
         remaining = static_cast<std::uint32_t>(sndChannel->GetRemainLength());
     else if (sndFile)
-        remaining = CalcFileRemain();
+        remaining = static_cast<std::uint32_t>(sndFile->GetRemainLength());
     return remaining + CalcQueueLength();
 }
 
-// Milliseconds of the files after the current one.
+// Milliseconds of the files behind the current one.
 std::uint32_t SndBase::CalcQueueLength() const
 {
     std::uint32_t length = 0;
@@ -168,7 +162,7 @@ void SndBase::ReleaseFadeOutChannel()
 
 void SndBase::Play(SndFile* file)
 {
-    TakeFile(file);
+    sndFile = file;
     if (!IsPlaying()) {
         if (startSample > 0) {
             const int samples = startSample;
@@ -181,7 +175,7 @@ void SndBase::Play(SndFile* file)
             group->OnSoundBegin(soundID, fileName);
         }
     }
-    SetStateTime(0);
+    stateTime = 0;
 }
 
 bool SndBase::Emulate()
@@ -192,7 +186,7 @@ bool SndBase::Emulate()
     }
     if (fadeOutChannel)
         ReleaseFadeOutChannel();
-    SetStateTime(0);
+    stateTime = 0;
     return IsPolyline() || sndFile;
 }
 
@@ -210,7 +204,7 @@ bool SndBase::FadeOut(int ms)
     SndChannel* channel = sndChannel;
     fadeOutChannel = channel;
     sndChannel = nullptr;
-    TakeFile(nullptr);
+    sndFile = nullptr;
     {
         Telling telling(*this);
         channel->Lock();
@@ -246,7 +240,7 @@ bool SndBase::SetFrequency(unsigned long hz)
         return false;
     if (sndChannel && !sndChannel->SetFrequency(hz))
         return false;
-    SetNewFrequency(hz);
+    newFrequency = hz;
     AddFlags(FlagChgFrequency);
     return true;
 }
@@ -271,7 +265,7 @@ unsigned long SndBase::GetRemainLength() const
     if (HasAnyFlag(FlagFadeOut))
         return static_cast<std::uint32_t>(fadeDuration);
     if (sndFile)
-        return CalcFileRemain() + CalcQueueLength();
+        return static_cast<std::uint32_t>(sndFile->GetRemainLength() + CalcQueueLength());
     return soundLength;
 }
 
@@ -283,7 +277,7 @@ unsigned long SndBase::GetCurrentLength() const
     else if (fadeOutChannel)
         remaining = fadeOutChannel->GetRemainLength();
     else if (sndFile)
-        remaining = CalcFileRemain();
+        remaining = sndFile->GetRemainLength();
     const auto sum = static_cast<std::uint32_t>(remaining + CalcQueueLength());
     return sum < soundLength ? soundLength - sum : 0;
 }
@@ -310,16 +304,49 @@ bool SndBase::IsBeingTold() const
     return beingTold || (IsPolyline() && static_cast<const SndPolyline*>(this)->IsSourceBeingTold());
 }
 
-bool SndBase::operator<(const SndBase& other) const
+void SndBase::SetDelay(int ms)
 {
-    return Row().GetKey() < other.Row().GetKey();
+    delay = ms;
 }
 
-void SndBase::SetCompareUsingMultiplier(bool use)
+void SndBase::CalcDistSqr(const Vector3&) {}
+
+float SndBase::GetDistSqr() const
 {
-    if (theKernel && use != useMultiplier)
-        theKernel->ForgetOrder();
-    useMultiplier = use;
+    return distSqr;
+}
+
+void SndBase::SetPriority(int newPriority)
+{
+    priority = newPriority;
+    // The list on which it stands may not be in order any more.
+    if (list)
+        list->ForgetOrder();
+}
+
+std::uint32_t SndBase::GetNameNumber(NameNumbers& names) const
+{
+    if (nameNumber == noNameNumber)
+        nameNumber = names.Get(fileName, substName);
+    return nameNumber;
+}
+
+void SndBase::SetFadeIn(int ms)
+{
+    fadeDuration = ms;
+    AddFlags(FlagFadeIn);
+}
+
+void SndBase::SetDistLTMax()
+{
+    AddFlags(FlagDistLTMax);
+    ClearFlags(FlagDistGTMax);
+}
+
+void SndBase::SetDistGTMax()
+{
+    AddFlags(FlagDistGTMax);
+    ClearFlags(FlagDistLTMax);
 }
 
 } // namespace Quon

@@ -65,14 +65,10 @@ SndKernel::SndKernel() = default;
 SndKernel::~SndKernel()
 {
     Done();
-    for (SndList& list : lists) {
-        while (!list.IsEmpty()) {
-            SoundRow& row = list.Compact().front().GetRow();
-            list.Remove(row);
-            delete row.sound;
-        }
+    for (SndList* list : {&waitingList, &emulatedList, &playingList}) {
+        while (SndBase* sound = list->TakeHead())
+            delete sound;
     }
-    SoundRows::Trim();
 }
 
 int SndKernel::Init(OS* os, bool driverFlag)
@@ -212,25 +208,18 @@ void SndKernel::SetMusicMainGain(float gain)
     RefreshGains(FlagMusic);
 }
 
-void SndKernel::ForgetOrder()
+bool SndKernel::IsConsistent() const
 {
-    for (SndList& list : lists)
-        list.ForgetOrder();
-}
-
-bool SndKernel::IsConsistent()
-{
-    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
+    for (const SndList* list : {&playingList, &emulatedList, &waitingList}) {
         int count = 0;
-        bool isGood = true;
-        GetList(id).ForEach([&](const SndBase& sound) {
-            isGood = isGood && sound.Row().list == id && soundTable.Find(sound.GetSoundID()) == &sound;
-            ++count;
-        });
-        if (!isGood || count != GetList(id).GetCount())
+        for (const SndBase* sound = list->GetHead(); sound; sound = list->GetNext(*sound), ++count) {
+            if (!list->Holds(*sound) || soundTable.Find(sound->GetSoundID()) != sound)
+                return false;
+        }
+        if (count != list->GetCount())
             return false;
     }
-    return GetList(ListID::Chosen).IsEmpty();
+    return true;
 }
 
 } // namespace Quon

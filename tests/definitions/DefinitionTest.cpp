@@ -97,7 +97,7 @@ std::string Describe(const SoundResource& sound)
 
 DefinitionTest::DefinitionTest()
 {
-    EXPECT_TRUE(database.AddFolder("sounds", folder.GetPath().c_str()));
+    EXPECT_TRUE(database.AddFolder("sounds", folder.GetPath().string().c_str()));
 }
 
 DefinitionTest::~DefinitionTest() = default;

@@ -20,14 +20,14 @@ TEST(NullDriver, AnHourOfUnevenStepsReadsEverySampleFrameThatIsDueAndNoMore)
     const auto file = MakeFile({100 * 3600 * 1000, 11025}, Constant(0.0));
     const auto rig = MakeNull(1);
     SndChannel* const channel = rig->Play(*file);
-    long thousandths = 0;
+    std::int64_t thousandths = 0;
     long elapsed = 0;
     for (long ms = 40; elapsed < 3600 * 1000; ms = 40 + (ms * 7 + 3) % 31) {
         const long hz = elapsed % 3 == 0 ? 11025 : 100 + ms * 7;
         channel->SetFrequency(hz == 11025 ? 0 : static_cast<unsigned long>(hz));
         rig->Step(static_cast<unsigned long>(ms));
         elapsed += ms;
-        thousandths += ms * hz;
+        thousandths += std::int64_t{ms} * hz;
         ASSERT_EQ(file->GetFramesRead(), thousandths / 1000);
     }
 }

@@ -1,13 +1,12 @@
 #include "tests/drivers/OfflineRig.h"
 
+#include "tests/support/Environment.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
-#include <sndfile.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 // OpenAL is not built with the sanitizer, which cannot see how its threads agree among themselves. What it
 // does with memory of its own is left out; all of ours is watched.
@@ -25,8 +24,8 @@ namespace
 
 // Before main(), since OpenAL reads its configuration when it is first used.
 const bool hasNoUser = [] {
-    for (const char* const variable : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"}) {
-        setenv(variable, GetTestFolder().c_str(), 1);
+    for (const char* const variable : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS", "APPDATA"}) {
+        SetEnvironment(variable, GetTestFolder().string());
     }
     return true;
 }();
@@ -83,24 +82,6 @@ size_t Rendering::FindFirst(double level, int side) const
         ++sampleFrame;
     }
     return sampleFrame;
-}
-
-Rendering ReadRendering(const std::string& path)
-{
-    Rendering read;
-    SF_INFO info = {};
-    SNDFILE* const file = sf_open(path.c_str(), SFM_READ, &info);
-    if (!file) {
-        ADD_FAILURE() << path << " is no sound file: " << sf_strerror(nullptr);
-        return read;
-    }
-    read.rateHz = info.samplerate;
-    read.channels = info.channels;
-    read.isSigned16 = info.format == (SF_FORMAT_WAV | SF_FORMAT_PCM_16);
-    read.samples.resize(static_cast<size_t>(info.frames * info.channels));
-    EXPECT_EQ(sf_readf_double(file, read.samples.data(), info.frames), info.frames);
-    sf_close(file);
-    return read;
 }
 
 OfflineRig::OfflineRig(int maxChannels, int outputRateHz, const char* hrtf, const OptionValues& others)

@@ -2,6 +2,7 @@
 #include "tests/drivers/FickleMachine.h"
 #include "tests/drivers/OfflineRig.h"
 #include "tests/drivers/effects/OwnedList.h"
+#include "tests/support/Environment.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +28,7 @@ bool SetUpCard()
 {
     const std::string configuration = (GetTestFolder() / "card.conf").string();
     std::ofstream(configuration) << "[wave]\nfile = " << cardPath.string() << "\n";
-    return setenv("ALSOFT_DRIVERS", "wave", 1) == 0 && setenv("ALSOFT_CONF", configuration.c_str(), 1) == 0;
+    return SetEnvironment("ALSOFT_DRIVERS", "wave") && SetEnvironment("ALSOFT_CONF", configuration);
 }
 
 const bool isCard = SetUpCard();
@@ -266,6 +267,7 @@ TEST_F(OpenALCard, ARoomThatIsSetWithoutADeviceIsHeardOnTheFirstOne)
     EXPECT_GT(reverberant, 441 * 5u);
 }
 
+#if !defined(_WIN32)
 // The card's file begins on a full disk, so that the first block that reaches the disk breaks it.
 TEST_F(OpenALCard, ACardThatBreaksInTheMiddleIsNoticedAndTheNextOneIsForHeadphonesToo)
 {
@@ -281,6 +283,7 @@ TEST_F(OpenALCard, ACardThatBreaksInTheMiddleIsNoticedAndTheNextOneIsForHeadphon
     ASSERT_LT(left, heard.GetFrames());
     EXPECT_GT(left, heard.FindFirst(0.02, 1) + 8);
 }
+#endif
 
 } // namespace
 } // namespace Quon

@@ -1,6 +1,7 @@
 #include "harmonet/definitions/EnvReverbPresets.h"
 #include "harmonet/instances/Sound.h"
 #include "tests/drivers/OfflineRig.h"
+#include "tests/support/Environment.h"
 #include "tests/support/HostTest.h"
 
 #include <AL/al.h>
@@ -22,7 +23,7 @@ namespace
 constexpr int rateHz = 44100;
 
 // An output of OpenAL that takes sound at the speed of a sound card and plays it to nobody.
-const bool isQuietOutput = setenv("ALSOFT_DRIVERS", "null", 1) == 0;
+const bool isQuietOutput = SetEnvironment("ALSOFT_DRIVERS", "null");
 
 template<class Function>
 Function GetFunction(const char* name)
@@ -90,7 +91,7 @@ void ExpectLeftAlone(bool isRendered, bool isThreadSet)
     FormulaFile& file = rig.Make({rateHz / 10}, Constant(0.1));
     FormulaFile& other = rig.Make({rateHz}, Constant(0.1));
     if (isRendered) {
-        rig.GetOptions().Set("OpenALRender", (GetTestFolder() / "host.wav").c_str());
+        rig.GetOptions().Set("OpenALRender", (GetTestFolder() / "host.wav").string().c_str());
     }
     SndDriver& driver = rig.GetDriver();
     SndChannel* channel = nullptr;
@@ -139,6 +140,9 @@ TEST(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
     }
 }
 
+// What is left behind is counted as Linux tells it.
+#if defined(__linux__)
+
 std::ptrdiff_t CountEntries(const char* path)
 {
     return std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
@@ -183,7 +187,7 @@ TEST_F(OpenALCycles, StartingAndStoppingAnOutputLeavesNothingBehind)
     MemoryBlock block({rateHz / 10, rateHz});
     for (const bool isRendered : {false, true}) {
         if (isRendered) {
-            SetOption("OpenALRender", (GetTestFolder() / "cycles.wav").c_str());
+            SetOption("OpenALRender", (GetTestFolder() / "cycles.wav").string().c_str());
         }
         ExpectNoGrowth(isRendered ? 100 : 40, [&](int) {
             ASSERT_TRUE(Start());
@@ -214,6 +218,8 @@ TEST_F(OpenALCycles, StartingAndStoppingSoundsLeavesNothingBehind)
         channel->Stop();
     });
 }
+
+#endif
 
 } // namespace
 } // namespace Quon

@@ -2,6 +2,7 @@
 #include "tests/drivers/FickleMachine.h"
 #include "tests/drivers/OfflineRig.h"
 #include "tests/drivers/effects/OwnedList.h"
+#include "tests/support/Environment.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +19,7 @@ namespace
 constexpr int rateHz = 44100;
 
 // An output of OpenAL that takes sound at the speed of a sound card and plays it to nobody.
-const bool isQuietOutput = setenv("ALSOFT_DRIVERS", "null", 1) == 0;
+const bool isQuietOutput = SetEnvironment("ALSOFT_DRIVERS", "null");
 
 /// The driver on its own thread. Time is the machine's here, so nothing asks how long a thing took: a test
 /// waits for what has to happen, for as long as it takes.

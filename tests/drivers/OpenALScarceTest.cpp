@@ -1,6 +1,7 @@
 #include "harmonet/definitions/EnvReverbPresets.h"
 #include "tests/drivers/OfflineRig.h"
 #include "tests/drivers/effects/OwnedList.h"
+#include "tests/support/Environment.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +22,7 @@ bool Configure()
 {
     const std::string path = (GetTestFolder() / "alsoft.conf").string();
     std::ofstream(path) << "[general]\nsends = 0\nsources = " << sources << "\n";
-    return setenv("ALSOFT_CONF", path.c_str(), 1) == 0 && setenv("ALSOFT_DRIVERS", "null", 1) == 0;
+    return SetEnvironment("ALSOFT_CONF", path) && SetEnvironment("ALSOFT_DRIVERS", "null");
 }
 
 const bool isScarce = Configure();

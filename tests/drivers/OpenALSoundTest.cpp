@@ -253,10 +253,12 @@ TEST(OpenALDriver, FormatsAndFilesThatCannotBeRenderedFailToOpen)
         rig.GetOptions().Set("OpenALRender", path.c_str());
         return rig.Open(outputHz, 8);
     };
-    EXPECT_FALSE(opens(GetTestFolder(), 44100));
-    EXPECT_FALSE(opens(GetTestFolder() / "none" / "a.wav", 44100));
-    EXPECT_FALSE(opens("/dev/full", 44100));
-    EXPECT_FALSE(opens(GetTestFolder() / "rate.wav", 1));
+    EXPECT_FALSE(opens(GetTestFolder().string(), 44100));
+    EXPECT_FALSE(opens((GetTestFolder() / "none" / "a.wav").string(), 44100));
+    EXPECT_FALSE(opens((GetTestFolder() / "rate.wav").string(), 1));
+    if (std::filesystem::exists("/dev/full")) {
+        EXPECT_FALSE(opens("/dev/full", 44100));
+    }
     SoundFormat mono;
     mono.SetFormat(2, 44100, 0, 1);
     EXPECT_FALSE(rig.GetDriver().Open(nullptr, &mono, 500, false));

@@ -1,6 +1,7 @@
 #include "harmonet/instances/Sound.h"
 #include "harmonet/instances/SoundObserver.h"
 #include "tests/drivers/OfflineRig.h"
+#include "tests/support/Environment.h"
 #include "tests/support/HostTest.h"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ namespace
 {
 
 // An output of OpenAL that takes sound at the speed of a sound card and plays it to nobody.
-const bool isQuietOutput = setenv("ALSOFT_DRIVERS", "null", 1) == 0;
+const bool isQuietOutput = SetEnvironment("ALSOFT_DRIVERS", "null");
 
 constexpr int rateHz = 22050;
 constexpr int maxSounds = 6;

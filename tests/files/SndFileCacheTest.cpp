@@ -24,7 +24,7 @@ TEST_F(OpenFiles, OneFileIsOpenedOnceForEachOwnerAndClosedWithItsLastUse)
     EXPECT_EQ(openFiles.Acquire(owner, "sound"), first);
     EXPECT_EQ(first->GetUseCount(), 2);
     const PString other("other owner");
-    ASSERT_TRUE(File::AddRoot(other, folder.GetPath().c_str()));
+    ASSERT_TRUE(File::AddRoot(other, folder.GetPath().string().c_str()));
     SndFileHandle* const ofOther = openFiles.Acquire(other, "sound");
     ASSERT_NE(ofOther, nullptr);
     EXPECT_NE(ofOther, first);

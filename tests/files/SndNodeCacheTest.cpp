@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <random>
 #include <tuple>
+#include <limits>
 
 using namespace Quon;
 
@@ -47,7 +48,7 @@ TEST_F(NodeCache, ASecondSoundOfAFileReadsTheSameBytesAtItsOwnPlace)
 
 TEST_F(NodeCache, AFileThatStatesMoreThanItHoldsStreamsAndWhatIsNoSoundIsNotKept)
 {
-    constexpr unsigned long room = 0x200000000;
+    constexpr unsigned long room = std::numeric_limits<unsigned long>::max();
     cache.SetLimit(room);
     for (const std::uint32_t stated : {60u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
         SCOPED_TRACE(stated);

@@ -24,7 +24,7 @@ std::size_t RoomFor(const SndFile& file, int frameCount)
 
 SoundFolder::SoundFolder()
 {
-    File::AddRoot(owner, folder.GetPath().c_str());
+    File::AddRoot(owner, folder.GetPath().string().c_str());
     SndFile::SetSndFileCache(&openFiles);
 }
 

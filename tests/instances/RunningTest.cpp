@@ -175,7 +175,7 @@ TEST_F(RunningTest, CodedFilesRunOnUnheardAtTheirRateAndComeBackAtTheRightSample
     const std::filesystem::path tests = HARMONET_FILE_TESTS;
     for (const char* path : {"mpeg/streams/mono-48000.mp3", "mpeg/streams/wrapped-44100.wav",
              "adpcm/sox-mono.wav", "adpcm/sox-stereo.wav"}) {
-        const std::string name = std::filesystem::path(path).filename();
+        const std::string name = std::filesystem::path(path).filename().string();
         std::filesystem::copy_file(tests / path, folder.GetPath() / name);
         for (const bool loops : {true, false}) {
             SCOPED_TRACE(name + (loops ? ", loop" : ", queue"));

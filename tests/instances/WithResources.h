@@ -18,7 +18,7 @@ protected:
     WithResources()
     {
         QuonGetPlugins();
-        EXPECT_TRUE(database.AddFolder("sounds", this->folder.GetPath().c_str()));
+        EXPECT_TRUE(database.AddFolder("sounds", this->folder.GetPath().string().c_str()));
     }
     ~WithResources() override
     {

@@ -4,12 +4,12 @@
 #include "harmonet/kernel/HarmonetStrings.h"
 #include "harmonet/kernel/HarmonetTask.h"
 #include "harmonet/kernel/SndKernel.h"
+#include "tests/support/LoadedLibrary.h"
 #include "tests/support/SoundTest.h"
 
 #include <cmath>
 #include <filesystem>
 
-#include <dlfcn.h>
 
 namespace Quon
 {
@@ -40,7 +40,7 @@ TEST_F(StartTest, TheFirstNameThatWorksWins)
         {nullptr, false, 1},
     };
     folder.Write("Broken.so", "no library at all");
-    os.AddDriverFolder(folder.GetPath().c_str());
+    os.AddDriverFolder(folder.GetPath().string().c_str());
     for (const Row& row : rows) {
         SCOPED_TRACE(row.names ? row.names : "not set");
         SetOption("Sound", row.names);
@@ -102,20 +102,17 @@ TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
 TEST_F(StartTest, TheDriversLibraryGoesAfterTheDriver)
 {
     // Under a name of its own, so that nobody else holds it.
-    const auto copy = folder.GetPath() / "HarmonetCopy.so";
+    const std::string suffix = dynamicLibrarySuffix;
+    const auto copy = folder.GetPath() / ("HarmonetCopy" + suffix);
     std::filesystem::copy_file(
-        std::filesystem::path(HARMONET_TEST_DRIVER_FOLDER) / "HarmonetRecording.so", copy);
-    os.AddDriverFolder(folder.GetPath().c_str());
+        std::filesystem::path(HARMONET_TEST_DRIVER_FOLDER) / ("HarmonetRecording" + suffix), copy);
+    os.AddDriverFolder(folder.GetPath().string().c_str());
     SetOption("Sound", "HarmonetCopy");
     EXPECT_TRUE(Start());
-    const auto isLoaded = [&] {
-        void* handle = dlopen(copy.c_str(), RTLD_NOLOAD | RTLD_NOW);
-        return handle && dlclose(handle) == 0;
-    };
-    EXPECT_TRUE(isLoaded());
+    EXPECT_TRUE(IsLoaded(copy));
     // The driver's destructor is code of its library.
     system.Done();
-    EXPECT_FALSE(isLoaded());
+    EXPECT_FALSE(IsLoaded(copy));
 }
 
 TEST_F(StartTest, TheSystemStartsAgainAndIdsGoOn)

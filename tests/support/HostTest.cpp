@@ -76,7 +76,7 @@ LifeGuard::~LifeGuard()
 
 FileRoot::FileRoot(const TempFolder& folder)
 {
-    EXPECT_TRUE(File::AddRoot(PString(), folder.GetPath().c_str()));
+    EXPECT_TRUE(File::AddRoot(PString(), folder.GetPath().string().c_str()));
 }
 
 FileRoot::~FileRoot()

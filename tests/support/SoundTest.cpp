@@ -47,27 +47,28 @@ MemoryBlock& SoundTest::NewBlock(const std::string& name, const PcmForm& form)
     return *blocks.back();
 }
 
-Ids SoundTest::GetIds(ListID id)
+Ids SoundTest::GetIds(const SndList& list)
 {
     Ids ids;
-    theKernel->GetList(id).ForEach([&](const SndBase& sound) { ids.push_back(sound.GetSoundID()); });
-    EXPECT_EQ(static_cast<int>(ids.size()), theKernel->GetList(id).GetCount());
+    for (const SndBase* sound = list.GetHead(); sound; sound = list.GetNext(*sound))
+        ids.push_back(sound->GetSoundID());
+    EXPECT_EQ(static_cast<int>(ids.size()), list.GetCount());
     return ids;
 }
 
 Ids SoundTest::Playing() const
 {
-    return GetIds(ListID::Playing);
+    return GetIds(theKernel->GetPlayingList());
 }
 
 Ids SoundTest::Emulated() const
 {
-    return GetIds(ListID::Emulated);
+    return GetIds(theKernel->GetEmulatedList());
 }
 
 Ids SoundTest::Waiting() const
 {
-    return GetIds(ListID::Waiting);
+    return GetIds(theKernel->GetWaitingList());
 }
 
 SndBase* SoundTest::Find(int id) const

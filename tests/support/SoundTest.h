@@ -5,14 +5,13 @@
 #include "tests/support/HostTest.h"
 #include "tests/support/LoggingObserver.h"
 
-#include <cstdint>
 #include <memory>
 
 namespace Quon
 {
 
 class SndBase;
-enum class ListID : std::uint8_t;
+class SndList;
 
 using Ids = std::vector<int>;
 
@@ -50,7 +49,7 @@ protected:
     void StepWithNextFile(int channel);
 
 private:
-    static Ids GetIds(ListID id);
+    static Ids GetIds(const SndList& list);
 
     std::vector<std::unique_ptr<MemoryBlock>> blocks;
 

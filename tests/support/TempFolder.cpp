@@ -1,7 +1,7 @@
 #include "tests/support/TempFolder.h"
 
-#include <cstdlib>
 #include <fstream>
+#include <random>
 #include <stdexcept>
 
 namespace Quon
@@ -9,10 +9,14 @@ namespace Quon
 
 TempFolder::TempFolder()
 {
-    std::string name = (std::filesystem::temp_directory_path() / "harmonet-test-XXXXXX").string();
-    if (!mkdtemp(name.data()))
-        throw std::runtime_error("no temporary folder can be made");
-    path = name;
+    const std::filesystem::path parent = std::filesystem::temp_directory_path();
+    std::random_device random;
+    for (int tries = 0; tries < 100; ++tries) {
+        path = parent / ("harmonet-test-" + std::to_string(random()));
+        if (std::filesystem::create_directory(path))
+            return;
+    }
+    throw std::runtime_error("no temporary folder can be made");
 }
 
 TempFolder::~TempFolder()

@@ -67,9 +67,9 @@ DefinitionFile::DefinitionFile(const std::string& path, const std::string& newRo
     const fs::path name = file.lexically_relative(folder);
     if (name.empty() || *name.begin() == "..")
         throw ToolError("'" + path + "' does not lie below '" + root + "'", ExitCode::BadArguments);
-    if (!database.AddFolder(Quon::PString(owner), folder.c_str()))
+    if (!database.AddFolder(Quon::PString(owner), folder.string().c_str()))
         throw ToolError("'" + folder.string() + "' is no folder", ExitCode::NoInput);
-    const Quon::Resource* found = database.Lookup(Quon::PString(name.c_str()), lookupMode);
+    const Quon::Resource* found = database.Lookup(Quon::PString(name.generic_string().c_str()), lookupMode);
     resource = dynamic_cast<const Quon::SoundDefResource*>(found);
     if (!resource)
         throw ToolError("'" + path + "' cannot be read", ExitCode::NoInput);

@@ -57,11 +57,12 @@ FileArguments::FileArguments(const std::vector<std::string>& paths)
     fs::path root = found.front().parent_path();
     for (const fs::path& path : found)
         root = CommonFolder(root, path.parent_path());
-    if (!Quon::File::AddRoot(Quon::PString(), root.c_str()))
+    if (!Quon::File::AddRoot(Quon::PString(), root.string().c_str()))
         throw ToolError("cannot reach the folder '" + root.string() + "'", ExitCode::NoInput);
 
     for (std::size_t i = 0; i < paths.size(); ++i) {
-        files.push_back({paths[i], Quon::PString(found[i].lexically_relative(root).c_str())});
+        files.push_back(
+            {paths[i], Quon::PString(found[i].lexically_relative(root).generic_string().c_str())});
         CheckReadable(files.back());
     }
 }

@@ -26,7 +26,7 @@ constexpr float soundStepSeconds = 0.041F;
 
 void CheckWritable(const std::string& path)
 {
-    if (!path.empty() && !std::ofstream(path, std::ios::app))
+    if (!path.empty() && !std::ofstream(std::filesystem::path(path), std::ios::app))
         throw ToolError("cannot write to '" + path + "'", ExitCode::NoOutput);
 }
 

@@ -1,5 +1,6 @@
 #include "tools/harmonet/InputFile.h"
 
+#include "harmonet/engine/HostFile.h"
 #include "tools/harmonet/BinaryStream.h"
 #include "tools/harmonet/ToolError.h"
 
@@ -20,7 +21,7 @@ struct Close
 
 void KeepStandardInput(const std::string& path)
 {
-    const std::unique_ptr<std::FILE, Close> kept(std::fopen(path.c_str(), "wb"));
+    const std::unique_ptr<std::FILE, Close> kept(Quon::OpenHostFile(path.c_str(), "wb"));
     if (!kept)
         throw ToolError(
             "cannot keep the standard input: " + std::string(std::strerror(errno)), ExitCode::NoOutput);

@@ -1,5 +1,6 @@
 #include "tools/harmonet/OutputFile.h"
 
+#include "harmonet/engine/HostFile.h"
 #include "tools/harmonet/BinaryStream.h"
 #include "tools/harmonet/InputFile.h"
 #include "tools/harmonet/Output.h"
@@ -79,7 +80,7 @@ void OutputFile::Commit()
 
 void OutputFile::CopyToStream() const
 {
-    std::FILE* const written = std::fopen(path.c_str(), "rb");
+    std::FILE* const written = Quon::OpenHostFile(path.c_str(), "rb");
     if (!written)
         throw WriteError(GetShown(), errno);
     const std::unique_ptr<std::FILE, Close> closing(written);

@@ -1,10 +1,10 @@
 #include "tools/harmonet/PlayReport.h"
 
 #include "harmonet/engine/PString.h"
+#include "tools/harmonet/Console.h"
 #include "tools/harmonet/SoundData.h"
 
 #include <cstdio>
-#include <unistd.h>
 
 namespace Tool
 {
@@ -17,7 +17,7 @@ constexpr const char* clearLine = "\r\033[K";
 } // namespace
 
 PlayReport::PlayReport()
-    : onTerminal(isatty(STDOUT_FILENO) != 0)
+    : onTerminal(IsTerminal())
 {
 }
 

@@ -1,5 +1,6 @@
 #include "tools/harmonet/WaveWriter.h"
 
+#include "harmonet/engine/HostFile.h"
 #include "tools/harmonet/Output.h"
 
 #include <array>
@@ -43,7 +44,7 @@ private:
 WaveWriter::WaveWriter(const OutputFile& newOutput, const Quon::SoundFormat& newFormat)
     : output(newOutput)
     , format(newFormat)
-    , file(std::fopen(newOutput.GetPath().c_str(), "wb"))
+    , file(Quon::OpenHostFile(newOutput.GetPath().c_str(), "wb"))
 {
     // The head comes last, when the lengths are known.
     if (!file || std::fseek(file.get(), headBytes, SEEK_SET) != 0)

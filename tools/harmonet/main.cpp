@@ -1,5 +1,6 @@
 #include "tools/harmonet/Arguments.h"
 #include "tools/harmonet/Commands.h"
+#include "tools/harmonet/Console.h"
 #include "tools/harmonet/Output.h"
 #include "tools/harmonet/ToolError.h"
 
@@ -81,6 +82,7 @@ ExitCode RunGuarded(int argumentCount, char** arguments)
 
 int main(int argumentCount, char** arguments)
 {
+    const Tool::Console console;
     Tool::IgnoreClosedPipes();
-    return static_cast<int>(RunGuarded(argumentCount, arguments));
+    return static_cast<int>(RunGuarded(argumentCount, Tool::GetArguments(arguments)));
 }

@@ -20,6 +20,20 @@ public:
     int ends = 0;
 };
 
+} // namespace
+
+#if defined(HAS_PARTS)
+bool AreAllPartsTheSame();
+#else
+static bool AreAllPartsTheSame()
+{
+    return true;
+}
+#endif
+
+namespace
+{
+
 int Fail(const char* what)
 {
     std::fprintf(stderr, "consumer: %s\n", what);
@@ -30,6 +44,9 @@ int Fail(const char* what)
 
 int main()
 {
+    if (!AreAllPartsTheSame())
+        return Fail("a header means something else beside <windows.h>");
+
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetNull");
     Quon::SoundSystem system;

@@ -95,13 +95,13 @@ TEST(Decoding, OfConformanceStreamsStaysWithinTwoSteps)
     }
     int streams = 0;
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        const Bytes stream = entry.path().extension() == ".bit" ? ReadBytes(entry.path()) : Bytes();
+        const Bytes stream = entry.path().extension() == ".bit" ? ReadBytes(entry.path().string()) : Bytes();
         if (MemoryStream(stream).Get() == nullptr) {
             continue;
         }
-        SCOPED_TRACE(entry.path().filename());
+        SCOPED_TRACE(entry.path().filename().string());
         const auto referencePath = std::filesystem::path(entry.path()).replace_extension(".pcm");
-        const std::vector<int> reference = ToValues(ReadBytes(referencePath));
+        const std::vector<int> reference = ToValues(ReadBytes(referencePath.string()));
         OnAllKernels([&](const DecoderKernels&) {
             ExpectConformance(DecodeAll(stream, 1152, true), reference);
             if (IsLikeStandard(stream)) {

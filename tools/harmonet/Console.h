@@ -1,0 +1,25 @@
+#pragma once
+
+namespace Tool
+{
+
+/// Prepares the console for as long as it lives: output is in UTF-8, and a wait of a few milliseconds takes
+/// no longer. main() owns the one there is.
+class Console
+{
+public:
+    Console();
+    Console(const Console&) = delete;
+    Console& operator=(const Console&) = delete;
+    /// Leaves the console as it was.
+    ~Console();
+};
+
+/// The arguments of the command line as main() gets them, in UTF-8 on every platform. They live as long as
+/// the program.
+char** GetArguments(char** arguments);
+
+/// Whether standard output is shown on a terminal, on which a line can be written anew.
+bool IsTerminal();
+
+} // namespace Tool

@@ -1,0 +1,84 @@
+#include "tools/harmonet/Console.h"
+
+#include <string>
+#include <vector>
+
+#define WIN32_LEAN_AND_MEAN
+#include <windows.h>
+
+#include <shellapi.h>
+#include <timeapi.h>
+
+namespace Tool
+{
+
+namespace
+{
+
+constexpr UINT timerStepMs = 1;
+UINT codePageBefore = 0;
+
+std::string ToUtf8(const wchar_t* wide)
+{
+    const int bytes = WideCharToMultiByte(CP_UTF8, 0, wide, -1, nullptr, 0, nullptr, nullptr);
+    if (bytes <= 0)
+        return {};
+    std::string text(static_cast<std::size_t>(bytes), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, wide, -1, text.data(), bytes, nullptr, nullptr);
+    text.pop_back();
+    return text;
+}
+
+std::vector<std::string> ReadCommandLine()
+{
+    std::vector<std::string> texts;
+    int count = 0;
+    if (wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count)) {
+        for (int i = 0; i < count; ++i)
+            texts.push_back(ToUtf8(wide[i]));
+        LocalFree(wide);
+    }
+    return texts;
+}
+
+} // namespace
+
+Console::Console()
+{
+    codePageBefore = GetConsoleOutputCP();
+    SetConsoleOutputCP(CP_UTF8);
+    timeBeginPeriod(timerStepMs);
+}
+
+Console::~Console()
+{
+    timeEndPeriod(timerStepMs);
+    if (codePageBefore != 0)
+        SetConsoleOutputCP(codePageBefore);
+}
+
+// What main() gets has been converted to the code page of the system.
+char** GetArguments(char** arguments)
+{
+    static std::vector<std::string> texts = ReadCommandLine();
+    static std::vector<char*> pointers;
+    if (texts.empty())
+        return arguments;
+    if (pointers.empty()) {
+        for (std::string& text : texts)
+            pointers.push_back(text.data());
+        pointers.push_back(nullptr);
+    }
+    return pointers.data();
+}
+
+bool IsTerminal()
+{
+    const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    // Also the console has to be one that obeys the sequence that clears a line.
+    return GetConsoleMode(output, &mode) != 0 &&
+        SetConsoleMode(output, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+} // namespace Tool
