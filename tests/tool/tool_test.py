@@ -9,8 +9,10 @@ import json
 import math
 import os
 import pty
+import re
 import resource
 import shlex
+import shutil
 import signal
 import struct
 import subprocess
@@ -407,6 +409,31 @@ class ConvertTest(ToolCase):
                 self.assertEqual(list(self.folder.glob("*.part")), [])
 
 
+class DocumentsTest(ToolCase):
+    def test_the_manual_and_the_completions_know_what_the_help_knows(self):
+        texts = {what: self.succeed("generate", what) for what in ("man", "bash", "zsh")}
+        commands = re.findall(r"(?m)^  (\w+)  ", self.succeed("--help").split("Subcommands:")[1].split("Exit codes")[0])
+        self.assertIn("convert", commands)
+        for command in commands:
+            for option in re.findall(r"(?m)^  (?:-h,)?(--\w+)", self.succeed(command, "--help")):
+                self.assertIn(option.replace("-", "\\-"), texts["man"])
+                self.assertRegex(texts["bash"], rf"{command}:-\*\).*'.*{option}\b")
+                self.assertIn(f"'{option}[", texts["zsh"])
+
+    @unittest.skipUnless(shutil.which("bash"), "there is no bash")
+    def test_bash_completes_commands_options_and_values(self):
+        script = self.succeed("generate", "bash")
+        for words, expected in [(["pl"], ["play"]), (["play", "--ro"], ["--root", "--room"]),
+                                (["play", "--room", "bath"], ["bathroom"]), (["generate", "z"], ["zsh"]),
+                                (["play", "tone"], [])]:
+            with self.subTest(words):
+                typed = " ".join(["harmonet", *words])
+                done = subprocess.run(
+                    ["bash", "-c", f"{script}\nCOMP_WORDS=({typed}) COMP_CWORD={len(words)}\n"
+                     "_harmonet; printf '%s\\n' \"${COMPREPLY[@]}\""], capture_output=True, text=True, check=True)
+                self.assertEqual(done.stdout.split(), expected, done.stderr)
+
+
 class DefinitionsTest(ToolCase):
     def setUp(self):
         super().setUp()
@@ -523,6 +550,62 @@ class DefinitionsTest(ToolCase):
         exit_code, _, errors = self.check("--root", "sounds", "out.sound")
         self.assertEqual(exit_code, 2)
         self.assertIn("'out.sound' does not lie below 'sounds'", errors)
+
+    def test_a_definition_plays_as_a_file_does(self):
+        (self.folder / "sounds").mkdir()
+        self.write_wave("tone.wav", sine(441, 0.5, 0.5))
+        self.write("sounds/tone.sound", "*FILE tone.wav\n*GAIN 0.5")
+        for name in ("tone.wav", "only.wav"):
+            shutil.copy(self.folder / "tone.wav", self.folder / "sounds" / name)
+        null = ["--driver", "HarmonetNull"]
+        for arguments in [["sounds/tone.sound", "--root", "."], ["tone.sound", "--root", "sounds"],
+                          ["only.wav", "--root", "sounds"], ["tone.wav", "sounds/tone.sound", "--root", "."]]:
+            with self.subTest(arguments):
+                said = self.succeed("play", *arguments, *null)
+                for name in arguments[:-2]:
+                    self.assertIn(f"started {name}\n", said)
+        self.write("bad.sound", "*FILE missing.wav")
+        self.write("loop.sound", "*FILE a.wav\n*LOOPING true")
+        for code, arguments, said in [(4, ["bad.sound", *null], "'bad.sound' cannot be played"),
+                                      (2, ["loop.sound", "--render", "out.wav"], "needs --seconds"),
+                                      (2, ["loop.sound", "--room", "kitchen", *null], "kitchen")]:
+            with self.subTest(arguments):
+                done = self.run_tool("play", *arguments)
+                self.assertEqual((done.returncode, done.stderr.count("\n")), (code, 1), done.stderr)
+                self.assertIn(said, done.stderr)
+
+    @needs_rendering
+    def test_gain_room_and_walk_are_heard(self):
+        self.write_wave("tone.wav", sine(441, 1.0, 0.5))
+        self.write("tone.sound", "*FILE tone.wav\n*GAIN 0.5")
+        self.succeed("play", "tone.sound", "--render", "out.wav")
+        self.assertAlmostEqual(rms(self.read_wave("out.wav")[0][:RATE_HZ]), 0.25 / math.sqrt(2), delta=0.002)
+        # The room is heard when the sound has ended.
+        self.succeed("play", "tone.wav", "--at", "0,0,-1", "--room", "cave", "--render", "out.wav")
+        self.assertGreater(rms(self.read_wave("out.wav")[0][int(1.5 * RATE_HZ):2 * RATE_HZ]), 0.001)
+        self.succeed("play", "tone.wav", "--walk", "--render", "out.wav")
+        left, right = self.read_wave("out.wav")
+        self.assertAlmostEqual(len(left) / RATE_HZ, 10, delta=0.1)
+        begin, middle, end = (slice(int(at * RATE_HZ), int((at + 0.5) * RATE_HZ)) for at in (0.5, 4.75, 9))
+        # It comes from the right, is loudest in the middle and leaves to the left.
+        self.assertGreater(rms(right[begin]), 4 * rms(left[begin]))
+        self.assertGreater(rms(left[end]), 4 * rms(right[end]))
+        self.assertGreater(rms(left[middle]), 3 * rms(left[end]))
+
+    def test_a_definition_is_played_again_when_it_is_saved(self):
+        self.write("a.sound", "*FILE a.wav")
+        with subprocess.Popen([*TOOL, "play", "a.sound", "--watch", "--driver", "HarmonetNull"], cwd=self.folder,
+                              env=self.environment, stdout=subprocess.PIPE, text=True) as tool:
+            lines = [tool.stdout.readline() for _ in range(3)]
+            self.assertEqual(lines, ["a.sound: good\n", "started a.sound\n", "ended a.sound\n"])
+            self.write("b.sound", "*FILE a.wav\n*LOUD 1")
+            os.replace(self.folder / "b.sound", self.folder / "a.sound")
+            lines = [tool.stdout.readline() for _ in range(3)]
+            self.assertIn("a.sound:4: error: *LOUD is unknown", lines[0])
+            self.assertEqual(lines[1:], ["a.sound: 1 error, 0 warnings\n", "started a.sound\n"])
+            tool.send_signal(signal.SIGINT)
+            tool.stdout.read()
+        self.assertEqual(tool.returncode, 0)
 
     def test_info_shows_the_settings_as_they_were_loaded(self):
         self.write("a.sound", """

@@ -20,5 +20,6 @@ void AddInfoCommand(CLI::App& program, Action& action);
 void AddDecodeCommand(CLI::App& program, Action& action);
 void AddCheckCommand(CLI::App& program, Action& action);
 void AddConvertCommand(CLI::App& program, Action& action);
+void AddGenerateCommand(CLI::App& program, Action& action);
 
 } // namespace Tool

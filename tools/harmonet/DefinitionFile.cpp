@@ -15,7 +15,6 @@ namespace
 
 namespace fs = std::filesystem;
 
-constexpr const char* owner = "assets";
 constexpr const char* endings[] = {".sound", ".sound.txt"};
 constexpr const char* nameForStream = "stdin.sound";
 constexpr int lookupMode = 2;
@@ -27,6 +26,13 @@ fs::path Canonical(const std::string& shown)
     if (error)
         throw ToolError("cannot reach '" + shown + "': " + error.message(), ExitCode::NoInput);
     return path;
+}
+
+/// Each definition has a folder of its own, and an owner has one at a time.
+std::string MakeOwner()
+{
+    static int count = 0;
+    return "assets" + std::to_string(++count);
 }
 
 } // namespace
@@ -58,6 +64,7 @@ bool DefinitionFile::IsDefinitionName(const std::string& path)
 DefinitionFile::DefinitionFile(const std::string& path, const std::string& newRoot)
     : input(path, nameForStream)
     , root(newRoot)
+    , owner(MakeOwner())
 {
     if (!IsDefinitionName(input.GetPath()))
         throw ToolError("'" + path + "' is no sound definition; their names end with .sound or .sound.txt",
@@ -67,7 +74,7 @@ DefinitionFile::DefinitionFile(const std::string& path, const std::string& newRo
     const fs::path name = file.lexically_relative(folder);
     if (name.empty() || *name.begin() == "..")
         throw ToolError("'" + path + "' does not lie below '" + root + "'", ExitCode::BadArguments);
-    if (!database.AddFolder(Quon::PString(owner), folder.string().c_str()))
+    if (!database.AddFolder(Quon::PString(owner.c_str()), folder.string().c_str()))
         throw ToolError("'" + folder.string() + "' is no folder", ExitCode::NoInput);
     const Quon::Resource* found = database.Lookup(Quon::PString(name.generic_string().c_str()), lookupMode);
     resource = dynamic_cast<const Quon::SoundDefResource*>(found);
@@ -88,8 +95,17 @@ bool DefinitionFile::Load()
     isLocked = isLocked || resource->Lock(&database).IsOk();
     // From here on the temporary folder is not looked at any more, but the one that the names refer to.
     if (IsFromStream())
-        database.AddFolder(Quon::PString(owner), root.empty() ? "." : root.c_str());
+        database.AddFolder(Quon::PString(owner.c_str()), root.empty() ? "." : root.c_str());
     return isLocked;
+}
+
+std::string DefinitionFile::GetSoundPath() const
+{
+    const std::string name(resource->GetFileName().GetView());
+    fs::path folder = root;
+    if (root.empty() && !IsFromStream())
+        folder = fs::path(input.GetPath()).parent_path();
+    return name.empty() ? "" : (folder / name).string();
 }
 
 bool DefinitionFile::IsFromStream() const

@@ -49,12 +49,17 @@ public:
     bool Load();
     /// The settings; they count once it has been loaded.
     const Quon::SoundDefResource& GetSettings() const { return *resource; }
+    /// To make sounds from it: the resource GetSettings().GetName().
+    const Quon::ResourceDatabase& GetDatabase() const { return database; }
+    /// Where its sound file has to lie; empty without one. Counts once it has been loaded.
+    std::string GetSoundPath() const;
 
 private:
     bool IsFromStream() const;
 
     InputFile input;
     std::string root;
+    std::string owner; ///< Of the folder, for this definition alone.
     Quon::ResourceDatabase database;
     const Quon::SoundDefResource* resource = nullptr;
     bool isLocked = false;

@@ -1,5 +1,6 @@
 #include "tools/harmonet/Host.h"
 
+#include "harmonet/definitions/SndFXList.h"
 #include "harmonet/engine/TaskList.h"
 #include "tools/harmonet/EngineOptions.h"
 #include "tools/harmonet/QuietErrors.h"
@@ -79,6 +80,11 @@ void Host::CheckInputs(const std::vector<std::string>& inputs)
             throw ToolError("'" + input + "' is played and rendered into; these cannot be the same file",
                 ExitCode::BadArguments);
     }
+}
+
+bool Host::EnterRoom(const Quon::FXEnvReverb& room)
+{
+    return listener.SetFXEnvReverb(&room, Quon::defaultEnvReverbQuality, 0);
 }
 
 void Host::Update(int elapsedMs)

@@ -36,6 +36,10 @@ public:
     /// Whether the sound is heard while the time goes on. Otherwise frames may follow each other at once.
     bool IsLive() const { return isLive; }
 
+    void MoveListener(const Quon::Vector3& position) { listener.SetPosition(position); }
+    /// Puts the listener into a room. False if the driver has none.
+    bool EnterRoom(const Quon::FXEnvReverb& room);
+
     /// One game frame of that length. Throws a ToolError when the rendered file cannot take what was heard.
     void Update(int elapsedMs);
 

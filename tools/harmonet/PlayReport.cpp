@@ -2,9 +2,8 @@
 
 #include "harmonet/engine/PString.h"
 #include "tools/harmonet/Console.h"
+#include "tools/harmonet/Output.h"
 #include "tools/harmonet/SoundData.h"
-
-#include <cstdio>
 
 namespace Tool
 {
@@ -21,47 +20,48 @@ PlayReport::PlayReport()
 {
 }
 
-void PlayReport::ExpectSound(const Quon::PString& fileName, const std::string& shown)
+void PlayReport::ShowEvents()
 {
-    ++unfinished;
-    names[std::string(fileName.GetView())] = shown;
+    if (!events.empty())
+        Print((onTerminal ? clearLine : "") + events);
+    events.clear();
+    FlushOutput();
 }
 
 void PlayReport::ShowProgress(unsigned long playedMs)
 {
+    ShowEvents();
     if (!onTerminal)
         return;
-    std::printf("%s%s, %d playing", clearLine, DescribeTime(playedMs).c_str(), running);
-    std::fflush(stdout);
+    Print(clearLine + DescribeTime(playedMs) + ", " + std::to_string(running) + " playing");
+    FlushOutput();
 }
 
-void PlayReport::OnSoundBegin(int, const Quon::PString& fileName)
+void PlayReport::OnSoundBegin(int soundID, const Quon::PString&)
 {
     ++running;
-    PrintEvent("started", fileName);
+    AddEvent("started", soundID);
 }
 
-void PlayReport::OnSoundEnd(int, const Quon::PString& fileName)
+void PlayReport::OnSoundEnd(int soundID, const Quon::PString&)
 {
     --unfinished;
     --running;
-    PrintEvent("ended", fileName);
+    AddEvent("ended", soundID);
 }
 
-void PlayReport::OnSoundAbort(int, const Quon::PString& fileName, int remaining)
+void PlayReport::OnSoundAbort(int soundID, const Quon::PString&, int remaining)
 {
     --unfinished;
     --running;
     const bool hasEnd = remaining >= 0;
-    PrintEvent("cut off", fileName,
+    AddEvent("cut off", soundID,
         hasEnd ? " with " + DescribeTime(static_cast<unsigned long>(remaining)) + " left" : std::string());
 }
 
-void PlayReport::PrintEvent(const char* what, const Quon::PString& fileName, const std::string& detail)
+void PlayReport::AddEvent(const char* what, int soundID, const std::string& detail)
 {
-    std::printf("%s%s %s%s\n", onTerminal ? clearLine : "", what,
-        names[std::string(fileName.GetView())].c_str(), detail.c_str());
-    std::fflush(stdout);
+    events += std::string(what) + ' ' + names[soundID] + detail + '\n';
 }
 
 } // namespace Tool

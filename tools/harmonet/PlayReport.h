@@ -15,13 +15,18 @@ class PlayReport final : public Quon::SoundObserver
 public:
     PlayReport();
 
-    /// A sound of that file is going to be started, and is to be called as shown.
-    void ExpectSound(const Quon::PString& fileName, const std::string& shown);
+    /// That sound is to be called as shown from its start on.
+    void NameSound(int soundID, const std::string& shown) { names[soundID] = shown; }
+    /// A sound has been started, and its end is waited for.
+    void ExpectSound() { ++unfinished; }
 
     /// Whether there are sounds that have not come to their end.
     bool IsUnfinished() const { return unfinished > 0; }
 
-    /// Brings the last line up to date. Nothing where there is no terminal.
+    /// Prints what has happened since the last call. The events themselves come while the library runs, which
+    /// no failure to write may leave half-way.
+    void ShowEvents();
+    /// The same, and brings the last line of a terminal up to date.
     void ShowProgress(unsigned long playedMs);
 
     void OnSoundBegin(int soundID, const Quon::PString& fileName) override;
@@ -29,12 +34,13 @@ public:
     void OnSoundAbort(int soundID, const Quon::PString& fileName, int remaining) override;
 
 private:
-    void PrintEvent(const char* what, const Quon::PString& fileName, const std::string& detail = "");
+    void AddEvent(const char* what, int soundID, const std::string& detail = "");
 
     bool onTerminal;
     int unfinished = 0;
     int running = 0; ///< Those that have begun, heard or not.
-    std::unordered_map<std::string, std::string> names;
+    std::unordered_map<int, std::string> names;
+    std::string events; ///< Lines that have not been printed.
 };
 
 } // namespace Tool

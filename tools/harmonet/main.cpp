@@ -34,6 +34,7 @@ void AddCommands(CLI::App& program, Tool::Action& action)
     Tool::AddDecodeCommand(program, action);
     Tool::AddCheckCommand(program, action);
     Tool::AddConvertCommand(program, action);
+    Tool::AddGenerateCommand(program, action);
 }
 
 ExitCode Run(int argumentCount, char** arguments)

@@ -1,12 +1,12 @@
 #include "tools/harmonet/convert/ConversionReport.h"
 
+#include "tools/harmonet/Console.h"
 #include "tools/harmonet/Format.h"
 #include "tools/harmonet/Output.h"
 
 #include <nlohmann/json.hpp>
 
 #include <cmath>
-#include <unistd.h>
 
 namespace Tool
 {
@@ -40,7 +40,7 @@ ConversionReport::ConversionReport(const ConversionPlan& newPlan, bool newIsJson
     : plan(newPlan)
     , isJson(newIsJson)
     , isQuiet(newPlan.folder.empty() && newPlan.jobs.front().output == standardStream)
-    , onTerminal(isatty(STDOUT_FILENO) != 0)
+    , onTerminal(IsTerminal())
 {
 }
 

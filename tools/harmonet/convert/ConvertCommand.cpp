@@ -37,7 +37,8 @@ void AddConvertCommand(CLI::App& program, Action& action)
         .add_option("--format", values.format,
             "16-bit PCM, or Microsoft ADPCM, which takes about a quarter of the space; without it PCM")
         ->check(CLI::IsMember({"pcm", "adpcm"}));
-    command.add_option("--rate", values.settings.rateHz, "Resample to this many Hz")
+    command.add_option("--rate", values.settings.rateHz, "Resample to this rate")
+        ->type_name("HERTZ")
         ->check(CLI::Range(1000, 192000));
     command.add_option("--channels", values.settings.channels, "Mix to mono (1) or stereo (2)")
         ->check(CLI::Range(1, 2));

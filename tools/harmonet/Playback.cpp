@@ -1,0 +1,181 @@
+#include "tools/harmonet/Playback.h"
+
+#include "harmonet/instances/Sound.h"
+#include "tools/harmonet/FileWatch.h"
+#include "tools/harmonet/GameClock.h"
+#include "tools/harmonet/Interrupt.h"
+#include "tools/harmonet/Output.h"
+#include "tools/harmonet/PlayList.h"
+#include "tools/harmonet/PlayReport.h"
+#include "tools/harmonet/Rooms.h"
+#include "tools/harmonet/Walk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <thread>
+
+namespace Tool
+{
+
+namespace
+{
+
+// How a positional sound file loses gain: full up to the first, no further loss beyond the second.
+constexpr float minDistance = 1.0F;
+constexpr float maxDistance = 500.0F;
+constexpr float allAround = 360.0F; ///< Degrees of a cone that is none.
+
+bool IsPlaced(const PlayRequest& request, const PlayList::Item& item)
+{
+    return request.isWalking || !request.position.empty() || item.HasPlace();
+}
+
+Quon::Vector3 PlaceOf(const PlayRequest& request, const PlayList::Item& item)
+{
+    const std::vector<float>& at = request.position;
+    return at.empty() ? item.GetPlace() : Quon::Vector3{at[0], at[1], at[2]};
+}
+
+int MakeSound(Quon::Sound& group, const PlayRequest& request, const PlayList::Item& item)
+{
+    if (!IsPlaced(request, item))
+        return group.New2DSound(item.name, item.database);
+    const int id = group.New3DSound(item.name, item.database);
+    if (!item.definition) {
+        group.SetSoundCone(id, allAround, allAround, 1.0F);
+        group.SetSoundMinMaxDistance(id, minDistance, maxDistance, false);
+    }
+    // Without effect on a line, which has its own places.
+    group.SetSoundPosition(id, PlaceOf(request, item));
+    return id;
+}
+
+void StartOrFail(
+    Quon::Sound& group, const PlayRequest& request, const PlayList::Item& item, PlayReport& report)
+{
+    const int flags = request.isLooping || request.isWalking ? Quon::Sound::StartLooping : 0;
+    // At once, so that a rendered file begins with the sound. More sounds than channels have to compete.
+    for (const int atOnce : {static_cast<int>(Quon::Sound::StartImmediately), 0}) {
+        const int id = MakeSound(group, request, item);
+        group.SetSoundPriority(id, request.priority);
+        report.NameSound(id, item.shown);
+        if (group.StartSound(id, flags | atOnce))
+            return report.ExpectSound();
+        group.DeleteSound(id);
+    }
+    throw ToolError("'" + item.shown + "' cannot be played", ExitCode::BadInput);
+}
+
+long LimitMs(const PlayRequest& request)
+{
+    if (request.seconds > 0.0)
+        return std::lround(request.seconds * 1000.0);
+    return request.isWalking ? Walk::durationMs : std::numeric_limits<long>::max();
+}
+
+void CheckEnd(const PlayRequest& request, const PlayList& list)
+{
+    const auto isLoop = [&](const PlayList::Item& item) { return request.isLooping || item.IsLoop(); };
+    const bool hasLoop = std::any_of(list.GetItems().begin(), list.GetItems().end(), isLoop);
+    if (hasLoop && !request.host.renderPath.empty() && LimitMs(request) == std::numeric_limits<long>::max())
+        throw ToolError("a loop has no end; rendering one needs --seconds", ExitCode::BadArguments);
+}
+
+/// Past the middle of all that is played, from where it is hardly heard any more.
+Walk MakeWalk(const PlayRequest& request, const PlayList& list)
+{
+    constexpr float leastSpan = 20.0F;
+    Quon::Vector3 sum{0.0F, 0.0F, 0.0F};
+    float span = leastSpan;
+    for (const PlayList::Item& item : list.GetItems()) {
+        const Quon::Vector3 place = PlaceOf(request, item);
+        sum = {sum.x + place.x, sum.y + place.y, sum.z + place.z};
+        if (item.definition)
+            span = std::max(span, 4.0F * item.definition->GetMinDistance());
+    }
+    const auto count = static_cast<float>(list.GetItems().size());
+    return {{sum.x / count, sum.y / count, sum.z / count}, span};
+}
+
+/// How long the room is heard after the sounds have ended.
+long TailMs(const PlayRequest& request)
+{
+    return request.room.empty() ? 0 : std::lround(GetRoom(request.room).decayTime * 1000.0F);
+}
+
+/// Runs the frames until there is nothing more to hear.
+void RunFrames(
+    const PlayRequest& request, const PlayList& list, Host& host, PlayReport& report, FileWatch& watch)
+{
+    GameClock clock(host.IsLive());
+    const Walk walk = MakeWalk(request, list);
+    const long limitMs = LimitMs(request);
+    long playedMs = 0;
+    long tailMs = TailMs(request);
+    do {
+        const int elapsedMs = clock.WaitForFrame(limitMs - playedMs);
+        host.Update(elapsedMs);
+        playedMs += elapsedMs;
+        if (request.isWalking)
+            host.MoveListener(walk.GetPosition(playedMs));
+        if (!report.IsUnfinished())
+            tailMs -= elapsedMs;
+        report.ShowProgress(static_cast<unsigned long>(playedMs));
+    } while ((report.IsUnfinished() || tailMs > 0) && playedMs < limitMs && !IsInterrupted() &&
+        !(request.isWatching && watch.HasChanged()));
+}
+
+void PlayToTheEnd(const PlayRequest& request, const PlayList& list, PlayReport& report, FileWatch& watch)
+{
+    Host::Settings settings = request.host;
+    settings.inputs = list.GetFiles();
+    Host host(settings);
+    if (!request.room.empty() && !host.EnterRoom(GetRoom(request.room)))
+        Warn("this output driver has no rooms");
+    if (request.isWalking)
+        host.MoveListener(MakeWalk(request, list).GetPosition(0));
+    Quon::Sound group;
+    group.AddObserver(&report);
+    group.SetGain(request.gain);
+    for (const PlayList::Item& item : list.GetItems())
+        StartOrFail(group, request, item, report);
+    RunFrames(request, list, host, report, watch);
+}
+
+void PlayOnce(const PlayRequest& request, FileWatch& watch)
+{
+    const PlayList list(request.paths, request.root, request.isWatching);
+    CheckEnd(request, list);
+    watch = FileWatch(list.GetFiles());
+    PlayReport report;
+    PlayToTheEnd(request, list, report, watch);
+    report.ShowEvents();
+}
+
+} // namespace
+
+ExitCode Play(const PlayRequest& request)
+{
+    constexpr std::chrono::milliseconds pause(20);
+    CatchInterrupt();
+    for (;;) {
+        FileWatch watch(request.paths);
+        try {
+            PlayOnce(request, watch);
+        }
+        catch (const ToolError& error) {
+            // Whoever edits the file mends it and saves again.
+            if (!request.isWatching || error.GetCode() != ExitCode::BadInput)
+                throw;
+            Complain(error.what());
+        }
+        FlushOutput();
+        while (request.isWatching && !IsInterrupted() && !watch.HasChanged())
+            std::this_thread::sleep_for(pause);
+        if (!request.isWatching || IsInterrupted())
+            return ExitCode::Done;
+    }
+}
+
+} // namespace Tool
