@@ -52,6 +52,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/instances/SndPolyline.h
     harmonet/instances/Sound.h
     harmonet/instances/SoundObserver.h
+    harmonet/instances/SoundReason.h
     harmonet/kernel/HarmonetStrings.h
     harmonet/kernel/HarmonetTask.h
     harmonet/kernel/QuonGetPlugins.h

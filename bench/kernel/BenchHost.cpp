@@ -20,12 +20,12 @@ void WriteRaw(std::ostream& out, const T& value)
     out.write(reinterpret_cast<const char*>(&value), sizeof value);
 }
 
-void WriteWave(const std::filesystem::path& path)
+void WriteWave(const std::filesystem::path& path, int sampleFrames)
 {
     // The record without its last field is what a "fmt " chunk of PCM holds.
     constexpr std::uint32_t formatBytes = 16;
     constexpr int rateHz = WaveFolder::rateHz;
-    constexpr std::uint32_t dataBytes = WaveFolder::sampleFrames * sizeof(std::int16_t);
+    const auto dataBytes = static_cast<std::uint32_t>(sampleFrames * static_cast<int>(sizeof(std::int16_t)));
     const Quon::WaveFormatEx format{
         Quon::waveTagPcm, 1, rateHz, rateHz * sizeof(std::int16_t), sizeof(std::int16_t), 16, 0};
     std::ofstream out(path, std::ios::binary);
@@ -36,19 +36,19 @@ void WriteWave(const std::filesystem::path& path)
     out.write(reinterpret_cast<const char*>(&format), formatBytes);
     out << "data";
     WriteRaw(out, dataBytes);
-    for (int i = 0; i < WaveFolder::sampleFrames; ++i)
+    for (int i = 0; i < sampleFrames; ++i)
         WriteRaw(out, static_cast<std::int16_t>(i % WaveFolder::period));
 }
 
 } // namespace
 
-WaveFolder::WaveFolder(int fileCount)
+WaveFolder::WaveFolder(int fileCount, int framesOfEach)
 {
     std::string pattern = (std::filesystem::temp_directory_path() / "harmonet-bench-XXXXXX").string();
     folder = mkdtemp(pattern.data());
     for (int i = 0; i < fileCount; ++i) {
         const std::string name = std::to_string(i) + ".wav";
-        WriteWave(folder / name);
+        WriteWave(folder / name, framesOfEach);
         names.emplace_back(name.c_str());
     }
     Quon::File::AddRoot(Quon::PString(), folder.c_str());

@@ -10,8 +10,7 @@
 namespace Bench
 {
 
-/// Wave files of two seconds in a folder of their own, which is the root of plain file names and goes with
-/// the object.
+/// Wave files in a folder of their own, which is the root of plain file names and goes with the object.
 class WaveFolder
 {
 public:
@@ -20,7 +19,7 @@ public:
     static constexpr int rateHz = 8000;
     static constexpr int sampleFrames = 2 * rateHz;
 
-    explicit WaveFolder(int fileCount);
+    explicit WaveFolder(int fileCount, int framesOfEach = sampleFrames);
     WaveFolder(const WaveFolder&) = delete;
     WaveFolder& operator=(const WaveFolder&) = delete;
     ~WaveFolder();

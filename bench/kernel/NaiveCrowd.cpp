@@ -1,40 +1,36 @@
 #include "bench/kernel/NaiveCrowd.h"
 
-#include "bench/kernel/BenchHost.h"
-#include "harmonet/instances/Sound.h"
-
 namespace Bench
 {
 
-NaiveCrowd::NaiveCrowd(CrowdPlan& newPlan, int fileCount, int channels)
+NaiveCrowd::NaiveCrowd(CrowdPlan& newPlan, int newFileCount, int newChannels)
     : plan(newPlan)
+    , fileCount(newFileCount)
+    , channels(newChannels)
 {
-    for (int i = 0; i < fileCount; ++i) {
-        const std::string name = std::to_string(i) + ".wav";
-        model.files[name] = {.name = name, .rateHz = WaveFolder::rateHz, .frames = WaveFolder::sampleFrames};
-    }
-    model.SetLimit(channels);
-    model.ActivateListener({0.0F, 0.0F, 0.0F});
-    for (int i = 0; i < plan.GetCount(); ++i) {
-        const CrowdPlan::Place& place = plan.GetPlace(i);
-        const int id = model.New3D(std::to_string(i % fileCount) + ".wav");
-        model.SetSoundPosition(id, place.position);
-        model.SetSoundPriority(id, place.priority);
-        model.SetSoundMinMaxDistance(id, CrowdPlan::minDistance, CrowdPlan::maxDistance, false);
-        model.StartSound(id, Quon::Sound::StartLooping);
-    }
+    for (int i = 0; i < plan.GetCount(); ++i)
+        positions.push_back(plan.GetPlace(i).position);
 }
 
 void NaiveCrowd::MoveHalf()
 {
-    for (int id = 1; id <= plan.GetCount(); id += 2)
-        model.SetSoundPosition(id, plan.AnyPosition());
+    for (std::size_t i = 0; i < positions.size(); i += 2)
+        positions[i] = plan.AnyPosition();
 }
 
 void NaiveCrowd::Update()
 {
-    model.Update(BenchHost::frameSeconds);
-    model.log.clear();
+    constexpr std::uint16_t longAgo = 1000;
+    std::vector<Quon::Contender> contenders;
+    for (int i = 0; i < plan.GetCount(); ++i) {
+        const Quon::Vector3& place = positions[static_cast<std::size_t>(i)];
+        const float x = place.x - listenerX;
+        contenders.push_back({plan.GetPlace(i).priority, x * x + place.y * place.y + place.z * place.z,
+            static_cast<std::uint32_t>(i % fileCount), longAgo, Quon::TraitInRange});
+    }
+    const std::size_t count = contenders.size();
+    heard =
+        static_cast<int>(Quon::PlainDecision(std::move(contenders), {0, count, 0}, channels).chosen.size());
 }
 
 } // namespace Bench

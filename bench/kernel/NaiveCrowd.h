@@ -1,26 +1,30 @@
 #pragma once
 
 #include "bench/kernel/CrowdPlan.h"
-#include "tests/kernel/UpdateModel.h"
+#include "tests/kernel/PlainDecision.h"
 
 namespace Bench
 {
 
-/// The crowd of a plan in the plain form of the kernel's rules by which the tests judge the kernel: what an
-/// update costs when nothing has been done about it.
+/// The crowd of a plan, and who of it is heard, decided in the plainest form of the kernel's rules: what that
+/// costs when nothing has been done about it. All sounds have run without a channel for long.
 class NaiveCrowd
 {
 public:
-    NaiveCrowd(CrowdPlan& newPlan, int fileCount, int channels);
+    NaiveCrowd(CrowdPlan& newPlan, int newFileCount, int newChannels);
 
     void MoveHalf();
-    void MoveListener(float x) { model.MoveListener({x, 0.0F, 0.0F}); }
+    void MoveListener(float x) { listenerX = x; }
     void Update();
-    int CountHeard() const { return static_cast<int>(model.GetPlaying().size()); }
+    int CountHeard() const { return heard; }
 
 private:
     CrowdPlan& plan;
-    Quon::UpdateModel model{0};
+    int fileCount;
+    int channels;
+    std::vector<Quon::Vector3> positions;
+    float listenerX = 0.0F;
+    int heard = 0;
 };
 
 } // namespace Bench

@@ -117,12 +117,12 @@ bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, co
     // Whole: the mask of resource effects is for sound effects.
     if (resource->GetFXList().GetNumEffects() > 0)
         instance.SetCopyFXList(resource->GetFXList());
-    const std::uint32_t startsBefore = instance.GetStartSerial();
+    const std::uint32_t startsBefore = theKernel->GetStartSerial(instance);
     resource->ApplyMusicSettings(this);
     resource.Unlock();
     // And so may the resource.
     const bool isOurs = exists() && FindLive() == &instance;
-    if (isOurs && instance.GetStartSerial() == startsBefore)
+    if (isOurs && theKernel->GetStartSerial(instance) == startsBefore)
         return StartOrGiveUp(instance);
     if (exists() && !isOurs)
         delete &instance;

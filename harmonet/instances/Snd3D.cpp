@@ -2,10 +2,8 @@
 
 #include "harmonet/instances/Axes.h"
 #include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
-
-#include <cmath>
-#include <limits>
 
 namespace Quon
 {
@@ -14,10 +12,6 @@ namespace
 {
 
 constexpr int nodeID = 16;
-
-// On the squared distance: about 1 % of the distance itself. Between the two limits a sound stays as it is,
-// so that one at the edge does not flip at each update.
-constexpr float outerBand = 1.02F;
 
 } // namespace
 
@@ -31,18 +25,27 @@ Snd3D::Snd3D()
 
 Snd3D::Snd3D(const Snd3D& other)
     : Particle()
-    , Snd3DRange(other)
     , SndBase(other)
+    , minDistance(other.minDistance)
     , innerConeAngle(other.innerConeAngle)
     , outerConeAngle(other.outerConeAngle)
     , coneGain(other.coneGain)
     , axis(other.axis)
 {
-    hasMoved = true;
     AddFlags(Flag3D);
+    InitMinMaxDistance(other.minDistance, other.GetMaxDistance(), other.GetCutout());
 }
 
-Snd3D& Snd3D::operator=(const Snd3D& other) = default;
+Snd3D& Snd3D::operator=(const Snd3D& other)
+{
+    Particle::operator=(other);
+    SndBase::operator=(other);
+    InitCone(other.innerConeAngle, other.outerConeAngle, other.coneGain);
+    InitMinMaxDistance(other.minDistance, other.GetMaxDistance(), other.GetCutout());
+    axis = other.axis;
+    SetHasMoved(other.Row().HasMark(RowMoved));
+    return *this;
+}
 
 Snd3D::~Snd3D()
 {
@@ -57,8 +60,24 @@ int Snd3D::GetID() const
 
 void Snd3D::ResetGlobalBoundingCenter() const
 {
-    hasMoved = true;
+    Row().SetMark(RowMoved, true);
+    Row().SetMark(RowPlaceKnown, false);
     globalPositionStale = true;
+}
+
+void Snd3D::SetHasMoved(bool on)
+{
+    Row().SetMark(RowMoved, on);
+}
+
+bool Snd3D::GetCutout() const
+{
+    return Row().HasMark(RowCutout);
+}
+
+float Snd3D::GetMaxDistance() const
+{
+    return Row().maxDistance;
 }
 
 void Snd3D::BindAxisToDirection(int newAxis)
@@ -83,8 +102,8 @@ void Snd3D::SetCone(float inner, float outer, float newConeGain)
 void Snd3D::InitMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout)
 {
     minDistance = newMinDistance;
-    maxDistance = newMaxDistance;
-    cutout = newCutout;
+    Row().maxDistance = newMaxDistance;
+    Row().SetMark(RowCutout, newCutout);
 }
 
 void Snd3D::SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout)
@@ -99,10 +118,10 @@ void Snd3D::Play(SndFile* file)
     if (SndChannel* channel = GetSndChannel()) {
         if (IsConeInUse())
             channel->SetCone(innerConeAngle, outerConeAngle, coneGain);
-        channel->SetMinMaxDistance(minDistance, maxDistance, cutout);
+        channel->SetMinMaxDistance(minDistance, GetMaxDistance(), GetCutout());
         UpdatePosition();
         // The next update works out the distance anew.
-        hasMoved = true;
+        SetHasMoved(true);
     }
     SndBase::Play(file);
 }
@@ -111,29 +130,22 @@ void Snd3D::CalcDistSqr(const Vector3& listener)
 {
     if (globalPositionStale)
         RecalculateGlobalBoundingCenter();
-    const float x = globalPosition.x - listener.x;
-    const float y = globalPosition.y - listener.y;
-    const float z = globalPosition.z - listener.z;
-    distSqr = x * x + y * y + z * z;
-    if (std::isnan(distSqr))
-        distSqr = std::numeric_limits<float>::infinity();
-    ClearFlags(FlagDistLTMax | FlagDistGTMax);
-    const float maxDistSqr = maxDistance * maxDistance;
-    if (!cutout || maxDistSqr > distSqr)
-        AddFlags(FlagDistLTMax);
-    else if (maxDistSqr * outerBand < distSqr)
-        AddFlags(FlagDistGTMax);
+    SoundRow& row = Row();
+    row.place = globalPosition;
+    row.SetMark(RowPlaceKnown, true);
+    MeasureDistance(row, listener);
 }
 
 bool Snd3D::SndUpdate(float seconds, const Vector3& listener, bool listenerMoved)
 {
     if (GetInPause())
         return true;
+    const bool hasMoved = Row().HasMark(RowMoved);
     if (listenerMoved || hasMoved)
         CalcDistSqr(listener);
     if (hasMoved && IsMovable() && GetSndChannel())
         UpdatePosition();
-    hasMoved = false;
+    SetHasMoved(false);
     return SndBase::SndUpdate(seconds, listener, listenerMoved);
 }
 

@@ -6,23 +6,13 @@
 namespace Quon
 {
 
-/// What an update reads of a positional sound besides what every sound has. A base of its own, so that it
-/// lies between the node's global position and the members of SndBase that the update reads too.
-struct Snd3DRange
-{
-    mutable bool hasMoved = true;
-    bool cutout = false;
-    float minDistance = 0.0F;
-    float maxDistance = 0.0F;
-};
-
 /// A sound effect with a place in the world: a node of the scene graph, which can hang below any other node
 /// and follow it. The sound's position is the node's global position. Scene and driver share one coordinate
 /// system, so nothing is converted.
 ///
 /// The node tells of a move by going stale; nothing is computed then, and the next full update picks it up. A
 /// position that is not finite counts as out of reach and does not go to the channel.
-class HARMONET_API Snd3D : public Particle, private Snd3DRange, public SndBase
+class HARMONET_API Snd3D : public Particle, public SndBase
 {
 public:
     using SndBase::operator new;
@@ -64,10 +54,10 @@ public:
     /// Moves the source and turns the cone to where the node now is. The direction follows only while the
     /// cone is in use, so that a plain source costs one call. Needs a channel.
     void UpdatePosition();
-    void SetHasMoved(bool on) { hasMoved = on; }
-    bool GetCutout() const { return cutout; }
+    void SetHasMoved(bool on);
+    bool GetCutout() const;
     float GetMinDistance() const { return minDistance; }
-    float GetMaxDistance() const { return maxDistance; }
+    float GetMaxDistance() const;
     /// Stores the settings without telling a channel: for a sound that is being set up.
     void InitCone(float inner, float outer, float newConeGain);
     void InitMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout);
@@ -80,6 +70,7 @@ private:
     bool IsConeInUse() const { return innerConeAngle < 180.0F && coneGain < 1.0F; }
     Vector3 CalcDirection() const;
 
+    float minDistance = 0.0F;
     float innerConeAngle = 0.0F;
     float outerConeAngle = 0.0F;
     float coneGain = 0.0F;

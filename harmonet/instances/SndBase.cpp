@@ -4,8 +4,8 @@
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
-#include "harmonet/kernel/NameNumbers.h"
 #include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
 
@@ -21,44 +21,49 @@ int SndBase::NextSoundID()
 }
 
 SndBase::SndBase(bool music)
-    : soundID(NextSoundID())
-    , sndFlags(music ? FlagMusic : SndFlags())
+    : rowNumber(SoundRows::Take(*this))
+    , soundID(NextSoundID())
 {
+    if (music)
+        AddFlags(FlagMusic);
 }
 
 SndBase::SndBase(const SndBase& other)
-    : IListNode()
+    : rowNumber(SoundRows::Take(*this))
     , soundID(NextSoundID())
-    , sndFlags(other.sndFlags)
-    , priority(other.priority)
-    , newFrequency(other.newFrequency)
-    , delay(other.delay)
     , fileName(other.fileName)
     , substName(other.substName)
+    , newFrequency(other.newFrequency)
     , soundLength(other.soundLength)
     , fadeDuration(other.fadeDuration)
     , gain(other.gain)
 {
+    Row().flags = other.Row().flags;
+    Row().priority = other.Row().priority;
+    SndBase::SetDelay(other.delay);
 }
 
 SndBase& SndBase::operator=(const SndBase& other)
 {
+    const SoundRow& from = other.Row();
+    SoundRow& row = Row();
+    if (theKernel)
+        theKernel->ForgetOrder(row);
+    row.flags = from.flags;
+    row.priority = from.priority;
+    row.distSqr = from.distSqr;
+    row.multiplier = from.multiplier;
+    row.stateTimeMs = from.stateTimeMs;
     soundID = other.soundID;
     parent = other.parent;
-    sndFlags = other.sndFlags;
-    fileName = other.fileName;
-    substName = other.substName;
-    nameNumber = other.nameNumber;
-    sndFile = other.sndFile;
+    SetFileName(other.fileName);
+    SetSubstName(other.substName);
+    SetSndFile(other.GetSndFile());
     startSample = other.startSample;
-    stateTime = other.stateTime;
-    soundLength = other.soundLength;
+    SetSoundLength(other.soundLength);
     fadeDuration = other.fadeDuration;
     gain = other.gain;
-    priority = other.priority;
-    distSqr = other.distSqr;
-    multiplier = other.multiplier;
-    delay = other.delay;
+    SndBase::SetDelay(other.delay);
     newFrequency = other.newFrequency;
     fxList = other.fxList;
     sndChannel = other.sndChannel;
@@ -69,6 +74,7 @@ SndBase& SndBase::operator=(const SndBase& other)
 SndBase::~SndBase()
 {
     Done();
+    SoundRows::GiveBack(rowNumber);
 }
 
 void SndBase::Done()
@@ -89,7 +95,7 @@ void SndBase::Done()
     }
     SetIsPlaying(false);
     SndFile* file = sndFile;
-    sndFile = nullptr;
+    TakeFile(nullptr);
     CloseAndDelete(file);
     if (!HasAnyFlag(FlagSharedFXList))
         fxList.Clear();
@@ -121,11 +127,11 @@ std::uint32_t SndBase::CalcRemainAtEnd() const
     if (sndChannel)
         remaining = static_cast<std::uint32_t>(sndChannel->GetRemainLength());
     else if (sndFile)
-        remaining = static_cast<std::uint32_t>(sndFile->GetRemainLength());
+        remaining = CalcFileRemain();
     return remaining + CalcQueueLength();
 }
 
-// Milliseconds of the files behind the current one.
+// Milliseconds of the files after the current one.
 std::uint32_t SndBase::CalcQueueLength() const
 {
     std::uint32_t length = 0;
@@ -162,7 +168,7 @@ void SndBase::ReleaseFadeOutChannel()
 
 void SndBase::Play(SndFile* file)
 {
-    sndFile = file;
+    TakeFile(file);
     if (!IsPlaying()) {
         if (startSample > 0) {
             const int samples = startSample;
@@ -175,7 +181,7 @@ void SndBase::Play(SndFile* file)
             group->OnSoundBegin(soundID, fileName);
         }
     }
-    stateTime = 0;
+    SetStateTime(0);
 }
 
 bool SndBase::Emulate()
@@ -186,7 +192,7 @@ bool SndBase::Emulate()
     }
     if (fadeOutChannel)
         ReleaseFadeOutChannel();
-    stateTime = 0;
+    SetStateTime(0);
     return IsPolyline() || sndFile;
 }
 
@@ -204,7 +210,7 @@ bool SndBase::FadeOut(int ms)
     SndChannel* channel = sndChannel;
     fadeOutChannel = channel;
     sndChannel = nullptr;
-    sndFile = nullptr;
+    TakeFile(nullptr);
     {
         Telling telling(*this);
         channel->Lock();
@@ -240,7 +246,7 @@ bool SndBase::SetFrequency(unsigned long hz)
         return false;
     if (sndChannel && !sndChannel->SetFrequency(hz))
         return false;
-    newFrequency = hz;
+    SetNewFrequency(hz);
     AddFlags(FlagChgFrequency);
     return true;
 }
@@ -265,7 +271,7 @@ unsigned long SndBase::GetRemainLength() const
     if (HasAnyFlag(FlagFadeOut))
         return static_cast<std::uint32_t>(fadeDuration);
     if (sndFile)
-        return static_cast<std::uint32_t>(sndFile->GetRemainLength() + CalcQueueLength());
+        return CalcFileRemain() + CalcQueueLength();
     return soundLength;
 }
 
@@ -277,7 +283,7 @@ unsigned long SndBase::GetCurrentLength() const
     else if (fadeOutChannel)
         remaining = fadeOutChannel->GetRemainLength();
     else if (sndFile)
-        remaining = sndFile->GetRemainLength();
+        remaining = CalcFileRemain();
     const auto sum = static_cast<std::uint32_t>(remaining + CalcQueueLength());
     return sum < soundLength ? soundLength - sum : 0;
 }
@@ -304,49 +310,16 @@ bool SndBase::IsBeingTold() const
     return beingTold || (IsPolyline() && static_cast<const SndPolyline*>(this)->IsSourceBeingTold());
 }
 
-void SndBase::SetDelay(int ms)
+bool SndBase::operator<(const SndBase& other) const
 {
-    delay = ms;
+    return Row().GetKey() < other.Row().GetKey();
 }
 
-void SndBase::CalcDistSqr(const Vector3&) {}
-
-float SndBase::GetDistSqr() const
+void SndBase::SetCompareUsingMultiplier(bool use)
 {
-    return distSqr;
-}
-
-void SndBase::SetPriority(int newPriority)
-{
-    priority = newPriority;
-    // The list on which it stands may not be in order any more.
-    if (list)
-        list->ForgetOrder();
-}
-
-std::uint32_t SndBase::GetNameNumber(NameNumbers& names) const
-{
-    if (nameNumber == noNameNumber)
-        nameNumber = names.Get(fileName, substName);
-    return nameNumber;
-}
-
-void SndBase::SetFadeIn(int ms)
-{
-    fadeDuration = ms;
-    AddFlags(FlagFadeIn);
-}
-
-void SndBase::SetDistLTMax()
-{
-    AddFlags(FlagDistLTMax);
-    ClearFlags(FlagDistGTMax);
-}
-
-void SndBase::SetDistGTMax()
-{
-    AddFlags(FlagDistGTMax);
-    ClearFlags(FlagDistLTMax);
+    if (theKernel && use != useMultiplier)
+        theKernel->ForgetOrder();
+    useMultiplier = use;
 }
 
 } // namespace Quon

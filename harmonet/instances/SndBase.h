@@ -3,9 +3,8 @@
 #include "harmonet/Export.h"
 #include "harmonet/definitions/SndFXList.h"
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/engine/ChunkRing.h"
-#include "harmonet/engine/IListNode.h"
 #include "harmonet/engine/PString.h"
+#include "harmonet/instances/SoundReason.h"
 
 #include <cstdint>
 
@@ -13,12 +12,11 @@ namespace Quon
 {
 
 class Music;
-class NameNumbers;
-class SndBase;
 class SndChannel;
 class SndFile;
-class SndList;
+class SndKernel;
 class Sound;
+struct SoundRow;
 struct Vector3;
 
 /// The flags of a sound instance; all other bits of the word stay 0.
@@ -44,26 +42,21 @@ enum SndFlags : std::uint32_t
     FlagPlaying = 0x40000000 ///< Has started.
 };
 
-/// The kernel's table of sounds is made of these.
-using SoundBucket = ChunkRing<SndBase*, 29>;
-
 /// The length in milliseconds of what has no end, or of what is not known yet.
 inline constexpr unsigned long unknownLength = 0xFFFFFFFF;
 
-/// Whether start `serial` came after start `horizon`. The count of starts may wrap around.
-constexpr bool IsAfter(std::uint32_t serial, std::uint32_t horizon)
-{
-    return static_cast<std::int32_t>(serial - horizon) > 0;
-}
-
-/// One sound that can play. It goes on existing and running when it has no channel: it then keeps its open
-/// file and its place in time, and each update moves the file on as if the sound were being heard, so that it
-/// comes back at the right sample. To the game such a sound is simply playing.
+/// One sound that can play. It goes on existing and running when it has no channel, as a virtual sound (here
+/// called emulated): it keeps its open file, and each update moves its place in time on as if it were being
+/// heard, so that it comes back at the right sample. To the game such a sound is simply playing.
+///
+/// An emulated sound is mostly moved on by counting, and its file follows when somebody asks for it, when the
+/// sound comes back and when it goes on with the next file. A file whose data may end before its stated
+/// length, and any MPEG stream, is moved at each update.
 ///
 /// The kernel owns every instance from the moment it is in the id table, and ends it by deleting the object;
 /// the destructor notifies, stops the channel, leaves list and table and closes the files. Game code does not
 /// hold instances but ids (`Sound`, `Music`). All operations are for the task thread.
-class HARMONET_API SndBase : public IListNode, public Allocated
+class HARMONET_API SndBase : public Allocated
 {
 public:
     /// A sound that has not started, with the next id of the process; 0 while no kernel exists. `music` sets
@@ -126,17 +119,10 @@ public:
 
     /// Less important: lower priority, or as great a priority and farther away. The distance counts
     /// multiplied by the multiplier unless SetCompareUsingMultiplier(false) is in force.
-    bool operator<(const SndBase& other) const
-    {
-        if (priority != other.priority)
-            return priority < other.priority;
-        if (!useMultiplier)
-            return distSqr > other.distSqr;
-        return GetWeightedDistance() > other.GetWeightedDistance();
-    }
+    bool operator<(const SndBase& other) const;
     /// More important.
     bool operator>(const SndBase& other) const { return other < *this; }
-    static void SetCompareUsingMultiplier(bool use) { useMultiplier = use; }
+    static void SetCompareUsingMultiplier(bool use);
     static bool useMultiplier;
 
     // Effects. A setter returns false while the sound plays, since effects are fixed when it starts; else it
@@ -178,43 +164,32 @@ public:
     /// The owning `Music`; null for any other sound.
     Music* GetParentMusic() const { return IsMusic() ? static_cast<Music*>(parent) : nullptr; }
     void SetParentMusic(Music* newParent) { parent = newParent; }
-    std::uint32_t GetSndFlags() const { return sndFlags; }
-    bool HasAnyFlag(std::uint32_t mask) const { return (sndFlags & mask) != 0; }
+    std::uint32_t GetSndFlags() const;
+    bool HasAnyFlag(std::uint32_t mask) const { return (GetSndFlags() & mask) != 0; }
     const PString& GetFileName() const { return fileName; }
-    void SetFileName(const PString& name)
-    {
-        fileName = name;
-        nameNumber = noNameNumber;
-    }
+    void SetFileName(const PString& name);
     const PString& GetSubstName() const { return substName; }
-    void SetSubstName(const PString& name)
-    {
-        substName = name;
-        nameNumber = noNameNumber;
-    }
-    SndFile* GetSndFile() const { return sndFile; }
-    void SetSndFile(SndFile* file) { sndFile = file; }
+    void SetSubstName(const PString& name);
+    /// The file, brought to the sound's place in time first.
+    SndFile* GetSndFile() const;
+    void SetSndFile(SndFile* file);
     void SetStartSample(int samples) { startSample = samples; }
-    void SetStateTime(unsigned long ms) { stateTime = ms; }
-    unsigned long GetStateTime() const { return stateTime; }
-    void SetSoundLength(unsigned long ms) { soundLength = ms; }
+    /// Milliseconds in 32 bits.
+    void SetStateTime(unsigned long ms);
+    unsigned long GetStateTime() const;
+    /// Milliseconds in 32 bits.
+    void SetSoundLength(unsigned long ms);
     unsigned long GetSoundLength() const { return soundLength; }
     int GetFadeDuration() const { return fadeDuration; }
     /// Sets the length of the fade-in, and FlagFadeIn.
     void SetFadeIn(int ms);
     float GetGain() const { return gain; }
-    int GetPriority() const { return priority; }
-    float GetMultiplier() const { return multiplier; }
-    void SetMultiplier(float factor) { multiplier = factor; }
-    /// The squared distance with its weight. At no distance the weight has no say, however great.
-    float GetWeightedDistance() const { return WeightDistance(distSqr, multiplier); }
-    static float WeightDistance(float squared, float weight)
-    {
-        return squared == 0.0F ? 0.0F : weight * squared;
-    }
+    int GetPriority() const;
+    float GetMultiplier() const;
+    void SetMultiplier(float factor);
     int GetDelay() const { return delay; }
     unsigned long GetNewFrequency() const { return newFrequency; }
-    void SetNewFrequency(unsigned long hz) { newFrequency = hz; }
+    void SetNewFrequency(unsigned long hz);
     SndChannel* GetSndChannel() const { return sndChannel; }
     void SetSndChannel(SndChannel* channel) { sndChannel = channel; }
     SndChannel* GetFadeOutChannel() const { return fadeOutChannel; }
@@ -236,16 +211,21 @@ public:
     bool IsChgFrequency() const { return HasAnyFlag(FlagChgFrequency); }
     bool IsDisableMicFX() const { return HasAnyFlag(FlagDisableMicFX); }
     /// The masked bit, so that true is not 1; likewise IsPlaying().
-    int GetInPause() const { return static_cast<int>(sndFlags & FlagInPause); }
+    int GetInPause() const { return static_cast<int>(GetSndFlags() & FlagInPause); }
     void SetInPause(bool on) { SetFlags(FlagInPause, on); }
-    int IsPlaying() const { return static_cast<int>(sndFlags & FlagPlaying); }
+    int IsPlaying() const { return static_cast<int>(GetSndFlags() & FlagPlaying); }
     void SetIsPlaying(bool on) { SetFlags(FlagPlaying, on); }
     /// Whether the driver is making it heard, be it fading out.
     bool IsAudible() const { return sndChannel || fadeOutChannel; }
-    void AddFlags(std::uint32_t mask) { sndFlags |= mask; }
-    void ClearFlags(std::uint32_t mask) { sndFlags &= ~mask; }
+    void AddFlags(std::uint32_t mask);
+    void ClearFlags(std::uint32_t mask);
     /// Overwrites the whole word.
-    void ResetFlags(std::uint32_t flags) { sndFlags = flags; }
+    void ResetFlags(std::uint32_t flags);
+
+    /// Why it is heard or not, as last decided, and for how many milliseconds of the kernel's time that has
+    /// been so.
+    SoundReason GetReason() const;
+    unsigned long GetReasonAge() const;
 
     /// How a channel for this sound is to behave: SndChannelFlags.
     unsigned int GetChannelFlags() const;
@@ -253,15 +233,6 @@ public:
     /// deleted, and the operations of the game that would do so pass it over. The same holds for the head of
     /// a line while one of its sources is told of, since the sources go with it.
     bool IsBeingTold() const;
-    /// The number of this sound's file and owner name among `names`, the kernel's; like sounds have the same.
-    std::uint32_t GetNameNumber(NameNumbers& names) const;
-    /// The squared distance, without a virtual call.
-    float GetPlainDistSqr() const { return distSqr; }
-    /// The kernel's list on which the sound stands, or null.
-    const SndList* GetList() const { return list; }
-    /// Which start of a sound this was, counted by the kernel; 0 before the first.
-    std::uint32_t GetStartSerial() const { return startSerial; }
-
     /// Marks the sound as being told about for as long as the object lives; may be nested.
     class Telling
     {
@@ -286,6 +257,9 @@ protected:
     /// or effects, and the settings of `other`.
     SndBase(const SndBase& other);
 
+    /// What an update reads and writes of this sound; the kernel keeps it together with those of all others.
+    SoundRow& Row() const;
+
     /// Moves the file forward by `samples` sample frames, round a loop or along the queue.
     void SkipSamples(int samples);
     /// Turns a list that belongs to another instance into one of this sound's own, which may be changed.
@@ -306,8 +280,6 @@ protected:
 
 private:
     friend class SndKernel;
-    friend class SndList;
-    friend class SoundTable;
 
     bool AddEffect(SndFX effect, const void* record, unsigned long size, long quality);
     void NotifyEnd();
@@ -318,52 +290,46 @@ private:
     void StepToNextFile();
     void SkipLooping(int samples);
     void SkipAlongQueue(int samples);
+    void TakeFile(SndFile* file);
+    void StartCounting();
+    void NoteRate();
+    void CatchUpFile() const;
+    bool CountLoop(std::uint32_t samples);
     bool AdvanceEmulated(std::uint32_t samples);
     bool AdvanceLooping(int samples);
     bool AdvanceAlongQueue(int samples);
+    std::uint32_t CalcFileRemain() const;
     std::uint32_t CalcQueueLength() const;
     std::uint32_t CalcRemainAtEnd() const;
 
     static int NextSoundID();
-    static constexpr std::uint32_t noNameNumber = 0xFFFFFFFF;
+    static constexpr std::uint32_t noTablePlace = 0xFFFFFFFF;
 
-    // What each update reads of each sound stands together, in front, right behind the links of the list. All
-    // else is behind it: the sounds lie all over the memory, and a line of it that is not needed costs.
+    const std::uint32_t rowNumber; ///< Of Row().
     int soundID;
-    std::uint32_t sndFlags = 0;
-    int priority = 0;
-    float multiplier = 1.0F;
-
-protected:
-    float distSqr = 0.0F;
-
-private:
-    mutable std::uint32_t nameNumber = noNameNumber;
-    SndFile* sndFile = nullptr;
+    SndFile* sndFile = nullptr; ///< Behind the sound's place in time while that is counted.
     SndChannel* sndChannel = nullptr;
     SndChannel* fadeOutChannel = nullptr;
-    SndList* list = nullptr; ///< The kernel's list that holds this sound; SndList keeps it.
-    unsigned long stateTime = 1000;
-    unsigned long newFrequency = 0;
-    std::uint32_t knownPlace = 0; ///< Where the list knows this sound to stand; SndList keeps it.
-    int delay = 0;
-    std::uint32_t startSerial = 0; ///< When it last went to the kernel to be played; the kernel keeps it.
-
     void* parent = nullptr;
     PString fileName;
     PString substName;
-    unsigned long soundLength = unknownLength;
+    std::uint32_t newFrequency = 0;
+    std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
+    int delay = 0;
     int startSample = 0;
     int fadeDuration = 0;
     float gain = 1.0F;
-    bool beingTold = false;
-    bool ended = false; ///< Done() has begun.
-    SoundBucket::Chunk* tableChunk = nullptr; ///< Where it stands in the kernel's table; SoundTable keeps it.
+    std::uint32_t startSerial = 0; ///< Which start of a sound this was; 0 before the first.
+    std::uint32_t tablePlace = noTablePlace; ///< Where it stands in the kernel's table.
+    std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the present reason was given.
 
 protected:
     SndFXList fxList;
 
 private:
+    bool beingTold = false;
+    bool ended = false; ///< Done() has begun.
+
     static int lastSoundID;
 };
 

@@ -3,6 +3,7 @@
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
 
 #include <algorithm>
@@ -20,9 +21,21 @@ std::uint32_t CountSamples(const SndFile& file)
     return static_cast<std::uint32_t>(std::max(file.GetSoundSamples(), 0));
 }
 
-int CountSamplesLeft(SndFile& file)
+int CountSamplesLeft(const SndFile& file)
 {
     return std::max(file.GetSoundSamples() - file.GetCurrentSample(), 0);
+}
+
+// Whether a skip in this file is arithmetic and always ends where the file states. A wave can be shorter than
+// it says. An MPEG stream has to be read, and what it decodes later depends on the steps of the skip.
+bool IsCountable(const SndFile& file)
+{
+    if (file.FileType() == SndFile::FileAdpcm)
+        return file.GetSoundSamples() > 0;
+    const std::int64_t bytes =
+        std::int64_t{file.GetSoundSamples()} * file.GetBytesPerSample() * file.GetChannels();
+    return file.FileType() == SndFile::FileWav && bytes > 0 &&
+        bytes <= static_cast<std::int64_t>(file.Size());
 }
 
 } // namespace
@@ -32,7 +45,7 @@ int CountSamplesLeft(SndFile& file)
 void SndBase::StepToNextFile()
 {
     SndFile* passed = sndFile;
-    sndFile = passed->GetNext();
+    TakeFile(passed->GetNext());
     passed->ClearQueue();
     // Start samples are skipped when the channel is there already, and has the first file.
     if (sndChannel)
@@ -41,7 +54,7 @@ void SndBase::StepToNextFile()
     CloseAndDelete(passed);
 }
 
-// The driver has moved on: what lies in front of `newFile` goes.
+// The driver has moved on: what lies before `newFile` goes.
 void SndBase::MoveOnTo(SndFile* newFile)
 {
     SndFile* last = sndFile;
@@ -52,7 +65,7 @@ void SndBase::MoveOnTo(SndFile* newFile)
     sndChannel->Lock();
     last->ClearQueue();
     SndFile* passed = sndFile;
-    sndFile = newFile;
+    TakeFile(newFile);
     sndChannel->Unlock();
     CloseAndDelete(passed);
 }
@@ -61,6 +74,7 @@ void SndBase::SkipSamples(int samples)
 {
     if (!sndFile)
         return;
+    CatchUpFile();
     if (IsLooping())
         SkipLooping(samples);
     else
@@ -102,13 +116,74 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
 {
     if (!theKernel || !IsPlaying() || IsAudible() || !sndFile)
         return true;
-    const double exactMs = static_cast<double>(seconds) * msPerSecond;
-    const std::uint32_t ms = exactMs > 0.0 ? static_cast<std::uint32_t>(std::min(exactMs, 4294967295.0)) : 0;
-    const auto minimum = static_cast<std::uint64_t>(theKernel->GetOptions().minEmulationLength);
+    const UpdateStep step = theKernel->MakeStep(seconds);
     const unsigned long left = GetRemainLength();
-    if (left != unknownLength && left < minimum + ms)
+    if (left != unknownLength && left < std::uint64_t{step.minEmulationMs} + step.ms)
         return false;
-    return AdvanceEmulated(static_cast<std::uint32_t>(GetFrequency()) * ms / 1000U);
+    SoundRow& row = Row();
+    if (!row.HasMark(RowCounted))
+        StartCounting();
+    if (row.HasMark(RowCounted)) {
+        const std::uint32_t samples = row.CalcSamples(step);
+        if (row.CountSamples(samples) || (IsLooping() && CountLoop(samples)))
+            return true;
+        CatchUpFile();
+    }
+    return AdvanceEmulated(static_cast<std::uint32_t>(GetFrequency()) * step.ms / 1000U);
+}
+
+void SndBase::StartCounting()
+{
+    const bool mayGoRound = IsLooping() && sndFile->GetNext();
+    if (!IsCountable(*sndFile) || mayGoRound || HasAnyFlag(FlagFadeOut))
+        return;
+    Row().samplesLeft = CountSamplesLeft(*sndFile);
+    Row().SetMark(RowCounted, true);
+    NoteRate();
+}
+
+void SndBase::NoteRate()
+{
+    Row().rateHz = static_cast<std::uint32_t>(GetFrequency());
+    Row().SetMark(RowOwnRate, Row().rateHz != static_cast<std::uint32_t>(sndFile->GetSampleFrequency()));
+}
+
+// Brings the file to the sound's place in time.
+void SndBase::CatchUpFile() const
+{
+    SoundRow& row = Row();
+    if (!row.HasMark(RowCounted))
+        return;
+    if (row.HasMark(RowRewound))
+        sndFile->Rewind();
+    row.SetMark(RowCounted | RowRewound, false);
+    sndFile->SkipSamples(sndFile->GetSoundSamples() - row.samplesLeft - sndFile->GetCurrentSample());
+}
+
+// Always true: a counted loop has no end.
+bool SndBase::CountLoop(std::uint32_t samples)
+{
+    const std::uint32_t total = CountSamples(*sndFile);
+    const auto rest = static_cast<std::int32_t>(samples < total ? samples : samples % total);
+    SoundRow& row = Row();
+    if (rest > row.samplesLeft) {
+        row.samplesLeft += static_cast<std::int32_t>(total);
+        row.SetMark(RowRewound, true);
+    }
+    row.samplesLeft -= rest;
+    return true;
+}
+
+// Milliseconds of the current file, as the file would say it.
+std::uint32_t SndBase::CalcFileRemain() const
+{
+    const SoundRow& row = Row();
+    if (!row.HasMark(RowCounted))
+        return static_cast<std::uint32_t>(sndFile->GetRemainLength());
+    if (sndFile->GetSampleFrequency() <= 0)
+        return 0;
+    const double seconds = static_cast<double>(row.samplesLeft) / sndFile->GetSampleFrequency();
+    return static_cast<std::uint32_t>(std::min(seconds * msPerSecond, 4294967295.0));
 }
 
 // False when the sound has run out. A sound without a single sample in all its files ends here too.

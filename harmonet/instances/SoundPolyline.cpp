@@ -68,7 +68,7 @@ int Sound::NewPolylineSound(
     if (!main)
         return 0;
     // The resource's own code has started it as it is.
-    if (main->IsPlaying() || main->GetList())
+    if (main->IsPlaying() || theKernel->IsListed(*main))
         return soundID;
     const SourceLimits limits = LimitSources(numAddSounds, minAngle);
     const unsigned int numSources = limits.numAddSounds + 1;

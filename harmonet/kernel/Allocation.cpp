@@ -1,5 +1,9 @@
-#include "harmonet/kernel/ChannelPicker.h"
+// How channels are shared out when more sounds ask for one than there may be: gather, decide, carry out.
+
 #include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundWalk.h"
+
+#include <algorithm>
 
 namespace Quon
 {
@@ -7,104 +11,112 @@ namespace Quon
 namespace
 {
 
-// A sound that has just got its channel keeps it for this long.
-constexpr unsigned long protectedMs = 200;
+constexpr ListID contenderLists[] = {ListID::Playing, ListID::Emulated, ListID::Waiting};
 
-// The sounds that have won. Those that an exception keeps from being dealt with go back to the lists, so that
-// a running sound is never on none.
-class ChosenList
+std::uint16_t GetTraits(const SoundRow& row)
 {
-public:
-    ChosenList(SndList& newPlayingList, SndList& newWaitingList)
-        : playingList(newPlayingList)
-        , waitingList(newWaitingList)
-    {
-    }
-    ~ChosenList()
-    {
-        while (SndBase* sound = sounds.TakeHead())
-            (sound->IsAudible() ? playingList : waitingList).InsertSorted(*sound);
-    }
-    ChosenList(const ChosenList&) = delete;
-    ChosenList& operator=(const ChosenList&) = delete;
-
-    SndList sounds;
-
-private:
-    SndList& playingList;
-    SndList& waitingList;
-};
+    const auto trait = [](bool isSet, ContenderTraits mask) { return isSet ? mask : 0; };
+    return static_cast<std::uint16_t>(trait(row.HasAnyFlag(FlagMusic), TraitMusic) |
+        trait(row.HasAnyFlag(FlagDistLTMax), TraitInRange) | trait(row.HasAnyFlag(FlagInPause), TraitPaused) |
+        trait(row.HasAnyFlag(FlagPolyline), TraitLine) | trait(row.HasMark(RowDelayed), TraitDelayed) |
+        trait(row.HasMark(RowNewcomer), TraitNewcomer));
+}
 
 } // namespace
 
 void SndKernel::Allocate()
 {
-    PutInOrder();
-    ChosenList chosen(playingList, waitingList);
-    ProtectYoung(chosen.sounds);
-    ChooseBest(chosen.sounds);
+    // The sorted insertions that follow compare with the multipliers, whoever has switched that off.
+    SndBase::SetCompareUsingMultiplier(true);
+    contenders.clear();
+    ContenderCounts counts;
+    for (std::size_t list = 0; list < numContenderLists; ++list) {
+        GatherContenders(contenderLists[list]);
+        counts[list] = static_cast<std::size_t>(GetList(contenderLists[list]).GetCount());
+    }
+    Decide(contenders, counts, maxAudible, decision);
+    const auto toRow = [&](std::uint32_t& number) {
+        std::size_t list = 0;
+        for (; number >= counts[list]; ++list)
+            number -= static_cast<std::uint32_t>(counts[list]);
+        number = GetList(contenderLists[list]).Compact()[number].row;
+    };
+    std::ranges::for_each(decision.chosen, toRow);
+    for (std::uint32_t& runnerUp : decision.runnersUp) {
+        if (runnerUp != Decision::nobody)
+            toRow(runnerUp);
+    }
+    std::size_t first = 0;
+    for (std::size_t list = 0; list < numContenderLists; ++list) {
+        TakeOver(contenderLists[list], first);
+        first += counts[list];
+    }
+    TakeChosen();
+
+    // Running sounds that an exception keeps from being dealt with go back to the lists.
+    struct ChosenScope
+    {
+        ~ChosenScope() { kernel.GiveBackChosen(); }
+        SndKernel& kernel;
+    };
+    const ChosenScope scope{*this};
     EmulateLosers();
-    StartChosen(chosen.sounds);
+    StartChosen();
     EmulateWaiting();
 }
 
-void SndKernel::PutInOrder()
+void SndKernel::GatherContenders(ListID id)
 {
-    // The sorted insertions that follow compare with the multipliers, whoever has switched that off.
-    SndBase::SetCompareUsingMultiplier(true);
-    SndList* const lists[] = {&playingList, &emulatedList, &waitingList};
-    importanceOrder.Apply(lists, names);
-}
-
-void SndKernel::ProtectYoung(SndList& chosen)
-{
-    for (SndBase* sound = playingList.GetHead(); sound;) {
-        SndBase* next = playingList.GetNext(*sound);
-        if (sound->stateTime < protectedMs) {
-            playingList.Remove(*sound);
-            chosen.Append(*sound);
-        }
-        sound = next;
+    constexpr std::uint32_t mostStateTime = 0xFFFF;
+    for (const SndList::Entry& entry : GetList(id).Compact()) {
+        const SoundRow& row = entry.GetRow();
+        contenders.push_back({row.priority, row.distSqr, row.nameNumber,
+            static_cast<std::uint16_t>(std::min(row.stateTimeMs, mostStateTime)), GetTraits(row)});
     }
 }
 
-// Merges the best of the three lists until the channels are used up. A tie goes to the playing sound, then to
-// the emulated one.
-void SndKernel::ChooseBest(SndList& chosen)
+// Gives the sounds of a list, of which `first` is the first contender, what was decided about each, and puts
+// them in order.
+void SndKernel::TakeOver(ListID id, std::size_t first)
 {
-    struct Source
-    {
-        explicit Source(SndList& newList, std::uint32_t horizon)
-            : list(newList)
-            , picker(newList, horizon)
-            , candidate(picker.PickBest())
-        {
-        }
-
-        SndList& list;
-        ChannelPicker picker;
-        SndBase* candidate;
-    };
-    Source sources[] = {
-        Source(playingList, updateHorizon),
-        Source(emulatedList, updateHorizon),
-        Source(waitingList, updateHorizon),
-    };
-    while (chosen.GetCount() < maxAudible) {
-        Source* best = nullptr;
-        for (Source& source : sources) {
-            if (source.candidate && (!best || *best->candidate < *source.candidate))
-                best = &source;
-        }
-        if (!best)
-            break;
-        SndBase* sound = best->candidate;
-        best->candidate = best->picker.PickBest();
-        chosen.Append(*sound);
+    const std::span<SndList::Entry> entries = GetList(id).Compact();
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        SoundRow& row = entries[i].GetRow();
+        row.multiplier = decision.multipliers[first + i];
+        SetReason(row, decision.reasons[first + i]);
     }
-    for (Source& source : sources) {
-        if (source.candidate)
-            source.list.InsertSorted(*source.candidate);
+    const std::span ranked = std::span(decision.ranking).subspan(first, entries.size());
+    const std::size_t begin = walkMemory.size();
+    walkMemory.insert(walkMemory.end(), entries.begin(), entries.end());
+    std::ranges::transform(ranked, entries.begin(),
+        [&](const ImportanceSort::Item& item) { return walkMemory[begin + item.number - first]; });
+    walkMemory.resize(begin);
+    GetList(id).SetInOrder();
+}
+
+// The chosen leave their lists, and the best of the others move in front of their equals.
+void SndKernel::TakeChosen()
+{
+    for (const std::uint32_t row : decision.chosen) {
+        Unlist(*SoundRows::At(row).sound);
+        GetList(ListID::Chosen).Append(row, ListID::Chosen);
+    }
+    for (const std::uint32_t row : decision.runnersUp) {
+        if (row == Decision::nobody)
+            continue;
+        SndList& list = GetList(SoundRows::At(row).list);
+        const ListID id = SoundRows::At(row).list;
+        list.Remove(SoundRows::At(row));
+        list.InsertSorted(row, id);
+    }
+}
+
+void SndKernel::GiveBackChosen()
+{
+    for (const SndList::Entry& entry : GetList(ListID::Chosen).Compact()) {
+        SndBase& sound = *entry.GetRow().sound;
+        Unlist(sound);
+        Insert(sound, sound.IsAudible() ? ListID::Playing : ListID::Waiting);
     }
 }
 
@@ -112,38 +124,44 @@ void SndKernel::ChooseBest(SndList& chosen)
 // that what an observer starts in answer does not compete with sounds that are about to go.
 void SndKernel::EmulateLosers()
 {
-    SoundWalk walk(*this, playingList, SoundWalk::FromHead, SoundWalk::PassOver);
-    while (SndBase* sound = walk.Next()) {
-        Unlist(*sound);
-        if (sound->IsEmulation() && IsLongEnough(*sound) && sound->Emulate())
-            emulatedList.InsertSorted(*sound);
+    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::PassOver);
+    while (const SoundRow* row = walk.Next()) {
+        SndBase& sound = *row->sound;
+        Unlist(sound);
+        if (sound.IsEmulation() && IsLongEnough(sound) && sound.Emulate())
+            Insert(sound, ListID::Emulated);
         else
-            delete sound;
+            DeleteUnheard(sound);
     }
 }
 
-void SndKernel::StartChosen(SndList& chosen)
+void SndKernel::StartChosen()
 {
-    while (SndBase* sound = chosen.TakeHead()) {
-        if (sound->IsAudible())
-            playingList.InsertSorted(*sound);
-        else if (!StartChannel(sound))
-            delete sound;
+    SoundWalk walk(*this, ListID::Chosen, SoundWalk::FromHead, SoundWalk::Visit);
+    while (const SoundRow* row = walk.Next()) {
+        SndBase& sound = *row->sound;
+        if (!sound.IsAudible()) {
+            StartOrDelete(sound);
+            continue;
+        }
+        Unlist(sound);
+        Insert(sound, ListID::Playing);
     }
 }
 
 // What still waits has lost for now. A sound that may not be emulated is so here all the same, whatever its
-// length; only one that may is held to have enough left.
+// length; only one that may has to have enough left.
 void SndKernel::EmulateWaiting()
 {
-    SoundWalk walk(*this, waitingList, SoundWalk::FromHead, SoundWalk::PassOver);
-    while (SndBase* sound = walk.Next()) {
-        if (sound->delay > 0)
+    SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::PassOver);
+    while (const SoundRow* row = walk.Next()) {
+        if (row->HasMark(RowDelayed))
             continue;
-        Unlist(*sound);
-        const bool isWanted = !sound->IsEmulation() || IsLongEnough(*sound);
-        if (!isWanted || !EmulateSound(sound))
-            delete sound;
+        SndBase& sound = *row->sound;
+        Unlist(sound);
+        const bool isWanted = !sound.IsEmulation() || IsLongEnough(sound);
+        if (!isWanted || !EmulateSound(&sound))
+            DeleteUnheard(sound);
     }
 }
 

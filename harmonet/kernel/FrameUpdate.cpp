@@ -1,6 +1,6 @@
-#include "harmonet/engine/Vector.h"
 #include "harmonet/instances/Microphone.h"
 #include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/output/SndDriver.h"
 
 #include <cassert>
@@ -14,16 +14,13 @@ namespace
 {
 
 constexpr unsigned long minUpdateMs = 40;
-constexpr double msPerSecond = 1000.0;
 
-// Seconds to whole milliseconds; what is no time at all, or not a number, counts as none.
-std::uint32_t ToMilliseconds(float seconds)
+// Seconds to whole milliseconds; what is no time at all, or NaN, counts as none.
+std::uint32_t ToMilliseconds(float seconds, double most)
 {
+    constexpr double msPerSecond = 1000.0;
     const double ms = static_cast<double>(seconds) * msPerSecond;
-    if (!(ms > 0.0))
-        return 0;
-    constexpr double most = std::numeric_limits<std::int32_t>::max();
-    return static_cast<std::uint32_t>(std::fmin(ms, most));
+    return ms > 0.0 ? static_cast<std::uint32_t>(std::fmin(ms, most)) : 0;
 }
 
 // Sets a flag for as long as the object lives, also when an exception passes through.
@@ -45,42 +42,41 @@ private:
 
 } // namespace
 
-/// What a full update hands to every sound.
-struct SndKernel::UpdateStep
-{
-    float seconds;
-    Vector3 listener;
-    bool listenerMoved;
-};
-
 void SndKernel::Update(float seconds)
 {
     if (IsBusy())
         return;
-    elapsed += ToMilliseconds(seconds);
+    elapsed += ToMilliseconds(seconds, std::numeric_limits<std::int32_t>::max());
     if (elapsed < minUpdateMs)
         return;
+    ForgetNewcomers();
     FlagScope running(updating);
     RunFullUpdate(seconds);
     assert(IsConsistent());
 }
 
+UpdateStep SndKernel::MakeStep(float seconds) const
+{
+    const std::uint32_t ms = ToMilliseconds(seconds, std::numeric_limits<std::uint32_t>::max());
+    return {seconds, ms, static_cast<std::uint32_t>(options.minEmulationLength), Vector3(), false};
+}
+
 void SndKernel::RunFullUpdate(float seconds)
 {
     driver->BeginUpdate(elapsed);
-    UpdateStep step;
-    step.seconds = seconds;
+    UpdateStep step = MakeStep(seconds);
     step.listener = UpdateListener();
-    // Cleared here and not at the end: a microphone that an observer activates from now on is news for the
+    // Cleared here and not at the end: a microphone that an observer activates from now on is handled in the
     // next update.
     step.listenerMoved = listenerChanged;
     listenerChanged = false;
-    updateHorizon = startCounter;
+    clockMs += static_cast<std::uint32_t>(elapsed);
+    FlagScope bearings(takesNewcomers);
 
     const int due = CountDownDelays(step.listener);
     UpdateEmulated(step);
     UpdatePlaying(step);
-    if (emulatedList.GetCount() + GetAudibleCount() + due <= maxAudible) {
+    if (GetList(ListID::Emulated).GetCount() + GetAudibleCount() + due <= maxAudible) {
         StartEmulated();
         StartWaiting();
     }
@@ -101,20 +97,18 @@ Vector3 SndKernel::UpdateListener()
     return activeMicrophone->GetGlobalPosition();
 }
 
-// Returns how many waiting sounds are due. Tells nobody, so that a plain walk will do.
+// Returns how many waiting sounds are due. Notifies nobody, so that a plain loop will do.
 int SndKernel::CountDownDelays(const Vector3& listener)
 {
     int due = 0;
-    for (SndBase* sound = waitingList.GetHead(); sound; sound = waitingList.GetNext(*sound)) {
-        const std::int64_t left =
-            static_cast<std::int64_t>(sound->delay) - static_cast<std::int64_t>(elapsed);
-        sound->SetDelay(left > 0 ? static_cast<int>(left) : 0);
-        if (left <= 0 && !sound->GetInPause()) {
-            ++due;
-            sound->CalcDistSqr(listener);
-            waitingList.ForgetOrder();
-        }
-    }
+    GetList(ListID::Waiting).ForEach([&](SndBase& sound) {
+        const auto left = static_cast<std::int64_t>(sound.delay) - static_cast<std::int64_t>(elapsed);
+        sound.SetDelay(left > 0 ? static_cast<int>(left) : 0);
+        if (left > 0 || sound.GetInPause())
+            return;
+        ++due;
+        sound.CalcDistSqr(listener);
+    });
     return due;
 }
 
@@ -122,49 +116,59 @@ int SndKernel::CountDownDelays(const Vector3& listener)
 // can release them in the same update.
 void SndKernel::UpdateEmulated(const UpdateStep& step)
 {
-    SoundWalk walk(*this, emulatedList, SoundWalk::FromTail, SoundWalk::PassOver);
-    while (SndBase* sound = walk.Next()) {
-        if (UpdateSound(*sound, step))
-            sound->stateTime += elapsed;
+    SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::PassOver);
+    while (SoundRow* row = walk.Next()) {
+        if (UpdateRow(*row, step))
+            row->AddStateTime(elapsed);
         else
-            delete sound;
+            delete row->sound;
     }
-}
-
-// A list whose sounds have come nearer or gone away may not be in order any more.
-bool SndKernel::UpdateSound(SndBase& sound, const UpdateStep& step)
-{
-    const float distanceBefore = sound.distSqr;
-    const bool goesOn = sound.SndUpdate(step.seconds, step.listener, step.listenerMoved);
-    if (sound.distSqr != distanceBefore && sound.list)
-        sound.list->ForgetOrder();
-    return goesOn;
 }
 
 void SndKernel::UpdatePlaying(const UpdateStep& step)
 {
-    SoundWalk walk(*this, playingList, SoundWalk::FromHead, SoundWalk::PassOver);
-    while (SndBase* sound = walk.Next()) {
-        if (!UpdateSound(*sound, step)) {
+    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::PassOver);
+    while (SoundRow* row = walk.Next()) {
+        if (!UpdateRow(*row, step)) {
+            SndBase* sound = row->sound;
             Unlist(*sound);
             delete sound;
             continue;
         }
-        sound->stateTime += elapsed;
-        if (MustLeavePlaying(*sound))
-            LeavePlaying(*sound);
+        row->AddStateTime(elapsed);
+        if (const SoundReason reason = WhyUnheard(*row); reason != SoundReason::None)
+            LeavePlaying(*row->sound, reason);
         else
-            sound->SetDistLTMax();
+            row->flags = (row->flags | FlagDistLTMax) & ~FlagDistGTMax;
     }
 }
 
-bool SndKernel::MustLeavePlaying(const SndBase& sound) const
+// What SndUpdate() does, with as little of the sound as is needed: mostly the row alone. False when the sound
+// has ended.
+bool SndKernel::UpdateRow(SoundRow& row, const UpdateStep& step)
 {
-    return sound.GetInPause() || (sound.Is3D() && !activeMicrophone) || sound.IsDistGTMax();
+    const bool isHeard = row.list == ListID::Playing;
+    const bool hasMoved = row.HasMark(RowMoved);
+    const bool is3D = row.HasAnyFlag(Flag3D);
+    if (row.HasAnyFlag(FlagPolyline) || (is3D && isHeard && hasMoved))
+        return row.sound->SndUpdate(step.seconds, step.listener, step.listenerMoved);
+    if (is3D) {
+        if (row.HasAnyFlag(FlagInPause))
+            return true;
+        if (hasMoved || (step.listenerMoved && !row.HasMark(RowPlaceKnown)))
+            row.sound->CalcDistSqr(step.listener);
+        else if (step.listenerMoved)
+            MeasureDistance(row, step.listener);
+        row.SetMark(RowMoved, false);
+    }
+    if (isHeard || row.CountOn(step))
+        return true;
+    return row.sound->SndBase::SndUpdate(step.seconds, step.listener, step.listenerMoved);
 }
 
-void SndKernel::LeavePlaying(SndBase& sound)
+void SndKernel::LeavePlaying(SndBase& sound, SoundReason reason)
 {
+    SetReason(sound.Row(), reason);
     sound.SetDistGTMax();
     Unlist(sound);
     EmulateOrDelete(sound);
@@ -172,46 +176,66 @@ void SndKernel::LeavePlaying(SndBase& sound)
 
 void SndKernel::StartEmulated()
 {
-    SoundWalk walk(*this, emulatedList, SoundWalk::FromHead, SoundWalk::PassOver);
-    while (SndBase* sound = walk.Next()) {
-        if (MayReturn(*sound))
-            StartOrDelete(*sound);
+    SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromHead, SoundWalk::PassOver);
+    while (SoundRow* row = walk.Next()) {
+        if (row->HasAnyFlag(FlagPolyline))
+            continue;
+        const SoundReason reason = WhyNotBack(*row);
+        if (reason == SoundReason::None)
+            StartOrDelete(*row->sound);
+        else
+            SetReason(*row, reason);
     }
-}
-
-bool SndKernel::MayReturn(const SndBase& sound) const
-{
-    if (sound.HasAnyFlag(FlagInPause | FlagPolyline))
-        return false;
-    return !sound.Is3D() || (activeMicrophone && sound.IsDistLTMax());
 }
 
 void SndKernel::StartWaiting()
 {
-    SoundWalk walk(*this, waitingList, SoundWalk::FromHead, SoundWalk::PassOver);
-    while (SndBase* sound = walk.Next()) {
-        if (sound->delay > 0)
+    SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::PassOver);
+    while (SoundRow* row = walk.Next()) {
+        if (row->HasMark(RowDelayed)) {
+            SetReason(*row, SoundReason::Delayed);
             continue;
-        if (MayStart(*sound)) {
-            StartOrDelete(*sound);
         }
-        else {
-            Unlist(*sound);
-            EmulateOrDelete(*sound);
+        const SoundReason reason = WhyUnheard(*row);
+        if (reason == SoundReason::None) {
+            StartOrDelete(*row->sound);
+            continue;
         }
+        SetReason(*row, reason);
+        Unlist(*row->sound);
+        EmulateOrDelete(*row->sound);
     }
-}
-
-bool SndKernel::MayStart(const SndBase& sound) const
-{
-    return !sound.GetInPause() && (!sound.Is3D() || activeMicrophone) && !sound.IsDistGTMax();
 }
 
 void SndKernel::StartOrDelete(SndBase& sound)
 {
     Unlist(sound);
-    if (!StartChannel(&sound))
-        delete &sound;
+    if (StartChannel(&sound))
+        return;
+    SetReason(sound.Row(), SoundReason::Refused);
+    delete &sound;
+}
+
+// Why a sound may have no channel, be it that it has one; None if it may.
+SoundReason SndKernel::WhyUnheard(const SoundRow& row) const
+{
+    if (row.HasAnyFlag(FlagInPause))
+        return SoundReason::Paused;
+    if (row.HasAnyFlag(Flag3D) && !activeMicrophone)
+        return SoundReason::NoListener;
+    return row.HasAnyFlag(FlagDistGTMax) ? SoundReason::BeyondReach : SoundReason::None;
+}
+
+// The same for one that has lost its channel: it has to come well into its range.
+SoundReason SndKernel::WhyNotBack(const SoundRow& row) const
+{
+    if (row.HasAnyFlag(FlagInPause))
+        return SoundReason::Paused;
+    if (!row.HasAnyFlag(Flag3D))
+        return SoundReason::None;
+    if (!activeMicrophone)
+        return SoundReason::NoListener;
+    return row.HasAnyFlag(FlagDistLTMax) ? SoundReason::None : SoundReason::BeyondReach;
 }
 
 } // namespace Quon

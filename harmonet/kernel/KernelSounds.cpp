@@ -2,6 +2,7 @@
 #include "harmonet/files/SndNodeCache.h"
 #include "harmonet/instances/Microphone.h"
 #include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
 
@@ -23,19 +24,7 @@ SndFile* SndKernel::OpenFileOf(SndBase& sound)
 {
     if (sound.IsMusic())
         return SndFile::OpenFile(sound.substName, sound.fileName);
-    return dataCache->OpenSound(sound.substName, sound.fileName, sound.priority);
-}
-
-SndBase* SndKernel::FindLikeSound(
-    const PString& substName, const PString& fileName, const SndBase* except) const
-{
-    for (const SndList* list : {&playingList, &emulatedList, &waitingList}) {
-        for (SndBase* sound = list->GetHead(); sound; sound = list->GetNext(*sound)) {
-            if (sound != except && sound->fileName == fileName && sound->substName == substName)
-                return sound;
-        }
-    }
-    return nullptr;
+    return dataCache->OpenSound(sound.substName, sound.fileName, sound.GetPriority());
 }
 
 bool SndKernel::PlaySound(SndBase* sound)
@@ -43,25 +32,51 @@ bool SndKernel::PlaySound(SndBase* sound)
     if (!driver || refusesSounds)
         return false;
     if (!sound->sndFile) {
-        if (const SndBase* like = FindLikeSound(sound->substName, sound->fileName, sound)) {
-            sound->soundLength = like->sndFile ? like->sndFile->GetSoundLength() : like->soundLength;
+        UseName(*sound);
+        if (const auto length = FindLikeLength(sound->Row().nameNumber, sound)) {
+            sound->SetSoundLength(*length);
         }
         else {
-            sound->sndFile = OpenFileOf(*sound);
-            if (!sound->sndFile)
+            SndFile* file = OpenFileOf(*sound);
+            if (!file)
                 return false;
-            sound->soundLength = sound->sndFile->GetSoundLength();
+            sound->TakeFile(file);
+            sound->SetSoundLength(file->GetSoundLength());
         }
     }
     if (sound->IsImmediately() && !sound->GetInPause())
         return StartImmediately(*sound);
-    sound->stateTime = waitingStateTimeMs;
+    sound->SetStateTime(waitingStateTimeMs);
     // One that has been chosen, and is about to get its channel, is not put back among those that wait.
-    if (!sound->list) {
+    if (!IsListed(*sound)) {
         MarkStarted(*sound);
-        waitingList.InsertSorted(*sound);
+        Insert(*sound, ListID::Waiting);
     }
     return true;
+}
+
+// An update that is running leaves the sound to the next one.
+void SndKernel::MarkStarted(SndBase& sound)
+{
+    sound.startSerial = ++startCounter;
+    sound.Row().SetMark(RowNewcomer, takesNewcomers);
+    if (takesNewcomers)
+        newcomers.push_back(sound.rowNumber);
+}
+
+void SndKernel::ForgetNewcomers()
+{
+    for (const std::uint32_t row : newcomers)
+        SoundRows::At(row).SetMark(RowNewcomer, false);
+    newcomers.clear();
+}
+
+void SndKernel::SetReason(SoundRow& row, SoundReason reason)
+{
+    if (row.reason == reason)
+        return;
+    row.reason = reason;
+    row.sound->reasonSince = clockMs;
 }
 
 bool SndKernel::StartImmediately(SndBase& sound)
@@ -71,14 +86,15 @@ bool SndKernel::StartImmediately(SndBase& sound)
     MarkStarted(sound);
     if (!sound.Is3D())
         return StartChannel(&sound);
-    if (!activeMicrophone)
-        return EmulateOrDelete(sound);
-    if (sound.GetChannelFlags() & ChanCutOut) {
+    if (activeMicrophone && (sound.GetChannelFlags() & ChanCutOut))
         sound.CalcDistSqr(activeMicrophone->GetGlobalPosition());
-        if (sound.IsDistGTMax())
-            return EmulateOrDelete(sound);
-    }
-    return StartChannel(&sound);
+    if (!activeMicrophone)
+        SetReason(sound.Row(), SoundReason::NoListener);
+    else if ((sound.GetChannelFlags() & ChanCutOut) && sound.IsDistGTMax())
+        SetReason(sound.Row(), SoundReason::BeyondReach);
+    else
+        return StartChannel(&sound);
+    return EmulateOrDelete(sound);
 }
 
 bool SndKernel::IsLongEnough(const SndBase& sound) const
@@ -90,8 +106,18 @@ bool SndKernel::EmulateOrDelete(SndBase& sound)
 {
     if (sound.IsEmulation() && IsLongEnough(sound) && EmulateSound(&sound))
         return true;
-    delete &sound;
+    DeleteUnheard(sound);
     return false;
+}
+
+void SndKernel::DeleteUnheard(SndBase& sound)
+{
+    const bool isRefused = sound.IsEmulation() && IsLongEnough(sound);
+    SetReason(sound.Row(),
+        isRefused                 ? SoundReason::Refused
+            : sound.IsEmulation() ? SoundReason::TooShort
+                                  : SoundReason::NotEmulated);
+    delete &sound;
 }
 
 bool SndKernel::StartChannel(SndBase* sound)
@@ -102,13 +128,13 @@ bool SndKernel::StartChannel(SndBase* sound)
         return false;
     if (sound->Is3D() && !activeMicrophone)
         return false;
-    SndFile* file = sound->sndFile;
+    SndFile* file = sound->GetSndFile();
     const bool isNewFile = !file;
     if (isNewFile) {
         file = OpenFileOf(*sound);
         if (!file)
             return false;
-        sound->soundLength = file->GetSoundLength();
+        sound->SetSoundLength(file->GetSoundLength());
     }
     SndChannel* channel = driver->CreateChannel(sound->GetChannelFlags(), file, sound->fxList);
     if (!channel) {
@@ -119,11 +145,12 @@ bool SndKernel::StartChannel(SndBase* sound)
     if (sound->IsFadeIn())
         channel->FadeIn(sound->fadeDuration);
     sound->sndChannel = channel;
-    if (!playingList.Holds(*sound)) {
+    if (sound->Row().list != ListID::Playing) {
         // Music that an observer starts anew can stand among the chosen.
         Unlist(*sound);
-        playingList.InsertSorted(*sound);
+        Insert(*sound, ListID::Playing);
     }
+    SetReason(sound->Row(), SoundReason::Won);
     // A new channel stands at 1.0 already.
     const float outputGain = sound->GetOutputGain();
     if (outputGain >= 0.0F && outputGain < 1.0F)
@@ -146,30 +173,30 @@ void SndKernel::GiveUpFile(SndBase& instance)
     if (!instance.fadeOutChannel)
         Unlist(instance);
     SndFile* file = instance.sndFile;
-    instance.sndFile = nullptr;
+    instance.TakeFile(nullptr);
     instance.CloseAndDelete(file);
 }
 
 bool SndKernel::EmulateSound(SndBase* sound)
 {
-    SndFile* file = sound->sndFile;
+    SndFile* file = sound->GetSndFile();
     if (!file) {
         file = OpenFileOf(*sound);
         if (!file)
             return false;
-        sound->soundLength = file->GetSoundLength();
+        sound->SetSoundLength(file->GetSoundLength());
     }
     sound->Play(file);
     const bool goesOn = sound->Emulate();
     if (goesOn)
-        emulatedList.InsertSorted(*sound);
+        Insert(*sound, ListID::Emulated);
     return goesOn;
 }
 
 unsigned long SndKernel::GetLength(const PString& substName, const PString& fileName)
 {
-    if (const SndBase* like = FindLikeSound(substName, fileName, nullptr))
-        return like->sndFile ? like->sndFile->GetSoundLength() : like->soundLength;
+    if (const auto length = FindLikeLength(names.Find(fileName, substName), nullptr))
+        return *length;
     SndFile* file = SndFile::OpenFile(substName, fileName);
     if (!file)
         return 0;
@@ -179,21 +206,23 @@ unsigned long SndKernel::GetLength(const PString& substName, const PString& file
 }
 
 template<class Matches>
-void SndKernel::DeleteListed(SndList& list, Matches matches)
+void SndKernel::DeleteListed(Matches matches)
 {
-    SoundWalk walk(*this, list, SoundWalk::FromHead, SoundWalk::Visit);
-    while (SndBase* sound = walk.Next()) {
-        if (!matches(*sound) || sound->IsBeingTold())
-            continue;
-        Unlist(*sound);
-        delete sound;
+    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
+        SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
+        while (const SoundRow* row = walk.Next()) {
+            SndBase* sound = row->sound;
+            if (!matches(*row) || sound->IsBeingTold())
+                continue;
+            Unlist(*sound);
+            delete sound;
+        }
     }
 }
 
 void SndKernel::StopAll()
 {
-    for (SndList* list : {&playingList, &emulatedList, &waitingList})
-        DeleteListed(*list, [](const SndBase&) { return true; });
+    DeleteListed([](const SoundRow&) { return true; });
     // What observers have started in answer ends too. From here on they start nothing more, so that this
     // comes to an end and nothing is left.
     const bool refusedBefore = std::exchange(refusesSounds, true);
@@ -203,15 +232,13 @@ void SndKernel::StopAll()
 
 void SndKernel::StopAll2D()
 {
-    for (SndList* list : {&playingList, &emulatedList, &waitingList})
-        DeleteListed(*list, [](const SndBase& sound) { return !sound.HasAnyFlag(Flag3D | FlagMusic); });
+    DeleteListed([](const SoundRow& row) { return !row.HasAnyFlag(Flag3D | FlagMusic); });
     DeleteAllSounds(2);
 }
 
 void SndKernel::StopAll3D()
 {
-    for (SndList* list : {&playingList, &emulatedList, &waitingList})
-        DeleteListed(*list, [](const SndBase& sound) { return sound.Is3D(); });
+    DeleteListed([](const SoundRow& row) { return row.HasAnyFlag(Flag3D); });
     DeleteAllSounds(3);
 }
 
@@ -224,15 +251,14 @@ int SndKernel::OnDriverEvent(int event, void* data)
     return 0;
 }
 
-SndBase* SndKernel::FindByChannel(const SndChannel* channel) const
+SndBase* SndKernel::FindByChannel(const SndChannel* channel)
 {
-    if (!channel)
-        return nullptr;
-    for (SndBase* sound = playingList.GetHead(); sound; sound = playingList.GetNext(*sound)) {
-        if (sound->sndChannel == channel || sound->fadeOutChannel == channel)
-            return sound;
-    }
-    return nullptr;
+    SndBase* found = nullptr;
+    GetList(ListID::Playing).ForEach([&](SndBase& sound) {
+        if (channel && (sound.sndChannel == channel || sound.fadeOutChannel == channel))
+            found = &sound;
+    });
+    return found;
 }
 
 void SndKernel::OnChannelEnded(SndChannel* channel)

@@ -1,3 +1,4 @@
+#include "harmonet/files/SndFile.h"
 #include "harmonet/kernel/SndKernel.h"
 
 #include <utility>
@@ -5,33 +6,122 @@
 namespace Quon
 {
 
+namespace
+{
+
+// Whether a sound stands where a sound like it is looked for.
+bool IsFindable(const SoundRow& row)
+{
+    return row.list != ListID::None && row.list != ListID::Chosen;
+}
+
+} // namespace
+
+void SndKernel::AddSound(SndBase* sound)
+{
+    sound->tablePlace = soundTable.Add(sound->rowNumber);
+}
+
+void SndKernel::UnregisterSound(SndBase* sound)
+{
+    if (sound->tablePlace == SndBase::noTablePlace)
+        return;
+    if (SndBase* moved = soundTable.Remove(sound->soundID, sound->tablePlace))
+        moved->tablePlace = sound->tablePlace;
+    sound->tablePlace = SndBase::noTablePlace;
+}
+
 void SndKernel::RemoveSound(SndBase* sound)
 {
     Unlist(*sound);
-    soundTable.Remove(sound);
+    UnregisterSound(sound);
+    GiveUpName(*sound);
+}
+
+void SndKernel::Insert(SndBase& sound, ListID id)
+{
+    UseName(sound);
+    GetList(id).InsertSorted(sound.rowNumber, id);
+    names.Enter(sound.Row().nameNumber, GetOwnLength(sound));
 }
 
 void SndKernel::Unlist(SndBase& sound)
 {
-    if (sound.list)
-        sound.list->Remove(sound);
+    SoundRow& row = sound.Row();
+    if (IsFindable(row))
+        names.Leave(row.nameNumber);
+    if (row.list != ListID::None)
+        GetList(row.list).Remove(row);
+}
+
+void SndKernel::GiveUpName(SndBase& sound)
+{
+    SoundRow& row = sound.Row();
+    if (IsFindable(row))
+        names.Leave(row.nameNumber);
+    if (row.nameNumber != NameIndex::none)
+        names.GiveUp(std::exchange(row.nameNumber, NameIndex::none));
+}
+
+void SndKernel::UseName(SndBase& sound)
+{
+    SoundRow& row = sound.Row();
+    if (row.nameNumber != NameIndex::none)
+        return;
+    row.nameNumber = names.Use(sound.fileName, sound.substName);
+    if (IsFindable(row))
+        names.Enter(row.nameNumber, GetOwnLength(sound));
+}
+
+void SndKernel::NoteLength(const SndBase& sound)
+{
+    if (IsFindable(sound.Row()))
+        names.SetLength(sound.Row().nameNumber, GetOwnLength(sound));
+}
+
+unsigned long SndKernel::GetOwnLength(const SndBase& sound)
+{
+    return sound.sndFile ? sound.sndFile->GetSoundLength() : sound.soundLength;
+}
+
+// The length of the sounds with these names that stand on a list, but for one of them; none without any.
+std::optional<unsigned long> SndKernel::FindLikeLength(std::uint32_t number, const SndBase* except)
+{
+    if (number == NameIndex::none)
+        return {};
+    const NameIndex::Name& name = names.At(number);
+    if (name.numListed == (except && IsFindable(except->Row()) ? 1U : 0U))
+        return {};
+    if (name.isUniform)
+        return name.lengthMs;
+    // They differ, as the rest of a queue does: the first one counts.
+    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
+        for (const SndList::Entry& entry : GetList(id).GetEntries()) {
+            const SoundRow& row = entry.GetRow();
+            if (!entry.IsStale() && row.nameNumber == number && row.sound != except)
+                return GetOwnLength(*row.sound);
+        }
+    }
+    return {};
 }
 
 template<class Matches>
 void SndKernel::DeleteFromTable(Matches matches)
 {
-    EngineVector<KnownSound> found = walkBuffers.Take();
-    soundTable.ForEach([&](SndBase& sound) {
+    const std::size_t begin = walkMemory.size();
+    soundTable.ForEach([&](const SndBase& sound) {
         if (matches(sound))
-            found.push_back({&sound, sound.GetSoundID()});
+            walkMemory.push_back({static_cast<std::uint32_t>(sound.soundID), 0});
     });
-    SoundWalk walk(*this, std::move(found));
-    while (SndBase* sound = walk.Next()) {
-        if (sound->IsBeingTold())
+    const std::size_t end = walkMemory.size();
+    for (std::size_t place = begin; place < end; ++place) {
+        SndBase* sound = soundTable.Find(static_cast<int>(walkMemory[place].row));
+        if (!sound || sound->IsBeingTold())
             continue;
-        soundTable.Remove(sound);
+        UnregisterSound(sound);
         delete sound;
     }
+    walkMemory.resize(begin);
 }
 
 void SndKernel::DeleteSounds(Sound* parent)

@@ -65,10 +65,14 @@ SndKernel::SndKernel() = default;
 SndKernel::~SndKernel()
 {
     Done();
-    for (SndList* list : {&waitingList, &emulatedList, &playingList}) {
-        while (SndBase* sound = list->TakeHead())
-            delete sound;
+    for (SndList& list : lists) {
+        while (!list.IsEmpty()) {
+            SoundRow& row = list.Compact().front().GetRow();
+            list.Remove(row);
+            delete row.sound;
+        }
     }
+    SoundRows::Trim();
 }
 
 int SndKernel::Init(OS* os, bool driverFlag)
@@ -208,18 +212,25 @@ void SndKernel::SetMusicMainGain(float gain)
     RefreshGains(FlagMusic);
 }
 
-bool SndKernel::IsConsistent() const
+void SndKernel::ForgetOrder()
 {
-    for (const SndList* list : {&playingList, &emulatedList, &waitingList}) {
+    for (SndList& list : lists)
+        list.ForgetOrder();
+}
+
+bool SndKernel::IsConsistent()
+{
+    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
         int count = 0;
-        for (const SndBase* sound = list->GetHead(); sound; sound = list->GetNext(*sound), ++count) {
-            if (!list->Holds(*sound) || soundTable.Find(sound->GetSoundID()) != sound)
-                return false;
-        }
-        if (count != list->GetCount())
+        bool isGood = true;
+        GetList(id).ForEach([&](const SndBase& sound) {
+            isGood = isGood && sound.Row().list == id && soundTable.Find(sound.GetSoundID()) == &sound;
+            ++count;
+        });
+        if (!isGood || count != GetList(id).GetCount())
             return false;
     }
-    return true;
+    return GetList(ListID::Chosen).IsEmpty();
 }
 
 } // namespace Quon

@@ -1,13 +1,15 @@
 #pragma once
 
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/kernel/ImportanceOrder.h"
-#include "harmonet/kernel/NameNumbers.h"
+#include "harmonet/kernel/Decide.h"
+#include "harmonet/kernel/NameIndex.h"
 #include "harmonet/kernel/SndList.h"
 #include "harmonet/kernel/SoundTable.h"
-#include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/output/SoundCaps.h"
 #include "harmonet/output/SoundFormat.h"
+
+#include <array>
+#include <optional>
 
 namespace Quon
 {
@@ -23,7 +25,6 @@ class SndFileCache;
 class SndNodeCache;
 class Sound;
 struct SndFileChange;
-struct Vector3;
 
 /// What the kernel reads from the engine's options when it starts. An option takes its default if it is not
 /// set, not a number of 32 bits or out of range: below 0, for the rate below 1.
@@ -112,9 +113,9 @@ public:
     /// False while the kernel is going down, and while StopAll() is at its end: no sound may be made.
     bool AcceptsSounds() const { return !refusesSounds; }
     /// Enters a new sound, which the kernel owns from here on.
-    void AddSound(SndBase* sound) { soundTable.Add(sound); }
+    void AddSound(SndBase* sound);
     SndBase* FindSound(int id) const { return soundTable.Find(id); }
-    void UnregisterSound(SndBase* sound) { soundTable.Remove(sound); }
+    void UnregisterSound(SndBase* sound);
     /// Takes the sound off its list and out of the table.
     void RemoveSound(SndBase* sound);
     /// Deletes all sounds of that group.
@@ -141,21 +142,35 @@ public:
     unsigned long GetResourceFX() const { return resourceFX; }
     void SetResourceFX(unsigned long mask) { resourceFX = mask; }
 
-    // The lists, for whoever looks on.
+    // The lists, and what sounds tell of themselves.
 
-    const SndList& GetPlayingList() const { return playingList; }
-    const SndList& GetEmulatedList() const { return emulatedList; }
-    const SndList& GetWaitingList() const { return waitingList; }
+    SndList& GetList(ListID id) { return lists[static_cast<std::size_t>(id)]; }
+    bool IsListed(const SndBase& sound) const { return sound.Row().list != ListID::None; }
     /// The sounds that hold a channel.
-    int GetAudibleCount() const { return playingList.GetCount(); }
-
-    /// The file of a sound that has none open: music streams, all else comes through the data cache.
-    SndFile* OpenFileOf(SndBase& sound);
+    int GetAudibleCount() const { return lists[static_cast<std::size_t>(ListID::Playing)].GetCount(); }
+    /// A sound's importance is about to change, or how all are compared.
+    void ForgetOrder(const SoundRow& row)
+    {
+        if (SndList& list = GetList(row.list); list.IsInOrder())
+            list.ForgetOrder();
+    }
+    void ForgetOrder();
+    /// These two stand around a change of a sound's names.
+    void GiveUpName(SndBase& sound);
+    void UseName(SndBase& sound);
+    /// A sound may have another length than before, as like sounds see it.
+    void NoteLength(const SndBase& sound);
+    /// Which start of a sound this was; 0 before the first.
+    std::uint32_t GetStartSerial(const SndBase& sound) const { return sound.startSerial; }
+    /// Milliseconds of updates. Wraps around.
+    std::uint32_t GetClockMs() const { return clockMs; }
+    UpdateStep MakeStep(float seconds) const;
+    /// For walks over lists: see SoundWalk.
+    EngineVector<SndList::Entry>& GetWalkMemory() { return walkMemory; }
 
 private:
-    friend class SoundWalk;
-
-    struct UpdateStep;
+    /// The file of a sound that has none open: music streams, all else comes through the data cache.
+    SndFile* OpenFileOf(SndBase& sound);
 
     void ReadOptions(const Options& hostOptions);
     int OpenDriver(OS* os, bool driverFlag);
@@ -166,47 +181,46 @@ private:
     Vector3 UpdateListener();
     int CountDownDelays(const Vector3& listener);
     void UpdateEmulated(const UpdateStep& step);
-    bool UpdateSound(SndBase& sound, const UpdateStep& step);
+    bool UpdateRow(SoundRow& row, const UpdateStep& step);
     void UpdatePlaying(const UpdateStep& step);
-    bool MustLeavePlaying(const SndBase& sound) const;
-    void LeavePlaying(SndBase& sound);
+    void LeavePlaying(SndBase& sound, SoundReason reason);
     void StartEmulated();
-    bool MayReturn(const SndBase& sound) const;
     void StartWaiting();
-    bool MayStart(const SndBase& sound) const;
     void StartOrDelete(SndBase& sound);
 
     void Allocate();
-    void PutInOrder();
-    void ProtectYoung(SndList& chosen);
-    void ChooseBest(SndList& chosen);
+    void GatherContenders(ListID id);
+    void TakeOver(ListID id, std::size_t first);
+    void TakeChosen();
+    void GiveBackChosen();
     void EmulateLosers();
-    void StartChosen(SndList& chosen);
+    void StartChosen();
     void EmulateWaiting();
 
     bool IsLongEnough(const SndBase& sound) const;
-    /// Marks the sound as started now, so that an update that is running leaves it to the next one.
-    void MarkStarted(SndBase& sound) { sound.startSerial = ++startCounter; }
-    /// Whether the sound was started after the running update took its bearings.
-    bool IsNewcomer(const SndBase& sound) const
-    {
-        return updating && startCounter != updateHorizon && IsAfter(sound.startSerial, updateHorizon);
-    }
+    void MarkStarted(SndBase& sound);
+    void ForgetNewcomers();
     bool StartImmediately(SndBase& sound);
+    SoundReason WhyUnheard(const SoundRow& row) const;
+    SoundReason WhyNotBack(const SoundRow& row) const;
+    void SetReason(SoundRow& row, SoundReason reason);
     bool EmulateOrDelete(SndBase& sound);
-    SndBase* FindLikeSound(const PString& substName, const PString& fileName, const SndBase* except) const;
+    void DeleteUnheard(SndBase& sound);
+    std::optional<unsigned long> FindLikeLength(std::uint32_t number, const SndBase* except);
+    static unsigned long GetOwnLength(const SndBase& sound);
     void OnChannelEnded(SndChannel* channel);
     void OnFileChanged(const SndFileChange& change);
-    SndBase* FindByChannel(const SndChannel* channel) const;
+    SndBase* FindByChannel(const SndChannel* channel);
     template<class Matches>
-    void DeleteListed(SndList& list, Matches matches);
+    void DeleteListed(Matches matches);
     template<class Matches>
     void DeleteFromTable(Matches matches);
     template<class Matches>
     void RefreshMatching(Matches matches);
+    void Insert(SndBase& sound, ListID id);
     void Unlist(SndBase& sound);
     /// Whether every list holds what the table holds, each sound once. For assertions.
-    bool IsConsistent() const;
+    bool IsConsistent();
 
     SoundOptions options;
     DynamicLibrary* soundLibrary = nullptr;
@@ -218,26 +232,39 @@ private:
     SndFileCache* fileCache = nullptr;
     unsigned long resourceFX = 0x1FF;
     int maxAudible = 0;
-    SndList playingList;
-    SndList emulatedList;
-    SndList waitingList;
+    std::array<SndList, numLists> lists; ///< By ListID; the first is none.
     SoundTable soundTable;
     float mainGain2D = 1.0F;
     float mainGain3D = 1.0F;
     float mainGainMusic = 1.0F;
     SoundCaps caps;
-    NameNumbers names;
-    ImportanceOrder importanceOrder;
-    WalkBuffers walkBuffers;
+    NameIndex names;
+    EngineVector<Contender> contenders;
+    Decision decision;
+    EngineVector<SndList::Entry> walkMemory;
 
     bool refusesSounds = false; ///< See AcceptsSounds().
     bool updating = false; ///< A full update is running.
+    bool takesNewcomers = false; ///< The running update has taken its bearings: see MarkStarted().
     int noticeDepth = 0;
-    std::uint32_t startCounter = 0; ///< Counts starts: see MarkStarted().
-    std::uint32_t updateHorizon = 0; ///< `startCounter` when the running update took its bearings.
+    std::uint32_t startCounter = 0; ///< Counts starts.
+    std::uint32_t clockMs = 0;
+    EngineVector<std::uint32_t> newcomers; ///< The rows of the sounds started during the running update.
 };
 
 /// The running kernel, or null while the sound system is stopped.
 extern SndKernel* theKernel;
+
+/// Works out a sound's distance to the listener from its place, and whether it is in range.
+inline void MeasureDistance(SoundRow& row, const Vector3& listener)
+{
+    const float distSqr = row.CalcDistSqr(listener);
+    if (distSqr != row.distSqr) {
+        if (theKernel)
+            theKernel->ForgetOrder(row);
+        row.distSqr = distSqr;
+    }
+    row.UpdateRange();
+}
 
 } // namespace Quon

@@ -1,152 +1,143 @@
 #include "harmonet/kernel/SndList.h"
 
-#include "harmonet/kernel/SoundWalk.h"
-
 #include <algorithm>
 #include <cassert>
-#include <utility>
 
 namespace Quon
 {
 
-void SndList::Append(SndBase& sound)
+namespace
+{
+
+// The serials may wrap around.
+bool IsAfter(std::uint32_t serial, std::uint32_t other)
+{
+    return static_cast<std::int32_t>(serial - other) > 0;
+}
+
+} // namespace
+
+SndList::Entry SndList::Enter(std::uint32_t row, ListID id)
+{
+    SoundRow& entered = SoundRows::At(row);
+    assert(entered.list == ListID::None);
+    constexpr std::size_t fewEntries = 64;
+    if (order.size() + added.size() > 2 * count + fewEntries)
+        DropStale();
+    if (++lastSerial == 0)
+        ++lastSerial;
+    entered.serial = lastSerial;
+    entered.list = id;
+    ++count;
+    return {row, entered.serial};
+}
+
+void SndList::DropStale()
+{
+    constexpr auto isStale = [](const Entry& entry) { return entry.IsStale(); };
+    std::erase_if(order, isStale);
+    std::erase_if(added, isStale);
+}
+
+void SndList::Append(std::uint32_t row, ListID id)
 {
     ForgetOrder();
-    InsertBefore(head, sound);
+    order.push_back(Enter(row, id));
 }
 
-void SndList::InsertSorted(SndBase& sound)
+void SndList::InsertSorted(std::uint32_t row, ListID id)
 {
-    IListNode* place = FindPlace(sound);
-    InsertBefore(*place, sound);
-    // A finger that stands right behind the place moves on to the new sound: so there is one for each run of
-    // sounds that come one after the other.
-    SndBase** finger = std::find(fingers.begin(), fingers.end(), ToSound(place));
-    if (finger == fingers.end() || !*finger) {
-        finger = &fingers[nextFinger];
-        nextFinger = (nextFinger + 1) % fingers.size();
+    const Entry entry = Enter(row, id);
+    if (isInOrder) {
+        added.push_back(entry);
+        return;
     }
-    *finger = &sound;
+    const std::uint64_t key = entry.GetRow().GetKey();
+    const auto place = std::ranges::find_if(
+        order, [key](const Entry& other) { return !other.IsStale() && other.GetRow().GetKey() >= key; });
+    order.insert(place, entry);
 }
 
-// The first node, from the head, whose sound is not less important; the list's head if there is none.
-IListNode* SndList::FindPlace(const SndBase& sound)
+void SndList::Remove(SoundRow& row)
 {
-    IListNode* place = isInOrder ? FindNear(sound) : head.next;
-    while (isInOrder && place->previous != &head && !(*ToSound(place->previous) < sound))
-        place = place->previous;
-    while (place != &head && *ToSound(place) < sound)
-        place = place->next;
-    return place;
-}
-
-// A node near the place for the sound in a list that is in order: of the known sounds and the fingers that
-// are not less important the one that stands first.
-IListNode* SndList::FindNear(const SndBase& sound)
-{
-    if (static_cast<std::size_t>(count) > 2 * (known.size() - numGone) + fingers.size())
-        LearnAll();
-    SndBase* nearest = FindKnown(sound);
-    for (SndBase* finger : fingers) {
-        // Of equals the finger stands in front, since the latest does.
-        if (finger && !(*finger < sound) && (!nearest || !(*nearest < *finger)))
-            nearest = finger;
+    row.serial = 0;
+    row.list = ListID::None;
+    if (--count == 0) {
+        order.clear();
+        added.clear();
+        isInOrder = true;
     }
-    return nearest ? static_cast<IListNode*>(nearest) : &head;
 }
 
-// The first known sound that is not less important, or null. Those that have gone have no say; there are few
-// of them.
-SndBase* SndList::FindKnown(const SndBase& sound)
+void SndList::ForgetOrder()
+{
+    Merge();
+    isInOrder = false;
+}
+
+std::span<const SndList::Entry> SndList::GetEntries()
+{
+    Merge();
+    return order;
+}
+
+std::span<SndList::Entry> SndList::Compact()
+{
+    Merge();
+    if (order.size() != count)
+        DropStale();
+    return order;
+}
+
+// From the most important to the least: each goes to its place, and what stands behind moves up once.
+void SndList::Merge()
+{
+    if (added.empty())
+        return;
+    // Those that have come and gone have no place. Of the others there are few stale ones then.
+    constexpr std::size_t staleShare = 8;
+    if (order.size() + added.size() - count > order.size() / staleShare)
+        DropStale();
+    else
+        std::erase_if(added, [](const Entry& entry) { return entry.IsStale(); });
+    // Of equals the latest is the first.
+    std::ranges::sort(added, [](const Entry& left, const Entry& right) {
+        const std::uint64_t leftKey = left.GetRow().GetKey();
+        const std::uint64_t rightKey = right.GetRow().GetKey();
+        return leftKey != rightKey ? leftKey < rightKey : IsAfter(left.serial, right.serial);
+    });
+    std::size_t end = order.size();
+    order.resize(end + added.size());
+    std::size_t gap = order.size();
+    for (; !added.empty(); added.pop_back()) {
+        const std::size_t place = FindPlace(end, added.back().GetRow().GetKey());
+        gap -= end - place;
+        std::move_backward(order.begin() + static_cast<std::ptrdiff_t>(place),
+            order.begin() + static_cast<std::ptrdiff_t>(end),
+            order.begin() + static_cast<std::ptrdiff_t>(gap + (end - place)));
+        end = place;
+        order[--gap] = added.back();
+    }
+}
+
+// The first of the entries before `end` that is not stale and not less important; `end` if there is none.
+std::size_t SndList::FindPlace(std::size_t end, std::uint64_t key) const
 {
     std::size_t begin = 0;
-    std::size_t end = known.size();
+    std::size_t place = end;
     while (begin < end) {
         const std::size_t half = begin + (end - begin) / 2;
         std::size_t middle = half;
-        while (middle < end && !known[middle])
+        while (middle < end && order[middle].IsStale())
             ++middle;
-        if (middle < end && *known[middle] < sound)
+        if (middle < end && order[middle].GetRow().GetKey() < key)
             begin = middle + 1;
+        else if (middle < end)
+            place = middle, end = half;
         else
             end = half;
     }
-    while (end < known.size() && !known[end])
-        ++end;
-    return end < known.size() ? known[end] : nullptr;
-}
-
-void SndList::LearnAll()
-{
-    known.resize(static_cast<std::size_t>(count));
-    numGone = 0;
-    std::size_t place = 0;
-    ForEach([&](SndBase& sound) { MakeKnown(sound, place++); });
-}
-
-void SndList::Remove(SndBase& sound)
-{
-    assert(sound.list == this);
-    TellWalks();
-    Forget(sound);
-    std::replace(fingers.begin(), fingers.end(), &sound, ToSound(sound.next));
-    sound.Unlink();
-    sound.list = nullptr;
-    --count;
-    numMusic -= sound.IsMusic() ? 1 : 0;
-    if (count < 2)
-        isInOrder = true;
-}
-
-// In a list of which little is known any more all of it is forgotten, so that no search meets many gaps.
-void SndList::Forget(const SndBase& sound)
-{
-    if (sound.knownPlace >= known.size() || known[sound.knownPlace] != &sound)
-        return;
-    known[sound.knownPlace] = nullptr;
-    ++numGone;
-    // Mostly the most important leave, one after the other.
-    for (; !known.empty() && !known.back(); --numGone)
-        known.pop_back();
-    if (2 * numGone > known.size()) {
-        known.clear();
-        numGone = 0;
-    }
-}
-
-SndBase* SndList::TakeHead()
-{
-    SndBase* sound = GetHead();
-    if (sound)
-        Remove(*sound);
-    return sound;
-}
-
-void SndList::InsertBefore(IListNode& place, SndBase& sound)
-{
-    assert(!sound.list);
-    TellWalks();
-    sound.LinkBefore(place);
-    sound.list = this;
-    ++count;
-    numMusic += sound.IsMusic() ? 1 : 0;
-}
-
-void SndList::AddWalk(SoundWalk& walk)
-{
-    walk.outerWalk = std::exchange(innermostWalk, &walk);
-}
-
-void SndList::RemoveWalk(SoundWalk& walk)
-{
-    assert(innermostWalk == &walk);
-    innermostWalk = walk.outerWalk;
-}
-
-void SndList::TellWalks()
-{
-    for (; innermostWalk; innermostWalk = innermostWalk->outerWalk)
-        innermostWalk->TakeDown();
+    return place;
 }
 
 } // namespace Quon

@@ -1,132 +1,72 @@
 #pragma once
 
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/instances/SndBase.h"
-#include "harmonet/kernel/Prefetch.h"
+#include "harmonet/kernel/SoundRows.h"
 
-#include <array>
+#include <cstdint>
+#include <span>
 
 namespace Quon
 {
 
-class SoundWalk;
-
-/// An intrusive list of sounds with a count: the kernel's lists. A sound is on one list at most and knows it.
+/// A list of sounds by importance, the least important first: an array of row numbers. The list does not own
+/// its sounds. Task thread only.
 ///
-/// The sorted lists have the least important sound at the head. What a sound is compared by changes between
-/// sorts, so that the order is only as good as the last comparison; the list knows whether it still holds.
-/// The lists do not own their sounds. Task thread only.
+/// A sound that leaves only loses its entry's serial, by which whoever meets the entry later sees that it is
+/// stale. While the list is in order, sounds that come are gathered and merged when the order is asked for.
+/// What sounds are compared by changes between sorts; the kernel says so with ForgetOrder().
 class SndList
 {
 public:
-    SndList() = default;
-    SndList(const SndList&) = delete;
-    SndList& operator=(const SndList&) = delete;
+    struct Entry
+    {
+        std::uint32_t row;
+        std::uint32_t serial;
+
+        SoundRow& GetRow() const { return SoundRows::At(row); }
+        bool IsStale() const { return GetRow().serial != serial; }
+    };
 
     bool IsEmpty() const { return count == 0; }
-    int GetCount() const { return count; }
-    /// Null for an empty list; likewise GetTail().
-    SndBase* GetHead() const { return ToSound(head.next); }
-    SndBase* GetTail() const { return ToSound(head.previous); }
-    /// The neighbour towards the tail, or null; likewise GetPrevious() towards the head.
-    SndBase* GetNext(const SndBase& sound) const { return ToSound(sound.next); }
-    SndBase* GetPrevious(const SndBase& sound) const { return ToSound(sound.previous); }
-    /// Whether any of the sounds is music.
-    bool HasMusic() const { return numMusic > 0; }
-    bool Holds(const SndBase& sound) const { return sound.list == this; }
+    int GetCount() const { return static_cast<int>(count); }
+    bool IsInOrder() const { return isInOrder; }
 
-    /// These two take a sound that is on no list.
-    void Append(SndBase& sound);
-    /// In front of the first sound, from the head, that is not less important: first among equals. While the
-    /// order holds, the place is found without a walk along the list, or nearly so.
-    void InsertSorted(SndBase& sound);
-    void Remove(SndBase& sound);
-    /// Takes the head out; null for an empty list.
-    SndBase* TakeHead();
+    /// These two take a sound that is on no list. `id` is this list's.
+    void Append(std::uint32_t row, ListID id);
+    /// In front of the first sound, from the head, that is not less important: first among equals.
+    void InsertSorted(std::uint32_t row, ListID id);
+    void Remove(SoundRow& row);
+    /// The importance of a sound is about to change, so that the order may not hold any more.
+    void ForgetOrder();
 
-    /// Brings the sounds into another order, ascending by importance: calls `next` once for each and gets the
-    /// sounds of the list in their new order.
-    template<class Next>
-    void Reorder(Next next)
-    {
-        TellWalks();
-        IListNode* last = &head;
-        known.resize(static_cast<std::size_t>(count));
-        numGone = 0;
-        for (std::size_t place = 0; place < known.size(); ++place) {
-            SndBase& sound = next();
-            last->next = &sound;
-            sound.previous = last;
-            last = &sound;
-            MakeKnown(sound, place);
-        }
-        last->next = &head;
-        head.previous = last;
-        isInOrder = true;
-    }
-    /// The importance of a sound has changed, so that the order may not hold any more.
-    void ForgetOrder() { isInOrder = count < 2; }
+    /// All entries from the head, stale ones among them. Valid until the list changes.
+    std::span<const Entry> GetEntries();
+    /// The same without stale ones.
+    std::span<Entry> Compact();
+    /// The entries that Compact() gave have been put in order.
+    void SetInOrder() { isInOrder = true; }
 
     /// Calls `visit` for every sound, from the head. The list must not change meanwhile.
     template<class Visit>
-    void ForEach(Visit visit) const
+    void ForEach(Visit visit)
     {
-        for (SndBase* sound = GetHead(); sound; sound = GetNext(*sound)) {
-            PrefetchLine(GetKnownNear(*sound, prefetchDistance));
-            visit(*sound);
+        for (const Entry& entry : GetEntries()) {
+            if (!entry.IsStale())
+                visit(*entry.GetRow().sound);
         }
     }
 
-    /// Takes down where the sounds stand, if that is not known of most of them: the sounds lie all over the
-    /// memory, and what is known tells a walk what to fetch ahead.
-    void Learn()
-    {
-        const std::size_t numKnown = known.size() - numGone;
-        if (4 * (static_cast<std::size_t>(count) - numKnown) > static_cast<std::size_t>(count))
-            LearnAll();
-    }
-
-    /// The sound that stood so many places towards the tail of this one when the places were last taken down;
-    /// null if that is not known or the sound has left the list.
-    const SndBase* GetKnownNear(const SndBase& sound, int distance) const
-    {
-        const std::size_t near = sound.knownPlace + static_cast<std::size_t>(distance);
-        return near < known.size() ? known[near] : nullptr;
-    }
-
-    /// A walk that follows this list has to be told before the list changes. The walk takes itself out with
-    /// the second, if it has not been told meanwhile; nested ones do so in turn.
-    void AddWalk(SoundWalk& walk);
-    void RemoveWalk(SoundWalk& walk);
-
 private:
-    SndBase* ToSound(IListNode* node) const { return node == &head ? nullptr : static_cast<SndBase*>(node); }
-    void LearnAll();
-    void MakeKnown(SndBase& sound, std::size_t place)
-    {
-        known[place] = &sound;
-        sound.knownPlace = static_cast<std::uint32_t>(place);
-    }
-    IListNode* FindPlace(const SndBase& sound);
-    IListNode* FindNear(const SndBase& sound);
-    SndBase* FindKnown(const SndBase& sound);
-    void InsertBefore(IListNode& place, SndBase& sound);
-    void Forget(const SndBase& sound);
-    void TellWalks();
+    Entry Enter(std::uint32_t row, ListID id);
+    void DropStale();
+    void Merge();
+    std::size_t FindPlace(std::size_t end, std::uint64_t key) const;
 
-    IListNode head;
-    int count = 0;
-    int numMusic = 0;
+    EngineVector<Entry> order;
+    EngineVector<Entry> added; ///< Since then, by sorted insertion into a list in order.
+    std::size_t count = 0;
     bool isInOrder = true;
-    std::array<SndBase*, 8> fingers{}; ///< Where sounds went in lately; null where there is none.
-    std::size_t nextFinger = 0;
-
-    SoundWalk* innermostWalk = nullptr; ///< Of those that follow this list.
-
-    /// The sounds in their order, as Reorder() or Learn() left them, with null for those that have gone
-    /// since. Those that have come since are not among them.
-    EngineVector<SndBase*> known;
-    std::size_t numGone = 0;
+    static inline std::uint32_t lastSerial = 0;
 };
 
 } // namespace Quon

@@ -1,69 +1,69 @@
 #include "harmonet/kernel/SoundTable.h"
 
 #include <bit>
-#include <utility>
 
 namespace Quon
 {
 
-namespace
+std::uint32_t SoundTable::Add(std::uint32_t row)
 {
-constexpr std::size_t minIndexSize = 64;
-}
-
-void SoundTable::Add(SndBase* sound)
-{
-    sound->tableChunk = buckets[BucketOf(sound->soundID)].Append(sound);
-    ++count;
-    if (2 * static_cast<std::size_t>(count) > index.size())
+    auto& bucket = buckets[BucketOf(SoundRows::At(row).sound->GetSoundID())];
+    bucket.push_back(row);
+    if (2 * ++count > index.size())
         GrowIndex();
     else
-        AddToIndex(sound);
+        AddToIndex(row);
+    return static_cast<std::uint32_t>(bucket.size() - 1);
 }
 
-void SoundTable::Remove(SndBase* sound)
+SndBase* SoundTable::Remove(int id, std::uint32_t place)
 {
-    if (!sound->tableChunk)
-        return;
-    SoundBucket::Chunk* chunk = std::exchange(sound->tableChunk, nullptr);
-    if (SndBase** moved = buckets[BucketOf(sound->soundID)].EraseUnordered(chunk, sound))
-        (*moved)->tableChunk = chunk;
-    RemoveFromIndex(sound->soundID);
+    RemoveFromIndex(id);
     --count;
-    ++numRemoved;
+    auto& bucket = buckets[BucketOf(id)];
+    const std::uint32_t last = bucket.back();
+    bucket.pop_back();
+    if (place == bucket.size())
+        return nullptr;
+    bucket[place] = last;
+    return SoundRows::At(last).sound;
 }
 
-void SoundTable::AddToIndex(SndBase* sound)
+void SoundTable::AddToIndex(std::uint32_t row)
 {
-    std::size_t place = HomeOf(sound->soundID);
-    while (index[place].sound)
-        place = (place + 1) & mask;
-    index[place] = {sound->soundID, sound};
+    std::size_t slot = HomeOf(SoundRows::At(row).sound->GetSoundID());
+    while (index[slot] != none)
+        slot = GetNext(slot);
+    index[slot] = row;
 }
 
-// Closes the gap: whatever stands behind it and would no longer be found from its home moves forward.
+// Closes the gap: whatever stands after it and would no longer be found from its home moves forward.
 void SoundTable::RemoveFromIndex(int id)
 {
     std::size_t gap = HomeOf(id);
-    while (index[gap].id != id)
-        gap = (gap + 1) & mask;
-    for (std::size_t place = (gap + 1) & mask; index[place].sound; place = (place + 1) & mask) {
-        const std::size_t distanceFromHome = (place - HomeOf(index[place].id)) & mask;
-        if (distanceFromHome >= ((place - gap) & mask)) {
-            index[gap] = index[place];
-            gap = place;
+    while (GetSound(gap)->GetSoundID() != id)
+        gap = GetNext(gap);
+    const std::size_t mask = index.size() - 1;
+    for (std::size_t slot = GetNext(gap); index[slot] != none; slot = GetNext(slot)) {
+        const std::size_t distanceFromHome = (slot - HomeOf(GetSound(slot)->GetSoundID())) & mask;
+        if (distanceFromHome >= ((slot - gap) & mask)) {
+            index[gap] = index[slot];
+            gap = slot;
         }
     }
-    index[gap] = {0, nullptr};
+    index[gap] = none;
 }
 
 void SoundTable::GrowIndex()
 {
+    constexpr std::size_t minIndexSize = 64;
     const std::size_t newSize = index.empty() ? minIndexSize : 2 * index.size();
-    index.assign(newSize, {0, nullptr});
-    mask = newSize - 1;
+    index.assign(newSize, none);
     shift = 32 - std::countr_zero(newSize);
-    ForEach([this](SndBase& sound) { AddToIndex(&sound); });
+    for (const auto& bucket : buckets) {
+        for (const std::uint32_t row : bucket)
+            AddToIndex(row);
+    }
 }
 
 } // namespace Quon

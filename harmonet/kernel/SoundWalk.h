@@ -1,44 +1,20 @@
 #pragma once
 
-#include "harmonet/engine/Alloc.h"
+#include "harmonet/kernel/SndList.h"
 
-#include <cstdint>
+#include <cstddef>
 
 namespace Quon
 {
 
-class SndBase;
 class SndKernel;
-class SndList;
 
-/// A sound and its id, by which one can tell later whether the sound still exists.
-struct KnownSound
-{
-    SndBase* sound;
-    int id;
-};
-
-/// Memory for walks, kept so that a steady state allocates nothing. Walks can be nested; each takes a buffer
-/// and gives it back.
-class WalkBuffers
-{
-public:
-    /// An empty buffer.
-    EngineVector<KnownSound> Take();
-    void GiveBack(EngineVector<KnownSound>&& buffer);
-
-private:
-    EngineVector<EngineVector<KnownSound>> spare;
-};
-
-/// A walk over sounds that stays sound whatever happens on the way, when observers start, stop and delete
-/// sounds.
+/// A walk over one of the kernel's lists that stays sound whatever happens on the way, when observers start,
+/// stop and delete sounds. It visits the sounds that stood there when it began, in their order, and passes
+/// over those that have left the list meanwhile.
 ///
-/// It visits the sounds that were there when it began: each of them that still exists once and in order, none
-/// that came later. A walk over a list passes over a sound that has left that list meanwhile.
-///
-/// A walk over a list goes along the list itself for as long as that does not change. Before it does, the
-/// list has the walk take down the ids of what is still to come.
+/// It goes over a copy of the list's entries, whose serials tell what has left. The copies of nested walks
+/// lie behind one another in memory that the kernel keeps.
 class SoundWalk
 {
 public:
@@ -55,36 +31,30 @@ public:
         Visit
     };
 
-    SoundWalk(SndKernel& newKernel, SndList& newList, Direction newDirection, Newcomers newNewcomers);
-    /// Over these sounds of the id table, in a buffer of the kernel's. Newcomers are visited.
-    SoundWalk(SndKernel& newKernel, EngineVector<KnownSound>&& newSounds);
+    SoundWalk(SndKernel& kernel, ListID id, Direction newDirection, Newcomers newcomers);
     SoundWalk(const SoundWalk&) = delete;
     SoundWalk& operator=(const SoundWalk&) = delete;
-    ~SoundWalk();
+    ~SoundWalk() { memory.resize(first); }
 
-    /// The next sound, or null at the end.
-    SndBase* Next();
+    /// The next sound's row, or null at the end.
+    SoundRow* Next()
+    {
+        while (begin < end) {
+            const SndList::Entry entry = memory[direction == FromHead ? begin++ : --end];
+            SoundRow& row = entry.GetRow();
+            if (row.serial == entry.serial && !row.HasMark(passedOver))
+                return &row;
+        }
+        return nullptr;
+    }
 
 private:
-    friend class SndList;
-
-    void TakeDown();
-    SndBase* NextOfList();
-    SndBase* NextTakenDown();
-    SndBase* GetNeighbour(const SndBase& sound) const;
-    void FetchAhead(const SndBase& sound) const;
-    bool IsStillThere(const KnownSound& known) const;
-
-    SndKernel& kernel;
-    SndList* list; ///< Null for a walk over the table.
-    Direction direction = FromHead;
-    Newcomers newcomers;
-    bool followsList;
-    SndBase* cursor = nullptr; ///< While it follows the list: the next sound.
-    SoundWalk* outerWalk = nullptr; ///< Meanwhile, the walk over the same list that this one is nested in.
-    EngineVector<KnownSound> sounds; ///< Taken down.
-    std::size_t place = 0;
-    std::uint64_t numRemovedAtStart;
+    EngineVector<SndList::Entry>& memory;
+    const std::size_t first;
+    std::size_t begin;
+    std::size_t end;
+    const Direction direction;
+    const std::uint16_t passedOver; ///< The mark of those that are not visited, or none.
 };
 
 } // namespace Quon

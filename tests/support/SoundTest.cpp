@@ -47,28 +47,27 @@ MemoryBlock& SoundTest::NewBlock(const std::string& name, const PcmForm& form)
     return *blocks.back();
 }
 
-Ids SoundTest::GetIds(const SndList& list)
+Ids SoundTest::GetIds(ListID id)
 {
     Ids ids;
-    for (const SndBase* sound = list.GetHead(); sound; sound = list.GetNext(*sound))
-        ids.push_back(sound->GetSoundID());
-    EXPECT_EQ(static_cast<int>(ids.size()), list.GetCount());
+    theKernel->GetList(id).ForEach([&](const SndBase& sound) { ids.push_back(sound.GetSoundID()); });
+    EXPECT_EQ(static_cast<int>(ids.size()), theKernel->GetList(id).GetCount());
     return ids;
 }
 
 Ids SoundTest::Playing() const
 {
-    return GetIds(theKernel->GetPlayingList());
+    return GetIds(ListID::Playing);
 }
 
 Ids SoundTest::Emulated() const
 {
-    return GetIds(theKernel->GetEmulatedList());
+    return GetIds(ListID::Emulated);
 }
 
 Ids SoundTest::Waiting() const
 {
-    return GetIds(theKernel->GetWaitingList());
+    return GetIds(ListID::Waiting);
 }
 
 SndBase* SoundTest::Find(int id) const

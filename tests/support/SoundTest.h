@@ -5,13 +5,14 @@
 #include "tests/support/HostTest.h"
 #include "tests/support/LoggingObserver.h"
 
+#include <cstdint>
 #include <memory>
 
 namespace Quon
 {
 
 class SndBase;
-class SndList;
+enum class ListID : std::uint8_t;
 
 using Ids = std::vector<int>;
 
@@ -49,7 +50,7 @@ protected:
     void StepWithNextFile(int channel);
 
 private:
-    static Ids GetIds(const SndList& list);
+    static Ids GetIds(ListID id);
 
     std::vector<std::unique_ptr<MemoryBlock>> blocks;
 

@@ -1,0 +1,157 @@
+// The fields of a sound that lie in its row, or that the kernel has to know about.
+
+#include "harmonet/instances/SndBase.h"
+#include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundRows.h"
+
+namespace Quon
+{
+
+std::uint32_t SndBase::GetSndFlags() const
+{
+    return Row().flags;
+}
+
+void SndBase::AddFlags(std::uint32_t mask)
+{
+    Row().flags |= mask;
+}
+
+void SndBase::ClearFlags(std::uint32_t mask)
+{
+    Row().flags &= ~mask;
+}
+
+void SndBase::ResetFlags(std::uint32_t flags)
+{
+    Row().flags = flags;
+}
+
+void SndBase::SetDistLTMax()
+{
+    AddFlags(FlagDistLTMax);
+    ClearFlags(FlagDistGTMax);
+}
+
+void SndBase::SetDistGTMax()
+{
+    AddFlags(FlagDistGTMax);
+    ClearFlags(FlagDistLTMax);
+}
+
+void SndBase::SetFadeIn(int ms)
+{
+    fadeDuration = ms;
+    AddFlags(FlagFadeIn);
+}
+
+void SndBase::SetFileName(const PString& name)
+{
+    if (theKernel)
+        theKernel->GiveUpName(*this);
+    fileName = name;
+    if (theKernel)
+        theKernel->UseName(*this);
+}
+
+void SndBase::SetSubstName(const PString& name)
+{
+    if (theKernel)
+        theKernel->GiveUpName(*this);
+    substName = name;
+    if (theKernel)
+        theKernel->UseName(*this);
+}
+
+SndFile* SndBase::GetSndFile() const
+{
+    CatchUpFile();
+    return sndFile;
+}
+
+void SndBase::SetSndFile(SndFile* file)
+{
+    CatchUpFile();
+    TakeFile(file);
+}
+
+void SndBase::TakeFile(SndFile* file)
+{
+    sndFile = file;
+    Row().SetMark(RowCounted | RowRewound, false);
+    if (theKernel)
+        theKernel->NoteLength(*this);
+}
+
+void SndBase::SetSoundLength(unsigned long ms)
+{
+    soundLength = static_cast<std::uint32_t>(ms);
+    if (theKernel)
+        theKernel->NoteLength(*this);
+}
+
+void SndBase::SetStateTime(unsigned long ms)
+{
+    Row().stateTimeMs = static_cast<std::uint32_t>(ms);
+}
+
+unsigned long SndBase::GetStateTime() const
+{
+    return Row().stateTimeMs;
+}
+
+void SndBase::SetPriority(int newPriority)
+{
+    if (theKernel)
+        theKernel->ForgetOrder(Row());
+    Row().priority = newPriority;
+}
+
+int SndBase::GetPriority() const
+{
+    return Row().priority;
+}
+
+void SndBase::SetMultiplier(float factor)
+{
+    if (theKernel)
+        theKernel->ForgetOrder(Row());
+    Row().multiplier = factor;
+}
+
+float SndBase::GetMultiplier() const
+{
+    return Row().multiplier;
+}
+
+void SndBase::CalcDistSqr(const Vector3&) {}
+
+float SndBase::GetDistSqr() const
+{
+    return Row().distSqr;
+}
+
+void SndBase::SetDelay(int ms)
+{
+    delay = ms;
+    Row().SetMark(RowDelayed, ms > 0);
+}
+
+void SndBase::SetNewFrequency(unsigned long hz)
+{
+    newFrequency = static_cast<std::uint32_t>(hz);
+    if (Row().HasMark(RowCounted))
+        NoteRate();
+}
+
+SoundReason SndBase::GetReason() const
+{
+    return Row().reason;
+}
+
+unsigned long SndBase::GetReasonAge() const
+{
+    return theKernel ? theKernel->GetClockMs() - reasonSince : 0;
+}
+
+} // namespace Quon

@@ -1,0 +1,226 @@
+#include "harmonet/kernel/Decide.h"
+
+#include "harmonet/kernel/Importance.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr float duplicateFactor = 1.3F;
+
+bool IsMusic(const Contender& contender)
+{
+    return (contender.traits & TraitMusic) != 0;
+}
+
+bool IsEligible(const Contender& contender)
+{
+    constexpr unsigned int barred = TraitPaused | TraitLine | TraitDelayed | TraitNewcomer;
+    return (contender.traits & (barred | TraitInRange)) == TraitInRange && contender.stateTimeMs >= settledMs;
+}
+
+SoundReason WhyIneligible(const Contender& contender)
+{
+    if (contender.traits & TraitLine)
+        return SoundReason::None;
+    if (contender.traits & TraitPaused)
+        return SoundReason::Paused;
+    if (contender.traits & TraitDelayed)
+        return SoundReason::Delayed;
+    return contender.traits & TraitInRange ? SoundReason::Settling : SoundReason::BeyondReach;
+}
+
+/// One decision under way.
+struct Allocation
+{
+    std::span<const Contender> contenders;
+    Decision& decision;
+
+    std::uint64_t KeyOf(std::uint32_t number) const
+    {
+        const Contender& contender = contenders[number];
+        return ImportanceKey(
+            contender.priority, WeightDistance(contender.distSqr, decision.multipliers[number]));
+    }
+
+    void Choose(std::uint32_t number, SoundReason reason)
+    {
+        decision.chosen.push_back(number);
+        decision.reasons[number] = reason;
+    }
+};
+
+/// The eligible sounds of one list, the best first.
+class Candidates
+{
+public:
+    /// `newListed` are the contenders of the list that `newRanked` has in order.
+    Candidates(const Allocation& newAllocation, std::span<const Contender> newListed,
+        std::span<const ImportanceSort::Item> newRanked)
+        : allocation(newAllocation)
+        , ranked(newRanked)
+        , musicPlace(std::ranges::any_of(newListed, IsMusic) ? 0 : newRanked.size())
+        , runBegin(newRanked.size())
+        , runEnd(newRanked.size())
+        , place(newRanked.size())
+    {
+        MoveOn();
+    }
+
+    std::uint32_t GetBest() const { return best; }
+    std::uint64_t GetKey() const { return allocation.KeyOf(best); }
+
+    void MoveOn()
+    {
+        best = FindMusic();
+        while (best == Decision::nobody && (place < runEnd || BeginRun())) {
+            const std::uint32_t number = ranked[place++].number;
+            if (IsEligible(number, false))
+                best = number;
+        }
+    }
+
+private:
+    bool IsEligible(std::uint32_t number, bool music) const
+    {
+        const Contender& contender = allocation.contenders[number];
+        return IsMusic(contender) == music && Quon::IsEligible(contender);
+    }
+
+    std::uint32_t FindMusic()
+    {
+        while (musicPlace < ranked.size()) {
+            const std::uint32_t number = ranked[musicPlace++].number;
+            if (IsEligible(number, true))
+                return number;
+        }
+        return Decision::nobody;
+    }
+
+    /// Goes to the next run of equals towards the head; false when there is none.
+    bool BeginRun()
+    {
+        if (runBegin == 0)
+            return false;
+        runEnd = runBegin--;
+        const std::uint64_t key = allocation.KeyOf(ranked[runBegin].number);
+        while (runBegin > 0 && allocation.KeyOf(ranked[runBegin - 1].number) == key)
+            --runBegin;
+        place = runBegin;
+        return true;
+    }
+
+    const Allocation& allocation;
+    std::span<const ImportanceSort::Item> ranked; ///< The least important first.
+    std::size_t musicPlace; ///< Where to look for music, towards the tail.
+    std::size_t runBegin;
+    std::size_t runEnd;
+    std::size_t place; ///< In the run at hand.
+    std::uint32_t best = Decision::nobody;
+};
+
+void RateDuplicates(Allocation& allocation)
+{
+    const std::span<const Contender> contenders = allocation.contenders;
+    Decision& decision = allocation.decision;
+    // With the most important first, a sound has lost to all like sounds before it.
+    decision.sort.Sort(decision.ranking, 0, [contenders](std::uint32_t number) {
+        return ~ImportanceKey(contenders[number].priority, contenders[number].distSqr);
+    });
+    for (const Contender& contender : contenders) {
+        if (contender.name >= decision.lossesByName.size())
+            decision.lossesByName.resize(contender.name + 1);
+        decision.lossesByName[contender.name] = 0;
+    }
+    for (const ImportanceSort::Item& item : decision.ranking) {
+        const std::uint32_t losses = decision.lossesByName[contenders[item.number].name]++;
+        while (decision.factors.size() <= losses)
+            decision.factors.push_back(
+                decision.factors.empty() ? 1.0F : decision.factors.back() * duplicateFactor);
+        decision.multipliers[item.number] = decision.factors[losses];
+    }
+}
+
+void ProtectYoung(Allocation& allocation, std::span<const ImportanceSort::Item> playing)
+{
+    for (const ImportanceSort::Item& item : playing) {
+        if (allocation.contenders[item.number].stateTimeMs < settledMs)
+            allocation.Choose(item.number, SoundReason::Protected);
+    }
+}
+
+/// Says why the others lost, measured by the least important of those that won.
+void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
+{
+    Decision& decision = allocation.decision;
+    const std::uint64_t bar =
+        lastWinner != Decision::nobody ? allocation.KeyOf(lastWinner) : ~std::uint64_t{0};
+    for (std::uint32_t number = 0; number < allocation.contenders.size(); ++number) {
+        const Contender& contender = allocation.contenders[number];
+        SoundReason& reason = decision.reasons[number];
+        if (reason != SoundReason::None)
+            continue;
+        const std::uint64_t plainKey = ImportanceKey(contender.priority, contender.distSqr);
+        if (!IsEligible(contender))
+            reason = WhyIneligible(contender);
+        else if (plainKey >> 32 < bar >> 32)
+            reason = SoundReason::LostByPriority;
+        else if (plainKey > bar && decision.multipliers[number] > 1.0F)
+            reason = SoundReason::LostAsDuplicate;
+        else
+            reason = SoundReason::LostByDistance;
+    }
+}
+
+/// The candidates merged until the limit is reached.
+void ChooseBest(Allocation& allocation, std::span<Candidates, numContenderLists> lists, int limit)
+{
+    Decision& decision = allocation.decision;
+    std::uint32_t lastWinner = Decision::nobody;
+    while (static_cast<std::int64_t>(decision.chosen.size()) < limit) {
+        Candidates* best = nullptr;
+        for (Candidates& list : lists) {
+            if (list.GetBest() != Decision::nobody && (!best || best->GetKey() < list.GetKey()))
+                best = &list;
+        }
+        if (!best)
+            break;
+        const std::uint32_t number = best->GetBest();
+        if (lastWinner == Decision::nobody || allocation.KeyOf(number) < allocation.KeyOf(lastWinner))
+            lastWinner = number;
+        allocation.Choose(number, SoundReason::Won);
+        best->MoveOn();
+    }
+    for (std::size_t list = 0; list < numContenderLists; ++list)
+        decision.runnersUp[list] = lists[list].GetBest();
+    ExplainLosses(allocation, lastWinner);
+}
+
+} // namespace
+
+void Decide(
+    std::span<const Contender> contenders, const ContenderCounts& counts, int limit, Decision& decision)
+{
+    decision.chosen.clear();
+    decision.ranking.resize(contenders.size());
+    decision.multipliers.resize(contenders.size());
+    decision.reasons.assign(contenders.size(), SoundReason::None);
+    Allocation allocation{contenders, decision};
+    RateDuplicates(allocation);
+
+    const auto rank = [&](std::size_t first, std::size_t count) {
+        const std::span ranked = std::span(decision.ranking).subspan(first, count);
+        decision.sort.Sort(ranked, static_cast<std::uint32_t>(first),
+            [&allocation](std::uint32_t number) { return allocation.KeyOf(number); });
+        return Candidates(allocation, contenders.subspan(first, count), ranked);
+    };
+    const std::size_t firstWaiting = counts[FromPlaying] + counts[FromEmulated];
+    Candidates lists[] = {rank(0, counts[FromPlaying]), rank(counts[FromPlaying], counts[FromEmulated]),
+        rank(firstWaiting, counts[FromWaiting])};
+    ProtectYoung(allocation, std::span(decision.ranking).first(counts[FromPlaying]));
+    ChooseBest(allocation, lists, limit);
+}
+
+} // namespace Quon

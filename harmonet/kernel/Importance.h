@@ -1,0 +1,28 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+namespace Quon
+{
+
+/// The weighted squared distance. A distance of 0 stays 0, however great the weight.
+constexpr float WeightDistance(float distSqr, float multiplier)
+{
+    return distSqr == 0.0F ? 0.0F : multiplier * distSqr;
+}
+
+/// How important a sound is, as a number: greater is more important, equal is equal. A higher priority comes
+/// first; of equal priorities the smaller distance does. This is the only place that states the order.
+constexpr std::uint64_t ImportanceKey(std::int32_t priority, float distance)
+{
+    constexpr std::uint32_t signBit = 0x80000000;
+    constexpr int wordBits = 32;
+    // The bits of a float as an integer that is in the order of the values; adding 0 turns -0 into 0.
+    const auto bits = std::bit_cast<std::uint32_t>(distance + 0.0F);
+    const std::uint32_t ascending = (bits & signBit) != 0 ? ~bits : bits | signBit;
+    const std::uint32_t high = static_cast<std::uint32_t>(priority) ^ signBit;
+    return static_cast<std::uint64_t>(high) << wordBits | static_cast<std::uint32_t>(~ascending);
+}
+
+} // namespace Quon

@@ -1,0 +1,136 @@
+#pragma once
+
+#include "harmonet/engine/Vector.h"
+#include "harmonet/instances/SndBase.h"
+#include "harmonet/kernel/Importance.h"
+
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+namespace Quon
+{
+
+/// Which of the kernel's lists a sound stands on: one at most.
+enum class ListID : std::uint8_t
+{
+    None,
+    Playing, ///< It has a channel.
+    Emulated, ///< It runs without one.
+    Waiting, ///< It has been started and not yet dealt with.
+    Chosen ///< During an allocation: it has won, and is about to get or keep its channel.
+};
+inline constexpr std::size_t numLists = 5;
+
+/// What the kernel notes about a sound besides its flags.
+enum RowMarks : std::uint16_t
+{
+    RowMoved = 0x01, ///< Its node has moved since the last update.
+    RowPlaceKnown = 0x02, ///< SoundRow::place is where its node is.
+    RowCutout = 0x04, ///< It is not audible beyond its maximum distance.
+    RowDelayed = 0x08, ///< Its delay is above 0.
+    RowNewcomer = 0x10, ///< It was started during the running update.
+    RowCounted = 0x20, ///< SoundRow::samplesLeft counts, and its file stays behind.
+    RowRewound = 0x40, ///< Counting has gone round the loop.
+    RowOwnRate = 0x80 ///< Its rate is not that of its file.
+};
+
+/// One step of a full update, as every sound gets it.
+struct UpdateStep
+{
+    float seconds;
+    std::uint32_t ms; ///< By which a virtual sound moves on.
+    std::uint32_t minEmulationMs; ///< With less than this left, and the step, a virtual sound ends.
+    Vector3 listener;
+    bool listenerMoved;
+};
+
+/// What a full update reads and writes of a sound, in one cache line. The rows lie together (SoundRows); the
+/// sound object, which knows its row, is the rest.
+struct alignas(64) SoundRow
+{
+    std::uint32_t flags = 0; ///< SndFlags.
+    std::int32_t priority = 0;
+    float distSqr = 0.0F;
+    float multiplier = 1.0F;
+    std::uint32_t stateTimeMs = 1000;
+    std::uint32_t nameNumber = 0xFFFFFFFF; ///< Of its file and owner name (NameIndex), or none.
+    std::uint32_t serial = 0; ///< Of its entry on the list; 0 on none. No two entries have the same.
+    ListID list = ListID::None;
+    SoundReason reason = SoundReason::None;
+    std::uint16_t marks = RowMoved;
+    Vector3 place; ///< In the world.
+    float maxDistance = 0.0F;
+    std::int32_t samplesLeft = 0; ///< Of the current file, from the sound's place in time on.
+    std::uint32_t rateHz = 0; ///< At which samplesLeft is counted.
+    SndBase* sound = nullptr; ///< Null for a row that is free.
+
+    bool HasAnyFlag(std::uint32_t mask) const { return (flags & mask) != 0; }
+    bool HasMark(std::uint16_t mask) const { return (marks & mask) != 0; }
+    void SetMark(std::uint16_t mask, bool on)
+    {
+        marks = static_cast<std::uint16_t>(on ? marks | mask : marks & ~mask);
+    }
+
+    std::uint64_t GetKey() const
+    {
+        return ImportanceKey(
+            priority, SndBase::useMultiplier ? WeightDistance(distSqr, multiplier) : distSqr);
+    }
+
+    void AddStateTime(unsigned long ms)
+    {
+        const std::uint64_t sum = stateTimeMs + std::uint64_t{ms};
+        constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
+        stateTimeMs = static_cast<std::uint32_t>(sum < most ? sum : most);
+    }
+
+    float CalcDistSqr(const Vector3& listener) const
+    {
+        const float x = place.x - listener.x;
+        const float y = place.y - listener.y;
+        const float z = place.z - listener.z;
+        const float squared = x * x + y * y + z * z;
+        return std::isnan(squared) ? std::numeric_limits<float>::infinity() : squared;
+    }
+
+    void UpdateRange()
+    {
+        // On the squared distance: about 1 % of the distance itself. Between the two limits a sound stays as
+        // it is, so that one at the edge does not flip at each update.
+        constexpr float outerBand = 1.02F;
+        flags &= ~(FlagDistLTMax | FlagDistGTMax);
+        const float maxDistSqr = maxDistance * maxDistance;
+        if (!HasMark(RowCutout) || maxDistSqr > distSqr)
+            flags |= FlagDistLTMax;
+        else if (maxDistSqr * outerBand < distSqr)
+            flags |= FlagDistGTMax;
+    }
+
+    std::uint32_t CalcSamples(const UpdateStep& step) const { return rateHz * step.ms / 1000U; }
+
+    /// Moves a counted virtual sound on. False, and nothing has changed, when it takes more than counting: it
+    /// is not counted, comes to the end of its file, or may have too little left.
+    bool CountOn(const UpdateStep& step)
+    {
+        if (!HasMark(RowCounted))
+            return false;
+        if (!HasAnyFlag(FlagLooping)) {
+            const std::uint64_t leftMs = std::uint64_t{1000} * static_cast<std::uint32_t>(samplesLeft);
+            const std::uint64_t neededMs = std::uint64_t{step.minEmulationMs} + step.ms + 1;
+            if (HasMark(RowOwnRate) || leftMs < neededMs * rateHz)
+                return false;
+        }
+        return CountSamples(CalcSamples(step));
+    }
+    bool CountSamples(std::uint32_t samples)
+    {
+        if (samples >= static_cast<std::uint32_t>(samplesLeft))
+            return false;
+        samplesLeft -= static_cast<std::int32_t>(samples);
+        return true;
+    }
+};
+static_assert(sizeof(SoundRow) == 64);
+
+} // namespace Quon

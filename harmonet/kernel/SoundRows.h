@@ -1,0 +1,42 @@
+#pragma once
+
+#include "harmonet/kernel/SoundRow.h"
+
+#include <cstdint>
+
+namespace Quon
+{
+
+/// The rows of all sounds that exist, whether the kernel knows them or not. A row stays at its address for as
+/// long as its sound lives, and its memory can be read for as long as there is a kernel. Task thread only.
+class SoundRows
+{
+public:
+    /// A fresh row for the sound; returns its number.
+    static std::uint32_t Take(SndBase& sound);
+    static void GiveBack(std::uint32_t row);
+    static SoundRow& At(std::uint32_t row) { return chunks[row / chunkRows][row % chunkRows]; }
+    /// Frees the memory if there is no sound left.
+    static void Trim();
+
+private:
+    static constexpr std::uint32_t chunkRows = 128;
+    static constexpr std::uint32_t noRow = 0xFFFFFFFF;
+
+    static void AddChunk();
+
+    // Without a destructor: a sound may outlive the static objects.
+    static inline SoundRow** chunks = nullptr;
+    static inline void** blocks = nullptr; ///< In which the chunks lie, aligned.
+    static inline std::uint32_t numChunks = 0;
+    static inline std::uint32_t capacity = 0; ///< Of the two arrays.
+    static inline std::uint32_t firstFree = noRow; ///< The free rows are chained through samplesLeft.
+    static inline std::uint32_t numUsed = 0;
+};
+
+inline SoundRow& SndBase::Row() const
+{
+    return SoundRows::At(rowNumber);
+}
+
+} // namespace Quon
