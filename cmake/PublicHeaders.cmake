@@ -18,6 +18,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/engine/Export.h
     harmonet/engine/File.h
     harmonet/engine/HostFile.h
+    harmonet/engine/HostMemory.h
     harmonet/engine/IListNode.h
     harmonet/engine/ITree.h
     harmonet/engine/Matrix.h

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <new>
 
 namespace Quon
 {
@@ -104,7 +105,12 @@ NullChannel* NullDriver::FindFree()
     if (channels.size() >= maxChannels) {
         return nullptr;
     }
-    channels.push_back(std::make_unique<NullChannel>());
+    try {
+        channels.push_back(std::make_unique<NullChannel>());
+    }
+    catch (const std::bad_alloc&) {
+        return nullptr;
+    }
     return channels.back().get();
 }
 

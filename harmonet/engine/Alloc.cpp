@@ -1,5 +1,7 @@
 #include "harmonet/engine/Alloc.h"
 
+#include "harmonet/engine/HostMemory.h"
+
 #include <atomic>
 #include <cstdlib>
 
@@ -12,11 +14,15 @@ namespace
 /// Publishes nothing: it is only ever counted and shown.
 std::atomic<std::size_t> liveBlocks{0};
 
+// Set while no other thread allocates.
+HostMemory::TakeFunction takeBlock = std::malloc;
+HostMemory::GiveFunction giveBlock = std::free;
+
 } // namespace
 
 void* Alloc::New(unsigned int bytes)
 {
-    void* const block = std::malloc(bytes != 0 ? bytes : 1);
+    void* const block = takeBlock(bytes != 0 ? bytes : 1);
     if (block == nullptr) {
         throw std::bad_alloc();
     }
@@ -27,9 +33,15 @@ void* Alloc::New(unsigned int bytes)
 void Alloc::Delete(void* block)
 {
     if (block != nullptr) {
-        std::free(block);
+        giveBlock(block);
         liveBlocks.fetch_sub(1, std::memory_order_relaxed);
     }
+}
+
+void HostMemory::SetFunctions(TakeFunction take, GiveFunction give)
+{
+    takeBlock = take != nullptr ? take : std::malloc;
+    giveBlock = give != nullptr ? give : std::free;
 }
 
 std::size_t Alloc::LiveBlocks()

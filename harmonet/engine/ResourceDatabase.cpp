@@ -52,13 +52,23 @@ const Resource* ResourceDatabase::Lookup(const PString& name, int) const
     if (type == nullptr || !FindOwner(name, owner)) {
         return nullptr;
     }
-    Resource* const resource = type->Create(name, this);
+    // The place comes first: once there is a resource, nothing can fail any more.
+    const auto place = resources.emplace(name, nullptr).first;
+    Resource* resource = nullptr;
+    try {
+        resource = type->Create(name, this);
+    }
+    catch (...) {
+        resources.erase(place);
+        throw;
+    }
     if (resource == nullptr) {
+        resources.erase(place);
         return nullptr;
     }
     resource->ownerName = owner;
     resource->SetType(type);
-    resources.emplace(name, resource);
+    place->second = resource;
     resource->AddReference();
     return resource;
 }

@@ -42,6 +42,25 @@ private:
     SndFileHandle* handle;
 };
 
+/// Opens a reader with what `open` is given, which stays the caller's if that fails, by a false or by an
+/// exception. Returns the reader, or null.
+template<class Open>
+SndFile* OpenReader(std::unique_ptr<SndFile> file, void (SndFile::*abandon)(), Open open)
+{
+    if (file == nullptr)
+        return nullptr;
+    try {
+        if (open(*file))
+            return file.release();
+    }
+    catch (...) {
+        (file.get()->*abandon)();
+        throw;
+    }
+    (file.get()->*abandon)();
+    return nullptr;
+}
+
 std::unique_ptr<SndFile> MakeReader(int fileType)
 {
     switch (fileType) {
@@ -76,27 +95,17 @@ SndFile* SndFile::OpenFile(const PString& substName, const PString& fileName)
     HandleUse use(*sndFileCache, sndFileCache->Acquire(substName, fileName));
     if (use.Get() == nullptr)
         return nullptr;
-    std::unique_ptr<SndFile> file = MakeReader(Probe(use.Get()));
-    if (file == nullptr)
-        return nullptr;
-    if (!file->OpenHandle(use.Get())) {
-        file->Abandon();
-        return nullptr;
-    }
-    use.HandOver();
-    return file.release();
+    SndFile* const file = OpenReader(MakeReader(Probe(use.Get())), &SndFile::Abandon,
+        [&use](SndFile& reader) { return reader.OpenHandle(use.Get()); });
+    if (file != nullptr)
+        use.HandOver();
+    return file;
 }
 
 SndFile* SndFile::OpenFile(SndNode* node)
 {
-    std::unique_ptr<SndFile> file = MakeReader(node->fileType);
-    if (file == nullptr)
-        return nullptr;
-    if (!file->Open(node)) {
-        file->Abandon();
-        return nullptr;
-    }
-    return file.release();
+    return OpenReader(
+        MakeReader(node->fileType), &SndFile::Abandon, [node](SndFile& reader) { return reader.Open(node); });
 }
 
 SndFile* SndFile::OpenFile(void* data, unsigned long size, WaveFormatEx* format)

@@ -50,30 +50,30 @@ SndFile* SndNodeCache::OpenSound(const PString& substName, const PString& fileNa
 
 SndFile* SndNodeCache::OpenMiss(const PString& substName, const PString& fileName, SndNode*& node)
 {
-    SndFile* const file = SndFile::OpenFile(substName, fileName);
+    std::unique_ptr<SndFile> file(SndFile::OpenFile(substName, fileName));
     if (file == nullptr)
         return nullptr;
     const unsigned long size = file->Size();
     if (size > freeBytes)
         EvictBytes(size - freeBytes);
     if (size >= freeBytes)
-        return file;
-    unsigned char* const data = file->Load();
-    if (data == nullptr)
-        return file;
-
-    node = new SndNode;
-    node->format = *file;
-    node->fileType = file->FileType();
-    node->fileName = fileName;
-    node->foldedName = File::FoldName(fileName);
-    node->substName = substName;
-    node->data = data;
-    node->nodeInfo = file->CreateNodeInfo();
-    node->size = size;
+        return file.release();
+    // The data come last: what can fail for want of memory leaves the reader on its file.
+    auto made = std::make_unique<SndNode>();
+    made->format = *file;
+    made->fileType = file->FileType();
+    made->fileName = fileName;
+    made->foldedName = File::FoldName(fileName);
+    made->substName = substName;
+    made->nodeInfo = file->CreateNodeInfo();
+    made->size = size;
+    made->data = file->Load();
+    if (made->data == nullptr)
+        return file.release();
+    node = made.release();
     file->SetCached(node);
     freeBytes -= size;
-    return file;
+    return file.release();
 }
 
 int SndNodeCache::Evict(int bytes)

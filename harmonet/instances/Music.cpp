@@ -1,6 +1,7 @@
 #include "harmonet/instances/Music.h"
 
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/instances/TakenResource.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -75,15 +76,35 @@ bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool
         return false;
     const bool isNew = !instance;
     if (isNew)
-        instance = new SndBase(true);
-    else
-        theKernel->GiveUpFile(*instance);
-    instance->ResetFlags(FlagMusic | FlagDistLTMax);
+        instance = OrNothing([] { return new SndBase(true); });
+    if (!instance)
+        return false;
+    const int id = instance->GetSoundID();
+    try {
+        return StartPiece(*instance, isNew, name, db, ms, loop);
+    }
+    catch (const std::bad_alloc&) {
+        // It ends, whether it stands in the table or has not got that far.
+        const bool isAdopted = soundID == id;
+        if (!isAdopted || (theKernel && theKernel->FindSound(id) == instance))
+            delete instance;
+        if (isAdopted)
+            soundID = 0;
+        return false;
+    }
+}
+
+bool Music::StartPiece(
+    SndBase& instance, bool isNew, const PString& name, const ResourceDatabase* db, int ms, bool loop)
+{
+    if (!isNew)
+        theKernel->GiveUpFile(instance);
+    instance.ResetFlags(FlagMusic | FlagDistLTMax);
     if (ms > 0)
-        instance->SetFadeIn(ms);
+        instance.SetFadeIn(ms);
     if (loop)
-        instance->SetLooping();
-    return db ? StartResource(*instance, isNew, name, *db) : StartFile(*instance, isNew, name);
+        instance.SetLooping();
+    return db ? StartResource(instance, isNew, name, *db) : StartFile(instance, isNew, name);
 }
 
 bool Music::StartFile(SndBase& instance, bool isNew, const PString& name)
@@ -143,10 +164,10 @@ bool Music::GiveUp(SndBase& instance)
 
 void Music::Adopt(SndBase& instance, bool isNew)
 {
-    soundID = instance.GetSoundID();
-    instance.SetParentMusic(this);
     if (isNew)
         theKernel->AddSound(&instance);
+    soundID = instance.GetSoundID();
+    instance.SetParentMusic(this);
 }
 
 bool Music::FadeOut(int ms)

@@ -59,6 +59,9 @@ public:
 
 private:
     SndBase* FindLive() const;
+    /// Throws when there is no memory.
+    bool StartPiece(
+        SndBase& instance, bool isNew, const PString& name, const ResourceDatabase* db, int ms, bool loop);
     bool StartFile(SndBase& instance, bool isNew, const PString& name);
     bool StartResource(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase& db);
     void Adopt(SndBase& instance, bool isNew);

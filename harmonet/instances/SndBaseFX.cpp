@@ -1,5 +1,6 @@
 // The effects of a sound: one setter and one getter for each kind.
 
+#include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/output/SndChannel.h"
 
@@ -10,11 +11,13 @@ bool SndBase::AddEffect(SndFX effect, const void* record, unsigned long size, lo
 {
     if (IsPlaying())
         return false;
-    ClearFlags(FlagChgFrequency);
-    newFrequency = 0;
-    OwnFXList();
-    fxList.AddFX(effect, record, size, quality);
-    return true;
+    return OrNothing([&] {
+        OwnFXList();
+        fxList.AddFX(effect, record, size, quality);
+        ClearFlags(FlagChgFrequency);
+        newFrequency = 0;
+        return true;
+    });
 }
 
 bool SndBase::SetFXEnvReverbListenerProperties(const FXEnvReverb* record, long quality)

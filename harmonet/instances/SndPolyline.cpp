@@ -49,12 +49,13 @@ SndPolyline::~SndPolyline()
 bool SndPolyline::Init(const Vector3* points, int numPoints, unsigned int* ids, int numIds, float minAngle)
 {
     cosMinAngle = CalcCosine(minAngle);
-    soundIDs.assign(ids, ids + numIds);
-    Alloc::Delete(ids);
-    SndPolyline::SetGain(GetGain());
     InitSegments(points, numPoints);
     numActive = 0;
     activePoints.resize(numIds > 1 ? static_cast<std::size_t>(numIds) : 0);
+    soundIDs.assign(ids, ids + numIds);
+    // From here on nothing throws, and the block is no longer the caller's.
+    Alloc::Delete(ids);
+    SndPolyline::SetGain(GetGain());
     AddFlags(FlagPolyline | FlagLooping | FlagNotMovable);
     CalcReach();
     return true;

@@ -64,8 +64,8 @@ public:
     ~SndPolyline() override;
 
     /// Sets up line and sources; always true. `ids`, a block from Alloc with the ids of positional sounds,
-    /// is taken over. `minAngle` in degrees is the least angle between two sources, as seen from the
-    /// listener. The distances must have been set.
+    /// is taken over, unless there is no memory, which throws. `minAngle` in degrees is the least angle
+    /// between two sources, as seen from the listener. The distances must have been set.
     ///
     /// Points that are not finite, or too far away to measure, are passed over, and so are those that
     /// coincide with the one before. One place is a line too; without any the line is never heard. The same

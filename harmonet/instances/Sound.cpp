@@ -5,6 +5,7 @@
 #include "harmonet/definitions/SoundResource.h"
 #include "harmonet/files/BufferOwner.h"
 #include "harmonet/files/SndFile.h"
+#include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/Snd2D.h"
 #include "harmonet/instances/Snd3D.h"
 #include "harmonet/instances/TakenResource.h"
@@ -12,6 +13,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace Quon
 {
@@ -93,8 +95,8 @@ void Sound::AddObserver(SoundObserver* observer)
     // One that comes back from its OnShutDown() would keep the address of what is gone.
     if (hasShutDown || !observer)
         return;
-    observer->subject = this;
     ObserverSubject::AddObserver(observer);
+    observer->subject = this;
 }
 
 void Sound::RemoveObserver(SoundObserver* observer)
@@ -136,15 +138,21 @@ bool Sound::CanMakeSounds() const
 
 int Sound::AddSound(SndBase* instance)
 {
+    // Without memory for its place in the table it ends at once, and nobody has heard of it.
+    std::unique_ptr<SndBase> owned(instance);
     theKernel->AddSound(instance);
+    owned.release();
     instance->SetParentSound(this);
     return instance->GetSoundID();
 }
 
 int Sound::New2DSound(const PString& name, const ResourceDatabase* db)
 {
-    if (!CanMakeSounds())
-        return 0;
+    return CanMakeSounds() ? OrNothing([&] { return Make2DSound(name, db); }) : 0;
+}
+
+int Sound::Make2DSound(const PString& name, const ResourceDatabase* db)
+{
     auto made = std::make_unique<Snd2D>();
     made->SetDistLTMax();
     if (!db) {
@@ -155,9 +163,8 @@ int Sound::New2DSound(const PString& name, const ResourceDatabase* db)
     // Whoever heard of the load may have ended the system.
     if (!resource || !CanMakeSounds())
         return 0;
-    Snd2D* sound = made.get();
+    ApplyCommonSettings(*made, *resource);
     const int id = AddSound(made.release());
-    ApplyCommonSettings(*sound, *resource);
     resource->ApplySoundSettings(this, id);
     NameData(id, *resource);
     return id;
@@ -170,8 +177,11 @@ int Sound::New3DSound(const PString& name, const ResourceDatabase* db)
 
 int Sound::New3DSound(const PString& name, const ResourceDatabase* db, bool ignorePlacement)
 {
-    if (!CanMakeSounds())
-        return 0;
+    return CanMakeSounds() ? OrNothing([&] { return Make3DSound(name, db, ignorePlacement); }) : 0;
+}
+
+int Sound::Make3DSound(const PString& name, const ResourceDatabase* db, bool ignorePlacement)
+{
     auto made = std::make_unique<Snd3D>();
     made->BindAxisToDirection(defaultAxis);
     if (!db) {
@@ -182,12 +192,11 @@ int Sound::New3DSound(const PString& name, const ResourceDatabase* db, bool igno
     // Whoever heard of the load may have ended the system.
     if (!resource || !CanMakeSounds())
         return 0;
-    Snd3D* sound = made.get();
-    const int id = AddSound(made.release());
-    ApplyCommonSettings(*sound, *resource);
-    ApplyPositionalSettings(*sound, *resource);
+    ApplyCommonSettings(*made, *resource);
+    ApplyPositionalSettings(*made, *resource);
     if (!ignorePlacement)
-        sound->SetPosition(resource->GetPosition());
+        made->SetPosition(resource->GetPosition());
+    const int id = AddSound(made.release());
     resource->ApplySoundSettings(this, id);
     NameData(id, *resource);
     if (ignorePlacement || !resource->GetPolyline())
@@ -210,38 +219,44 @@ int Sound::New2DSound(void* data, unsigned long size, WaveFormatEx* format)
 {
     if (!CanMakeSounds())
         return 0;
-    auto sound = std::make_unique<Snd2D>();
-    sound->SetDistLTMax();
-    SndFile* file = SndFile::OpenFile(data, size, format);
-    return file ? AddMemorySound(sound.release(), file) : 0;
+    return OrNothing([&] {
+        auto sound = std::make_unique<Snd2D>();
+        sound->SetDistLTMax();
+        return AddMemorySound(std::move(sound), SndFile::OpenFile(data, size, format));
+    });
 }
 
 int Sound::New3DSound(void* data, unsigned long size, WaveFormatEx* format)
 {
     if (!CanMakeSounds())
         return 0;
-    auto sound = std::make_unique<Snd3D>();
-    sound->BindAxisToDirection(defaultAxis);
-    SndFile* file = SndFile::OpenFile(data, size, format);
-    return file ? AddMemorySound(sound.release(), file) : 0;
+    return OrNothing([&] {
+        auto sound = std::make_unique<Snd3D>();
+        sound->BindAxisToDirection(defaultAxis);
+        return AddMemorySound(std::move(sound), SndFile::OpenFile(data, size, format));
+    });
 }
 
-int Sound::AddMemorySound(SndBase* instance, SndFile* file)
+int Sound::AddMemorySound(std::unique_ptr<SndBase> instance, SndFile* file)
 {
+    if (!file)
+        return 0;
     instance->SetSndFile(file);
     instance->SetSoundLength(file->GetSoundLength());
-    return AddSound(instance);
+    return AddSound(instance.release());
 }
 
 unsigned long Sound::CalcSoundLength(const PString& name, const ResourceDatabase* db)
 {
-    if (!theKernel)
-        return 0;
-    if (!db)
-        return theKernel->GetLength(PString(), name);
-    TakenResource resource(name, *db, lookupMode);
-    return resource && theKernel ? theKernel->GetLength(resource->GetOwnerName(), resource->GetFileName())
-                                 : 0;
+    return OrNothing([&]() -> unsigned long {
+        if (!theKernel)
+            return 0;
+        if (!db)
+            return theKernel->GetLength(PString(), name);
+        TakenResource resource(name, *db, lookupMode);
+        return resource && theKernel ? theKernel->GetLength(resource->GetOwnerName(), resource->GetFileName())
+                                     : 0;
+    });
 }
 
 } // namespace Quon

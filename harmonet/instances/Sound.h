@@ -10,6 +10,8 @@
 #include "harmonet/instances/ObserverSubject.h"
 #include "harmonet/instances/SoundObserver.h"
 
+#include <memory>
+
 namespace Quon
 {
 
@@ -30,6 +32,9 @@ class SoundResource;
 ///
 /// A sound that was started lives exactly as long as it runs, and nothing need be freed. A sound that was
 /// made (`New...`) but never started stays until StopSound(), DeleteSound() or the end of this object.
+///
+/// An operation that answers false or 0 does so too when there is no memory for it, and has then made
+/// nothing; AddObserver() throws std::bad_alloc and adds nobody.
 ///
 /// `name` is the name of a resource when there is a `db`, and the name of a file when `db` is null.
 ///
@@ -223,6 +228,12 @@ private:
     void OnBufferFree(int soundID, void* buffer);
 
     int New3DSound(const PString& name, const ResourceDatabase* db, bool ignorePlacement);
+    // These throw when there is no memory, and have then made nothing.
+    int Make2DSound(const PString& name, const ResourceDatabase* db);
+    int Make3DSound(const PString& name, const ResourceDatabase* db, bool ignorePlacement);
+    int MakePolyline(
+        Snd3D& main, const Vector3* points, unsigned int numPoints, unsigned int numSources, float minAngle);
+    bool AppendFile(int id, const PString& name, const ResourceDatabase* db);
     /// Makes a positional sound that has just been made the main source of a line; returns the line's id.
     int NewPolylineSound(int soundID, const Vector3* points, unsigned int numPoints,
         unsigned int numAddSounds, float minAngle);
@@ -234,7 +245,7 @@ private:
     bool CanMakeSounds() const;
     /// Enters the sound in the kernel's table, with this object as its parent; returns its id.
     int AddSound(SndBase* instance);
-    int AddMemorySound(SndBase* instance, SndFile* file);
+    int AddMemorySound(std::unique_ptr<SndBase> instance, SndFile* file);
     void NameData(int id, const SoundResource& resource);
     int SetUpAndStart(int id, int flags, int priority, int delay);
     void SetUp(int id, int priority, int delay);

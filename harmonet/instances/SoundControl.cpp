@@ -4,6 +4,7 @@
 #include "harmonet/engine/Particle.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/files/SndNodeCache.h"
+#include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/instances/TakenResource.h"
@@ -109,9 +110,10 @@ bool Sound::StartSound(int id, int flags)
     if ((flags & StartLooping) && sound->HasAnyFlag(FlagQueued))
         return false;
     ApplyStartFlags(*sound, flags);
-    if (sound->IsPolyline())
-        return StartPolyline(static_cast<SndPolyline&>(*sound));
-    return theKernel->PlaySound(sound);
+    return OrNothing([&] {
+        return sound->IsPolyline() ? StartPolyline(static_cast<SndPolyline&>(*sound))
+                                   : theKernel->PlaySound(sound);
+    });
 }
 
 void Sound::StopSound(int id)
@@ -218,6 +220,11 @@ int Sound::StartOrDelete(int id, int flags)
 
 bool Sound::CatSound(int id, const PString& name, const ResourceDatabase* db)
 {
+    return OrNothing([&] { return AppendFile(id, name, db); });
+}
+
+bool Sound::AppendFile(int id, const PString& name, const ResourceDatabase* db)
+{
     SndBase* sound = FindForCat(id);
     if (!sound)
         return false;
@@ -246,7 +253,8 @@ bool Sound::CatSound(int id, void* data, unsigned long size, WaveFormatEx* forma
         return false;
     sound->AddFlags(FlagQueued);
     ChannelLock lock(sound->GetSndChannel());
-    return OpenHead(*sound) && Append(*sound, SndFile::OpenFile(data, size, format));
+    return OrNothing(
+        [&] { return OpenHead(*sound) && Append(*sound, SndFile::OpenFile(data, size, format)); });
 }
 
 SndBase* Sound::FindForCat(int id) const

@@ -1,5 +1,6 @@
 // How a group makes and starts sounds along a line.
 
+#include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -8,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace Quon
 {
@@ -71,23 +73,44 @@ int Sound::NewPolylineSound(
     if (main->IsPlaying() || theKernel->IsListed(*main))
         return soundID;
     const SourceLimits limits = LimitSources(numAddSounds, minAngle);
-    const unsigned int numSources = limits.numAddSounds + 1;
-    auto* ids =
-        static_cast<unsigned int*>(Alloc::New(static_cast<unsigned int>(numSources * sizeof(unsigned int))));
-    auto made = std::make_unique<SndPolyline>(*main);
-    main->AddFlags(FlagLooping | FlagSharedFXList | FlagPolylineSource | FlagInPause);
-    made->AdoptSourceFX(main->GetThisFXList());
-    ids[0] = static_cast<unsigned int>(soundID);
-    for (unsigned int i = 1; i < numSources; ++i) {
-        auto* copy = new Snd3D(*main);
-        copy->SetThisFXList(main->GetThisFXList());
-        copy->SetStartSample(samplesApart * static_cast<int>(i));
-        ids[i] = static_cast<unsigned int>(AddSound(copy));
-    }
-    SndPolyline* line = made.release();
-    const int id = AddSound(line);
-    line->Init(points, static_cast<int>(numPoints), ids, static_cast<int>(numSources), limits.minAngle);
+    const int id = OrNothing(
+        [&] { return MakePolyline(*main, points, numPoints, limits.numAddSounds + 1, limits.minAngle); });
+    if (id == 0)
+        DeleteSound(soundID);
     return id;
+}
+
+int Sound::MakePolyline(
+    Snd3D& main, const Vector3* points, unsigned int numPoints, unsigned int numSources, float minAngle)
+{
+    // Deletes the copies, which nobody has heard of, should the line not come about.
+    struct SourceIDs
+    {
+        Sound& group;
+        unsigned int* ids;
+        unsigned int count;
+        ~SourceIDs()
+        {
+            for (unsigned int i = 1; ids && i < count; ++i)
+                group.DeleteSound(static_cast<int>(ids[i]));
+            Alloc::Delete(ids);
+        }
+    } sources{*this, static_cast<unsigned int*>(Alloc::New(numSources * sizeof(unsigned int))), 1};
+
+    auto made = std::make_unique<SndPolyline>(main);
+    main.AddFlags(FlagLooping | FlagSharedFXList | FlagPolylineSource | FlagInPause);
+    made->AdoptSourceFX(main.GetThisFXList());
+    sources.ids[0] = static_cast<unsigned int>(main.GetSoundID());
+    for (unsigned int i = 1; i < numSources; ++i) {
+        auto* copy = new Snd3D(main);
+        copy->SetThisFXList(main.GetThisFXList());
+        copy->SetStartSample(samplesApart * static_cast<int>(i));
+        sources.ids[sources.count] = static_cast<unsigned int>(AddSound(copy));
+        ++sources.count;
+    }
+    made->Init(points, static_cast<int>(numPoints), sources.ids, static_cast<int>(numSources), minAngle);
+    sources.ids = nullptr;
+    return AddSound(made.release());
 }
 
 bool Sound::StartPolyline(SndPolyline& line)

@@ -6,7 +6,9 @@
 namespace Quon
 {
 
+// By way of the other constructor, so that the reference goes back if the load throws.
 TakenResource::TakenResource(const PString& name, const ResourceDatabase& database, int mode)
+    : TakenResource()
 {
     const Resource* resource = database.Lookup(name, mode);
     if (!resource)

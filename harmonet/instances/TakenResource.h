@@ -27,6 +27,8 @@ public:
     void Unlock();
 
 private:
+    TakenResource() = default;
+
     const SoundResource* sound = nullptr;
     bool isLocked = false;
 };

@@ -145,10 +145,16 @@ bool SndKernel::StartChannel(SndBase* sound)
     if (sound->IsFadeIn())
         channel->FadeIn(sound->fadeDuration);
     sound->sndChannel = channel;
-    if (sound->Row().list != ListID::Playing) {
-        // Music that an observer starts anew can stand among the chosen.
-        Unlist(*sound);
-        Insert(*sound, ListID::Playing);
+    try {
+        EnterPlaying(*sound);
+    }
+    catch (...) {
+        // Without memory for its place it has no channel, and the file is nobody's.
+        channel->Stop();
+        sound->sndChannel = nullptr;
+        if (isNewFile)
+            delete file;
+        throw;
     }
     SetReason(sound->Row(), SoundReason::Won);
     // A new channel stands at 1.0 already.
@@ -160,6 +166,15 @@ bool SndKernel::StartChannel(SndBase* sound)
         channel->SetFrequency(sound->newFrequency);
     channel->Play();
     return true;
+}
+
+void SndKernel::EnterPlaying(SndBase& sound)
+{
+    if (sound.Row().list == ListID::Playing)
+        return;
+    // Music that an observer starts anew can stand among the chosen.
+    Unlist(sound);
+    Insert(sound, ListID::Playing);
 }
 
 bool SndKernel::StartMusic(SndBase& instance)

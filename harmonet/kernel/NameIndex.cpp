@@ -1,11 +1,19 @@
 #include "harmonet/kernel/NameIndex.h"
 
+#include <algorithm>
+
 namespace Quon
 {
 
 std::uint32_t NameIndex::Use(const PString& fileName, const PString& substName)
 {
     const Key key(fileName.GetIdentity(), substName.GetIdentity());
+    // What needs memory comes first, for the return of the number too.
+    if (freeNumbers.empty() && names.size() == names.capacity()) {
+        constexpr std::size_t fewNames = 16;
+        names.reserve(std::max(2 * names.capacity(), fewNames));
+        freeNumbers.reserve(names.capacity());
+    }
     const auto next = freeNumbers.empty() ? static_cast<std::uint32_t>(names.size()) : freeNumbers.back();
     const auto [place, isNew] = numbers.try_emplace(key, next);
     if (isNew && freeNumbers.empty())

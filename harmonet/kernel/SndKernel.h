@@ -198,6 +198,7 @@ private:
     void EmulateWaiting();
 
     bool IsLongEnough(const SndBase& sound) const;
+    void EnterPlaying(SndBase& sound);
     void MarkStarted(SndBase& sound);
     void ForgetNewcomers();
     bool StartImmediately(SndBase& sound);

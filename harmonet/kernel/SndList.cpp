@@ -39,14 +39,24 @@ void SndList::DropStale()
     std::erase_if(added, isStale);
 }
 
+// Ahead of Enter(): a sound that says that it is listed is.
+void SndList::MakeRoom(EngineVector<Entry>& entries)
+{
+    constexpr std::size_t fewEntries = 16;
+    if (entries.size() == entries.capacity())
+        entries.reserve(std::max(2 * entries.capacity(), fewEntries));
+}
+
 void SndList::Append(std::uint32_t row, ListID id)
 {
     ForgetOrder();
+    MakeRoom(order);
     order.push_back(Enter(row, id));
 }
 
 void SndList::InsertSorted(std::uint32_t row, ListID id)
 {
+    MakeRoom(isInOrder ? added : order);
     const Entry entry = Enter(row, id);
     if (isInOrder) {
         added.push_back(entry);

@@ -59,6 +59,7 @@ public:
 private:
     Entry Enter(std::uint32_t row, ListID id);
     void DropStale();
+    static void MakeRoom(EngineVector<Entry>& entries);
     void Merge();
     std::size_t FindPlace(std::size_t end, std::uint64_t key) const;
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <new>
 #include <utility>
 
 namespace Quon
@@ -44,14 +45,26 @@ bool SoundSystem::Init(OS* os, bool driverFlag)
 {
     if (theKernel)
         return false;
+    try {
+        return Start(os, driverFlag);
+    }
+    catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+bool SoundSystem::Start(OS* os, bool driverFlag)
+{
     // The keys of the options are among them.
     HarmonetStrings::Init();
     auto kernel = std::make_unique<SndKernel>();
     if (kernel->Init(os, driverFlag) != 0)
         return false;
+    auto made = std::make_unique<HarmonetTask>(kernel.get());
+    kernel.release();
     // A task that the engine has stopped by itself is still this object's.
     delete task;
-    task = new HarmonetTask(kernel.release());
+    task = made.release();
     return true;
 }
 

@@ -32,8 +32,8 @@ public:
     /// that opens wins. "MaxSounds", "SoundCacheSize", "SoundFrequency" and "StreamLength" take their default
     /// (20, 1000000, 22050, 500) if they are not set, not a number of 32 bits or out of range: below 0, for
     /// the frequency below 1. `os` must outlive the system. `driverFlag` goes to the driver. False, and the
-    /// system stays stopped, when no driver can be had; false also when the system runs already, which is
-    /// left alone.
+    /// system stays stopped, when no driver or no memory can be had; false also when the system runs already,
+    /// which is left alone.
     bool Init(OS* os, bool driverFlag);
     /// Stops the system if this object has started it: ends all sounds, with their notifications, and
     /// releases driver and files. What was an id finds nothing from then on. While it runs, no sound can be
@@ -83,6 +83,9 @@ public:
     unsigned long GetResourceFX();
 
 private:
+    /// Init() of a stopped system. Throws when there is no memory, and the system stays stopped.
+    bool Start(OS* os, bool driverFlag);
+
     HarmonetTask* task;
 };
 

@@ -8,11 +8,12 @@ namespace Quon
 std::uint32_t SoundTable::Add(std::uint32_t row)
 {
     auto& bucket = buckets[BucketOf(SoundRows::At(row).sound->GetSoundID())];
-    bucket.push_back(row);
-    if (2 * ++count > index.size())
+    // What needs memory comes first.
+    if (2 * (count + 1) > index.size())
         GrowIndex();
-    else
-        AddToIndex(row);
+    bucket.push_back(row);
+    ++count;
+    AddToIndex(row);
     return static_cast<std::uint32_t>(bucket.size() - 1);
 }
 

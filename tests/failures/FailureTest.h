@@ -1,0 +1,54 @@
+#pragma once
+
+#include "fuzz/game/GameFolder.h"
+#include "harmonet/instances/Microphone.h"
+#include "harmonet/instances/Music.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/SoundSystem.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <vector>
+
+namespace Quon
+{
+
+/// A running sound system on the null driver, and what a game has of it.
+struct SmallGame
+{
+    explicit SmallGame(GameFolder& newFolder);
+
+    bool Start() { return system.Init(&folder.GetOS(), false); }
+    /// Sounds of every kind that are to get channels, and more of them than there are.
+    bool StartMany();
+    static void Step(int ms);
+
+    GameFolder& folder;
+    SoundSystem system;
+    Microphone microphone;
+    Music music;
+    Sound group;
+};
+
+/// Something that a game does and that can fail; false when it has.
+struct FallibleAction
+{
+    const char* name;
+    /// Whether the system runs already, which it then does without a failure.
+    bool needsSystem;
+    /// What has been played before, and lies in the cache.
+    const char* playedBefore;
+    bool (*run)(SmallGame& game);
+};
+
+/// Opening and starting in every way, and start-up.
+extern const std::vector<FallibleAction> fallibleActions;
+
+/// Runs the action again and again, with its first, second, third step failing, until it gets by without a
+/// failure, and then it has to succeed. `arm` is told which step is to fail, counted from 1; `disarm` ends
+/// that and tells whether the step has come up. An action that fails says so and leaves the game as it was:
+/// with the sounds it had, a later try succeeds, and at the end no memory is left.
+void FailEachStep(const FallibleAction& action, void (*arm)(int step), bool (*disarm)());
+
+} // namespace Quon
