@@ -387,6 +387,29 @@ class ConvertTest(ToolCase):
         self.assertEqual([(Path(line["output"]).name, line["action"]) for line in map(json.loads, lines)],
                          [("one.wav", "converted"), ("two.wav", "unchanged")])
 
+    def test_the_preview_shows_length_level_spectrum_and_remarks(self):
+        self.write_wave("tone.wav", sine(1000, 1.0, 0.5))
+        (self.folder / "sounds").mkdir()
+        for name, block in [("a", "*FILE tone.wav\n*GAIN 0.5"), ("b", "*FILE lost.wav\n*LOUD 1"), ("c", "</script>")]:
+            (self.folder / f"sounds/{name}.sound").write_text(f"*SOUND_DEFINITION {{ {block} }}")
+        self.assertIn("3 definitions, 2 with remarks", self.succeed("preview", "sounds", "out.html", "--root", "."))
+        page = (self.folder / "out.html").read_text()
+        good, lost, broken = json.loads(re.search(r'id="records">(.*?)</script>', page, re.DOTALL).group(1))
+        self.assertEqual([record["name"] for record in (good, lost, broken)], ["a.sound", "b.sound", "c.sound"])
+        self.assertAlmostEqual(good["seconds"], 1, delta=0.001)
+        # Half of the amplitude, a quarter of full scale in all.
+        self.assertAlmostEqual(good["peakDecibels"], -12.04, delta=0.1)
+        self.assertAlmostEqual(good["lufs"], -15.05, delta=0.2)
+        # Each column has its maximum of -6 dB at 1000 Hz, where the rows go from 40 Hz to half the rate.
+        row = 64 * math.log(1000 / 40) / math.log(RATE_HZ / 2 / 40)
+        for column in good["columns"][1:-1]:
+            levels = [int(letter, 36) for letter in column]
+            self.assertAlmostEqual(max(levels), 35 * (1 - 6 / 90), delta=1.5)
+            self.assertAlmostEqual(levels.index(max(levels)), row, delta=2)
+        self.assertGreater(len(lost["findings"]), 1)
+        self.assertIn("lost.wav", lost["error"])
+        self.assertIn("does not load", broken["error"])
+
     def test_a_failed_conversion_leaves_the_file_that_was_there(self):
         self.write_24_bits("deep.wav", sine(440, 0.2, 0.5))
         (self.folder / "text.wav").write_text("This is no sound.")

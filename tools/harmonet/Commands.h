@@ -20,6 +20,7 @@ void AddInfoCommand(CLI::App& program, Action& action);
 void AddDecodeCommand(CLI::App& program, Action& action);
 void AddCheckCommand(CLI::App& program, Action& action);
 void AddConvertCommand(CLI::App& program, Action& action);
+void AddPreviewCommand(CLI::App& program, Action& action);
 void AddGenerateCommand(CLI::App& program, Action& action);
 
 } // namespace Tool

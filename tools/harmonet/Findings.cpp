@@ -44,13 +44,19 @@ void PrintFindings(const std::string& path, const std::vector<Finding>& findings
     Print(path + ": " + Describe(CountFindings(findings)) + '\n');
 }
 
-void PrintFindingsAsJson(const std::string& path, const std::vector<Finding>& findings)
+nlohmann::ordered_json ToJson(const std::vector<Finding>& findings)
 {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const Finding& finding : findings)
         list.push_back({{"line", finding.line}, {"severity", Severity(finding)}, {"text", finding.text}});
+    return list;
+}
+
+void PrintFindingsAsJson(const std::string& path, const std::vector<Finding>& findings)
+{
     const Count count = CountFindings(findings);
-    PrintJson({{"file", path}, {"errors", count.errors}, {"warnings", count.warnings}, {"findings", list}});
+    PrintJson({{"file", path}, {"errors", count.errors}, {"warnings", count.warnings},
+        {"findings", ToJson(findings)}});
 }
 
 } // namespace Tool

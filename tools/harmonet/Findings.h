@@ -1,5 +1,7 @@
 #pragma once
 
+#include <nlohmann/json_fwd.hpp>
+
 #include <string>
 #include <vector>
 
@@ -24,6 +26,8 @@ Count CountFindings(const std::vector<Finding>& findings);
 
 /// Prints each finding and how many there are, with the definition's name at the head of each line.
 void PrintFindings(const std::string& path, const std::vector<Finding>& findings);
+/// An array of objects with "line", "severity" and "text".
+nlohmann::ordered_json ToJson(const std::vector<Finding>& findings);
 void PrintFindingsAsJson(const std::string& path, const std::vector<Finding>& findings);
 
 } // namespace Tool

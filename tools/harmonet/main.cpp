@@ -34,6 +34,7 @@ void AddCommands(CLI::App& program, Tool::Action& action)
     Tool::AddDecodeCommand(program, action);
     Tool::AddCheckCommand(program, action);
     Tool::AddConvertCommand(program, action);
+    Tool::AddPreviewCommand(program, action);
     Tool::AddGenerateCommand(program, action);
 }
 

@@ -1,8 +1,8 @@
 #include "tools/harmonet/convert/ConversionPlan.h"
 
+#include "tools/harmonet/FolderFiles.h"
 #include "tools/harmonet/ToolError.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <map>
 
@@ -13,38 +13,6 @@ namespace
 {
 
 namespace fs = std::filesystem;
-
-bool IsFolder(const fs::path& path)
-{
-    std::error_code error;
-    return fs::is_directory(path, error);
-}
-
-bool IsHidden(const fs::path& path)
-{
-    return path.filename().string().starts_with('.');
-}
-
-/// All files below the folder, in the order of their names, without hidden ones and without the output's.
-std::vector<fs::path> FindFiles(const fs::path& folder, const fs::path& output)
-{
-    std::vector<fs::path> files;
-    std::error_code error;
-    fs::recursive_directory_iterator place(folder, fs::directory_options::skip_permission_denied, error);
-    for (; !error && place != fs::recursive_directory_iterator(); place.increment(error)) {
-        std::error_code ignored;
-        const bool isOutput = fs::equivalent(place->path(), output, ignored);
-        if (place->is_directory(ignored) && (isOutput || IsHidden(place->path())))
-            place.disable_recursion_pending();
-        else if (place->is_regular_file(ignored) && !IsHidden(place->path()))
-            files.push_back(place->path());
-    }
-    if (error)
-        throw ToolError(
-            "cannot read the folder '" + folder.string() + "': " + error.message(), ExitCode::NoInput);
-    std::sort(files.begin(), files.end());
-    return files;
-}
 
 ConversionJob MakeJob(
     const std::string& input, const fs::path& output, const ConversionSettings& settings, bool isFound)

@@ -5,16 +5,32 @@
 namespace Tool
 {
 
-void AddConvertCommand(CLI::App& program, Action& action)
+namespace
 {
-    CLI::App& command = *program.add_subcommand("convert", "This build has no converter.");
+
+void AddMissingCommand(CLI::App& program, Action& action, const char* name)
+{
+    CLI::App& command = *program.add_subcommand(name, "This build has no such command.");
     command.allow_extras();
     command.callback([&action] {
         action = []() -> ExitCode {
             throw ToolError(
-                "this build has no converter: libsndfile, libsoxr, libebur128 or TagLib was not there");
+                "this build has no such command: libsndfile, libsoxr, libebur128, TagLib or KISS FFT was "
+                "not there");
         };
     });
+}
+
+} // namespace
+
+void AddConvertCommand(CLI::App& program, Action& action)
+{
+    AddMissingCommand(program, action, "convert");
+}
+
+void AddPreviewCommand(CLI::App& program, Action& action)
+{
+    AddMissingCommand(program, action, "preview");
 }
 
 std::string DescribeRemedy(const std::string&)
