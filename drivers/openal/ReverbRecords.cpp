@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 #include <tuple>
 
 namespace Quon
@@ -22,6 +23,18 @@ constexpr FXEnvReverb fallback = {
 constexpr std::int32_t loudestReflections = 1000;
 constexpr std::int32_t loudestReverb = 2000;
 
+/// The late reverb of OpenAL in steady noise by its decay time, in dB of the one at 1.49 s.
+struct LateLevel
+{
+    float decaySeconds;
+    float decibels;
+};
+
+constexpr LateLevel lateLevels[] = {{0.1f, -68.0f}, {0.17f, -41.0f}, {0.3f, -22.8f}, {0.4f, -16.4f},
+    {0.5f, -12.3f}, {0.75f, -6.5f}, {1.0f, -3.3f}, {1.49f, 0.0f}, {2.31f, 2.6f}, {2.91f, 3.7f}, {4.32f, 5.1f},
+    {7.24f, 6.2f}, {10.0f, 6.6f}, {17.23f, 7.1f}, {20.0f, 7.3f}};
+constexpr float loudestLateGain = 10.0f;
+
 std::int32_t HoldLevel(std::int32_t level, std::int32_t loudest = 0)
 {
     return std::clamp(level, silence, loudest);
@@ -36,6 +49,17 @@ float GetLow(std::int32_t all, float lowRatio)
 float GetHigh(std::int32_t all, float lowRatio)
 {
     return static_cast<float>(all) * (1.0f - lowRatio);
+}
+
+/// In dB; between two rows it goes by the loss in a second, which is what decays.
+float GetLateDecibels(float decaySeconds)
+{
+    const auto* const after = std::find_if(std::begin(lateLevels) + 1, std::end(lateLevels) - 1,
+        [decaySeconds](const LateLevel& row) { return row.decaySeconds >= decaySeconds; });
+    const LateLevel& from = *(after - 1);
+    const float begin = 1.0f / from.decaySeconds;
+    const float share = (1.0f / decaySeconds - begin) / (1.0f / after->decaySeconds - begin);
+    return from.decibels + share * (after->decibels - from.decibels);
 }
 
 auto GetFields(const FXEnvReverb& room)
@@ -81,6 +105,14 @@ FXEnvReverbSourceProperties HoldProperties(const FXEnvReverbSourceProperties& wa
 float ToGain(float hundredths)
 {
     return hundredths <= static_cast<float>(silence) ? 0.0f : std::pow(10.0f, hundredths / 2000.0f);
+}
+
+float GetLateGain(const FXEnvReverb& room)
+{
+    const float shorter = std::pow(room.density / 100.0f, 0.25f);
+    const float missing = -GetLateDecibels(room.decayTime) * shorter;
+    return std::min(
+        ToGain(static_cast<float>(room.reverb)) * std::pow(10.0f, missing / 20.0f), loudestLateGain);
 }
 
 PathGain GetDirectGain(const FXEnvReverbSourceProperties& properties)

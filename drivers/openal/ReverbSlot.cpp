@@ -33,8 +33,7 @@ void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room)
     efx.effectf(effect, AL_EAXREVERB_REFLECTIONS_GAIN,
         std::min(gain(room.reflections), AL_EAXREVERB_MAX_REFLECTIONS_GAIN));
     efx.effectf(effect, AL_EAXREVERB_REFLECTIONS_DELAY, room.reflectionsDelay);
-    efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_GAIN,
-        std::min(gain(room.reverb), AL_EAXREVERB_MAX_LATE_REVERB_GAIN));
+    efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_GAIN, GetLateGain(room));
     efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_DELAY, room.reverbDelay);
     efx.effectf(effect, AL_EAXREVERB_DIFFUSION, room.diffusion * percent);
     efx.effectf(effect, AL_EAXREVERB_DENSITY, room.density * percent);

@@ -153,6 +153,32 @@ TEST_F(Rooms, AClickDecaysInTheTimeOfItsRoom)
     }
 }
 
+// A record's level means what is heard in a steady sound, however long the room rings.
+TEST_F(Rooms, TheLateReverbIsAsLoudAsItsRecordSaysAtAnyDecayTime)
+{
+    const auto noise = MakeFile({rateHz}, [](int i, int) { return 0.2 * Scatter()(i, 0); });
+    double usual = 0.0;
+    for (const float decayTime : {1.49f, 0.4f, 0.75f, 1.0f, 4.0f, 10.0f}) {
+        rig = std::make_unique<OfflineRig>();
+        FXEnvReverb room = fxEnvReverbGeneric;
+        room.decayTime = decayTime;
+        room.decayHFRatio = 1.0f;
+        room.reflections = -10000;
+        room.reverb = 0;
+        SetRoom(&room);
+        SndChannel* const channel = rig->Create(*noise, ChanPositional | ChanLooping);
+        channel->SetFXEnvReverbSourceProperties(&onlyRoom);
+        channel->SetPosition({0, 0, -1});
+        channel->Play();
+        rig->StepTimes(static_cast<int>(10 * decayTime) + 10, 100);
+        const double level = 20 * std::log10(GetLevel(1000));
+        usual = decayTime == 1.49f ? level : usual;
+        EXPECT_NEAR(level, usual, 1.5) << decayTime;
+        rig->Close();
+        noise->Rewind();
+    }
+}
+
 TEST_F(Rooms, OnlyPositionalSoundsThatDoNotRefuseAreInTheRoom)
 {
     const std::pair<unsigned int, bool> rows[] = {
