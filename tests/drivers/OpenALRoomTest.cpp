@@ -134,7 +134,7 @@ TEST_F(Rooms, AClickDecaysInTheTimeOfItsRoom)
         double least, most; ///< Of the decay time.
     };
     // Where high frequencies decay in a tenth of the time, those of 500 Hz are a good deal faster too.
-    const Row rows[] = {{"room", &fxEnvReverbRoom, 0.9, 1.1}, {"hangar", &fxEnvReverbHangar, 0.9, 1.1},
+    const Row rows[] = {{"room", &fxEnvReverbRoom, 0.9, 1.2}, {"hangar", &fxEnvReverbHangar, 0.9, 1.1},
         {"parking lot", &fxEnvReverbParkingLot, 0.9, 1.1}, {"underwater", &fxEnvReverbUnderwater, 0.4, 0.9}};
     OwnedList list;
     list.Add(SndFXEnvReverbSource, onlyRoom);
