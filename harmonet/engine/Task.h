@@ -49,6 +49,9 @@ public:
     void SetActive(bool newActive) { active = newActive; }
     bool IsActive() const { return active; }
 
+    /// The time that TaskList::SetMinimumStep() holds back, in seconds: it is part of the next update.
+    double GetGatheredSeconds() const { return gatheredSeconds; }
+
 private:
     friend class TaskList;
 

@@ -319,6 +319,8 @@ private:
     int startSample = 0;
     int fadeDuration = 0;
     float gain = 1.0F;
+    std::int64_t startGameTime = 0; ///< When it is to begin, on the kernel's StartClock,
+    std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t startSerial = 0; ///< Which start of a sound this was; 0 before the first.
     std::uint32_t tablePlace = noTablePlace; ///< Where it stands in the kernel's table.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the present reason was given.

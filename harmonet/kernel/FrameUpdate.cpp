@@ -71,6 +71,7 @@ void SndKernel::RunFullUpdate(float seconds)
     step.listenerMoved = listenerChanged;
     listenerChanged = false;
     clockMs += static_cast<std::uint32_t>(elapsed);
+    startClock.BeginUpdate(elapsed);
     FlagScope bearings(takesNewcomers);
 
     const int due = CountDownDelays(step.listener);

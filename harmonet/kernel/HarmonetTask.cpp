@@ -16,6 +16,8 @@ HarmonetTask::HarmonetTask(SndKernel* newKernel)
     : Task(PString("HarmonetTask"), taskOrder, true)
     , kernel(newKernel)
 {
+    if (kernel)
+        kernel->SetTask(this);
 }
 
 HarmonetTask::~HarmonetTask()

@@ -1,3 +1,4 @@
+#include "harmonet/engine/Task.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/files/SndNodeCache.h"
 #include "harmonet/instances/Microphone.h"
@@ -6,6 +7,7 @@
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
 
+#include <cmath>
 #include <utility>
 
 namespace Quon
@@ -59,9 +61,25 @@ bool SndKernel::PlaySound(SndBase* sound)
 void SndKernel::MarkStarted(SndBase& sound)
 {
     sound.startSerial = ++startCounter;
+    const StartMoment moment =
+        startClock.GetMoment(GetGatheredMicroseconds(), sound.IsImmediately() ? 0 : sound.delay);
+    sound.startGameTime = moment.game;
+    sound.startMachineTime = moment.machine;
     sound.Row().SetMark(RowNewcomer, takesNewcomers);
     if (takesNewcomers)
         newcomers.push_back(sound.rowNumber);
+}
+
+// During an update its time has been handed on already.
+std::int64_t SndKernel::GetGatheredMicroseconds() const
+{
+    if (updating)
+        return 0;
+    constexpr std::int64_t microsecondsPerMs = 1000;
+    constexpr double microsecondsPerSecond = 1e6;
+    const double held = task ? task->GetGatheredSeconds() : 0.0;
+    return static_cast<std::int64_t>(elapsed) * microsecondsPerMs +
+        std::llround(held * microsecondsPerSecond);
 }
 
 void SndKernel::ForgetNewcomers()
@@ -161,9 +179,14 @@ bool SndKernel::StartChannel(SndBase* sound)
     const float outputGain = sound->GetOutputGain();
     if (outputGain >= 0.0F && outputGain < 1.0F)
         channel->SetGain(outputGain);
+    const bool isBeginning = !sound->IsPlaying();
     sound->Play(file);
     if (sound->newFrequency != 0)
         channel->SetFrequency(sound->newFrequency);
+    if (isBeginning) {
+        const StartMoment moment = {sound->startGameTime, sound->startMachineTime};
+        channel->SetStartTime(startClock.GetGameTime(moment, updating), startClock.GetAge(moment));
+    }
     channel->Play();
     return true;
 }

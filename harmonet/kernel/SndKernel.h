@@ -5,6 +5,7 @@
 #include "harmonet/kernel/NameIndex.h"
 #include "harmonet/kernel/SndList.h"
 #include "harmonet/kernel/SoundTable.h"
+#include "harmonet/kernel/StartClock.h"
 #include "harmonet/output/SoundCaps.h"
 #include "harmonet/output/SoundFormat.h"
 
@@ -20,6 +21,7 @@ class OS;
 class Options;
 class PString;
 class SndDriver;
+class Task;
 class SndFile;
 class SndFileCache;
 class SndNodeCache;
@@ -79,6 +81,9 @@ public:
     /// Gathers time; once 40 ms have come together, runs one full update. While the kernel is busy it does
     /// nothing: an observer that calls it has no time to add.
     void Update(float seconds);
+
+    /// The task whose updates these are; what it has gathered has passed, too. Null for none.
+    void SetTask(const Task* newTask) { task = newTask; }
 
     /// Whether an update runs or an observer is being told of a sound. The kernel must not go then.
     bool IsBusy() const { return updating || noticeDepth > 0; }
@@ -200,6 +205,7 @@ private:
     bool IsLongEnough(const SndBase& sound) const;
     void EnterPlaying(SndBase& sound);
     void MarkStarted(SndBase& sound);
+    std::int64_t GetGatheredMicroseconds() const;
     void ForgetNewcomers();
     bool StartImmediately(SndBase& sound);
     SoundReason WhyUnheard(const SoundRow& row) const;
@@ -250,6 +256,8 @@ private:
     int noticeDepth = 0;
     std::uint32_t startCounter = 0; ///< Counts starts.
     std::uint32_t clockMs = 0;
+    StartClock startClock;
+    const Task* task = nullptr;
     EngineVector<std::uint32_t> newcomers; ///< The rows of the sounds started during the running update.
 };
 

@@ -1,6 +1,7 @@
 // How a sound runs along its files: the samples it skips at its start, its steps without a channel, and the
 // times it tells.
 
+#include "harmonet/engine/TaskList.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/output/SndChannel.h"
@@ -8,6 +9,7 @@
 
 #include <filesystem>
 #include <limits>
+#include <optional>
 
 namespace Quon
 {
@@ -85,6 +87,40 @@ TEST_F(RunningTest, TheStartSamplesAreSkippedAlongTheQueueOrRoundTheLoop)
 }
 
 // The samples of a step are counted in 32 bits, as on every other machine.
+// From the full update before, also across time that the task list holds back, with the delay of the sound.
+TEST_F(RunningTest, TheDriverIsToldWhenTheGameAskedForASoundThatBegins)
+{
+    const auto told = [this](int id) { return recording.channels.at(ChannelOf(id)).startTime; };
+    for (const bool isHeldBack : {false, true}) {
+        SCOPED_TRACE(isHeldBack);
+        TaskList::Get().SetMinimumStep("HarmonetTask", isHeldBack ? 0.05F : 0.0F);
+        Step(isHeldBack ? 60 : 40);
+        const int first = Play(FileOf(3000));
+        Step(20);
+        const int second = Play(FileOf(3000));
+        const int delayed = Play(FileOf(3000), 0, 0, 15);
+        const int immediate = Play(FileOf(3000), Sound::StartImmediately);
+        EXPECT_NEAR(static_cast<double>(*told(immediate)), 20000.0, 2.0);
+        Step(20);
+        Step(20);
+        EXPECT_EQ(told(first), 0);
+        EXPECT_NEAR(static_cast<double>(*told(second)), 20000.0, 2.0);
+        EXPECT_NEAR(static_cast<double>(*told(delayed)), 35000.0, 2.0);
+        SoundSystem::StopAll();
+    }
+    TaskList::Get().SetMinimumStep("HarmonetTask", 0.0F);
+    const int id = Play(FileOf(5000));
+    Step(40);
+    system.SetMaxAudibleSounds(0);
+    for (int i = 0; i < 8; ++i)
+        Step(40);
+    ASSERT_EQ(Emulated(), Ids{id});
+    system.SetMaxAudibleSounds(20);
+    for (int i = 0; i < 8; ++i)
+        Step(40);
+    EXPECT_EQ(told(id), std::nullopt) << "it comes back";
+}
+
 TEST_F(RunningTest, ALongStepWrapsAsIn32Bits)
 {
     const int id = NewQueue({3000});

@@ -40,6 +40,7 @@ struct ChannelRecord
     float gain = 1.0F;
     Vector3 position;
     unsigned long frequencyHz = 0; ///< What GetFrequency() answers; 0 until a rate is set and told.
+    std::optional<std::int64_t> startTime; ///< In game time, as SetStartTime() tells it.
     std::optional<unsigned long> remainMs; ///< What GetRemainLength() answers in place of the file's rest.
 };
 

@@ -83,6 +83,12 @@ void RecordingChannel::SetPosition(const Vector3& position)
         record->position = position;
 }
 
+void RecordingChannel::SetStartTime(std::int64_t gameMicroseconds, std::int64_t)
+{
+    if (ChannelRecord* record = Find("SetStartTime"))
+        record->startTime = gameMicroseconds;
+}
+
 void RecordingChannel::SetMinMaxDistance(float minDistance, float maxDistance, bool cutout)
 {
     Called("SetMinMaxDistance " + ToText(minDistance) + ' ' + ToText(maxDistance) + ' ' +

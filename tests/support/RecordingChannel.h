@@ -31,6 +31,8 @@ public:
     void SetDirection(const Vector3& direction) override;
     bool SetFrequency(unsigned long hz) override;
     unsigned long GetFrequency() override;
+    /// Not logged.
+    void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds) override;
     bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties) override;
     bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* record) override { return Fill(record); }
     bool GetFXEnvReverbListenerProperties(FXEnvReverb* record) override { return Fill(record); }
