@@ -53,6 +53,7 @@ TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrderOrBesideTheEngine)
     const auto neighbour = MakeLibrary(os);
     EXPECT_TRUE(neighbour->Open(("Beside" + suffix).c_str()));
     EXPECT_EQ(Answer(*neighbour), 42);
+    neighbour->Close();
     std::filesystem::remove(beside);
 
     os.AddDriverFolder(broken.GetPath().string().c_str());

@@ -80,7 +80,8 @@ Result Open(const EngineString& path, Handle& handle)
         return judged;
     }
     // A link may have come in the way since the path was resolved.
-    if (FinalPath(file.Get()) != expected) {
+    const std::wstring place = FinalPath(file.Get());
+    if (!place.empty() && place != expected) {
         return File::OutsideRoot;
     }
     handle = reinterpret_cast<Handle>(file.Release());

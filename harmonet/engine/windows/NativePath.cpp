@@ -13,6 +13,7 @@ namespace
 {
 
 constexpr std::size_t longestPath = 32767;
+constexpr std::size_t longestPart = 255;
 constexpr std::string_view separators = "/\\";
 
 /// Takes the first part off the name.
@@ -79,10 +80,17 @@ bool HasForbidden(std::string_view part)
     });
 }
 
+bool IsTooLong(std::string_view part)
+{
+    std::wstring wide;
+    return !ToUtf16(part, wide) || wide.size() > longestPart;
+}
+
 /// The system drops dots and blanks at the end, so that such a name is another file's.
 bool IsPlainName(std::string_view part)
 {
-    return part.back() != '.' && part.back() != ' ' && !HasForbidden(part) && !IsDevice(part);
+    return part.back() != '.' && part.back() != ' ' && !HasForbidden(part) && !IsDevice(part) &&
+        !IsTooLong(part);
 }
 
 bool IsFolder(HANDLE handle)
@@ -90,6 +98,30 @@ bool IsFolder(HANDLE handle)
     BY_HANDLE_FILE_INFORMATION information{};
     return GetFileInformationByHandle(handle, &information) != 0 &&
         (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+/// Whether a part of the path behind its first \p rootUnits is a link of any kind.
+bool HasLink(const std::wstring& path, std::size_t rootUnits)
+{
+    for (std::size_t end = rootUnits; end < path.size();) {
+        end = std::min(path.find(L'\\', end + 1), path.size());
+        const DWORD attributes = GetFileAttributesW(path.substr(0, end).c_str());
+        if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Where the open file lies; where the system does not tell, as Wine of a long path, the path by which it was
+/// opened, if that has no link in it.
+EngineString FindPlace(HANDLE handle, const EngineString& opened, const EngineString& root)
+{
+    const std::wstring place = FinalPath(handle);
+    if (!place.empty()) {
+        return ToUtf8(place);
+    }
+    return HasLink(ExtendedPath(opened.c_str()), ExtendedPath(root.c_str()).size()) ? EngineString() : opened;
 }
 
 EngineString FindFolder(const std::wstring& path)
@@ -137,7 +169,7 @@ Result Resolve(const EngineString& root, std::string_view name, EngineString& pa
         return FindFolder(ExtendedPath(root.c_str())).empty() ? Result(File::NoRoot) : result;
     }
     // The name itself cannot leave the root; a link on its way can.
-    const EngineString resolved = ToUtf8(FinalPath(file.Get()));
+    const EngineString resolved = FindPlace(file.Get(), whole, root);
     if (!resolved.starts_with(inside)) {
         return resolved == root ? File::NotAFile : File::OutsideRoot;
     }

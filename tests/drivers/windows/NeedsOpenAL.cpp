@@ -15,8 +15,9 @@ public:
     void SetUp() override
     {
         if (!LoadAlLibrary()) {
-            GTEST_SKIP() << "OpenAL32.dll does not lie beside the program; HARMONET_OPENAL_DLL names its folder "
-                            "to ./dev windows";
+            GTEST_SKIP()
+                << "OpenAL32.dll does not lie beside the program; HARMONET_OPENAL_DLL names its folder "
+                   "to ./dev windows";
         }
     }
 };
