@@ -137,14 +137,14 @@ class SoundsTest(ToolCase):
 
     def test_json_is_a_line_for_each_file(self):
         self.write_wave("tone.wav", sine(440, 0.5, 0.5))
-        (self.folder / "a.sound").write_text("*SOUND_DEFINITION { *FILE tone.wav\n*GAIN 0.5\n*FX_ECHO\n*LOUD 1 }")
+        (self.folder / "a.sound").write_text("*SOUND_DEFINITION { *FILE tone.wav\n*GAIN 0.8\n*FX_ECHO\n*LOUD 1 }")
         done = self.run_tool("info", "--json", "missing.wav", "tone.wav", "a.sound")
         self.assertEqual(done.returncode, 3)
         missing, tone, definition = map(json.loads, done.stdout.splitlines())
         self.assertEqual((missing["file"], missing["exitCode"]), ("missing.wav", 3))
         self.assertIn("no file", missing["error"])
         self.assertEqual((tone["rateHz"], tone["channels"], tone["sampleFrames"]), (RATE_HZ, 1, RATE_HZ // 2))
-        self.assertEqual((definition["soundFile"], definition["gain"]), ("tone.wav", 0.5))
+        self.assertEqual((definition["soundFile"], definition["gain"]), ("tone.wav", 0.8))
         self.assertIn("*LEFTDELAY", definition["effects"]["*FX_ECHO"])
         checked = json.loads(self.run_tool("check", "--json", "a.sound").stdout)
         self.assertEqual((checked["errors"], checked["findings"][0]["line"]), (1, 4))

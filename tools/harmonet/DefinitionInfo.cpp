@@ -36,9 +36,15 @@ std::string Format(const Quon::Vector3& place)
     return FormatNumber(place.x) + ' ' + FormatNumber(place.y) + ' ' + FormatNumber(place.z);
 }
 
+/// The number that was written in the definition, without the digits that a float adds.
+double Rounded(double number)
+{
+    return std::stod(FormatNumber(number));
+}
+
 Json ToJson(const Quon::Vector3& place)
 {
-    return {place.x, place.y, place.z};
+    return {Rounded(place.x), Rounded(place.y), Rounded(place.z)};
 }
 
 std::string FormatFrequency(const Quon::SoundDefResource& sound)
@@ -67,7 +73,7 @@ Setting DescribeEffect(const Quon::SndFXDesc& effect)
         const std::string keyword(field.keyword.GetView());
         const double value = ReadField(field, effect.GetRecord());
         fields += (fields.empty() ? "" : "  ") + keyword + ' ' + FormatNumber(value);
-        values[keyword] = value;
+        values[keyword] = Rounded(value);
     }
     return {keywords.keyword.GetText(), fields, "effects", {{keywords.keyword.GetText(), values}}};
 }
@@ -81,7 +87,8 @@ void AddLine(const Quon::SoundDefResource& sound, std::vector<Setting>& settings
         std::to_string(sound.GetNumPoints()) + " points, " + std::to_string(sound.GetNumAddSounds()) +
             " additional sounds, angle " + FormatNumber(sound.GetMinAngle()),
         "line",
-        {{"points", points}, {"additionalSounds", sound.GetNumAddSounds()}, {"angle", sound.GetMinAngle()}}});
+        {{"points", points}, {"additionalSounds", sound.GetNumAddSounds()},
+            {"angle", Rounded(sound.GetMinAngle())}}});
     for (int i = 0; i < sound.GetNumPoints(); ++i)
         settings.push_back({"", Format(sound.GetPolyline()[i]), nullptr, nullptr});
 }
@@ -104,20 +111,21 @@ std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
     const std::string file(sound.GetFileName().GetView());
     std::vector<Setting> settings = {{"sound file", file, "soundFile", file},
         {"looping", Yes(sound.GetLooping()), "looping", sound.GetLooping()},
-        {"gain", FormatNumber(sound.GetGain()), "gain", sound.GetGain()},
+        {"gain", FormatNumber(sound.GetGain()), "gain", Rounded(sound.GetGain())},
         {"delay", std::to_string(sound.GetDelay()) + " ms", "delayMs", sound.GetDelay()},
         {"distances",
             FormatNumber(sound.GetMinDistance()) + " to " + FormatNumber(sound.GetMaxDistance()) +
                 (sound.GetCutout() ? ", cut out beyond" : ""),
             "distances",
-            {{"minimum", sound.GetMinDistance()}, {"maximum", sound.GetMaxDistance()},
+            {{"minimum", Rounded(sound.GetMinDistance())}, {"maximum", Rounded(sound.GetMaxDistance())},
                 {"cutout", sound.GetCutout()}}},
         {"cone",
             FormatNumber(sound.GetInnerConeAngle()) + " to " + FormatNumber(sound.GetOuterConeAngle()) +
                 " degrees, gain outside " + FormatNumber(sound.GetConeGain()),
             "cone",
-            {{"innerAngle", sound.GetInnerConeAngle()}, {"outerAngle", sound.GetOuterConeAngle()},
-                {"gainOutside", sound.GetConeGain()}}},
+            {{"innerAngle", Rounded(sound.GetInnerConeAngle())},
+                {"outerAngle", Rounded(sound.GetOuterConeAngle())},
+                {"gainOutside", Rounded(sound.GetConeGain())}}},
         {"position", Format(sound.GetPosition()), "position", ToJson(sound.GetPosition())},
         {"rate", FormatFrequency(sound), "rate",
             {{"hertz", sound.GetFrequency()}, {"canChange", sound.GetChgFrequency()}}},
