@@ -53,10 +53,10 @@ GameFolder::GameFolder()
     os.GetOptions()->Set("Sound", "HarmonetNull");
     driver.reset(os.CreateDynamicLibrary());
     driver->Open((std::string("HarmonetNull") + dynamicLibrarySuffix).c_str());
-    File::AddRoot(PString(), folder.GetPath().c_str());
+    File::AddRoot(PString(), folder.GetPath().string().c_str());
     QuonGetPlugins();
     database = std::make_unique<ResourceDatabase>();
-    database->AddFolder("sounds", folder.GetPath().c_str());
+    database->AddFolder("sounds", folder.GetPath().string().c_str());
     WriteSounds();
     WriteDefinitions();
 }

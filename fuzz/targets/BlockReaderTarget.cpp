@@ -20,7 +20,7 @@ public:
     explicit TextFile(std::string_view text)
     {
         folder.Write("text", text);
-        File::AddRoot(owner, folder.GetPath().c_str());
+        File::AddRoot(owner, folder.GetPath().string().c_str());
         // An empty file does not open: its reader has nothing to read.
         if (file.Open(owner, "text", File::modeRead).IsOk())
             reader.Init(file);

@@ -92,7 +92,7 @@ class Workbench
 public:
     Workbench()
     {
-        File::AddRoot(owner, folder.GetPath().c_str());
+        File::AddRoot(owner, folder.GetPath().string().c_str());
         SndFile::SetSndFileCache(&openFiles);
     }
     ~Workbench()
