@@ -49,7 +49,8 @@ TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrderOrBesideTheEngine)
 
     const std::filesystem::path beside =
         std::filesystem::path(ENGINE_LIBRARY).parent_path() / ("Beside" + suffix);
-    std::filesystem::copy_file(module, beside, std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::remove(beside);
+    std::filesystem::copy_file(module, beside);
     const auto neighbour = MakeLibrary(os);
     EXPECT_TRUE(neighbour->Open(("Beside" + suffix).c_str()));
     EXPECT_EQ(Answer(*neighbour), 42);
