@@ -51,7 +51,6 @@ TEST(OpenALScarce, RoomsAreRefusedAndSoundsPlayAsWithoutThem)
 // a cut.
 TEST(OpenALScarce, EverySourceThatThereIsPlaysAndIsUsedAgainAtOnceAndNoneMoreIsPromised)
 {
-    const auto file = MakeFile({10 * rateHz}, Constant(0.0625));
     OfflineRig rig(24);
     std::vector<SndChannel*> channels;
     for (int round = 0; round < 3; ++round) {
@@ -59,7 +58,7 @@ TEST(OpenALScarce, EverySourceThatThereIsPlaysAndIsUsedAgainAtOnceAndNoneMoreIsP
         for (SndChannel* const channel : std::exchange(channels, {})) {
             channel->Stop();
         }
-        while (SndChannel* const channel = rig.Create(*file)) {
+        while (SndChannel* const channel = rig.Create(rig.Make({10 * rateHz}, Constant(0.0625)))) {
             channel->Play();
             channels.push_back(channel);
         }
