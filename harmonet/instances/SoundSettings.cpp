@@ -15,7 +15,6 @@ namespace
 
 constexpr unsigned long minFrequencyHz = 100;
 constexpr unsigned long maxFrequencyHz = 100000;
-constexpr int defaultConeAxis = -3;
 
 } // namespace
 
@@ -159,7 +158,7 @@ Quaternion Sound::GetSoundOrientation(int id)
 
 void Sound::BindSoundAxisToDirection(int id, int axis)
 {
-    if (axis == defaultConeAxis)
+    if (axis == Snd3D::defaultAxis)
         return;
     if (Snd3D* sound = Find3D(id))
         sound->BindAxisToDirection(axis);

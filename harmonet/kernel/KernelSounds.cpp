@@ -89,10 +89,8 @@ void SndKernel::ForgetNewcomers()
     newcomers.clear();
 }
 
-void SndKernel::SetReason(SoundRow& row, SoundReason reason)
+void SndKernel::ChangeReason(SoundRow& row, SoundReason reason)
 {
-    if (row.reason == reason)
-        return;
     row.reason = reason;
     row.sound->reasonSince = clockMs;
 }
