@@ -206,6 +206,7 @@ private:
 
     bool IsLongEnough(const SndBase& sound) const;
     void EnterPlaying(SndBase& sound);
+    void PlayOnChannel(SndBase& sound, SndFile* file);
     void MarkStarted(SndBase& sound);
     std::int64_t GetGatheredMicroseconds() const;
     void ForgetNewcomers();
