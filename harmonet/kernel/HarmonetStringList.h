@@ -1,5 +1,8 @@
 // The key strings of the library, as HARMONET_STRING(name, text). Included where that is defined; it is what
 // HarmonetStrings declares and makes, in this order.
+#if !defined(HARMONET_STRING)
+#define HARMONET_STRING(name, text)
+#endif
 
 HARMONET_STRING(soundDefinition, "*SOUND_DEFINITION")
 HARMONET_STRING(file, "*FILE")
@@ -67,3 +70,5 @@ HARMONET_STRING(primaryFrequency, "SoundFrequency")
 HARMONET_STRING(maxSounds, "MaxSounds")
 HARMONET_STRING(streamLength, "StreamLength")
 HARMONET_STRING(cacheSize, "SoundCacheSize")
+
+#undef HARMONET_STRING

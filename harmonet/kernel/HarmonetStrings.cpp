@@ -7,13 +7,11 @@ namespace Quon
 // engine's string cache is gone leaves its text alone.
 #define HARMONET_STRING(name, text) PString HarmonetStrings::name;
 #include "harmonet/kernel/HarmonetStringList.h"
-#undef HARMONET_STRING
 
 void HarmonetStrings::Init()
 {
 #define HARMONET_STRING(name, text) name = PString(text);
 #include "harmonet/kernel/HarmonetStringList.h"
-#undef HARMONET_STRING
 }
 
 } // namespace Quon

@@ -20,7 +20,6 @@ public:
     // Each name and its text stand in HarmonetStringList.h alone.
 #define HARMONET_STRING(name, text) static PString name;
 #include "harmonet/kernel/HarmonetStringList.h"
-#undef HARMONET_STRING
 };
 
 } // namespace Quon
