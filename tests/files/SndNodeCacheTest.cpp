@@ -3,9 +3,9 @@
 #include "harmonet/files/SndNodeCache.h"
 
 #include <algorithm>
+#include <limits>
 #include <random>
 #include <tuple>
-#include <limits>
 
 using namespace Quon;
 

@@ -10,7 +10,6 @@
 #include <cmath>
 #include <filesystem>
 
-
 namespace Quon
 {
 namespace
