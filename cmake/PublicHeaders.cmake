@@ -17,11 +17,13 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/engine/Exception.h
     harmonet/engine/Export.h
     harmonet/engine/File.h
+    harmonet/engine/FileSource.h
     harmonet/engine/HostFile.h
     harmonet/engine/HostMemory.h
     harmonet/engine/IListNode.h
     harmonet/engine/ITree.h
     harmonet/engine/Matrix.h
+    harmonet/engine/Messages.h
     harmonet/engine/OS.h
     harmonet/engine/Options.h
     harmonet/engine/PString.h
@@ -54,7 +56,6 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/instances/Sound.h
     harmonet/instances/SoundObserver.h
     harmonet/instances/SoundReason.h
-    harmonet/kernel/HarmonetStringList.h
     harmonet/kernel/HarmonetStrings.h
     harmonet/kernel/HarmonetTask.h
     harmonet/kernel/QuonGetPlugins.h

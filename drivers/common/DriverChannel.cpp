@@ -1,5 +1,6 @@
 #include "drivers/common/DriverChannel.h"
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/output/SoundFormat.h"
 
 namespace Quon
@@ -17,6 +18,16 @@ bool IsPlayable(const SoundFormat& format)
     return format.GetBytesPerSample() >= 1 && format.GetBytesPerSample() <= maxBytesPerSample &&
         format.GetChannels() >= 1 && format.GetChannels() <= maxSignalChannels &&
         format.GetSampleFrequency() >= 1 && format.GetSampleFrequency() <= maxFileRateHz;
+}
+
+void ReportUnplayable(const SoundFormat* format)
+{
+    if (format) {
+        Report(MessageLevel::Error, "the driver cannot play ", format->GetChannels(), " channels of ",
+            format->GetBytesPerSample(), " bytes per sample at ", format->GetSampleFrequency(),
+            " Hz; the maximum is ", maxSignalChannels, " channels, ", maxBytesPerSample, " bytes and ",
+            maxFileRateHz, " Hz");
+    }
 }
 
 unsigned long ToMilliseconds(std::int64_t sampleFrames, int rateHz)

@@ -40,6 +40,9 @@ public:
 /// 768 000 Hz. Anything else comes from a broken or hostile file and gets no channel.
 bool IsPlayable(const SoundFormat& format);
 
+/// Writes the message for sound data that are not playable; null, no data at all, has none. Task thread.
+void ReportUnplayable(const SoundFormat* format);
+
 /// Whether SetFrequency() takes this rate; 0 stands for the file's own.
 inline bool IsRateAccepted(unsigned long hz)
 {

@@ -85,6 +85,7 @@ void NullDriver::SetRolloffFactor(float factor)
 SndChannel* NullDriver::CreateChannel(unsigned int flags, SndFile* file, SndFXList)
 {
     if (!file || !IsPlayable(*file)) {
+        ReportUnplayable(file);
         return nullptr;
     }
     NullChannel* const channel = FindFree();

@@ -1,5 +1,6 @@
 #include "drivers/openal/DriverOptions.h"
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/OS.h"
 
 #include <algorithm>

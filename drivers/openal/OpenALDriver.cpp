@@ -1,10 +1,13 @@
 #include "drivers/openal/OpenALDriver.h"
 
 #include "harmonet/definitions/SndFXList.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/files/SndFile.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+#include <cstring>
 #include <limits>
 
 namespace Quon
@@ -38,6 +41,8 @@ OpenALDriver::~OpenALDriver()
 bool OpenALDriver::Open(OS* os, const SoundFormat* format, int streamLength, bool)
 {
     if (!format || format->GetChannels() != outputChannels || format->GetSampleFrequency() <= 0) {
+        Quon::Report(
+            MessageLevel::Error, "OpenAL: the format of the output is not stereo at a rate above 0 Hz");
         return false;
     }
     options = ReadOptions(os);
@@ -56,15 +61,26 @@ bool OpenALDriver::Open(OS* os, const SoundFormat* format, int streamLength, boo
 bool OpenALDriver::OpenRendered(int rateHz)
 {
     if (!device.OpenLoopback(rateHz, options.hrtf)) {
+        Quon::Report(MessageLevel::Error, "OpenAL: no device to render with at ", rateHz,
+            " Hz; that takes OpenAL Soft with loopback devices");
         return false;
     }
     renderer = std::make_unique<OfflineRenderer>(device, voices, acoustics, options.renderThreads);
-    return renderer->Open(options.renderPath.GetText(), rateHz);
+    errno = 0;
+    const bool isOpen = renderer->Open(options.renderPath.GetText(), rateHz);
+    if (!isOpen) {
+        Quon::Report(MessageLevel::Error, "OpenAL: option OpenALRender=", options.renderPath.GetText(),
+            ": the file cannot be written: ", std::strerror(errno));
+    }
+    return isOpen;
 }
 
 bool OpenALDriver::OpenLive(int rateHz, int streamLength)
 {
     if (!device.OpenLive(rateHz, options.hrtf, !options.fallback)) {
+        Quon::Report(MessageLevel::Error,
+            "OpenAL: there is no output device, or the library is not OpenAL Soft; ",
+            "with OpenALFallback=1 the driver starts without a device");
         return false;
     }
     feeder = std::make_unique<Feeder>(device, voices, acoustics, streamLength / readAheadParts);
@@ -202,6 +218,7 @@ void OpenALDriver::SetRolloffFactor(float factor)
 SndChannel* OpenALDriver::CreateChannel(unsigned int flags, SndFile* file, SndFXList fx)
 {
     if (!file || !IsPlayable(*file)) {
+        ReportUnplayable(file);
         return nullptr;
     }
     for (const auto& channel : channels) {

@@ -7,13 +7,15 @@
 #include "harmonet/kernel/SoundSystem.h"
 
 #include <chrono>
+#include <cstdio>
 #include <thread>
 
 int main(int argumentCount, char** arguments)
 {
+    Quon::OS os;
+    os.SetMessageHook([](Quon::MessageLevel, const char* text, void*) { std::puts(text); });
     if (argumentCount != 3 || !Quon::File::AddRoot("", arguments[1]))
         return 1;
-    Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetOpenAL,HarmonetNull");
     Quon::SoundSystem system;
     if (!system.Init(&os, false))

@@ -1,9 +1,11 @@
 #include "harmonet/definitions/SoundDefResource.h"
 
+#include "harmonet/definitions/DefinitionMessages.h"
 #include "harmonet/definitions/DefinitionReport.h"
 #include "harmonet/definitions/EffectKeywords.h"
 #include "harmonet/engine/BlockReader.h"
 #include "harmonet/engine/File.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/kernel/HarmonetStrings.h"
 
 #include <cstring>
@@ -130,6 +132,7 @@ Result SoundDefResource::LoadTxt(const ResourceDatabase*, char* path) const
 {
     fxList.Clear();
     FreePolyline();
+    const DefinitionMessages messages(listener, GetOwnerName(), path);
     DefinitionReport report(listener);
     File file;
     const Result opened = file.Open(GetOwnerName(), path, File::modeRead);
@@ -138,6 +141,10 @@ Result SoundDefResource::LoadTxt(const ResourceDatabase*, char* path) const
         if (opened.GetCode() == File::Empty) {
             Init();
             report.OnFault(DefinitionFault::NoDefinition);
+        }
+        else {
+            Report(MessageLevel::Error, "definition '", path, "' of owner '", GetOwnerName(), "' ",
+                File::DescribeCode(opened.GetCode()));
         }
         return Result(LoadFailed);
     }

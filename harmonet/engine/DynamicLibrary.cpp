@@ -1,6 +1,7 @@
 #include "harmonet/engine/DynamicLibrary.h"
 
 #include "harmonet/engine/LibraryImage.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/NativeLibrary.h"
 
 #include <string_view>
@@ -25,6 +26,9 @@ bool DynamicLibrary::Open(const char* name)
         return false;
     }
     if (std::string_view(name).find_first_of(NativeLibrary::GetSeparators()) != std::string_view::npos) {
+        if (!NativeLibrary::Exists(name)) {
+            Report(MessageLevel::Warning, "library '", name, "' is not there");
+        }
         return OpenFile(name);
     }
     // The loader is asked last, and not about a file that was found and refused: it could find the same one
@@ -72,12 +76,22 @@ EngineVector<EngineString> DynamicLibrary::Places() const
 
 bool DynamicLibrary::OpenFile(const EngineString& path)
 {
-    return IsWholeLibraryImage(path.c_str()) && Load(path.c_str());
+    if (IsWholeLibraryImage(path.c_str())) {
+        return Load(path.c_str());
+    }
+    if (NativeLibrary::Exists(path.c_str())) {
+        Report(MessageLevel::Warning, "library '", path, "' is no library, or only the first part of one");
+    }
+    return false;
 }
 
 bool DynamicLibrary::Load(const char* path)
 {
     handle = NativeLibrary::Load(path);
+    if (handle == nullptr && Messages::AreWanted()) {
+        Report(MessageLevel::Warning, "library '", path,
+            "' cannot be loaded: ", NativeLibrary::DescribeFailure());
+    }
     return handle != nullptr;
 }
 

@@ -4,8 +4,10 @@
 #include "harmonet/engine/FileRoots.h"
 #include "harmonet/engine/NativeFile.h"
 #include "harmonet/engine/NativePath.h"
+#include "harmonet/engine/SourceFile.h"
 
 #include <limits>
+#include <utility>
 
 namespace Quon
 {
@@ -31,6 +33,11 @@ bool File::AddRoot(const PString& owner, const char* folder)
     return FileRoots::Get().Add(owner, folder);
 }
 
+bool File::AddRoot(const PString& owner, std::shared_ptr<FileSource> source)
+{
+    return FileRoots::Get().Add(owner, std::move(source));
+}
+
 void File::RemoveRoot(const PString& owner)
 {
     FileRoots::Get().Remove(owner);
@@ -45,9 +52,13 @@ PString File::FoldName(const PString& name)
 
 Result File::GetStamp(const PString& owner, const char* name, FileStamp& stamp)
 {
-    EngineString path;
-    const Result resolved = FileRoots::Get().Resolve(owner, name, path);
-    return resolved.IsOk() ? NativeFile::GetStamp(path, stamp) : resolved;
+    FileRoots::Place place;
+    const Result resolved = FileRoots::Get().Resolve(owner, name, place);
+    if (!resolved.IsOk()) {
+        return resolved;
+    }
+    return place.source != nullptr ? SourceFile::GetStamp(*place.source, place.path, stamp)
+                                   : NativeFile::GetStamp(place.path, stamp);
 }
 
 Result File::Open(const PString& owner, const char* name, unsigned long mode)
@@ -56,14 +67,20 @@ Result File::Open(const PString& owner, const char* name, unsigned long mode)
     if (mode != modeRead) {
         return BadMode;
     }
-    EngineString path;
-    const Result resolved = FileRoots::Get().Resolve(owner, name, path);
-    return resolved.IsOk() ? NativeFile::Open(path, handle) : resolved;
+    FileRoots::Place place;
+    const Result resolved = FileRoots::Get().Resolve(owner, name, place);
+    if (!resolved.IsOk()) {
+        return resolved;
+    }
+    return place.source != nullptr ? SourceFile::Open(place.source, place.path, sourceFile)
+                                   : NativeFile::Open(place.path, handle);
 }
 
 unsigned long File::Seek(long offset, FileSeek origin)
 {
-    const std::int64_t position = IsOpen() ? NativeFile::Seek(handle, offset, origin) : -1;
+    const std::int64_t position = sourceFile != nullptr ? sourceFile->Seek(offset, origin)
+        : IsOpen()                                      ? NativeFile::Seek(handle, offset, origin)
+                                                        : -1;
     const bool isKnown = position >= 0 && static_cast<std::uint64_t>(position) < seekFailed;
     return isKnown ? static_cast<unsigned long>(position) : seekFailed;
 }
@@ -73,13 +90,16 @@ unsigned long File::Read(void* buffer, unsigned long size, unsigned long count)
     if (!IsOpen() || (count != 0 && size > std::numeric_limits<unsigned long>::max() / count)) {
         return 0;
     }
-    return static_cast<unsigned long>(NativeFile::Read(handle, buffer, size * count));
+    const std::size_t bytes = size * count;
+    return static_cast<unsigned long>(
+        sourceFile != nullptr ? sourceFile->Read(buffer, bytes) : NativeFile::Read(handle, buffer, bytes));
 }
 
 unsigned long File::Close()
 {
-    const bool isClosed = !IsOpen() || NativeFile::Close(handle);
+    const bool isClosed = handle == NativeFile::noHandle || NativeFile::Close(handle);
     handle = NativeFile::noHandle;
+    sourceFile.reset();
     knownSize = sizeUnknown;
     return isClosed ? 0 : 1;
 }
@@ -87,12 +107,38 @@ unsigned long File::Close()
 unsigned long File::Size() const
 {
     if (knownSize == sizeUnknown) {
-        knownSize = IsOpen() ? NativeFile::GetLength(handle) : sizeUnknown;
+        knownSize = sourceFile != nullptr ? sourceFile->GetLength()
+            : IsOpen()                    ? NativeFile::GetLength(handle)
+                                          : sizeUnknown;
     }
     if (knownSize == sizeUnknown) {
         throw FileEx(sizeFailedFile, sizeFailedLine, "Size() failed to get file length");
     }
     return static_cast<unsigned long>(knownSize);
+}
+
+const char* File::DescribeCode(int openCode)
+{
+    switch (openCode) {
+    case NoRoot:
+        return "has no root: none was added for its owner, or the folder is gone";
+    case BadName:
+        return "has a name that no file can have";
+    case OutsideRoot:
+        return "lies outside its root";
+    case NotFound:
+        return "is not there";
+    case NotAFile:
+        return "is not a regular file";
+    case NotReadable:
+        return "may not be read";
+    case Empty:
+        return "is empty";
+    case TooLarge:
+        return "has 2 GiB or more";
+    default:
+        return "cannot be opened";
+    }
 }
 
 } // namespace Quon

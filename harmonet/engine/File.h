@@ -5,18 +5,23 @@
 #include "harmonet/engine/Result.h"
 
 #include <cstdint>
+#include <memory>
 
-/// Reading a file below one of the folders that the host has opened to the system.
+/// Reading a file below one of the roots that the host has opened to the system.
 ///
 /// File names come from definitions, and those from outside. So a name is always looked up below an owner,
-/// which stands for a root folder that the host has given with AddRoot(), and a name that would leave that
-/// folder is refused. A name may contain folders, separated by `/` or `\`.
+/// which stands for a root that the host has given with AddRoot(): a folder, or a source of the host's own
+/// (FileSource.h). A name that would leave the root is refused. A name may contain folders, separated by `/`
+/// or `\`.
 ///
 /// A File belongs to whoever made it. Seek(), Read() and Size() may be called from any thread, one at a time;
 /// the rest is for the task thread.
 
 namespace Quon
 {
+
+class FileSource;
+class SourceFile;
 
 enum class FileSeek
 {
@@ -80,6 +85,9 @@ public:
     /// no change, if there is no such folder. Files that are open stay open.
     static bool AddRoot(const PString& owner, const char* folder);
 
+    /// Gives the owner a source of the host's own as its root, with all else as above. False only for null.
+    static bool AddRoot(const PString& owner, std::shared_ptr<FileSource> source);
+
     /// Takes the owner's root away. Does nothing if there is none.
     static void RemoveRoot(const PString& owner);
 
@@ -110,14 +118,18 @@ public:
     /// FileEx if the system does not tell, which is always so when nothing is open.
     unsigned long Size() const;
 
-    /// The handle of the operating system is valid.
-    bool IsOpen() const { return handle != closedHandle; }
+    bool IsOpen() const { return handle != closedHandle || sourceFile != nullptr; }
+
+    /// What one of the codes above means, as the end of a sentence that begins with the file: "is not there".
+    static const char* DescribeCode(int openCode);
 
 private:
     static constexpr std::int64_t sizeUnknown = -1;
     static constexpr std::intptr_t closedHandle = -1;
 
+    /// One of the two is set while a file is open.
     std::intptr_t handle = closedHandle;
+    std::unique_ptr<SourceFile> sourceFile;
     mutable std::int64_t knownSize = sizeUnknown;
 };
 

@@ -1,12 +1,34 @@
 #include "harmonet/engine/FileRoots.h"
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/NativePath.h"
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace Quon
 {
+
+namespace
+{
+
+/// A name as sources get it: parts separated by `/`, without those that mean nothing.
+EngineString PlainName(std::string_view name)
+{
+    EngineString plain;
+    while (!name.empty()) {
+        const std::size_t length = std::min(name.find_first_of("/\\"), name.size());
+        const std::string_view part = name.substr(0, length);
+        if (!part.empty() && part != ".") {
+            plain.append(plain.empty() ? "" : "/").append(part);
+        }
+        name.remove_prefix(std::min(length + 1, name.size()));
+    }
+    return plain;
+}
+
+} // namespace
 
 FileRoots& FileRoots::Get()
 {
@@ -18,11 +40,24 @@ bool FileRoots::Add(const PString& owner, const char* folder)
 {
     const EngineString canonical = folder != nullptr ? NativePath::FindFolder(folder) : EngineString();
     if (canonical.empty()) {
+        Report(MessageLevel::Error, "folder '", folder != nullptr ? folder : "",
+            "', which is to be a root, is not there");
         return false;
     }
     const std::lock_guard lock(mutex);
     RemoveLocked(owner);
-    roots.push_back({owner, canonical});
+    roots.push_back({owner, canonical, nullptr});
+    return true;
+}
+
+bool FileRoots::Add(const PString& owner, std::shared_ptr<FileSource> source)
+{
+    if (source == nullptr) {
+        return false;
+    }
+    const std::lock_guard lock(mutex);
+    RemoveLocked(owner);
+    roots.push_back({owner, EngineString(), std::move(source)});
     return true;
 }
 
@@ -37,19 +72,19 @@ void FileRoots::RemoveLocked(const PString& owner)
     roots.remove_if([&owner](const Root& root) { return root.owner == owner; });
 }
 
-bool FileRoots::FindFolder(const PString& owner, EngineString& folder) const
+bool FileRoots::Find(const PString& owner, Root& root) const
 {
     const std::lock_guard lock(mutex);
-    const auto found =
-        std::find_if(roots.begin(), roots.end(), [&owner](const Root& root) { return root.owner == owner; });
+    const auto found = std::find_if(
+        roots.begin(), roots.end(), [&owner](const Root& known) { return known.owner == owner; });
     if (found == roots.end()) {
         return false;
     }
-    folder = found->folder;
+    root = *found;
     return true;
 }
 
-Result FileRoots::Resolve(const PString& owner, const char* name, EngineString& path) const
+Result FileRoots::Resolve(const PString& owner, const char* name, Place& place) const
 {
     if (name == nullptr || *name == '\0') {
         return File::BadName;
@@ -58,8 +93,16 @@ Result FileRoots::Resolve(const PString& owner, const char* name, EngineString& 
     if (!checked.IsOk()) {
         return checked;
     }
-    EngineString root;
-    return FindFolder(owner, root) ? NativePath::Resolve(root, name, path) : Result(File::NoRoot);
+    Root root;
+    if (!Find(owner, root)) {
+        return File::NoRoot;
+    }
+    if (root.source == nullptr) {
+        return NativePath::Resolve(root.folder, name, place.path);
+    }
+    place.path = PlainName(name);
+    place.source = std::move(root.source);
+    return place.path.empty() ? File::NotAFile : File::Opened;
 }
 
 } // namespace Quon

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "harmonet/engine/File.h"
+#include "harmonet/engine/FileSource.h"
 
 #include <list>
+#include <memory>
 #include <mutex>
 
-/// The root folders that the host has given, and the one place where a file name becomes a path of the
-/// operating system. Internal to the engine; any thread may call it.
+/// The roots that the host has given, and the one place where a file name becomes a path of the operating
+/// system, or a name in a source of the host's. Internal to the engine; any thread may call it.
 
 namespace Quon
 {
@@ -14,26 +16,37 @@ namespace Quon
 class FileRoots
 {
 public:
+    /// Where a file is.
+    struct Place
+    {
+        EngineString path; ///< Of the operating system, or in the source.
+        std::shared_ptr<FileSource> source; ///< Null for a file of the operating system.
+    };
+
     static FileRoots& Get();
 
     /// False, and no change, if there is no such folder.
     bool Add(const PString& owner, const char* folder);
+    /// False, and no change, for null.
+    bool Add(const PString& owner, std::shared_ptr<FileSource> source);
     void Remove(const PString& owner);
 
     /// Finds the path of the file, with all symbolic links followed, and makes sure that it lies below the
-    /// owner's root. The result is one of File::OpenCode; the path is set with 0 only.
-    Result Resolve(const PString& owner, const char* name, EngineString& path) const;
+    /// owner's root. Of a source the name alone is looked at. The result is one of File::OpenCode; the place
+    /// is set with 0 only.
+    Result Resolve(const PString& owner, const char* name, Place& place) const;
 
 private:
     struct Root
     {
         PString owner;
-        /// As NativePath::FindFolder() gives it.
+        /// As NativePath::FindFolder() gives it; empty for a source.
         EngineString folder;
+        std::shared_ptr<FileSource> source;
     };
 
     void RemoveLocked(const PString& owner);
-    bool FindFolder(const PString& owner, EngineString& folder) const;
+    bool Find(const PString& owner, Root& root) const;
 
     /// Guards the list.
     mutable std::mutex mutex;

@@ -24,6 +24,9 @@ bool Exists(const char* path);
 /// searched for by the platform's own rules. Shows no message.
 void* Load(const char* path);
 
+/// Why the last Load() failed, in words of the platform. Right after it only.
+EngineString DescribeFailure();
+
 void Unload(void* handle);
 
 /// Null if the library has no such symbol.

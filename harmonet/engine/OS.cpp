@@ -10,7 +10,10 @@ OS::OS()
     PStringCache::Get();
 }
 
-OS::~OS() = default;
+OS::~OS()
+{
+    Messages::SetHook(this, nullptr, nullptr);
+}
 
 Options* OS::GetOptions() const
 {
@@ -27,6 +30,11 @@ void OS::AddDriverFolder(const char* folder)
     if (folder != nullptr && *folder != '\0') {
         driverFolders.emplace_back(folder);
     }
+}
+
+void OS::SetMessageHook(MessageHook hook, void* user)
+{
+    Messages::SetHook(this, hook, user);
 }
 
 } // namespace Quon

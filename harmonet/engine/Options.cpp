@@ -1,6 +1,7 @@
 #include "harmonet/engine/Options.h"
 
 #include "harmonet/engine/HostFile.h"
+#include "harmonet/engine/Messages.h"
 
 #include <algorithm>
 #include <charconv>
@@ -76,7 +77,11 @@ void Options::Set(const char* key, const char* text)
 
 bool Options::SetFromText(const char* keyAndValue)
 {
-    return SetFromLine(View(keyAndValue));
+    const bool isSet = SetFromLine(View(keyAndValue));
+    if (!isSet) {
+        Report(MessageLevel::Error, "option '", View(keyAndValue), "' does not have the form Key=Value");
+    }
+    return isSet;
 }
 
 bool Options::SetFromLine(std::string_view line)
@@ -105,10 +110,15 @@ bool Options::ReadFile(const char* path, int* badLine)
             const std::size_t length = std::min(rest.find('\n'), rest.size());
             const std::string_view line = Trimmed(rest.substr(0, length));
             rest.remove_prefix(std::min(length + 1, rest.size()));
-            if (!IsIdle(line) && !SetFromLine(line) && firstBadLine == 0) {
-                firstBadLine = lineNumber;
+            if (!IsIdle(line) && !SetFromLine(line)) {
+                Report(MessageLevel::Warning, "option file '", path, "', line ", lineNumber, ": '", line,
+                    "' does not have the form Key=Value");
+                firstBadLine = firstBadLine == 0 ? lineNumber : firstBadLine;
             }
         }
+    }
+    else {
+        Report(MessageLevel::Error, "option file '", View(path), "' cannot be read, or is larger than 1 MiB");
     }
     if (badLine != nullptr) {
         *badLine = firstBadLine;
@@ -127,10 +137,10 @@ bool Options::ReadCommandLine(int argumentCount, const char* const* arguments)
         }
         if (argument == commandLineOption) {
             ++i;
-            allGood = i < argumentCount && SetFromText(arguments[i]) && allGood;
+            allGood = SetFromText(i < argumentCount ? arguments[i] : nullptr) && allGood;
         }
         else if (argument.starts_with(commandLineOption) && argument[commandLineOption.size()] == '=') {
-            allGood = SetFromLine(argument.substr(commandLineOption.size() + 1)) && allGood;
+            allGood = SetFromText(arguments[i] + commandLineOption.size() + 1) && allGood;
         }
     }
     return allGood;
@@ -139,8 +149,8 @@ bool Options::ReadCommandLine(int argumentCount, const char* const* arguments)
 bool Options::Get(const char* key, int& value, int defaultValue) const
 {
     value = defaultValue;
-    const Entry* const entry = Find(View(key));
-    if (entry == nullptr || !entry->isSet) {
+    const Entry* const entry = Read(View(key));
+    if (entry == nullptr) {
         return false;
     }
     std::string_view number = Trimmed(entry->text);
@@ -150,6 +160,8 @@ bool Options::Get(const char* key, int& value, int defaultValue) const
     int read = 0;
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), read);
     if (error != std::errc() || end != number.data() + number.size()) {
+        Report(MessageLevel::Warning, "option ", key, "=", entry->text,
+            ": expected a whole number of 32 bits; it takes the default ", defaultValue);
         return false;
     }
     value = read;
@@ -158,10 +170,9 @@ bool Options::Get(const char* key, int& value, int defaultValue) const
 
 bool Options::Get(const char* key, String& value, const char* defaultValue) const
 {
-    const Entry* const entry = Find(View(key));
-    const bool isSet = entry != nullptr && entry->isSet;
-    value.Set(isSet ? entry->text.c_str() : defaultValue);
-    return isSet;
+    const Entry* const entry = Read(View(key));
+    value.Set(entry != nullptr ? entry->text.c_str() : defaultValue);
+    return entry != nullptr;
 }
 
 void Options::SetSeperators(const char* key, const char* separators)
@@ -176,8 +187,8 @@ void Options::SetSeperators(const char* key, const char* separators)
 
 bool Options::GetNext(const char* key, String& value) const
 {
-    const Entry* const entry = Find(View(key));
-    if (entry == nullptr || !entry->isSet) {
+    const Entry* const entry = Read(View(key));
+    if (entry == nullptr) {
         return false;
     }
     const std::string_view text = entry->text;
@@ -194,11 +205,22 @@ bool Options::GetNext(const char* key, String& value) const
     return false;
 }
 
-const Options::Entry* Options::Find(std::string_view key) const
+void Options::ReportUnread() const
+{
+    for (const Entry& entry : entries) {
+        if (entry.isSet && !entry.wasRead) {
+            Report(MessageLevel::Note, "option ", entry.key, "=", entry.text,
+                ": nothing has asked for an option of this name so far");
+        }
+    }
+}
+
+const Options::Entry* Options::Read(std::string_view key) const
 {
     for (const Entry& entry : entries) {
         if (entry.key == key) {
-            return &entry;
+            entry.wasRead = true;
+            return entry.isSet ? &entry : nullptr;
         }
     }
     return nullptr;

@@ -57,6 +57,10 @@ public:
     /// the last, \p value being unchanged, and so until SetSeperators() or Set() begins anew.
     bool GetNext(const char* key, String& value) const;
 
+    /// Writes a note (Messages.h) for each option that is set and that nobody has asked for yet: its name may
+    /// be misspelt. SoundSystem::Init() does this at its end.
+    void ReportUnread() const;
+
 private:
     struct Entry
     {
@@ -64,10 +68,12 @@ private:
         EngineString text;
         EngineString separators;
         bool isSet = false;
+        mutable bool wasRead = false;
         mutable std::size_t walkPosition = 0;
     };
 
-    const Entry* Find(std::string_view key) const;
+    /// The entry, if it is set, noted as read; else null.
+    const Entry* Read(std::string_view key) const;
     Entry& FindOrAdd(std::string_view key);
     bool SetFromLine(std::string_view line);
 

@@ -31,9 +31,16 @@ ResourceDatabase::~ResourceDatabase()
 
 bool ResourceDatabase::AddFolder(const PString& owner, const char* folder)
 {
-    if (!File::AddRoot(owner, folder)) {
-        return false;
-    }
+    return File::AddRoot(owner, folder) && AddOwner(owner);
+}
+
+bool ResourceDatabase::AddFolder(const PString& owner, std::shared_ptr<FileSource> source)
+{
+    return File::AddRoot(owner, std::move(source)) && AddOwner(owner);
+}
+
+bool ResourceDatabase::AddOwner(const PString& owner)
+{
     if (std::find(owners.begin(), owners.end(), owner) == owners.end()) {
         owners.push_back(owner);
     }

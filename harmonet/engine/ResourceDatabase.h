@@ -4,6 +4,7 @@
 #include "harmonet/engine/PString.h"
 
 #include <list>
+#include <memory>
 #include <unordered_map>
 
 /// Finds resources by name in the folders that the host has given, and keeps them. The host owns it and
@@ -13,6 +14,7 @@
 namespace Quon
 {
 
+class FileSource;
 class Resource;
 class ResourceTypeBase;
 
@@ -40,6 +42,9 @@ public:
     /// such folder.
     bool AddFolder(const PString& owner, const char* folder);
 
+    /// The same with a source of the host's own instead of a folder (FileSource.h). False only for null.
+    bool AddFolder(const PString& owner, std::shared_ptr<FileSource> source);
+
     /// Looks at the files of all resources. One that has changed is loaded again at the next Lock(), or after
     /// the last Unlock() if it is locked now. A resource whose file is gone keeps its content while it is
     /// held. Blocks on the disk.
@@ -57,6 +62,7 @@ private:
     using Resources = std::unordered_map<PString, Resource*, std::hash<PString>, std::equal_to<PString>,
         EngineAllocator<std::pair<const PString, Resource*>>>;
 
+    bool AddOwner(const PString& owner);
     static void Delete(Resource* resource);
     /// The type for that file name, or null.
     static const ResourceTypeBase* FindType(const PString& name);

@@ -1,6 +1,8 @@
 #include "harmonet/files/SndFile.h"
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/files/BufferOwner.h"
+#include "harmonet/files/Refusal.h"
 #include "harmonet/files/RiffWalk.h"
 #include "harmonet/files/SndFileAdpcm.h"
 #include "harmonet/files/SndFileCache.h"
@@ -90,8 +92,11 @@ SndFileCache* SndFile::sndFileCache = nullptr;
 
 SndFile* SndFile::OpenFile(const PString& substName, const PString& fileName)
 {
-    if (sndFileCache == nullptr)
+    if (sndFileCache == nullptr) {
+        Report(MessageLevel::Error, "sound file '", fileName,
+            "' cannot be opened: no sound system and no SndFileService is running");
         return nullptr;
+    }
     HandleUse use(*sndFileCache, sndFileCache->Acquire(substName, fileName));
     if (use.Get() == nullptr)
         return nullptr;
@@ -99,6 +104,8 @@ SndFile* SndFile::OpenFile(const PString& substName, const PString& fileName)
         [&use](SndFile& reader) { return reader.OpenHandle(use.Get()); });
     if (file != nullptr)
         use.HandOver();
+    else if (Messages::AreWanted())
+        Report(MessageLevel::Error, "sound file '", fileName, "' ", DescribeRefusal(*use.Get()));
     return file;
 }
 
@@ -110,10 +117,12 @@ SndFile* SndFile::OpenFile(SndNode* node)
 
 SndFile* SndFile::OpenFile(void* data, unsigned long size, WaveFormatEx* format)
 {
-    if (ProbeFormat(format) != FileWav)
-        return nullptr;
     auto file = std::make_unique<SndFileWav>();
-    return file->OpenMemory(data, size, format) ? file.release() : nullptr;
+    if (ProbeFormat(format) == FileWav && file->OpenMemory(data, size, format))
+        return file.release();
+    if (Messages::AreWanted())
+        Report(MessageLevel::Error, "a block of memory ", DescribeRefusal(format, data, size));
+    return nullptr;
 }
 
 void SndFile::SetSndFileCache(SndFileCache* cache)

@@ -1,5 +1,6 @@
 #include "harmonet/files/SndFileCache.h"
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/Options.h"
 #include "harmonet/files/SndFileHandle.h"
 
@@ -20,8 +21,12 @@ SndFileHandle* SndFileCache::Acquire(const PString& substName, const PString& fi
         return known;
     }
     std::unique_ptr<SndFileHandle> opened(new SndFileHandle(*this, substName, fileName));
-    if (!opened->file.Open(substName, fileName.GetText(), File::modeRead).IsOk())
+    const Result result = opened->file.Open(substName, fileName.GetText(), File::modeRead);
+    if (!result.IsOk()) {
+        Report(MessageLevel::Error, "sound file '", fileName, "' of owner '", substName, "' ",
+            File::DescribeCode(result.GetCode()));
         return nullptr;
+    }
     opened->LinkBefore(handles);
     ++count;
     return opened.release();
@@ -45,6 +50,8 @@ void SndFileCache::ReadOptions(const Options& options)
 {
     int value = 0;
     options.Get("MpegStandard", value, 0);
+    if (value != 0 && value != 1)
+        Report(MessageLevel::Warning, "option MpegStandard=", value, ": expected 0 or 1; it takes 0");
     SetMpegStandard(value == 1);
 }
 

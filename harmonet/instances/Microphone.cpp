@@ -1,6 +1,7 @@
 #include "harmonet/instances/Microphone.h"
 
 #include "harmonet/engine/Matrix.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/Quaternion.h"
 #include "harmonet/instances/Axes.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -156,6 +157,8 @@ bool Microphone::SetFXEnvReverb(const FXEnvReverb* reverb, long quality, unsigne
     envReverbArg = argument;
     SndDriver* driver = active ? GetDriver() : nullptr;
     hasFXEnvReverb = !driver || driver->SetFXEnvReverb(reverb, quality, argument);
+    if (!hasFXEnvReverb)
+        Report(MessageLevel::Warning, "the driver refuses the room of a microphone");
     return hasFXEnvReverb;
 }
 

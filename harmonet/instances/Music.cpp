@@ -1,6 +1,7 @@
 #include "harmonet/instances/Music.h"
 
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/instances/TakenResource.h"
@@ -69,11 +70,15 @@ bool Music::FadeIn(const PString& name, int ms, bool loop)
 
 bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool loop)
 {
-    if (!theKernel || !theKernel->AcceptsSounds())
+    if (!theKernel || !theKernel->AcceptsSounds()) {
+        Report(MessageLevel::Error, "music '", name, "' is not started: the sound system is not running");
         return false;
+    }
     SndBase* instance = FindLive();
-    if (instance && instance->GetSndChannel())
+    if (instance && instance->GetSndChannel()) {
+        Report(MessageLevel::Error, "music '", name, "' is not started: this Music object plays already");
         return false;
+    }
     const bool isNew = !instance;
     if (isNew)
         instance = OrNothing([] { return new SndBase(true); });

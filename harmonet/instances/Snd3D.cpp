@@ -126,20 +126,14 @@ void Snd3D::Play(SndFile* file)
     SndBase::Play(file);
 }
 
-void Snd3D::UpdatePlace()
+void Snd3D::CalcDistSqr(const Vector3& listener)
 {
     if (globalPositionStale)
         RecalculateGlobalBoundingCenter();
     SoundRow& row = Row();
     row.place = globalPosition;
     row.SetMark(RowPlaceKnown, true);
-}
-
-void Snd3D::CalcDistSqr(const Vector3& listener)
-{
-    if (!Row().HasMark(RowPlaceKnown))
-        Snd3D::UpdatePlace();
-    MeasureDistance(Row(), listener);
+    MeasureDistance(row, listener);
 }
 
 bool Snd3D::SndUpdate(float seconds, const Vector3& listener, bool listenerMoved)

@@ -90,9 +90,6 @@ public:
     /// These two are for positional sounds; here they return false.
     virtual bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties);
     virtual bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* properties);
-    /// Works out the place in the world, so that the next CalcDistSqr() has it. Does nothing for a sound that
-    /// has no place.
-    virtual void UpdatePlace();
 
     /// Lets the channel fall to silence over `ms` milliseconds and then ends the sound; its file goes with
     /// the fading channel. Without a channel the instance is deleted at once and the result is false: the
@@ -297,7 +294,7 @@ private:
     void StartCounting();
     void NoteRate();
     void CatchUpFile() const;
-    void CountLoop(std::uint32_t samples);
+    bool CountLoop(std::uint32_t samples);
     bool AdvanceEmulated(std::uint32_t samples);
     bool AdvanceLooping(int samples);
     bool AdvanceAlongQueue(int samples);
@@ -326,7 +323,6 @@ private:
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t startSerial = 0; ///< Which start of a sound this was; 0 before the first.
     std::uint32_t tablePlace = noTablePlace; ///< Where it stands in the kernel's table.
-    int countedSamples = 0; ///< While Row() counts: how many the file has.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the present reason was given.
 
 protected:

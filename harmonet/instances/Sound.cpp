@@ -3,6 +3,7 @@
 #include "harmonet/instances/Sound.h"
 
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/files/BufferOwner.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/OrNothing.h"
@@ -133,7 +134,11 @@ void Sound::OnBufferFree(int soundID, void* buffer)
 
 bool Sound::CanMakeSounds() const
 {
-    return theKernel && theKernel->AcceptsSounds() && !closing;
+    if (theKernel && theKernel->AcceptsSounds() && !closing)
+        return true;
+    Report(MessageLevel::Error, "a sound cannot be made: ",
+        theKernel ? "the sound system or its group is being stopped" : "the sound system is not running");
+    return false;
 }
 
 int Sound::AddSound(SndBase* instance)

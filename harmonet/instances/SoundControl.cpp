@@ -1,6 +1,7 @@
 // How a group starts, stops and continues its sounds.
 
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/Particle.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/files/SndNodeCache.h"
@@ -16,6 +17,10 @@ namespace Quon
 
 namespace
 {
+
+constexpr const char* notStarted = "is not started";
+constexpr const char* notContinued = "is not continued";
+constexpr const char* notQueued = "it has ended, loops, or was started without StartQueued";
 
 constexpr int lookupMode = 2;
 
@@ -59,6 +64,11 @@ void ApplyStartFlags(SndBase& sound, int flags)
         sound.AddFlags(FlagDisableMicFX);
 }
 
+void ReportRefused(int id, const char* what, const char* reason)
+{
+    Report(MessageLevel::Error, "sound ", id, " ", what, ": ", reason);
+}
+
 // A sound that was started without StartQueued has no place for more data.
 bool MayAppend(const SndBase& sound)
 {
@@ -92,6 +102,8 @@ bool Append(SndBase& sound, SndFile* file)
     if (!file)
         return false;
     if (!HaveSameForm(*file, *sound.GetSndFile())) {
+        ReportRefused(sound.GetSoundID(), notContinued,
+            "the data have another rate, width or number of channels than those it continues");
         delete file;
         return false;
     }
@@ -105,19 +117,21 @@ bool Append(SndBase& sound, SndFile* file)
 bool Sound::StartSound(int id, int flags)
 {
     SndBase* sound = FindSound(id);
-    return sound && StartSound(*sound, flags);
-}
-
-bool Sound::StartSound(SndBase& sound, int flags)
-{
-    if (sound.IsBeingTold() || sound.IsPlaying() || sound.GetSndChannel())
+    // A sound that could not be made has its message.
+    if (!sound && id == 0)
         return false;
-    if ((flags & StartLooping) && sound.HasAnyFlag(FlagQueued))
+    if (!sound || sound->IsBeingTold() || sound->IsPlaying() || sound->GetSndChannel()) {
+        ReportRefused(id, notStarted, sound ? "it plays already, or is ending" : "it has ended");
         return false;
-    ApplyStartFlags(sound, flags);
+    }
+    if ((flags & StartLooping) && sound->HasAnyFlag(FlagQueued)) {
+        ReportRefused(id, notStarted, "a sound with a queue cannot loop");
+        return false;
+    }
+    ApplyStartFlags(*sound, flags);
     return OrNothing([&] {
-        return sound.IsPolyline() ? StartPolyline(static_cast<SndPolyline&>(sound))
-                                  : theKernel->PlaySound(&sound);
+        return sound->IsPolyline() ? StartPolyline(static_cast<SndPolyline&>(*sound))
+                                   : theKernel->PlaySound(sound);
     });
 }
 
@@ -146,80 +160,83 @@ bool Sound::FadeOutSound(int id, unsigned int ms)
 
 int Sound::Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay)
 {
-    return Play(New2DSound(name, db), flags, priority, delay, [](SndBase&) {});
+    return SetUpAndStart(New2DSound(name, db), flags, priority, delay);
 }
 
 int Sound::Play2DSound(
     void* data, unsigned long size, WaveFormatEx* format, int flags, int priority, int delay)
 {
-    return Play(New2DSound(data, size, format), flags, priority, delay, [](SndBase&) {});
+    return SetUpAndStart(New2DSound(data, size, format), flags, priority, delay);
 }
 
 int Sound::Play3DSound(Particle* parent, const PString& nodeName, const PString& name,
     const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay)
 {
     const int id = New3DSound(name, db);
-    if (id != 0 && !AttachSound(id, parent, nodeName)) {
+    if (id == 0)
+        return 0;
+    if (!AttachSound(id, parent, nodeName)) {
+        Report(MessageLevel::Error, "sound '", name, "' is not started: its node '", nodeName,
+            "' is not below the parent, or there is no parent");
         DeleteSound(id);
         return 0;
     }
-    return Play(id, flags, priority, delay,
-        [&](SndBase& sound) { ApplySettings(static_cast<Snd3D&>(sound), settings); });
+    SetUp(id, priority, delay);
+    ApplySettings(id, settings);
+    return StartOrDelete(id, flags);
 }
 
 int Sound::Play3DSound(const Vector3& position, const Quaternion& orientation, const PString& name,
     const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay)
 {
-    return Play(New3DSound(name, db), flags, priority, delay, [&](SndBase& sound) {
-        auto& placed = static_cast<Snd3D&>(sound);
-        ApplySettings(placed, settings);
-        if (placed.IsPolyline())
-            return;
-        placed.SetPosition(position);
-        placed.SetOrientation(orientation);
-    });
+    const int id = New3DSound(name, db);
+    SetUp(id, priority, delay);
+    ApplySettings(id, settings);
+    SetSoundPosition(id, position);
+    SetSoundOrientation(id, orientation);
+    return StartOrDelete(id, flags);
 }
 
 int Sound::Play3DSound(const Vector3& position, const PString& name, const ResourceDatabase* db, int flags,
     int priority, const Settings& settings, int delay)
 {
-    return Play(New3DSound(name, db), flags, priority, delay, [&](SndBase& sound) {
-        auto& placed = static_cast<Snd3D&>(sound);
-        ApplySettings(placed, settings);
-        if (!placed.IsPolyline())
-            placed.SetPosition(position);
-    });
+    const int id = New3DSound(name, db);
+    SetUp(id, priority, delay);
+    ApplySettings(id, settings);
+    SetSoundPosition(id, position);
+    return StartOrDelete(id, flags);
 }
 
-// Sets up a sound that has just been made and starts it, or deletes it; returns its id or 0. The code of a
-// resource can have ended or started it already.
-template<class SetUp>
-int Sound::Play(int id, int flags, int priority, int delay, SetUp setUp)
+int Sound::SetUpAndStart(int id, int flags, int priority, int delay)
 {
-    SndBase* sound = FindSound(id);
-    if (!sound)
-        return 0;
+    SetUp(id, priority, delay);
+    return StartOrDelete(id, flags);
+}
+
+void Sound::SetUp(int id, int priority, int delay)
+{
     if (priority != 0)
-        sound->SetPriority(priority);
-    if (delay != 0 && !sound->IsPlaying())
-        sound->SetDelay(delay);
-    setUp(*sound);
-    if (StartSound(*sound, flags))
+        SetSoundPriority(id, priority);
+    if (delay != 0)
+        SetSoundDelay(id, delay);
+}
+
+void Sound::ApplySettings(int id, const Settings& settings)
+{
+    if (settings.setDistance)
+        SetSoundMinMaxDistance(id, settings.minDistance, settings.maxDistance, settings.cutout);
+    if (settings.setCone) {
+        SetSoundCone(id, settings.innerConeAngle, settings.outerConeAngle, settings.coneGain);
+        BindSoundAxisToDirection(id, defaultAxis);
+    }
+}
+
+int Sound::StartOrDelete(int id, int flags)
+{
+    if (StartSound(id, flags))
         return id;
     DeleteSound(id);
     return 0;
-}
-
-void Sound::ApplySettings(Snd3D& sound, const Settings& settings)
-{
-    if (settings.setDistance)
-        sound.SetMinMaxDistance(settings.minDistance, settings.maxDistance, settings.cutout);
-    if (!settings.setCone)
-        return;
-    if (!sound.IsPolyline())
-        sound.SetCone(settings.innerConeAngle, settings.outerConeAngle, settings.coneGain);
-    if (defaultAxis != Snd3D::defaultAxis)
-        sound.BindAxisToDirection(defaultAxis);
 }
 
 bool Sound::CatSound(int id, const PString& name, const ResourceDatabase* db)
@@ -230,8 +247,10 @@ bool Sound::CatSound(int id, const PString& name, const ResourceDatabase* db)
 bool Sound::AppendFile(int id, const PString& name, const ResourceDatabase* db)
 {
     SndBase* sound = FindForCat(id);
-    if (!sound)
+    if (!sound) {
+        ReportRefused(id, notContinued, notQueued);
         return false;
+    }
     PString fileName = name;
     PString ownerName;
     if (db) {
@@ -243,8 +262,10 @@ bool Sound::AppendFile(int id, const PString& name, const ResourceDatabase* db)
         // Whoever heard of the load may have ended the sound.
         sound = FindForCat(id);
     }
-    if (!sound || !MayAppend(*sound))
+    if (!sound || !MayAppend(*sound)) {
+        ReportRefused(id, notContinued, notQueued);
         return false;
+    }
     sound->AddFlags(FlagQueued);
     ChannelLock lock(sound->GetSndChannel());
     return OpenHead(*sound) && Append(*sound, theKernel->GetDataCache()->OpenSound(ownerName, fileName, 0));
@@ -253,8 +274,10 @@ bool Sound::AppendFile(int id, const PString& name, const ResourceDatabase* db)
 bool Sound::CatSound(int id, void* data, unsigned long size, WaveFormatEx* format)
 {
     SndBase* sound = FindForCat(id);
-    if (!sound || !MayAppend(*sound))
+    if (!sound || !MayAppend(*sound)) {
+        ReportRefused(id, notContinued, notQueued);
         return false;
+    }
     sound->AddFlags(FlagQueued);
     ChannelLock lock(sound->GetSndChannel());
     return OrNothing(

@@ -1,5 +1,6 @@
 // How a group makes and starts sounds along a line.
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
@@ -57,8 +58,11 @@ int Sound::New3DSound(const Vector3* points, unsigned int numPoints, const PStri
     const ResourceDatabase* db, unsigned int numAddSounds, float minAngle)
 {
     constexpr unsigned int mostPoints = std::numeric_limits<int>::max();
-    if (!points || numPoints == 0 || numPoints > mostPoints)
+    if (!points || numPoints == 0 || numPoints > mostPoints) {
+        Report(MessageLevel::Error, "sound '", name, "' cannot be made along a line of ",
+            points ? numPoints : 0, " points");
         return 0;
+    }
     const int id = New3DSound(name, db, true);
     return id != 0 ? NewPolylineSound(id, points, numPoints, numAddSounds, minAngle) : 0;
 }

@@ -1,5 +1,6 @@
 // What a group sets on its sounds and asks of them.
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -15,6 +16,7 @@ namespace
 
 constexpr unsigned long minFrequencyHz = 100;
 constexpr unsigned long maxFrequencyHz = 100000;
+constexpr int defaultConeAxis = -3;
 
 } // namespace
 
@@ -91,9 +93,14 @@ void Sound::SetSoundFadeIn(int id, int ms)
 bool Sound::SetFrequency(int id, unsigned long hz)
 {
     SndBase* sound = FindSound(id);
-    if (!sound || (hz != 0 && (hz < minFrequencyHz || hz > maxFrequencyHz)))
+    if (!sound)
         return false;
-    return sound->SetFrequency(hz);
+    const bool isSet = (hz == 0 || (hz >= minFrequencyHz && hz <= maxFrequencyHz)) && sound->SetFrequency(hz);
+    if (!isSet)
+        Report(MessageLevel::Error, "sound ", id, " does not get the rate ", hz, " Hz: the range is ",
+            minFrequencyHz, " to ", maxFrequencyHz,
+            ", a sound with effects has none, and one that plays needs StartChgFrequency");
+    return isSet;
 }
 
 unsigned long Sound::GetFrequency(int id)
@@ -158,7 +165,7 @@ Quaternion Sound::GetSoundOrientation(int id)
 
 void Sound::BindSoundAxisToDirection(int id, int axis)
 {
-    if (axis == Snd3D::defaultAxis)
+    if (axis == defaultConeAxis)
         return;
     if (Snd3D* sound = Find3D(id))
         sound->BindAxisToDirection(axis);

@@ -1,6 +1,7 @@
 #include "harmonet/instances/TakenResource.h"
 
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/ResourceDatabase.h"
 
 namespace Quon
@@ -11,14 +12,21 @@ TakenResource::TakenResource(const PString& name, const ResourceDatabase& databa
     : TakenResource()
 {
     const Resource* resource = database.Lookup(name, mode);
-    if (!resource)
+    if (!resource) {
+        Report(MessageLevel::Error, "resource '", name,
+            "' is not there: no folder has a file of this name, or no type of resource takes its ending");
         return;
+    }
     sound = dynamic_cast<const SoundResource*>(resource);
     if (!sound) {
+        Report(MessageLevel::Error, "resource '", name, "' is no sound");
         resource->ReleaseReference();
         return;
     }
     isLocked = sound->Lock(&database).IsOk();
+    if (!isLocked)
+        Report(MessageLevel::Error, "resource '", name, "' of owner '", sound->GetOwnerName(),
+            "' cannot be loaded");
 }
 
 TakenResource::~TakenResource()

@@ -2,8 +2,6 @@
 
 #include "harmonet/kernel/Importance.h"
 
-#include <algorithm>
-
 namespace Quon
 {
 
@@ -40,7 +38,12 @@ struct Allocation
     std::span<const Contender> contenders;
     Decision& decision;
 
-    std::uint64_t KeyOf(std::uint32_t number) const { return decision.keys[number]; }
+    std::uint64_t KeyOf(std::uint32_t number) const
+    {
+        const Contender& contender = contenders[number];
+        return ImportanceKey(
+            contender.priority, WeightDistance(contender.distSqr, decision.multipliers[number]));
+    }
 
     void Choose(std::uint32_t number, SoundReason reason)
     {
@@ -118,28 +121,25 @@ private:
     std::uint32_t best = Decision::nobody;
 };
 
-// Leaves the keys with the weighted distances.
-void RateDuplicates(std::span<const Contender> contenders, Decision& decision)
+void RateDuplicates(Allocation& allocation)
 {
-    std::uint64_t* const keys = decision.keys.data();
-    for (std::size_t number = 0; number < contenders.size(); ++number) {
-        const Contender& contender = contenders[number];
-        keys[number] = ~ImportanceKey(contender.priority, contender.distSqr);
+    const std::span<const Contender> contenders = allocation.contenders;
+    Decision& decision = allocation.decision;
+    // With the most important first, a sound has lost to all like sounds before it.
+    decision.sort.Sort(decision.ranking, 0, [contenders](std::uint32_t number) {
+        return ~ImportanceKey(contenders[number].priority, contenders[number].distSqr);
+    });
+    for (const Contender& contender : contenders) {
         if (contender.name >= decision.lossesByName.size())
             decision.lossesByName.resize(contender.name + 1);
         decision.lossesByName[contender.name] = 0;
     }
-    decision.sort.Sort(decision.ranking, decision.keys, 0);
-    // With the most important first, a sound has lost to all like sounds before it.
     for (const ImportanceSort::Item& item : decision.ranking) {
-        const Contender& contender = contenders[item.number];
-        const std::uint32_t losses = decision.lossesByName[contender.name]++;
+        const std::uint32_t losses = decision.lossesByName[contenders[item.number].name]++;
         while (decision.factors.size() <= losses)
             decision.factors.push_back(
                 decision.factors.empty() ? 1.0F : decision.factors.back() * duplicateFactor);
-        const float multiplier = decision.factors[losses];
-        decision.multipliers[item.number] = multiplier;
-        keys[item.number] = ImportanceKey(contender.priority, WeightDistance(contender.distSqr, multiplier));
+        decision.multipliers[item.number] = decision.factors[losses];
     }
 }
 
@@ -162,18 +162,15 @@ void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
         SoundReason& reason = decision.reasons[number];
         if (reason != SoundReason::None)
             continue;
-        if (!IsEligible(contender)) {
-            reason = WhyIneligible(contender);
-            continue;
-        }
-        // Without branches: what comes next is like a throw of dice.
-        constexpr int priorityShift = 32;
         const std::uint64_t plainKey = ImportanceKey(contender.priority, contender.distSqr);
-        const bool isLower = plainKey >> priorityShift < bar >> priorityShift;
-        const bool isDuplicate = (plainKey > bar) & (decision.multipliers[number] > 1.0F);
-        const SoundReason lostToEqual =
-            isDuplicate ? SoundReason::LostAsDuplicate : SoundReason::LostByDistance;
-        reason = isLower ? SoundReason::LostByPriority : lostToEqual;
+        if (!IsEligible(contender))
+            reason = WhyIneligible(contender);
+        else if (plainKey >> 32 < bar >> 32)
+            reason = SoundReason::LostByPriority;
+        else if (plainKey > bar && decision.multipliers[number] > 1.0F)
+            reason = SoundReason::LostAsDuplicate;
+        else
+            reason = SoundReason::LostByDistance;
     }
 }
 
@@ -209,15 +206,14 @@ void Decide(
     decision.chosen.clear();
     decision.ranking.resize(contenders.size());
     decision.multipliers.resize(contenders.size());
-    decision.keys.resize(contenders.size());
     decision.reasons.assign(contenders.size(), SoundReason::None);
-    RateDuplicates(contenders, decision);
     Allocation allocation{contenders, decision};
+    RateDuplicates(allocation);
 
     const auto rank = [&](std::size_t first, std::size_t count) {
         const std::span ranked = std::span(decision.ranking).subspan(first, count);
-        decision.sort.Sort(
-            ranked, std::span(decision.keys).subspan(first, count), static_cast<std::uint32_t>(first));
+        decision.sort.Sort(ranked, static_cast<std::uint32_t>(first),
+            [&allocation](std::uint32_t number) { return allocation.KeyOf(number); });
         return Candidates(allocation, contenders.subspan(first, count), ranked);
     };
     const std::size_t firstWaiting = counts[FromPlaying] + counts[FromEmulated];

@@ -1,3 +1,4 @@
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/Task.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/files/SndNodeCache.h"
@@ -20,6 +21,19 @@ namespace
 // a channel and being emulated does not hold it back.
 constexpr unsigned long waitingStateTimeMs = 1000;
 
+void ReportNotStarted(const SndBase& sound, const char* reason)
+{
+    if (Messages::AreWanted())
+        Report(MessageLevel::Note, "sound ", sound.GetSoundID(), " ('", sound.GetFileName(),
+            "') is not started: ", reason);
+}
+
+constexpr const char* tooFar =
+    "no microphone is active or the sound is beyond its maximum distance, and it cannot run on as a virtual "
+    "voice";
+constexpr const char* noChannel =
+    "it needs a channel now, and all are taken, the driver has none for it, or no microphone is active";
+
 } // namespace
 
 SndFile* SndKernel::OpenFileOf(SndBase& sound)
@@ -31,8 +45,10 @@ SndFile* SndKernel::OpenFileOf(SndBase& sound)
 
 bool SndKernel::PlaySound(SndBase* sound)
 {
-    if (!driver || refusesSounds)
+    if (!driver || refusesSounds) {
+        ReportNotStarted(*sound, "the sound system or all its sounds are being stopped");
         return false;
+    }
     if (!sound->sndFile) {
         UseName(*sound);
         if (const auto length = FindLikeLength(sound->Row().nameNumber, sound)) {
@@ -89,8 +105,10 @@ void SndKernel::ForgetNewcomers()
     newcomers.clear();
 }
 
-void SndKernel::ChangeReason(SoundRow& row, SoundReason reason)
+void SndKernel::SetReason(SoundRow& row, SoundReason reason)
 {
+    if (row.reason == reason)
+        return;
     row.reason = reason;
     row.sound->reasonSince = clockMs;
 }
@@ -101,7 +119,7 @@ bool SndKernel::StartImmediately(SndBase& sound)
     Unlist(sound);
     MarkStarted(sound);
     if (!sound.Is3D())
-        return StartChannel(&sound);
+        return StartNow(sound);
     if (activeMicrophone && (sound.GetChannelFlags() & ChanCutOut))
         sound.CalcDistSqr(activeMicrophone->GetGlobalPosition());
     if (!activeMicrophone)
@@ -109,8 +127,18 @@ bool SndKernel::StartImmediately(SndBase& sound)
     else if ((sound.GetChannelFlags() & ChanCutOut) && sound.IsDistGTMax())
         SetReason(sound.Row(), SoundReason::BeyondReach);
     else
-        return StartChannel(&sound);
+        return StartNow(sound);
+    if (!sound.IsEmulation() || !IsLongEnough(sound))
+        ReportNotStarted(sound, tooFar);
     return EmulateOrDelete(sound);
+}
+
+bool SndKernel::StartNow(SndBase& sound)
+{
+    const bool isStarted = StartChannel(&sound);
+    if (!isStarted)
+        ReportNotStarted(sound, noChannel);
+    return isStarted;
 }
 
 bool SndKernel::IsLongEnough(const SndBase& sound) const
@@ -172,27 +200,21 @@ bool SndKernel::StartChannel(SndBase* sound)
             delete file;
         throw;
     }
-    PlayOnChannel(*sound, file);
-    return true;
-}
-
-void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
-{
-    SetReason(sound.Row(), SoundReason::Won);
-    SndChannel* channel = sound.sndChannel;
+    SetReason(sound->Row(), SoundReason::Won);
     // A new channel stands at 1.0 already.
-    const float outputGain = sound.GetOutputGain();
+    const float outputGain = sound->GetOutputGain();
     if (outputGain >= 0.0F && outputGain < 1.0F)
         channel->SetGain(outputGain);
-    const bool isBeginning = !sound.IsPlaying();
-    sound.Play(file);
-    if (sound.newFrequency != 0)
-        channel->SetFrequency(sound.newFrequency);
+    const bool isBeginning = !sound->IsPlaying();
+    sound->Play(file);
+    if (sound->newFrequency != 0)
+        channel->SetFrequency(sound->newFrequency);
     if (isBeginning) {
-        const StartMoment moment = {sound.startGameTime, sound.startMachineTime};
+        const StartMoment moment = {sound->startGameTime, sound->startMachineTime};
         channel->SetStartTime(startClock.GetGameTime(moment, updating), startClock.GetAge(moment));
     }
     channel->Play();
+    return true;
 }
 
 void SndKernel::EnterPlaying(SndBase& sound)
@@ -207,7 +229,7 @@ void SndKernel::EnterPlaying(SndBase& sound)
 bool SndKernel::StartMusic(SndBase& instance)
 {
     MarkStarted(instance);
-    return StartChannel(&instance);
+    return StartNow(instance);
 }
 
 void SndKernel::GiveUpFile(SndBase& instance)

@@ -1,6 +1,7 @@
 #include "harmonet/kernel/SndKernel.h"
 
 #include "harmonet/engine/DynamicLibrary.h"
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/OS.h"
 #include "harmonet/engine/Options.h"
 #include "harmonet/engine/String.h"
@@ -43,7 +44,16 @@ int ReadOption(const Options& hostOptions, const PString& key, int minimum, int 
 {
     int value = defaultValue;
     hostOptions.Get(key.GetText(), value, defaultValue);
-    return value < minimum ? defaultValue : value;
+    if (value >= minimum)
+        return value;
+    Report(MessageLevel::Warning, "option ", key, "=", value, ": the minimum is ", minimum,
+        "; it takes the default ", defaultValue);
+    return defaultValue;
+}
+
+void ReportDriver(const char* name, const char* reason)
+{
+    Report(MessageLevel::Warning, "sound driver '", name, "' ", reason);
 }
 
 int HandleDriverEvent(int event, void* data, void* user)
@@ -95,6 +105,8 @@ int SndKernel::Init(OS* os, bool driverFlag)
     fileCache->ReadOptions(*os->GetOptions());
     SndFile::SetSndFileCache(fileCache);
     driver->GetCaps(caps);
+    if (Messages::AreWanted())
+        os->GetOptions()->ReportUnread();
     return StartRunning;
 }
 
@@ -113,31 +125,45 @@ int SndKernel::OpenDriver(OS* os, bool driverFlag)
     Options* hostOptions = os->GetOptions();
     hostOptions->SetSeperators(driverOption, ",");
     String name;
-    if (!hostOptions->GetNext(driverOption, name))
+    if (!hostOptions->GetNext(driverOption, name)) {
+        Report(MessageLevel::Error, "the sound system does not start: the option Sound names no driver");
         return StartNoDriver;
+    }
     soundLibrary = os->CreateDynamicLibrary();
     int code;
     do {
         name.Ins(dynamicLibrarySuffix, name.GetLength());
         code = TryDriver(os, name.GetText(), driverFlag);
     } while (code != StartRunning && hostOptions->GetNext(driverOption, name));
-    if (code != StartRunning)
+    if (code != StartRunning) {
+        Report(MessageLevel::Error,
+            "the sound system does not start: none of the drivers that the option Sound names can be used");
         CloseDriver();
+    }
     return code;
 }
 
 int SndKernel::TryDriver(OS* os, const char* name, bool driverFlag)
 {
-    if (!soundLibrary->Open(name))
+    if (!soundLibrary->Open(name)) {
+        ReportDriver(name, "cannot be loaded");
         return StartNotLoaded;
+    }
     void* symbol = nullptr;
-    if (!soundLibrary->GetSymbol(&symbol, driverSymbol))
+    if (!soundLibrary->GetSymbol(&symbol, driverSymbol)) {
+        ReportDriver(name, "is no driver: it does not export CreateSoundDriver");
         return StartNoDriver;
+    }
     driver = reinterpret_cast<CreateSoundDriverFunction>(symbol)();
-    if (!driver)
+    if (!driver) {
+        ReportDriver(name, "cannot be made: its CreateSoundDriver gives null");
         return StartNotOpened;
-    if (driver->Open(os, &options.format, options.streamLength, driverFlag))
+    }
+    if (driver->Open(os, &options.format, options.streamLength, driverFlag)) {
+        Report(MessageLevel::Note, "sound driver '", name, "' is open");
         return StartRunning;
+    }
+    ReportDriver(name, "does not open its output");
     delete driver;
     driver = nullptr;
     return StartNotOpened;

@@ -1,5 +1,6 @@
 #include "harmonet/kernel/SoundSystem.h"
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/kernel/HarmonetStrings.h"
 #include "harmonet/kernel/HarmonetTask.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -43,8 +44,10 @@ SoundSystem::~SoundSystem()
 
 bool SoundSystem::Init(OS* os, bool driverFlag)
 {
-    if (theKernel)
+    if (theKernel) {
+        Report(MessageLevel::Error, "the sound system runs already");
         return false;
+    }
     try {
         return Start(os, driverFlag);
     }

@@ -74,6 +74,16 @@ class ToolCase(unittest.TestCase):
 
 
 class SoundsTest(ToolCase):
+    def test_verbose_shows_the_reasons_of_the_library(self):
+        tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
+        play = ["play", tone, "--driver", "NoSuchDriver,HarmonetNull", "--option", "MaxSounds=-3"]
+        self.assertEqual(self.run_tool(*play).stderr, "")
+        done = self.run_tool(*play, "--verbose")
+        self.assertEqual(done.returncode, 0)
+        for reason in ("warning: sound driver 'NoSuchDriver", "warning: option MaxSounds=-3: the minimum is 0",
+                       "note: sound driver 'HarmonetNull"):
+            self.assertIn("library " + reason, done.stderr)
+
     def test_a_failure_is_one_sentence_and_an_exit_code(self):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
         (self.folder / "text.wav").write_text("This is no sound.")

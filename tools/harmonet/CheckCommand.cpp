@@ -2,6 +2,7 @@
 #include "tools/harmonet/DefinitionCheck.h"
 #include "tools/harmonet/FileReports.h"
 #include "tools/harmonet/Findings.h"
+#include "tools/harmonet/Verbose.h"
 
 #include <memory>
 
@@ -53,6 +54,7 @@ void AddCheckCommand(CLI::App& program, Action& action)
         "The folder to which the names of sound files refer; by default that of each definition");
     command->add_flag("--strict", arguments->isStrict, "Let warnings count as errors");
     command->add_flag("--json", arguments->isJson, "A line of JSON for each definition");
+    AddVerbose(*command);
     command->callback([arguments, &action] { action = [arguments] { return RunCheck(*arguments); }; });
 }
 

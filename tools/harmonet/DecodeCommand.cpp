@@ -5,6 +5,7 @@
 #include "tools/harmonet/Output.h"
 #include "tools/harmonet/SoundData.h"
 #include "tools/harmonet/ToolError.h"
+#include "tools/harmonet/Verbose.h"
 #include "tools/harmonet/WaveWriter.h"
 
 #include <algorithm>
@@ -98,6 +99,7 @@ void AddDecodeCommand(CLI::App& program, Action& action)
     command->add_option("--option", arguments->options, "An option of the engine, as \"MpegStandard=1\"")
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
+    AddVerbose(*command);
     command->callback([arguments, &action] { action = [arguments] { return RunDecode(*arguments); }; });
 }
 

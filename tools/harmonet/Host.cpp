@@ -52,6 +52,9 @@ Host::Host(const Settings& settings)
 
 bool Host::StartSystem()
 {
+    // With --verbose the error stream has messages of ours on it.
+    if (Quon::Messages::AreWanted())
+        return system.Init(&os, false);
     const QuietErrors quiet;
     return system.Init(&os, false);
 }

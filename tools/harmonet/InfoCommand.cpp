@@ -2,6 +2,7 @@
 #include "tools/harmonet/DefinitionInfo.h"
 #include "tools/harmonet/FileReports.h"
 #include "tools/harmonet/SoundData.h"
+#include "tools/harmonet/Verbose.h"
 
 #include <nlohmann/json.hpp>
 
@@ -70,6 +71,7 @@ void AddInfoCommand(CLI::App& program, Action& action)
             "FILE", arguments->paths, "Sound files and definitions; - is a sound from the standard input")
         ->required();
     command->add_flag("--json", arguments->isJson, "A line of JSON for each file");
+    AddVerbose(*command);
     command->callback([arguments, &action] { action = [arguments] { return RunInfo(*arguments); }; });
 }
 

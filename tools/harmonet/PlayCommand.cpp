@@ -2,6 +2,7 @@
 #include "tools/harmonet/Commands.h"
 #include "tools/harmonet/Playback.h"
 #include "tools/harmonet/Rooms.h"
+#include "tools/harmonet/Verbose.h"
 
 namespace Tool
 {
@@ -72,6 +73,7 @@ void AddPlayCommand(CLI::App& program, Action& action)
     AddSounds(command, *request);
     AddListener(command, *request);
     AddOutput(command, request->host);
+    AddVerbose(command);
     command.callback([request, &action] { action = [request] { return Play(*request); }; });
 }
 

@@ -32,6 +32,12 @@ void* Load(const char* path)
     return dlopen(path, RTLD_NOW | RTLD_LOCAL);
 }
 
+EngineString DescribeFailure()
+{
+    const char* const text = dlerror();
+    return text != nullptr ? text : "";
+}
+
 void Unload(void* handle)
 {
     dlclose(handle);

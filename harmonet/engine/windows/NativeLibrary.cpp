@@ -78,6 +78,17 @@ void* Load(const char* path)
     return LoadLibraryExW(LoaderPath(wide).c_str(), nullptr, places);
 }
 
+EngineString DescribeFailure()
+{
+    const DWORD code = GetLastError();
+    std::wstring text(MAX_PATH, L'\0');
+    text.resize(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
+        text.data(), static_cast<DWORD>(text.size()), nullptr));
+    // The system ends the line.
+    text.erase(text.find_last_not_of(L"\r\n .") + 1);
+    return ToUtf8(text);
+}
+
 void Unload(void* handle)
 {
     FreeLibrary(static_cast<HMODULE>(handle));

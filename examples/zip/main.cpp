@@ -1,0 +1,63 @@
+// Plays a sound file or definition out of a zip archive: zip_sounds ARCHIVE.zip NAME [OUT.wav]
+
+#include "examples/zip/ZipSource.h"
+
+#include "harmonet/engine/OS.h"
+#include "harmonet/engine/ResourceDatabase.h"
+#include "harmonet/engine/TaskList.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/QuonGetPlugins.h"
+#include "harmonet/kernel/SoundSystem.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+
+namespace
+{
+
+void PrintMessage(Quon::MessageLevel level, const char* text, void*)
+{
+    if (level != Quon::MessageLevel::Note)
+        std::fprintf(stderr, "%s\n", text);
+}
+
+/// Until it has ended: aloud in real time, and as fast as it goes where it is rendered.
+void PlayToTheEnd(Quon::Sound& group, int id, bool isRendered)
+{
+    constexpr auto step = std::chrono::milliseconds(50);
+    while (group.GetRemainLength(id) > 0) {
+        if (!isRendered)
+            std::this_thread::sleep_for(step);
+        Quon::TaskList::Get().Update(0.05F);
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    if (argumentCount != 3 && argumentCount != 4) {
+        std::fprintf(stderr, "usage: zip_sounds ARCHIVE.zip NAME [OUT.wav]\n");
+        return EXIT_FAILURE;
+    }
+    const bool isRendered = argumentCount == 4;
+    Quon::OS os;
+    os.SetMessageHook(PrintMessage);
+    os.GetOptions()->Set("Sound", isRendered ? "HarmonetOpenAL" : "HarmonetOpenAL,HarmonetNull");
+    os.GetOptions()->Set("OpenALRender", isRendered ? arguments[3] : nullptr);
+    QuonGetPlugins();
+
+    // The owner is the game's own name for this archive. Definitions and the files that they name are found
+    // in it.
+    const auto archive = Zip::ZipSource::Open(arguments[1]);
+    Quon::ResourceDatabase sounds;
+    Quon::SoundSystem system;
+    if (!archive || !sounds.AddFolder("sounds", archive) || !system.Init(&os, false))
+        return EXIT_FAILURE;
+    Quon::Sound group;
+    const int id = group.Play2DSound(arguments[2], &sounds, 0, 0, 0);
+    PlayToTheEnd(group, id, isRendered);
+    return id != 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}

@@ -1,0 +1,103 @@
+// Sounds of every kind that come from the host's own object, and why a file does not play.
+
+#include "harmonet/engine/OS.h"
+#include "harmonet/files/SndNodeCache.h"
+#include "tests/files/SoundFolder.h"
+#include "tests/support/MemorySource.h"
+#include "tests/support/MessageLog.h"
+
+#include <string_view>
+
+using namespace Quon;
+
+namespace
+{
+
+Bytes FromText(std::string_view text)
+{
+    return {text.begin(), text.end()};
+}
+
+class FromSource : public SoundFolder
+{
+protected:
+    FromSource() { File::AddRoot(sourceOwner, source); }
+    ~FromSource() override { File::RemoveRoot(sourceOwner); }
+
+    const PString sourceOwner{"sounds in memory"};
+    const std::shared_ptr<MemorySource> source = std::make_shared<MemorySource>();
+    OS os;
+};
+
+TEST_F(FromSource, EveryKindOfSoundIsReadAsFromAFolderStreamedAndCached)
+{
+    const std::string streams = ADPCM_STREAMS;
+    struct Row
+    {
+        const char* name;
+        Bytes bytes;
+        bool isCached;
+    };
+    const Row rows[] = {
+        {"pcm", PcmWave(2, 8000, 16, Counting(4000)), true},
+        {"adpcm", ReadBytes(streams + "/sox-stereo.wav"), true},
+        {"mpeg", ReadBytes(streams + "/../mpeg/streams/joint-22050.mp3"), true},
+        // Its size is that of the whole file, which is not there after the head of the wrapper.
+        {"wrapped mpeg", ReadBytes(streams + "/../mpeg/streams/wrapped-44100.wav"), false},
+    };
+    source->mostPerRead = 100;
+    SndNodeCache cache;
+    cache.SetLimit(1000000);
+    for (const auto& [name, bytes, isCached] : rows) {
+        SCOPED_TRACE(name);
+        const Bytes expected = ReadAll(*OpenGood(bytes));
+        ASSERT_FALSE(expected.empty());
+        source->files[name] = bytes;
+        const std::unique_ptr<SndFile> streamed(SndFile::OpenFile(sourceOwner, PString(name)));
+        const std::unique_ptr<SndFile> cached(cache.OpenSound(sourceOwner, PString(name), 0));
+        ASSERT_TRUE(streamed && cached);
+        EXPECT_EQ(cached->IsCached(), isCached);
+        EXPECT_EQ(ReadAll(*streamed), expected);
+        EXPECT_EQ(ReadAll(*cached), expected);
+    }
+}
+
+TEST_F(FromSource, TheReasonIsToldWhyAFileDoesNotPlay)
+{
+    const Bytes pcm = PcmWave(1, 8000, 16, Counting(8));
+    const std::pair<Bytes, const char*> rows[] = {
+        {FromText("ID3\4") + Bytes(20), "has an ID3 tag in front of its MPEG frames"},
+        {FromText("OggS and more of it"), "is an Ogg file"},
+        {FromText("text, no sound"), "is neither a RIFF/WAVE file nor MPEG Layer III audio"},
+        {FromText("RI"), "has only 2 bytes"},
+        {{0xFF, 0xFD, 0x90, 0x00}, "is MPEG audio of another layer than III"},
+        {{0xFF, 0xE3, 0x90, 0x00}, "is MPEG-2.5 audio, and only MPEG-1 and MPEG-2 are read"},
+        {Wave(Chunk("fmt ", FormatBytes(3, 2, 44100, 8, 32)) + Chunk("data", Counting(16))),
+            "holds 32-bit float samples, and only whole numbers are read"},
+        {Wave(Chunk("fmt ", FormatBytes(6, 1, 8000, 1, 8)) + Chunk("data", Counting(16))),
+            "has the format tag 6 (A-law), and only PCM (1), Microsoft ADPCM (2) and MPEG Layer III (85) are "
+            "read"},
+        {Wave(Chunk("fmt ", PcmFormat(0, 8000, 16)) + Chunk("data", Counting(16))), "states 0 channels"},
+        {Wave(Chunk("fmt ", PcmFormat(1, 8000, 4)) + Chunk("data", Counting(16))),
+            "has 4 bits per sample, and 8 are the minimum"},
+        {Wave(Chunk("fmt ", PcmFormat(1, 8000, 16))), "has no data chunk"},
+        {Wave(Chunk("data", Counting(16)) + Chunk("fmt ", PcmFormat(1, 8000, 16))),
+            "has its data chunk ahead of its format chunk"},
+        {Wave({}), "is a RIFF/WAVE file without a format chunk"},
+    };
+    MessageLog log(os);
+    for (const auto& [bytes, reason] : rows) {
+        EXPECT_EQ(OpenBytes(bytes), nullptr);
+        EXPECT_EQ(log.Take(), "E sound file 'sound' " + std::string(reason) + "\n");
+    }
+    EXPECT_NE(OpenBytes(pcm), nullptr);
+    EXPECT_EQ(log.Take(), "");
+    EXPECT_EQ(Open("missing.wav"), nullptr);
+    EXPECT_EQ(log.Take(), "E sound file 'missing.wav' of owner 'sounds' is not there\n");
+    WaveFormatEx adpcm = {waveTagAdpcm, 1, 8000, 0, 256, 4, 32};
+    EXPECT_EQ(SndFile::OpenFile(&adpcm, 4, &adpcm), nullptr);
+    EXPECT_EQ(log.Take(),
+        "E a block of memory has the format tag 2 (Microsoft ADPCM), and memory is played as PCM (1) only\n");
+}
+
+} // namespace
