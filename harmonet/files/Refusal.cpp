@@ -86,7 +86,7 @@ EngineString DescribeWave(SndFileHandle& handle)
             return Join("has a format chunk of ", walk.GetSize(), " bytes, and only ",
                 RiffWalk::minFormatBytes, " to ", RiffWalk::maxFormatBytes, " are read");
         hasFormat = true;
-        const EngineString reason = DescribeFormat(walk.ReadFormat());
+        EngineString reason = DescribeFormat(walk.ReadFormat());
         if (!reason.empty())
             return reason;
     }
@@ -149,7 +149,7 @@ EngineString DescribeRefusal(const WaveFormatEx* format, const void* data, unsig
     if (format->formatTag != waveTagPcm)
         return Join("has the format tag ", format->formatTag, " (", NameFormatTag(format->formatTag),
             "), and memory is played as PCM (1) only");
-    const EngineString reason = DescribePcm(*format);
+    EngineString reason = DescribePcm(*format);
     if (!reason.empty())
         return reason;
     return data == nullptr ? Join("is null with a size of ", bytes, " bytes")
