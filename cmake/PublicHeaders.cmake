@@ -59,7 +59,9 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/kernel/HarmonetStrings.h
     harmonet/kernel/HarmonetTask.h
     harmonet/kernel/QuonGetPlugins.h
+    harmonet/kernel/SoundState.h
     harmonet/kernel/SoundSystem.h
+    harmonet/kernel/SoundTrace.h
     harmonet/output/SndChannel.h
     harmonet/output/SndDriver.h
     harmonet/output/SoundCaps.h

@@ -115,6 +115,7 @@ bool Music::StartPiece(
 bool Music::StartFile(SndBase& instance, bool isNew, const PString& name)
 {
     instance.SetFileName(name);
+    instance.SetDefinitionName(PString());
     Adopt(instance, isNew);
     instance.SetGain(applyGainAgain);
     return StartOrGiveUp(instance);
@@ -136,6 +137,7 @@ bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, co
         return GiveUp(instance);
     instance.SetFileName(resource->GetFileName());
     instance.SetSubstName(resource->GetOwnerName());
+    instance.SetDefinitionName(name);
     if (resource->GetLooping())
         instance.SetLooping();
     Adopt(instance, isNew);
@@ -205,6 +207,14 @@ unsigned long Music::GetRemainLength() const
 {
     const SndBase* instance = FindLive();
     return instance ? instance->GetRemainLength() : 0;
+}
+
+SoundState Music::GetState() const
+{
+    SoundState state;
+    if (const SndBase* instance = FindLive())
+        instance->FillState(state);
+    return state;
 }
 
 } // namespace Quon

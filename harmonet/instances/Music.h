@@ -1,6 +1,7 @@
 #pragma once
 
 #include "harmonet/Export.h"
+#include "harmonet/kernel/SoundState.h"
 
 namespace Quon
 {
@@ -56,6 +57,8 @@ public:
     float GetGain() const { return gain; }
     /// Milliseconds still to come; unknownLength for a looping piece.
     unsigned long GetRemainLength() const;
+    /// A snapshot for tools; the id in it is 0 if there is no piece.
+    SoundState GetState() const;
 
 private:
     SndBase* FindLive() const;

@@ -33,6 +33,7 @@ SndBase::SndBase(const SndBase& other)
     , soundID(NextSoundID())
     , fileName(other.fileName)
     , substName(other.substName)
+    , definitionName(other.definitionName)
     , newFrequency(other.newFrequency)
     , soundLength(other.soundLength)
     , fadeDuration(other.fadeDuration)
@@ -58,6 +59,7 @@ SndBase& SndBase::operator=(const SndBase& other)
     parent = other.parent;
     SetFileName(other.fileName);
     SetSubstName(other.substName);
+    definitionName = other.definitionName;
     SetSndFile(other.GetSndFile());
     startSample = other.startSample;
     SetSoundLength(other.soundLength);

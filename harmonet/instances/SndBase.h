@@ -17,6 +17,7 @@ class SndFile;
 class SndKernel;
 class Sound;
 struct SoundRow;
+struct SoundState;
 struct Vector3;
 
 /// The flags of a sound instance; all other bits of the word stay 0.
@@ -226,6 +227,10 @@ public:
     /// been so.
     SoundReason GetReason() const;
     unsigned long GetReasonAge() const;
+    /// Fills in all that tools may want to know. Moves no file.
+    void FillState(SoundState& state) const;
+    /// The name of the resource that it was made from, for tools; empty for none.
+    void SetDefinitionName(const PString& name) { definitionName = name; }
 
     /// How a channel for this sound is to behave: SndChannelFlags.
     unsigned int GetChannelFlags() const;
@@ -302,6 +307,9 @@ private:
     std::uint32_t CalcQueueLength() const;
     std::uint32_t CalcRemainAtEnd() const;
 
+    /// FillState() of this object alone, without the sources of a line.
+    void FillOwnState(SoundState& state) const;
+
     static int NextSoundID();
     static constexpr std::uint32_t noTablePlace = 0xFFFFFFFF;
 
@@ -313,6 +321,7 @@ private:
     void* parent = nullptr;
     PString fileName;
     PString substName;
+    PString definitionName;
     std::uint32_t newFrequency = 0;
     std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
     int delay = 0;
@@ -324,11 +333,13 @@ private:
     std::uint32_t startSerial = 0; ///< Which start of a sound this was; 0 before the first.
     std::uint32_t tablePlace = noTablePlace; ///< Where it stands in the kernel's table.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the present reason was given.
+    std::uint32_t startedAt = 0; ///< On the kernel's clock.
 
 protected:
     SndFXList fxList;
 
 private:
+    std::uint16_t traced = 0; ///< The state that the trace was last given; 0 for none.
     bool beingTold = false;
     bool ended = false; ///< Done() has begun.
 

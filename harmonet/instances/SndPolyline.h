@@ -89,6 +89,8 @@ public:
     /// Stores the places of the sources that are not in pause, the nearest first, and at most `most`.
     /// Returns how many it stored.
     int GetPlaces(Vector3* places, int most) const;
+    /// Adds to the head's own state where and how its sources are heard.
+    void AddSourcesTo(SoundState& state) const;
     /// A notification of one of the sources is running.
     bool IsSourceBeingTold() const;
 

@@ -11,6 +11,7 @@
 #include "harmonet/instances/Snd3D.h"
 #include "harmonet/instances/TakenResource.h"
 #include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundTrace.h"
 
 #include <algorithm>
 #include <memory>
@@ -27,6 +28,7 @@ constexpr int lookupMode = 2;
 // What a sound takes over from its resource whatever its kind.
 void ApplyCommonSettings(SndBase& sound, const SoundResource& resource)
 {
+    sound.SetDefinitionName(resource.GetName());
     sound.SetGain(resource.GetGain());
     if (resource.GetLooping())
         sound.SetLooping();
@@ -47,15 +49,17 @@ void ApplyPositionalSettings(Snd3D& sound, const SoundResource& resource)
         sound.AddFlags(FlagDisableMicFX);
 }
 
-// Keeps the kernel from ending while observers are told.
+// Keeps the kernel from ending while observers are told, of which the trace hears first.
 class NoticeScope
 {
 public:
-    NoticeScope()
+    NoticeScope(SoundNotice notice, int soundID, const PString& fileName)
         : kernel(theKernel)
     {
-        if (kernel)
-            kernel->BeginNotice();
+        if (!kernel)
+            return;
+        kernel->BeginNotice();
+        kernel->TraceNotice(notice, soundID, fileName);
     }
     ~NoticeScope()
     {
@@ -110,26 +114,34 @@ void Sound::RemoveObserver(SoundObserver* observer)
 
 void Sound::OnSoundBegin(int soundID, const PString& fileName)
 {
-    const NoticeScope scope;
+    const NoticeScope scope(SoundNotice::Begin, soundID, fileName);
     Notify([&](SoundObserver& observer) { observer.OnSoundBegin(soundID, fileName); });
 }
 
 void Sound::OnSoundAbort(int soundID, const PString& fileName, int remaining)
 {
-    const NoticeScope scope;
+    const NoticeScope scope(SoundNotice::Abort, soundID, fileName);
     Notify([&](SoundObserver& observer) { observer.OnSoundAbort(soundID, fileName, remaining); });
 }
 
 void Sound::OnSoundEnd(int soundID, const PString& fileName)
 {
-    const NoticeScope scope;
+    const NoticeScope scope(SoundNotice::End, soundID, fileName);
     Notify([&](SoundObserver& observer) { observer.OnSoundEnd(soundID, fileName); });
 }
 
 void Sound::OnBufferFree(int soundID, void* buffer)
 {
-    const NoticeScope scope;
+    const NoticeScope scope(SoundNotice::BufferFree, soundID, PString());
     Notify([&](SoundObserver& observer) { observer.OnBufferFree(soundID, buffer); });
+}
+
+SoundState Sound::GetState(int id)
+{
+    SoundState state;
+    if (const SndBase* sound = theKernel ? theKernel->FindSound(id) : nullptr)
+        sound->FillState(state);
+    return state;
 }
 
 bool Sound::CanMakeSounds() const

@@ -9,6 +9,7 @@
 #include "harmonet/files/WaveFormatEx.h"
 #include "harmonet/instances/ObserverSubject.h"
 #include "harmonet/instances/SoundObserver.h"
+#include "harmonet/kernel/SoundState.h"
 
 #include <memory>
 
@@ -185,6 +186,10 @@ public:
     /// Where the sources of a sound along a line now are, the nearest to the listener first: stores up to
     /// `most` places and returns how many. For drawing them; 0 for any other sound.
     int GetSoundPlaces(int id, Vector3* places, int most) const;
+
+    /// A snapshot for tools: whether the sound is heard, and if not, why. For any sound, whatever its group;
+    /// the id in it is 0 if there is no such sound.
+    static SoundState GetState(int id);
 
     // Effects of one sound: see SndBase.
     bool SetFXEnvReverbListenerProperties(int id, const FXEnvReverb* record, long quality);

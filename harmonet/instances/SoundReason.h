@@ -1,5 +1,7 @@
 #pragma once
 
+#include "harmonet/Export.h"
+
 #include <cstdint>
 
 namespace Quon
@@ -23,5 +25,8 @@ enum class SoundReason : std::uint8_t
     NotEmulated, ///< It ended: it had no channel, and was started with StartNoEmulation.
     Refused ///< It ended: its file could not be opened, or the driver refused a channel.
 };
+
+/// The reason in words, such as "like sounds are nearer"; never null.
+HARMONET_API const char* DescribeReason(SoundReason reason);
 
 } // namespace Quon

@@ -51,7 +51,10 @@ void SndKernel::Update(float seconds)
         return;
     ForgetNewcomers();
     FlagScope running(updating);
-    RunFullUpdate(seconds);
+    if (trace)
+        RunTraced(seconds);
+    else
+        RunFullUpdate(seconds);
     assert(IsConsistent());
 }
 

@@ -63,12 +63,13 @@ bool SndKernel::PlaySound(SndBase* sound)
         }
     }
     if (sound->IsImmediately() && !sound->GetInPause())
-        return StartImmediately(*sound);
+        return Traced(*sound, StartImmediately(*sound));
     sound->SetStateTime(waitingStateTimeMs);
     // One that has been chosen, and is about to get its channel, is not put back among those that wait.
     if (!IsListed(*sound)) {
         MarkStarted(*sound);
         Insert(*sound, ListID::Waiting);
+        TraceChange(*sound);
     }
     return true;
 }
@@ -77,6 +78,7 @@ bool SndKernel::PlaySound(SndBase* sound)
 void SndKernel::MarkStarted(SndBase& sound)
 {
     sound.startSerial = ++startCounter;
+    sound.startedAt = clockMs;
     const StartMoment moment =
         startClock.GetMoment(GetGatheredMicroseconds(), sound.IsImmediately() ? 0 : sound.delay);
     sound.startGameTime = moment.game;
@@ -229,7 +231,7 @@ void SndKernel::EnterPlaying(SndBase& sound)
 bool SndKernel::StartMusic(SndBase& instance)
 {
     MarkStarted(instance);
-    return StartNow(instance);
+    return Traced(instance, StartNow(instance));
 }
 
 void SndKernel::GiveUpFile(SndBase& instance)

@@ -33,6 +33,7 @@ void SndKernel::UnregisterSound(SndBase* sound)
 
 void SndKernel::RemoveSound(SndBase* sound)
 {
+    TraceEnd(*sound);
     Unlist(*sound);
     UnregisterSound(sound);
     GiveUpName(*sound);

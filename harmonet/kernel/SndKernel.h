@@ -11,6 +11,7 @@
 
 #include <array>
 #include <optional>
+#include <span>
 
 namespace Quon
 {
@@ -26,7 +27,10 @@ class SndFile;
 class SndFileCache;
 class SndNodeCache;
 class Sound;
+class SoundTrace;
 struct SndFileChange;
+struct SoundState;
+enum class SoundNotice : std::uint8_t;
 
 /// What the kernel reads from the engine's options when it starts. An option takes its default if it is not
 /// set, not a number of 32 bits or out of range: below 0, for the rate below 1.
@@ -173,6 +177,15 @@ public:
     /// For walks over lists: see SoundWalk.
     EngineVector<SndList::Entry>& GetWalkMemory() { return walkMemory; }
 
+    // What tools see.
+
+    /// Fills in as many as there is room for; returns how many sounds there are.
+    std::size_t Inspect(std::span<SoundState> states) const;
+    /// From here on all is reported to `newTrace`, which may be null, in place of the one before.
+    static void Attach(SoundTrace* newTrace);
+    static void Detach(const SoundTrace& oldTrace);
+    void TraceNotice(SoundNotice notice, int soundID, const PString& fileName);
+
 private:
     /// The file of a sound that has none open: music streams, all else comes through the data cache.
     SndFile* OpenFileOf(SndBase& sound);
@@ -183,6 +196,16 @@ private:
     void CloseDriver();
 
     void RunFullUpdate(float seconds);
+    void RunTraced(float seconds);
+    void TraceChange(SndBase& sound);
+    /// TraceChange() of a sound that has been started; returns whether it has.
+    bool Traced(SndBase& sound, bool isStarted)
+    {
+        if (isStarted)
+            TraceChange(sound);
+        return isStarted;
+    }
+    void TraceEnd(SndBase& sound);
     Vector3 UpdateListener();
     int CountDownDelays(const Vector3& listener);
     void UpdateEmulated(const UpdateStep& step);
@@ -260,6 +283,7 @@ private:
     std::uint32_t clockMs = 0;
     StartClock startClock;
     const Task* task = nullptr;
+    static inline SoundTrace* trace = nullptr;
     EngineVector<std::uint32_t> newcomers; ///< The rows of the sounds started during the running update.
 };
 

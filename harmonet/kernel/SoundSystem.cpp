@@ -182,4 +182,19 @@ unsigned long SoundSystem::GetResourceFX()
     return theKernel ? theKernel->GetResourceFX() & allResourceFX : 0;
 }
 
+std::size_t SoundSystem::Inspect(std::span<SoundState> states)
+{
+    return theKernel ? theKernel->Inspect(states) : 0;
+}
+
+void SoundSystem::SetTrace(SoundTrace* trace)
+{
+    SndKernel::Attach(trace);
+}
+
+std::uint32_t SoundSystem::GetClockMs()
+{
+    return theKernel ? theKernel->GetClockMs() : 0;
+}
+
 } // namespace Quon

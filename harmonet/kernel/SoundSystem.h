@@ -1,13 +1,19 @@
 #pragma once
 
 #include "harmonet/Export.h"
+#include "harmonet/kernel/SoundState.h"
 #include "harmonet/output/SoundCaps.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
 
 namespace Quon
 {
 
 class HarmonetTask;
 class OS;
+class SoundTrace;
 
 /// The front of the library for the host: starts and stops sound, sets the main gains, silences everything
 /// and limits the number of audible sounds.
@@ -81,6 +87,20 @@ public:
     void DisableResourceFX(unsigned long mask);
     void EnableResourceFX(unsigned long mask);
     unsigned long GetResourceFX();
+
+    // For tools.
+
+    /// Takes a snapshot of each sound that exists, music, lines and their sources included, in no particular
+    /// order. Fills in as many of `states` as there are and returns how many sounds there are, which can be
+    /// more; 0 while the system is stopped. It allocates nothing and opens and moves no file, so that a debug
+    /// overlay can take it in each game frame. Call it with the same block again: what has not changed is the
+    /// cheaper.
+    static std::size_t Inspect(std::span<SoundState> states);
+    /// Reports all that happens from here on to `trace`, also when the system is started anew. There is one
+    /// at a time; null ends it. It stays the caller's.
+    static void SetTrace(SoundTrace* trace);
+    /// Milliseconds of full updates since the start of the system; wraps around at 2^32.
+    static std::uint32_t GetClockMs();
 
 private:
     /// Init() of a stopped system. Throws when there is no memory, and the system stays stopped.

@@ -1,0 +1,152 @@
+// What tools see of a sound.
+
+#include "harmonet/instances/SndPolyline.h"
+#include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundRows.h"
+#include "harmonet/kernel/SoundState.h"
+
+#include <cmath>
+
+namespace Quon
+{
+
+namespace
+{
+
+SoundKind KindOf(const SndBase& sound)
+{
+    if (sound.IsMusic())
+        return SoundKind::Music;
+    if (sound.IsPolyline())
+        return SoundKind::Line;
+    if (sound.HasAnyFlag(FlagPolylineSource))
+        return SoundKind::LineSource;
+    return sound.Is3D() ? SoundKind::Positional : SoundKind::NonPositional;
+}
+
+SoundPhase PhaseOf(const SndBase& sound, ListID list)
+{
+    switch (list) {
+    case ListID::Playing:
+        return SoundPhase::Heard;
+    case ListID::Emulated:
+        return SoundPhase::Virtual;
+    case ListID::Waiting:
+        return SoundPhase::Waiting;
+    case ListID::Chosen:
+        return sound.IsAudible() ? SoundPhase::Heard : SoundPhase::Waiting;
+    case ListID::None:
+        break;
+    }
+    return SoundPhase::Prepared;
+}
+
+// Raising and lowering the counts of strings is what a snapshot costs most, and most are the same as before.
+void Assign(PString& to, const PString& from)
+{
+    if (!(to == from))
+        to = from;
+}
+
+} // namespace
+
+const char* DescribeReason(SoundReason reason)
+{
+    switch (reason) {
+    case SoundReason::None:
+        return "nothing has been decided yet";
+    case SoundReason::Won:
+        return "it has a channel";
+    case SoundReason::Protected:
+        return "it keeps its channel, which it has had for less than 200 ms";
+    case SoundReason::LostByPriority:
+        return "all channels went to sounds of a higher priority";
+    case SoundReason::LostByDistance:
+        return "all channels went to sounds that are nearer";
+    case SoundReason::LostAsDuplicate:
+        return "like sounds are nearer";
+    case SoundReason::BeyondReach:
+        return "the listener is outside its audible range";
+    case SoundReason::NoListener:
+        return "no microphone is active";
+    case SoundReason::Paused:
+        return "it is in pause";
+    case SoundReason::Delayed:
+        return "its delay is not over";
+    case SoundReason::Settling:
+        return "it has lost its channel, or has started, less than 200 ms ago";
+    case SoundReason::TooShort:
+        return "it had no channel, and too little was left to run on";
+    case SoundReason::NotEmulated:
+        return "it had no channel, and was started with StartNoEmulation";
+    case SoundReason::Refused:
+        return "its file could not be opened, or the driver refused a channel";
+    }
+    return "unknown";
+}
+
+void SndBase::FillState(SoundState& state) const
+{
+    FillOwnState(state);
+    if (IsPolyline())
+        static_cast<const SndPolyline*>(this)->AddSourcesTo(state);
+}
+
+void SndBase::FillOwnState(SoundState& state) const
+{
+    const SoundRow& row = Row();
+    state.id = soundID;
+    state.kind = KindOf(*this);
+    state.phase = PhaseOf(*this, row.list);
+    state.reason = row.reason;
+    state.hasChannel = IsAudible();
+    state.isFadingOut = HasAnyFlag(FlagFadeOut);
+    state.isLooping = IsLooping();
+    state.isCutOut = row.HasMark(RowCutout);
+    Assign(state.definition, definitionName);
+    Assign(state.fileName, fileName);
+    state.priority = row.priority;
+    state.delayMs = delay;
+    state.distance = std::sqrt(row.distSqr);
+    state.maxDistance = row.maxDistance;
+    state.multiplier = row.multiplier;
+    state.gain = GetOutputGain();
+    state.place = row.place;
+    state.positionMs = static_cast<std::uint32_t>(GetCurrentLength());
+    state.lengthMs = soundLength;
+    const std::uint32_t clockMs = theKernel ? theKernel->GetClockMs() : 0;
+    state.ageMs = startSerial != 0 ? clockMs - startedAt : 0;
+    state.reasonAgeMs = clockMs - reasonSince;
+}
+
+// The line is where its nearest source is, and heard if one of its sources is.
+void SndPolyline::AddSourcesTo(SoundState& state) const
+{
+    bool isPlaced = false;
+    for (int rank = 0; rank < GetNumSounds(); ++rank) {
+        const Snd3D* source = FindSource(rank);
+        if (!source || source->GetInPause())
+            continue;
+        SoundState own;
+        source->FillState(own);
+        if (!isPlaced) {
+            state.distance = own.distance;
+            state.place = own.place;
+            state.positionMs = own.positionMs;
+            state.multiplier = own.multiplier;
+        }
+        if (!isPlaced || (own.hasChannel && !state.hasChannel)) {
+            state.phase = own.phase;
+            state.reason = own.reason;
+            state.reasonAgeMs = own.reasonAgeMs;
+        }
+        state.hasChannel = state.hasChannel || own.hasChannel;
+        isPlaced = true;
+    }
+    if (isPlaced || state.phase == SoundPhase::Prepared)
+        return;
+    const bool hasListener = theKernel && theKernel->GetMicrophone();
+    state.reason = hasListener ? SoundReason::BeyondReach : SoundReason::NoListener;
+}
+
+} // namespace Quon
