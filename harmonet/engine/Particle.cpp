@@ -210,7 +210,11 @@ void Particle::UpdateGlobalPosition() const
 {
     if (parent != nullptr) {
         parent->UpdateGlobalOrientation();
-        globalPosition = parent->globalPosition + Rotate(parent->globalOrientation, position);
+        // Most parents are not turned.
+        const Quaternion& turn = parent->globalOrientation;
+        const bool isTurned = turn.w != 1.0F || turn.x != 0.0F || turn.y != 0.0F || turn.z != 0.0F;
+        globalPosition = parent->globalPosition +
+            (isTurned || !std::isfinite(LengthSquared(position)) ? Rotate(turn, position) : position);
     }
     else {
         globalPosition = position;

@@ -126,14 +126,20 @@ void Snd3D::Play(SndFile* file)
     SndBase::Play(file);
 }
 
-void Snd3D::CalcDistSqr(const Vector3& listener)
+void Snd3D::UpdatePlace()
 {
     if (globalPositionStale)
         RecalculateGlobalBoundingCenter();
     SoundRow& row = Row();
     row.place = globalPosition;
     row.SetMark(RowPlaceKnown, true);
-    MeasureDistance(row, listener);
+}
+
+void Snd3D::CalcDistSqr(const Vector3& listener)
+{
+    if (!Row().HasMark(RowPlaceKnown))
+        Snd3D::UpdatePlace();
+    MeasureDistance(Row(), listener);
 }
 
 bool Snd3D::SndUpdate(float seconds, const Vector3& listener, bool listenerMoved)

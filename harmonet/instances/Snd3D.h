@@ -27,6 +27,9 @@ public:
     /// Ends the sound before the node leaves the scene.
     ~Snd3D() override;
 
+    /// The axis of the cone unless BindAxisToDirection() says otherwise: the negative Z axis.
+    static constexpr int defaultAxis = -3;
+
     /// The type of node.
     int GetID() const override;
     void ResetGlobalBoundingCenter() const override;
@@ -50,6 +53,7 @@ public:
     /// lacks capEnvReverbSource.
     bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties) override;
     bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* properties) override;
+    void UpdatePlace() override;
 
     /// Moves the source and turns the cone to where the node now is. The direction follows only while the
     /// cone is in use, so that a plain source costs one call. Needs a channel.
@@ -74,7 +78,7 @@ private:
     float innerConeAngle = 0.0F;
     float outerConeAngle = 0.0F;
     float coneGain = 0.0F;
-    int axis = -3;
+    int axis = defaultAxis;
 };
 
 } // namespace Quon

@@ -91,6 +91,9 @@ public:
     /// These two are for positional sounds; here they return false.
     virtual bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties);
     virtual bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* properties);
+    /// Works out the place in the world, so that the next CalcDistSqr() has it. Does nothing for a sound that
+    /// has no place.
+    virtual void UpdatePlace();
 
     /// Lets the channel fall to silence over `ms` milliseconds and then ends the sound; its file goes with
     /// the fading channel. Without a channel the instance is deleted at once and the result is false: the
@@ -299,7 +302,7 @@ private:
     void StartCounting();
     void NoteRate();
     void CatchUpFile() const;
-    bool CountLoop(std::uint32_t samples);
+    void CountLoop(std::uint32_t samples);
     bool AdvanceEmulated(std::uint32_t samples);
     bool AdvanceLooping(int samples);
     bool AdvanceAlongQueue(int samples);
@@ -332,6 +335,7 @@ private:
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t startSerial = 0; ///< Which start of a sound this was; 0 before the first.
     std::uint32_t tablePlace = noTablePlace; ///< Where it stands in the kernel's table.
+    int countedSamples = 0; ///< While Row() counts: how many the file has.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the present reason was given.
     std::uint32_t startedAt = 0; ///< On the kernel's clock.
 

@@ -125,8 +125,12 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
         StartCounting();
     if (row.HasMark(RowCounted)) {
         const std::uint32_t samples = row.CalcSamples(step);
-        if (row.CountSamples(samples) || (IsLooping() && CountLoop(samples)))
+        if (row.CountSamples(samples))
             return true;
+        if (IsLooping()) {
+            CountLoop(samples);
+            return true;
+        }
         CatchUpFile();
     }
     return AdvanceEmulated(static_cast<std::uint32_t>(GetFrequency()) * step.ms / 1000U);
@@ -138,6 +142,7 @@ void SndBase::StartCounting()
     if (!IsCountable(*sndFile) || mayGoRound || HasAnyFlag(FlagFadeOut))
         return;
     Row().samplesLeft = CountSamplesLeft(*sndFile);
+    countedSamples = sndFile->GetSoundSamples();
     Row().SetMark(RowCounted, true);
     NoteRate();
 }
@@ -160,18 +165,17 @@ void SndBase::CatchUpFile() const
     sndFile->SkipSamples(sndFile->GetSoundSamples() - row.samplesLeft - sndFile->GetCurrentSample());
 }
 
-// Always true: a counted loop has no end.
-bool SndBase::CountLoop(std::uint32_t samples)
+// Round the loop, which has no end.
+void SndBase::CountLoop(std::uint32_t samples)
 {
-    const std::uint32_t total = CountSamples(*sndFile);
+    const auto total = static_cast<std::uint32_t>(countedSamples);
     const auto rest = static_cast<std::int32_t>(samples < total ? samples : samples % total);
     SoundRow& row = Row();
     if (rest > row.samplesLeft) {
-        row.samplesLeft += static_cast<std::int32_t>(total);
+        row.samplesLeft += countedSamples;
         row.SetMark(RowRewound, true);
     }
     row.samplesLeft -= rest;
-    return true;
 }
 
 // Milliseconds of the current file, as the file would say it.

@@ -126,6 +126,8 @@ float SndBase::GetMultiplier() const
 
 void SndBase::CalcDistSqr(const Vector3&) {}
 
+void SndBase::UpdatePlace() {}
+
 float SndBase::GetDistSqr() const
 {
     return Row().distSqr;

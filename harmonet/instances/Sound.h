@@ -252,10 +252,10 @@ private:
     int AddSound(SndBase* instance);
     int AddMemorySound(std::unique_ptr<SndBase> instance, SndFile* file);
     void NameData(int id, const SoundResource& resource);
-    int SetUpAndStart(int id, int flags, int priority, int delay);
-    void SetUp(int id, int priority, int delay);
-    void ApplySettings(int id, const Settings& settings);
-    int StartOrDelete(int id, int flags);
+    bool StartSound(SndBase& sound, int flags);
+    template<class SetUp>
+    int Play(int id, int flags, int priority, int delay, SetUp setUp);
+    void ApplySettings(Snd3D& sound, const Settings& settings);
 
     int defaultAxis = -3;
     float gain = 1.0F;

@@ -117,21 +117,26 @@ bool Append(SndBase& sound, SndFile* file)
 bool Sound::StartSound(int id, int flags)
 {
     SndBase* sound = FindSound(id);
-    // A sound that could not be made has its message.
-    if (!sound && id == 0)
-        return false;
-    if (!sound || sound->IsBeingTold() || sound->IsPlaying() || sound->GetSndChannel()) {
-        ReportRefused(id, notStarted, sound ? "it plays already, or is ending" : "it has ended");
+    if (!sound && id != 0)
+        ReportRefused(id, notStarted, "it has ended");
+    return sound && StartSound(*sound, flags);
+}
+
+bool Sound::StartSound(SndBase& sound, int flags)
+{
+    const int id = sound.GetSoundID();
+    if (sound.IsBeingTold() || sound.IsPlaying() || sound.GetSndChannel()) {
+        ReportRefused(id, notStarted, "it plays already, or is ending");
         return false;
     }
-    if ((flags & StartLooping) && sound->HasAnyFlag(FlagQueued)) {
+    if ((flags & StartLooping) && sound.HasAnyFlag(FlagQueued)) {
         ReportRefused(id, notStarted, "a sound with a queue cannot loop");
         return false;
     }
-    ApplyStartFlags(*sound, flags);
+    ApplyStartFlags(sound, flags);
     return OrNothing([&] {
-        return sound->IsPolyline() ? StartPolyline(static_cast<SndPolyline&>(*sound))
-                                   : theKernel->PlaySound(sound);
+        return sound.IsPolyline() ? StartPolyline(static_cast<SndPolyline&>(sound))
+                                  : theKernel->PlaySound(&sound);
     });
 }
 
@@ -160,13 +165,13 @@ bool Sound::FadeOutSound(int id, unsigned int ms)
 
 int Sound::Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay)
 {
-    return SetUpAndStart(New2DSound(name, db), flags, priority, delay);
+    return Play(New2DSound(name, db), flags, priority, delay, [](SndBase&) {});
 }
 
 int Sound::Play2DSound(
     void* data, unsigned long size, WaveFormatEx* format, int flags, int priority, int delay)
 {
-    return SetUpAndStart(New2DSound(data, size, format), flags, priority, delay);
+    return Play(New2DSound(data, size, format), flags, priority, delay, [](SndBase&) {});
 }
 
 int Sound::Play3DSound(Particle* parent, const PString& nodeName, const PString& name,
@@ -181,62 +186,63 @@ int Sound::Play3DSound(Particle* parent, const PString& nodeName, const PString&
         DeleteSound(id);
         return 0;
     }
-    SetUp(id, priority, delay);
-    ApplySettings(id, settings);
-    return StartOrDelete(id, flags);
+    return Play(id, flags, priority, delay,
+        [&](SndBase& sound) { ApplySettings(static_cast<Snd3D&>(sound), settings); });
 }
 
 int Sound::Play3DSound(const Vector3& position, const Quaternion& orientation, const PString& name,
     const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay)
 {
-    const int id = New3DSound(name, db);
-    SetUp(id, priority, delay);
-    ApplySettings(id, settings);
-    SetSoundPosition(id, position);
-    SetSoundOrientation(id, orientation);
-    return StartOrDelete(id, flags);
+    return Play(New3DSound(name, db), flags, priority, delay, [&](SndBase& sound) {
+        auto& placed = static_cast<Snd3D&>(sound);
+        ApplySettings(placed, settings);
+        if (placed.IsPolyline())
+            return;
+        placed.SetPosition(position);
+        placed.SetOrientation(orientation);
+    });
 }
 
 int Sound::Play3DSound(const Vector3& position, const PString& name, const ResourceDatabase* db, int flags,
     int priority, const Settings& settings, int delay)
 {
-    const int id = New3DSound(name, db);
-    SetUp(id, priority, delay);
-    ApplySettings(id, settings);
-    SetSoundPosition(id, position);
-    return StartOrDelete(id, flags);
+    return Play(New3DSound(name, db), flags, priority, delay, [&](SndBase& sound) {
+        auto& placed = static_cast<Snd3D&>(sound);
+        ApplySettings(placed, settings);
+        if (!placed.IsPolyline())
+            placed.SetPosition(position);
+    });
 }
 
-int Sound::SetUpAndStart(int id, int flags, int priority, int delay)
+// Sets up a sound that has just been made and starts it, or deletes it; returns its id or 0. The code of a
+// resource can have ended or started it already.
+template<class SetUp>
+int Sound::Play(int id, int flags, int priority, int delay, SetUp setUp)
 {
-    SetUp(id, priority, delay);
-    return StartOrDelete(id, flags);
-}
-
-void Sound::SetUp(int id, int priority, int delay)
-{
+    SndBase* sound = FindSound(id);
+    if (!sound)
+        return 0;
     if (priority != 0)
-        SetSoundPriority(id, priority);
-    if (delay != 0)
-        SetSoundDelay(id, delay);
-}
-
-void Sound::ApplySettings(int id, const Settings& settings)
-{
-    if (settings.setDistance)
-        SetSoundMinMaxDistance(id, settings.minDistance, settings.maxDistance, settings.cutout);
-    if (settings.setCone) {
-        SetSoundCone(id, settings.innerConeAngle, settings.outerConeAngle, settings.coneGain);
-        BindSoundAxisToDirection(id, defaultAxis);
-    }
-}
-
-int Sound::StartOrDelete(int id, int flags)
-{
-    if (StartSound(id, flags))
+        sound->SetPriority(priority);
+    if (delay != 0 && !sound->IsPlaying())
+        sound->SetDelay(delay);
+    setUp(*sound);
+    if (StartSound(*sound, flags))
         return id;
     DeleteSound(id);
     return 0;
+}
+
+void Sound::ApplySettings(Snd3D& sound, const Settings& settings)
+{
+    if (settings.setDistance)
+        sound.SetMinMaxDistance(settings.minDistance, settings.maxDistance, settings.cutout);
+    if (!settings.setCone)
+        return;
+    if (!sound.IsPolyline())
+        sound.SetCone(settings.innerConeAngle, settings.outerConeAngle, settings.coneGain);
+    if (defaultAxis != Snd3D::defaultAxis)
+        sound.BindAxisToDirection(defaultAxis);
 }
 
 bool Sound::CatSound(int id, const PString& name, const ResourceDatabase* db)

@@ -16,7 +16,6 @@ namespace
 
 constexpr unsigned long minFrequencyHz = 100;
 constexpr unsigned long maxFrequencyHz = 100000;
-constexpr int defaultConeAxis = -3;
 
 } // namespace
 
@@ -165,7 +164,7 @@ Quaternion Sound::GetSoundOrientation(int id)
 
 void Sound::BindSoundAxisToDirection(int id, int axis)
 {
-    if (axis == defaultConeAxis)
+    if (axis == Snd3D::defaultAxis)
         return;
     if (Snd3D* sound = Find3D(id))
         sound->BindAxisToDirection(axis);

@@ -13,13 +13,17 @@ namespace
 
 constexpr ListID contenderLists[] = {ListID::Playing, ListID::Emulated, ListID::Waiting};
 
+// The traits are where the flags and marks are, but for one.
 std::uint16_t GetTraits(const SoundRow& row)
 {
-    const auto trait = [](bool isSet, ContenderTraits mask) { return isSet ? mask : 0; };
-    return static_cast<std::uint16_t>(trait(row.HasAnyFlag(FlagMusic), TraitMusic) |
-        trait(row.HasAnyFlag(FlagDistLTMax), TraitInRange) | trait(row.HasAnyFlag(FlagInPause), TraitPaused) |
-        trait(row.HasAnyFlag(FlagPolyline), TraitLine) | trait(row.HasMark(RowDelayed), TraitDelayed) |
-        trait(row.HasMark(RowNewcomer), TraitNewcomer));
+    constexpr std::uint32_t asFlags = TraitMusic | TraitInRange | TraitLine;
+    constexpr std::uint32_t asMarks = TraitDelayed | TraitNewcomer;
+    constexpr int pausedShift = 29;
+    static_assert(asFlags == (FlagMusic | FlagDistLTMax | FlagPolyline));
+    static_assert(asMarks == (RowDelayed | RowNewcomer));
+    static_assert(TraitPaused == FlagInPause >> pausedShift);
+    return static_cast<std::uint16_t>(
+        (row.flags & asFlags) | (row.marks & asMarks) | (row.flags >> pausedShift & TraitPaused));
 }
 
 } // namespace
@@ -30,10 +34,8 @@ void SndKernel::Allocate()
     SndBase::SetCompareUsingMultiplier(true);
     contenders.clear();
     ContenderCounts counts;
-    for (std::size_t list = 0; list < numContenderLists; ++list) {
-        GatherContenders(contenderLists[list]);
-        counts[list] = static_cast<std::size_t>(GetList(contenderLists[list]).GetCount());
-    }
+    for (std::size_t list = 0; list < numContenderLists; ++list)
+        counts[list] = GatherContenders(contenderLists[list]);
     Decide(contenders, counts, maxAudible, decision);
     const auto toRow = [&](std::uint32_t& number) {
         std::size_t list = 0;
@@ -65,14 +67,20 @@ void SndKernel::Allocate()
     EmulateWaiting();
 }
 
-void SndKernel::GatherContenders(ListID id)
+// Appends the sounds of that list; returns how many.
+std::size_t SndKernel::GatherContenders(ListID id)
 {
     constexpr std::uint32_t mostStateTime = 0xFFFF;
-    for (const SndList::Entry& entry : GetList(id).Compact()) {
+    const std::span<const SndList::Entry> entries = GetList(id).Compact();
+    const std::size_t first = contenders.size();
+    contenders.resize(first + entries.size());
+    Contender* contender = contenders.data() + first;
+    for (const SndList::Entry& entry : entries) {
         const SoundRow& row = entry.GetRow();
-        contenders.push_back({row.priority, row.distSqr, row.nameNumber,
-            static_cast<std::uint16_t>(std::min(row.stateTimeMs, mostStateTime)), GetTraits(row)});
+        *contender++ = {row.priority, row.distSqr, row.nameNumber,
+            static_cast<std::uint16_t>(std::min(row.stateTimeMs, mostStateTime)), GetTraits(row)};
     }
+    return entries.size();
 }
 
 // Gives the sounds of a list, of which `first` is the first contender, what was decided about each, and puts

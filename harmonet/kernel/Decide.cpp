@@ -2,6 +2,8 @@
 
 #include "harmonet/kernel/Importance.h"
 
+#include <algorithm>
+
 namespace Quon
 {
 
@@ -38,12 +40,7 @@ struct Allocation
     std::span<const Contender> contenders;
     Decision& decision;
 
-    std::uint64_t KeyOf(std::uint32_t number) const
-    {
-        const Contender& contender = contenders[number];
-        return ImportanceKey(
-            contender.priority, WeightDistance(contender.distSqr, decision.multipliers[number]));
-    }
+    std::uint64_t KeyOf(std::uint32_t number) const { return decision.keys[number]; }
 
     void Choose(std::uint32_t number, SoundReason reason)
     {
@@ -121,25 +118,28 @@ private:
     std::uint32_t best = Decision::nobody;
 };
 
-void RateDuplicates(Allocation& allocation)
+// Leaves the keys with the weighted distances.
+void RateDuplicates(std::span<const Contender> contenders, Decision& decision)
 {
-    const std::span<const Contender> contenders = allocation.contenders;
-    Decision& decision = allocation.decision;
-    // With the most important first, a sound has lost to all like sounds before it.
-    decision.sort.Sort(decision.ranking, 0, [contenders](std::uint32_t number) {
-        return ~ImportanceKey(contenders[number].priority, contenders[number].distSqr);
-    });
-    for (const Contender& contender : contenders) {
+    std::uint64_t* const keys = decision.keys.data();
+    for (std::size_t number = 0; number < contenders.size(); ++number) {
+        const Contender& contender = contenders[number];
+        keys[number] = ~ImportanceKey(contender.priority, contender.distSqr);
         if (contender.name >= decision.lossesByName.size())
             decision.lossesByName.resize(contender.name + 1);
         decision.lossesByName[contender.name] = 0;
     }
+    decision.sort.Sort(decision.ranking, decision.keys, 0);
+    // With the most important first, a sound has lost to all like sounds before it.
     for (const ImportanceSort::Item& item : decision.ranking) {
-        const std::uint32_t losses = decision.lossesByName[contenders[item.number].name]++;
+        const Contender& contender = contenders[item.number];
+        const std::uint32_t losses = decision.lossesByName[contender.name]++;
         while (decision.factors.size() <= losses)
             decision.factors.push_back(
                 decision.factors.empty() ? 1.0F : decision.factors.back() * duplicateFactor);
-        decision.multipliers[item.number] = decision.factors[losses];
+        const float multiplier = decision.factors[losses];
+        decision.multipliers[item.number] = multiplier;
+        keys[item.number] = ImportanceKey(contender.priority, WeightDistance(contender.distSqr, multiplier));
     }
 }
 
@@ -162,15 +162,18 @@ void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
         SoundReason& reason = decision.reasons[number];
         if (reason != SoundReason::None)
             continue;
-        const std::uint64_t plainKey = ImportanceKey(contender.priority, contender.distSqr);
-        if (!IsEligible(contender))
+        if (!IsEligible(contender)) {
             reason = WhyIneligible(contender);
-        else if (plainKey >> 32 < bar >> 32)
-            reason = SoundReason::LostByPriority;
-        else if (plainKey > bar && decision.multipliers[number] > 1.0F)
-            reason = SoundReason::LostAsDuplicate;
-        else
-            reason = SoundReason::LostByDistance;
+            continue;
+        }
+        // Without branches: what comes next is like a throw of dice.
+        constexpr int priorityShift = 32;
+        const std::uint64_t plainKey = ImportanceKey(contender.priority, contender.distSqr);
+        const bool isLower = plainKey >> priorityShift < bar >> priorityShift;
+        const bool isDuplicate = (plainKey > bar) & (decision.multipliers[number] > 1.0F);
+        const SoundReason lostToEqual =
+            isDuplicate ? SoundReason::LostAsDuplicate : SoundReason::LostByDistance;
+        reason = isLower ? SoundReason::LostByPriority : lostToEqual;
     }
 }
 
@@ -206,14 +209,15 @@ void Decide(
     decision.chosen.clear();
     decision.ranking.resize(contenders.size());
     decision.multipliers.resize(contenders.size());
+    decision.keys.resize(contenders.size());
     decision.reasons.assign(contenders.size(), SoundReason::None);
+    RateDuplicates(contenders, decision);
     Allocation allocation{contenders, decision};
-    RateDuplicates(allocation);
 
     const auto rank = [&](std::size_t first, std::size_t count) {
         const std::span ranked = std::span(decision.ranking).subspan(first, count);
-        decision.sort.Sort(ranked, static_cast<std::uint32_t>(first),
-            [&allocation](std::uint32_t number) { return allocation.KeyOf(number); });
+        decision.sort.Sort(
+            ranked, std::span(decision.keys).subspan(first, count), static_cast<std::uint32_t>(first));
         return Candidates(allocation, contenders.subspan(first, count), ranked);
     };
     const std::size_t firstWaiting = counts[FromPlaying] + counts[FromEmulated];

@@ -18,12 +18,12 @@ inline constexpr unsigned int settledMs = 200;
 /// What makes a contender ineligible, or privileged.
 enum ContenderTraits : std::uint16_t
 {
-    TraitMusic = 0x01, ///< Comes before every other sound of its list.
-    TraitInRange = 0x02,
-    TraitPaused = 0x04,
-    TraitLine = 0x08, ///< The head of a sound along a line, which is never heard itself.
-    TraitDelayed = 0x10,
-    TraitNewcomer = 0x20 ///< Started during the running update, which leaves it alone.
+    TraitPaused = 0x0001,
+    TraitMusic = 0x0008, ///< Comes before every other sound of its list.
+    TraitInRange = 0x0100,
+    TraitLine = 0x0800, ///< The head of a sound along a line, which is never heard itself.
+    TraitDelayed = 0x1000,
+    TraitNewcomer = 0x2000 ///< Started during the running update, which leaves it alone.
 };
 
 /// A sound that asks for a channel, or has one, as values.
@@ -65,6 +65,7 @@ struct Decision
 
     // Working memory.
     ImportanceSort sort;
+    EngineVector<std::uint64_t> keys; ///< Of each contender: its importance.
     EngineVector<std::uint32_t> lossesByName;
     EngineVector<float> factors; ///< By the number of losses.
 };

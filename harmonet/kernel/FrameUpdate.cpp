@@ -77,6 +77,7 @@ void SndKernel::RunFullUpdate(float seconds)
     startClock.BeginUpdate(elapsed);
     FlagScope bearings(takesNewcomers);
 
+    UpdatePlaces();
     const int due = CountDownDelays(step.listener);
     UpdateEmulated(step);
     UpdatePlaying(step);
@@ -101,6 +102,16 @@ Vector3 SndKernel::UpdateListener()
     return activeMicrophone->GetGlobalPosition();
 }
 
+// Nodes are asked in the order in which they mostly lie in memory, and not in the order of the lists. This
+// changes nothing but what the rows know: a sound that an observer moves later is asked again.
+void SndKernel::UpdatePlaces()
+{
+    SoundRows::ForEach([](SoundRow& row) {
+        if (row.HasAnyFlag(Flag3D) && !row.HasMark(RowPlaceKnown))
+            row.sound->UpdatePlace();
+    });
+}
+
 // Returns how many waiting sounds are due. Notifies nobody, so that a plain loop will do.
 int SndKernel::CountDownDelays(const Vector3& listener)
 {
@@ -116,13 +127,29 @@ int SndKernel::CountDownDelays(const Vector3& listener)
     return due;
 }
 
+// What UpdateRow() does about a virtual sound that it takes no more for than the row: nearly every one. False
+// when it takes more.
+inline bool SndKernel::UpdateAlone(SoundRow& row, const UpdateStep& step)
+{
+    if (row.HasAnyFlag(FlagPolyline | FlagInPause) || !row.HasMark(RowCounted))
+        return false;
+    if (row.HasAnyFlag(Flag3D)) {
+        if (!row.HasMark(RowPlaceKnown))
+            return false;
+        if (step.listenerMoved || row.HasMark(RowMoved))
+            MeasureDistance(row, step.listener);
+        row.SetMark(RowMoved, false);
+    }
+    return row.CountOn(step);
+}
+
 // From the tail, so that the head of a sound along a line, which counts as near, comes before its sources and
 // can release them in the same update.
 void SndKernel::UpdateEmulated(const UpdateStep& step)
 {
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::PassOver);
     while (SoundRow* row = walk.Next()) {
-        if (UpdateRow(*row, step))
+        if (UpdateAlone(*row, step) || UpdateRow(*row, step))
             row->AddStateTime(elapsed);
         else
             delete row->sound;
@@ -152,21 +179,25 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
 bool SndKernel::UpdateRow(SoundRow& row, const UpdateStep& step)
 {
     const bool isHeard = row.list == ListID::Playing;
-    const bool hasMoved = row.HasMark(RowMoved);
-    const bool is3D = row.HasAnyFlag(Flag3D);
-    if (row.HasAnyFlag(FlagPolyline) || (is3D && isHeard && hasMoved))
+    if (row.HasAnyFlag(FlagPolyline) || (isHeard && row.HasMark(RowMoved) && row.HasAnyFlag(Flag3D)))
         return row.sound->SndUpdate(step.seconds, step.listener, step.listenerMoved);
-    if (is3D) {
+    if (row.HasAnyFlag(Flag3D)) {
         if (row.HasAnyFlag(FlagInPause))
             return true;
-        if (hasMoved || (step.listenerMoved && !row.HasMark(RowPlaceKnown)))
-            row.sound->CalcDistSqr(step.listener);
-        else if (step.listenerMoved)
-            MeasureDistance(row, step.listener);
+        if (step.listenerMoved || row.HasMark(RowMoved)) {
+            if (row.HasMark(RowPlaceKnown))
+                MeasureDistance(row, step.listener);
+            else
+                row.sound->CalcDistSqr(step.listener);
+        }
         row.SetMark(RowMoved, false);
     }
     if (isHeard || row.CountOn(step))
         return true;
+    if (row.HasMark(RowCounted) && row.HasAnyFlag(FlagLooping)) {
+        row.sound->CountLoop(row.CalcSamples(step));
+        return true;
+    }
     return row.sound->SndBase::SndUpdate(step.seconds, step.listener, step.listenerMoved);
 }
 

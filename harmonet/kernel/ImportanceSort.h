@@ -2,11 +2,8 @@
 
 #include "harmonet/engine/Alloc.h"
 
-#include <algorithm>
-#include <bit>
 #include <cstdint>
 #include <span>
-#include <utility>
 
 namespace Quon
 {
@@ -25,82 +22,21 @@ public:
         std::uint32_t number;
     };
 
-    /// Fills `items` with the numbers from `first` on in the order of their keys. `keyOf` gives the key of a
-    /// number and is called several times for each.
-    template<class KeyOf>
-    void Sort(std::span<Item> items, std::uint32_t first, KeyOf keyOf)
-    {
-        const Layout layout = PackKeys(items, first, keyOf);
-        if (items.size() < fewItems) {
-            SortExactly(items, keyOf);
-            return;
-        }
-        Scatter(items, layout.lowBits, layout.highBits);
-        if (!layout.isExact)
-            SortEqualDigits(items, keyOf);
-    }
+    /// Fills `items`, of which there are as many as keys, with the numbers of the keys in order. The first
+    /// key has the number `first`.
+    void Sort(std::span<Item> items, std::span<const std::uint64_t> keys, std::uint32_t first);
 
 private:
-    static constexpr std::size_t fewItems = 48;
-
-    struct Layout
+    /// The two digits that are sorted by, of the lower and the higher bits of Item::digits.
+    struct Digits
     {
-        int lowBits; ///< Of the digit that is sorted by first.
+        int lowBits;
         int highBits;
-        bool isExact; ///< The two digits are all that the keys differ in.
+        bool areAll; ///< The keys do not differ in anything else.
     };
 
-    static constexpr std::uint64_t LowBits(int count) { return (std::uint64_t{1} << count) - 1; }
-
-    /// The keys without the bits that are the same in all of them, above either half, cut to two digits.
-    template<class KeyOf>
-    static Layout PackKeys(std::span<Item> items, std::uint32_t first, KeyOf keyOf)
-    {
-        constexpr int wordBits = 32;
-        constexpr std::size_t manyItems = 3000;
-        const int digitBits = items.size() < manyItems ? 9 : 11;
-        std::uint64_t differing = 0;
-        const std::uint64_t sample = items.empty() ? 0 : keyOf(first);
-        for (std::uint32_t i = 0; i < items.size(); ++i)
-            differing |= keyOf(first + i) ^ sample;
-        const int lowerBits = std::bit_width(static_cast<std::uint32_t>(differing));
-        const int upperBits = std::bit_width(static_cast<std::uint32_t>(differing >> wordBits));
-        const int allBits = lowerBits + upperBits;
-        const int usedBits = std::min(allBits, 2 * digitBits);
-        const std::uint64_t lowerMask = LowBits(lowerBits);
-        const std::uint64_t upperMask = LowBits(upperBits);
-        for (std::uint32_t i = 0; i < items.size(); ++i) {
-            const std::uint64_t key = keyOf(first + i);
-            const std::uint64_t packed = (key >> wordBits & upperMask) << lowerBits | (key & lowerMask);
-            items[i] = {static_cast<std::uint32_t>(packed >> (allBits - usedBits)), first + i};
-        }
-        return {usedBits / 2, usedBits - usedBits / 2, usedBits == allBits};
-    }
-
-    void Scatter(std::span<Item> items, int lowBits, int highBits);
-
-    template<class KeyOf>
-    static void SortExactly(std::span<Item> items, KeyOf keyOf)
-    {
-        std::sort(items.begin(), items.end(), [keyOf](const Item& left, const Item& right) {
-            const std::uint64_t leftKey = keyOf(left.number);
-            const std::uint64_t rightKey = keyOf(right.number);
-            return leftKey != rightKey ? leftKey < rightKey : left.number < right.number;
-        });
-    }
-
-    template<class KeyOf>
-    static void SortEqualDigits(std::span<Item> items, KeyOf keyOf)
-    {
-        for (std::size_t begin = 0; begin < items.size();) {
-            std::size_t end = begin + 1;
-            while (end < items.size() && items[end].digits == items[begin].digits)
-                ++end;
-            if (end - begin > 1)
-                SortExactly(items.subspan(begin, end - begin), keyOf);
-            begin = end;
-        }
-    }
+    static Digits TakeDigits(std::span<Item> items, std::span<const std::uint64_t> keys, std::uint32_t first);
+    void Scatter(std::span<Item> items, const Digits& digits);
 
     EngineVector<Item> scratch;
     EngineVector<std::uint32_t> places; ///< Of the values of both digits.

@@ -107,10 +107,8 @@ void SndKernel::ForgetNewcomers()
     newcomers.clear();
 }
 
-void SndKernel::SetReason(SoundRow& row, SoundReason reason)
+void SndKernel::ChangeReason(SoundRow& row, SoundReason reason)
 {
-    if (row.reason == reason)
-        return;
     row.reason = reason;
     row.sound->reasonSince = clockMs;
 }
@@ -202,21 +200,27 @@ bool SndKernel::StartChannel(SndBase* sound)
             delete file;
         throw;
     }
-    SetReason(sound->Row(), SoundReason::Won);
+    PlayOnChannel(*sound, file);
+    return true;
+}
+
+void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
+{
+    SetReason(sound.Row(), SoundReason::Won);
+    SndChannel* channel = sound.sndChannel;
     // A new channel stands at 1.0 already.
-    const float outputGain = sound->GetOutputGain();
+    const float outputGain = sound.GetOutputGain();
     if (outputGain >= 0.0F && outputGain < 1.0F)
         channel->SetGain(outputGain);
-    const bool isBeginning = !sound->IsPlaying();
-    sound->Play(file);
-    if (sound->newFrequency != 0)
-        channel->SetFrequency(sound->newFrequency);
+    const bool isBeginning = !sound.IsPlaying();
+    sound.Play(file);
+    if (sound.newFrequency != 0)
+        channel->SetFrequency(sound.newFrequency);
     if (isBeginning) {
-        const StartMoment moment = {sound->startGameTime, sound->startMachineTime};
+        const StartMoment moment = {sound.startGameTime, sound.startMachineTime};
         channel->SetStartTime(startClock.GetGameTime(moment, updating), startClock.GetAge(moment));
     }
     channel->Play();
-    return true;
 }
 
 void SndKernel::EnterPlaying(SndBase& sound)

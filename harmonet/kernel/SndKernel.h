@@ -207,9 +207,11 @@ private:
     }
     void TraceEnd(SndBase& sound);
     Vector3 UpdateListener();
+    void UpdatePlaces();
     int CountDownDelays(const Vector3& listener);
     void UpdateEmulated(const UpdateStep& step);
     bool UpdateRow(SoundRow& row, const UpdateStep& step);
+    static bool UpdateAlone(SoundRow& row, const UpdateStep& step);
     void UpdatePlaying(const UpdateStep& step);
     void LeavePlaying(SndBase& sound, SoundReason reason);
     void StartEmulated();
@@ -217,7 +219,7 @@ private:
     void StartOrDelete(SndBase& sound);
 
     void Allocate();
-    void GatherContenders(ListID id);
+    std::size_t GatherContenders(ListID id);
     void TakeOver(ListID id, std::size_t first);
     void TakeChosen();
     void GiveBackChosen();
@@ -227,6 +229,7 @@ private:
 
     bool IsLongEnough(const SndBase& sound) const;
     void EnterPlaying(SndBase& sound);
+    void PlayOnChannel(SndBase& sound, SndFile* file);
     void MarkStarted(SndBase& sound);
     std::int64_t GetGatheredMicroseconds() const;
     void ForgetNewcomers();
@@ -235,7 +238,12 @@ private:
     bool StartNow(SndBase& sound);
     SoundReason WhyUnheard(const SoundRow& row) const;
     SoundReason WhyNotBack(const SoundRow& row) const;
-    void SetReason(SoundRow& row, SoundReason reason);
+    void SetReason(SoundRow& row, SoundReason reason)
+    {
+        if (row.reason != reason)
+            ChangeReason(row, reason);
+    }
+    void ChangeReason(SoundRow& row, SoundReason reason);
     bool EmulateOrDelete(SndBase& sound);
     void DeleteUnheard(SndBase& sound);
     std::optional<unsigned long> FindLikeLength(std::uint32_t number, const SndBase* except);

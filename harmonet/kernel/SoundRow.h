@@ -25,14 +25,14 @@ inline constexpr std::size_t numLists = 5;
 /// What the kernel notes about a sound besides its flags.
 enum RowMarks : std::uint16_t
 {
-    RowMoved = 0x01, ///< Its node has moved since the last update.
-    RowPlaceKnown = 0x02, ///< SoundRow::place is where its node is.
-    RowCutout = 0x04, ///< It is not audible beyond its maximum distance.
-    RowDelayed = 0x08, ///< Its delay is above 0.
-    RowNewcomer = 0x10, ///< It was started during the running update.
-    RowCounted = 0x20, ///< SoundRow::samplesLeft counts, and its file stays behind.
-    RowRewound = 0x40, ///< Counting has gone round the loop.
-    RowOwnRate = 0x80 ///< Its rate is not that of its file.
+    RowMoved = 0x0001, ///< Its node has moved since the last update.
+    RowPlaceKnown = 0x0002, ///< SoundRow::place is where its node is.
+    RowCutout = 0x0004, ///< It is not audible beyond its maximum distance.
+    RowCounted = 0x0008, ///< SoundRow::samplesLeft counts, and its file stays behind.
+    RowRewound = 0x0010, ///< Counting has gone round the loop.
+    RowOwnRate = 0x0020, ///< Its rate is not that of its file.
+    RowDelayed = 0x1000, ///< Its delay is above 0.
+    RowNewcomer = 0x2000 ///< It was started during the running update.
 };
 
 /// One step of a full update, as every sound gets it.

@@ -31,6 +31,7 @@ std::uint32_t SoundRows::Take(SndBase& sound)
     firstFree = At(row).samplesLeft >= 0 ? static_cast<std::uint32_t>(At(row).samplesLeft) : noRow;
     At(row) = SoundRow();
     At(row).sound = &sound;
+    ++useCounts[row / chunkRows];
     ++numUsed;
     return row;
 }
@@ -41,6 +42,7 @@ void SoundRows::GiveBack(std::uint32_t row)
     At(row) = SoundRow();
     At(row).samplesLeft = firstFree != noRow ? static_cast<std::int32_t>(firstFree) : -1;
     firstFree = row;
+    --useCounts[row / chunkRows];
     --numUsed;
     if (!theKernel)
         Trim();
@@ -53,6 +55,7 @@ void SoundRows::AddChunk()
         const std::uint32_t newCapacity = std::max(minCapacity, 2 * capacity);
         chunks = Grow(chunks, numChunks, newCapacity);
         blocks = Grow(blocks, numChunks, newCapacity);
+        useCounts = Grow(useCounts, numChunks, newCapacity);
         capacity = newCapacity;
     }
     std::size_t space = (chunkRows + 1) * sizeof(SoundRow);
@@ -60,6 +63,7 @@ void SoundRows::AddChunk()
     std::align(alignof(SoundRow), chunkRows * sizeof(SoundRow), place, space);
     chunks[numChunks] = static_cast<SoundRow*>(place);
     std::uninitialized_default_construct_n(chunks[numChunks], chunkRows);
+    useCounts[numChunks] = 0;
     const std::uint32_t first = numChunks++ * chunkRows;
     for (std::uint32_t row = first + chunkRows; row-- > first;) {
         At(row).samplesLeft = firstFree != noRow ? static_cast<std::int32_t>(firstFree) : -1;
@@ -74,8 +78,10 @@ void SoundRows::Trim()
     std::for_each_n(blocks, numChunks, Alloc::Delete);
     Alloc::Delete(chunks);
     Alloc::Delete(blocks);
+    Alloc::Delete(useCounts);
     chunks = nullptr;
     blocks = nullptr;
+    useCounts = nullptr;
     numChunks = 0;
     capacity = 0;
     firstFree = noRow;

@@ -18,6 +18,19 @@ public:
     static SoundRow& At(std::uint32_t row) { return chunks[row / chunkRows][row % chunkRows]; }
     /// Frees the memory if there is no sound left.
     static void Trim();
+    /// Calls `visit` for every row in use, in the order in which they lie. Rows may come meanwhile.
+    template<class Visit>
+    static void ForEach(Visit visit)
+    {
+        for (std::uint32_t chunk = 0; chunk < numChunks; ++chunk) {
+            if (useCounts[chunk] == 0)
+                continue;
+            for (SoundRow* row = chunks[chunk]; row != chunks[chunk] + chunkRows; ++row) {
+                if (row->sound)
+                    visit(*row);
+            }
+        }
+    }
 
 private:
     static constexpr std::uint32_t chunkRows = 128;
@@ -28,8 +41,9 @@ private:
     // Without a destructor: a sound may outlive the static objects.
     static inline SoundRow** chunks = nullptr;
     static inline void** blocks = nullptr; ///< In which the chunks lie, aligned.
+    static inline std::uint32_t* useCounts = nullptr; ///< Of the rows of each chunk.
     static inline std::uint32_t numChunks = 0;
-    static inline std::uint32_t capacity = 0; ///< Of the two arrays.
+    static inline std::uint32_t capacity = 0; ///< Of the three arrays.
     static inline std::uint32_t firstFree = noRow; ///< The free rows are chained through samplesLeft.
     static inline std::uint32_t numUsed = 0;
 };

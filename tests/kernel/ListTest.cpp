@@ -1,0 +1,110 @@
+#include "harmonet/instances/Snd2D.h"
+#include "harmonet/kernel/NameIndex.h"
+#include "harmonet/kernel/SndList.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <list>
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace Quon
+{
+
+namespace
+{
+
+/// A sound that tells where its row is.
+class ListedSound : public Snd2D
+{
+public:
+    std::uint32_t GetRowNumber()
+    {
+        std::uint32_t number = 0;
+        while (&SoundRows::At(number) != &Row())
+            ++number;
+        return number;
+    }
+    SoundRow& GetRow() { return Row(); }
+};
+
+} // namespace
+
+// Whatever comes, goes and changes its importance, the list is what sorted insertion into a plain one gives.
+TEST(SndList, IsWhatSortedInsertionGives)
+{
+    std::mt19937 random(1);
+    std::vector<std::unique_ptr<ListedSound>> sounds;
+    for (int i = 0; i < 100; ++i)
+        sounds.push_back(std::make_unique<ListedSound>());
+    SndList list;
+    std::list<const SndBase*> plain;
+    for (int step = 0; step < 20000; ++step) {
+        ListedSound& sound = *sounds[random() % sounds.size()];
+        const bool isListed = sound.GetRow().list != ListID::None;
+        if (isListed && random() % 4 == 0) {
+            // Some change their importance, after which the list is only as good as the last comparison.
+            list.ForgetOrder();
+            sound.SetPriority(static_cast<int>(random() % 8));
+        }
+        else if (isListed) {
+            list.Remove(sound.GetRow());
+            plain.remove(&sound);
+        }
+        else {
+            sound.SetPriority(static_cast<int>(random() % 8));
+            list.InsertSorted(sound.GetRowNumber(), ListID::Waiting);
+            plain.insert(
+                std::ranges::find_if(plain, [&](const SndBase* other) { return !(*other < sound); }), &sound);
+        }
+        if (step % 500 == 0) {
+            while (!list.IsEmpty())
+                list.Remove(list.Compact().front().GetRow());
+            plain.clear();
+        }
+        if (random() % 8 != 0)
+            continue;
+        std::vector<const SndBase*> listed;
+        list.ForEach([&](const SndBase& entry) { listed.push_back(&entry); });
+        ASSERT_EQ(listed, std::vector<const SndBase*>(plain.begin(), plain.end())) << "step " << step;
+        ASSERT_EQ(static_cast<std::size_t>(list.GetCount()), plain.size());
+    }
+}
+
+TEST(NameIndex, GivesNumbersAndTheirMemoryBack)
+{
+    NameIndex names;
+    const PString owner("owner");
+    std::vector<PString> files;
+    for (int i = 0; i < 3000; ++i)
+        files.emplace_back(std::to_string(i).c_str());
+    for (const PString& file : files)
+        names.Use(file, owner);
+    EXPECT_NE(names.Find(files[7], owner), names.Find(files[7], PString()));
+    for (std::uint32_t number = 1; number < files.size(); ++number)
+        names.GiveUp(number);
+    EXPECT_EQ(names.Find(files[7], owner), NameIndex::none);
+    // The first is still there, and new names take numbers that were in use before.
+    EXPECT_EQ(names.Find(files[0], owner), 0U);
+    EXPECT_LT(names.Use(files[2999], owner), files.size());
+}
+
+// Of sounds that differ nothing can be said without looking at them.
+TEST(NameIndex, KnowsWhetherLikeSoundsAgree)
+{
+    NameIndex names;
+    const std::uint32_t number = names.Use(PString("file"), PString());
+    names.Enter(number, 100);
+    names.Enter(number, 100);
+    EXPECT_TRUE(names.At(number).isUniform);
+    names.SetLength(number, 200);
+    EXPECT_FALSE(names.At(number).isUniform);
+    names.Leave(number);
+    names.Leave(number);
+    names.Enter(number, 300);
+    EXPECT_TRUE(names.At(number).isUniform);
+    EXPECT_EQ(names.At(number).lengthMs, 300U);
+}
+
+} // namespace Quon
