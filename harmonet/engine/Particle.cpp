@@ -37,6 +37,9 @@ Particle& Particle::operator=(const Particle& other)
 
 Particle::~Particle()
 {
+    for (Particle* child = GetFirstChild(); child != nullptr; child = child->GetNextSibling()) {
+        child->OnParentDestroyed();
+    }
     Particle::RemoveAllChildren();
     if (parent != nullptr) {
         Particle::ResetParentSpheres();
@@ -176,6 +179,8 @@ void Particle::LocalToGlobal(Quaternion& localOrientation) const
     UpdateGlobalOrientation();
     localOrientation = Normalized(globalOrientation * localOrientation);
 }
+
+void Particle::OnParentDestroyed() {}
 
 void Particle::MarkMoved() const
 {

@@ -30,7 +30,8 @@ public:
     Particle(const Particle& other);
     Particle& operator=(const Particle& other);
 
-    /// Leaves the parent. The children become roots and stale; they stay where they are in their own space.
+    /// Leaves the parent. The children become roots and stale; they stay where they are in their own space,
+    /// unless OnParentDestroyed() does something about it.
     ~Particle() override;
 
     /// What kind of node this is; 0 for a plain one.
@@ -81,6 +82,10 @@ public:
 
     /// Turns an orientation in this node's space into one in the world; the result has length 1.
     void LocalToGlobal(Quaternion& localOrientation) const;
+
+    /// The parent is about to go, and this node to become a root. An override must not change the tree. The
+    /// default does nothing.
+    virtual void OnParentDestroyed();
 
 protected:
     // What moving a node needs stands first, beside the link to the parent.

@@ -65,6 +65,16 @@ void Snd3D::ResetGlobalBoundingCenter() const
     globalPositionStale = true;
 }
 
+void Snd3D::OnParentDestroyed()
+{
+    // The nodes above may have gone already, and their places with them.
+    const Vector3 place = Row().HasMark(RowPlaced) ? globalPosition : GetGlobalPosition();
+    Quaternion turned = orientation;
+    GetParent()->LocalToGlobal(turned);
+    SetOrientation(turned);
+    SetPosition(place);
+}
+
 void Snd3D::SetHasMoved(bool on)
 {
     Row().SetMark(RowMoved, on);
@@ -132,7 +142,7 @@ void Snd3D::UpdatePlace()
         RecalculateGlobalBoundingCenter();
     SoundRow& row = Row();
     row.place = globalPosition;
-    row.SetMark(RowPlaceKnown, true);
+    row.SetMark(RowPlaceKnown | RowPlaced, true);
 }
 
 void Snd3D::CalcDistSqr(const Vector3& listener)
@@ -159,6 +169,7 @@ void Snd3D::UpdatePosition()
 {
     if (globalPositionStale)
         RecalculateGlobalBoundingCenter();
+    Row().SetMark(RowPlaced, true);
     SndChannel* channel = GetSndChannel();
     if (IsFinite(globalPosition))
         channel->SetPosition(globalPosition);

@@ -33,6 +33,8 @@ public:
     /// The type of node.
     int GetID() const override;
     void ResetGlobalBoundingCenter() const override;
+    /// The sound stays where it was heard last, and turned as it was, now in world coordinates.
+    void OnParentDestroyed() override;
 
     /// Which axis of the node is the direction of the cone: 1, 2, 3 for X, Y, Z and -1, -2, -3 for their
     /// opposites; any other value counts as -3, the negative Z axis. Takes effect with the next update of the

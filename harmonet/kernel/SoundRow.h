@@ -31,6 +31,7 @@ enum RowMarks : std::uint16_t
     RowCounted = 0x0008, ///< SoundRow::samplesLeft counts, and its file stays behind.
     RowRewound = 0x0010, ///< Counting has gone round the loop.
     RowOwnRate = 0x0020, ///< Its rate is not that of its file.
+    RowPlaced = 0x0040, ///< Its place has been worked out before.
     RowDelayed = 0x1000, ///< Its delay is above 0.
     RowNewcomer = 0x2000 ///< It was started during the running update.
 };
