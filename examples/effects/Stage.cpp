@@ -44,7 +44,7 @@ int Stage::Add(const Pcm& pcm, const Quon::Vector3& position)
 
 void Stage::Start(int id, bool looping)
 {
-    const int flags = Quon::Sound::StartImmediately | (looping ? Quon::Sound::StartLooping : 0);
+    const int flags = Quon::Sound::StartNowOrCompete | (looping ? Quon::Sound::StartLooping : 0);
     if (!sounds.StartSound(id, flags))
         throw std::runtime_error("a sound does not start");
 }

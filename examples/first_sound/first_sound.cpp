@@ -22,7 +22,7 @@ int main(int argumentCount, char** arguments)
         return 1;
 
     Quon::Sound sound;
-    const int id = sound.Play2DSound(arguments[2], nullptr, Quon::Sound::StartImmediately, 0, 0);
+    const int id = sound.Play2DSound(arguments[2], nullptr, Quon::Sound::StartNowOrCompete, 0, 0);
     while (sound.GetRemainLength(id) > 0) {
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         Quon::TaskList::Get().Update(0.05F);

@@ -38,6 +38,7 @@ enum SndFlags : std::uint32_t
     FlagSharedFXList = 0x00001000, ///< The effect list belongs to another instance.
     FlagChgFrequency = 0x00002000, ///< The rate can change while it plays.
     FlagDisableMicFX = 0x00004000, ///< The listener's effects do not apply.
+    FlagCompete = 0x00008000, ///< With FlagImmediately: competes at the next update if there is no channel.
     FlagPolylineSource = 0x10000000, ///< A source of a sound along a line.
     FlagInPause = 0x20000000, ///< Left out of everything until released.
     FlagPlaying = 0x40000000 ///< Has started.

@@ -67,8 +67,9 @@ public:
         StartNotMovable = 0x02,
         /// The sound ends instead of running on unheard. Ignored for a sound along a line.
         StartNoEmulation = 0x04,
-        /// The sound asks for a channel at once instead of competing at the next update. Do not combine it
-        /// with a delay: the delay stays, and a sound that has lost its channel cannot win one again.
+        /// The sound asks for a channel at once instead of competing at the next update; without one the start
+        /// fails. Do not combine it with a delay: the delay stays, and a sound that has lost its channel cannot
+        /// win one again. Mostly StartNowOrCompete is what a game wants.
         StartImmediately = 0x08,
         /// CatSound() stays allowed while the sound plays.
         StartQueued = 0x10,
@@ -77,7 +78,10 @@ public:
         StartChgFrequency = 0x20,
         /// The listener's effects do not apply. Has no effect on a sound along a line; set it in the
         /// resource.
-        StartDisableMicFX = 0x40
+        StartDisableMicFX = 0x40,
+        /// As StartImmediately, but a sound that finds no channel competes at the next update by its priority,
+        /// and a delay is set to 0. Has no effect on a sound along a line.
+        StartNowOrCompete = 0x80
     };
 
     Sound();

@@ -62,8 +62,16 @@ bool SndKernel::PlaySound(SndBase* sound)
             sound->SetSoundLength(file->GetSoundLength());
         }
     }
-    if (sound->IsImmediately() && !sound->GetInPause())
-        return Traced(*sound, StartImmediately(*sound));
+    const bool competes = sound->HasAnyFlag(FlagCompete);
+    if (competes)
+        sound->SetDelay(0);
+    if (sound->IsImmediately() && !sound->GetInPause()) {
+        if (StartImmediately(*sound))
+            return Traced(*sound, true);
+        // Else it may be gone.
+        if (!competes)
+            return false;
+    }
     sound->SetStateTime(waitingStateTimeMs);
     // One that has been chosen, and is about to get its channel, is not put back among those that wait.
     if (!IsListed(*sound)) {
@@ -118,8 +126,9 @@ bool SndKernel::StartImmediately(SndBase& sound)
     // It may wait already, and a sound is on one list at most.
     Unlist(sound);
     MarkStarted(sound);
+    const bool competes = sound.HasAnyFlag(FlagCompete);
     if (!sound.Is3D())
-        return StartNow(sound);
+        return competes ? StartChannel(&sound) : StartNow(sound);
     if (activeMicrophone && (sound.GetChannelFlags() & ChanCutOut))
         sound.CalcDistSqr(activeMicrophone->GetGlobalPosition());
     if (!activeMicrophone)
@@ -127,7 +136,9 @@ bool SndKernel::StartImmediately(SndBase& sound)
     else if ((sound.GetChannelFlags() & ChanCutOut) && sound.IsDistGTMax())
         SetReason(sound.Row(), SoundReason::BeyondReach);
     else
-        return StartNow(sound);
+        return competes ? StartChannel(&sound) : StartNow(sound);
+    if (competes)
+        return false;
     if (!sound.IsEmulation() || !IsLongEnough(sound))
         ReportNotStarted(sound, tooFar);
     return EmulateOrDelete(sound);
