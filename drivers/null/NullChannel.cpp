@@ -23,6 +23,7 @@ void NullChannel::Prepare(unsigned int flags, SndFile* file)
     clock.Reset();
     wantedHz = 0;
     fading = false;
+    fadeLeftMs = 0;
     state = State::Ready;
 }
 
@@ -48,6 +49,11 @@ void NullChannel::FadeOut(int ms)
 {
     fading = true;
     fadeLeftMs = static_cast<std::uint32_t>(std::max(ms, 0));
+}
+
+void NullChannel::SkipFade(int ms)
+{
+    fadeLeftMs -= std::min(fadeLeftMs, static_cast<std::uint32_t>(std::max(ms, 0)));
 }
 
 unsigned long NullChannel::GetRemainLength()

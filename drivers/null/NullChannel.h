@@ -26,6 +26,7 @@ public:
     void FadeIn(int) override {}
     /// A time of 0 or less ends the channel at the next EndUpdate().
     void FadeOut(int ms) override;
+    void SkipFade(int ms) override;
     unsigned long GetRemainLength() override;
     void SetGain(float) override {}
     void SetPosition(const Vector3&) override {}

@@ -14,6 +14,8 @@ public:
     /// Begins a rise of so many milliseconds; 0 or less is none.
     void Start(double newDurationMs);
     void Cancel() { durationMs = 0.0; }
+    /// So many milliseconds of the rise are over.
+    void Skip(double ms) { elapsedMs = ms; }
 
     /// Scales the next sample frames, of `channels` samples each, that are to be heard at `rateHz`.
     void Apply(std::span<float> pcm, int channels, double rateHz);
@@ -31,6 +33,8 @@ public:
     /// Begins a fall at `now`. A `length` of 0 or less has fallen at once.
     void Start(std::int64_t now, std::int64_t newLength);
     void Cancel() { isRunning = false; }
+    /// So much of the length is over.
+    void Skip(std::int64_t ticks) { begin -= ticks; }
 
     /// Whether there is a fall, also one that is over.
     bool IsRunning() const { return isRunning; }

@@ -172,6 +172,19 @@ void OpenALChannel::FadeOut(int ms)
     fadeOut.Start(services.device.GetTime(), length);
 }
 
+void OpenALChannel::SkipFade(int ms)
+{
+    const SyncLock lock(chanLock);
+    const std::scoped_lock outputLock(outputMutex);
+    if (fadeOut.IsRunning()) {
+        fadeOut.Skip(std::int64_t{ms} * services.device.GetTicksPerSecond() / 1000);
+        ApplyGain(services.device.GetTime());
+    }
+    else {
+        feed.SkipFadeIn(ms);
+    }
+}
+
 unsigned long OpenALChannel::GetRemainLength()
 {
     const ContextScope scope(services.device);

@@ -79,6 +79,7 @@ public:
     void FadeIn(int ms) override;
     /// A time of 0 or less ends the channel at the next update.
     void FadeOut(int ms) override;
+    void SkipFade(int ms) override;
     /// Counts by what the device has mixed, which is some milliseconds ahead of the ear.
     unsigned long GetRemainLength() override;
     /// Held to 0.0 to 1.0; what is no number is ignored.

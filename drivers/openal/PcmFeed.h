@@ -41,6 +41,7 @@ public:
 
     /// The sound fades in over so many milliseconds from the next block on.
     void FadeIn(int ms) { fadeIn.Start(ms); }
+    void SkipFadeIn(int ms) { fadeIn.Skip(ms); }
 
     /// The next block fades in as that of a sound that was interrupted.
     void SoftenNext();

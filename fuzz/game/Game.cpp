@@ -176,8 +176,8 @@ int Game::PickFlags()
         int flag;
         int percent;
     } chances[] = {{Sound::StartLooping, 20}, {Sound::StartNotMovable, 10}, {Sound::StartNoEmulation, 10},
-        {Sound::StartImmediately, 20}, {Sound::StartNowOrCompete, 20}, {Sound::StartQueued, 30}, {Sound::StartChgFrequency, 10},
-        {Sound::StartDisableMicFX, 10}};
+        {Sound::StartImmediately, 20}, {Sound::StartNowOrCompete, 20}, {Sound::StartQueued, 30},
+        {Sound::StartChgFrequency, 10}, {Sound::StartDisableMicFX, 10}};
     int flags = 0;
     for (const auto& chance : chances) {
         if (dice.Chance(chance.percent))

@@ -38,8 +38,12 @@ Music& Music::operator=(const Music& other)
     SndBase* left = soundID != other.soundID ? FindLive() : nullptr;
     if (left && left->GetParentMusic() == this)
         left->SetParentMusic(nullptr);
+    // Nor stay paused, since nobody could resume it.
+    if (left && left->GetParentMusic() == nullptr)
+        left->SetPaused(false);
     soundID = other.soundID;
     gain = other.gain;
+    paused = other.paused;
     return *this;
 }
 
@@ -75,7 +79,7 @@ bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool
         return false;
     }
     SndBase* instance = FindLive();
-    if (instance && instance->GetSndChannel()) {
+    if (instance && instance->HoldsChannel()) {
         Report(MessageLevel::Error, "music '", name, "' is not started: this Music object plays already");
         return false;
     }
@@ -175,6 +179,7 @@ void Music::Adopt(SndBase& instance, bool isNew)
         theKernel->AddSound(&instance);
     soundID = instance.GetSoundID();
     instance.SetParentMusic(this);
+    instance.SetPaused(paused);
 }
 
 bool Music::FadeOut(int ms)
@@ -201,6 +206,13 @@ void Music::SetGain(float newGain)
     gain = std::clamp(newGain, 0.0F, 1.0F);
     if (SndBase* instance = FindLive())
         instance->SetGain(applyGainAgain);
+}
+
+void Music::SetPaused(bool on)
+{
+    paused = on;
+    if (SndBase* instance = FindLive())
+        instance->SetPaused(on);
 }
 
 unsigned long Music::GetRemainLength() const

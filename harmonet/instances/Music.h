@@ -51,6 +51,13 @@ public:
     bool CrossFade(const PString& name, int ms, bool loop);
     bool CrossFade(const PString& name, const ResourceDatabase* db, int ms, bool loop);
 
+    /// Pauses the piece, what fades out beside it, and whatever is played with this handle until Resume():
+    /// time stands still for it, and it comes back at the same sample with a short ramp. Begins and ends in
+    /// the next full update. Paused, Play() makes a piece ready, and FadeOut() and CrossFade() end the old
+    /// one at once. See also Sound::PauseSound() and SoundSystem::PauseAll().
+    void Pause() { SetPaused(true); }
+    void Resume() { SetPaused(false); }
+    bool IsPaused() const { return paused; }
     /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. During a cross-fade the piece that fades out keeps
     /// the gain it had.
     void SetGain(float newGain);
@@ -65,6 +72,7 @@ private:
     /// Throws when there is no memory.
     bool StartPiece(
         SndBase& instance, bool isNew, const PString& name, const ResourceDatabase* db, int ms, bool loop);
+    void SetPaused(bool on);
     bool StartFile(SndBase& instance, bool isNew, const PString& name);
     bool StartResource(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase& db);
     void Adopt(SndBase& instance, bool isNew);
@@ -74,6 +82,7 @@ private:
 
     int soundID = 0;
     float gain = 1.0F;
+    bool paused = false;
 };
 
 } // namespace Quon

@@ -9,6 +9,9 @@
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace Quon
 {
 
@@ -99,6 +102,7 @@ void SndBase::Done()
     SndFile* file = sndFile;
     TakeFile(nullptr);
     CloseAndDelete(file);
+    CloseAndDelete(std::exchange(fadingOut.file, nullptr));
     if (!HasAnyFlag(FlagSharedFXList))
         fxList.Clear();
 }
@@ -194,8 +198,45 @@ bool SndBase::Emulate()
     }
     if (fadeOutChannel)
         ReleaseFadeOutChannel();
+    fadeInPassed = 0;
     SetStateTime(0);
     return IsPolyline() || sndFile;
+}
+
+void SndBase::SetPaused(bool on)
+{
+    SetFlags(FlagPaused, on);
+    if (theKernel)
+        theKernel->NotePauses();
+}
+
+bool SndBase::IsPaused() const
+{
+    const Sound* group = GetParentSound();
+    return HasAnyFlag(FlagPaused) || (group && group->IsPaused()) || (theKernel && theKernel->IsAllPaused());
+}
+
+bool SndBase::HoldsChannel() const
+{
+    return sndChannel || (Row().list == ListID::Paused && Row().HasMark(RowWasHeard) && sndFile);
+}
+
+// Takes the sound off the driver, which puts the files back to what was heard, and keeps what has been heard
+// of its fades.
+void SndBase::PauseOutput()
+{
+    if (sndChannel) {
+        std::exchange(sndChannel, nullptr)->Stop();
+        const auto longest = static_cast<std::uint32_t>(std::max(fadeDuration, 0));
+        fadeInPassed = std::min(fadeInPassed + std::min(Row().stateTimeMs, longest), longest);
+    }
+    if (fadeOutChannel) {
+        SndChannel* channel = std::exchange(fadeOutChannel, nullptr);
+        channel->Stop();
+        fadingOut.file = channel->GetSndFile();
+        fadingOut.since = theKernel->GetClockMs() - fadingOut.since;
+        channel->SetSndFile(nullptr);
+    }
 }
 
 bool SndBase::FadeOut(int ms)
@@ -212,6 +253,8 @@ bool SndBase::FadeOut(int ms)
     SndChannel* channel = sndChannel;
     fadeOutChannel = channel;
     sndChannel = nullptr;
+    fadeInPassed = 0;
+    fadingOut = {nullptr, GetChannelFlags(), GetOutputGain(), ms, theKernel ? theKernel->GetClockMs() : 0};
     TakeFile(nullptr);
     {
         Telling telling(*this);
@@ -238,6 +281,8 @@ void SndBase::SetGain(float newGain)
 {
     if (newGain >= 0.0F && newGain <= 1.0F)
         gain = newGain;
+    if (!sndChannel && !sndFile)
+        fadingOut.gain = GetOutputGain();
     if (SndChannel* channel = sndChannel ? sndChannel : fadeOutChannel)
         channel->SetGain(GetOutputGain());
 }
@@ -264,12 +309,14 @@ unsigned long SndBase::GetFrequency() const
 
 unsigned long SndBase::GetRemainLength() const
 {
-    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || fadeOutChannel))
+    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || fadeOutChannel || fadingOut.file))
         return unknownLength;
     if (sndChannel)
         return static_cast<std::uint32_t>(sndChannel->GetRemainLength() + CalcQueueLength());
     if (fadeOutChannel)
         return fadeOutChannel->GetRemainLength();
+    if (fadingOut.file && !sndFile)
+        return fadingOut.file->GetRemainLength();
     if (HasAnyFlag(FlagFadeOut))
         return static_cast<std::uint32_t>(fadeDuration);
     if (sndFile)
@@ -284,6 +331,8 @@ unsigned long SndBase::GetCurrentLength() const
         remaining = sndChannel->GetRemainLength();
     else if (fadeOutChannel)
         remaining = fadeOutChannel->GetRemainLength();
+    else if (fadingOut.file && !sndFile)
+        remaining = fadingOut.file->GetRemainLength();
     else if (sndFile)
         remaining = CalcFileRemain();
     const auto sum = static_cast<std::uint32_t>(remaining + CalcQueueLength());

@@ -39,6 +39,7 @@ enum SndFlags : std::uint32_t
     FlagChgFrequency = 0x00002000, ///< The rate can change while it plays.
     FlagDisableMicFX = 0x00004000, ///< The listener's effects do not apply.
     FlagCompete = 0x00008000, ///< With FlagImmediately: competes at the next update if there is no channel.
+    FlagPaused = 0x08000000, ///< Paused by the game, beside its group or everything.
     FlagPolylineSource = 0x10000000, ///< A source of a sound along a line.
     FlagInPause = 0x20000000, ///< Left out of everything until released.
     FlagPlaying = 0x40000000 ///< Has started.
@@ -100,6 +101,10 @@ public:
     /// the fading channel. Without a channel the instance is deleted at once and the result is false: the
     /// object is then gone.
     bool FadeOut(int ms);
+    /// Pauses the sound, or ends that: in force from the next full update.
+    void SetPaused(bool on);
+    /// Whether the sound, its group or everything is paused.
+    bool IsPaused() const;
     /// Takes the sound off the driver and leaves it running. Returns whether it can go on.
     bool Emulate();
     /// Ends the instance; the destructors call it, of which the first does it, and after a call from outside
@@ -197,6 +202,8 @@ public:
     void SetNewFrequency(unsigned long hz);
     SndChannel* GetSndChannel() const { return sndChannel; }
     void SetSndChannel(SndChannel* channel) { sndChannel = channel; }
+    /// Whether it plays through a channel, or will again when it is not paused any more.
+    bool HoldsChannel() const;
     SndChannel* GetFadeOutChannel() const { return fadeOutChannel; }
     void SetFadeOutChannel(SndChannel* channel) { fadeOutChannel = channel; }
 
@@ -294,6 +301,7 @@ private:
     void NotifyEnd();
     float CalcMusicGain() const;
     void ReleaseFadeOutChannel();
+    void PauseOutput();
     void CloseAndDelete(SndFile* file);
     void MoveOnTo(SndFile* newFile);
     void StepToNextFile();
@@ -339,6 +347,19 @@ private:
     int countedSamples = 0; ///< While Row() counts: how many the file has.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the present reason was given.
     std::uint32_t startedAt = 0; ///< On the kernel's clock.
+    /// What the channel that fades out needs to come back after a pause.
+    struct FadeOutState
+    {
+        SndFile* file = nullptr; ///< Present in a pause only.
+        unsigned int flags = 0;
+        float gain = 1.0F; ///< As sent.
+        int ms = 0;
+        std::uint32_t since = 0; ///< On the kernel's clock, or in a pause the milliseconds that have passed.
+    };
+    FadeOutState fadingOut;
+    std::uint32_t fadeInPassed = 0; ///< Milliseconds of the fade-in that were heard before a pause.
+    std::uint32_t pausedMoves = 0; ///< How often the listener had moved when the pause began,
+    std::uint32_t pausedSince = 0; ///< and when that was on the kernel's clock.
 
 protected:
     SndFXList fxList;

@@ -189,6 +189,14 @@ void SndPolyline::SetGain(float newGain)
     SndBase::SetGain(newGain);
 }
 
+void SndPolyline::SetPaused(bool on)
+{
+    if (!theKernel)
+        return;
+    ForEachSource([on](Snd3D& source, int) { source.SetPaused(on); });
+    SndBase::SetPaused(on);
+}
+
 void SndPolyline::SetPriority(int newPriority)
 {
     if (!theKernel)

@@ -103,6 +103,7 @@ public:
     void SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout) override;
     /// For the whole line: the first source gets the gain, the others half of it.
     virtual void SetGain(float newGain);
+    void SetPaused(bool on);
     void SetPriority(int newPriority) override;
     void SetDelay(int ms) override;
     /// False if any of them refuses.

@@ -67,9 +67,9 @@ public:
         StartNotMovable = 0x02,
         /// The sound ends instead of running on unheard. Ignored for a sound along a line.
         StartNoEmulation = 0x04,
-        /// The sound asks for a channel at once instead of competing at the next update; without one the start
-        /// fails. Do not combine it with a delay: the delay stays, and a sound that has lost its channel cannot
-        /// win one again. Mostly StartNowOrCompete is what a game wants.
+        /// The sound asks for a channel at once instead of competing at the next update; without one the
+        /// start fails. Do not combine it with a delay: the delay stays, and a sound that has lost its
+        /// channel cannot win one again. Mostly StartNowOrCompete is what a game wants.
         StartImmediately = 0x08,
         /// CatSound() stays allowed while the sound plays.
         StartQueued = 0x10,
@@ -79,8 +79,8 @@ public:
         /// The listener's effects do not apply. Has no effect on a sound along a line; set it in the
         /// resource.
         StartDisableMicFX = 0x40,
-        /// As StartImmediately, but a sound that finds no channel competes at the next update by its priority,
-        /// and a delay is set to 0. Has no effect on a sound along a line.
+        /// As StartImmediately, but a sound that finds no channel competes at the next update by its
+        /// priority, and a delay is set to 0. Has no effect on a sound along a line.
         StartNowOrCompete = 0x80
     };
 
@@ -134,6 +134,19 @@ public:
     void StopSound(int id);
     /// Ends the sound without a word: no observer is told, and the caller has its memory back at once.
     void DeleteSound(int id);
+    /// Pauses a sound: time stands still for it, whatever it does. A delay does not count down, fades stay
+    /// where they are, no end and no file of its queue comes, and its channel is free for others. What was
+    /// heard comes back at the same sample, by the usual rules if channels are short, with a short ramp. A
+    /// sound is paused while it, its group (Pause()) or everything (SoundSystem::PauseAll()) is paused; each
+    /// of these is on or off and does not count calls.
+    ///
+    /// A pause begins and ends in the next full update, so go on calling TaskList::Update(). A paused sound
+    /// can be set up as one that runs without a channel. StopSound() and the like end it, and FadeOutSound()
+    /// ends it at once, since it is not heard. One that is started waits, along a line without its sources.
+    void PauseSound(int id);
+    void ResumeSound(int id);
+    /// Whether the sound, its group or everything is paused.
+    bool IsSoundPaused(int id) const;
     /// Falls silent over `ms` milliseconds and ends. Without a channel, and along a line, the sound ends at
     /// once, and the result is false.
     bool FadeOutSound(int id, unsigned int ms);
@@ -222,6 +235,10 @@ public:
     float GetGain() const { return gain; }
     /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. Sounds that are heard follow at once.
     void SetGain(float newGain);
+    /// Pauses all sounds of the group, those to come included: see PauseSound().
+    void Pause() { SetPaused(true); }
+    void Resume() { SetPaused(false); }
+    bool IsPaused() const { return paused; }
     /// The axis that new positional sounds get; those that exist keep theirs.
     void BindAxisToDirection(int axis) { defaultAxis = axis; }
     /// Milliseconds of a sound, without making one; 0 if its file cannot be opened.
@@ -255,6 +272,8 @@ private:
     /// Enters the sound in the kernel's table, with this object as its parent; returns its id.
     int AddSound(SndBase* instance);
     int AddMemorySound(std::unique_ptr<SndBase> instance, SndFile* file);
+    void SetPaused(bool on);
+    void SetSoundPaused(int id, bool on);
     void NameData(int id, const SoundResource& resource);
     bool StartSound(SndBase& sound, int flags);
     template<class SetUp>
@@ -263,6 +282,7 @@ private:
 
     int defaultAxis = -3;
     float gain = 1.0F;
+    bool paused = false;
     bool closing = false;
     bool hasShutDown = false;
 };

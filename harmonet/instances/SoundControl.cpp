@@ -159,6 +159,40 @@ void Sound::DeleteSound(int id)
     delete sound;
 }
 
+void Sound::SetPaused(bool on)
+{
+    paused = on;
+    if (theKernel)
+        theKernel->NotePauses();
+}
+
+void Sound::SetSoundPaused(int id, bool on)
+{
+    SndBase* sound = FindSound(id);
+    if (!sound)
+        return;
+    if (sound->IsPolyline())
+        static_cast<SndPolyline*>(sound)->SetPaused(on);
+    else
+        sound->SetPaused(on);
+}
+
+void Sound::PauseSound(int id)
+{
+    SetSoundPaused(id, true);
+}
+
+void Sound::ResumeSound(int id)
+{
+    SetSoundPaused(id, false);
+}
+
+bool Sound::IsSoundPaused(int id) const
+{
+    const SndBase* sound = FindSound(id);
+    return sound && sound->IsPaused();
+}
+
 bool Sound::FadeOutSound(int id, unsigned int ms)
 {
     SndBase* sound = FindSound(id);

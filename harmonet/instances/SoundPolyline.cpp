@@ -132,6 +132,8 @@ bool Sound::StartPolyline(SndPolyline& line)
         if (i == 0 && source)
             line.SetSoundLength(source->GetSoundLength());
     }
+    if (line.IsPaused())
+        theKernel->NotePauses();
     return theKernel->EmulateSound(&line);
 }
 

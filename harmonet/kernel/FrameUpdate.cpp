@@ -73,19 +73,23 @@ void SndKernel::RunFullUpdate(float seconds)
     // next update.
     step.listenerMoved = listenerChanged;
     listenerChanged = false;
+    listenerMoves += step.listenerMoved;
     clockMs += static_cast<std::uint32_t>(elapsed);
     startClock.BeginUpdate(elapsed);
     FlagScope bearings(takesNewcomers);
 
     UpdatePlaces();
-    const int due = CountDownDelays(step.listener);
+    int due = CountDownDelays(step.listener);
     UpdateEmulated(step);
     UpdatePlaying(step);
+    due += ApplyPauses(step);
     if (GetList(ListID::Emulated).GetCount() + GetAudibleCount() + due <= maxAudible) {
+        StartReturned();
         StartEmulated();
         StartWaiting();
     }
     else {
+        hasReturned = false;
         Allocate();
     }
     driver->EndUpdate();

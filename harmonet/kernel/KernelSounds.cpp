@@ -17,10 +17,6 @@ namespace Quon
 namespace
 {
 
-// The state time of a sound that waits: the time that protects a sound which has just changed between having
-// a channel and being emulated does not hold it back.
-constexpr unsigned long waitingStateTimeMs = 1000;
-
 void ReportNotStarted(const SndBase& sound, const char* reason)
 {
     if (Messages::AreWanted())
@@ -65,6 +61,11 @@ bool SndKernel::PlaySound(SndBase* sound)
     const bool competes = sound->HasAnyFlag(FlagCompete);
     if (competes)
         sound->SetDelay(0);
+    if (sound->IsPaused()) {
+        if (!IsListed(*sound))
+            StartPaused(*sound, RowWasWaiting);
+        return Traced(*sound, true);
+    }
     if (sound->IsImmediately() && !sound->GetInPause()) {
         if (StartImmediately(*sound))
             return Traced(*sound, true);
@@ -175,6 +176,17 @@ void SndKernel::DeleteUnheard(SndBase& sound)
     delete &sound;
 }
 
+// A sound that comes back from a pause goes on with its fade-in.
+void SndKernel::BeginFadeIn(const SndBase& sound, SndChannel& channel)
+{
+    const auto passed = static_cast<int>(sound.fadeInPassed);
+    if (!sound.IsFadeIn() || (passed > 0 && passed >= sound.fadeDuration))
+        return;
+    channel.FadeIn(sound.fadeDuration);
+    if (passed > 0)
+        channel.SkipFade(passed);
+}
+
 bool SndKernel::StartChannel(SndBase* sound)
 {
     if (!driver)
@@ -197,8 +209,7 @@ bool SndKernel::StartChannel(SndBase* sound)
             delete file;
         return false;
     }
-    if (sound->IsFadeIn())
-        channel->FadeIn(sound->fadeDuration);
+    BeginFadeIn(*sound, *channel);
     sound->sndChannel = channel;
     try {
         EnterPlaying(*sound);
@@ -246,13 +257,15 @@ void SndKernel::EnterPlaying(SndBase& sound)
 bool SndKernel::StartMusic(SndBase& instance)
 {
     MarkStarted(instance);
-    return Traced(instance, StartNow(instance));
+    const bool waits = instance.IsPaused() || instance.Row().list == ListID::Paused;
+    return Traced(instance, waits ? HoldMusic(instance) : StartNow(instance));
 }
 
 void SndKernel::GiveUpFile(SndBase& instance)
 {
-    if (!instance.fadeOutChannel)
+    if (!instance.fadeOutChannel && !instance.fadingOut.file)
         Unlist(instance);
+    instance.fadeInPassed = 0;
     SndFile* file = instance.sndFile;
     instance.TakeFile(nullptr);
     instance.CloseAndDelete(file);
@@ -289,7 +302,7 @@ unsigned long SndKernel::GetLength(const PString& substName, const PString& file
 template<class Matches>
 void SndKernel::DeleteListed(Matches matches)
 {
-    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
+    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
         SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
         while (const SoundRow* row = walk.Next()) {
             SndBase* sound = row->sound;

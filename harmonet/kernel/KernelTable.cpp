@@ -96,7 +96,7 @@ std::optional<unsigned long> SndKernel::FindLikeLength(std::uint32_t number, con
     if (name.isUniform)
         return name.lengthMs;
     // They differ, as the rest of a queue does: the first one counts.
-    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
+    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
         for (const SndList::Entry& entry : GetList(id).GetEntries()) {
             const SoundRow& row = entry.GetRow();
             if (!entry.IsStale() && row.nameNumber == number && row.sound != except)

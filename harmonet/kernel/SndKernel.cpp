@@ -246,7 +246,7 @@ void SndKernel::ForgetOrder()
 
 bool SndKernel::IsConsistent()
 {
-    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
+    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
         int count = 0;
         bool isGood = true;
         GetList(id).ForEach([&](const SndBase& sound) {

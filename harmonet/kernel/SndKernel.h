@@ -21,6 +21,7 @@ class Microphone;
 class OS;
 class Options;
 class PString;
+class SndChannel;
 class SndDriver;
 class Task;
 class SndFile;
@@ -31,6 +32,10 @@ class SoundTrace;
 struct SndFileChange;
 struct SoundState;
 enum class SoundNotice : std::uint8_t;
+
+/// The state time of a sound that waits: the time that protects a sound which has just changed between having
+/// a channel and being emulated does not hold it back.
+inline constexpr unsigned long waitingStateTimeMs = 1000;
 
 /// What the kernel reads from the engine's options when it starts. An option takes its default if it is not
 /// set, not a number of 32 bits or out of range: below 0, for the rate below 1.
@@ -135,6 +140,15 @@ public:
     void RefreshGains(int kind);
     void RefreshGains(Sound* parent);
 
+    // Pause.
+
+    /// Pauses every sound, those to come included, or ends that; beside what is paused by itself or with its
+    /// group. All pauses begin and end in a full update, after its time has been counted.
+    void SetAllPaused(bool on);
+    bool IsAllPaused() const { return allPaused; }
+    /// A sound or a group was paused, or is not any more.
+    void NotePauses() { pausesChanged = true; }
+
     // Listener and gains.
 
     Microphone* GetMicrophone() const { return activeMicrophone; }
@@ -214,6 +228,16 @@ private:
     static bool UpdateAlone(SoundRow& row, const UpdateStep& step);
     void UpdatePlaying(const UpdateStep& step);
     void LeavePlaying(SndBase& sound, SoundReason reason);
+    int ApplyPauses(const UpdateStep& step);
+    int MoveToPausedAndBack(const UpdateStep& step);
+    void Pause(SndBase& sound);
+    void StartPaused(SndBase& sound, std::uint16_t mark);
+    bool HoldMusic(SndBase& instance);
+    void DelayStart(SndBase& sound) const;
+    int Resume(SndBase& sound, const UpdateStep& step);
+    void ResumeHeard(SndBase& sound);
+    void ResumeFadeOut(SndBase& sound);
+    void StartReturned();
     void StartEmulated();
     void StartWaiting();
     void StartOrDelete(SndBase& sound);
@@ -236,6 +260,7 @@ private:
     bool StartImmediately(SndBase& sound);
     /// StartChannel() for a sound that competes for no channel.
     bool StartNow(SndBase& sound);
+    static void BeginFadeIn(const SndBase& sound, SndChannel& channel);
     SoundReason WhyUnheard(const SoundRow& row) const;
     SoundReason WhyNotBack(const SoundRow& row) const;
     void SetReason(SoundRow& row, SoundReason reason)
@@ -286,6 +311,10 @@ private:
     bool refusesSounds = false; ///< See AcceptsSounds().
     bool updating = false; ///< A full update is running.
     bool takesNewcomers = false; ///< The running update has taken its bearings: see MarkStarted().
+    bool allPaused = false;
+    bool pausesChanged = false; ///< The next full update looks who is paused.
+    bool hasReturned = false; ///< Sounds without a channel are on the playing list, back from a pause.
+    std::uint32_t listenerMoves = 0; ///< Counts updates.
     int noticeDepth = 0;
     std::uint32_t startCounter = 0; ///< Counts starts.
     std::uint32_t clockMs = 0;

@@ -18,9 +18,10 @@ enum class ListID : std::uint8_t
     Playing, ///< It has a channel.
     Emulated, ///< It runs without one.
     Waiting, ///< It has been started and not yet dealt with.
-    Chosen ///< During an allocation: it has won, and is about to get or keep its channel.
+    Chosen, ///< During an allocation: it has won, and is about to get or keep its channel.
+    Paused ///< Time stands still for it.
 };
-inline constexpr std::size_t numLists = 5;
+inline constexpr std::size_t numLists = 6;
 
 /// What the kernel notes about a sound besides its flags.
 enum RowMarks : std::uint16_t
@@ -32,6 +33,8 @@ enum RowMarks : std::uint16_t
     RowRewound = 0x0010, ///< Counting has gone round the loop.
     RowOwnRate = 0x0020, ///< Its rate is not that of its file.
     RowPlaced = 0x0040, ///< Its place has been worked out before.
+    RowWasHeard = 0x0400, ///< On the paused list: it had a channel, or is to have one at once.
+    RowWasWaiting = 0x0800, ///< On the paused list: it waited to be started.
     RowDelayed = 0x1000, ///< Its delay is above 0.
     RowNewcomer = 0x2000 ///< It was started during the running update.
 };

@@ -154,6 +154,23 @@ void SoundSystem::StopAll3D()
         theKernel->StopAll3D();
 }
 
+void SoundSystem::PauseAll()
+{
+    if (theKernel)
+        theKernel->SetAllPaused(true);
+}
+
+void SoundSystem::ResumeAll()
+{
+    if (theKernel)
+        theKernel->SetAllPaused(false);
+}
+
+bool SoundSystem::IsAllPaused()
+{
+    return theKernel && theKernel->IsAllPaused();
+}
+
 void SoundSystem::SetMaxAudibleSounds(unsigned int count)
 {
     if (theKernel)

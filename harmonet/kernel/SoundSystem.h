@@ -76,6 +76,12 @@ public:
     /// Ends all positional sounds.
     static void StopAll3D();
 
+    /// Pauses all sounds and music, those to come included, until ResumeAll(): see Sound::PauseSound(). What
+    /// is paused by itself or with its group stays so.
+    static void PauseAll();
+    static void ResumeAll();
+    static bool IsAllPaused();
+
     /// The limit of audible sounds, in force from the next full update. The driver is not told: beyond what
     /// the option "MaxSounds" gave it at the start it may refuse channels. 2^31 and more silences all but
     /// music, as 0 does.

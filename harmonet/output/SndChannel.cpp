@@ -34,4 +34,6 @@ void SndChannel::Unlock()
 
 void SndChannel::SetStartTime(std::int64_t, std::int64_t) {}
 
+void SndChannel::SkipFade(int) {}
+
 } // namespace Quon

@@ -121,6 +121,10 @@ public:
     /// than 0 for a start that the game has put off to a time that is still to come.
     virtual void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds);
 
+    /// The fade that has just been asked for, with FadeIn() or FadeOut(), begins as if so many milliseconds
+    /// of it were over: the sound comes back from a pause. The default does nothing, and the fade is longer.
+    virtual void SkipFade(int ms);
+
 protected:
     int type = 0;
     SndFile* sndFile = nullptr;

@@ -1,0 +1,217 @@
+// Pause: time stands still for the sounds on the paused list.
+
+#include "harmonet/files/SndFile.h"
+#include "harmonet/kernel/SndKernel.h"
+#include "harmonet/kernel/SoundWalk.h"
+#include "harmonet/output/SndChannel.h"
+#include "harmonet/output/SndDriver.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Quon
+{
+
+namespace
+{
+
+// Whether a sound was, or would have been, counted as due by this update.
+bool IsDue(const SoundRow& row)
+{
+    return row.list == ListID::Waiting && !row.HasMark(RowDelayed | RowNewcomer) &&
+        !row.HasAnyFlag(FlagInPause);
+}
+
+} // namespace
+
+void SndKernel::SetAllPaused(bool on)
+{
+    allPaused = on;
+    NotePauses();
+}
+
+// Returns by how much the number of waiting sounds that are due has changed.
+int SndKernel::ApplyPauses(const UpdateStep& step)
+{
+    // What a handler pauses from here on is for the next update.
+    if (!std::exchange(pausesChanged, false))
+        return 0;
+    try {
+        return MoveToPausedAndBack(step);
+    }
+    catch (...) {
+        // There was no memory: the next update goes on with it.
+        pausesChanged = true;
+        throw;
+    }
+}
+
+int SndKernel::MoveToPausedAndBack(const UpdateStep& step)
+{
+    int due = 0;
+    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
+        SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
+        while (const SoundRow* row = walk.Next()) {
+            if (!row->sound->IsPaused())
+                continue;
+            due -= IsDue(*row) ? 1 : 0;
+            Pause(*row->sound);
+        }
+    }
+    // From the tail, so that the head of a sound along a line comes before its sources.
+    SoundWalk walk(*this, ListID::Paused, SoundWalk::FromTail, SoundWalk::Visit);
+    while (const SoundRow* row = walk.Next()) {
+        if (!row->sound->IsPaused())
+            due += Resume(*row->sound, step);
+    }
+    return due;
+}
+
+void SndKernel::Pause(SndBase& sound)
+{
+    SoundRow& row = sound.Row();
+    row.SetMark(RowWasHeard, row.list == ListID::Playing);
+    row.SetMark(RowWasWaiting, row.list == ListID::Waiting);
+    Unlist(sound);
+    sound.PauseOutput();
+    sound.pausedMoves = listenerMoves;
+    sound.pausedSince = clockMs;
+    Insert(sound, ListID::Paused);
+    SetReason(row, SoundReason::Paused);
+}
+
+// A sound that is started while it is paused. `mark` says what it is once it is not.
+void SndKernel::StartPaused(SndBase& sound, std::uint16_t mark)
+{
+    SoundRow& row = sound.Row();
+    MarkStarted(sound);
+    row.SetMark(RowWasHeard | RowWasWaiting, false);
+    row.SetMark(mark, true);
+    sound.SetStateTime(waitingStateTimeMs);
+    sound.pausedSince = clockMs;
+    Unlist(sound);
+    Insert(sound, ListID::Paused);
+    SetReason(row, SoundReason::Paused);
+    // The pause may have been ended before this update.
+    NotePauses();
+}
+
+// Music that is started while it is paused. A piece that fades out in the same instance is paused with it.
+bool SndKernel::HoldMusic(SndBase& instance)
+{
+    SndFile* file = driver ? OpenFileOf(instance) : nullptr;
+    if (!file)
+        return false;
+    if (instance.Row().list == ListID::Playing)
+        Pause(instance);
+    instance.TakeFile(file);
+    instance.SetSoundLength(file->GetSoundLength());
+    StartPaused(instance, RowWasHeard);
+    return true;
+}
+
+// A sound that has not begun does so as much later as the pause was long.
+void SndKernel::DelayStart(SndBase& sound) const
+{
+    constexpr std::int64_t microsecondsPerMs = 1000;
+    const std::int64_t length = std::int64_t{clockMs - sound.pausedSince} * microsecondsPerMs;
+    sound.startGameTime += length;
+    sound.startMachineTime += length;
+}
+
+// Returns 1 if the sound waits and is due, else 0.
+int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
+{
+    SoundRow& row = sound.Row();
+    const bool listenerMoved = sound.pausedMoves != listenerMoves;
+    Unlist(sound);
+    DelayStart(sound);
+    if (row.HasAnyFlag(FlagPolyline)) {
+        Insert(sound, ListID::Emulated);
+        if (listenerMoved && !sound.SndUpdate(0.0F, step.listener, true))
+            delete &sound;
+        return 0;
+    }
+    const bool isPlaced = row.HasAnyFlag(Flag3D) && !row.HasAnyFlag(FlagInPause);
+    if (isPlaced && (listenerMoved || row.HasMark(RowMoved)))
+        sound.CalcDistSqr(step.listener);
+    if (row.HasMark(RowWasHeard)) {
+        ResumeHeard(sound);
+        return 0;
+    }
+    Insert(sound, row.HasMark(RowWasWaiting) ? ListID::Waiting : ListID::Emulated);
+    if (!IsDue(row))
+        return 0;
+    sound.CalcDistSqr(step.listener);
+    return 1;
+}
+
+// Music has its channel back at once. Another sound goes back among those that have one, with the claim that
+// it had, and gets it with this update's decision.
+void SndKernel::ResumeHeard(SndBase& sound)
+{
+    SoundRow& row = sound.Row();
+    if (sound.fadingOut.file)
+        ResumeFadeOut(sound);
+    if (sound.fadeOutChannel)
+        Insert(sound, ListID::Playing);
+    if (!sound.sndFile || sound.IsMusic()) {
+        const bool goesOn = sound.sndFile ? StartChannel(&sound) : sound.fadeOutChannel != nullptr;
+        if (!goesOn)
+            delete &sound;
+        return;
+    }
+    if (const SoundReason reason = WhyUnheard(row); reason != SoundReason::None) {
+        LeavePlaying(sound, reason);
+        return;
+    }
+    row.flags = (row.flags | FlagDistLTMax) & ~FlagDistGTMax;
+    // One that is protected goes past the limit, and its channel may be another's.
+    sound.SetStateTime(std::max<unsigned long>(sound.GetStateTime(), settledMs));
+    Insert(sound, ListID::Playing);
+    hasReturned = true;
+}
+
+void SndKernel::ResumeFadeOut(SndBase& sound)
+{
+    SndBase::FadeOutState& fade = sound.fadingOut;
+    SndFile* file = std::exchange(fade.file, nullptr);
+    SndChannel* channel = driver->CreateChannel(fade.flags, file, sound.fxList);
+    if (!channel) {
+        SndBase::Telling telling(sound);
+        sound.CloseAndDelete(file);
+        return;
+    }
+    if (fade.gain < 1.0F)
+        channel->SetGain(fade.gain);
+    // Play() places what is at the sound's own channel, and that is the next piece's.
+    SndFile* own = sound.sndFile;
+    sound.sndChannel = channel;
+    sound.Play(file);
+    sound.sndChannel = nullptr;
+    sound.TakeFile(own);
+    if (sound.newFrequency != 0)
+        channel->SetFrequency(sound.newFrequency);
+    channel->Play();
+    channel->FadeOut(fade.ms);
+    channel->SkipFade(static_cast<int>(fade.since));
+    sound.fadeOutChannel = channel;
+    fade.since = clockMs - fade.since;
+}
+
+void SndKernel::StartReturned()
+{
+    if (!std::exchange(hasReturned, false))
+        return;
+    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::PassOver);
+    while (const SoundRow* row = walk.Next()) {
+        SndBase& sound = *row->sound;
+        if (sound.IsAudible())
+            continue;
+        Unlist(sound);
+        if (!StartChannel(&sound))
+            EmulateOrDelete(sound);
+    }
+}
+
+} // namespace Quon
