@@ -66,6 +66,28 @@ TEST_F(PlayInterfaceTest, WhatIsNotFiniteIsOutOfReachAndNeverReachesTheDriver)
     }
 }
 
+// A delay that stayed would keep the first one out after it has lost its channel.
+TEST_F(PlayInterfaceTest, ASoundThatFindsNoChannelCompetesIfItMay)
+{
+    system.SetMaxAudibleSounds(1);
+    const int first = Play(file, Sound::StartNowOrCompete, 0, 500);
+    EXPECT_EQ(Playing(), Ids{first});
+    EXPECT_EQ(Play(other, Sound::StartImmediately, 5), 0);
+    const int second = Play(other, Sound::StartNowOrCompete, 5);
+    EXPECT_EQ(Waiting(), Ids{second});
+    StepTimes(7, 40);
+    EXPECT_EQ(Playing(), Ids{second});
+    StepTimes(6, 40);
+    StepWithEnd(ChannelOf(second));
+    EXPECT_EQ(Playing(), Ids{first});
+    // Not even a short one is lost for want of a listener.
+    microphone.reset();
+    const int placed = group->New3DSound(WriteWave("short.wav", {100}), nullptr);
+    EXPECT_TRUE(group->StartSound(placed, Sound::StartNowOrCompete));
+    EXPECT_EQ(Waiting(), Ids{placed});
+    EXPECT_EQ(Play("none.wav", Sound::StartNowOrCompete), 0);
+}
+
 TEST_F(PlayInterfaceTest, AnIdThatFindsNothingDoesNothing)
 {
     const int ended = Play(file);

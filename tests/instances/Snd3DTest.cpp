@@ -60,6 +60,28 @@ TEST_F(Snd3DTest, TheRangeHasABandInWhichASoundStaysAsItIs)
     EXPECT_TRUE(sound.IsDistLTMax());
 }
 
+// From the top, as a scene goes: the node has leapt when its turn comes.
+TEST_F(Snd3DTest, ASoundStaysWhereItWasHeardWhenItsNodeIsDestroyed)
+{
+    auto world = std::make_unique<Particle>();
+    auto node = std::make_unique<Particle>();
+    world->Add(node.get());
+    world->SetPosition({3.0F, 0.0F, 0.0F});
+    node->SetPosition({4.0F, 0.0F, 0.0F});
+    node->SetOrientation(TurnAbout(axisZ, 90.0));
+    const int id = group->New3DSound(file, nullptr);
+    group->SetSoundPosition(id, {0.0F, -1.0F, 0.0F});
+    ASSERT_TRUE(group->AttachSound(id, node.get(), PString()));
+    group->StartSound(id, 0);
+    StepTimes(2, 40);
+    world.reset();
+    node.reset();
+    StepTimes(2, 40);
+    EXPECT_NEAR(group->GetSoundPosition(id).x, 8.0F, 1e-5);
+    EXPECT_NEAR(Find(id)->GetDistSqr(), 64.0F, 1e-4);
+    EXPECT_NEAR(group->GetSoundOrientation(id).z, std::sqrt(0.5), 1e-6);
+}
+
 TEST_F(Snd3DTest, OnlyAConeInUseCostsCalls)
 {
     struct Row

@@ -21,6 +21,7 @@ public:
     void Stop() override;
     void FadeIn(int ms) override;
     void FadeOut(int ms) override;
+    void SkipFade(int ms) override { Called("SkipFade " + std::to_string(ms)); }
     unsigned long GetRemainLength() override;
     void Spare2() override { recording.Require(false, "Spare2 of a channel"); }
     void SetGain(float gain) override;

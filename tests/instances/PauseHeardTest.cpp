@@ -1,0 +1,226 @@
+// A pause as it is heard: rendered through the output driver, against the same scene without it.
+
+#include "harmonet/instances/Microphone.h"
+#include "harmonet/instances/Music.h"
+#include "harmonet/instances/Sound.h"
+#include "tests/drivers/OfflineRig.h"
+#include "tests/support/HostTest.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <random>
+#include <tuple>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr int rateHz = 22050;
+constexpr int stepMs = 40;
+constexpr std::size_t stepFrames = rateHz * stepMs / 1000;
+constexpr int sceneSteps = 60;
+// A sound that goes, or comes back, takes the handover fade of 30 ms and the block that is mixed then.
+constexpr std::size_t rampFrames = stepFrames;
+constexpr int numParts = 7;
+
+/// When a part of the scene is paused: before which step, and for how many.
+struct Halt
+{
+    int step = sceneSteps + 1;
+    int length = 0;
+};
+using Halts = std::array<Halt, numParts>;
+
+Halts Same(Halt halt)
+{
+    Halts halts;
+    halts.fill(halt);
+    return halts;
+}
+
+class PauseHeard : public HostTest
+{
+protected:
+    PauseHeard()
+    {
+        for (int part = 0; part < numParts + 2; ++part)
+            folder.Write("noise" + std::to_string(part), BuildNoise(part));
+    }
+
+    /// What is heard of the parts whose bit is set in `parts`, each paused by itself, or all at once if
+    /// `everything` is set. It is the first part's halt that counts then.
+    std::vector<double> Render(
+        unsigned int parts, const Halts& halts, bool everything, const char* maxSounds = "20")
+    {
+        const std::string path = (GetTestFolder() / "pause.wav").string();
+        SetOption("Sound", "HarmonetOpenAL");
+        SetOption("OpenALRender", path.c_str());
+        SetOption("MaxSounds", maxSounds);
+        EXPECT_TRUE(Start());
+        {
+            Microphone microphone;
+            microphone.Activate();
+            Scene scene;
+            const int longest = std::ranges::max(halts, {}, &Halt::length).length;
+            for (int step = 1; step <= sceneSteps + longest; ++step) {
+                if (everything && step == halts[0].step)
+                    SoundSystem::PauseAll();
+                if (everything && step == halts[0].step + halts[0].length)
+                    SoundSystem::ResumeAll();
+                for (unsigned int part = 0; part < numParts; ++part) {
+                    if (parts & 1U << part)
+                        scene.Act(part, step, halts[part], !everything);
+                }
+                Step(stepMs);
+            }
+        }
+        system.Done();
+        const Rendering heard = ReadRendering(path);
+        std::vector<double> left(heard.GetFrames());
+        for (std::size_t i = 0; i < left.size(); ++i)
+            left[i] = heard.At(i);
+        return left;
+    }
+
+private:
+    static std::vector<unsigned char> BuildNoise(int seed)
+    {
+        constexpr std::size_t headBytes = 44;
+        // The third is short: less than 500 ms are left of it at most of the pauses.
+        std::vector<unsigned char> wave = BuildWave({seed == 2 ? 13000 : 25000, rateHz, 1, 16});
+        std::minstd_rand random(static_cast<unsigned int>(seed + 1));
+        for (std::size_t at = headBytes; at + 2 <= wave.size(); at += 2) {
+            const auto sample = static_cast<int>(random() % 4001) - 2000;
+            wave[at] = static_cast<unsigned char>(sample & 0xFF);
+            wave[at + 1] = static_cast<unsigned char>(sample >> 8 & 0xFF);
+        }
+        return wave;
+    }
+
+    /// One sound, or one piece of music, in each state that a pause can meet.
+    struct Scene
+    {
+        std::array<Sound, numParts> groups;
+        std::array<int, numParts> ids{};
+        Music music;
+
+        void Act(unsigned int part, int step, const Halt& halt, bool byItself)
+        {
+            if (byItself && (step == halt.step || step == halt.step + halt.length))
+                SetPaused(part, step == halt.step);
+            if (step <= halt.step)
+                ActInTime(part, step);
+            else if (step > halt.step + halt.length)
+                ActInTime(part, step - halt.length);
+        }
+
+        void SetPaused(unsigned int part, bool on)
+        {
+            if (part == 4)
+                on ? music.Pause() : music.Resume();
+            else if (part % 2 == 0)
+                on ? groups[part].Pause() : groups[part].Resume();
+            else
+                on ? groups[part].PauseSound(ids[part]) : groups[part].ResumeSound(ids[part]);
+        }
+
+        void ActInTime(unsigned int part, int step)
+        {
+            Sound& group = groups[part];
+            int& id = ids[part];
+            const std::string file = "noise" + std::to_string(part);
+            if (step == 1 && part == 4)
+                music.FadeIn(file.c_str(), 600, true);
+            else if (step == 1)
+                StartSound(part, group, id, file.c_str());
+            else if (step == 14 && part == 4)
+                music.CrossFade("noise8", 900, true);
+            else if (step == 9 && part == 6)
+                group.FadeOutSound(id, 1000);
+        }
+
+        static void StartSound(unsigned int part, Sound& group, int& id, const char* file)
+        {
+            id = part == 5 ? group.New3DSound(file, nullptr) : group.New2DSound(file, nullptr);
+            group.SetSoundPriority(id, -static_cast<int>(part));
+            if (part == 0)
+                group.SetSoundFadeIn(id, 1200);
+            if (part == 1)
+                group.SetSoundDelay(id, 900);
+            if (part == 3)
+                group.CatSound(id, "noise7", nullptr);
+            if (part == 5) {
+                group.SetSoundCone(id, 360.0F, 360.0F, 1.0F);
+                group.SetSoundMinMaxDistance(id, 10.0F, 100.0F, false);
+                group.SetSoundPosition(id, {1.0F, 0.0F, 0.0F});
+            }
+            group.StartSound(id, part == 0 ? Sound::StartLooping : 0);
+        }
+    };
+};
+
+/// The sound with the silence of a pause put in.
+std::vector<double> Insert(std::vector<double> sound, const Halt& halt)
+{
+    if (halt.length > 0)
+        sound.insert(sound.begin() + static_cast<std::ptrdiff_t>(halt.step * stepFrames),
+            static_cast<std::size_t>(halt.length) * stepFrames, 0.0);
+    return sound;
+}
+
+bool IsRamp(std::size_t frame, const Halt& halt)
+{
+    const std::size_t begin = static_cast<std::size_t>(halt.step) * stepFrames;
+    const std::size_t end = begin + static_cast<std::size_t>(halt.length) * stepFrames;
+    return halt.length > 0 &&
+        ((frame >= begin && frame < begin + rampFrames) || (frame >= end && frame < end + rampFrames));
+}
+
+void ExpectEqualOutsideRamps(
+    const std::vector<double>& heard, const std::vector<double>& expected, const Halts& halts)
+{
+    constexpr double lastBits = 3e-4;
+    ASSERT_GE(heard.size(), expected.size());
+    std::size_t compared = 0;
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        if (std::ranges::any_of(halts, [i](const Halt& halt) { return IsRamp(i, halt); }))
+            continue;
+        ASSERT_NEAR(heard[i], expected[i], lastBits) << "step " << i / stepFrames << ", frame " << i;
+        ++compared;
+    }
+    EXPECT_GT(compared, expected.size() / 2);
+}
+
+constexpr unsigned int allParts = (1U << numParts) - 1;
+
+// With more sounds than channels some are virtual, and two have come and gone when the last pause begins.
+TEST_F(PauseHeard, APauseOfEverythingIsSilenceAndNothingElse)
+{
+    for (const char* maxSounds : {"20", "4"}) {
+        const std::vector<double> undisturbed = Render(allParts, Halts(), true, maxSounds);
+        for (const Halt& halt : {Halt{3, 1500}, Halt{8, 30}, Halt{12, 1}, Halt{20, 30}, Halt{33, 30}}) {
+            SCOPED_TRACE(std::string(maxSounds) + " sounds, paused at " + std::to_string(halt.step));
+            const std::vector<double> heard = Render(allParts, Same(halt), true, maxSounds);
+            ExpectEqualOutsideRamps(heard, Insert(undisturbed, halt), Same(halt));
+        }
+    }
+}
+
+TEST_F(PauseHeard, EachSoundPausedAtAnotherMomentIsTheSumOfAll)
+{
+    const Halts halts = {
+        Halt{5, 20}, Halt{8, 20}, Halt{11, 20}, Halt{30, 20}, Halt{17, 20}, Halt{24, 20}, Halt{14, 20}};
+    std::vector<double> expected((sceneSteps + 20) * stepFrames, 0.0);
+    for (unsigned int part = 0; part < numParts; ++part) {
+        const std::vector<double> alone = Insert(Render(1U << part, Halts(), false), halts[part]);
+        std::transform(expected.begin(), expected.end(), alone.begin(), expected.begin(), std::plus<>());
+    }
+    ExpectEqualOutsideRamps(Render(allParts, halts, false), expected, halts);
+}
+
+} // namespace
+
+} // namespace Quon
