@@ -13,6 +13,11 @@ namespace
 constexpr float maxCoordinate = 1e15f;
 constexpr float fullTurn = 360.0f;
 
+// A sound that was given no distances and no cone comes with zeros. These are what sounds have that are
+// defined in text.
+constexpr float defaultMinDistance = 10.0f;
+constexpr float defaultMaxDistance = 500.0f;
+
 float HoldDistance(float distance)
 {
     return std::clamp(distance, 0.0f, std::numeric_limits<float>::max());
@@ -37,6 +42,9 @@ bool TakeDistances(float minDistance, float maxDistance, bool cutout, DistanceRa
         return false;
     }
     taken = {HoldDistance(minDistance), HoldDistance(maxDistance), cutout};
+    if (taken.minDistance == 0.0f && taken.maxDistance == 0.0f && !cutout) {
+        taken = {defaultMinDistance, defaultMaxDistance, false};
+    }
     return true;
 }
 
@@ -47,6 +55,9 @@ bool TakeCone(float innerAngle, float outerAngle, float outerGain, Cone& taken)
     }
     const float inner = std::clamp(innerAngle, 0.0f, fullTurn);
     taken = {inner, std::clamp(outerAngle, inner, fullTurn), std::clamp(outerGain, 0.0f, 1.0f)};
+    if (taken.outerAngle == 0.0f && taken.outerGain == 0.0f) {
+        taken = {};
+    }
     return true;
 }
 

@@ -30,10 +30,12 @@ struct Cone
 /// number.
 bool TakePosition(const Vector3& position, Vector3& taken);
 
-/// Infinity becomes the largest number and what is negative 0. False, and no change, if one is no number.
+/// Infinity becomes the largest number and what is negative 0. Distances of 0 without cutout are none, and
+/// become 10 and 500. False, and no change, if one is no number.
 bool TakeDistances(float minDistance, float maxDistance, bool cutout, DistanceRange& taken);
 
-/// Holds the values within their ranges. False, and no change, if one is no number.
+/// Holds the values within their ranges. A cone that is heard nowhere, of no angle and no gain, is none.
+/// False, and no change, if one is no number.
 bool TakeCone(float innerAngle, float outerAngle, float outerGain, Cone& taken);
 
 /// Whether a sound with cutout is silent because it is farther away than its maximum distance.

@@ -199,6 +199,7 @@ bool SndBase::Emulate()
     if (fadeOutChannel)
         ReleaseFadeOutChannel();
     fadeInPassed = 0;
+    Row().SetMark(RowReturns, false);
     SetStateTime(0);
     return IsPolyline() || sndFile;
 }

@@ -359,6 +359,7 @@ private:
     FadeOutState fadingOut;
     std::uint32_t fadeInPassed = 0; ///< Milliseconds of the fade-in that were heard before a pause.
     std::uint32_t pausedMoves = 0; ///< How often the listener had moved when the pause began,
+    std::uint32_t pausedStateMs = 0; ///< Its state time then,
     std::uint32_t pausedSince = 0; ///< and when that was on the kernel's clock.
 
 protected:

@@ -35,6 +35,8 @@ SoundPhase PhaseOf(const SndBase& sound, ListID list)
         return SoundPhase::Waiting;
     case ListID::Chosen:
         return sound.IsAudible() ? SoundPhase::Heard : SoundPhase::Waiting;
+    case ListID::Paused:
+        return sound.IsPlaying() ? SoundPhase::Virtual : SoundPhase::Waiting;
     case ListID::None:
         break;
     }

@@ -22,6 +22,9 @@ constexpr float otherGain = 0.5F; // Of the sources behind the first.
 constexpr float minDistanceSpacing = 0.5F;
 constexpr float maxDistanceSpacing = 0.01F;
 constexpr float minDistanceReach = 30.0F; // Of a sound without a cutout.
+// Of a sound that was given no distances: those of one that is defined in text.
+constexpr float defaultMinDistance = 10.0F;
+constexpr float defaultMaxDistance = 500.0F;
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
 float CalcCosine(float degrees)
@@ -114,8 +117,12 @@ void SndPolyline::IncludeInBounds(const Vector3& point)
 // What is no number counts as 0. Without a spacing each piece has one candidate, its nearest point.
 void SndPolyline::CalcReach()
 {
-    const float nearest = std::isnan(GetMinDistance()) ? 0.0F : GetMinDistance();
-    const float farthest = std::isnan(GetMaxDistance()) ? 0.0F : GetMaxDistance();
+    float nearest = std::isnan(GetMinDistance()) ? 0.0F : GetMinDistance();
+    float farthest = std::isnan(GetMaxDistance()) ? 0.0F : GetMaxDistance();
+    if (GetMinDistance() == 0.0F && GetMaxDistance() == 0.0F && !GetCutout()) {
+        nearest = defaultMinDistance;
+        farthest = defaultMaxDistance;
+    }
     pointSpacing = std::max(nearest * minDistanceSpacing, farthest * maxDistanceSpacing);
     range = GetCutout() ? farthest : std::max(nearest * minDistanceReach, farthest);
     const int numSegments = static_cast<int>(segments.size());

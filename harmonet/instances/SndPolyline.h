@@ -69,7 +69,8 @@ public:
     ///
     /// Points that are not finite, or too far away to measure, are passed over, and so are those that
     /// coincide with the one before. One place is a line too; without any the line is never heard. The same
-    /// goes for distances that leave nothing in reach, 0 among them.
+    /// goes for distances that leave nothing in reach; but 0 and 0 without a cutout are none set, and count
+    /// as 10 and 500.
     bool Init(const Vector3* points, int numPoints, unsigned int* ids, int numIds, float minAngle);
 
     /// The point of a piece that is nearest to the listener; returns its distance. `along` is its place along

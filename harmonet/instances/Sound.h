@@ -81,7 +81,7 @@ public:
         StartDisableMicFX = 0x40,
         /// As StartImmediately, but a sound that finds no channel competes at the next update by its
         /// priority, and a delay is set to 0. Has no effect on a sound along a line.
-        StartNowOrCompete = 0x80
+        StartNowOrCompete = 0x88
     };
 
     Sound();

@@ -56,8 +56,8 @@ void ApplyStartFlags(SndBase& sound, int flags)
         sound.AddFlags(FlagNoEmulation);
     if (flags & Sound::StartImmediately)
         sound.AddFlags(FlagImmediately);
-    if (flags & Sound::StartNowOrCompete)
-        sound.AddFlags(FlagImmediately | FlagCompete);
+    if ((flags & Sound::StartNowOrCompete) == Sound::StartNowOrCompete)
+        sound.AddFlags(FlagCompete);
     if ((flags & Sound::StartQueued) && !(flags & Sound::StartLooping))
         sound.AddFlags(FlagQueued);
     if ((flags & Sound::StartChgFrequency) && sound.GetThisFXList().GetNumEffects() == 0)

@@ -236,6 +236,10 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
         channel->SetGain(outputGain);
     const bool isBeginning = !sound.IsPlaying();
     sound.Play(file);
+    if (sound.Row().HasMark(RowReturns)) {
+        sound.SetStateTime(sound.pausedStateMs);
+        sound.Row().SetMark(RowReturns, false);
+    }
     if (sound.newFrequency != 0)
         channel->SetFrequency(sound.newFrequency);
     if (isBeginning) {

@@ -167,6 +167,8 @@ void SndKernel::ResumeHeard(SndBase& sound)
     }
     row.flags = (row.flags | FlagDistLTMax) & ~FlagDistGTMax;
     // One that is protected goes past the limit, and its channel may be another's.
+    sound.pausedStateMs = row.stateTimeMs;
+    row.SetMark(RowReturns, true);
     sound.SetStateTime(std::max<unsigned long>(sound.GetStateTime(), settledMs));
     Insert(sound, ListID::Playing);
     hasReturned = true;

@@ -33,6 +33,7 @@ enum RowMarks : std::uint16_t
     RowRewound = 0x0010, ///< Counting has gone round the loop.
     RowOwnRate = 0x0020, ///< Its rate is not that of its file.
     RowPlaced = 0x0040, ///< Its place has been worked out before.
+    RowReturns = 0x0200, ///< On the playing list without a channel: it comes back from a pause.
     RowWasHeard = 0x0400, ///< On the paused list: it had a channel, or is to have one at once.
     RowWasWaiting = 0x0800, ///< On the paused list: it waited to be started.
     RowDelayed = 0x1000, ///< Its delay is above 0.

@@ -84,11 +84,13 @@ public:
     /// Position of the source in world units, in the coordinates of the scene.
     virtual void SetPosition(const Vector3& position) = 0;
     /// Range of the distance attenuation, in world units: full gain up to `minDistance`, no further loss
-    /// beyond `maxDistance`, or silence there if `cutout` is set.
+    /// beyond `maxDistance`, or silence there if `cutout` is set. 0 and 0 without cutout: the sound was given
+    /// none, and the driver chooses.
     virtual void SetMinMaxDistance(float minDistance, float maxDistance, bool cutout) = 0;
     /// Keeps its place in the table of operations; the library never calls it.
     virtual void Spare3() = 0;
-    /// Full angles in degrees; `outerGain` is the linear factor outside the outer cone.
+    /// Full angles in degrees; `outerGain` is the linear factor outside the outer cone. Angles and gain of 0:
+    /// the sound was given no cone, and is heard alike in all directions.
     virtual void SetCone(float innerAngle, float outerAngle, float outerGain) = 0;
     /// The axis of the cone, in the coordinates of the scene.
     virtual void SetDirection(const Vector3& direction) = 0;

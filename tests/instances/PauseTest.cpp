@@ -192,7 +192,7 @@ TEST_F(PauseTest, ALineIsPausedWithItsSourcesAndFollowsTheListenerAfterwards)
 TEST_F(PauseTest, HandlersMayPauseAndResume)
 {
     int calls = 0;
-    observer->react = [&](const LoggingObserver::Note& note) {
+    observer->react = [&](const Note& note) {
         ++calls;
         calls % 2 ? group->Pause() : group->Resume();
         calls % 3 ? SoundSystem::ResumeAll() : SoundSystem::PauseAll();

@@ -79,6 +79,7 @@ TEST_F(PlayInterfaceTest, ASoundThatFindsNoChannelCompetesIfItMay)
     EXPECT_EQ(Playing(), Ids{second});
     StepTimes(6, 40);
     StepWithEnd(ChannelOf(second));
+    Step(40);
     EXPECT_EQ(Playing(), Ids{first});
     // Not even a short one is lost for want of a listener.
     microphone.reset();
