@@ -88,8 +88,10 @@ TEST_F(Placed, GainFallsWithDistanceByTheInverseLawBetweenMinimumAndMaximum)
     const Row rows[] = {{2, 50, 1, 1, 1.0}, {2, 50, 1, 2, 1.0}, {2, 50, 1, 4, 0.5}, {2, 50, 1, 50, 0.04},
         {2, 50, 1, 500, 0.04}, {2, 50, 2, 4, 2.0 / (2 + 2 * 2)}, {2, 50, 0.5f, 10, 2.0 / (2 + 0.5 * 8)},
         {2, 50, 0, 40, 1.0}, {10, 100, 1, 20, 0.5},
-        // Distances that say nothing: no attenuation.
-        {0, 0, 1, 30, 1.0}, {10, 5, 1, 30, 1.0}, {-4, infinite, 1, 30, 1.0}};
+        // None set: the 10 and 500 of a definition that sets none.
+        {0, 0, 1, 30, 10.0 / 30},
+        // Distances without a range: no attenuation.
+        {10, 5, 1, 30, 1.0}, {-4, infinite, 1, 30, 1.0}};
     Play();
     for (const Row& row : rows) {
         driver.SetRolloffFactor(row.rolloff);
