@@ -1,5 +1,6 @@
 // Renders the scene: harmonet_demo RECORDINGS FOLDER. Makes the sounds in FOLDER/sounds, and leaves what was
-// heard in FOLDER/demo.wav and what became of each sound in FOLDER/demo.json.
+// heard in FOLDER/demo.wav, what became of each sound in FOLDER/demo.json, and a page of both in
+// FOLDER/demo.html.
 
 #include "examples/scene/Market.h"
 #include "examples/scene/Report.h"
@@ -10,8 +11,10 @@
 #include "harmonet/engine/TaskList.h"
 #include "harmonet/kernel/QuonGetPlugins.h"
 #include "harmonet/kernel/SoundSystem.h"
+#include "tools/trace/Timeline.h"
 
 #include <cstdio>
+#include <fstream>
 #include <stdexcept>
 
 namespace
@@ -38,6 +41,8 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
     if (!database.AddFolder("market", (folder / "sounds").string().c_str()) || !system.Init(&os, false))
         return false;
 
+    Trace::Timeline timeline;
+    Quon::SoundSystem::SetTrace(&timeline);
     Quon::SoundSystem::SetMainGain(mainGain);
     Scene::Market market(database, history);
     for (long nowMs = frameMs; nowMs <= Scene::Market::durationMs; nowMs += frameMs) {
@@ -48,6 +53,11 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
     }
     if (Quon::SoundSystem::HasLostOutput())
         throw std::runtime_error("demo.wav is cut off, the disk is full");
+    std::ofstream page;
+    page.exceptions(std::ios::failbit | std::ios::badbit);
+    page.open(folder / "demo.html");
+    timeline.WritePage(page);
+    page.close();
     return true;
 }
 
@@ -69,7 +79,8 @@ int main(int argumentCount, char** arguments)
         }
         Scene::PrintTable(history);
         Scene::WriteJson(history, folder / "demo.json");
-        std::printf("\nwhat was heard: %s\n", (folder / "demo.wav").string().c_str());
+        std::printf("\nwhat was heard: %s\nwhen, and why not: %s\n", (folder / "demo.wav").string().c_str(),
+            (folder / "demo.html").string().c_str());
     }
     catch (const std::exception& error) {
         std::fprintf(stderr, "harmonet_demo: %s\n", error.what());

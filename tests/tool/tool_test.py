@@ -467,6 +467,44 @@ class DocumentsTest(ToolCase):
                 self.assertEqual(done.stdout.split(), expected, done.stderr)
 
 
+class TraceTest(ToolCase):
+    def play(self, *options):
+        self.write_wave("a.wav", sine(440, 1.5, 0.5))
+        self.write_wave("b.wav", sine(440, 1.5, 0.5))
+        self.succeed("play", "--driver", "HarmonetNull", "--channels", 1, "--at", "3,0,0", *options, "a.wav",
+                     "b.wav")
+
+    def test_each_sound_of_a_trace_has_its_states_and_ends(self):
+        self.play("--trace", "out.json")
+        stacks, states = {}, set()
+        for event in json.loads((self.folder / "out.json").read_text()):
+            stack = stacks.setdefault(event.get("id"), [])
+            if event["ph"] == "b":
+                stack.append(event["name"])
+                states.add(event["name"])
+            elif event["ph"] == "e":
+                self.assertEqual(stack.pop(), event["name"])
+            elif event["ph"] == "X":
+                self.assertGreater(event["dur"], 0)
+        self.assertEqual([stack for stack in stacks.values() if stack], [])
+        self.assertIn("heard: it has a channel", states)
+        self.assertTrue([state for state in states if state.startswith("virtual: ")], states)
+
+    def test_a_timeline_is_one_page_with_all_sounds(self):
+        self.play("--timeline", "out.html")
+        page = (self.folder / "out.html").read_text()
+        self.assertNotRegex(page, r"(src|href)=|https?:|@import")
+        data = json.loads(re.search(r'id="data">(.*?)</script>', page, re.DOTALL)[1])
+        self.assertEqual(len(data["sounds"]), 2)
+        for sound in data["sounds"]:
+            self.assertEqual(sound["places"][1:], [3, 0])
+            self.assertEqual(sound["states"][::2], sorted(sound["states"][::2]))
+        # The one without a channel ends when less than half a second is left.
+        self.assertEqual(sorted(sound["outcome"] for sound in data["sounds"]), ["cut off", "ended"])
+        heard = [data["states"][state]["look"] for sound in data["sounds"] for state in sound["states"][1::2]]
+        self.assertLessEqual({"heard", "virtual"}, set(heard))
+
+
 class DefinitionsTest(ToolCase):
     def setUp(self):
         super().setUp()

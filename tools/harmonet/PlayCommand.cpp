@@ -63,6 +63,16 @@ void AddOutput(CLI::App& command, Host::Settings& values)
         ->allow_extra_args(false);
 }
 
+void AddRecords(CLI::App& command, PlayRequest& values)
+{
+    command
+        .add_option(
+            "--trace", values.tracePath, "Write what happens to the sounds as trace events, for Perfetto")
+        ->type_name("OUT.json");
+    command.add_option("--timeline", values.timelinePath, "Write what happens to the sounds as a page")
+        ->type_name("OUT.html");
+}
+
 } // namespace
 
 void AddPlayCommand(CLI::App& program, Action& action)
@@ -73,6 +83,7 @@ void AddPlayCommand(CLI::App& program, Action& action)
     AddSounds(command, *request);
     AddListener(command, *request);
     AddOutput(command, request->host);
+    AddRecords(command, *request);
     AddVerbose(command);
     command.callback([request, &action] { action = [request] { return Play(*request); }; });
 }

@@ -8,6 +8,7 @@
 #include "tools/harmonet/PlayList.h"
 #include "tools/harmonet/PlayReport.h"
 #include "tools/harmonet/Rooms.h"
+#include "tools/harmonet/TraceOutput.h"
 #include "tools/harmonet/Walk.h"
 
 #include <algorithm>
@@ -126,6 +127,17 @@ void RunFrames(
         !(request.isWatching && watch.HasChanged()));
 }
 
+void PlaySounds(
+    const PlayRequest& request, const PlayList& list, Host& host, PlayReport& report, FileWatch& watch)
+{
+    Quon::Sound group;
+    group.AddObserver(&report);
+    group.SetGain(request.gain);
+    for (const PlayList::Item& item : list.GetItems())
+        StartOrFail(group, request, item, report);
+    RunFrames(request, list, host, report, watch);
+}
+
 void PlayToTheEnd(const PlayRequest& request, const PlayList& list, PlayReport& report, FileWatch& watch)
 {
     Host::Settings settings = request.host;
@@ -135,12 +147,9 @@ void PlayToTheEnd(const PlayRequest& request, const PlayList& list, PlayReport& 
         Warn("this output driver has no rooms");
     if (request.isWalking)
         host.MoveListener(MakeWalk(request, list).GetPosition(0));
-    Quon::Sound group;
-    group.AddObserver(&report);
-    group.SetGain(request.gain);
-    for (const PlayList::Item& item : list.GetItems())
-        StartOrFail(group, request, item, report);
-    RunFrames(request, list, host, report, watch);
+    TraceOutput traces(request.tracePath, request.timelinePath);
+    PlaySounds(request, list, host, report, watch);
+    traces.Commit();
 }
 
 void PlayOnce(const PlayRequest& request, FileWatch& watch)

@@ -22,6 +22,8 @@ struct PlayRequest
     std::string room; ///< Empty for none.
     bool isWalking = false;
     bool isWatching = false;
+    std::string tracePath; ///< Empty for none; likewise the next one.
+    std::string timelinePath;
     Host::Settings host;
 };
 

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "harmonet/kernel/SoundTrace.h"
+#include "tools/trace/Wording.h"
+
+#include <iosfwd>
+#include <nlohmann/json_fwd.hpp>
+#include <string>
+#include <unordered_map>
+
+namespace Trace
+{
+
+/// Writes what happens to sounds as trace events, which ui.perfetto.dev and chrome://tracing open: a track
+/// for each sound with its states, the full updates with what they cost, and the notifications.
+///
+/// Each event is written at once; what is kept grows with the sounds that live, not with the time.
+class TraceWriter final : public Quon::SoundTrace
+{
+public:
+    /// Writes to `newOut`, which must outlive it and is checked by its owner.
+    explicit TraceWriter(std::ostream& newOut);
+    /// Completes the file.
+    ~TraceWriter() override;
+
+    void OnStart(const Quon::SoundState& state) override;
+    void OnChange(const Quon::SoundState& state) override;
+    void OnEnd(const Quon::SoundState& state) override;
+    void OnNotice(Quon::SoundNotice notice, int soundID, const Quon::PString& fileName) override;
+    void OnUpdate(const Quon::UpdateRecord& record) override;
+
+private:
+    struct Open
+    {
+        std::string name;
+        std::string state;
+    };
+
+    void Begin(const Quon::SoundState& state, const std::string& name);
+    void Finish(int id, const std::string& name, std::int64_t atMs);
+    void Write(const nlohmann::json& event);
+
+    std::ostream& out;
+    Clock clock;
+    bool isFirst = true;
+    std::unordered_map<int, Open> open; ///< The sounds that live.
+};
+
+} // namespace Trace
