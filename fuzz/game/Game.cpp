@@ -105,14 +105,10 @@ void Game::RunOperation(bool isInner)
     int sum = 0;
     for (std::size_t i = first; i < std::size(operations); ++i)
         sum += operations[i].weight;
-    int left = dice.Draw(sum);
-    for (std::size_t i = first; i < std::size(operations); ++i) {
-        left -= operations[i].weight;
-        if (left < 0) {
-            (this->*operations[i].run)();
-            return;
-        }
-    }
+    const auto* chosen = std::begin(operations) + first;
+    for (int left = dice.Draw(sum) - chosen->weight; left >= 0; left -= chosen->weight)
+        ++chosen;
+    (this->*chosen->run)();
 }
 
 void Game::Step(int ms)
