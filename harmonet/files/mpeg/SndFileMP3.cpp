@@ -452,8 +452,9 @@ void SndFileMP3::StepBack(int samples)
 
 bool SndFileMP3::DecodeTo(int target)
 {
-    // The bit reservoir reaches back no more than that far at usual bit rates, and the filters one frame.
-    constexpr int warmUpFrames = 3;
+    // The bit reservoir, 511 bytes at most, reaches back as far as that at 32 kbit/s and above in stereo, and
+    // the filters one MPEG frame. At lower rates a few MPEG frames can differ, as after a skip.
+    constexpr int warmUpFrames = 12;
     const FrameMark* const mark = frameMarks.Find(target, warmUpFrames);
     if (mark == nullptr) {
         return false;
