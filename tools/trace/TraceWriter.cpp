@@ -59,11 +59,16 @@ TraceWriter::TraceWriter(std::ostream& newOut)
 
 TraceWriter::~TraceWriter()
 {
-    for (const auto& [id, sound] : open) {
-        Finish(id, sound.state, clock.GetMs());
-        Finish(id, sound.name, clock.GetMs());
+    try {
+        for (const auto& [id, sound] : open) {
+            Finish(id, sound.state, clock.GetMs());
+            Finish(id, sound.name, clock.GetMs());
+        }
+        out << "\n]\n";
     }
-    out << "\n]\n";
+    catch (...) {
+        // Without memory the file lacks its end, which what reads trace events does without.
+    }
 }
 
 void TraceWriter::OnStart(const Quon::SoundState& state)
