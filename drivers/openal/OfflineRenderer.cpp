@@ -48,7 +48,7 @@ void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
     // What has been set since the last call takes hold within the first block.
     bool isFirst = true;
     while (left > 0) {
-        const auto largest = static_cast<std::uint64_t>(rate / slicesPerSecond + 1);
+        const auto largest = static_cast<std::uint64_t>(rate / slicesPerSecond) + 1;
         const std::uint64_t slices = (left + largest - 1) / largest;
         const std::uint64_t slice = (left + slices - 1) / slices;
         // To the end of the next one, which then finds all that it needs; and what a sound fades out with.

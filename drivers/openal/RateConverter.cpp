@@ -62,7 +62,7 @@ int RateConverter::Convert(const PcmFifo& input, bool isWhole, std::span<float> 
         currentHz = wantedHz;
     }
     const int given = engine.Convert(input, isWhole, out);
-    ApplyFade(out.first(static_cast<std::size_t>(given * width)));
+    ApplyFade(out.first(static_cast<std::size_t>(given) * width));
     return given;
 }
 
@@ -79,9 +79,9 @@ void RateConverter::GoVariable(const PcmFifo& input, bool isWhole)
 {
     const double ratio = currentHz / outputHz;
     const double position = engine.GetPosition();
-    fading.resize(static_cast<std::size_t>(outputHz / changesPerSecond * width));
+    fading.resize(static_cast<std::size_t>(outputHz / changesPerSecond) * width);
     const int fadeFrames = engine.Convert(input, isWhole, fading);
-    fading.resize(static_cast<std::size_t>(fadeFrames * width));
+    fading.resize(static_cast<std::size_t>(fadeFrames) * width);
     faded = 0;
 
     const auto wanted = static_cast<std::int64_t>(position - memoryFrames * std::max(ratio, 1.0));
