@@ -57,7 +57,7 @@ std::size_t MpegFrameBytes(const unsigned char* head)
         bits / (isMpeg1 ? ratesHz[rate] : ratesHz[rate] / 2) + (head[2] >> 1 & 1));
 }
 
-/// A sound file cut into its front, its pieces, and what stands behind them.
+/// A sound file cut into its front, its pieces, and what follows them.
 struct Cut
 {
     Bytes front; ///< With the head of the data chunk, if there is one.

@@ -19,7 +19,7 @@ constexpr std::size_t qualityBytes = sizeof(std::int32_t);
 struct ModelEntry
 {
     SndFX effect;
-    std::vector<unsigned char> body; ///< What stands behind the head.
+    std::vector<unsigned char> body; ///< What follows the head.
 };
 
 /// The list as its header describes it, beside the real one.

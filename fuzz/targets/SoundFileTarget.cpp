@@ -54,7 +54,7 @@ int Left(const SndFile& file)
 /// One read into a buffer that has room for exactly what was asked for, so that the address sanitizer sees
 /// the first byte beyond it.
 ///
-/// The position of ADPCM behind a skip is a promise that torn data can break, and then `isExact` is false.
+/// The position of ADPCM after a skip is a promise that torn data can break, and then `isExact` is false.
 int ReadPiece(SndFile& file, int wanted, Pcm& pcm, bool isExact)
 {
     const int frameBytes = FrameBytes(file);
@@ -70,7 +70,7 @@ int ReadPiece(SndFile& file, int wanted, Pcm& pcm, bool isExact)
     return given;
 }
 
-/// A call can give nothing at a bad header and go on behind it at the next, so the end is where as many calls
+/// A call can give nothing at a bad header and go on after it at the next, so the end is where as many calls
 /// as there could be headers have given nothing.
 template<class Piece>
 Pcm ReadAll(SndFile& file, std::size_t fileBytes, Piece piece)
@@ -187,7 +187,7 @@ private:
     }
 
     /// Skips and reads in turn. How much there is does not change; of what can be compared sample by sample,
-    /// nor does the PCM. MPEG frames behind a skip lack the bit reservoir.
+    /// nor does the PCM. MPEG frames after a skip lack the bit reservoir.
     void CheckSkips(SndFile& file)
     {
         file.Rewind();
