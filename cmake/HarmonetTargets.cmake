@@ -55,13 +55,16 @@ endfunction()
 
 # A test program test_<name>; each of its tests is known to CTest by its own name, or the program as a whole
 # where starting it is slow (HARMONET_TEST_EACH_PROGRAM). Those in HARMONET_THREADED_TESTS make up the target
-# threaded_tests and carry the label "threaded".
+# threaded_tests and carry the label "threaded", and those of them in HARMONET_LIVE_TESTS "threaded_live".
 function(harmonet_test name)
     add_executable(test_${name} ${ARGN})
     target_link_libraries(test_${name} PRIVATE harmonet_test_support harmonet GTest::gtest_main GTest::gmock)
     set(label sequential)
     if(name IN_LIST HARMONET_THREADED_TESTS)
         set(label threaded)
+        if(name IN_LIST HARMONET_LIVE_TESTS)
+            set(label threaded_live)
+        endif()
         add_dependencies(threaded_tests test_${name})
     endif()
     if(HARMONET_TEST_EACH_PROGRAM)
