@@ -68,8 +68,9 @@ Score Play(GameFolder& folder, int hours, std::uint64_t seed)
         Game game(dice, folder, false);
         for (int hour = 0; hour < hours; ++hour) {
             const bool isNight = hour % 24 >= 16;
-            for (long ms = 0; ms < hourMs;)
+            for (long ms = 0; ms < hourMs;) {
                 ms += PlayFrame(dice, game, isNight, score);
+            }
             game.Restart();
             score.digests.push_back(game.GetDigest());
         }

@@ -43,8 +43,9 @@ inline constexpr FuzzTarget fuzzTargets[] = {
 
 inline void Require(bool holds, const char* what)
 {
-    if (!holds)
+    if (!holds) {
         throw std::logic_error(what);
+    }
 }
 
 } // namespace Quon

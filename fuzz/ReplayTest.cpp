@@ -18,8 +18,9 @@ using Files = std::vector<std::filesystem::path>;
 Files FilesOf(const std::filesystem::path& folder)
 {
     Files files;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         files.push_back(entry.path());
+    }
     std::sort(files.begin(), files.end());
     return files;
 }

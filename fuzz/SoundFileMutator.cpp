@@ -30,8 +30,9 @@ std::uint32_t Load32(const unsigned char* bytes)
 
 void Store32(unsigned char* bytes, std::size_t value)
 {
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         bytes[i] = static_cast<unsigned char>(value >> (8 * i));
+    }
 }
 
 bool Has(const Bytes& bytes, std::size_t place, const char* text)
@@ -49,8 +50,9 @@ std::size_t MpegFrameBytes(const unsigned char* head)
     const int bitrate = head[2] >> 4;
     const int rate = head[2] >> 2 & 3;
     if (head[0] != 0xFF || (head[1] & 0xE6) != 0xE2 || version < 2 || bitrate == 0 || bitrate == 15 ||
-        rate == 3)
+        rate == 3) {
         return 0;
+    }
     const bool isMpeg1 = version == 3;
     const int bits = ratesKbps[isMpeg1 ? 0 : 1][bitrate] * 1000 * (isMpeg1 ? 144 : 72);
     return static_cast<std::size_t>(
@@ -70,8 +72,9 @@ std::size_t FindData(const Bytes& bytes, std::size_t& blockAlign, int& tag)
 {
     std::size_t place = riffHeadBytes;
     while (place + chunkHeadBytes <= bytes.size()) {
-        if (Has(bytes, place, "data"))
+        if (Has(bytes, place, "data")) {
             return place + chunkHeadBytes;
+        }
         if (Has(bytes, place, "fmt ") && place + chunkHeadBytes + 14 <= bytes.size()) {
             tag = bytes[place + chunkHeadBytes];
             blockAlign = bytes[place + chunkHeadBytes + 12] | bytes[place + chunkHeadBytes + 13] << 8U;
@@ -84,14 +87,17 @@ std::size_t FindData(const Bytes& bytes, std::size_t& blockAlign, int& tag)
 std::size_t PieceBytes(const Bytes& bytes, std::size_t place, bool isMpeg, std::size_t blockAlign)
 {
     const std::size_t left = bytes.size() - place;
-    if (!isMpeg)
+    if (!isMpeg) {
         return std::min(left, blockAlign);
+    }
     const std::size_t frame = left >= mpegHeadBytes ? MpegFrameBytes(bytes.data() + place) : 0;
-    if (frame != 0)
+    if (frame != 0) {
         return std::min(left, frame);
+    }
     std::size_t next = 1;
-    while (next < left && (left - next < mpegHeadBytes || MpegFrameBytes(bytes.data() + place + next) == 0))
+    while (next < left && (left - next < mpegHeadBytes || MpegFrameBytes(bytes.data() + place + next) == 0)) {
         ++next;
+    }
     return next;
 }
 
@@ -103,8 +109,9 @@ Cut CutFile(const Bytes& bytes)
     std::size_t blockAlign = 0;
     int tag = 0;
     cut.isWave = Has(bytes, 0, "RIFF") && bytes.size() >= riffHeadBytes;
-    if (cut.isWave)
+    if (cut.isWave) {
         place = std::min(FindData(bytes, blockAlign, tag), bytes.size());
+    }
     cut.isMpeg = !cut.isWave || tag == tagMpeg;
     // PCM is cut into pieces of some size.
     blockAlign = std::max<std::size_t>(blockAlign, 64);
@@ -122,13 +129,15 @@ Cut CutFile(const Bytes& bytes)
 Bytes Join(const Cut& cut)
 {
     Bytes bytes = cut.front;
-    for (const Bytes& piece : cut.pieces)
+    for (const Bytes& piece : cut.pieces) {
         bytes.insert(bytes.end(), piece.begin(), piece.end());
+    }
     if (cut.isWave && bytes.size() >= riffHeadBytes) {
         Store32(bytes.data() + 4, bytes.size() - chunkHeadBytes);
         const std::size_t front = cut.front.size();
-        if (front >= riffHeadBytes + chunkHeadBytes)
+        if (front >= riffHeadBytes + chunkHeadBytes) {
             Store32(bytes.data() + front - 4, bytes.size() - front);
+        }
     }
     return bytes;
 }
@@ -144,8 +153,9 @@ public:
 
     void Run()
     {
-        if (cut.pieces.empty())
+        if (cut.pieces.empty()) {
             return ChangeBytes(cut.front);
+        }
         switch (dice.Draw(8)) {
         case 0:
             cut.pieces.erase(cut.pieces.begin() + PickPlace());
@@ -163,8 +173,9 @@ public:
             ChangeBytes(cut.front);
             break;
         case 5:
-            if (cut.isMpeg)
+            if (cut.isMpeg) {
                 SetSideInfo(Pick());
+            }
             break;
         default:
             ChangeBytes(Pick());
@@ -178,8 +189,9 @@ private:
     // The length stays, so that what follows stays where it is.
     static void ChangeBytes(Bytes& bytes)
     {
-        if (!bytes.empty())
+        if (!bytes.empty()) {
             LLVMFuzzerMutate(bytes.data(), bytes.size(), bytes.size());
+        }
     }
 
     /// Another header of those that can be played, with the frame cut or filled to its new length.
@@ -187,8 +199,9 @@ private:
     {
         if (!cut.isMpeg || frame.size() < mpegHeadBytes) {
             // The head of an ADPCM block: predictor and delta.
-            for (std::size_t i = 0; i < std::min<std::size_t>(frame.size(), 2); ++i)
+            for (std::size_t i = 0; i < std::min<std::size_t>(frame.size(), 2); ++i) {
                 frame[i] = static_cast<unsigned char>(dice.Draw(9));
+            }
             return;
         }
         frame[0] = 0xFF;
@@ -204,8 +217,9 @@ private:
     {
         for (int i = 0; i < 4; ++i) {
             const auto place = mpegHeadBytes + static_cast<std::size_t>(dice.Draw(34));
-            if (place < frame.size())
+            if (place < frame.size()) {
                 frame[place] = static_cast<unsigned char>(dice.Draw(256));
+            }
         }
     }
 
@@ -221,8 +235,9 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(
     std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned int seed)
 {
     // One in eight is of libFuzzer's own making.
-    if (seed % 8 == 0)
+    if (seed % 8 == 0) {
         return LLVMFuzzerMutate(data, size, maxSize);
+    }
     Quon::Cut cut = Quon::CutFile({data, data + size});
     Quon::Mutation(cut, seed).Run();
     Quon::Bytes bytes = Quon::Join(cut);

@@ -19,12 +19,14 @@ Stage::Stage(int outputHz, const Options& options)
     std::string pattern = (std::filesystem::temp_directory_path() / "harmonet-accuracy-XXXXXX").string();
     path = std::filesystem::path(mkdtemp(pattern.data()));
     os.GetOptions()->Set("OpenALRender", (path / "heard.wav").c_str());
-    for (const auto& [name, value] : options)
+    for (const auto& [name, value] : options) {
         os.GetOptions()->Set(name, value);
+    }
     Quon::SoundFormat format;
     format.SetFormat(2, outputHz, 0, 2);
-    if (!driver->Open(&os, &format, 500, false))
+    if (!driver->Open(&os, &format, 500, false)) {
         throw std::runtime_error("the driver does not open");
+    }
     driver->SetMaxChannels(64);
 }
 
@@ -37,40 +39,45 @@ Stage::~Stage()
 Quon::SndFile& Stage::Make(int rateHz, int sampleFrames, const Formula& formula)
 {
     std::vector<std::int16_t>& samples = pcm.emplace_back(static_cast<std::size_t>(sampleFrames));
-    for (int i = 0; i < sampleFrames; ++i)
+    for (int i = 0; i < sampleFrames; ++i) {
         samples[static_cast<std::size_t>(i)] = static_cast<std::int16_t>(std::lround(32767.0 * formula(i)));
+    }
     Quon::WaveFormatEx wave{};
     wave.formatTag = Quon::waveTagPcm;
     wave.channels = 1;
     wave.samplesPerSecond = static_cast<unsigned>(rateHz);
     wave.bitsPerSample = 16;
     files.push_back(std::make_unique<Quon::SndFileWav>());
-    if (!files.back()->OpenMemory(samples.data(), samples.size() * sizeof samples[0], &wave))
+    if (!files.back()->OpenMemory(samples.data(), samples.size() * sizeof samples[0], &wave)) {
         throw std::runtime_error("a sound cannot be opened");
+    }
     return *files.back();
 }
 
 Quon::SndChannel& Stage::Create(Quon::SndFile& file, unsigned int flags, const Quon::SndFXList& fx)
 {
     Quon::SndChannel* const channel = driver->CreateChannel(flags, &file, fx);
-    if (channel == nullptr)
+    if (channel == nullptr) {
         throw std::runtime_error("there is no channel");
+    }
     return *channel;
 }
 
 void Stage::Step(unsigned long ms, const std::function<void()>& inside)
 {
     driver->BeginUpdate(ms);
-    if (inside)
+    if (inside) {
         inside();
+    }
     driver->EndUpdate();
 }
 
 void Stage::Run(double seconds)
 {
     constexpr unsigned long stepMs = 50;
-    for (long left = std::lround(seconds * 1000 / stepMs); left > 0; --left)
+    for (long left = std::lround(seconds * 1000 / stepMs); left > 0; --left) {
         Step(stepMs);
+    }
 }
 
 Heard Stage::Read() const
@@ -137,16 +144,18 @@ double GetDistortion(const std::vector<double>& heard, double hz, int rateHz)
 double GetLevel(const std::vector<double>& heard, std::size_t begin, std::size_t end)
 {
     double sum = 0.0;
-    for (std::size_t i = begin; i < end; ++i)
+    for (std::size_t i = begin; i < end; ++i) {
         sum += heard[i] * heard[i];
+    }
     return std::sqrt(sum / static_cast<double>(end - begin));
 }
 
 double FindPeak(const std::vector<double>& heard, std::size_t begin, std::size_t end)
 {
     std::size_t peak = begin + 1;
-    for (std::size_t i = begin + 1; i + 1 < end; ++i)
+    for (std::size_t i = begin + 1; i + 1 < end; ++i) {
         peak = heard[i] > heard[peak] ? i : peak;
+    }
     const double before = heard[peak - 1];
     const double after = heard[peak + 1];
     const double bend = before - 2.0 * heard[peak] + after;

@@ -72,8 +72,9 @@ void PrintDrift(const char* grade, const char* option)
     constexpr int seconds = 600;
     Stage stage(48000, {{"OpenALResampling", option}});
     stage.Create(stage.Make(22050, 22050 * (seconds + 1), Bump(22050 * seconds, 20.0))).Play();
-    for (int i = 0; i < seconds + 1; ++i)
+    for (int i = 0; i < seconds + 1; ++i) {
         stage.Step(1000);
+    }
     const Heard heard = stage.Read();
     const double peak = FindPeak(heard.left, heard.left.size() / 2, heard.left.size());
     PrintRow((std::string("22.05 in 48 kHz after ten minutes, ") + grade).c_str(), 1000.0 * seconds,
@@ -91,8 +92,9 @@ void PrintDrift(const char* grade, const char* option)
 double FindWorstBend(const std::vector<double>& heard, std::size_t begin)
 {
     double worst = 0.0;
-    for (std::size_t i = begin + 2; i < heard.size(); ++i)
+    for (std::size_t i = begin + 2; i < heard.size(); ++i) {
         worst = std::max(worst, std::abs(heard[i] - 2.0 * heard[i - 1] + heard[i - 2]));
+    }
     return worst;
 }
 
@@ -103,8 +105,9 @@ void PrintRateChanges()
     Quon::SndChannel& channel =
         stage.Create(stage.Make(44100, 44100 * 8, Tone(200, 44100)), Quon::ChanChgFrequency);
     channel.Play();
-    for (int i = 0; i < 80; ++i)
+    for (int i = 0; i < 80; ++i) {
         stage.Step(50, [&] { channel.SetFrequency(static_cast<unsigned long>(33000 + i * 7919 % 22000)); });
+    }
     const double own = 0.5 * std::pow(2.0 * std::numbers::pi * 200 * 55000 / 44100 / 44100, 2);
     PrintLimit("bend of a tone while its rate changes at each update, of its own", 2,
         FindWorstBend(stage.Read().left, 4410) / own, "times");
@@ -124,8 +127,9 @@ void PrintStarts()
             waiting.push_back(gathered);
         }
         gathered += frameMs;
-        if (gathered < 40)
+        if (gathered < 40) {
             continue;
+        }
         stage.Step(static_cast<unsigned long>(gathered), [&] {
             for (const int after : waiting) {
                 Quon::SndChannel& shot =
@@ -164,11 +168,13 @@ double MeasureReturn(int fileHz, int losses)
     Quon::SndChannel* channel = &stage.Create(file);
     channel->Play();
     for (int i = 0; i < losses; ++i) {
-        for (int step = 0; step < away; ++step)
+        for (int step = 0; step < away; ++step) {
             stage.Step(stepMs);
+        }
         stage.Step(stepMs, [&] { channel->Stop(); });
-        for (int step = 0; step + 1 < away; ++step)
+        for (int step = 0; step + 1 < away; ++step) {
             stage.Step(stepMs, [&] { file.SkipSamples(fileHz / 1000 * stepMs); });
+        }
         stage.Step(stepMs, [&] {
             file.SkipSamples(fileHz / 1000 * stepMs);
             channel = &stage.Create(file);
@@ -333,7 +339,7 @@ double MeasureLate(Quon::FXEnvReverb room)
     stage.GetDriver().SetFXEnvReverb(&room, 2, 0);
     std::uint32_t state = 1;
     Quon::SndFile& noise = stage.Make(44100, 44100 * 4, [&state](int) {
-        state = state * 1664525u + 1013904223u;
+        state = state * 1664525U + 1013904223U;
         return static_cast<double>(state >> 8) / 16777216.0 - 0.5;
     });
     Quon::SndChannel& channel = stage.Create(noise, Quon::ChanPositional | Quon::ChanLooping);
@@ -369,8 +375,9 @@ void PrintLevels()
     const Quon::FXEnvReverb& usual = Quon::fxEnvReverbGeneric;
     for (const Preset& preset : presets) {
         const double heard = MeasureLate(preset.room);
-        if (&preset == presets)
+        if (&preset == presets) {
             generic = heard;
+        }
         const double expected = (preset.room.room + preset.room.reverb - usual.room - usual.reverb) / 100.0;
         std::printf("| `fxEnvReverb%s` | %.2f | %.1f | %.1f | %.1f |\n", preset.name,
             double{preset.room.decayTime}, expected, heard - generic, heard - generic - expected);
@@ -385,13 +392,16 @@ void PrintLevels()
 int main(int argc, char** argv)
 {
     // A user's own settings of OpenAL would show in what is rendered.
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"})
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"}) {
         setenv(name, "/nonexistent", 1);
+    }
     try {
-        if (argc == 2 && std::strcmp(argv[1], "accuracy") == 0)
+        if (argc == 2 && std::strcmp(argv[1], "accuracy") == 0) {
             Accuracy::PrintAccuracy();
-        else if (argc == 2 && std::strcmp(argv[1], "levels") == 0)
+        }
+        else if (argc == 2 && std::strcmp(argv[1], "levels") == 0) {
             Accuracy::PrintLevels();
+        }
         else {
             std::fprintf(stderr, "usage: harmonet_accuracy accuracy|levels\n");
             return 2;

@@ -126,7 +126,7 @@ private:
     /// Plain loops that the compiler turns into vectors.
     static short ToPcm(float value)
     {
-        return static_cast<short>(std::min(std::max(value * 32767.0f, -32768.0f), 32767.0f));
+        return static_cast<short>(std::min(std::max(value * 32767.0F, -32768.0F), 32767.0F));
     }
 
     static void ConvertStereo(

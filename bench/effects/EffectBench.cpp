@@ -44,7 +44,7 @@ constexpr NamedEffect namedEffects[] = {
 std::vector<float> MakeSound(int channels)
 {
     std::mt19937 random(1);
-    std::uniform_real_distribution<float> level(-0.8f, 0.8f);
+    std::uniform_real_distribution<float> level(-0.8F, 0.8F);
     std::vector<float> sound(static_cast<std::size_t>(rateHz * channels));
     std::generate(sound.begin(), sound.end(), [&] { return level(random); });
     return sound;
@@ -108,7 +108,7 @@ void MeasureGain(benchmark::State& state)
 {
     Measure(state, 1, [](std::span<float> pcm) {
         for (float& sample : pcm) {
-            sample *= 0.5f;
+            sample *= 0.5F;
         }
     });
 }

@@ -39,8 +39,9 @@ Samples MakeNoise(float seconds, unsigned int seed)
     std::mt19937 random(seed);
     std::uniform_real_distribution<float> sample(-0.5F, 0.5F);
     Samples noise(static_cast<std::size_t>(seconds * rateHz));
-    for (float& value : noise)
+    for (float& value : noise) {
         value = sample(random);
+    }
     return noise;
 }
 
@@ -51,8 +52,9 @@ void WriteFiles(const Bench::SoundFolder& folder)
     folder.Write("Adpcm", MakeNoise(longEnough, 2), Coding::Adpcm);
     folder.Write("Mp3", MakeNoise(longEnough, 3), Coding::Mp3);
     // One ends before the sound is displaced, one meanwhile.
-    for (unsigned int i = 0; i < 3; ++i)
+    for (unsigned int i = 0; i < 3; ++i) {
         folder.Write("Part" + std::to_string(i), MakeNoise(5.4F, 4 + i), Coding::Pcm);
+    }
     // Begins anew while it is displaced.
     folder.Write("Loop", MakeNoise(9.7F, 7), Coding::Pcm);
     folder.Write("Silence", Samples(static_cast<std::size_t>(longEnough * rateHz)), Coding::Pcm);
@@ -66,8 +68,9 @@ void StartSound(Quon::Sound& sounds, Kind kind)
         sounds.CatSound(id, "Part1", nullptr);
         sounds.CatSound(id, "Part2", nullptr);
     }
-    if (!sounds.StartSound(id, kind == Kind::Looping ? Quon::Sound::StartLooping : 0))
+    if (!sounds.StartSound(id, kind == Kind::Looping ? Quon::Sound::StartLooping : 0)) {
         throw std::runtime_error("the sound does not start");
+    }
 }
 
 Samples Render(const Bench::SoundFolder& folder, Kind kind, float step, bool displaced)
@@ -78,10 +81,12 @@ Samples Render(const Bench::SoundFolder& folder, Kind kind, float step, bool dis
         StartSound(sounds, kind);
         int intruder = 0;
         for (float time = 0.0F; time < runLength; time += step) {
-            if (displaced && intruder == 0 && time >= displacedAfter)
+            if (displaced && intruder == 0 && time >= displacedAfter) {
                 intruder = sounds.Play2DSound("Silence", nullptr, 0, 10, 0);
-            if (time >= displacedAfter + displacedFor)
+            }
+            if (time >= displacedAfter + displacedFor) {
                 sounds.StopSound(intruder);
+            }
             host.Step(step);
         }
     }
@@ -92,8 +97,9 @@ double Difference(
     const Samples& a, std::size_t placeA, const Samples& b, std::size_t placeB, std::size_t count)
 {
     double sum = 0.0;
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         sum += std::abs(a[placeA + i] - b[placeB + i]);
+    }
     return sum / static_cast<double>(count);
 }
 
@@ -104,11 +110,13 @@ long FindLag(const Samples& undisturbed, const Samples& displaced, std::size_t p
     constexpr std::size_t window = 400;
     constexpr double same = 1e-3;
     for (std::size_t distance = 0; distance < place; ++distance) {
-        if (Difference(displaced, place, undisturbed, place - distance, window) < same)
+        if (Difference(displaced, place, undisturbed, place - distance, window) < same) {
             return -static_cast<long>(distance);
+        }
         if (place + distance + window < undisturbed.size() &&
-            Difference(displaced, place, undisturbed, place + distance, window) < same)
+            Difference(displaced, place, undisturbed, place + distance, window) < same) {
             return static_cast<long>(distance);
+        }
     }
     throw std::runtime_error("what is heard after the return was not to be heard at all");
 }
@@ -123,8 +131,9 @@ void Displaced(benchmark::State& state, Kind kind, float step)
             const Samples undisturbed = Render(folder, kind, step, false);
             const Samples displaced = Render(folder, kind, step, true);
             const auto during = static_cast<std::size_t>((displacedAfter + displacedFor / 2) * rateHz);
-            if (Difference(displaced, during, Samples(rateHz), 0, rateHz) > 0.0)
+            if (Difference(displaced, during, Samples(rateHz), 0, rateHz) > 0.0) {
                 throw std::runtime_error("the sound was not displaced");
+            }
             lag = FindLag(undisturbed, displaced, static_cast<std::size_t>(comparedAt * rateHz));
         }
         state.counters["error_frames"] = static_cast<double>(lag);

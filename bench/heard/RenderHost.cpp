@@ -19,8 +19,9 @@ using SoundFilePointer = std::unique_ptr<SNDFILE, int (*)(SNDFILE*)>;
 SoundFilePointer OpenSoundFile(const std::filesystem::path& path, int mode, SF_INFO& info)
 {
     SoundFilePointer file(sf_open(path.c_str(), mode, &info), sf_close);
-    if (!file)
+    if (!file) {
         throw std::runtime_error(path.string() + ": " + sf_strerror(nullptr));
+    }
     return file;
 }
 
@@ -44,8 +45,9 @@ SoundFolder::SoundFolder()
     folder = mkdtemp(pattern.data());
     Quon::File::AddRoot(Quon::PString(), folder.c_str());
     // A user's own settings of OpenAL would show in what is rendered.
-    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"})
+    for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"}) {
         setenv(name, folder.c_str(), 1);
+    }
 }
 
 SoundFolder::~SoundFolder()
@@ -62,8 +64,9 @@ void SoundFolder::Write(const std::string& name, const Samples& samples, Coding 
     info.format = GetFormat(coding);
     const SoundFilePointer file = OpenSoundFile(folder / name, SFM_WRITE, info);
     const auto count = static_cast<sf_count_t>(samples.size());
-    if (sf_write_float(file.get(), samples.data(), count) != count)
+    if (sf_write_float(file.get(), samples.data(), count) != count) {
         throw std::runtime_error(name + " could not be written");
+    }
 }
 
 Stereo SoundFolder::ReadOutput() const
@@ -88,8 +91,9 @@ RenderHost::RenderHost(const SoundFolder& folder, int channels)
     options.Set("MaxSounds", std::to_string(channels).c_str());
     options.Set("SoundFrequency", std::to_string(rateHz).c_str());
     options.Set("SoundCacheSize", "64000000");
-    if (!system.Init(&os, false))
+    if (!system.Init(&os, false)) {
         throw std::runtime_error("the sound system does not start");
+    }
     listener.Activate();
 }
 

@@ -44,15 +44,17 @@ void StartTone(Bench::RenderHost& host, Quon::Particle& world, float x)
     sounds.SetSoundMinMaxDistance(id, 10.0F, 100.0F, false);
     sounds.SetSoundPosition(id, {x, 0.0F, -8.0F});
     sounds.AttachSound(id, &world, Quon::PString());
-    if (!sounds.StartSound(id, Quon::Sound::StartLooping))
+    if (!sounds.StartSound(id, Quon::Sound::StartLooping)) {
         throw std::runtime_error("the sound does not start");
+    }
 }
 
 const Quon::Particle* FindHeard(const Quon::Particle& world)
 {
     for (const Quon::Particle* node = world.GetFirstChild(); node != nullptr; node = node->GetNextSibling()) {
-        if (static_cast<const Quon::Snd3D*>(node)->GetSndChannel() != nullptr)
+        if (static_cast<const Quon::Snd3D*>(node)->GetSndChannel() != nullptr) {
             return node;
+        }
     }
     return nullptr;
 }
@@ -81,8 +83,9 @@ int Render(const Bench::SoundFolder& folder, float width)
 float FindSteepestStep(const Samples& samples)
 {
     float steepest = 0.0F;
-    for (std::size_t i = 1; i < samples.size(); ++i)
+    for (std::size_t i = 1; i < samples.size(); ++i) {
         steepest = std::max(steepest, std::abs(samples[i] - samples[i - 1]));
+    }
     return steepest;
 }
 
@@ -104,8 +107,9 @@ void Swing(benchmark::State& state)
             state.counters["channel_changes"] = Render(folder, swing);
             state.counters["steepest_step"] = FindSteepestStep(folder);
         }
-        if (changesAtRest > 0)
+        if (changesAtRest > 0) {
             throw std::runtime_error("the channel changes while nothing moves");
+        }
     }
     catch (const std::exception& error) {
         state.SkipWithError(error.what());

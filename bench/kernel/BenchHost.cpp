@@ -36,8 +36,9 @@ void WriteWave(const std::filesystem::path& path, int sampleFrames)
     out.write(reinterpret_cast<const char*>(&format), formatBytes);
     out << "data";
     WriteRaw(out, dataBytes);
-    for (int i = 0; i < sampleFrames; ++i)
+    for (int i = 0; i < sampleFrames; ++i) {
         WriteRaw(out, static_cast<std::int16_t>(i % WaveFolder::period));
+    }
 }
 
 } // namespace

@@ -21,8 +21,9 @@ void Crowd::Grow(int count)
     constexpr int soundsInUpdate = 500;
     while (static_cast<int>(ids.size()) < count) {
         Start(plan.GetPlace(static_cast<int>(ids.size())));
-        if (ids.size() % soundsInUpdate == 0)
+        if (ids.size() % soundsInUpdate == 0) {
             host.Update();
+        }
     }
     host.Update();
 }
@@ -40,8 +41,9 @@ void Crowd::Start(const CrowdPlan::Place& place)
 
 void Crowd::MoveHalf()
 {
-    for (std::size_t i = 0; i < ids.size(); i += 2)
+    for (std::size_t i = 0; i < ids.size(); i += 2) {
         group.SetSoundPosition(ids[i], plan.AnyPosition());
+    }
 }
 
 int Crowd::CountHeard() const
@@ -49,8 +51,9 @@ int Crowd::CountHeard() const
     constexpr int soundNode = 16;
     int heard = 0;
     for (const Particle* node = world.GetFirstChild(); node != nullptr; node = node->GetNextSibling()) {
-        if (node->GetID() == soundNode && static_cast<const Snd3D*>(node)->GetSndChannel() != nullptr)
+        if (node->GetID() == soundNode && static_cast<const Snd3D*>(node)->GetSndChannel() != nullptr) {
             ++heard;
+        }
     }
     return heard;
 }

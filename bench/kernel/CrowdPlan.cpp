@@ -18,8 +18,9 @@ float DistSqr(const Quon::Vector3& place)
 CrowdPlan::CrowdPlan(int count)
 {
     constexpr int priorities = 3;
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         places.push_back({static_cast<int>(random() % priorities), AnyPosition()});
+    }
     std::ranges::sort(places, [](const Place& left, const Place& right) {
         return left.priority != right.priority ? left.priority > right.priority
                                                : DistSqr(left.position) < DistSqr(right.position);

@@ -121,9 +121,10 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
     crowd.Grow(std::min(size.sounds, fileCount));
     const std::size_t bytesBefore = UsedBytes();
     crowd.Grow(size.sounds);
-    if (size.sounds > 2 * fileCount)
+    if (size.sounds > 2 * fileCount) {
         state.counters["bytes_per_sound"] =
             static_cast<double>(UsedBytes() - bytesBefore) / (size.sounds - fileCount);
+    }
 
     float x = 0.0F;
     const auto move = [&] {
@@ -137,8 +138,9 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
         host.Update();
     }
     std::unique_ptr<Bench::PeerCrowd> peer;
-    if (kind == Kind::Over && Bench::PeerCrowd::IsThere() && size.sounds <= Bench::PeerCrowd::maxCount)
+    if (kind == Kind::Over && Bench::PeerCrowd::IsThere() && size.sounds <= Bench::PeerCrowd::maxCount) {
         peer = std::make_unique<Bench::PeerCrowd>(size.sounds);
+    }
     Times times(size.updates);
     Times peerTimes(size.updates);
     std::uint64_t allocations = 0;
@@ -154,8 +156,9 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
     }
     state.counters["us_per_update"] = times.GetMedian();
     state.counters["us_at_best"] = times.GetBest();
-    if (peer)
+    if (peer) {
         state.counters["ratio_soloud"] = times.GetBest() / peerTimes.GetBest();
+    }
     state.counters["allocations_per_update"] =
         static_cast<double>(allocations) / static_cast<double>(state.iterations());
 
@@ -163,10 +166,12 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
     // long.
     const int expected = std::min(size.sounds, channels);
     int naiveHeard = expected;
-    if (size.naiveUpdates > 0 && kind == Kind::Over)
+    if (size.naiveUpdates > 0 && kind == Kind::Over) {
         state.counters["naive_us_per_update"] = MeasureNaive(size, naiveHeard);
-    if (!host.IsRunning() || crowd.CountHeard() != expected || naiveHeard != expected)
+    }
+    if (!host.IsRunning() || crowd.CountHeard() != expected || naiveHeard != expected) {
         state.SkipWithError("other sounds are heard than should be");
+    }
 }
 
 const bool registered = [] {
@@ -176,8 +181,9 @@ const bool registered = [] {
     constexpr int mostFiles = 10'000;
     for (const auto& [name, kind] : kinds) {
         for (const Size& size : sizes) {
-            if (kind == Kind::Names && size.sounds > mostFiles)
+            if (kind == Kind::Names && size.sounds > mostFiles) {
                 continue;
+            }
             benchmark::RegisterBenchmark((name + std::to_string(size.sounds)).c_str(), FullUpdate, kind, size)
                 ->Iterations(size.updates)
                 ->Unit(benchmark::kMicrosecond)

@@ -28,10 +28,12 @@ void Inspect(benchmark::State& state)
         found = Quon::SoundSystem::Inspect(states);
     }
     int heard = 0;
-    for (const Quon::SoundState& sound : states)
+    for (const Quon::SoundState& sound : states) {
         heard += sound.hasChannel ? 1 : 0;
-    if (found != count || heard != crowd.CountHeard())
+    }
+    if (found != count || heard != crowd.CountHeard()) {
         state.SkipWithError("the snapshot is not complete");
+    }
 }
 
 BENCHMARK(Inspect)->Arg(400)->Arg(4000)->Unit(benchmark::kMicrosecond)->Iterations(200);

@@ -8,14 +8,16 @@ NaiveCrowd::NaiveCrowd(CrowdPlan& newPlan, int newFileCount, int newChannels)
     , fileCount(newFileCount)
     , channels(newChannels)
 {
-    for (int i = 0; i < plan.GetCount(); ++i)
+    for (int i = 0; i < plan.GetCount(); ++i) {
         positions.push_back(plan.GetPlace(i).position);
+    }
 }
 
 void NaiveCrowd::MoveHalf()
 {
-    for (std::size_t i = 0; i < positions.size(); i += 2)
+    for (std::size_t i = 0; i < positions.size(); i += 2) {
         positions[i] = plan.AnyPosition();
+    }
 }
 
 void NaiveCrowd::Update()

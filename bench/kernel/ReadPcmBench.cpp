@@ -38,23 +38,26 @@ void ReadRound(benchmark::State& state, SndFile& data, const std::int16_t* expec
     int from = 0;
     int given = 0;
     for (auto _ : state) {
-        if (data.GetSoundSamples() - data.GetCurrentSample() < pieceFrames)
+        if (data.GetSoundSamples() - data.GetCurrentSample() < pieceFrames) {
             data.Rewind();
+        }
         from = data.GetCurrentSample();
         given = data.ReadSamples(bytes, pieceFrames);
         frames += given;
         benchmark::DoNotOptimize(piece);
     }
     CountFrames(state, frames);
-    if (given != pieceFrames || std::memcmp(piece.data(), expected + from, sizeof piece) != 0)
+    if (given != pieceFrames || std::memcmp(piece.data(), expected + from, sizeof piece) != 0) {
         state.SkipWithError("other PCM came than should");
+    }
 }
 
 std::vector<std::int16_t> MakePcm(int sampleFrames, int period)
 {
     std::vector<std::int16_t> pcm(static_cast<std::size_t>(sampleFrames));
-    for (int i = 0; i < sampleFrames; ++i)
+    for (int i = 0; i < sampleFrames; ++i) {
         pcm[static_cast<std::size_t>(i)] = static_cast<std::int16_t>(i % period);
+    }
     return pcm;
 }
 

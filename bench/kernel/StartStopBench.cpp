@@ -24,8 +24,9 @@ void StartStopCached(benchmark::State& state)
     const Bench::WaveFolder files(fileCount);
     Bench::BenchHost host(others + 1);
     Sound group;
-    for (int i = 0; i < others; ++i)
+    for (int i = 0; i < others; ++i) {
         group.Play2DSound(files.GetName(i), nullptr, Sound::StartLooping, 0, 0);
+    }
     host.Update();
 
     int index = 0;
@@ -35,8 +36,9 @@ void StartStopCached(benchmark::State& state)
         refused += id == 0 ? 1 : 0;
         group.StopSound(id);
     }
-    if (!host.IsRunning() || refused > 0)
+    if (!host.IsRunning() || refused > 0) {
         state.SkipWithError("a sound was refused");
+    }
 }
 
 // Like and unlike, near and far, in no order. The group ends its sounds with itself.
@@ -46,9 +48,10 @@ void StartCrowd(Sound& group, Bench::CrowdPlan& plan, const Bench::WaveFolder& f
     Sound::Settings settings;
     settings.minDistance = Bench::CrowdPlan::minDistance;
     settings.maxDistance = Bench::CrowdPlan::maxDistance;
-    for (int i = 0; i < plan.GetCount(); ++i)
+    for (int i = 0; i < plan.GetCount(); ++i) {
         group.Play3DSound(plan.AnyPosition(), files.GetName(i), nullptr, Sound::StartLooping,
             1 + i % priorities, settings, 0);
+    }
 }
 
 void StartMany(benchmark::State& state, int channels, int numFiles)
@@ -66,8 +69,9 @@ void StartMany(benchmark::State& state, int channels, int numFiles)
         group.reset();
         state.ResumeTiming();
     }
-    if (!host.IsRunning())
+    if (!host.IsRunning()) {
         state.SkipWithError("there is no sound system");
+    }
 }
 
 BENCHMARK(StartStopCached)->Name("StartStop/cached")->Arg(0)->Arg(1000);

@@ -71,14 +71,14 @@ bool NullDriver::GetCaps(SoundCaps& caps)
 void NullDriver::SetMainGain(float gain)
 {
     if (std::isfinite(gain)) {
-        mainGain = std::clamp(gain, 0.0f, 1.0f);
+        mainGain = std::clamp(gain, 0.0F, 1.0F);
     }
 }
 
 void NullDriver::SetRolloffFactor(float factor)
 {
     if (std::isfinite(factor)) {
-        rolloffFactor = std::max(factor, 0.0f);
+        rolloffFactor = std::max(factor, 0.0F);
     }
 }
 

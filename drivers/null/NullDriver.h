@@ -49,8 +49,8 @@ private:
     void* user = nullptr;
     std::size_t maxChannels = 0;
     EngineVector<std::unique_ptr<NullChannel>> channels;
-    float mainGain = 1.0f;
-    float rolloffFactor = 1.0f;
+    float mainGain = 1.0F;
+    float rolloffFactor = 1.0F;
     std::array<unsigned char, 16384> scratch;
 };
 

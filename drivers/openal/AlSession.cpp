@@ -58,7 +58,7 @@ bool AlSession::PrepareContext()
     ALCcontext* const previous = extensions.getThreadContext();
     extensions.setThreadContext(context);
     alDistanceModel(AL_INVERSE_DISTANCE_CLAMPED);
-    alDopplerFactor(0.0f);
+    alDopplerFactor(0.0F);
     const bool isComplete = extensions.LoadForDevice(device);
     extensions.setThreadContext(previous);
     hrtfOn = AskHrtf();

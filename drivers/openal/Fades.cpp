@@ -40,10 +40,10 @@ void Fall::Start(std::int64_t now, std::int64_t newLength)
 float Fall::GetLevel(std::int64_t time) const
 {
     if (!isRunning) {
-        return 1.0f;
+        return 1.0F;
     }
     if (time >= begin + length) {
-        return 0.0f;
+        return 0.0F;
     }
     const double passed = static_cast<double>(time - begin) / static_cast<double>(length);
     return static_cast<float>(std::clamp(1.0 - passed, 0.0, 1.0));

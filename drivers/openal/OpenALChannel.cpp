@@ -55,7 +55,7 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     }
     positional = flags & ChanPositional;
     position = {};
-    range = {0.0f, 0.0f, (flags & ChanCutOut) != 0};
+    range = {0.0F, 0.0F, (flags & ChanCutOut) != 0};
     cone = {};
     newVoice->Begin(positional);
     if (positional) {
@@ -78,7 +78,7 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     wantedHz = 0;
     start = {};
     isDry = false;
-    gain = 1.0f;
+    gain = 1.0F;
     isCutOut = false;
     fadeOut.Cancel();
     UpdateFileEnd();
@@ -208,7 +208,7 @@ void OpenALChannel::SetGain(float newGain)
     }
     const ContextScope scope(services.device);
     const std::scoped_lock outputLock(outputMutex);
-    gain = std::clamp(newGain, 0.0f, 1.0f);
+    gain = std::clamp(newGain, 0.0F, 1.0F);
     ApplyGain(services.device.GetTime());
 }
 
@@ -571,14 +571,14 @@ double OpenALChannel::GetStreamDue() const
 void OpenALChannel::ApplyGain(std::int64_t time)
 {
     if (voice) {
-        voice->SetGain(isCutOut ? 0.0f : gain * fadeOut.GetLevel(time));
+        voice->SetGain(isCutOut ? 0.0F : gain * fadeOut.GetLevel(time));
     }
 }
 
 void OpenALChannel::ApplySpeed()
 {
     if (voice) {
-        voice->SetPitch(convertedHz != 0 ? 1.0f : static_cast<float>(GetSpeedHz() / fileRateHz));
+        voice->SetPitch(convertedHz != 0 ? 1.0F : static_cast<float>(GetSpeedHz() / fileRateHz));
     }
 }
 

@@ -32,7 +32,7 @@ struct PumpTargets
 struct Listener
 {
     Vector3 position;
-    float rolloffFactor = 1.0f;
+    float rolloffFactor = 1.0F;
 };
 
 /// What a channel uses of its driver. All of it outlives the channel.
@@ -231,7 +231,7 @@ private:
     unsigned long wantedHz = 0; ///< 0: the file's own rate.
     Start start;
     bool isDry = false; ///< The last look at the queue found nothing to read.
-    float gain = 1.0f;
+    float gain = 1.0F;
     bool isCutOut = false;
     Fall fadeOut;
 };

@@ -175,7 +175,7 @@ void OpenALDriver::SetMainGain(float gain)
     if (std::isnan(gain)) {
         return;
     }
-    mainGain = std::clamp(gain, 0.0f, 1.0f);
+    mainGain = std::clamp(gain, 0.0F, 1.0F);
     const ContextScope scope(device);
     device.SetMainGain(mainGain);
 }
@@ -208,7 +208,7 @@ void OpenALDriver::SetRolloffFactor(float factor)
     if (std::isnan(factor)) {
         return;
     }
-    listener.rolloffFactor = std::clamp(factor, 0.0f, std::numeric_limits<float>::max());
+    listener.rolloffFactor = std::clamp(factor, 0.0F, std::numeric_limits<float>::max());
     const ContextScope scope(device);
     for (const auto& channel : channels) {
         channel->OnRolloffChanged();

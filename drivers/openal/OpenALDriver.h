@@ -94,7 +94,7 @@ private:
     SndDriverCallback callback = nullptr;
     void* user = nullptr;
     DriverOptions options;
-    float mainGain = 1.0f;
+    float mainGain = 1.0F;
     Listener listener;
     bool isDeferring = false;
     StartTimes startTimes;

@@ -105,10 +105,10 @@ private:
 
     struct ListenerSettings
     {
-        float gain = 1.0f;
+        float gain = 1.0F;
         Vector3 position;
-        Vector3 front{0.0f, 0.0f, -1.0f};
-        Vector3 top{0.0f, 1.0f, 0.0f};
+        Vector3 front{0.0F, 0.0F, -1.0F};
+        Vector3 top{0.0F, 1.0F, 0.0F};
     };
 
     DeviceSource& source;

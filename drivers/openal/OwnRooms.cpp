@@ -13,8 +13,8 @@ constexpr std::int64_t cutOffMs = 50;
 /// How long a room can still be heard when nothing goes in any more.
 std::int64_t GetRingMs(const FXEnvReverb& room)
 {
-    const float longest = room.decayTime * std::max(room.decayHFRatio, 1.0f);
-    return static_cast<std::int64_t>(1000.0f * (longest + room.reflectionsDelay + room.reverbDelay));
+    const float longest = room.decayTime * std::max(room.decayHFRatio, 1.0F);
+    return static_cast<std::int64_t>(1000.0F * (longest + room.reflectionsDelay + room.reverbDelay));
 }
 
 } // namespace

@@ -13,7 +13,7 @@ namespace
 struct Unsigned8
 {
     static constexpr std::size_t size = 1;
-    static float Read(const unsigned char* at) { return (static_cast<float>(at[0]) - 128.0f) / 128.0f; }
+    static float Read(const unsigned char* at) { return (static_cast<float>(at[0]) - 128.0F) / 128.0F; }
 };
 
 struct Signed16
@@ -21,7 +21,7 @@ struct Signed16
     static constexpr std::size_t size = 2;
     static float Read(const unsigned char* at)
     {
-        return static_cast<float>(static_cast<std::int16_t>(at[0] | at[1] << 8)) / 32768.0f;
+        return static_cast<float>(static_cast<std::int16_t>(at[0] | at[1] << 8)) / 32768.0F;
     }
 };
 
@@ -33,7 +33,7 @@ struct Signed24
         // In the upper three bytes, so that the sign is in its place.
         const std::uint32_t bits =
             std::uint32_t{at[0]} << 8 | std::uint32_t{at[1]} << 16 | std::uint32_t{at[2]} << 24;
-        return static_cast<float>(static_cast<std::int32_t>(bits)) / 2147483648.0f;
+        return static_cast<float>(static_cast<std::int32_t>(bits)) / 2147483648.0F;
     }
 };
 
@@ -44,7 +44,7 @@ struct Signed32
     {
         const std::uint32_t bits = std::uint32_t{at[0]} | std::uint32_t{at[1]} << 8 |
             std::uint32_t{at[2]} << 16 | std::uint32_t{at[3]} << 24;
-        return static_cast<float>(static_cast<std::int32_t>(bits)) / 2147483648.0f;
+        return static_cast<float>(static_cast<std::int32_t>(bits)) / 2147483648.0F;
     }
 };
 
@@ -60,9 +60,9 @@ void CopyAll(const unsigned char* at, std::span<float> out)
 template<class Sample>
 void MixToMono(const unsigned char* at, int channels, std::span<float> out)
 {
-    const auto scale = 1.0f / static_cast<float>(channels);
+    const auto scale = 1.0F / static_cast<float>(channels);
     for (float& mono : out) {
-        float sum = 0.0f;
+        float sum = 0.0F;
         for (int channel = 0; channel < channels; ++channel) {
             sum += Sample::Read(at);
             at += Sample::size;
@@ -82,13 +82,13 @@ void SpreadToStereo(const unsigned char* at, std::span<float> out)
 template<class Sample>
 void MixToStereo(const unsigned char* at, int channels, std::span<float> out)
 {
-    constexpr float restLevel = 0.5f;
-    const float scale = 1.0f / (1.0f + restLevel * static_cast<float>(channels - 2));
+    constexpr float restLevel = 0.5F;
+    const float scale = 1.0F / (1.0F + restLevel * static_cast<float>(channels - 2));
     for (std::size_t i = 0; i + 1 < out.size(); i += 2) {
         const float left = Sample::Read(at);
         const float right = Sample::Read(at + Sample::size);
         at += 2 * Sample::size;
-        float rest = 0.0f;
+        float rest = 0.0F;
         for (int channel = 2; channel < channels; ++channel) {
             rest += Sample::Read(at);
             at += Sample::size;

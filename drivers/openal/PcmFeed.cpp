@@ -76,7 +76,7 @@ void PcmFeed::ReadAhead(SndChannel& channel, std::int64_t sampleFrames)
 int PcmFeed::Make(SndChannel* channel, int wanted, unsigned long hz)
 {
     wanted = std::min(wanted, maxBlockFrames);
-    block.assign(static_cast<std::size_t>(wanted) * sound.outChannels, 0.0f);
+    block.assign(static_cast<std::size_t>(wanted) * sound.outChannels, 0.0F);
     blockSilence = std::min(silence, wanted);
     silence -= blockSilence;
     const double playedHz = hz != 0 ? static_cast<double>(hz) : reader.GetRateHz();

@@ -10,17 +10,17 @@ namespace Quon
 namespace
 {
 
-constexpr float maxCoordinate = 1e15f;
-constexpr float fullTurn = 360.0f;
+constexpr float maxCoordinate = 1e15F;
+constexpr float fullTurn = 360.0F;
 
 // A sound that was given no distances and no cone comes with zeros. These are what sounds have that are
 // defined in text.
-constexpr float defaultMinDistance = 10.0f;
-constexpr float defaultMaxDistance = 500.0f;
+constexpr float defaultMinDistance = 10.0F;
+constexpr float defaultMaxDistance = 500.0F;
 
 float HoldDistance(float distance)
 {
-    return std::clamp(distance, 0.0f, std::numeric_limits<float>::max());
+    return std::clamp(distance, 0.0F, std::numeric_limits<float>::max());
 }
 
 } // namespace
@@ -42,7 +42,7 @@ bool TakeDistances(float minDistance, float maxDistance, bool cutout, DistanceRa
         return false;
     }
     taken = {HoldDistance(minDistance), HoldDistance(maxDistance), cutout};
-    if (taken.minDistance == 0.0f && taken.maxDistance == 0.0f && !cutout) {
+    if (taken.minDistance == 0.0F && taken.maxDistance == 0.0F && !cutout) {
         taken = {defaultMinDistance, defaultMaxDistance, false};
     }
     return true;
@@ -53,9 +53,9 @@ bool TakeCone(float innerAngle, float outerAngle, float outerGain, Cone& taken)
     if (std::isnan(innerAngle) || std::isnan(outerAngle) || std::isnan(outerGain)) {
         return false;
     }
-    const float inner = std::clamp(innerAngle, 0.0f, fullTurn);
-    taken = {inner, std::clamp(outerAngle, inner, fullTurn), std::clamp(outerGain, 0.0f, 1.0f)};
-    if (taken.outerAngle == 0.0f && taken.outerGain == 0.0f) {
+    const float inner = std::clamp(innerAngle, 0.0F, fullTurn);
+    taken = {inner, std::clamp(outerAngle, inner, fullTurn), std::clamp(outerGain, 0.0F, 1.0F)};
+    if (taken.outerAngle == 0.0F && taken.outerGain == 0.0F) {
         taken = {};
     }
     return true;

@@ -12,8 +12,8 @@ namespace Quon
 /// negative.
 struct DistanceRange
 {
-    float minDistance = 0.0f;
-    float maxDistance = 0.0f;
+    float minDistance = 0.0F;
+    float maxDistance = 0.0F;
     bool cutout = false;
 };
 
@@ -21,9 +21,9 @@ struct DistanceRange
 /// to 1.
 struct Cone
 {
-    float innerAngle = 360.0f;
-    float outerAngle = 360.0f;
-    float outerGain = 1.0f;
+    float innerAngle = 360.0F;
+    float outerAngle = 360.0F;
+    float outerGain = 1.0F;
 };
 
 /// Holds each coordinate within a range whose squares do not overflow. False, and no change, if one is no

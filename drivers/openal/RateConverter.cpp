@@ -111,7 +111,7 @@ void RateConverter::ApplyFade(std::span<float> out)
     const auto length = static_cast<float>(fading.size());
     for (std::size_t i = 0; i < count; ++i) {
         const float level = static_cast<float>(faded) / length;
-        out[i] = out[i] * level + fading[faded] * (1.0f - level);
+        out[i] = out[i] * level + fading[faded] * (1.0F - level);
         ++faded;
     }
     if (faded == fading.size()) {

@@ -17,7 +17,7 @@ constexpr std::int32_t silence = -10000;
 
 /// A room like any other. Not the library's default, which a game can change, and to anything.
 constexpr FXEnvReverb fallback = {
-    -1000, -100, 0.0f, 1.49f, 0.83f, -2602, 0.007f, 200, 0.011f, 100.0f, 100.0f, 5000.0f};
+    -1000, -100, 0.0F, 1.49F, 0.83F, -2602, 0.007F, 200, 0.011F, 100.0F, 100.0F, 5000.0F};
 
 // Of AL_EAXREVERB_REFLECTIONS_GAIN, 3.16, and of AL_EAXREVERB_LATE_REVERB_GAIN, 10.
 constexpr std::int32_t loudestReflections = 1000;
@@ -30,10 +30,10 @@ struct LateLevel
     float decibels;
 };
 
-constexpr LateLevel lateLevels[] = {{0.1f, -68.0f}, {0.17f, -41.0f}, {0.3f, -22.8f}, {0.4f, -16.4f},
-    {0.5f, -12.3f}, {0.75f, -6.5f}, {1.0f, -3.3f}, {1.49f, 0.0f}, {2.31f, 2.6f}, {2.91f, 3.7f}, {4.32f, 5.1f},
-    {7.24f, 6.2f}, {10.0f, 6.6f}, {17.23f, 7.1f}, {20.0f, 7.3f}};
-constexpr float loudestLateGain = 10.0f;
+constexpr LateLevel lateLevels[] = {{0.1F, -68.0F}, {0.17F, -41.0F}, {0.3F, -22.8F}, {0.4F, -16.4F},
+    {0.5F, -12.3F}, {0.75F, -6.5F}, {1.0F, -3.3F}, {1.49F, 0.0F}, {2.31F, 2.6F}, {2.91F, 3.7F}, {4.32F, 5.1F},
+    {7.24F, 6.2F}, {10.0F, 6.6F}, {17.23F, 7.1F}, {20.0F, 7.3F}};
+constexpr float loudestLateGain = 10.0F;
 
 std::int32_t HoldLevel(std::int32_t level, std::int32_t loudest = 0)
 {
@@ -48,7 +48,7 @@ float GetLow(std::int32_t all, float lowRatio)
 
 float GetHigh(std::int32_t all, float lowRatio)
 {
-    return static_cast<float>(all) * (1.0f - lowRatio);
+    return static_cast<float>(all) * (1.0F - lowRatio);
 }
 
 /// In dB; between two rows it goes by the loss in a second, which is what decays.
@@ -57,8 +57,8 @@ float GetLateDecibels(float decaySeconds)
     const auto* const after = std::find_if(std::begin(lateLevels) + 1, std::end(lateLevels) - 1,
         [decaySeconds](const LateLevel& row) { return row.decaySeconds >= decaySeconds; });
     const LateLevel& from = *(after - 1);
-    const float begin = 1.0f / from.decaySeconds;
-    const float share = (1.0f / decaySeconds - begin) / (1.0f / after->decaySeconds - begin);
+    const float begin = 1.0F / from.decaySeconds;
+    const float share = (1.0F / decaySeconds - begin) / (1.0F / after->decaySeconds - begin);
     return from.decibels + share * (after->decibels - from.decibels);
 }
 
@@ -76,16 +76,16 @@ FXEnvReverb HoldReverb(const FXEnvReverb& wanted)
     FXEnvReverb held = wanted;
     held.room = HoldLevel(wanted.room);
     held.roomHF = HoldLevel(wanted.roomHF);
-    held.roomRolloffFactor = Hold(wanted.roomRolloffFactor, 0.0f, 10.0f, fallback.roomRolloffFactor);
-    held.decayTime = Hold(wanted.decayTime, 0.1f, 20.0f, fallback.decayTime);
-    held.decayHFRatio = Hold(wanted.decayHFRatio, 0.1f, 2.0f, fallback.decayHFRatio);
+    held.roomRolloffFactor = Hold(wanted.roomRolloffFactor, 0.0F, 10.0F, fallback.roomRolloffFactor);
+    held.decayTime = Hold(wanted.decayTime, 0.1F, 20.0F, fallback.decayTime);
+    held.decayHFRatio = Hold(wanted.decayHFRatio, 0.1F, 2.0F, fallback.decayHFRatio);
     held.reflections = HoldLevel(wanted.reflections, loudestReflections);
-    held.reflectionsDelay = Hold(wanted.reflectionsDelay, 0.0f, 0.3f, fallback.reflectionsDelay);
+    held.reflectionsDelay = Hold(wanted.reflectionsDelay, 0.0F, 0.3F, fallback.reflectionsDelay);
     held.reverb = HoldLevel(wanted.reverb, loudestReverb);
-    held.reverbDelay = Hold(wanted.reverbDelay, 0.0f, 0.1f, fallback.reverbDelay);
-    held.diffusion = Hold(wanted.diffusion, 0.0f, 100.0f, fallback.diffusion);
-    held.density = Hold(wanted.density, 0.0f, 100.0f, fallback.density);
-    held.hfReference = Hold(wanted.hfReference, 1000.0f, 20000.0f, fallback.hfReference);
+    held.reverbDelay = Hold(wanted.reverbDelay, 0.0F, 0.1F, fallback.reverbDelay);
+    held.diffusion = Hold(wanted.diffusion, 0.0F, 100.0F, fallback.diffusion);
+    held.density = Hold(wanted.density, 0.0F, 100.0F, fallback.density);
+    held.hfReference = Hold(wanted.hfReference, 1000.0F, 20000.0F, fallback.hfReference);
     return held;
 }
 
@@ -97,22 +97,22 @@ bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other)
 FXEnvReverbSourceProperties HoldProperties(const FXEnvReverbSourceProperties& wanted)
 {
     return {HoldLevel(wanted.direct), HoldLevel(wanted.directHF), HoldLevel(wanted.room),
-        HoldLevel(wanted.roomHF), Hold(wanted.roomRolloffFactor, 0.0f, 10.0f, 0.0f),
-        HoldLevel(wanted.obstructionHF), Hold(wanted.obstructionLFRatio, 0.0f, 1.0f, 0.0f),
-        HoldLevel(wanted.occlusionHF), Hold(wanted.occlusionLFRatio, 0.0f, 1.0f, 0.0f)};
+        HoldLevel(wanted.roomHF), Hold(wanted.roomRolloffFactor, 0.0F, 10.0F, 0.0F),
+        HoldLevel(wanted.obstructionHF), Hold(wanted.obstructionLFRatio, 0.0F, 1.0F, 0.0F),
+        HoldLevel(wanted.occlusionHF), Hold(wanted.occlusionLFRatio, 0.0F, 1.0F, 0.0F)};
 }
 
 float ToGain(float hundredths)
 {
-    return hundredths <= static_cast<float>(silence) ? 0.0f : std::pow(10.0f, hundredths / 2000.0f);
+    return hundredths <= static_cast<float>(silence) ? 0.0F : std::pow(10.0F, hundredths / 2000.0F);
 }
 
 float GetLateGain(const FXEnvReverb& room)
 {
-    const float shorter = std::pow(room.density / 100.0f, 0.25f);
+    const float shorter = std::pow(room.density / 100.0F, 0.25F);
     const float missing = -GetLateDecibels(room.decayTime) * shorter;
     return std::min(
-        ToGain(static_cast<float>(room.reverb)) * std::pow(10.0f, missing / 20.0f), loudestLateGain);
+        ToGain(static_cast<float>(room.reverb)) * std::pow(10.0F, missing / 20.0F), loudestLateGain);
 }
 
 PathGain GetDirectGain(const FXEnvReverbSourceProperties& properties)

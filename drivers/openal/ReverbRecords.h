@@ -21,7 +21,7 @@ bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other);
 FXEnvReverbSourceProperties HoldProperties(const FXEnvReverbSourceProperties& wanted);
 
 /// The properties that do nothing.
-inline constexpr FXEnvReverbSourceProperties plainProperties = {0, 0, 0, 0, 0.0f, 0, 0.0f, 0, 0.0f};
+inline constexpr FXEnvReverbSourceProperties plainProperties = {0, 0, 0, 0, 0.0F, 0, 0.0F, 0, 0.0F};
 
 /// The linear factor of a level in hundredths of a decibel; -10000 and below is silence.
 float ToGain(float hundredths);
@@ -39,8 +39,8 @@ float GetLateGain(const FXEnvReverb& room);
 /// A low-pass filter of OpenAL: what it leaves of all, and of that at high frequencies. 1 changes nothing.
 struct PathGain
 {
-    float gain = 1.0f;
-    float gainHF = 1.0f;
+    float gain = 1.0F;
+    float gainHF = 1.0F;
 };
 
 /// What the properties leave of the direct sound, and of the sound that goes into a room. They have to have

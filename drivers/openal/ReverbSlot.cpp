@@ -13,19 +13,19 @@ namespace
 // the presets one changes, by a hundredth.
 float GetSafeHFRatio(const FXEnvReverb& room)
 {
-    constexpr float mostDifference = 7.9f;
-    return std::max(room.decayHFRatio, 1.0f / (1.0f + mostDifference * room.decayTime));
+    constexpr float mostDifference = 7.9F;
+    return std::max(room.decayHFRatio, 1.0F / (1.0F + mostDifference * room.decayTime));
 }
 
 void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room)
 {
     const auto gain = [](std::int32_t level) { return ToGain(static_cast<float>(level)); };
-    constexpr float percent = 0.01f;
+    constexpr float percent = 0.01F;
     efx.effecti(effect, AL_EFFECT_TYPE, AL_EFFECT_EAXREVERB);
     efx.effecti(effect, AL_EAXREVERB_DECAY_HFLIMIT, AL_FALSE);
     efx.effectf(effect, AL_EAXREVERB_GAIN, gain(room.room));
     efx.effectf(effect, AL_EAXREVERB_GAINHF, gain(room.roomHF));
-    efx.effectf(effect, AL_EAXREVERB_GAINLF, 1.0f);
+    efx.effectf(effect, AL_EAXREVERB_GAINLF, 1.0F);
     efx.effectf(effect, AL_EAXREVERB_ROOM_ROLLOFF_FACTOR, room.roomRolloffFactor);
     efx.effectf(effect, AL_EAXREVERB_DECAY_TIME, room.decayTime);
     efx.effectf(effect, AL_EAXREVERB_DECAY_HFRATIO, GetSafeHFRatio(room));
@@ -85,7 +85,7 @@ void ReverbSlot::Leave(std::int64_t begin, std::int64_t length, std::int64_t tic
 void ReverbSlot::Return()
 {
     fall.Cancel();
-    SetLevel(1.0f);
+    SetLevel(1.0F);
 }
 
 void ReverbSlot::Apply()
@@ -117,7 +117,7 @@ void ReverbSlot::Tick(std::int64_t time)
     if (isEmpty) {
         return;
     }
-    if (level == 0.0f && fall.IsOver(time - linger)) {
+    if (level == 0.0F && fall.IsOver(time - linger)) {
         isEmpty = true;
         fall.Cancel();
         if (slot != 0) {

@@ -60,7 +60,7 @@ private:
     EfxFunctions efx;
     ALuint slot = 0;
     bool isEmpty = true;
-    float level = 1.0f;
+    float level = 1.0F;
     FXEnvReverb room{};
     Fall fall;
     std::int64_t linger = 0; ///< From the end of the fall until the place is empty.

@@ -14,7 +14,7 @@ namespace
 
 constexpr int roomSend = 0;
 constexpr int ownRoomSend = 1;
-constexpr PathGain closed = {0.0f, 1.0f};
+constexpr PathGain closed = {0.0F, 1.0F};
 
 template<class Record>
 std::optional<Record> FindRecord(const SndFXList& effects, SndFX kind)

@@ -26,7 +26,7 @@ void SourceFilters::Destroy()
 
 ALuint SourceFilters::Fill(const PathGain& path)
 {
-    if (path.gain == 1.0f && path.gainHF == 1.0f) {
+    if (path.gain == 1.0F && path.gainHF == 1.0F) {
         return AL_FILTER_NULL;
     }
     efx.filterf(filter, AL_LOWPASS_GAIN, path.gain);
@@ -43,7 +43,7 @@ void SourceFilters::Begin(ALuint source, int sendCount)
     alSourcei(source, AL_AUXILIARY_SEND_FILTER_GAINHF_AUTO, AL_FALSE);
     alSourcei(source, AL_DIRECT_FILTER_GAINHF_AUTO, AL_FALSE);
     SetDirect(source, {});
-    SetRoomRolloff(source, 0.0f);
+    SetRoomRolloff(source, 0.0F);
     for (int send = 0; send < sendCount; ++send) {
         SetSend(source, send, AL_EFFECTSLOT_NULL, {});
     }

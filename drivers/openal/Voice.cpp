@@ -95,13 +95,13 @@ void Voice::Begin(bool positional)
 {
     hasReturned = false;
     isPositional = positional;
-    gain = 1.0f;
-    pitch = 1.0f;
+    gain = 1.0F;
+    pitch = 1.0F;
     position = {};
-    minDistance = maxDistance = 1.0f;
-    rolloffFactor = positional ? 1.0f : 0.0f;
-    innerAngle = outerAngle = 360.0f;
-    outerGain = 1.0f;
+    minDistance = maxDistance = 1.0F;
+    rolloffFactor = positional ? 1.0F : 0.0F;
+    innerAngle = outerAngle = 360.0F;
+    outerGain = 1.0F;
     direction = {};
     ApplySettings();
 }

@@ -125,15 +125,15 @@ private:
 
     bool bypassesHrtf = false;
     bool isPositional = false;
-    float gain = 1.0f;
-    float pitch = 1.0f;
+    float gain = 1.0F;
+    float pitch = 1.0F;
     Vector3 position;
-    float minDistance = 1.0f;
-    float maxDistance = 1.0f;
-    float rolloffFactor = 1.0f;
-    float innerAngle = 360.0f;
-    float outerAngle = 360.0f;
-    float outerGain = 1.0f;
+    float minDistance = 1.0F;
+    float maxDistance = 1.0F;
+    float rolloffFactor = 1.0F;
+    float innerAngle = 360.0F;
+    float outerAngle = 360.0F;
+    float outerGain = 1.0F;
     Vector3 direction;
 };
 

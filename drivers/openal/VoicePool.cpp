@@ -101,7 +101,7 @@ void VoicePool::Retire(Voice* voice, std::int64_t fadeTicks)
     Fading entry = {voice, voice->GetGain(), {}, notYet};
     entry.fall.Start(device.GetTime(), fadeTicks);
     if (fadeTicks <= 0) {
-        voice->SetGain(0.0f);
+        voice->SetGain(0.0F);
     }
     fading.push_back(entry);
 }

@@ -15,7 +15,7 @@ namespace
 constexpr std::uint32_t headBytes = 44;
 constexpr std::uint32_t channels = 2;
 constexpr std::uint32_t bytesPerSample = 2;
-constexpr std::uint64_t maxDataBytes = 0xFFFFFFFFu - headBytes - 3;
+constexpr std::uint64_t maxDataBytes = 0xFFFFFFFFU - headBytes - 3;
 constexpr std::size_t piece = 1024;
 
 /// Puts little-endian numbers and texts one behind the other.
@@ -43,7 +43,7 @@ std::int16_t ToSigned16(float sample)
     if (std::isnan(sample)) {
         return 0;
     }
-    return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0f, -32768.0f, 32767.0f)));
+    return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0F, -32768.0F, 32767.0F)));
 }
 
 bool WavSink::Open(const char* path, int rateHz)

@@ -18,8 +18,9 @@ Pcm Render(double seconds, const Formula& formula)
 {
     constexpr double fullScale = 32767.0;
     Pcm pcm(static_cast<std::size_t>(seconds * rateHz));
-    for (std::size_t i = 0; i < pcm.size(); ++i)
+    for (std::size_t i = 0; i < pcm.size(); ++i) {
         pcm[i] = static_cast<std::int16_t>(std::lround(fullScale * formula(static_cast<double>(i) / rateHz)));
+    }
     return pcm;
 }
 
@@ -32,8 +33,9 @@ double Pluck(double seconds)
 {
     constexpr double hertz = 220.0;
     double sum = 0.0;
-    for (int partial = 1; partial <= 12; ++partial)
+    for (int partial = 1; partial <= 12; ++partial) {
         sum += Sine(hertz * partial, seconds) * std::exp2(-seconds * (4.0 + partial)) / partial;
+    }
     return sum;
 }
 

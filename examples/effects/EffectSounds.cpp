@@ -87,10 +87,12 @@ void Render(const std::filesystem::path& file, const Insert* insert, const Named
     const Pcm dry = MakeDrySound();
     Stage stage(file);
     const int id = stage.Add(dry, place);
-    if (insert && !insert->set(stage.GetSounds(), id))
+    if (insert && !insert->set(stage.GetSounds(), id)) {
         throw std::runtime_error(std::string("no effect: ") + insert->name);
-    if (room && !stage.GetListener().SetFXEnvReverb(&room->room, Quon::defaultEnvReverbQuality, 0))
+    }
+    if (room && !stage.GetListener().SetFXEnvReverb(&room->room, Quon::defaultEnvReverbQuality, 0)) {
         throw std::runtime_error("the driver has no rooms");
+    }
     stage.Start(id);
     stage.Run(durationMs);
 }
@@ -101,10 +103,12 @@ void RenderSounds(const std::filesystem::path& folder)
 {
     std::filesystem::create_directories(folder);
     Render(folder / "dry.wav", nullptr, nullptr);
-    for (const Insert& insert : inserts)
+    for (const Insert& insert : inserts) {
         Render(folder / (std::string(insert.name) + ".wav"), &insert, nullptr);
-    for (const NamedRoom& room : rooms)
+    }
+    for (const NamedRoom& room : rooms) {
         Render(folder / (std::string(room.name) + ".wav"), nullptr, &room);
+    }
 }
 
 } // namespace EffectsExample

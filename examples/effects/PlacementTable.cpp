@@ -57,17 +57,19 @@ double Level(const std::vector<double>& sound)
     // The last whole tenth of a second.
     constexpr std::size_t count = rateHz / 10;
     double power = 0.0;
-    for (std::size_t i = sound.size() - count; i < sound.size(); ++i)
+    for (std::size_t i = sound.size() - count; i < sound.size(); ++i) {
         power += sound[i] * sound[i];
+    }
     return std::sqrt(2.0 * power / static_cast<double>(count)) / amplitude;
 }
 
 std::vector<Situation> GetGains()
 {
     std::vector<Situation> all;
-    for (const float gain : {1.0F, 0.5F, 0.1F})
+    for (const float gain : {1.0F, 0.5F, 0.1F}) {
         all.push_back(AtLevel("gain " + std::to_string(gain).substr(0, 3), double{gain},
             [=](Stage& stage, int id) { stage.GetSounds().SetSoundGain(id, gain); }));
+    }
     all.push_back(AtLevel("gain 0.5, main gain 0.5", 0.25, [](Stage& stage, int id) {
         stage.GetSounds().SetSoundGain(id, 0.5F);
         Quon::SoundSystem::SetMainGain(0.5F);
@@ -168,8 +170,9 @@ void PrintPlacementTable(const std::filesystem::path& folder)
     std::printf("| situation | left, by formula | left, measured | right, by formula | right, measured |\n"
                 "|---|---|---|---|---|\n");
     for (const auto& part : {GetGains(), GetDistances(), GetCutouts(), GetCones(), GetPans()}) {
-        for (const Situation& situation : part)
+        for (const Situation& situation : part) {
             PrintRow(situation, folder);
+        }
     }
 }
 

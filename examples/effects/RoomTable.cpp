@@ -58,8 +58,9 @@ std::vector<double> RenderClicks(const std::filesystem::path& file, const Quon::
 {
     const Pcm click = MakeClick();
     Stage stage(file);
-    if (!stage.GetListener().SetFXEnvReverb(&room, Quon::defaultEnvReverbQuality, 0))
+    if (!stage.GetListener().SetFXEnvReverb(&room, Quon::defaultEnvReverbQuality, 0)) {
         throw std::runtime_error("the driver has no rooms");
+    }
     Quon::FXEnvReverbSourceProperties onlyRoom{};
     onlyRoom.direct = -10000;
     for (int i = 0; i < count; ++i) {
@@ -77,8 +78,9 @@ std::vector<double> RenderLoudClick(const std::filesystem::path& file, const Quo
 {
     std::vector<double> heard = RenderClicks(file, room, 1);
     double peak = 0.0;
-    for (const double sample : heard)
+    for (const double sample : heard) {
         peak = std::max(peak, std::abs(sample));
+    }
     const int count = std::min(static_cast<int>(0.9 / std::max(peak, 0.001)), Stage::maxSounds);
     return count > 1 ? RenderClicks(file, room, count) : heard;
 }

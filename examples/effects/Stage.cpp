@@ -20,8 +20,9 @@ Stage::Stage(std::filesystem::path newFile)
     options.Set("OpenALRender", file.string().c_str());
     options.Set("MaxSounds", std::to_string(maxSounds).c_str());
     options.Set("SoundFrequency", std::to_string(rateHz).c_str());
-    if (!system.Init(&os, false))
+    if (!system.Init(&os, false)) {
         throw std::runtime_error("the sound system does not start, or cannot write " + file.string());
+    }
     listener.Activate();
 }
 
@@ -45,18 +46,21 @@ int Stage::Add(const Pcm& pcm, const Quon::Vector3& position)
 void Stage::Start(int id, bool looping)
 {
     const int flags = Quon::Sound::StartNowOrCompete | (looping ? Quon::Sound::StartLooping : 0);
-    if (!sounds.StartSound(id, flags))
+    if (!sounds.StartSound(id, flags)) {
         throw std::runtime_error("a sound does not start");
+    }
 }
 
 void Stage::Run(long ms)
 {
     constexpr long stepMs = 50;
     constexpr float stepSeconds = 0.05F;
-    for (; ms > 0; ms -= stepMs)
+    for (; ms > 0; ms -= stepMs) {
         Quon::TaskList::Get().Update(stepSeconds);
-    if (Quon::SoundSystem::HasLostOutput())
+    }
+    if (Quon::SoundSystem::HasLostOutput()) {
         throw std::runtime_error(file.string() + " is cut off, the disk is full");
+    }
 }
 
 Heard Stage::Read() const

@@ -14,12 +14,14 @@ int main(int argumentCount, char** arguments)
 {
     Quon::OS os;
     os.SetMessageHook([](Quon::MessageLevel, const char* text, void*) { std::puts(text); });
-    if (argumentCount != 3 || !Quon::File::AddRoot("", arguments[1]))
+    if (argumentCount != 3 || !Quon::File::AddRoot("", arguments[1])) {
         return 1;
+    }
     os.GetOptions()->Set("Sound", "HarmonetOpenAL,HarmonetNull");
     Quon::SoundSystem system;
-    if (!system.Init(&os, false))
+    if (!system.Init(&os, false)) {
         return 1;
+    }
 
     Quon::Sound sound;
     const int id = sound.Play2DSound(arguments[2], nullptr, Quon::Sound::StartNowOrCompete, 0, 0);

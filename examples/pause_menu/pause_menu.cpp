@@ -25,20 +25,23 @@ void RunFrames(int count)
 int main(int argumentCount, char** arguments)
 {
     constexpr int second = 20;
-    if (argumentCount != 3 || !Quon::File::AddRoot("", arguments[1]))
+    if (argumentCount != 3 || !Quon::File::AddRoot("", arguments[1])) {
         return 1;
+    }
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetOpenAL,HarmonetNull");
     Quon::SoundSystem system;
-    if (!system.Init(&os, false))
+    if (!system.Init(&os, false)) {
         return 1;
+    }
 
     // Two groups, so that the menu can be heard while the game is paused.
     Quon::Sound game;
     Quon::Sound menu;
     constexpr int flags = Quon::Sound::StartNowOrCompete;
-    if (game.Play2DSound(arguments[2], nullptr, flags | Quon::Sound::StartLooping, 0, 0) == 0)
+    if (game.Play2DSound(arguments[2], nullptr, flags | Quon::Sound::StartLooping, 0, 0) == 0) {
         return 1;
+    }
     RunFrames(second);
     game.Pause();
     menu.Play2DSound(arguments[2], nullptr, flags, 0, 0);

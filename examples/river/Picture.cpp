@@ -45,8 +45,9 @@ public:
     void AddPath(const std::vector<Quon::Vector3>& points, const char* style)
     {
         text += "<polyline fill=\"none\" points=\"";
-        for (const Quon::Vector3& point : points)
+        for (const Quon::Vector3& point : points) {
             Add("%.1f,%.1f ", X(point), Y(point));
+        }
         Add("\" %s/>\n", style);
     }
 
@@ -74,8 +75,9 @@ void DrawStep(Svg& svg, const Step& step, std::size_t number)
 {
     const std::string colour = colours[number % colours.size()];
     const std::string stroke = "stroke=\"" + colour + "\" stroke-width=\"1.2\" stroke-dasharray=\"5 3\"";
-    for (const Quon::Vector3& place : step.places)
+    for (const Quon::Vector3& place : step.places) {
         svg.AddLine(step.listener, place, stroke.c_str());
+    }
     // The first source has the full gain, the others half of it.
     for (std::size_t rank = 0; rank < step.places.size(); ++rank) {
         const std::string style = "stroke=\"" + colour + "\" stroke-width=\"2\" fill=\"" +
@@ -95,15 +97,18 @@ std::string Draw(const std::vector<Quon::Vector3>& river, const std::vector<Step
     Svg svg;
     svg.AddPath(
         river, "stroke=\"#9ecae1\" stroke-width=\"16\" stroke-linejoin=\"round\" stroke-linecap=\"round\"");
-    for (const Quon::Vector3& point : river)
+    for (const Quon::Vector3& point : river) {
         svg.AddCircle(point, 2.5F, "fill=\"#4292c6\"");
+    }
     std::vector<Quon::Vector3> path;
     path.reserve(steps.size());
-    for (const Step& step : steps)
+    for (const Step& step : steps) {
         path.push_back(step.listener);
+    }
     svg.AddPath(path, "stroke=\"#888888\" stroke-width=\"1.5\"");
-    for (std::size_t number = 0; number < steps.size(); ++number)
+    for (std::size_t number = 0; number < steps.size(); ++number) {
         DrawStep(svg, steps[number], number);
+    }
     svg.Add(
         "<text x=\"20\" y=\"%d\" fill=\"#444444\">A listener walks from 1 to %d. At each step the river is "
         "heard from the places of that colour: filled, the nearest, at full gain; hollow, at half "

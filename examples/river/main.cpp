@@ -30,8 +30,9 @@ std::vector<Quon::Vector3> ReadRiver(const Quon::ResourceDatabase& database)
 {
     std::vector<Quon::Vector3> points;
     const auto* resource = static_cast<const Quon::SoundDefResource*>(database.Lookup(riverName, 0));
-    if (!resource)
+    if (!resource) {
         return points;
+    }
     if (resource->Lock(&database).IsOk()) {
         points.assign(resource->GetPolyline(), resource->GetPolyline() + resource->GetNumPoints());
         resource->Unlock();
@@ -47,8 +48,9 @@ std::vector<River::Step> Walk(const Quon::ResourceDatabase& database)
     Quon::Sound sounds;
     const int river = sounds.New3DSound(riverName, &database);
     std::vector<River::Step> steps;
-    if (!sounds.StartSound(river, 0))
+    if (!sounds.StartSound(river, 0)) {
         return steps;
+    }
     for (const Quon::Vector3& place : path) {
         listener.SetPosition(place);
         Quon::TaskList::Get().Update(frameSeconds);

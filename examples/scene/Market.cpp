@@ -76,8 +76,9 @@ void Market::StartStreet()
 void Market::StartRiver()
 {
     river = sounds.New3DSound("river.sound.txt", &database);
-    if (river != 0 && sounds.StartSound(river, 0))
+    if (river != 0 && sounds.StartSound(river, 0)) {
         history.AddStart(river, "river.sound.txt");
+    }
 }
 
 void Market::StartPasserBy(float listenerX)
@@ -95,8 +96,9 @@ int Market::Play(const char* name, const Quon::Vector3& position, int priority)
     sounds.SetSoundPosition(id, position);
     sounds.SetSoundPriority(id, priority);
     sounds.AttachSound(id, &world, Quon::PString());
-    if (id != 0 && sounds.StartSound(id, 0))
+    if (id != 0 && sounds.StartSound(id, 0)) {
         history.AddStart(id, name);
+    }
     return id;
 }
 

@@ -37,11 +37,13 @@ void PrintEntry(int id, const SoundHistory::Entry& entry)
     const auto& changes = entry.changes;
     std::printf("%4d  %-19s %6.2f  %-7s %6.2f ", id, entry.file.c_str(), Seconds(changes.front().atMs),
         entry.isRunning ? "" : SoundHistory::GetName(changes.back().state), Seconds(changes.back().atMs));
-    if (!entry.isWatched)
+    if (!entry.isWatched) {
         std::printf("  along a line: from up to %d places at once", entry.mostPlaces);
+    }
     for (std::size_t i = 0; i + 1 < changes.size(); ++i) {
-        if (IsHeard(changes[i]))
+        if (IsHeard(changes[i])) {
             std::printf("  %.2f-%.2f", Seconds(changes[i].atMs), Seconds(changes[i + 1].atMs));
+        }
     }
     std::printf("\n");
 }
@@ -51,8 +53,9 @@ void PrintEntry(int id, const SoundHistory::Entry& entry)
 void PrintTable(const SoundHistory& history)
 {
     std::printf("  id  file                 start  end             heard, in seconds; emulated in between\n");
-    for (const auto& [id, entry] : history.GetEntries())
+    for (const auto& [id, entry] : history.GetEntries()) {
         PrintEntry(id, entry);
+    }
 
     std::printf("\n%zu sounds; at most %d ran at once and %d were heard\n", history.GetEntries().size(),
         history.GetMostRunning(), history.GetMostHeard());

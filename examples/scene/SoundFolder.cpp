@@ -13,8 +13,9 @@ namespace
 
 void WriteNumber(std::ostream& out, std::size_t value, int byteCount)
 {
-    for (int i = 0; i < byteCount; ++i)
+    for (int i = 0; i < byteCount; ++i) {
         out.put(static_cast<char>(value >> (8 * i)));
+    }
 }
 
 void WriteWave(const std::filesystem::path& path, const Pcm& pcm)
@@ -36,8 +37,9 @@ void WriteWave(const std::filesystem::path& path, const Pcm& pcm)
     WriteNumber(out, 8 * sizeof(std::int16_t), 2);
     out << "data";
     WriteNumber(out, dataBytes, 4);
-    for (const std::int16_t sample : pcm)
+    for (const std::int16_t sample : pcm) {
         WriteNumber(out, static_cast<std::uint16_t>(sample), sizeof sample);
+    }
     out.close();
 }
 
@@ -47,10 +49,12 @@ void FillSoundFolder(const std::filesystem::path& recordings, const std::filesys
 {
     namespace fs = std::filesystem;
     fs::create_directories(folder);
-    for (const fs::directory_entry& entry : fs::directory_iterator(recordings))
+    for (const fs::directory_entry& entry : fs::directory_iterator(recordings)) {
         fs::copy_file(entry.path(), folder / entry.path().filename(), fs::copy_options::overwrite_existing);
-    for (const MadeSound& sound : MakeSounds())
+    }
+    for (const MadeSound& sound : MakeSounds()) {
         WriteWave(folder / sound.fileName, sound.pcm);
+    }
 }
 
 } // namespace Scene

@@ -53,13 +53,15 @@ void SoundHistory::LookAt(const Quon::Particle& world)
     int running = 0;
     int heardNow = 0;
     for (const Quon::Particle* node = world.GetFirstChild(); node != nullptr; node = node->GetNextSibling()) {
-        if (node->GetID() != soundNode)
+        if (node->GetID() != soundNode) {
             continue;
+        }
         const auto& sound = static_cast<const Quon::Snd3D&>(*node);
         const bool isHeard = sound.GetSndChannel() != nullptr;
         const auto place = entries.find(sound.GetSoundID());
-        if (place == entries.end())
+        if (place == entries.end()) {
             continue;
+        }
         Entry& entry = place->second;
         entry.isWatched = true;
         SetState(entry, !isHeard ? State::Emulated : WasHeard(entry) ? State::HeardAgain : State::Heard);
@@ -73,22 +75,25 @@ void SoundHistory::LookAt(const Quon::Particle& world)
 void SoundHistory::SetPlaces(int id, int count)
 {
     const auto place = entries.find(id);
-    if (place != entries.end())
+    if (place != entries.end()) {
         place->second.mostPlaces = std::max(place->second.mostPlaces, count);
+    }
 }
 
 void SoundHistory::SetState(Entry& entry, State state)
 {
     const State last = entry.changes.back().state;
-    if (last != state && !(state == State::HeardAgain && last == State::Heard))
+    if (last != state && !(state == State::HeardAgain && last == State::Heard)) {
         entry.changes.push_back({nowMs, state});
+    }
 }
 
 void SoundHistory::Finish(int soundID, State state, long leftMs)
 {
     const auto place = entries.find(soundID);
-    if (place == entries.end())
+    if (place == entries.end()) {
         return;
+    }
     place->second.isRunning = false;
     place->second.leftMs = leftMs;
     SetState(place->second, state);

@@ -74,8 +74,9 @@ Pcm Chord(double seconds, const std::array<double, 3>& hertz)
 {
     return Render(seconds, 0.6, [=](double at) {
         double sum = 0.0;
-        for (std::size_t i = 0; i < hertz.size(); ++i)
+        for (std::size_t i = 0; i < hertz.size(); ++i) {
             sum += Sine(hertz[i], at) * (0.7 + 0.3 * Sine(0.25 * static_cast<double>(i + 1), at));
+        }
         return sum / 3.0;
     });
 }

@@ -38,8 +38,9 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
     QuonGetPlugins();
     Quon::ResourceDatabase database;
     Quon::SoundSystem system;
-    if (!database.AddFolder("market", (folder / "sounds").string().c_str()) || !system.Init(&os, false))
+    if (!database.AddFolder("market", (folder / "sounds").string().c_str()) || !system.Init(&os, false)) {
         return false;
+    }
 
     Trace::Timeline timeline;
     Quon::SoundSystem::SetTrace(&timeline);
@@ -51,8 +52,9 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
         Quon::TaskList::Get().Update(frameSeconds);
         history.LookAt(market.GetWorld());
     }
-    if (Quon::SoundSystem::HasLostOutput())
+    if (Quon::SoundSystem::HasLostOutput()) {
         throw std::runtime_error("demo.wav is cut off, the disk is full");
+    }
     std::ofstream page;
     page.exceptions(std::ios::failbit | std::ios::badbit);
     page.open(folder / "demo.html");

@@ -44,8 +44,9 @@ public:
     bool Seek(std::int64_t position) override
     {
         const std::lock_guard lock(archive->mutex);
-        if (isStored)
+        if (isStored) {
             return zip_fseek(file.get(), position, SEEK_SET) == 0;
+        }
         // Compressed data are read from their start up to the place.
         if (!file || at > position) {
             file.reset(zip_fopen_index(archive->zip, index, 0));
@@ -73,8 +74,9 @@ private:
         std::array<char, 16384> skipped;
         while (at < position) {
             const auto left = static_cast<std::uint64_t>(position - at);
-            if (ReadOn(skipped.data(), std::min<std::uint64_t>(left, skipped.size())) == 0)
+            if (ReadOn(skipped.data(), std::min<std::uint64_t>(left, skipped.size())) == 0) {
                 return false;
+            }
         }
         return true;
     }
@@ -113,11 +115,13 @@ Quon::Result ZipSource::Open(std::string_view name, std::unique_ptr<Quon::FileSt
     const std::lock_guard lock(archive->mutex);
     zip_stat_t status;
     // The name ends with a zero.
-    if (zip_stat(archive->zip, name.data(), 0, &status) != 0)
+    if (zip_stat(archive->zip, name.data(), 0, &status) != 0) {
         return Quon::File::NotFound;
+    }
     OpenedFile file(HasSize(status) ? zip_fopen_index(archive->zip, status.index, 0) : nullptr);
-    if (!file)
+    if (!file) {
         return Quon::File::NotReadable;
+    }
     stream = std::make_unique<ZipStream>(archive, std::move(file), status);
     return Quon::File::Opened;
 }
@@ -126,10 +130,12 @@ Quon::Result ZipSource::GetStamp(std::string_view name, Quon::FileStamp& stamp)
 {
     const std::lock_guard lock(archive->mutex);
     zip_stat_t status;
-    if (zip_stat(archive->zip, name.data(), 0, &status) != 0)
+    if (zip_stat(archive->zip, name.data(), 0, &status) != 0) {
         return Quon::File::NotFound;
-    if (!HasSize(status))
+    }
+    if (!HasSize(status)) {
         return Quon::File::NotReadable;
+    }
     stamp.size = status.size;
     stamp.identity = status.index;
     stamp.modifiedNs = (status.valid & ZIP_STAT_MTIME) != 0 ? std::int64_t{status.mtime} * 1'000'000'000 : 0;

@@ -19,8 +19,9 @@ namespace
 
 void PrintMessage(Quon::MessageLevel level, const char* text, void*)
 {
-    if (level != Quon::MessageLevel::Note)
+    if (level != Quon::MessageLevel::Note) {
         std::fprintf(stderr, "%s\n", text);
+    }
 }
 
 /// Until it has ended: aloud in real time, and as fast as it goes where it is rendered.
@@ -28,8 +29,9 @@ void PlayToTheEnd(Quon::Sound& group, int id, bool isRendered)
 {
     constexpr auto step = std::chrono::milliseconds(50);
     while (group.GetRemainLength(id) > 0) {
-        if (!isRendered)
+        if (!isRendered) {
             std::this_thread::sleep_for(step);
+        }
         Quon::TaskList::Get().Update(0.05F);
     }
 }
@@ -54,8 +56,9 @@ int main(int argumentCount, char** arguments)
     const auto archive = Zip::ZipSource::Open(arguments[1]);
     Quon::ResourceDatabase sounds;
     Quon::SoundSystem system;
-    if (!archive || !sounds.AddFolder("sounds", archive) || !system.Init(&os, false))
+    if (!archive || !sounds.AddFolder("sounds", archive) || !system.Init(&os, false)) {
         return EXIT_FAILURE;
+    }
     Quon::Sound group;
     const int id = group.Play2DSound(arguments[2], &sounds, 0, 0, 0);
     PlayToTheEnd(group, id, isRendered);

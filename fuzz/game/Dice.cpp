@@ -5,8 +5,9 @@ namespace Quon
 
 int Dice::Draw(int below)
 {
-    if (below <= 1)
+    if (below <= 1) {
         return 0;
+    }
     const auto count = static_cast<std::uint32_t>(below);
     return static_cast<int>(DrawNumber(count - 1) % count);
 }
@@ -33,8 +34,9 @@ std::uint64_t ByteDice::DrawNumber(std::uint32_t most)
 
 void Digest::Add(std::span<const unsigned char> bytes)
 {
-    for (const unsigned char byte : bytes)
+    for (const unsigned char byte : bytes) {
         value = (value ^ byte) * 0x100000001B3;
+    }
 }
 
 void Digest::Add(std::int64_t number)

@@ -63,14 +63,17 @@ Game::Game(Dice& newDice, GameFolder& newFolder, bool newWild)
     , wild(newWild)
 {
     Start();
-    for (Sound*& group : groups)
+    for (Sound*& group : groups) {
         group = new Sound;
+    }
     firstID = groups[0]->New2DSound(folder.GetFiles()[0], nullptr);
     groups[0]->DeleteSound(firstID);
-    for (auto& node : nodes)
+    for (auto& node : nodes) {
         node = std::make_unique<Particle>();
-    for (auto& microphone : microphones)
+    }
+    for (auto& microphone : microphones) {
         microphone = std::make_unique<Microphone>();
+    }
     microphones[0]->Activate();
     AddWitness();
 }
@@ -79,10 +82,12 @@ Game::Game(Dice& newDice, GameFolder& newFolder, bool newWild)
 Game::~Game()
 {
     depth = mostDepth; // Nobody acts any more.
-    if (dice.Chance(50))
+    if (dice.Chance(50)) {
         system.Done();
-    for (Sound* group : groups)
+    }
+    for (Sound* group : groups) {
         delete group;
+    }
 }
 
 void Game::Start()
@@ -90,8 +95,9 @@ void Game::Start()
     Options& options = *folder.GetOS().GetOptions();
     options.Set("SoundCacheSize", dice.Pick(sizes));
     options.Set("MaxSounds", dice.Pick(limits));
-    if (!system.Init(&folder.GetOS(), false))
+    if (!system.Init(&folder.GetOS(), false)) {
         throw std::runtime_error("the sound system does not start");
+    }
 }
 
 void Game::Act()
@@ -103,11 +109,13 @@ void Game::RunOperation(bool isInner)
 {
     const std::size_t first = isInner ? outerOperations : 0;
     int sum = 0;
-    for (std::size_t i = first; i < std::size(operations); ++i)
+    for (std::size_t i = first; i < std::size(operations); ++i) {
         sum += operations[i].weight;
+    }
     const auto* chosen = std::begin(operations) + first;
-    for (int left = dice.Draw(sum) - chosen->weight; left >= 0; left -= chosen->weight)
+    for (int left = dice.Draw(sum) - chosen->weight; left >= 0; left -= chosen->weight) {
         ++chosen;
+    }
     (this->*chosen->run)();
 }
 
@@ -132,8 +140,9 @@ void Game::Hear(Note note, int id, const PString& fileName, int remaining)
     digest.Add(remaining);
     const std::string_view name = fileName.GetView();
     digest.Add({reinterpret_cast<const unsigned char*>(name.data()), name.size()});
-    if (depth >= mostDepth || !dice.Chance(15))
+    if (depth >= mostDepth || !dice.Chance(15)) {
         return;
+    }
     ++depth;
     RunOperation(true);
     --depth;
@@ -143,8 +152,9 @@ void Witness::OnBufferFree(int soundID, void* buffer)
 {
     int number = 0;
     for (MemoryBlock& block : game.folder.GetBlocks()) {
-        if (block.GetData() == buffer)
+        if (block.GetData() == buffer) {
             break;
+        }
         ++number;
     }
     game.Hear(Game::Note::Free, soundID, PString(), number);
@@ -152,15 +162,17 @@ void Witness::OnBufferFree(int soundID, void* buffer)
 
 int Game::PickID()
 {
-    if (dice.Chance(3))
+    if (dice.Chance(3)) {
         return wild ? firstID + dice.Draw(1 << 16) : 0;
+    }
     return keptIDs[static_cast<std::size_t>(dice.Draw(numKeptIDs))];
 }
 
 int Game::Keep(int id)
 {
-    if (id != 0)
+    if (id != 0) {
         keptIDs[keptCount++ % numKeptIDs] = id;
+    }
     return id;
 }
 
@@ -176,8 +188,9 @@ int Game::PickFlags()
         {Sound::StartChgFrequency, 10}, {Sound::StartDisableMicFX, 10}};
     int flags = 0;
     for (const auto& chance : chances) {
-        if (dice.Chance(chance.percent))
+        if (dice.Chance(chance.percent)) {
             flags |= chance.flag;
+        }
     }
     return flags;
 }
@@ -197,8 +210,9 @@ const PString& Game::PickFile()
 const PString& Game::PickName(const ResourceDatabase*& database)
 {
     database = dice.Chance(40) ? &folder.GetDatabase() : nullptr;
-    if (!database)
+    if (!database) {
         return PickFile();
+    }
     const auto& resources = folder.GetResources();
     return resources[static_cast<std::size_t>(dice.Draw(static_cast<int>(resources.size())))];
 }
@@ -208,8 +222,9 @@ float Game::PickNumber(float most)
     constexpr float oddNumbers[] = {std::numeric_limits<float>::quiet_NaN(),
         std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(), -1.0F, 3e38F, -3e38F,
         1e-40F, -0.0F};
-    if (wild && dice.Chance(8))
+    if (wild && dice.Chance(8)) {
         return dice.Pick(oddNumbers);
+    }
     return most * static_cast<float>(dice.Draw(17)) / 16.0F;
 }
 

@@ -17,8 +17,9 @@ namespace
 std::vector<unsigned char> ReadSource(const std::string& name)
 {
     std::ifstream file(std::string(HARMONET_SOURCE_FOLDER "/tests/files/") + name, std::ios::binary);
-    if (!file)
+    if (!file) {
         throw std::runtime_error("cannot read " + name);
+    }
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
@@ -92,8 +93,9 @@ void GameFolder::WriteSounds()
     folder.Write("torn.wav", torn);
     folder.Write("noise.wav", "RIFFnothing that could be played");
     for (const char* name : {"a.wav", "b.wav", "stereo.wav", "bytes.wav", "short.wav", "empty.wav",
-             "long.wav", "adpcm.wav", "tune.mp3", "torn.wav", "noise.wav", "missing.wav", ""})
+             "long.wav", "adpcm.wav", "tune.mp3", "torn.wav", "noise.wav", "missing.wav", ""}) {
         files.emplace_back(name);
+    }
     blocks.emplace_back(PcmForm{800});
     blocks.emplace_back(PcmForm{2500});
     blocks.emplace_back(PcmForm{700, 2000, 2});
@@ -106,8 +108,9 @@ void GameFolder::WriteDefinitions()
         folder.Write(definition.name, definition.text);
         resources.emplace_back(definition.name);
     }
-    for (const char* name : {"a.wav", "tune.mp3", "missing.sound.txt"})
+    for (const char* name : {"a.wav", "tune.mp3", "missing.sound.txt"}) {
         resources.emplace_back(name);
+    }
 }
 
 } // namespace Quon

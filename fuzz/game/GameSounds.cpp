@@ -52,8 +52,9 @@ void Game::PlayBlock()
     auto& blocks = folder.GetBlocks();
     MemoryBlock& block = blocks[static_cast<std::size_t>(dice.Draw(static_cast<int>(blocks.size())))];
     WaveFormatEx format = block.format;
-    if (wild && dice.Chance(10))
+    if (wild && dice.Chance(10)) {
         format.bitsPerSample = static_cast<std::uint16_t>(dice.Draw(64));
+    }
     const int flags = PickFlags();
     const int priority = PickPriority();
     Keep(PickGroup().Play2DSound(block.GetData(), block.GetSize(), &format, flags, priority, PickDelay()));
@@ -64,8 +65,9 @@ void Game::PlayLine()
     const ResourceDatabase* database;
     const PString& name = PickName(database);
     Vector3 points[4];
-    for (Vector3& point : points)
+    for (Vector3& point : points) {
         point = PickPosition();
+    }
     const auto count = static_cast<unsigned int>(dice.Draw(5));
     const auto added = static_cast<unsigned int>(dice.Draw(wild ? 12 : 5));
     const float angle = PickNumber(200.0F);
@@ -220,8 +222,9 @@ void Game::AskEverything()
              std::int64_t{group.GetFXEcho(id, &echo)},
              std::int64_t{group.GetFXEnvReverbListenerProperties(id, &room)},
              static_cast<std::int64_t>(group.GetSoundGain(id) * 1000.0F),
-             static_cast<std::int64_t>(Sound::CalcSoundLength(PickFile(), nullptr))})
+             static_cast<std::int64_t>(Sound::CalcSoundLength(PickFile(), nullptr))}) {
         digest.Add(answer);
+    }
 }
 
 void Game::PlayMusic()
@@ -231,10 +234,12 @@ void Game::PlayMusic()
     Music& piece = music[static_cast<std::size_t>(dice.Draw(2))];
     const int ms = PickMs();
     const bool isLooping = dice.Chance(30);
-    if (dice.Chance(50))
+    if (dice.Chance(50)) {
         piece.Play(name, database, isLooping);
-    else
+    }
+    else {
         piece.FadeIn(name, database, ms, isLooping);
+    }
 }
 
 void Game::FadeMusic()
@@ -252,8 +257,9 @@ void Game::FadeMusic()
         piece.SetGain(PickNumber(1.0F));
         break;
     case 3:
-        if (dice.Chance(20))
+        if (dice.Chance(20)) {
             piece = music[static_cast<std::size_t>(dice.Draw(2))];
+        }
         break;
     default: {
         const ResourceDatabase* database;

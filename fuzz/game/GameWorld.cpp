@@ -20,14 +20,16 @@ void Game::ReplaceMicrophone()
 {
     auto& microphone = microphones[static_cast<std::size_t>(dice.Draw(2))];
     microphone = std::make_unique<Microphone>();
-    if (dice.Chance(90))
+    if (dice.Chance(90)) {
         microphone->Activate();
+    }
 }
 
 void Game::StopSystemForAWhile()
 {
-    if (!dice.Chance(10))
+    if (!dice.Chance(10)) {
         return;
+    }
     system.Done();
     for (int i = dice.Draw(4); i > 0; --i) {
         Play2D();
@@ -151,28 +153,33 @@ void Game::StopMany()
 
 void Game::AddWitness()
 {
-    if (witnesses.size() < mostWitnesses)
+    if (witnesses.size() < mostWitnesses) {
         witnesses.push_back(std::make_unique<Witness>(*this));
+    }
     PickGroup().AddObserver(witnesses.back().get());
 }
 
 void Game::MoveWitness()
 {
-    if (witnesses.empty())
+    if (witnesses.empty()) {
         return;
+    }
     Witness& witness = *witnesses[static_cast<std::size_t>(dice.Draw(static_cast<int>(witnesses.size())))];
     Sound& group = PickGroup();
-    if (dice.Chance(50))
+    if (dice.Chance(50)) {
         group.AddObserver(&witness);
-    else
+    }
+    else {
         group.RemoveObserver(&witness);
+    }
     digest.Add(std::int64_t{group.HasObserver(&witness)});
 }
 
 void Game::DropWitness()
 {
-    if (witnesses.empty())
+    if (witnesses.empty()) {
         return;
+    }
     const auto place = witnesses.begin() + dice.Draw(static_cast<int>(witnesses.size()));
     // It may act once more on its way out, and is then no longer among the others.
     const std::unique_ptr<Witness> dropped = std::move(*place);
@@ -182,8 +189,9 @@ void Game::DropWitness()
 // Inside a handler neither does anything.
 void Game::ForbiddenInside()
 {
-    if (depth == 0)
+    if (depth == 0) {
         return;
+    }
     system.Done();
     Step(40);
 }

@@ -22,8 +22,9 @@ public:
         folder.Write("text", text);
         File::AddRoot(owner, folder.GetPath().string().c_str());
         // An empty file does not open: its reader has nothing to read.
-        if (file.Open(owner, "text", File::modeRead).IsOk())
+        if (file.Open(owner, "text", File::modeRead).IsOk()) {
             reader.Init(file);
+        }
     }
     ~TextFile() { File::RemoveRoot(owner); }
     TextFile(const TextFile&) = delete;
@@ -71,8 +72,9 @@ void Print(BlockReader& reader, std::string& text)
     while (reader.Next(keyword)) {
         text.append(keyword.GetView());
         PString value;
-        while (reader.ReadString(value))
+        while (reader.ReadString(value)) {
             text.append(" \"").append(value.GetView()).append("\"");
+        }
         text += '\n';
         if (BlockReader* const block = reader.Begin()) {
             text += "{\n";
@@ -140,15 +142,17 @@ private:
     void Enter(BlockReader& reader)
     {
         BlockReader* const block = reader.Begin();
-        if (block && readers.size() < 80)
+        if (block && readers.size() < 80) {
             readers.push_back(block);
+        }
     }
 
     void CheckNext(BlockReader& reader)
     {
         PString keyword;
-        if (!reader.Next(keyword))
+        if (!reader.Next(keyword)) {
             return;
+        }
         Require(keyword.GetView().starts_with('*'), "a keyword begins with an asterisk");
         Require(reader.GetLine() >= line, "the lines ascend");
         line = reader.GetLine();
@@ -175,8 +179,9 @@ void FuzzBlockReader(FuzzBytes bytes)
     file.GetReader().SetListener(&listener);
     Wander wander(file.GetReader(), dice);
     const std::size_t steps = bytes.size() + 20;
-    for (std::size_t step = 0; step < steps; ++step)
+    for (std::size_t step = 0; step < steps; ++step) {
         wander.Step();
+    }
 }
 
 } // namespace Quon

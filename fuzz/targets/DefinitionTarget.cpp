@@ -27,17 +27,21 @@ std::vector<unsigned char> TakeSettings(const SoundResource& sound)
         bytes.insert(bytes.end(), first, first + sizeof value);
     };
     for (const bool flag :
-        {sound.GetCutout(), sound.GetLooping(), sound.GetChgFrequency(), sound.GetDisableMicFX()})
+        {sound.GetCutout(), sound.GetLooping(), sound.GetChgFrequency(), sound.GetDisableMicFX()}) {
         add(flag);
+    }
     for (const float number : {sound.GetGain(), sound.GetInnerConeAngle(), sound.GetOuterConeAngle(),
              sound.GetConeGain(), sound.GetMinDistance(), sound.GetMaxDistance(), sound.GetMinAngle(),
-             sound.GetPosition().x, sound.GetPosition().y, sound.GetPosition().z})
+             sound.GetPosition().x, sound.GetPosition().y, sound.GetPosition().z}) {
         add(number);
+    }
     for (const int number :
-        {sound.GetFrequency(), sound.GetDelay(), sound.GetNumAddSounds(), sound.GetNumPoints()})
+        {sound.GetFrequency(), sound.GetDelay(), sound.GetNumAddSounds(), sound.GetNumPoints()}) {
         add(number);
-    for (int i = 0; i < sound.GetNumPoints(); ++i)
+    }
+    for (int i = 0; i < sound.GetNumPoints(); ++i) {
         add(sound.GetPolyline()[i]);
+    }
     const SndFXList effects = sound.GetFXList();
     const unsigned char* place = effects.GetEffectsArr();
     for (unsigned long i = 0; i < effects.GetNumEffects(); ++i) {

@@ -42,8 +42,9 @@ public:
         list.AddFX(effect, record.data(), size, quality);
 
         std::vector<unsigned char> body(size);
-        for (std::size_t i = 0; i < std::min(front, size); ++i)
+        for (std::size_t i = 0; i < std::min(front, size); ++i) {
             body[i] = static_cast<unsigned char>(quality >> (8 * i));
+        }
         std::copy_n(record.begin(), size - front, body.begin() + static_cast<std::ptrdiff_t>(front));
         Put(effect, body);
     }
@@ -51,12 +52,14 @@ public:
     // An entry may be copied over another one of the same list.
     void AddOwnEntry(Dice& dice)
     {
-        if (model.empty())
+        if (model.empty()) {
             return;
+        }
         const ModelEntry from = model[static_cast<std::size_t>(dice.Draw(static_cast<int>(model.size())))];
         const auto effect = static_cast<SndFX>(1 + dice.Draw(numEffects - 1));
-        if (from.effect == SndFXEnvReverb)
+        if (from.effect == SndFXEnvReverb) {
             return;
+        }
         const SndFXDesc* const entry = list.GetFXDesc(from.effect);
         list.AddFX(effect, entry->GetRecord(), entry->size, 0);
         Put(effect, from.body);

@@ -15,10 +15,12 @@ std::vector<std::string> SplitLines(std::string_view text)
 {
     std::vector<std::string> lines(1);
     for (const char character : text) {
-        if (character == '\n')
+        if (character == '\n') {
             lines.emplace_back();
-        else if (character != '\0')
+        }
+        else if (character != '\0') {
             lines.back() += character;
+        }
     }
     return lines;
 }
@@ -45,8 +47,9 @@ void CheckList(Options& options, const std::string& key, const std::string& sepa
 
 void CheckSet(Options& options, const std::string& key, const std::string& text)
 {
-    if (key.empty())
+    if (key.empty()) {
         return;
+    }
     options.Set(key.c_str(), text.c_str());
     String value;
     Require(options.Get(key.c_str(), value, "default") && value.GetText() == text, "what was set is got");

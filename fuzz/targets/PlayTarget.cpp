@@ -14,10 +14,12 @@ void PlayOnce(Dice& dice, int steps, GameFolder& folder)
 {
     Game game(dice, folder, true);
     for (; steps > 0 && !dice.IsAtEnd(); --steps) {
-        if (dice.Chance(30))
+        if (dice.Chance(30)) {
             game.Step(dice.Chance(80) ? 40 : dice.Draw(4) * 1000);
-        else
+        }
+        else {
             game.Act();
+        }
     }
 }
 

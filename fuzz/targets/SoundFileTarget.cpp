@@ -152,8 +152,9 @@ private:
     void CheckReads()
     {
         const auto file = bench.Open();
-        if (!file || !IsOfOrdinarySize(*file))
+        if (!file || !IsOfOrdinarySize(*file)) {
             return;
+        }
         whole = ReadAll(*file, bytes.size(), [] { return wholeRead; });
         // What is told of the length does not depend on the reading.
         const unsigned long length = file->GetSoundLength();
@@ -174,8 +175,9 @@ private:
         const auto loaded = bench.OpenCached(cache);
         const auto cached = bench.OpenCached(cache);
         Require((loaded == nullptr) == (cached == nullptr), "a cached file opens as a file does");
-        if (!loaded || !IsOfOrdinarySize(*loaded))
+        if (!loaded || !IsOfOrdinarySize(*loaded)) {
             return;
+        }
         Require(ReadAll(*loaded, bytes.size(), [] { return wholeRead; }) == whole,
             "a file that the cache has loaded gives what the file gives");
         Require(ReadAll(*cached, bytes.size(), [this] { return OddPiece(); }) == whole,
@@ -202,12 +204,14 @@ private:
             const auto start = static_cast<std::size_t>(file.GetCurrentSample()) * frameBytes;
             const std::size_t held = read.bytes.size();
             const int given = ReadPiece(file, std::min(OddPiece(), Left(file)), read, whole.isPlain);
-            if (!whole.isPlain)
+            if (!whole.isPlain) {
                 continue;
+            }
             Require(skipped == wanted, "a skip inside the sound goes all the way");
             Require(given > 0 || Left(file) == 0, "a read behind a skip gives something");
-            if (file.FileType() == SndFile::FileMP3)
+            if (file.FileType() == SndFile::FileMP3) {
                 continue;
+            }
             Require(std::equal(read.bytes.begin() + static_cast<std::ptrdiff_t>(held), read.bytes.end(),
                         whole.bytes.begin() + static_cast<std::ptrdiff_t>(start)),
                 "behind a skip comes what stands there");
@@ -218,8 +222,9 @@ private:
     void ReadBeyond(SndFile& file)
     {
         Pcm beyond;
-        for (int i = 0; i < 4; ++i)
+        for (int i = 0; i < 4; ++i) {
             ReadPiece(file, OddPiece(), beyond, false);
+        }
         file.SkipSamples(1 << 30);
         ReadPiece(file, OddPiece(), beyond, false);
     }

@@ -69,8 +69,9 @@ DefinitionMessages::DefinitionMessages(
     , owner(newOwner)
     , name(newName)
 {
-    if (Messages::AreWanted())
+    if (Messages::AreWanted()) {
         place = this;
+    }
 }
 
 DefinitionMessages::~DefinitionMessages()
@@ -80,8 +81,9 @@ DefinitionMessages::~DefinitionMessages()
 
 void DefinitionMessages::OnKeyword(const PString& block, const PString& keyword, int line)
 {
-    if (previous)
+    if (previous) {
         previous->OnKeyword(block, keyword, line);
+    }
 }
 
 void DefinitionMessages::OnRemark(const DefinitionRemark& remark)
@@ -89,8 +91,9 @@ void DefinitionMessages::OnRemark(const DefinitionRemark& remark)
     const EngineString line = remark.line > 0 ? Join(", line ", remark.line) : EngineString();
     Report(LevelOf(remark.fault), "definition '", name, "' of owner '", owner, "'", line, ": ",
         remark.keyword, remark.keyword.IsEmpty() ? "" : ": ", DescribeFault(remark));
-    if (previous)
+    if (previous) {
         previous->OnRemark(remark);
+    }
 }
 
 } // namespace Quon

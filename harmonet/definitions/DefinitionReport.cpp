@@ -8,10 +8,12 @@ namespace
 
 DefinitionFault ToFault(const BlockReaderListener::Skipped& skipped)
 {
-    if (skipped.isBehindEnd)
+    if (skipped.isBehindEnd) {
         return DefinitionFault::Lost;
-    if (skipped.wasAsked)
+    }
+    if (skipped.wasAsked) {
         return DefinitionFault::LeftOver;
+    }
     return skipped.depth == 0 ? DefinitionFault::OutsideDefinition : DefinitionFault::UnknownKeyword;
 }
 
@@ -19,34 +21,39 @@ DefinitionFault ToFault(const BlockReaderListener::Skipped& skipped)
 
 void DefinitionReport::OnKeyword(const PString& block, const PString& keyword, int line) const
 {
-    if (listener)
+    if (listener) {
         listener->OnKeyword(block, keyword, line);
+    }
 }
 
 void DefinitionReport::OnFault(DefinitionFault fault, const PString& keyword, int line) const
 {
-    if (listener)
+    if (listener) {
         listener->OnRemark({fault, line, keyword});
+    }
 }
 
 void DefinitionReport::OnFault(DefinitionFault fault) const
 {
-    if (listener)
+    if (listener) {
         listener->OnRemark({fault, 0, PString()});
+    }
 }
 
 void DefinitionReport::CheckRange(const PString& keyword, const BlockReader& reader, double value,
     double least, double most, DefinitionFault fault) const
 {
-    if (listener && !(value >= least && value <= most))
+    if (listener && !(value >= least && value <= most)) {
         listener->OnRemark({fault, reader.GetLine(), keyword, nullptr, nullptr, value, least, most});
+    }
 }
 
 void DefinitionReport::OnSkipped(const Skipped& skipped)
 {
     const DefinitionFault fault = ToFault(skipped);
-    if (fault != DefinitionFault::LeftOver || skipped.line != unreadableLine)
+    if (fault != DefinitionFault::LeftOver || skipped.line != unreadableLine) {
         listener->OnRemark({fault, skipped.line, skipped.keyword});
+    }
 }
 
 void DefinitionReport::OnUnreadable(const PString& keyword, int line, const char* wanted, const char* found)

@@ -33,10 +33,12 @@ std::uint32_t GetSize(const unsigned char* block)
 unsigned char* CopyBlock(const unsigned char* block, std::uint32_t newSize)
 {
     auto* copy = static_cast<unsigned char*>(Alloc::New(newSize));
-    if (block)
+    if (block) {
         std::memcpy(copy, block, GetSize(block));
-    else
+    }
+    else {
         *GetHead(copy) = {sizeof(BlockHead), 0};
+    }
     return copy;
 }
 
@@ -52,8 +54,9 @@ void StoreRecord(SndFXDesc* desc, const void* record, unsigned long size, long q
     unsigned long bytes = std::min<unsigned long>(size, desc->size);
     if (desc->effect == SndFXEnvReverb) {
         const auto word = static_cast<std::int32_t>(quality);
-        if (bytes < sizeof word)
+        if (bytes < sizeof word) {
             return;
+        }
         std::memcpy(body, &word, sizeof word);
         body += sizeof word;
         bytes -= sizeof word;
@@ -87,8 +90,9 @@ SndFXDesc* SndFXList::GetFXDesc(SndFX effect)
 {
     auto* desc = reinterpret_cast<SndFXDesc*>(GetEffectsArr());
     for (unsigned long left = GetNumEffects(); left > 0; --left, desc = GetNextDesc(desc)) {
-        if (desc->effect == effect)
+        if (desc->effect == effect) {
             return desc;
+        }
     }
     return nullptr;
 }
@@ -111,21 +115,24 @@ unsigned char* SndFXList::GetEffectsArr() const
 SndFXList SndFXList::Duplicate() const
 {
     SndFXList copy;
-    if (block)
+    if (block) {
         copy.block = CopyBlock(block, GetSize(block));
+    }
     return copy;
 }
 
 SndFXList SndFXList::DuplicateFiltered(unsigned long mask) const
 {
     constexpr unsigned long all = (1UL << numResourceFX) - 1;
-    if ((mask & all) == all)
+    if ((mask & all) == all) {
         return Duplicate();
+    }
     SndFXList copy;
     auto* desc = reinterpret_cast<SndFXDesc*>(GetEffectsArr());
     for (unsigned long left = GetNumEffects(); left > 0; --left, desc = GetNextDesc(desc)) {
-        if (desc->effect >= numResourceFX || !(mask >> desc->effect & 1))
+        if (desc->effect >= numResourceFX || !(mask >> desc->effect & 1)) {
             continue;
+        }
         const long quality = desc->effect == SndFXEnvReverb ? desc->GetQuality() : defaultEnvReverbQuality;
         copy.AddFX(desc->effect, desc->GetRecord(), desc->size, quality);
     }

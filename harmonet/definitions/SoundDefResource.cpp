@@ -33,8 +33,9 @@ template<class Store>
 bool ReadFlag(BlockReader& reader, Store store)
 {
     bool on;
-    if (!reader.ReadBool(on))
+    if (!reader.ReadBool(on)) {
         return false;
+    }
     store(on);
     return true;
 }
@@ -43,8 +44,9 @@ bool ReadFloatv(BlockReader& reader, EngineVector<float>& values, std::size_t co
 {
     for (; count > 0; --count) {
         float value;
-        if (!reader.ReadFloat(value))
+        if (!reader.ReadFloat(value)) {
             return false;
+        }
         values.push_back(value);
     }
     return true;
@@ -63,12 +65,15 @@ public:
     {
         std::int32_t whole = 0;
         float number = 0.0F;
-        if (field.isInt ? !reader.ReadInt(whole) : !reader.ReadFloat(number))
+        if (field.isInt ? !reader.ReadInt(whole) : !reader.ReadFloat(number)) {
             return false;
-        if (field.isInt)
+        }
+        if (field.isInt) {
             std::memcpy(bytes + field.offset, &whole, sizeof whole);
-        else
+        }
+        else {
             std::memcpy(bytes + field.offset, &number, sizeof number);
+        }
         const double value = field.isInt ? whole : number;
         report.CheckRange(field.keyword, reader, value, field.least, field.most);
         return true;
@@ -97,8 +102,9 @@ struct SoundDefResource::Reading
 
     bool ReadFloat(float& value, double least, double most)
     {
-        if (!reader.ReadFloat(value))
+        if (!reader.ReadFloat(value)) {
             return false;
+        }
         report.CheckRange(keyword, reader, value, least, most);
         return true;
     }
@@ -149,8 +155,9 @@ Result SoundDefResource::LoadTxt(const ResourceDatabase*, char* path) const
         return Result(LoadFailed);
     }
     BlockReader reader;
-    if (report.IsWanted())
+    if (report.IsWanted()) {
         reader.SetListener(&report);
+    }
     reader.Init(file);
     Init();
     const bool isRead = ReadDataTxt(&reader);
@@ -182,19 +189,23 @@ bool SoundDefResource::ReadDataTxt(BlockReader* reader) const
         PreferEffects(reading);
     }
     reader->End();
-    if (!reading.hasFile)
+    if (!reading.hasFile) {
         report.OnFault(DefinitionFault::NoFile);
+    }
     return reading.hasFile;
 }
 
 bool SoundDefResource::ReadKeyword(Reading& reading) const
 {
-    if (const Setting* setting = FindSetting(reading.keyword))
+    if (const Setting* setting = FindSetting(reading.keyword)) {
         return setting->read(reading);
-    if (reading.keyword == Keys::polyline)
+    }
+    if (reading.keyword == Keys::polyline) {
         return ReadPolyline(&reading.reader);
-    if (const EffectKeywords* effect = FindEffectKeywords(reading.keyword))
+    }
+    if (const EffectKeywords* effect = FindEffectKeywords(reading.keyword)) {
         return ReadFXParam(&reading.reader, effect->effect);
+    }
     return true;
 }
 
@@ -220,8 +231,9 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
             [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.disableMicFX = on; }); }},
     };
     for (const Setting& setting : settings) {
-        if (setting.keyword == keyword)
+        if (setting.keyword == keyword) {
             return &setting;
+        }
     }
     return nullptr;
 }
@@ -229,8 +241,9 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
 // A sound with effects cannot change its rate, in whichever order the keywords stand.
 void SoundDefResource::PreferEffects(const Reading& reading) const
 {
-    if (!chgFrequency || fxList.GetNumEffects() == 0)
+    if (!chgFrequency || fxList.GetNumEffects() == 0) {
         return;
+    }
     reading.report.OnFault(DefinitionFault::RateDropped, reading.keyword, reading.line);
     chgFrequency = false;
     frequency = 0;
@@ -240,24 +253,28 @@ bool SoundDefResource::ReadFrequency(BlockReader& reader) const
 {
     frequency = 0;
     int hz;
-    if (!reader.ReadInt(hz))
+    if (!reader.ReadInt(hz)) {
         return false;
+    }
     if (hz >= minFrequencyHz && hz <= maxFrequencyHz) {
         frequency = hz;
         chgFrequency = true;
     }
     // 0 asks for the rate of the file, which it has.
-    if (hz != 0)
+    if (hz != 0) {
         DefinitionReport(listener).CheckRange(Keys::frequency, reader, hz, minFrequencyHz, maxFrequencyHz);
+    }
     return true;
 }
 
 bool SoundDefResource::ReadDelay(BlockReader& reader) const
 {
-    if (!reader.ReadInt(delay))
+    if (!reader.ReadInt(delay)) {
         return false;
-    if (delay >= 0)
+    }
+    if (delay >= 0) {
         return true;
+    }
     DefinitionReport(listener).CheckRange(Keys::delay, reader, delay, 0, mostInt, DefinitionFault::Refused);
     delay = 0;
     return false;
@@ -284,8 +301,9 @@ bool SoundDefResource::ReadPolyline(BlockReader* reader) const
     EngineVector<float> coordinates;
     const bool isRead = ReadLine(*block, coordinates);
     reader->End();
-    if (!isRead)
+    if (!isRead) {
         return false;
+    }
     if (coordinates.size() / coordinatesPerPoint < minPoints) {
         report.OnFault(DefinitionFault::TooFewPoints, Keys::polyline, line);
         return false;
@@ -301,22 +319,27 @@ bool SoundDefResource::ReadLine(BlockReader& block, EngineVector<float>& coordin
     bool goesOn = true;
     while (goesOn && block.Next(keyword)) {
         report.OnKeyword(Keys::polyline, keyword, block.GetLine());
-        if (keyword == Keys::num_add_sounds)
+        if (keyword == Keys::num_add_sounds) {
             goesOn = ReadNumAddSounds(block);
-        else if (keyword == Keys::angle)
+        }
+        else if (keyword == Keys::angle) {
             goesOn = block.ReadFloat(minAngle);
-        else if (keyword == Keys::point)
+        }
+        else if (keyword == Keys::point) {
             goesOn = ReadFloatv(block, coordinates, coordinatesPerPoint);
+        }
     }
     return goesOn;
 }
 
 bool SoundDefResource::ReadNumAddSounds(BlockReader& reader) const
 {
-    if (!reader.ReadInt(numAddSounds))
+    if (!reader.ReadInt(numAddSounds)) {
         return false;
-    if (numAddSounds >= 0)
+    }
+    if (numAddSounds >= 0) {
         return true;
+    }
     DefinitionReport(listener).CheckRange(
         Keys::num_add_sounds, reader, numAddSounds, 0, mostInt, DefinitionFault::Refused);
     numAddSounds = 0;
@@ -346,12 +369,14 @@ bool SoundDefResource::ReadFXParam(BlockReader* reader, SndFX effect) const
         bool goesOn = true;
         while (goesOn && block->Next(keyword)) {
             report.OnKeyword(keywords.keyword, keyword, block->GetLine());
-            if (const EffectField* field = keywords.FindField(keyword))
+            if (const EffectField* field = keywords.FindField(keyword)) {
                 goesOn = record.Read(*block, *field, report);
+            }
         }
         reader->End();
-        if (!goesOn)
+        if (!goesOn) {
             return false;
+        }
     }
     const unsigned long size = defaults.size + (effect == SndFXEnvReverb ? sizeof(std::int32_t) : 0);
     fxList.AddFX(effect, record.GetBytes(), size, defaultEnvReverbQuality);

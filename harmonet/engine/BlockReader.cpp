@@ -333,7 +333,7 @@ bool BlockReader::ReadInt(int& value)
 bool BlockReader::ReadFloat(float& value)
 {
     return ReadValue("a number", [&value](const Token& token) {
-        float read = 0.0f;
+        float read = 0.0F;
         if (token.kind != Kind::Word || !ParseNumber(token.text, read) || !std::isfinite(read)) {
             return false;
         }

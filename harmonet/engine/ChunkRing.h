@@ -76,8 +76,9 @@ public:
     /// Appends behind the last entry, in a new chunk if the last one is full; returns the chunk.
     Chunk* Append(const T& entry)
     {
-        if (!first || first->previous->count == chunkSize)
+        if (!first || first->previous->count == chunkSize) {
             AddChunk();
+        }
         Chunk* last = first->previous;
         last->entries[last->count++] = entry;
         return last;
@@ -95,8 +96,9 @@ public:
             place.index = 0;
             return;
         }
-        for (int i = place.index; i + 1 < chunk->count; ++i)
+        for (int i = place.index; i + 1 < chunk->count; ++i) {
             chunk->entries[i] = chunk->entries[i + 1];
+        }
         --chunk->count;
         place.SettleAtChunkEnd();
     }
@@ -107,20 +109,23 @@ public:
     T* EraseUnordered(Chunk* chunk, const T& entry)
     {
         int index = 0;
-        while (chunk->entries[index] != entry)
+        while (chunk->entries[index] != entry) {
             ++index;
+        }
         Chunk* last = first->previous;
         const bool isLast = chunk == last && index == last->count - 1;
         chunk->entries[index] = last->entries[last->count - 1];
-        if (--last->count == 0)
+        if (--last->count == 0) {
             RemoveChunk(last);
+        }
         return isLast ? nullptr : &chunk->entries[index];
     }
 
     void Clear()
     {
-        while (first)
+        while (first) {
             RemoveChunk(first);
+        }
     }
 
 private:
@@ -147,8 +152,9 @@ private:
         else {
             chunk->next->previous = chunk->previous;
             chunk->previous->next = chunk->next;
-            if (first == chunk)
+            if (first == chunk) {
                 first = chunk->next;
+            }
         }
         delete chunk;
     }

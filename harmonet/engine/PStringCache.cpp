@@ -16,9 +16,9 @@ constexpr std::size_t firstBucketCount = 256;
 /// FNV-1a.
 std::uint32_t HashOf(std::string_view text)
 {
-    std::uint32_t hash = 2166136261u;
+    std::uint32_t hash = 2166136261U;
     for (const char character : text) {
-        hash = (hash ^ static_cast<unsigned char>(character)) * 16777619u;
+        hash = (hash ^ static_cast<unsigned char>(character)) * 16777619U;
     }
     return hash;
 }

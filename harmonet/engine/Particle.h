@@ -94,7 +94,7 @@ protected:
     /// culled here: whoever needs the sphere works it out anew when the flag is set, and clears the flag.
     mutable Vector3 boundingCenter;
     PString particleName;
-    mutable float boundingRadius = 0.0f;
+    mutable float boundingRadius = 0.0F;
     Quaternion orientation;
 
 private:

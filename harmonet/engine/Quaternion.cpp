@@ -92,8 +92,9 @@ Quaternion Normalized(const Quaternion& q)
     const double lengthSquared = LengthSquared(q);
     // Most orientations are of unit length already, as exactly as floats can be.
     constexpr double rounding = 1.2e-7;
-    if (std::abs(lengthSquared - 1.0) < rounding)
+    if (std::abs(lengthSquared - 1.0) < rounding) {
         return q;
+    }
     return HasDirection(lengthSquared) ? FromScaled(q.x, q.y, q.z, q.w, 1.0 / std::sqrt(lengthSquared))
                                        : Quaternion();
 }
@@ -110,7 +111,7 @@ Vector3 Rotate(const Quaternion& q, const Vector3& v)
 {
     const Quaternion unit = Normalized(q);
     const Vector3 axis{unit.x, unit.y, unit.z};
-    const Vector3 twice = 2.0f * Cross(axis, v);
+    const Vector3 twice = 2.0F * Cross(axis, v);
     return v + unit.w * twice + Cross(axis, twice);
 }
 

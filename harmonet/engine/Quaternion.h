@@ -16,10 +16,10 @@ struct Matrix3;
 
 struct HARMONET_ENGINE_API Quaternion
 {
-    float x = 0.0f;
-    float y = 0.0f;
-    float z = 0.0f;
-    float w = 1.0f;
+    float x = 0.0F;
+    float y = 0.0F;
+    float z = 0.0F;
+    float w = 1.0F;
 
     /// Becomes the rotation that takes the axes X, Y, Z to the three rows of \p rotation.
     ///

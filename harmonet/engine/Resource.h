@@ -136,7 +136,7 @@ private:
     mutable FileStamp loadedStamp;
     mutable int references = 0;
     mutable int locks = 0;
-    mutable float priority = 0.0f;
+    mutable float priority = 0.0F;
     mutable bool loaded = false;
     /// The file has changed while the content was locked.
     mutable bool outdated = false;

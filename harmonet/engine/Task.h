@@ -59,7 +59,7 @@ private:
     float order;
     bool active;
     /// Held back until this much time has gathered.
-    float minimumStepSeconds = 0.0f;
+    float minimumStepSeconds = 0.0F;
     double gatheredSeconds = 0.0;
     /// The number of the list's update during which the task was made, so that it is not run in that one.
     unsigned long bornInUpdate = 0;

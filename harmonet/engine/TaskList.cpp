@@ -48,7 +48,7 @@ void TaskList::Walk(Visitor visit)
 
 void TaskList::Update(float seconds)
 {
-    const float passed = std::isfinite(seconds) ? std::max(seconds, 0.0f) : 0.0f;
+    const float passed = std::isfinite(seconds) ? std::max(seconds, 0.0F) : 0.0F;
     if (upcoming == nullptr) {
         ++updateNumber;
     }
@@ -76,13 +76,13 @@ void TaskList::UpdateTask(Task& task, float seconds)
 void TaskList::SetMinimumStep(const PString& taskName, float seconds)
 {
     minimumSteps.remove_if([&taskName](const MinimumStep& step) { return step.taskName == taskName; });
-    if (seconds > 0.0f) {
+    if (seconds > 0.0F) {
         minimumSteps.push_back({taskName, seconds});
     }
     for (IListNode* node = head.next; node != &head; node = node->next) {
         Task& task = static_cast<Task&>(*node);
         if (task.taskName == taskName) {
-            task.minimumStepSeconds = std::max(seconds, 0.0f);
+            task.minimumStepSeconds = std::max(seconds, 0.0F);
         }
     }
 }

@@ -8,15 +8,15 @@ namespace Quon
 
 struct Vector2
 {
-    float x = 0.0f;
-    float y = 0.0f;
+    float x = 0.0F;
+    float y = 0.0F;
 };
 
 struct Vector3
 {
-    float x = 0.0f;
-    float y = 0.0f;
-    float z = 0.0f;
+    float x = 0.0F;
+    float y = 0.0F;
+    float z = 0.0F;
 };
 
 constexpr bool operator==(const Vector2& a, const Vector2& b)

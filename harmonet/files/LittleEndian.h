@@ -26,8 +26,9 @@ inline std::uint32_t LoadLittle32(const unsigned char* bytes)
 inline void StoreLittle16(unsigned char* bytes, int number)
 {
     auto low = static_cast<std::uint16_t>(number);
-    if constexpr (std::endian::native == std::endian::big)
+    if constexpr (std::endian::native == std::endian::big) {
         low = static_cast<std::uint16_t>(low << 8 | low >> 8);
+    }
     std::memcpy(bytes, &low, sizeof low);
 }
 

@@ -44,12 +44,15 @@ const char* NameFormatTag(unsigned int tag)
 
 EngineString DescribePcm(const WaveFormatEx& format)
 {
-    if (format.channels == 0)
+    if (format.channels == 0) {
         return "states 0 channels";
-    if (format.bitsPerSample < 8)
+    }
+    if (format.bitsPerSample < 8) {
         return Join("has ", format.bitsPerSample, " bits per sample, and 8 are the minimum");
-    if (format.samplesPerSecond == 0 || format.samplesPerSecond > std::numeric_limits<int>::max())
+    }
+    if (format.samplesPerSecond == 0 || format.samplesPerSecond > std::numeric_limits<int>::max()) {
         return Join("states a rate of ", format.samplesPerSecond, " Hz");
+    }
     return {};
 }
 
@@ -77,18 +80,22 @@ EngineString DescribeWave(SndFileHandle& handle)
     bool hasFormat = false;
     RiffWalk walk(handle);
     while (walk.Next()) {
-        if (walk.Is("data"))
+        if (walk.Is("data")) {
             return hasFormat ? "is a RIFF/WAVE file that is damaged"
                              : "has its data chunk ahead of its format chunk";
-        if (!walk.Is("fmt "))
+        }
+        if (!walk.Is("fmt ")) {
             continue;
-        if (walk.GetSize() < RiffWalk::minFormatBytes || walk.GetSize() > RiffWalk::maxFormatBytes)
+        }
+        if (walk.GetSize() < RiffWalk::minFormatBytes || walk.GetSize() > RiffWalk::maxFormatBytes) {
             return Join("has a format chunk of ", walk.GetSize(), " bytes, and only ",
                 RiffWalk::minFormatBytes, " to ", RiffWalk::maxFormatBytes, " are read");
+        }
         hasFormat = true;
         EngineString reason = DescribeFormat(walk.ReadFormat());
-        if (!reason.empty())
+        if (!reason.empty()) {
             return reason;
+        }
     }
     return hasFormat ? "has no data chunk" : "is a RIFF/WAVE file without a format chunk";
 }
@@ -105,8 +112,9 @@ const char* NameContent(std::string_view begin)
         {"OggS", "is an Ogg file"}, {"fLaC", "is a FLAC file"}, {"FORM", "is an AIFF file"},
         {"RIFX", "is a RIFX file (big-endian wave)"}, {"RF64", "is an RF64 file (wave beyond 4 GiB)"}};
     for (const Kind& kind : kinds) {
-        if (begin.starts_with(kind.begin))
+        if (begin.starts_with(kind.begin)) {
             return kind.text;
+        }
     }
     return nullptr;
 }
@@ -116,16 +124,20 @@ constexpr std::string_view unknownContent = "is neither a RIFF/WAVE file nor MPE
 EngineString DescribeBareStream(const unsigned char* head, std::size_t bytes)
 {
     constexpr std::size_t headerBytes = 4;
-    if (bytes < headerBytes)
+    if (bytes < headerBytes) {
         return Join("has only ", bytes, " bytes");
-    if (head[0] != 0xFF || (head[1] & 0xE0) != 0xE0)
+    }
+    if (head[0] != 0xFF || (head[1] & 0xE0) != 0xE0) {
         return EngineString(unknownContent);
+    }
     constexpr int layer3 = 1;
     const int version = head[1] >> 3 & 3;
-    if ((head[1] >> 1 & 3) != layer3)
+    if ((head[1] >> 1 & 3) != layer3) {
         return "is MPEG audio of another layer than III";
-    if (version == 0)
+    }
+    if (version == 0) {
         return "is MPEG-2.5 audio, and only MPEG-1 and MPEG-2 are read";
+    }
     return "begins like MPEG Layer III and has no frame that can be decoded";
 }
 
@@ -135,23 +147,28 @@ EngineString DescribeRefusal(SndFileHandle& handle)
 {
     std::array<char, 12> head{};
     const auto bytes = static_cast<std::size_t>(handle.ReadAt(head.data(), static_cast<int>(head.size()), 0));
-    if (const char* const known = NameContent({head.data(), bytes}))
+    if (const char* const known = NameContent({head.data(), bytes})) {
         return known;
-    if (RiffWalk(handle).IsWave())
+    }
+    if (RiffWalk(handle).IsWave()) {
         return DescribeWave(handle);
+    }
     return DescribeBareStream(reinterpret_cast<const unsigned char*>(head.data()), bytes);
 }
 
 EngineString DescribeRefusal(const WaveFormatEx* format, const void* data, unsigned long bytes)
 {
-    if (format == nullptr)
+    if (format == nullptr) {
         return "comes without a format";
-    if (format->formatTag != waveTagPcm)
+    }
+    if (format->formatTag != waveTagPcm) {
         return Join("has the format tag ", format->formatTag, " (", NameFormatTag(format->formatTag),
             "), and memory is played as PCM (1) only");
+    }
     EngineString reason = DescribePcm(*format);
-    if (!reason.empty())
+    if (!reason.empty()) {
         return reason;
+    }
     return data == nullptr ? Join("is null with a size of ", bytes, " bytes")
                            : Join("has ", bytes, " bytes, and less than 4 GiB are played");
 }

@@ -49,26 +49,30 @@ bool RiffWalk::Next()
 {
     while (isWave) {
         PassOver();
-        if (nextOffset + chunkHeadBytes > fileBytes)
+        if (nextOffset + chunkHeadBytes > fileBytes) {
             break;
+        }
         chunkOffset = nextOffset;
         unsigned char head[chunkHeadBytes];
         // A file that has shrunk since its length was asked would otherwise be walked to its former end.
-        if (!Fetch(head, chunkHeadBytes, chunkOffset))
+        if (!Fetch(head, chunkHeadBytes, chunkOffset)) {
             break;
+        }
         std::memcpy(chunkId, head, sizeof chunkId);
         chunkSize = LoadLittle32(head + sizeof chunkId);
         nextOffset = chunkOffset + chunkHeadBytes + PaddedSize(chunkSize);
-        if (HasMeaning(head))
+        if (HasMeaning(head)) {
             return true;
+        }
     }
     return false;
 }
 
 void RiffWalk::PassOver()
 {
-    if (nextOffset < windowOffset || nextOffset - windowOffset > windowBytes)
+    if (nextOffset < windowOffset || nextOffset - windowOffset > windowBytes) {
         return;
+    }
     const unsigned char* const begin = window.data();
     const unsigned char* const end = begin + windowBytes;
     const unsigned char* head = begin + (nextOffset - windowOffset);
@@ -79,8 +83,9 @@ void RiffWalk::PassOver()
             head += chunkHeadBytes;
             continue;
         }
-        if (size > static_cast<std::uint64_t>(end - head - chunkHeadBytes))
+        if (size > static_cast<std::uint64_t>(end - head - chunkHeadBytes)) {
             break;
+        }
         head += chunkHeadBytes + size;
     }
     nextOffset = windowOffset + static_cast<std::uint64_t>(head - begin);
@@ -139,8 +144,9 @@ int FindFormatTag(SndFileHandle& handle)
 {
     RiffWalk walk(handle);
     while (walk.Next()) {
-        if (!walk.Is("fmt "))
+        if (!walk.Is("fmt ")) {
             continue;
+        }
         const bool fits =
             walk.GetSize() >= RiffWalk::minFormatBytes && walk.GetSize() <= RiffWalk::maxFormatBytes;
         return fits ? walk.ReadFormat().formatTag : 0;

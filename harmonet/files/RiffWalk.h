@@ -104,8 +104,9 @@ WaveData FindWaveData(SndFileHandle& handle, TakeFormat takeFormat)
     while (walk.Next()) {
         if (walk.Is("fmt ")) {
             found.hasFormat = takeFormat(walk);
-            if (!found.hasFormat)
+            if (!found.hasFormat) {
                 break;
+            }
         }
         else if (walk.Is("fact")) {
             found.factCount = walk.ReadNumber();

@@ -49,11 +49,13 @@ private:
 template<class Open>
 SndFile* OpenReader(std::unique_ptr<SndFile> file, void (SndFile::*abandon)(), Open open)
 {
-    if (file == nullptr)
+    if (file == nullptr) {
         return nullptr;
+    }
     try {
-        if (open(*file))
+        if (open(*file)) {
             return file.release();
+        }
     }
     catch (...) {
         (file.get()->*abandon)();
@@ -98,14 +100,17 @@ SndFile* SndFile::OpenFile(const PString& substName, const PString& fileName)
         return nullptr;
     }
     HandleUse use(*sndFileCache, sndFileCache->Acquire(substName, fileName));
-    if (use.Get() == nullptr)
+    if (use.Get() == nullptr) {
         return nullptr;
+    }
     SndFile* const file = OpenReader(MakeReader(Probe(use.Get())), &SndFile::Abandon,
         [&use](SndFile& reader) { return reader.OpenHandle(use.Get()); });
-    if (file != nullptr)
+    if (file != nullptr) {
         use.HandOver();
-    else if (Messages::AreWanted())
+    }
+    else if (Messages::AreWanted()) {
         Report(MessageLevel::Error, "sound file '", fileName, "' ", DescribeRefusal(*use.Get()));
+    }
     return file;
 }
 
@@ -118,10 +123,12 @@ SndFile* SndFile::OpenFile(SndNode* node)
 SndFile* SndFile::OpenFile(void* data, unsigned long size, WaveFormatEx* format)
 {
     auto file = std::make_unique<SndFileWav>();
-    if (ProbeFormat(format) == FileWav && file->OpenMemory(data, size, format))
+    if (ProbeFormat(format) == FileWav && file->OpenMemory(data, size, format)) {
         return file.release();
-    if (Messages::AreWanted())
+    }
+    if (Messages::AreWanted()) {
         Report(MessageLevel::Error, "a block of memory ", DescribeRefusal(format, data, size));
+    }
     return nullptr;
 }
 
@@ -151,8 +158,9 @@ void SndFile::CloseFile(unsigned int soundID, Sound* owner)
 {
     next = nullptr;
     if (handle != nullptr) {
-        if (sndFileCache != nullptr)
+        if (sndFileCache != nullptr) {
             sndFileCache->Release(handle);
+        }
         handle = nullptr;
     }
     // Everything is cleared before anybody hears of it: a handler may come back to this object.
@@ -161,8 +169,9 @@ void SndFile::CloseFile(unsigned int soundID, Sound* owner)
     Abandon();
     if (usedNode != nullptr) {
         --usedNode->useCount;
-        if (!usedNode->cached && usedNode->useCount < 1)
+        if (!usedNode->cached && usedNode->useCount < 1) {
             delete usedNode;
+        }
     }
     else if (!userMemory) {
         Alloc::Delete(block);
@@ -175,8 +184,9 @@ void SndFile::CloseFile(unsigned int soundID, Sound* owner)
 bool SndFile::TakeHandle(SndFileHandle* newHandle)
 {
     CloseFile(0, nullptr);
-    if (!newHandle->GetFile().IsOpen())
+    if (!newHandle->GetFile().IsOpen()) {
         return false;
+    }
     size = newHandle->GetFile().Size();
     handle = newHandle;
     return true;
@@ -193,12 +203,15 @@ void SndFile::Abandon()
 
 unsigned char* SndFile::Load()
 {
-    if (size == 0 || handle == nullptr || data != nullptr)
+    if (size == 0 || handle == nullptr || data != nullptr) {
         return data;
+    }
     // The size is what the file says of itself: no memory is taken on its word.
     const std::uint64_t end = std::uint64_t{dataOffset} + size;
-    if (size > static_cast<unsigned long>(std::numeric_limits<int>::max()) || end > handle->GetFile().Size())
+    if (size > static_cast<unsigned long>(std::numeric_limits<int>::max()) ||
+        end > handle->GetFile().Size()) {
         return nullptr;
+    }
     auto* const block = static_cast<unsigned char*>(Alloc::New(static_cast<unsigned int>(size)));
     const int bytes = static_cast<int>(size);
     if (handle->ReadAt(block, bytes, dataOffset) != bytes) {
@@ -207,8 +220,9 @@ unsigned char* SndFile::Load()
     }
     data = block;
     userMemory = false;
-    if (sndFileCache != nullptr)
+    if (sndFileCache != nullptr) {
         sndFileCache->Release(handle);
+    }
     handle = nullptr;
     return data;
 }
@@ -225,43 +239,49 @@ void SndFile::StepBack(int samples)
 
 int SndFile::Read(unsigned char* buffer, int bytes, int position)
 {
-    if (size == 0 || bytes <= 0)
+    if (size == 0 || bytes <= 0) {
         return 0;
+    }
     const std::uint64_t start = static_cast<std::uint32_t>(position);
     if (data != nullptr) {
-        if (start >= size)
+        if (start >= size) {
             return 0;
+        }
         const auto count = std::min<std::uint64_t>(size - start, static_cast<std::uint64_t>(bytes));
         std::memcpy(buffer, data + start, count);
         return static_cast<int>(count);
     }
     // No file reaches beyond 2 GiB, and an unsigned long need not.
     const std::uint64_t offset = dataOffset + start;
-    if (handle == nullptr || offset > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max()))
+    if (handle == nullptr || offset > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) {
         return 0;
+    }
     return handle->ReadAt(buffer, bytes, static_cast<unsigned long>(offset));
 }
 
 PString SndFile::GetFileName() const
 {
-    if (node != nullptr)
+    if (node != nullptr) {
         return node->fileName;
+    }
     return handle != nullptr ? handle->GetFileName() : PString();
 }
 
 void SndFile::Add(SndFile* file)
 {
     SndFile* last = this;
-    while (last->next != nullptr)
+    while (last->next != nullptr) {
         last = last->next;
+    }
     last->next = file;
 }
 
 int SndFile::GetQueueLength()
 {
     int length = 0;
-    for (const SndFile* file = next; file != nullptr; file = file->next)
+    for (const SndFile* file = next; file != nullptr; file = file->next) {
         ++length;
+    }
     return length;
 }
 
@@ -291,16 +311,18 @@ int SndFile::ClampSamples(std::uint64_t samples)
 
 unsigned long SndFile::CalcLength(int samples) const
 {
-    if (samples <= 0 || sampleFrequency <= 0)
+    if (samples <= 0 || sampleFrequency <= 0) {
         return 0;
+    }
     const std::uint64_t lengthMs = static_cast<std::uint64_t>(samples) * 1000 / sampleFrequency;
     return std::min<std::uint64_t>(lengthMs, unknownLengthMs);
 }
 
 unsigned long SndFile::CalcRemainLength(Snd_FileType type) const
 {
-    if (fileType != type || currentSample >= soundSamples || sampleFrequency <= 0)
+    if (fileType != type || currentSample >= soundSamples || sampleFrequency <= 0) {
         return 0;
+    }
     const double samples = static_cast<double>(soundSamples) - currentSample;
     const double lengthMs = samples / sampleFrequency * 1000.0;
     return static_cast<unsigned long>(std::min<double>(lengthMs, unknownLengthMs));

@@ -71,8 +71,9 @@ bool SndFileAdpcm::Open(SndNode* newNode)
 
 bool SndFileAdpcm::OpenHandle(SndFileHandle* newHandle)
 {
-    if (!TakeHandle(newHandle))
+    if (!TakeHandle(newHandle)) {
         return false;
+    }
     if (!ParseWaveAdpcm()) {
         Abandon();
         return false;
@@ -84,8 +85,9 @@ bool SndFileAdpcm::OpenHandle(SndFileHandle* newHandle)
 bool SndFileAdpcm::ParseWaveAdpcm()
 {
     const WaveData found = FindWaveData(*handle, [this](RiffWalk& walk) { return TakeFormat(walk); });
-    if (!found.IsWhole())
+    if (!found.IsWhole()) {
         return false;
+    }
     fileType = FileAdpcm;
     dataOffset = found.offset;
     size = found.bytes;
@@ -98,15 +100,17 @@ bool SndFileAdpcm::TakeFormat(RiffWalk& walk)
 {
     constexpr unsigned int coefsOffset = 22;
     constexpr unsigned int coefPairBytes = 4;
-    if (walk.GetSize() < RiffWalk::minFormatBytes || walk.GetSize() > RiffWalk::maxFormatBytes)
+    if (walk.GetSize() < RiffWalk::minFormatBytes || walk.GetSize() > RiffWalk::maxFormatBytes) {
         return false;
+    }
     const WaveFormatEx format = walk.ReadFormat();
     unsigned char bytes[RiffWalk::maxFormatBytes] = {};
     walk.ReadContent(bytes, static_cast<int>(walk.GetSize()));
     numCoef = LoadLittle16(bytes + 20);
     if (format.formatTag != waveTagAdpcm || numCoef > maxAdpcmCoefs ||
-        walk.GetSize() < numCoef * coefPairBytes + coefsOffset)
+        walk.GetSize() < numCoef * coefPairBytes + coefsOffset) {
         return false;
+    }
     for (unsigned int i = 0; i < numCoef; ++i) {
         const unsigned char* pair = bytes + coefsOffset + i * coefPairBytes;
         coefs[i] = {LoadLittleSigned16(pair), LoadLittleSigned16(pair + 2)};
@@ -158,8 +162,9 @@ void SndFileAdpcm::CloseFile(unsigned int soundID, Sound* owner)
 
 int SndFileAdpcm::ReadSamples(unsigned char* buffer, int samples)
 {
-    if (fileType != FileAdpcm)
+    if (fileType != FileAdpcm) {
         return 0;
+    }
     if (pendingSkip != 0) {
         currentSample -= pendingSkip;
         DecodeSkip(pendingSkip);
@@ -175,10 +180,12 @@ int SndFileAdpcm::ReadSamples(unsigned char* buffer, int samples)
             done += steps;
         }
         else {
-            if (!ReadBlock())
+            if (!ReadBlock()) {
                 break;
-            for (int channel = 0; channel < channels; ++channel)
+            }
+            for (int channel = 0; channel < channels; ++channel) {
                 store.Put(channelStates[channel].sample2);
+            }
             ++done;
         }
     }
@@ -188,8 +195,9 @@ int SndFileAdpcm::ReadSamples(unsigned char* buffer, int samples)
 
 int SndFileAdpcm::SkipSamples(int samples)
 {
-    if (fileType != FileAdpcm)
+    if (fileType != FileAdpcm) {
         return 0;
+    }
     const int skipped = std::clamp(samples, 0, std::max(soundSamples - currentSample, 0));
     currentSample += skipped;
     pendingSkip += skipped;
@@ -200,13 +208,15 @@ int SndFileAdpcm::DecodeSkip(int samples)
 {
     const int count = std::min(samples, soundSamples - currentSample);
     int done = 0;
-    if (count > blockRemaining)
+    if (count > blockRemaining) {
         done = SkipBlocks(count);
+    }
     PcmDrop drop;
     while (done < count) {
         if (blockRemaining <= 0) {
-            if (!ReadBlock())
+            if (!ReadBlock()) {
                 break;
+            }
             ++done;
         }
         else if (count - done >= blockRemaining) {
@@ -236,18 +246,22 @@ int SndFileAdpcm::SkipBlocks(int count)
 
 bool SndFileAdpcm::ReadBlock()
 {
-    if (isDamaged || readPosition > maxDataBytes)
+    if (isDamaged || readPosition > maxDataBytes) {
         return false;
+    }
     const int got = Read(blockBuffer, static_cast<int>(blockAlign),
         static_cast<int>(static_cast<std::uint32_t>(readPosition)));
-    if (got < BlockHeadBytes())
+    if (got < BlockHeadBytes()) {
         return false;
+    }
     readPosition += static_cast<unsigned int>(got);
     TakeBlockHead();
-    for (int channel = 0; channel < channels; ++channel)
+    for (int channel = 0; channel < channels; ++channel) {
         isDamaged = isDamaged || channelStates[channel].predictor >= numCoef;
-    if (isDamaged)
+    }
+    if (isDamaged) {
         return false;
+    }
     blockBytes = got;
     blockRemaining = FramesInBlock(got) - 1;
     return true;
@@ -256,11 +270,13 @@ bool SndFileAdpcm::ReadBlock()
 void SndFileAdpcm::TakeBlockHead()
 {
     const unsigned char* field = blockBuffer;
-    for (int channel = 0; channel < channels; ++channel)
+    for (int channel = 0; channel < channels; ++channel) {
         channelStates[channel].predictor = *field++;
+    }
     const auto takeNumbers = [&field, this](std::int32_t AdpcmChannelState::*number) {
-        for (int channel = 0; channel < channels; ++channel, field += 2)
+        for (int channel = 0; channel < channels; ++channel, field += 2) {
             channelStates[channel].*number = LoadLittleSigned16(field);
+        }
     };
     takeNumbers(&AdpcmChannelState::delta);
     takeNumbers(&AdpcmChannelState::sample1);
@@ -271,15 +287,18 @@ template<class Sink>
 void SndFileAdpcm::DecodeSteps(Sink& sink, int count)
 {
     if (IsAtBlockStart()) {
-        for (int channel = 0; channel < channels; ++channel)
+        for (int channel = 0; channel < channels; ++channel) {
             sink.Put(channelStates[channel].sample1);
+        }
         --blockRemaining;
         --count;
     }
-    if (IsMono())
+    if (IsMono()) {
         DecodeMono(sink, count);
-    else
+    }
+    else {
         DecodeStereo(sink, count);
+    }
     blockRemaining -= count;
 }
 
@@ -291,16 +310,17 @@ void SndFileAdpcm::DecodeMono(Sink& sink, int count)
     Sink out = sink;
     const unsigned char* codes = blockBuffer + blockBytes - (blockRemaining + 1) / 2;
     if (count > 0 && blockRemaining % 2 != 0) {
-        out.Put(channel.Decode(*codes++ & 15u));
+        out.Put(channel.Decode(*codes++ & 15U));
         --count;
     }
     for (; count >= 2; count -= 2) {
         const unsigned int both = *codes++;
         out.Put(channel.Decode(both >> 4));
-        out.Put(channel.Decode(both & 15u));
+        out.Put(channel.Decode(both & 15U));
     }
-    if (count > 0)
-        out.Put(channel.Decode(*codes >> 4u));
+    if (count > 0) {
+        out.Put(channel.Decode(*codes >> 4U));
+    }
     channel.SaveTo(state);
     sink = out;
 }
@@ -316,7 +336,7 @@ void SndFileAdpcm::DecodeStereo(Sink& sink, int count)
     while (codes != end) {
         const unsigned int both = *codes++;
         out.Put(left.Decode(both >> 4));
-        out.Put(right.Decode(both & 15u));
+        out.Put(right.Decode(both & 15U));
     }
     left.SaveTo(channelStates[0]);
     right.SaveTo(channelStates[1]);

@@ -34,24 +34,28 @@ SndFileHandle* SndFileCache::Acquire(const PString& substName, const PString& fi
 
 void SndFileCache::Release(SndFileHandle* handle)
 {
-    if (handle == nullptr)
+    if (handle == nullptr) {
         return;
-    if (--handle->useCount <= 0)
+    }
+    if (--handle->useCount <= 0) {
         handle->list.Destroy(handle);
+    }
 }
 
 void SndFileCache::ReleaseAll()
 {
-    while (handles.IsLinked())
+    while (handles.IsLinked()) {
         Destroy(static_cast<SndFileHandle*>(handles.next));
+    }
 }
 
 void SndFileCache::ReadOptions(const Options& options)
 {
     int value = 0;
     options.Get("MpegStandard", value, 0);
-    if (value != 0 && value != 1)
+    if (value != 0 && value != 1) {
         Report(MessageLevel::Warning, "option MpegStandard=", value, ": expected 0 or 1; it takes 0");
+    }
     SetMpegStandard(value == 1);
 }
 
@@ -60,8 +64,9 @@ SndFileHandle* SndFileCache::Find(const PString& substName, const PString& fileN
     const PString foldedName = File::FoldName(fileName);
     for (IListNode* node = handles.next; node != &handles; node = node->next) {
         auto* handle = static_cast<SndFileHandle*>(node);
-        if (handle->foldedName == foldedName && handle->substName == substName)
+        if (handle->foldedName == foldedName && handle->substName == substName) {
             return handle;
+        }
     }
     return nullptr;
 }

@@ -17,14 +17,16 @@ SndFileService::SndFileService()
 SndFileService::SndFileService(const Options& options)
     : SndFileService()
 {
-    if (files != nullptr)
+    if (files != nullptr) {
         files->ReadOptions(options);
+    }
 }
 
 SndFileService::~SndFileService()
 {
-    if (SndFile::sndFileCache == files)
+    if (SndFile::sndFileCache == files) {
         SndFile::SetSndFileCache(nullptr);
+    }
     delete files;
 }
 

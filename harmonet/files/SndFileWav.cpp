@@ -14,8 +14,9 @@ bool SndFileWav::OpenMemory(void* newData, unsigned long newSize, WaveFormatEx* 
 {
     CloseFile(0, nullptr);
     if (format == nullptr || (newData == nullptr && newSize > 0) || newSize > maxDataBytes ||
-        !TakeFormat(*format))
+        !TakeFormat(*format)) {
         return false;
+    }
     fileType = FileWav;
     size = newSize;
     data = static_cast<unsigned char*>(newData);
@@ -40,8 +41,9 @@ bool SndFileWav::Open(SndNode* newNode)
 
 bool SndFileWav::OpenHandle(SndFileHandle* newHandle)
 {
-    if (!TakeHandle(newHandle))
+    if (!TakeHandle(newHandle)) {
         return false;
+    }
     if (!ParseWave()) {
         Abandon();
         return false;
@@ -56,8 +58,9 @@ bool SndFileWav::ParseWave()
         return walk.GetSize() >= RiffWalk::minFormatBytes && walk.GetSize() <= RiffWalk::maxFormatBytes &&
             TakeFormat(walk.ReadFormat());
     });
-    if (!found.IsWhole())
+    if (!found.IsWhole()) {
         return false;
+    }
     fileType = FileWav;
     dataOffset = found.offset;
     size = found.bytes;
@@ -70,8 +73,9 @@ bool SndFileWav::TakeFormat(const WaveFormatEx& format)
 {
     constexpr auto maxRateHz = static_cast<std::uint32_t>(std::numeric_limits<int>::max());
     if (format.formatTag != waveTagPcm || format.channels == 0 || format.bitsPerSample < 8 ||
-        format.samplesPerSecond == 0 || format.samplesPerSecond > maxRateHz)
+        format.samplesPerSecond == 0 || format.samplesPerSecond > maxRateHz) {
         return false;
+    }
     bytesPerSample = format.bitsPerSample / 8;
     sampleFrequency = static_cast<int>(format.samplesPerSecond);
     channels = format.channels;
@@ -86,23 +90,27 @@ void* SndFileWav::CreateNodeInfo()
 int SndFileWav::ReadSamples(unsigned char* buffer, int samples)
 {
     const int frameBytes = BytesPerFrame();
-    if (fileType != FileWav || samples <= 0)
+    if (fileType != FileWav || samples <= 0) {
         return 0;
+    }
     const std::uint64_t position = static_cast<std::uint64_t>(frameBytes) * currentSample;
-    if (position > maxDataBytes)
+    if (position > maxDataBytes) {
         return 0;
+    }
     const int wanted = std::min({samples, std::numeric_limits<int>::max() / frameBytes,
         std::numeric_limits<int>::max() - currentSample});
     const int got = Read(buffer, frameBytes * wanted, static_cast<int>(position)) / frameBytes;
-    if (got > 0)
+    if (got > 0) {
         currentSample += got;
+    }
     return got;
 }
 
 int SndFileWav::SkipSamples(int samples)
 {
-    if (fileType != FileWav)
+    if (fileType != FileWav) {
         return 0;
+    }
     // Mostly all is there, and nothing has to be divided: an update comes here for each sound that is not
     // heard.
     const auto bytes = static_cast<std::int64_t>(size);

@@ -32,15 +32,17 @@ SndFile* SndNodeCache::OpenSound(const PString& substName, const PString& fileNa
     SndFile* file = nullptr;
     if (node != nullptr) {
         file = SndFile::OpenFile(node);
-        if (file == nullptr)
+        if (file == nullptr) {
             return nullptr;
+        }
         Unlink(node);
         node->priority = std::max(node->priority, priority);
     }
     else {
         file = OpenMiss(substName, fileName, node);
-        if (node == nullptr)
+        if (node == nullptr) {
             return file;
+        }
         node->priority = priority;
     }
     ++node->useCount;
@@ -51,13 +53,16 @@ SndFile* SndNodeCache::OpenSound(const PString& substName, const PString& fileNa
 SndFile* SndNodeCache::OpenMiss(const PString& substName, const PString& fileName, SndNode*& node)
 {
     std::unique_ptr<SndFile> file(SndFile::OpenFile(substName, fileName));
-    if (file == nullptr)
+    if (file == nullptr) {
         return nullptr;
+    }
     const unsigned long size = file->Size();
-    if (size > freeBytes)
+    if (size > freeBytes) {
         EvictBytes(size - freeBytes);
-    if (size >= freeBytes)
+    }
+    if (size >= freeBytes) {
         return file.release();
+    }
     // The data come last: what can fail for want of memory leaves the reader on its file.
     auto made = std::make_unique<SndNode>();
     made->format = *file;
@@ -68,8 +73,9 @@ SndFile* SndNodeCache::OpenMiss(const PString& substName, const PString& fileNam
     made->nodeInfo = file->CreateNodeInfo();
     made->size = size;
     made->data = file->Load();
-    if (made->data == nullptr)
+    if (made->data == nullptr) {
         return file.release();
+    }
     node = made.release();
     file->SetCached(node);
     freeBytes -= size;
@@ -105,8 +111,9 @@ void SndNodeCache::Flush()
     while (node != &sentinel) {
         SndNode* const following = node->next;
         Unlink(node);
-        if (node->useCount < 1)
+        if (node->useCount < 1) {
             delete node;
+        }
         node = following;
     }
     freeBytes = limit;
@@ -122,8 +129,9 @@ SndNode* SndNodeCache::Find(const PString& substName, const PString& fileName)
 {
     const PString foldedName = File::FoldName(fileName);
     for (SndNode* node = sentinel.next; node != &sentinel; node = node->next) {
-        if (node->foldedName == foldedName && node->substName == substName)
+        if (node->foldedName == foldedName && node->substName == substName) {
             return node;
+        }
     }
     return nullptr;
 }
@@ -131,8 +139,9 @@ SndNode* SndNodeCache::Find(const PString& substName, const PString& fileName)
 void SndNodeCache::Insert(SndNode* node)
 {
     SndNode* place = sentinel.prev;
-    while (place != &sentinel && place->priority > node->priority)
+    while (place != &sentinel && place->priority > node->priority) {
         place = place->prev;
+    }
     node->prev = place;
     node->next = place->next;
     node->next->prev = node;

@@ -13,8 +13,9 @@ void CandidateList::Add(const SndPolyline::SoundPoint& point)
         inside[count] = candidate;
     }
     else {
-        if (outside.empty())
+        if (outside.empty()) {
             outside.assign(std::begin(inside), std::end(inside));
+        }
         outside.push_back(candidate);
     }
     ++count;
@@ -29,8 +30,9 @@ void CandidateList::Arrange()
 
 const SndPolyline::SoundPoint* CandidateList::TakeNearest()
 {
-    if (left.empty())
+    if (left.empty()) {
         return nullptr;
+    }
     std::pop_heap(left.begin(), left.end(), IsFarther);
     const Candidate& nearest = left.back();
     left = left.first(left.size() - 1);

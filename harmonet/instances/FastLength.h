@@ -15,10 +15,12 @@ inline float FastLength(float x, float y)
     constexpr float narrow = 0.414213F; // tan 22.5 degrees
     const float a = std::fabs(x);
     const float b = std::fabs(y);
-    if (a < narrow * b)
+    if (a < narrow * b) {
         return a * a * 0.483608F / b + b;
-    if (b < narrow * a)
+    }
+    if (b < narrow * a) {
         return b * b * 0.483608F / a + a;
+    }
     const float sum = a + b;
     return sum == 0.0F ? 0.0F : sum * 1.04907F - a * b * 1.36785F / sum;
 }

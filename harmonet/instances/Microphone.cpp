@@ -37,8 +37,9 @@ Microphone::Microphone()
 
 Microphone::~Microphone()
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->ClearMicrophone(this);
+    }
 }
 
 int Microphone::GetID() const
@@ -48,8 +49,9 @@ int Microphone::GetID() const
 
 void Microphone::Activate()
 {
-    if (!theKernel)
+    if (!theKernel) {
         return;
+    }
     changed = true;
     theKernel->SetMicrophone(this);
 }
@@ -57,13 +59,15 @@ void Microphone::Activate()
 void Microphone::SetActive(bool on)
 {
     active = on;
-    if (!on)
+    if (!on) {
         return;
+    }
     changed = true;
     SndUpdate();
     SndDriver* driver = GetDriver();
-    if (hasFXEnvReverb && driver)
+    if (hasFXEnvReverb && driver) {
         hasFXEnvReverb = driver->SetFXEnvReverb(&envReverb, envReverbQuality, envReverbArg);
+    }
 }
 
 void Microphone::ResetGlobalBoundingCenter() const
@@ -74,34 +78,40 @@ void Microphone::ResetGlobalBoundingCenter() const
 
 Vector3 Microphone::GetGlobalPosition()
 {
-    if (globalPositionStale)
+    if (globalPositionStale) {
         RecalculateGlobalBoundingCenter();
+    }
     return globalPosition;
 }
 
 void Microphone::SndUpdate()
 {
-    if (!changed || !active || !theKernel)
+    if (!changed || !active || !theKernel) {
         return;
+    }
     SndDriver* driver = GetDriver();
     const Vector3 place = GetGlobalPosition();
-    if (driver && IsFinite(place))
+    if (driver && IsFinite(place)) {
         driver->SetListenerPosition(place);
+    }
     Quaternion q = orientation;
-    if (GetParent())
+    if (GetParent()) {
         GetParent()->LocalToGlobal(q);
+    }
     const Vector3 front = -ImageOfZ(q);
     const Vector3 top = ImageOfY(q);
-    if (driver && IsFinite(front) && IsFinite(top))
+    if (driver && IsFinite(front) && IsFinite(top)) {
         driver->SetListenerOrientation(front, top);
+    }
     changed = false;
 }
 
 void Microphone::SetOrientation(const Vector3& front, const Vector3& top)
 {
     const float lengthSqr = LengthSquared(front);
-    if (!(lengthSqr > 0.0F) || !std::isfinite(lengthSqr))
+    if (!(lengthSqr > 0.0F) || !std::isfinite(lengthSqr)) {
         return;
+    }
     const Vector3 ahead = front * (1.0F / std::sqrt(lengthSqr));
     Vector3 right = Cross(ahead, top);
     Vector3 up = {0.0F, 1.0F, 0.0F};
@@ -130,16 +140,18 @@ void Microphone::SetOrientation(const Quaternion& newOrientation)
 // The sphere's centre lies in the parent's space, so that it turns with the node.
 void Microphone::TurnBoundingSphere(const Quaternion& newOrientation)
 {
-    if (boundingSphereStale)
+    if (boundingSphereStale) {
         return;
+    }
     const Vector3 unturned = Rotate(Inverse(orientation), boundingCenter - position);
     boundingCenter = Rotate(newOrientation, unturned) + position;
 }
 
 void Microphone::SetRolloffFactor(float factor)
 {
-    if (SndDriver* driver = GetDriver())
+    if (SndDriver* driver = GetDriver()) {
         driver->SetRolloffFactor(factor);
+    }
 }
 
 float Microphone::GetRolloffFactor() const
@@ -150,30 +162,34 @@ float Microphone::GetRolloffFactor() const
 
 bool Microphone::SetFXEnvReverb(const FXEnvReverb* reverb, long quality, unsigned int argument)
 {
-    if (!theKernel)
+    if (!theKernel) {
         return false;
+    }
     envReverb = *reverb;
     envReverbQuality = quality;
     envReverbArg = argument;
     SndDriver* driver = active ? GetDriver() : nullptr;
     hasFXEnvReverb = !driver || driver->SetFXEnvReverb(reverb, quality, argument);
-    if (!hasFXEnvReverb)
+    if (!hasFXEnvReverb) {
         Report(MessageLevel::Warning, "the driver refuses the room of a microphone");
+    }
     return hasFXEnvReverb;
 }
 
 void Microphone::ResetFXEnvReverb(unsigned int argument)
 {
     SndDriver* driver = active ? GetDriver() : nullptr;
-    if (driver)
+    if (driver) {
         driver->ResetFXEnvReverb(argument);
+    }
     hasFXEnvReverb = false;
 }
 
 bool Microphone::GetFXEnvReverb(FXEnvReverb* reverb)
 {
-    if (!hasFXEnvReverb)
+    if (!hasFXEnvReverb) {
         return false;
+    }
     *reverb = envReverb;
     return true;
 }

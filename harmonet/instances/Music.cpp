@@ -36,11 +36,13 @@ Music& Music::operator=(const Music& other)
 {
     // The piece that is left behind must not look for its gain in a handle that can go before it.
     SndBase* left = soundID != other.soundID ? FindLive() : nullptr;
-    if (left && left->GetParentMusic() == this)
+    if (left && left->GetParentMusic() == this) {
         left->SetParentMusic(nullptr);
+    }
     // Nor stay paused, since nobody could resume it.
-    if (left && left->GetParentMusic() == nullptr)
+    if (left && left->GetParentMusic() == nullptr) {
         left->SetPaused(false);
+    }
     soundID = other.soundID;
     gain = other.gain;
     paused = other.paused;
@@ -84,10 +86,12 @@ bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool
         return false;
     }
     const bool isNew = !instance;
-    if (isNew)
+    if (isNew) {
         instance = OrNothing([] { return new SndBase(true); });
-    if (!instance)
+    }
+    if (!instance) {
         return false;
+    }
     const int id = instance->GetSoundID();
     try {
         return StartPiece(*instance, isNew, name, db, ms, loop);
@@ -95,10 +99,12 @@ bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool
     catch (const std::bad_alloc&) {
         // It ends, whether it stands in the table or has not got that far.
         const bool isAdopted = soundID == id;
-        if (!isAdopted || (theKernel && theKernel->FindSound(id) == instance))
+        if (!isAdopted || (theKernel && theKernel->FindSound(id) == instance)) {
             delete instance;
-        if (isAdopted)
+        }
+        if (isAdopted) {
             soundID = 0;
+        }
         return false;
     }
 }
@@ -106,13 +112,16 @@ bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool
 bool Music::StartPiece(
     SndBase& instance, bool isNew, const PString& name, const ResourceDatabase* db, int ms, bool loop)
 {
-    if (!isNew)
+    if (!isNew) {
         theKernel->GiveUpFile(instance);
+    }
     instance.ResetFlags(FlagMusic | FlagDistLTMax);
-    if (ms > 0)
+    if (ms > 0) {
         instance.SetFadeIn(ms);
-    if (loop)
+    }
+    if (loop) {
         instance.SetLooping();
+    }
     return db ? StartResource(instance, isNew, name, *db) : StartFile(instance, isNew, name);
 }
 
@@ -133,31 +142,37 @@ bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, co
     TakenResource resource(name, db, lookupMode);
     // Whoever heard of the load may have ended the piece, or used the handle for another.
     if (!theKernel || FindLive() != (isNew ? nullptr : &instance)) {
-        if (isNew || exists())
+        if (isNew || exists()) {
             delete &instance;
+        }
         return FindLive() != nullptr;
     }
-    if (!resource)
+    if (!resource) {
         return GiveUp(instance);
+    }
     instance.SetFileName(resource->GetFileName());
     instance.SetSubstName(resource->GetOwnerName());
     instance.SetDefinitionName(name);
-    if (resource->GetLooping())
+    if (resource->GetLooping()) {
         instance.SetLooping();
+    }
     Adopt(instance, isNew);
     instance.SetGain(resource->GetGain());
     // Whole: the mask of resource effects is for sound effects.
-    if (resource->GetFXList().GetNumEffects() > 0)
+    if (resource->GetFXList().GetNumEffects() > 0) {
         instance.SetCopyFXList(resource->GetFXList());
+    }
     const std::uint32_t startsBefore = theKernel->GetStartSerial(instance);
     resource->ApplyMusicSettings(this);
     resource.Unlock();
     // And so may the resource.
     const bool isOurs = exists() && FindLive() == &instance;
-    if (isOurs && theKernel->GetStartSerial(instance) == startsBefore)
+    if (isOurs && theKernel->GetStartSerial(instance) == startsBefore) {
         return StartOrGiveUp(instance);
-    if (exists() && !isOurs)
+    }
+    if (exists() && !isOurs) {
         delete &instance;
+    }
     return FindLive() != nullptr;
 }
 
@@ -175,8 +190,9 @@ bool Music::GiveUp(SndBase& instance)
 
 void Music::Adopt(SndBase& instance, bool isNew)
 {
-    if (isNew)
+    if (isNew) {
         theKernel->AddSound(&instance);
+    }
     soundID = instance.GetSoundID();
     instance.SetParentMusic(this);
     instance.SetPaused(paused);
@@ -201,18 +217,21 @@ bool Music::CrossFade(const PString& name, const ResourceDatabase* db, int ms, b
 
 void Music::SetGain(float newGain)
 {
-    if (std::isnan(newGain))
+    if (std::isnan(newGain)) {
         return;
+    }
     gain = std::clamp(newGain, 0.0F, 1.0F);
-    if (SndBase* instance = FindLive())
+    if (SndBase* instance = FindLive()) {
         instance->SetGain(applyGainAgain);
+    }
 }
 
 void Music::SetPaused(bool on)
 {
     paused = on;
-    if (SndBase* instance = FindLive())
+    if (SndBase* instance = FindLive()) {
         instance->SetPaused(on);
+    }
 }
 
 unsigned long Music::GetRemainLength() const
@@ -224,8 +243,9 @@ unsigned long Music::GetRemainLength() const
 SoundState Music::GetState() const
 {
     SoundState state;
-    if (const SndBase* instance = FindLive())
+    if (const SndBase* instance = FindLive()) {
         instance->FillState(state);
+    }
     return state;
 }
 

@@ -23,13 +23,16 @@ public:
     /// is destroyed leaves by itself. Null does nothing.
     virtual void AddObserver(Observer* observer)
     {
-        if (!observer)
+        if (!observer) {
             return;
-        if (!Find(observer))
+        }
+        if (!Find(observer)) {
             entries.Append({false, observer});
+        }
         Entry& entry = *Find(observer);
-        if (entry.active)
+        if (entry.active) {
             return;
+        }
         // Active last: if memory runs out, the list holds nothing that it would call.
         observer->Join(*this);
         entry.active = true;
@@ -39,12 +42,14 @@ public:
     virtual void RemoveObserver(Observer* observer)
     {
         Entry* entry = Find(observer);
-        if (!entry)
+        if (!entry) {
             return;
+        }
         entry->active = false;
         observer->Leave(*this);
-        if (notifyDepth == 0)
+        if (notifyDepth == 0) {
             Purge();
+        }
     }
 
     virtual bool HasObserver(const Observer* observer) const
@@ -62,11 +67,13 @@ protected:
     {
         ++notifyDepth;
         for (auto place = entries.GetBegin(); place.IsValid(); place.MoveOn()) {
-            if (place->active)
+            if (place->active) {
                 tell(*place->observer);
+            }
         }
-        if (--notifyDepth == 0)
+        if (--notifyDepth == 0) {
             Purge();
+        }
     }
 
 private:
@@ -82,8 +89,9 @@ private:
     const Entry* Find(const Observer* observer) const
     {
         for (auto place = entries.GetBegin(); place.IsValid(); place.MoveOn()) {
-            if (place->observer == observer)
+            if (place->observer == observer) {
                 return &*place;
+            }
         }
         return nullptr;
     }
@@ -91,10 +99,12 @@ private:
     void Purge()
     {
         for (auto place = entries.GetBegin(); place.IsValid();) {
-            if (place->active)
+            if (place->active) {
                 place.MoveOn();
-            else
+            }
+            else {
                 entries.Erase(place);
+            }
         }
     }
 

@@ -105,8 +105,9 @@ void Snd3D::InitCone(float inner, float outer, float newConeGain)
 void Snd3D::SetCone(float inner, float outer, float newConeGain)
 {
     InitCone(inner, outer, newConeGain);
-    if (SndChannel* channel = GetSndChannel())
+    if (SndChannel* channel = GetSndChannel()) {
         channel->SetCone(inner, outer, newConeGain);
+    }
 }
 
 void Snd3D::InitMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout)
@@ -119,15 +120,17 @@ void Snd3D::InitMinMaxDistance(float newMinDistance, float newMaxDistance, bool 
 void Snd3D::SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout)
 {
     InitMinMaxDistance(newMinDistance, newMaxDistance, newCutout);
-    if (SndChannel* channel = GetSndChannel())
+    if (SndChannel* channel = GetSndChannel()) {
         channel->SetMinMaxDistance(newMinDistance, newMaxDistance, newCutout);
+    }
 }
 
 void Snd3D::Play(SndFile* file)
 {
     if (SndChannel* channel = GetSndChannel()) {
-        if (IsConeInUse())
+        if (IsConeInUse()) {
             channel->SetCone(innerConeAngle, outerConeAngle, coneGain);
+        }
         channel->SetMinMaxDistance(minDistance, GetMaxDistance(), GetCutout());
         UpdatePosition();
         // The next update works out the distance anew.
@@ -138,8 +141,9 @@ void Snd3D::Play(SndFile* file)
 
 void Snd3D::UpdatePlace()
 {
-    if (globalPositionStale)
+    if (globalPositionStale) {
         RecalculateGlobalBoundingCenter();
+    }
     SoundRow& row = Row();
     row.place = globalPosition;
     row.SetMark(RowPlaceKnown | RowPlaced, true);
@@ -147,44 +151,53 @@ void Snd3D::UpdatePlace()
 
 void Snd3D::CalcDistSqr(const Vector3& listener)
 {
-    if (!Row().HasMark(RowPlaceKnown))
+    if (!Row().HasMark(RowPlaceKnown)) {
         Snd3D::UpdatePlace();
+    }
     MeasureDistance(Row(), listener);
 }
 
 bool Snd3D::SndUpdate(float seconds, const Vector3& listener, bool listenerMoved)
 {
-    if (GetInPause())
+    if (GetInPause()) {
         return true;
+    }
     const bool hasMoved = Row().HasMark(RowMoved);
-    if (listenerMoved || hasMoved)
+    if (listenerMoved || hasMoved) {
         CalcDistSqr(listener);
-    if (hasMoved && IsMovable() && GetSndChannel())
+    }
+    if (hasMoved && IsMovable() && GetSndChannel()) {
         UpdatePosition();
+    }
     SetHasMoved(false);
     return SndBase::SndUpdate(seconds, listener, listenerMoved);
 }
 
 void Snd3D::UpdatePosition()
 {
-    if (globalPositionStale)
+    if (globalPositionStale) {
         RecalculateGlobalBoundingCenter();
+    }
     Row().SetMark(RowPlaced, true);
     SndChannel* channel = GetSndChannel();
-    if (IsFinite(globalPosition))
+    if (IsFinite(globalPosition)) {
         channel->SetPosition(globalPosition);
-    if (!IsConeInUse())
+    }
+    if (!IsConeInUse()) {
         return;
+    }
     const Vector3 direction = CalcDirection();
-    if (IsFinite(direction))
+    if (IsFinite(direction)) {
         channel->SetDirection(direction);
+    }
 }
 
 Vector3 Snd3D::CalcDirection() const
 {
     Quaternion global = orientation;
-    if (GetParent())
+    if (GetParent()) {
         GetParent()->LocalToGlobal(global);
+    }
     switch (axis) {
     case 1:
         return ImageOfX(global);
@@ -203,8 +216,9 @@ Vector3 Snd3D::CalcDirection() const
 
 bool Snd3D::SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties)
 {
-    if (!theKernel || !theKernel->CanSetEnvReverbSource())
+    if (!theKernel || !theKernel->CanSetEnvReverbSource()) {
         return false;
+    }
     OwnFXList();
     fxList.AddFX(SndFXEnvReverbSource, properties, sizeof *properties, defaultEnvReverbQuality);
     SndChannel* channel = GetSndChannel();

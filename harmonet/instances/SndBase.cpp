@@ -27,8 +27,9 @@ SndBase::SndBase(bool music)
     : rowNumber(SoundRows::Take(*this))
     , soundID(NextSoundID())
 {
-    if (music)
+    if (music) {
         AddFlags(FlagMusic);
+    }
 }
 
 SndBase::SndBase(const SndBase& other)
@@ -51,8 +52,9 @@ SndBase& SndBase::operator=(const SndBase& other)
 {
     const SoundRow& from = other.Row();
     SoundRow& row = Row();
-    if (theKernel)
+    if (theKernel) {
         theKernel->ForgetOrder(row);
+    }
     row.flags = from.flags;
     row.priority = from.priority;
     row.distSqr = from.distSqr;
@@ -84,8 +86,9 @@ SndBase::~SndBase()
 
 void SndBase::Done()
 {
-    if (ended)
+    if (ended) {
         return;
+    }
     ended = true;
     beingTold = true;
     NotifyEnd();
@@ -94,8 +97,9 @@ void SndBase::Done()
             sndChannel->Stop();
             sndChannel = nullptr;
         }
-        if (fadeOutChannel)
+        if (fadeOutChannel) {
             ReleaseFadeOutChannel();
+        }
         theKernel->RemoveSound(this);
     }
     SetIsPlaying(false);
@@ -103,15 +107,17 @@ void SndBase::Done()
     TakeFile(nullptr);
     CloseAndDelete(file);
     CloseAndDelete(std::exchange(fadingOut.file, nullptr));
-    if (!HasAnyFlag(FlagSharedFXList))
+    if (!HasAnyFlag(FlagSharedFXList)) {
         fxList.Clear();
+    }
 }
 
 void SndBase::NotifyEnd()
 {
     Sound* group = GetParentSound();
-    if (!group || HasAnyFlag(FlagPolylineSource))
+    if (!group || HasAnyFlag(FlagPolylineSource)) {
         return;
+    }
     if (!IsPlaying()) {
         // An observer always sees a begin before an abort.
         group->OnSoundBegin(soundID, fileName);
@@ -119,21 +125,26 @@ void SndBase::NotifyEnd()
         return;
     }
     const std::uint32_t remaining = CalcRemainAtEnd();
-    if (remaining > 0)
+    if (remaining > 0) {
         group->OnSoundAbort(soundID, fileName, static_cast<int>(remaining));
-    else
+    }
+    else {
         group->OnSoundEnd(soundID, fileName);
+    }
 }
 
 std::uint32_t SndBase::CalcRemainAtEnd() const
 {
-    if (IsLooping())
+    if (IsLooping()) {
         return static_cast<std::uint32_t>(unknownLength);
+    }
     std::uint32_t remaining = 0;
-    if (sndChannel)
+    if (sndChannel) {
         remaining = static_cast<std::uint32_t>(sndChannel->GetRemainLength());
-    else if (sndFile)
+    }
+    else if (sndFile) {
         remaining = CalcFileRemain();
+    }
     return remaining + CalcQueueLength();
 }
 
@@ -141,18 +152,21 @@ std::uint32_t SndBase::CalcRemainAtEnd() const
 std::uint32_t SndBase::CalcQueueLength() const
 {
     std::uint32_t length = 0;
-    if (!sndFile)
+    if (!sndFile) {
         return length;
-    for (const SndFile* file = sndFile->GetNext(); file; file = file->GetNext())
+    }
+    for (const SndFile* file = sndFile->GetNext(); file; file = file->GetNext()) {
         length += static_cast<std::uint32_t>(file->GetSoundLength());
+    }
     return length;
 }
 
 // What a channel held goes with its queue; blocks of memory are reported to the group.
 void SndBase::CloseAndDelete(SndFile* file)
 {
-    if (!file)
+    if (!file) {
         return;
+    }
     const auto id = static_cast<unsigned int>(soundID);
     file->DeleteQueue(id, GetParentSound());
     file->CloseFile(id, GetParentSound());
@@ -165,8 +179,9 @@ void SndBase::ReleaseFadeOutChannel()
     fadeOutChannel = nullptr;
     channel->Stop();
     SndFile* file = channel->GetSndFile();
-    if (!file)
+    if (!file) {
         return;
+    }
     channel->SetSndFile(nullptr);
     Telling telling(*this);
     CloseAndDelete(file);
@@ -196,8 +211,9 @@ bool SndBase::Emulate()
         sndChannel->Stop();
         sndChannel = nullptr;
     }
-    if (fadeOutChannel)
+    if (fadeOutChannel) {
         ReleaseFadeOutChannel();
+    }
     fadeInPassed = 0;
     Row().SetMark(RowReturns, false);
     SetStateTime(0);
@@ -207,8 +223,9 @@ bool SndBase::Emulate()
 void SndBase::SetPaused(bool on)
 {
     SetFlags(FlagPaused, on);
-    if (theKernel)
+    if (theKernel) {
         theKernel->NotePauses();
+    }
 }
 
 bool SndBase::IsPaused() const
@@ -247,8 +264,9 @@ bool SndBase::FadeOut(int ms)
         delete this;
         return false;
     }
-    if (fadeOutChannel)
+    if (fadeOutChannel) {
         ReleaseFadeOutChannel();
+    }
     // The file is the fading channel's before the queue goes, so that a handler that hears of a freed block
     // finds no queue to append to.
     SndChannel* channel = sndChannel;
@@ -260,8 +278,9 @@ bool SndBase::FadeOut(int ms)
     {
         Telling telling(*this);
         channel->Lock();
-        if (SndFile* file = channel->GetSndFile())
+        if (SndFile* file = channel->GetSndFile()) {
             file->DeleteQueue(static_cast<unsigned int>(soundID), GetParentSound());
+        }
         channel->Unlock();
     }
     channel->FadeOut(ms);
@@ -270,30 +289,37 @@ bool SndBase::FadeOut(int ms)
 
 float SndBase::GetOutputGain() const
 {
-    if (!theKernel)
+    if (!theKernel) {
         return gain;
-    if (IsMusic())
+    }
+    if (IsMusic()) {
         return CalcMusicGain();
+    }
     const float groupGain = GetParentSound() ? GetParentSound()->GetGain() : 1.0F;
     return groupGain * (Is3D() ? theKernel->GetMainGain3D() : theKernel->GetMainGain2D()) * gain;
 }
 
 void SndBase::SetGain(float newGain)
 {
-    if (newGain >= 0.0F && newGain <= 1.0F)
+    if (newGain >= 0.0F && newGain <= 1.0F) {
         gain = newGain;
-    if (!sndChannel && !sndFile)
+    }
+    if (!sndChannel && !sndFile) {
         fadingOut.gain = GetOutputGain();
-    if (SndChannel* channel = sndChannel ? sndChannel : fadeOutChannel)
+    }
+    if (SndChannel* channel = sndChannel ? sndChannel : fadeOutChannel) {
         channel->SetGain(GetOutputGain());
+    }
 }
 
 bool SndBase::SetFrequency(unsigned long hz)
 {
-    if (fxList.GetNumEffects() > 0 || (IsPlaying() && !IsChgFrequency()))
+    if (fxList.GetNumEffects() > 0 || (IsPlaying() && !IsChgFrequency())) {
         return false;
-    if (sndChannel && !sndChannel->SetFrequency(hz))
+    }
+    if (sndChannel && !sndChannel->SetFrequency(hz)) {
         return false;
+    }
     SetNewFrequency(hz);
     AddFlags(FlagChgFrequency);
     return true;
@@ -301,41 +327,53 @@ bool SndBase::SetFrequency(unsigned long hz)
 
 unsigned long SndBase::GetFrequency() const
 {
-    if (const unsigned long hz = sndChannel ? sndChannel->GetFrequency() : 0)
+    if (const unsigned long hz = sndChannel ? sndChannel->GetFrequency() : 0) {
         return hz;
-    if (newFrequency != 0)
+    }
+    if (newFrequency != 0) {
         return newFrequency;
+    }
     return sndFile ? static_cast<unsigned long>(sndFile->GetSampleFrequency()) : 0;
 }
 
 unsigned long SndBase::GetRemainLength() const
 {
-    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || fadeOutChannel || fadingOut.file))
+    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || fadeOutChannel || fadingOut.file)) {
         return unknownLength;
-    if (sndChannel)
+    }
+    if (sndChannel) {
         return static_cast<std::uint32_t>(sndChannel->GetRemainLength() + CalcQueueLength());
-    if (fadeOutChannel)
+    }
+    if (fadeOutChannel) {
         return fadeOutChannel->GetRemainLength();
-    if (fadingOut.file && !sndFile)
+    }
+    if (fadingOut.file && !sndFile) {
         return fadingOut.file->GetRemainLength();
-    if (HasAnyFlag(FlagFadeOut))
+    }
+    if (HasAnyFlag(FlagFadeOut)) {
         return static_cast<std::uint32_t>(fadeDuration);
-    if (sndFile)
+    }
+    if (sndFile) {
         return CalcFileRemain() + CalcQueueLength();
+    }
     return soundLength;
 }
 
 unsigned long SndBase::GetCurrentLength() const
 {
     unsigned long remaining = soundLength;
-    if (sndChannel)
+    if (sndChannel) {
         remaining = sndChannel->GetRemainLength();
-    else if (fadeOutChannel)
+    }
+    else if (fadeOutChannel) {
         remaining = fadeOutChannel->GetRemainLength();
-    else if (fadingOut.file && !sndFile)
+    }
+    else if (fadingOut.file && !sndFile) {
         remaining = fadingOut.file->GetRemainLength();
-    else if (sndFile)
+    }
+    else if (sndFile) {
         remaining = CalcFileRemain();
+    }
     const auto sum = static_cast<std::uint32_t>(remaining + CalcQueueLength());
     return sum < soundLength ? soundLength - sum : 0;
 }
@@ -345,15 +383,19 @@ unsigned int SndBase::GetChannelFlags() const
     unsigned int flags = 0;
     if (Is3D()) {
         flags |= ChanPositional;
-        if (static_cast<const Snd3D*>(this)->GetCutout())
+        if (static_cast<const Snd3D*>(this)->GetCutout()) {
             flags |= ChanCutOut;
-        if (IsDisableMicFX())
+        }
+        if (IsDisableMicFX()) {
             flags |= ChanDisableMicFX;
+        }
     }
-    if (IsLooping())
+    if (IsLooping()) {
         flags |= ChanLooping;
-    if (IsChgFrequency())
+    }
+    if (IsChgFrequency()) {
         flags |= ChanChgFrequency;
+    }
     return flags;
 }
 
@@ -369,8 +411,9 @@ bool SndBase::operator<(const SndBase& other) const
 
 void SndBase::SetCompareUsingMultiplier(bool use)
 {
-    if (theKernel && use != useMultiplier)
+    if (theKernel && use != useMultiplier) {
         theKernel->ForgetOrder();
+    }
     useMultiplier = use;
 }
 

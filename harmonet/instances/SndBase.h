@@ -286,11 +286,13 @@ protected:
     template<class Record>
     bool GetEffect(SndFX effect, Record* record, bool (SndChannel::*getter)(Record*))
     {
-        if (sndChannel && (sndChannel->*getter)(record))
+        if (sndChannel && (sndChannel->*getter)(record)) {
             return true;
+        }
         const SndFXDesc* desc = fxList.GetFXDesc(effect);
-        if (desc)
+        if (desc) {
             *record = *static_cast<const Record*>(desc->GetRecord());
+        }
         return desc != nullptr;
     }
 

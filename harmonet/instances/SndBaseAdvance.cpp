@@ -30,8 +30,9 @@ int CountSamplesLeft(const SndFile& file)
 // it says. An MPEG stream has to be read, and what it decodes later depends on the steps of the skip.
 bool IsCountable(const SndFile& file)
 {
-    if (file.FileType() == SndFile::FileAdpcm)
+    if (file.FileType() == SndFile::FileAdpcm) {
         return file.GetSoundSamples() > 0;
+    }
     const std::int64_t bytes =
         std::int64_t{file.GetSoundSamples()} * file.GetBytesPerSample() * file.GetChannels();
     return file.FileType() == SndFile::FileWav && bytes > 0 &&
@@ -48,8 +49,9 @@ void SndBase::StepToNextFile()
     TakeFile(passed->GetNext());
     passed->ClearQueue();
     // Start samples are skipped when the channel is there already, and has the first file.
-    if (sndChannel)
+    if (sndChannel) {
         sndChannel->SetSndFile(sndFile);
+    }
     Telling telling(*this);
     CloseAndDelete(passed);
 }
@@ -58,10 +60,12 @@ void SndBase::StepToNextFile()
 void SndBase::MoveOnTo(SndFile* newFile)
 {
     SndFile* last = sndFile;
-    while (last && last->GetNext() != newFile)
+    while (last && last->GetNext() != newFile) {
         last = last->GetNext();
-    if (!last)
+    }
+    if (!last) {
         return;
+    }
     sndChannel->Lock();
     last->ClearQueue();
     SndFile* passed = sndFile;
@@ -72,20 +76,24 @@ void SndBase::MoveOnTo(SndFile* newFile)
 
 void SndBase::SkipSamples(int samples)
 {
-    if (!sndFile)
+    if (!sndFile) {
         return;
+    }
     CatchUpFile();
-    if (IsLooping())
+    if (IsLooping()) {
         SkipLooping(samples);
-    else
+    }
+    else {
         SkipAlongQueue(samples);
+    }
 }
 
 void SndBase::SkipLooping(int samples)
 {
     const int total = sndFile->GetSoundSamples();
-    if (total <= 0)
+    if (total <= 0) {
         return;
+    }
     const int current = sndFile->GetCurrentSample();
     if (samples >= total - current) {
         sndFile->Rewind();
@@ -114,19 +122,23 @@ void SndBase::SkipAlongQueue(int samples)
 
 bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
 {
-    if (!theKernel || !IsPlaying() || IsAudible() || !sndFile)
+    if (!theKernel || !IsPlaying() || IsAudible() || !sndFile) {
         return true;
+    }
     const UpdateStep step = theKernel->MakeStep(seconds);
     const unsigned long left = GetRemainLength();
-    if (left != unknownLength && left < std::uint64_t{step.minEmulationMs} + step.ms)
+    if (left != unknownLength && left < std::uint64_t{step.minEmulationMs} + step.ms) {
         return false;
+    }
     SoundRow& row = Row();
-    if (!row.HasMark(RowCounted))
+    if (!row.HasMark(RowCounted)) {
         StartCounting();
+    }
     if (row.HasMark(RowCounted)) {
         const std::uint32_t samples = row.CalcSamples(step);
-        if (row.CountSamples(samples))
+        if (row.CountSamples(samples)) {
             return true;
+        }
         if (IsLooping()) {
             CountLoop(samples);
             return true;
@@ -139,8 +151,9 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
 void SndBase::StartCounting()
 {
     const bool mayGoRound = IsLooping() && sndFile->GetNext();
-    if (!IsCountable(*sndFile) || mayGoRound || HasAnyFlag(FlagFadeOut))
+    if (!IsCountable(*sndFile) || mayGoRound || HasAnyFlag(FlagFadeOut)) {
         return;
+    }
     Row().samplesLeft = CountSamplesLeft(*sndFile);
     countedSamples = sndFile->GetSoundSamples();
     Row().SetMark(RowCounted, true);
@@ -157,10 +170,12 @@ void SndBase::NoteRate()
 void SndBase::CatchUpFile() const
 {
     SoundRow& row = Row();
-    if (!row.HasMark(RowCounted))
+    if (!row.HasMark(RowCounted)) {
         return;
-    if (row.HasMark(RowRewound))
+    }
+    if (row.HasMark(RowRewound)) {
         sndFile->Rewind();
+    }
     row.SetMark(RowCounted | RowRewound, false);
     sndFile->SkipSamples(sndFile->GetSoundSamples() - row.samplesLeft - sndFile->GetCurrentSample());
 }
@@ -182,10 +197,12 @@ void SndBase::CountLoop(std::uint32_t samples)
 std::uint32_t SndBase::CalcFileRemain() const
 {
     const SoundRow& row = Row();
-    if (!row.HasMark(RowCounted))
+    if (!row.HasMark(RowCounted)) {
         return static_cast<std::uint32_t>(sndFile->GetRemainLength());
-    if (sndFile->GetSampleFrequency() <= 0)
+    }
+    if (sndFile->GetSampleFrequency() <= 0) {
         return 0;
+    }
     const double seconds = static_cast<double>(row.samplesLeft) / sndFile->GetSampleFrequency();
     return static_cast<std::uint32_t>(std::min(seconds * msPerSecond, 4294967295.0));
 }
@@ -194,10 +211,12 @@ std::uint32_t SndBase::CalcFileRemain() const
 bool SndBase::AdvanceEmulated(std::uint32_t samples)
 {
     std::uint32_t total = 0;
-    for (const SndFile* file = sndFile; file; file = file->GetNext())
+    for (const SndFile* file = sndFile; file; file = file->GetNext()) {
         total += CountSamples(*file);
-    if (total == 0)
+    }
+    if (total == 0) {
         return false;
+    }
     const int rest = static_cast<int>(samples < total ? samples : samples % total);
     return IsLooping() ? AdvanceLooping(rest) : AdvanceAlongQueue(rest);
 }
@@ -205,8 +224,9 @@ bool SndBase::AdvanceEmulated(std::uint32_t samples)
 bool SndBase::AdvanceLooping(int samples)
 {
     const int skipped = sndFile->SkipSamples(samples);
-    if (skipped == samples)
+    if (skipped == samples) {
         return true;
+    }
     sndFile->Rewind();
     return sndFile->SkipSamples(samples - skipped) == samples - skipped;
 }
@@ -214,18 +234,21 @@ bool SndBase::AdvanceLooping(int samples)
 bool SndBase::AdvanceAlongQueue(int samples)
 {
     samples -= sndFile->SkipSamples(samples);
-    if (samples == 0)
+    if (samples == 0) {
         return true;
+    }
     while (sndFile->GetNext()) {
         StepToNextFile();
-        if (samples == 0)
+        if (samples == 0) {
             return true;
+        }
         // A file that is passed over as a whole is not moved; the next step closes it.
         const int inFile = sndFile->GetSoundSamples();
         const bool endsHere = samples < inFile;
         samples -= endsHere ? sndFile->SkipSamples(samples) : inFile;
-        if (endsHere && samples == 0)
+        if (endsHere && samples == 0) {
             return true;
+        }
     }
     return false;
 }

@@ -9,8 +9,9 @@ namespace Quon
 
 bool SndBase::AddEffect(SndFX effect, const void* record, unsigned long size, long quality)
 {
-    if (IsPlaying())
+    if (IsPlaying()) {
         return false;
+    }
     return OrNothing([&] {
         OwnFXList();
         fxList.AddFX(effect, record, size, quality);
@@ -122,8 +123,9 @@ bool SndBase::GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties*)
 
 void SndBase::OwnFXList()
 {
-    if (!HasAnyFlag(FlagSharedFXList))
+    if (!HasAnyFlag(FlagSharedFXList)) {
         return;
+    }
     fxList = fxList.Duplicate();
     ClearFlags(FlagSharedFXList);
 }
@@ -131,8 +133,9 @@ void SndBase::OwnFXList()
 void SndBase::SetThisFXList(const SndFXList& newList)
 {
     const bool isOwnBlock = !HasAnyFlag(FlagSharedFXList) && fxList.GetBlock() != newList.GetBlock();
-    if (isOwnBlock)
+    if (isOwnBlock) {
         fxList.Clear();
+    }
     fxList = newList;
 }
 

@@ -47,20 +47,24 @@ void SndBase::SetFadeIn(int ms)
 
 void SndBase::SetFileName(const PString& name)
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->GiveUpName(*this);
+    }
     fileName = name;
-    if (theKernel)
+    if (theKernel) {
         theKernel->UseName(*this);
+    }
 }
 
 void SndBase::SetSubstName(const PString& name)
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->GiveUpName(*this);
+    }
     substName = name;
-    if (theKernel)
+    if (theKernel) {
         theKernel->UseName(*this);
+    }
 }
 
 SndFile* SndBase::GetSndFile() const
@@ -79,15 +83,17 @@ void SndBase::TakeFile(SndFile* file)
 {
     sndFile = file;
     Row().SetMark(RowCounted | RowRewound, false);
-    if (theKernel)
+    if (theKernel) {
         theKernel->NoteLength(*this);
+    }
 }
 
 void SndBase::SetSoundLength(unsigned long ms)
 {
     soundLength = static_cast<std::uint32_t>(ms);
-    if (theKernel)
+    if (theKernel) {
         theKernel->NoteLength(*this);
+    }
 }
 
 void SndBase::SetStateTime(unsigned long ms)
@@ -102,8 +108,9 @@ unsigned long SndBase::GetStateTime() const
 
 void SndBase::SetPriority(int newPriority)
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->ForgetOrder(Row());
+    }
     Row().priority = newPriority;
 }
 
@@ -114,8 +121,9 @@ int SndBase::GetPriority() const
 
 void SndBase::SetMultiplier(float factor)
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->ForgetOrder(Row());
+    }
     Row().multiplier = factor;
 }
 
@@ -142,8 +150,9 @@ void SndBase::SetDelay(int ms)
 void SndBase::SetNewFrequency(unsigned long hz)
 {
     newFrequency = static_cast<std::uint32_t>(hz);
-    if (Row().HasMark(RowCounted))
+    if (Row().HasMark(RowCounted)) {
         NoteRate();
+    }
 }
 
 SoundReason SndBase::GetReason() const

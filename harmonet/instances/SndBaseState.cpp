@@ -15,12 +15,15 @@ namespace
 
 SoundKind KindOf(const SndBase& sound)
 {
-    if (sound.IsMusic())
+    if (sound.IsMusic()) {
         return SoundKind::Music;
-    if (sound.IsPolyline())
+    }
+    if (sound.IsPolyline()) {
         return SoundKind::Line;
-    if (sound.HasAnyFlag(FlagPolylineSource))
+    }
+    if (sound.HasAnyFlag(FlagPolylineSource)) {
         return SoundKind::LineSource;
+    }
     return sound.Is3D() ? SoundKind::Positional : SoundKind::NonPositional;
 }
 
@@ -46,8 +49,9 @@ SoundPhase PhaseOf(const SndBase& sound, ListID list)
 // Raising and lowering the counts of strings is what a snapshot costs most, and most are the same as before.
 void Assign(PString& to, const PString& from)
 {
-    if (!(to == from))
+    if (!(to == from)) {
         to = from;
+    }
 }
 
 } // namespace
@@ -90,8 +94,9 @@ const char* DescribeReason(SoundReason reason)
 void SndBase::FillState(SoundState& state) const
 {
     FillOwnState(state);
-    if (IsPolyline())
+    if (IsPolyline()) {
         static_cast<const SndPolyline*>(this)->AddSourcesTo(state);
+    }
 }
 
 void SndBase::FillOwnState(SoundState& state) const
@@ -127,8 +132,9 @@ void SndPolyline::AddSourcesTo(SoundState& state) const
     bool isPlaced = false;
     for (int rank = 0; rank < GetNumSounds(); ++rank) {
         const Snd3D* source = FindSource(rank);
-        if (!source || source->GetInPause())
+        if (!source || source->GetInPause()) {
             continue;
+        }
         SoundState own;
         source->FillState(own);
         if (!isPlaced) {
@@ -145,8 +151,9 @@ void SndPolyline::AddSourcesTo(SoundState& state) const
         state.hasChannel = state.hasChannel || own.hasChannel;
         isPlaced = true;
     }
-    if (isPlaced || state.phase == SoundPhase::Prepared)
+    if (isPlaced || state.phase == SoundPhase::Prepared) {
         return;
+    }
     const bool hasListener = theKernel && theKernel->GetMicrophone();
     state.reason = hasListener ? SoundReason::BeyondReach : SoundReason::NoListener;
 }

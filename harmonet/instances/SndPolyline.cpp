@@ -72,18 +72,21 @@ void SndPolyline::InitSegments(const Vector3* points, int numPoints)
     boundsMax = -boundsMin;
     const Vector3* end = points + numPoints;
     const Vector3* first = std::find_if(points, end, IsFinite);
-    if (first == end)
+    if (first == end) {
         return;
+    }
     segments.reserve(static_cast<std::size_t>(std::max<std::ptrdiff_t>(end - first - 1, 1)));
     IncludeInBounds(*first);
     const Vector3* kept = first; // Where the last piece ended.
     const Vector3* before = first; // The point in front of the one that is looked at.
     const Vector3* second = nullptr;
     for (const Vector3* point = first + 1; point != end; ++point) {
-        if (!IsFinite(*point))
+        if (!IsFinite(*point)) {
             continue;
-        if (!second)
+        }
+        if (!second) {
             second = point;
+        }
         const Vector3 way = *point - *kept;
         const float length = FastLength(way);
         if (length >= shortest && length < infinity) {
@@ -140,28 +143,33 @@ Snd3D* SndPolyline::FindSource(int index) const
 template<class Visit>
 void SndPolyline::ForEachSource(int first, int last, Visit visit)
 {
-    if (!theKernel)
+    if (!theKernel) {
         return;
+    }
     for (int i = std::min(last, GetNumSounds()) - 1; i >= first; --i) {
-        if (Snd3D* source = FindSource(i))
+        if (Snd3D* source = FindSource(i)) {
             visit(*source, i);
-        else
+        }
+        else {
             RemoveSnd(i);
+        }
     }
 }
 
 void SndPolyline::RemoveSnd(int index)
 {
-    if (index >= 0 && index < GetNumSounds())
+    if (index >= 0 && index < GetNumSounds()) {
         soundIDs.erase(soundIDs.begin() + index);
+    }
 }
 
 bool SndPolyline::IsSourceBeingTold() const
 {
     for (int i = 0; theKernel && i < GetNumSounds(); ++i) {
         const Snd3D* source = FindSource(i);
-        if (source && source->IsBeingTold())
+        if (source && source->IsBeingTold()) {
             return true;
+        }
     }
     return false;
 }
@@ -179,8 +187,9 @@ void SndPolyline::ShareFX()
 
 void SndPolyline::SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout)
 {
-    if (!theKernel)
+    if (!theKernel) {
         return;
+    }
     Snd3D::SetMinMaxDistance(newMinDistance, newMaxDistance, newCutout);
     ForEachSource(
         [&](Snd3D& source, int) { source.SetMinMaxDistance(newMinDistance, newMaxDistance, newCutout); });
@@ -189,8 +198,9 @@ void SndPolyline::SetMinMaxDistance(float newMinDistance, float newMaxDistance, 
 
 void SndPolyline::SetGain(float newGain)
 {
-    if (!theKernel)
+    if (!theKernel) {
         return;
+    }
     ForEachSource(
         [&](Snd3D& source, int rank) { source.SetGain(rank == 0 ? newGain : newGain * otherGain); });
     SndBase::SetGain(newGain);
@@ -198,32 +208,36 @@ void SndPolyline::SetGain(float newGain)
 
 void SndPolyline::SetPaused(bool on)
 {
-    if (!theKernel)
+    if (!theKernel) {
         return;
+    }
     ForEachSource([on](Snd3D& source, int) { source.SetPaused(on); });
     SndBase::SetPaused(on);
 }
 
 void SndPolyline::SetPriority(int newPriority)
 {
-    if (!theKernel)
+    if (!theKernel) {
         return;
+    }
     ForEachSource([&](Snd3D& source, int) { source.SetPriority(newPriority); });
     Snd3D::SetPriority(newPriority);
 }
 
 void SndPolyline::SetDelay(int ms)
 {
-    if (!theKernel)
+    if (!theKernel) {
         return;
+    }
     ForEachSource([&](Snd3D& source, int) { source.SetDelay(ms); });
     Snd3D::SetDelay(ms);
 }
 
 bool SndPolyline::SetFrequency(unsigned long hz)
 {
-    if (!theKernel)
+    if (!theKernel) {
         return false;
+    }
     bool isTaken = true;
     ForEachSource([&](Snd3D& source, int) { isTaken = source.SetFrequency(hz) && isTaken; });
     return Snd3D::SetFrequency(hz) && isTaken;
@@ -237,15 +251,18 @@ void SndPolyline::BindAxisToDirection(int newAxis)
 bool SndPolyline::SndUpdate(float, const Vector3& listener, bool listenerMoved)
 {
     // The line does not move: without a move of the listener nothing has changed.
-    if (!listenerMoved)
+    if (!listenerMoved) {
         return true;
+    }
     const Vector3 reach{range, range, range};
     listenerMin = listener - reach;
     listenerMax = listener + reach;
-    if (IsFinite(listener) && IsInReach())
+    if (IsFinite(listener) && IsInReach()) {
         DistribSounds(listener);
-    else
+    }
+    else {
         PauseFrom(0);
+    }
     return !soundIDs.empty();
 }
 
@@ -276,8 +293,9 @@ int SndPolyline::GetPlaces(Vector3* places, int most) const
     int count = 0;
     for (int i = 0; theKernel && i < GetNumSounds() && count < most; ++i) {
         const Snd3D* source = FindSource(i);
-        if (source && !source->GetInPause())
+        if (source && !source->GetInPause()) {
             places[count++] = source->GetGlobalPosition();
+        }
     }
     return count;
 }

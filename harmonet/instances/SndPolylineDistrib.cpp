@@ -51,13 +51,15 @@ struct PieceWalk
         for (int k = 1; budget.AllowsMore(); ++k) {
             const float along = from + static_cast<float>(k) * step;
             // Far out a step can be too small to get anywhere.
-            if (along == last || !(along >= 0.0F && along < segment.length))
+            if (along == last || !(along >= 0.0F && along < segment.length)) {
                 return;
+            }
             last = along;
             const Vector3 position = PointAlong(segment, along);
             const float distance = FastLength(position - listener);
-            if (!(distance <= maxDistance))
+            if (!(distance <= maxDistance)) {
                 return;
+            }
             candidates.Add({&segment, position, distance});
             --budget.points;
         }
@@ -97,12 +99,15 @@ float SndPolyline::CalcClosestPoint(Segment* segment, const Vector3& listener, V
 
 void SndPolyline::DistribSounds(const Vector3& listener)
 {
-    if (!theKernel || soundIDs.empty())
+    if (!theKernel || soundIDs.empty()) {
         return;
-    if (soundIDs.size() == 1)
+    }
+    if (soundIDs.size() == 1) {
         DistribOne(listener);
-    else
+    }
+    else {
         DistribSeveral(listener);
+    }
 }
 
 void SndPolyline::DistribOne(const Vector3& listener)
@@ -124,8 +129,9 @@ void SndPolyline::DistribOne(const Vector3& listener)
         }
     }
     const bool isHeard = least < range;
-    if (isHeard)
+    if (isHeard) {
         source->SetPosition(nearest);
+    }
     source->SetInPause(!isHeard);
 }
 
@@ -164,10 +170,12 @@ int SndPolyline::SelectPoints(const Vector3& listener, CandidateList& candidates
     int placed = 0;
     while (placed < GetNumSounds()) {
         const SoundPoint* candidate = candidates.TakeNearest();
-        if (!candidate)
+        if (!candidate) {
             break;
-        if (IsApart(*candidate, placed, listener))
+        }
+        if (IsApart(*candidate, placed, listener)) {
             activePoints[static_cast<std::size_t>(placed++)] = *candidate;
+        }
     }
     return placed;
 }
@@ -179,12 +187,14 @@ bool SndPolyline::IsApart(const SoundPoint& candidate, int placed, const Vector3
     const Vector3 direction = candidate.position - listener;
     for (int i = 0; i < placed; ++i) {
         const SoundPoint& other = activePoints[static_cast<std::size_t>(i)];
-        if (candidate.distance <= shortest || other.distance <= shortest)
+        if (candidate.distance <= shortest || other.distance <= shortest) {
             return false;
+        }
         const float cosine =
             Dot(other.position - listener, direction) / (other.distance * candidate.distance);
-        if (!(cosine <= cosMinAngle))
+        if (!(cosine <= cosMinAngle)) {
             return false;
+        }
     }
     return true;
 }

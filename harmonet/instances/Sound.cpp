@@ -30,14 +30,18 @@ void ApplyCommonSettings(SndBase& sound, const SoundResource& resource)
 {
     sound.SetDefinitionName(resource.GetName());
     sound.SetGain(resource.GetGain());
-    if (resource.GetLooping())
+    if (resource.GetLooping()) {
         sound.SetLooping();
-    if (resource.GetChgFrequency())
+    }
+    if (resource.GetChgFrequency()) {
         sound.AddFlags(FlagChgFrequency);
-    if (resource.GetFrequency() != 0)
+    }
+    if (resource.GetFrequency() != 0) {
         sound.SetNewFrequency(static_cast<unsigned long>(resource.GetFrequency()));
-    if (resource.GetDelay() > 0)
+    }
+    if (resource.GetDelay() > 0) {
         sound.SetDelay(resource.GetDelay());
+    }
     sound.SetThisFXList(resource.GetFXList().DuplicateFiltered(theKernel->GetResourceFX()));
 }
 
@@ -45,8 +49,9 @@ void ApplyPositionalSettings(Snd3D& sound, const SoundResource& resource)
 {
     sound.InitMinMaxDistance(resource.GetMinDistance(), resource.GetMaxDistance(), resource.GetCutout());
     sound.InitCone(resource.GetInnerConeAngle(), resource.GetOuterConeAngle(), resource.GetConeGain());
-    if (resource.GetDisableMicFX())
+    if (resource.GetDisableMicFX()) {
         sound.AddFlags(FlagDisableMicFX);
+    }
 }
 
 // Keeps the kernel from ending while observers are told, of which the trace hears first.
@@ -56,15 +61,17 @@ public:
     NoticeScope(SoundNotice notice, int soundID, const PString& fileName)
         : kernel(theKernel)
     {
-        if (!kernel)
+        if (!kernel) {
             return;
+        }
         kernel->BeginNotice();
         kernel->TraceNotice(notice, soundID, fileName);
     }
     ~NoticeScope()
     {
-        if (kernel)
+        if (kernel) {
             kernel->EndNotice();
+        }
     }
     NoticeScope(const NoticeScope&) = delete;
     NoticeScope& operator=(const NoticeScope&) = delete;
@@ -85,8 +92,9 @@ Sound::Sound() = default;
 Sound::~Sound()
 {
     closing = true;
-    if (theKernel)
+    if (theKernel) {
         theKernel->DeleteSounds(this);
+    }
     hasShutDown = true;
     Notify([this](SoundObserver& observer) {
         observer.subject = nullptr;
@@ -98,16 +106,18 @@ Sound::~Sound()
 void Sound::AddObserver(SoundObserver* observer)
 {
     // One that comes back from its OnShutDown() would keep the address of what is gone.
-    if (hasShutDown || !observer)
+    if (hasShutDown || !observer) {
         return;
+    }
     ObserverSubject::AddObserver(observer);
     observer->subject = this;
 }
 
 void Sound::RemoveObserver(SoundObserver* observer)
 {
-    if (!observer)
+    if (!observer) {
         return;
+    }
     observer->subject = nullptr;
     ObserverSubject::RemoveObserver(observer);
 }
@@ -139,15 +149,17 @@ void Sound::OnBufferFree(int soundID, void* buffer)
 SoundState Sound::GetState(int id)
 {
     SoundState state;
-    if (const SndBase* sound = theKernel ? theKernel->FindSound(id) : nullptr)
+    if (const SndBase* sound = theKernel ? theKernel->FindSound(id) : nullptr) {
         sound->FillState(state);
+    }
     return state;
 }
 
 bool Sound::CanMakeSounds() const
 {
-    if (theKernel && theKernel->AcceptsSounds() && !closing)
+    if (theKernel && theKernel->AcceptsSounds() && !closing) {
         return true;
+    }
     Report(MessageLevel::Error, "a sound cannot be made: ",
         theKernel ? "the sound system or its group is being stopped" : "the sound system is not running");
     return false;
@@ -178,8 +190,9 @@ int Sound::Make2DSound(const PString& name, const ResourceDatabase* db)
     }
     TakenResource resource(name, *db, lookupMode);
     // Whoever heard of the load may have ended the system.
-    if (!resource || !CanMakeSounds())
+    if (!resource || !CanMakeSounds()) {
         return 0;
+    }
     ApplyCommonSettings(*made, *resource);
     const int id = AddSound(made.release());
     resource->ApplySoundSettings(this, id);
@@ -207,17 +220,20 @@ int Sound::Make3DSound(const PString& name, const ResourceDatabase* db, bool ign
     }
     TakenResource resource(name, *db, lookupMode);
     // Whoever heard of the load may have ended the system.
-    if (!resource || !CanMakeSounds())
+    if (!resource || !CanMakeSounds()) {
         return 0;
+    }
     ApplyCommonSettings(*made, *resource);
     ApplyPositionalSettings(*made, *resource);
-    if (!ignorePlacement)
+    if (!ignorePlacement) {
         made->SetPosition(resource->GetPosition());
+    }
     const int id = AddSound(made.release());
     resource->ApplySoundSettings(this, id);
     NameData(id, *resource);
-    if (ignorePlacement || !resource->GetPolyline())
+    if (ignorePlacement || !resource->GetPolyline()) {
         return id;
+    }
     // While the resource still holds the points.
     return NewPolylineSound(id, resource->GetPolyline(), static_cast<unsigned int>(resource->GetNumPoints()),
         static_cast<unsigned int>(std::max(resource->GetNumAddSounds(), 0)), resource->GetMinAngle());
@@ -234,8 +250,9 @@ void Sound::NameData(int id, const SoundResource& resource)
 
 int Sound::New2DSound(void* data, unsigned long size, WaveFormatEx* format)
 {
-    if (!CanMakeSounds())
+    if (!CanMakeSounds()) {
         return 0;
+    }
     return OrNothing([&] {
         auto sound = std::make_unique<Snd2D>();
         sound->SetDistLTMax();
@@ -245,8 +262,9 @@ int Sound::New2DSound(void* data, unsigned long size, WaveFormatEx* format)
 
 int Sound::New3DSound(void* data, unsigned long size, WaveFormatEx* format)
 {
-    if (!CanMakeSounds())
+    if (!CanMakeSounds()) {
         return 0;
+    }
     return OrNothing([&] {
         auto sound = std::make_unique<Snd3D>();
         sound->BindAxisToDirection(defaultAxis);
@@ -256,8 +274,9 @@ int Sound::New3DSound(void* data, unsigned long size, WaveFormatEx* format)
 
 int Sound::AddMemorySound(std::unique_ptr<SndBase> instance, SndFile* file)
 {
-    if (!file)
+    if (!file) {
         return 0;
+    }
     instance->SetSndFile(file);
     instance->SetSoundLength(file->GetSoundLength());
     return AddSound(instance.release());
@@ -266,10 +285,12 @@ int Sound::AddMemorySound(std::unique_ptr<SndBase> instance, SndFile* file)
 unsigned long Sound::CalcSoundLength(const PString& name, const ResourceDatabase* db)
 {
     return OrNothing([&]() -> unsigned long {
-        if (!theKernel)
+        if (!theKernel) {
             return 0;
-        if (!db)
+        }
+        if (!db) {
             return theKernel->GetLength(PString(), name);
+        }
         TakenResource resource(name, *db, lookupMode);
         return resource && theKernel ? theKernel->GetLength(resource->GetOwnerName(), resource->GetFileName())
                                      : 0;

@@ -31,13 +31,15 @@ public:
     explicit ChannelLock(SndChannel* newChannel)
         : channel(newChannel)
     {
-        if (channel)
+        if (channel) {
             channel->Lock();
+        }
     }
     ~ChannelLock()
     {
-        if (channel)
+        if (channel) {
             channel->Unlock();
+        }
     }
     ChannelLock(const ChannelLock&) = delete;
     ChannelLock& operator=(const ChannelLock&) = delete;
@@ -48,22 +50,30 @@ private:
 
 void ApplyStartFlags(SndBase& sound, int flags)
 {
-    if (flags & Sound::StartLooping)
+    if (flags & Sound::StartLooping) {
         sound.SetLooping();
-    if (flags & Sound::StartNotMovable)
+    }
+    if (flags & Sound::StartNotMovable) {
         sound.AddFlags(FlagNotMovable);
-    if ((flags & Sound::StartNoEmulation) && !sound.IsPolyline())
+    }
+    if ((flags & Sound::StartNoEmulation) && !sound.IsPolyline()) {
         sound.AddFlags(FlagNoEmulation);
-    if (flags & Sound::StartImmediately)
+    }
+    if (flags & Sound::StartImmediately) {
         sound.AddFlags(FlagImmediately);
-    if ((flags & Sound::StartNowOrCompete) == Sound::StartNowOrCompete)
+    }
+    if ((flags & Sound::StartNowOrCompete) == Sound::StartNowOrCompete) {
         sound.AddFlags(FlagCompete);
-    if ((flags & Sound::StartQueued) && !(flags & Sound::StartLooping))
+    }
+    if ((flags & Sound::StartQueued) && !(flags & Sound::StartLooping)) {
         sound.AddFlags(FlagQueued);
-    if ((flags & Sound::StartChgFrequency) && sound.GetThisFXList().GetNumEffects() == 0)
+    }
+    if ((flags & Sound::StartChgFrequency) && sound.GetThisFXList().GetNumEffects() == 0) {
         sound.AddFlags(FlagChgFrequency | FlagDisableMicFX);
-    if (flags & Sound::StartDisableMicFX)
+    }
+    if (flags & Sound::StartDisableMicFX) {
         sound.AddFlags(FlagDisableMicFX);
+    }
 }
 
 void ReportRefused(int id, const char* what, const char* reason)
@@ -74,8 +84,9 @@ void ReportRefused(int id, const char* what, const char* reason)
 // A sound that was started without StartQueued has no place for more data.
 bool MayAppend(const SndBase& sound)
 {
-    if (!sound.GetSndFile() && (sound.IsPlaying() || sound.GetFileName().IsEmpty()))
+    if (!sound.GetSndFile() && (sound.IsPlaying() || sound.GetFileName().IsEmpty())) {
         return false;
+    }
     return !sound.IsPlaying() || sound.HasAnyFlag(FlagQueued);
 }
 
@@ -87,12 +98,14 @@ bool HaveSameForm(const SoundFormat& a, const SoundFormat& b)
 
 bool OpenHead(SndBase& sound)
 {
-    if (sound.GetSndFile())
+    if (sound.GetSndFile()) {
         return true;
+    }
     SndFile* file =
         theKernel->GetDataCache()->OpenSound(sound.GetSubstName(), sound.GetFileName(), sound.GetPriority());
-    if (!file)
+    if (!file) {
         return false;
+    }
     sound.SetSndFile(file);
     sound.SetSoundLength(file->GetSoundLength());
     return true;
@@ -101,8 +114,9 @@ bool OpenHead(SndBase& sound)
 // Takes over the file, or deletes it.
 bool Append(SndBase& sound, SndFile* file)
 {
-    if (!file)
+    if (!file) {
         return false;
+    }
     if (!HaveSameForm(*file, *sound.GetSndFile())) {
         ReportRefused(sound.GetSoundID(), notContinued,
             "the data have another rate, width or number of channels than those it continues");
@@ -119,8 +133,9 @@ bool Append(SndBase& sound, SndFile* file)
 bool Sound::StartSound(int id, int flags)
 {
     SndBase* sound = FindSound(id);
-    if (!sound && id != 0)
+    if (!sound && id != 0) {
         ReportRefused(id, notStarted, "it has ended");
+    }
     return sound && StartSound(*sound, flags);
 }
 
@@ -145,15 +160,17 @@ bool Sound::StartSound(SndBase& sound, int flags)
 void Sound::StopSound(int id)
 {
     SndBase* sound = FindSound(id);
-    if (sound && !sound->IsBeingTold())
+    if (sound && !sound->IsBeingTold()) {
         delete sound;
+    }
 }
 
 void Sound::DeleteSound(int id)
 {
     SndBase* sound = FindSound(id);
-    if (!sound || sound->IsBeingTold())
+    if (!sound || sound->IsBeingTold()) {
         return;
+    }
     theKernel->UnregisterSound(sound);
     sound->SetParentSound(nullptr);
     delete sound;
@@ -162,19 +179,23 @@ void Sound::DeleteSound(int id)
 void Sound::SetPaused(bool on)
 {
     paused = on;
-    if (theKernel)
+    if (theKernel) {
         theKernel->NotePauses();
+    }
 }
 
 void Sound::SetSoundPaused(int id, bool on)
 {
     SndBase* sound = FindSound(id);
-    if (!sound)
+    if (!sound) {
         return;
-    if (sound->IsPolyline())
+    }
+    if (sound->IsPolyline()) {
         static_cast<SndPolyline*>(sound)->SetPaused(on);
-    else
+    }
+    else {
         sound->SetPaused(on);
+    }
 }
 
 void Sound::PauseSound(int id)
@@ -214,8 +235,9 @@ int Sound::Play3DSound(Particle* parent, const PString& nodeName, const PString&
     const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay)
 {
     const int id = New3DSound(name, db);
-    if (id == 0)
+    if (id == 0) {
         return 0;
+    }
     if (!AttachSound(id, parent, nodeName)) {
         Report(MessageLevel::Error, "sound '", name, "' is not started: its node '", nodeName,
             "' is not below the parent, or there is no parent");
@@ -232,8 +254,9 @@ int Sound::Play3DSound(const Vector3& position, const Quaternion& orientation, c
     return Play(New3DSound(name, db), flags, priority, delay, [&](SndBase& sound) {
         auto& placed = static_cast<Snd3D&>(sound);
         ApplySettings(placed, settings);
-        if (placed.IsPolyline())
+        if (placed.IsPolyline()) {
             return;
+        }
         placed.SetPosition(position);
         placed.SetOrientation(orientation);
     });
@@ -245,8 +268,9 @@ int Sound::Play3DSound(const Vector3& position, const PString& name, const Resou
     return Play(New3DSound(name, db), flags, priority, delay, [&](SndBase& sound) {
         auto& placed = static_cast<Snd3D&>(sound);
         ApplySettings(placed, settings);
-        if (!placed.IsPolyline())
+        if (!placed.IsPolyline()) {
             placed.SetPosition(position);
+        }
     });
 }
 
@@ -256,29 +280,37 @@ template<class SetUp>
 int Sound::Play(int id, int flags, int priority, int delay, SetUp setUp)
 {
     SndBase* sound = FindSound(id);
-    if (!sound)
+    if (!sound) {
         return 0;
-    if (priority != 0)
+    }
+    if (priority != 0) {
         sound->SetPriority(priority);
-    if (delay != 0 && !sound->IsPlaying())
+    }
+    if (delay != 0 && !sound->IsPlaying()) {
         sound->SetDelay(delay);
+    }
     setUp(*sound);
-    if (StartSound(*sound, flags))
+    if (StartSound(*sound, flags)) {
         return id;
+    }
     DeleteSound(id);
     return 0;
 }
 
 void Sound::ApplySettings(Snd3D& sound, const Settings& settings)
 {
-    if (settings.setDistance)
+    if (settings.setDistance) {
         sound.SetMinMaxDistance(settings.minDistance, settings.maxDistance, settings.cutout);
-    if (!settings.setCone)
+    }
+    if (!settings.setCone) {
         return;
-    if (!sound.IsPolyline())
+    }
+    if (!sound.IsPolyline()) {
         sound.SetCone(settings.innerConeAngle, settings.outerConeAngle, settings.coneGain);
-    if (defaultAxis != Snd3D::defaultAxis)
+    }
+    if (defaultAxis != Snd3D::defaultAxis) {
         sound.BindAxisToDirection(defaultAxis);
+    }
 }
 
 bool Sound::CatSound(int id, const PString& name, const ResourceDatabase* db)
@@ -297,8 +329,9 @@ bool Sound::AppendFile(int id, const PString& name, const ResourceDatabase* db)
     PString ownerName;
     if (db) {
         TakenResource resource(name, *db, lookupMode);
-        if (!resource)
+        if (!resource) {
             return false;
+        }
         fileName = resource->GetFileName();
         ownerName = resource->GetOwnerName();
         // Whoever heard of the load may have ended the sound.

@@ -34,10 +34,12 @@ void SoundObserver::Join(ObserverSubject<SoundObserver>& group)
 void SoundObserver::Leave(ObserverSubject<SoundObserver>& group)
 {
     auto place = groups.GetBegin();
-    while (place.IsValid() && *place != &group)
+    while (place.IsValid() && *place != &group) {
         place.MoveOn();
-    if (place.IsValid())
+    }
+    if (place.IsValid()) {
         groups.Erase(place);
+    }
 }
 
 void SoundObserver::OnShutDown() {}

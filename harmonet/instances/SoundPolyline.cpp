@@ -44,13 +44,16 @@ SourceLimits LimitSources(unsigned int numAddSounds, float minAngle)
 {
     numAddSounds = std::min(numAddSounds, mostAddSounds);
     float angle = std::isfinite(minAngle) ? std::fabs(minAngle) : 0.0F;
-    if (angle < minUsefulAngle)
+    if (angle < minUsefulAngle) {
         numAddSounds = 0;
-    else
+    }
+    else {
         angle = std::fmod(angle, halfTurn);
+    }
     const float most = angle > 0.0F ? std::trunc(fullTurn / angle) : std::numeric_limits<float>::infinity();
-    if (static_cast<float>(numAddSounds) >= most)
+    if (static_cast<float>(numAddSounds) >= most) {
         numAddSounds = static_cast<unsigned int>(most) - 1;
+    }
     return {numAddSounds, EaseAngle(angle)};
 }
 
@@ -71,16 +74,19 @@ int Sound::NewPolylineSound(
     int soundID, const Vector3* points, unsigned int numPoints, unsigned int numAddSounds, float minAngle)
 {
     Snd3D* main = FindPlaced3D(soundID);
-    if (!main)
+    if (!main) {
         return 0;
+    }
     // The resource's own code has started it as it is.
-    if (main->IsPlaying() || theKernel->IsListed(*main))
+    if (main->IsPlaying() || theKernel->IsListed(*main)) {
         return soundID;
+    }
     const SourceLimits limits = LimitSources(numAddSounds, minAngle);
     const int id = OrNothing(
         [&] { return MakePolyline(*main, points, numPoints, limits.numAddSounds + 1, limits.minAngle); });
-    if (id == 0)
+    if (id == 0) {
         DeleteSound(soundID);
+    }
     return id;
 }
 
@@ -95,8 +101,9 @@ int Sound::MakePolyline(
         unsigned int count;
         ~SourceIDs()
         {
-            for (unsigned int i = 1; ids && i < count; ++i)
+            for (unsigned int i = 1; ids && i < count; ++i) {
                 group.DeleteSound(static_cast<int>(ids[i]));
+            }
             Alloc::Delete(ids);
         }
     } sources{*this, static_cast<unsigned int*>(Alloc::New(numSources * sizeof(unsigned int))), 1};
@@ -124,16 +131,20 @@ bool Sound::StartPolyline(SndPolyline& line)
         const int sourceID = static_cast<int>(line.GetSourceID(i));
         SndBase* source = FindSound(sourceID);
         // It runs already if an earlier start has failed half-way.
-        if (!source || source->IsPlaying())
+        if (!source || source->IsPlaying()) {
             continue;
-        if (!theKernel->PlaySound(source))
+        }
+        if (!theKernel->PlaySound(source)) {
             return false;
+        }
         source = FindSound(sourceID);
-        if (i == 0 && source)
+        if (i == 0 && source) {
             line.SetSoundLength(source->GetSoundLength());
+        }
     }
-    if (line.IsPaused())
+    if (line.IsPaused()) {
         theKernel->NotePauses();
+    }
     return theKernel->EmulateSound(&line);
 }
 

@@ -38,23 +38,28 @@ Snd3D* Sound::FindPlaced3D(int id) const
 
 void Sound::SetGain(float newGain)
 {
-    if (std::isnan(newGain))
+    if (std::isnan(newGain)) {
         return;
+    }
     gain = std::clamp(newGain, 0.0F, 1.0F);
-    if (theKernel)
+    if (theKernel) {
         theKernel->RefreshGains(this);
+    }
 }
 
 void Sound::SetSoundGain(int id, float newGain)
 {
     SndBase* sound = FindSound(id);
-    if (!sound || std::isnan(newGain))
+    if (!sound || std::isnan(newGain)) {
         return;
+    }
     const float clamped = std::clamp(newGain, 0.0F, 1.0F);
-    if (sound->IsPolyline())
+    if (sound->IsPolyline()) {
         static_cast<SndPolyline*>(sound)->SetGain(clamped);
-    else
+    }
+    else {
         sound->SetGain(clamped);
+    }
 }
 
 float Sound::GetSoundGain(int id) const
@@ -65,8 +70,9 @@ float Sound::GetSoundGain(int id) const
 
 void Sound::SetSoundPriority(int id, int priority)
 {
-    if (SndBase* sound = FindSound(id))
+    if (SndBase* sound = FindSound(id)) {
         sound->SetPriority(priority);
+    }
 }
 
 int Sound::GetSoundPriority(int id, int)
@@ -78,27 +84,31 @@ int Sound::GetSoundPriority(int id, int)
 void Sound::SetSoundDelay(int id, int ms)
 {
     SndBase* sound = FindSound(id);
-    if (sound && !sound->IsPlaying())
+    if (sound && !sound->IsPlaying()) {
         sound->SetDelay(ms);
+    }
 }
 
 void Sound::SetSoundFadeIn(int id, int ms)
 {
     SndBase* sound = FindSound(id);
-    if (sound && !sound->IsPlaying())
+    if (sound && !sound->IsPlaying()) {
         sound->SetFadeIn(ms);
+    }
 }
 
 bool Sound::SetFrequency(int id, unsigned long hz)
 {
     SndBase* sound = FindSound(id);
-    if (!sound)
+    if (!sound) {
         return false;
+    }
     const bool isSet = (hz == 0 || (hz >= minFrequencyHz && hz <= maxFrequencyHz)) && sound->SetFrequency(hz);
-    if (!isSet)
+    if (!isSet) {
         Report(MessageLevel::Error, "sound ", id, " does not get the rate ", hz, " Hz: the range is ",
             minFrequencyHz, " to ", maxFrequencyHz,
             ", a sound with effects has none, and one that plays needs StartChgFrequency");
+    }
     return isSet;
 }
 
@@ -128,20 +138,23 @@ unsigned long Sound::GetCurrentLength(int id)
 
 void Sound::SetSoundMinMaxDistance(int id, float minDistance, float maxDistance, bool cutout)
 {
-    if (Snd3D* sound = Find3D(id))
+    if (Snd3D* sound = Find3D(id)) {
         sound->SetMinMaxDistance(minDistance, maxDistance, cutout);
+    }
 }
 
 void Sound::SetSoundCone(int id, float inner, float outer, float coneGain)
 {
-    if (Snd3D* sound = FindPlaced3D(id))
+    if (Snd3D* sound = FindPlaced3D(id)) {
         sound->SetCone(inner, outer, coneGain);
+    }
 }
 
 void Sound::SetSoundPosition(int id, const Vector3& position)
 {
-    if (Snd3D* sound = FindPlaced3D(id))
+    if (Snd3D* sound = FindPlaced3D(id)) {
         sound->SetPosition(position);
+    }
 }
 
 Vector3 Sound::GetSoundPosition(int id)
@@ -152,8 +165,9 @@ Vector3 Sound::GetSoundPosition(int id)
 
 void Sound::SetSoundOrientation(int id, const Quaternion& orientation)
 {
-    if (Snd3D* sound = FindPlaced3D(id))
+    if (Snd3D* sound = FindPlaced3D(id)) {
         sound->SetOrientation(orientation);
+    }
 }
 
 Quaternion Sound::GetSoundOrientation(int id)
@@ -164,10 +178,12 @@ Quaternion Sound::GetSoundOrientation(int id)
 
 void Sound::BindSoundAxisToDirection(int id, int axis)
 {
-    if (axis == Snd3D::defaultAxis)
+    if (axis == Snd3D::defaultAxis) {
         return;
-    if (Snd3D* sound = Find3D(id))
+    }
+    if (Snd3D* sound = Find3D(id)) {
         sound->BindAxisToDirection(axis);
+    }
 }
 
 } // namespace Quon

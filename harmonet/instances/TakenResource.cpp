@@ -24,22 +24,25 @@ TakenResource::TakenResource(const PString& name, const ResourceDatabase& databa
         return;
     }
     isLocked = sound->Lock(&database).IsOk();
-    if (!isLocked)
+    if (!isLocked) {
         Report(MessageLevel::Error, "resource '", name, "' of owner '", sound->GetOwnerName(),
             "' cannot be loaded");
+    }
 }
 
 TakenResource::~TakenResource()
 {
     Unlock();
-    if (sound)
+    if (sound) {
         sound->ReleaseReference();
+    }
 }
 
 void TakenResource::Unlock()
 {
-    if (isLocked)
+    if (isLocked) {
         sound->Unlock();
+    }
     isLocked = false;
 }
 

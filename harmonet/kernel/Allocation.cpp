@@ -34,19 +34,22 @@ void SndKernel::Allocate()
     SndBase::SetCompareUsingMultiplier(true);
     contenders.clear();
     ContenderCounts counts;
-    for (std::size_t list = 0; list < numContenderLists; ++list)
+    for (std::size_t list = 0; list < numContenderLists; ++list) {
         counts[list] = GatherContenders(contenderLists[list]);
+    }
     Decide(contenders, counts, maxAudible, decision);
     const auto toRow = [&](std::uint32_t& number) {
         std::size_t list = 0;
-        for (; number >= counts[list]; ++list)
+        for (; number >= counts[list]; ++list) {
             number -= static_cast<std::uint32_t>(counts[list]);
+        }
         number = GetList(contenderLists[list]).Compact()[number].row;
     };
     std::ranges::for_each(decision.chosen, toRow);
     for (std::uint32_t& runnerUp : decision.runnersUp) {
-        if (runnerUp != Decision::nobody)
+        if (runnerUp != Decision::nobody) {
             toRow(runnerUp);
+        }
     }
     std::size_t first = 0;
     for (std::size_t list = 0; list < numContenderLists; ++list) {
@@ -110,8 +113,9 @@ void SndKernel::TakeChosen()
         GetList(ListID::Chosen).Append(row, ListID::Chosen);
     }
     for (const std::uint32_t row : decision.runnersUp) {
-        if (row == Decision::nobody)
+        if (row == Decision::nobody) {
             continue;
+        }
         SndList& list = GetList(SoundRows::At(row).list);
         const ListID id = SoundRows::At(row).list;
         list.Remove(SoundRows::At(row));
@@ -136,10 +140,12 @@ void SndKernel::EmulateLosers()
     while (const SoundRow* row = walk.Next()) {
         SndBase& sound = *row->sound;
         Unlist(sound);
-        if (sound.IsEmulation() && IsLongEnough(sound) && sound.Emulate())
+        if (sound.IsEmulation() && IsLongEnough(sound) && sound.Emulate()) {
             Insert(sound, ListID::Emulated);
-        else
+        }
+        else {
             DeleteUnheard(sound);
+        }
     }
 }
 
@@ -163,13 +169,15 @@ void SndKernel::EmulateWaiting()
 {
     SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::PassOver);
     while (const SoundRow* row = walk.Next()) {
-        if (row->HasMark(RowDelayed))
+        if (row->HasMark(RowDelayed)) {
             continue;
+        }
         SndBase& sound = *row->sound;
         Unlist(sound);
         const bool isWanted = !sound.IsEmulation() || IsLongEnough(sound);
-        if (!isWanted || !EmulateSound(&sound))
+        if (!isWanted || !EmulateSound(&sound)) {
             DeleteUnheard(sound);
+        }
     }
 }
 

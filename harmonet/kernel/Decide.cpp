@@ -25,12 +25,15 @@ bool IsEligible(const Contender& contender)
 
 SoundReason WhyIneligible(const Contender& contender)
 {
-    if (contender.traits & TraitLine)
+    if (contender.traits & TraitLine) {
         return SoundReason::None;
-    if (contender.traits & TraitPaused)
+    }
+    if (contender.traits & TraitPaused) {
         return SoundReason::Paused;
-    if (contender.traits & TraitDelayed)
+    }
+    if (contender.traits & TraitDelayed) {
         return SoundReason::Delayed;
+    }
     return contender.traits & TraitInRange ? SoundReason::Settling : SoundReason::BeyondReach;
 }
 
@@ -74,8 +77,9 @@ public:
         best = FindMusic();
         while (best == Decision::nobody && (place < runEnd || BeginRun())) {
             const std::uint32_t number = ranked[place++].number;
-            if (IsEligible(number, false))
+            if (IsEligible(number, false)) {
                 best = number;
+            }
         }
     }
 
@@ -90,8 +94,9 @@ private:
     {
         while (musicPlace < ranked.size()) {
             const std::uint32_t number = ranked[musicPlace++].number;
-            if (IsEligible(number, true))
+            if (IsEligible(number, true)) {
                 return number;
+            }
         }
         return Decision::nobody;
     }
@@ -99,12 +104,14 @@ private:
     /// Goes to the next run of equals towards the head; false when there is none.
     bool BeginRun()
     {
-        if (runBegin == 0)
+        if (runBegin == 0) {
             return false;
+        }
         runEnd = runBegin--;
         const std::uint64_t key = allocation.KeyOf(ranked[runBegin].number);
-        while (runBegin > 0 && allocation.KeyOf(ranked[runBegin - 1].number) == key)
+        while (runBegin > 0 && allocation.KeyOf(ranked[runBegin - 1].number) == key) {
             --runBegin;
+        }
         place = runBegin;
         return true;
     }
@@ -125,8 +132,9 @@ void RateDuplicates(std::span<const Contender> contenders, Decision& decision)
     for (std::size_t number = 0; number < contenders.size(); ++number) {
         const Contender& contender = contenders[number];
         keys[number] = ~ImportanceKey(contender.priority, contender.distSqr);
-        if (contender.name >= decision.lossesByName.size())
+        if (contender.name >= decision.lossesByName.size()) {
             decision.lossesByName.resize(contender.name + 1);
+        }
         decision.lossesByName[contender.name] = 0;
     }
     decision.sort.Sort(decision.ranking, decision.keys, 0);
@@ -134,9 +142,10 @@ void RateDuplicates(std::span<const Contender> contenders, Decision& decision)
     for (const ImportanceSort::Item& item : decision.ranking) {
         const Contender& contender = contenders[item.number];
         const std::uint32_t losses = decision.lossesByName[contender.name]++;
-        while (decision.factors.size() <= losses)
+        while (decision.factors.size() <= losses) {
             decision.factors.push_back(
                 decision.factors.empty() ? 1.0F : decision.factors.back() * duplicateFactor);
+        }
         const float multiplier = decision.factors[losses];
         decision.multipliers[item.number] = multiplier;
         keys[item.number] = ImportanceKey(contender.priority, WeightDistance(contender.distSqr, multiplier));
@@ -146,8 +155,9 @@ void RateDuplicates(std::span<const Contender> contenders, Decision& decision)
 void ProtectYoung(Allocation& allocation, std::span<const ImportanceSort::Item> playing)
 {
     for (const ImportanceSort::Item& item : playing) {
-        if (allocation.contenders[item.number].stateTimeMs < settledMs)
+        if (allocation.contenders[item.number].stateTimeMs < settledMs) {
             allocation.Choose(item.number, SoundReason::Protected);
+        }
     }
 }
 
@@ -160,8 +170,9 @@ void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
     for (std::uint32_t number = 0; number < allocation.contenders.size(); ++number) {
         const Contender& contender = allocation.contenders[number];
         SoundReason& reason = decision.reasons[number];
-        if (reason != SoundReason::None)
+        if (reason != SoundReason::None) {
             continue;
+        }
         if (!IsEligible(contender)) {
             reason = WhyIneligible(contender);
             continue;
@@ -185,19 +196,23 @@ void ChooseBest(Allocation& allocation, std::span<Candidates, numContenderLists>
     while (static_cast<std::int64_t>(decision.chosen.size()) < limit) {
         Candidates* best = nullptr;
         for (Candidates& list : lists) {
-            if (list.GetBest() != Decision::nobody && (!best || best->GetKey() < list.GetKey()))
+            if (list.GetBest() != Decision::nobody && (!best || best->GetKey() < list.GetKey())) {
                 best = &list;
+            }
         }
-        if (!best)
+        if (!best) {
             break;
+        }
         const std::uint32_t number = best->GetBest();
-        if (lastWinner == Decision::nobody || allocation.KeyOf(number) < allocation.KeyOf(lastWinner))
+        if (lastWinner == Decision::nobody || allocation.KeyOf(number) < allocation.KeyOf(lastWinner)) {
             lastWinner = number;
+        }
         allocation.Choose(number, SoundReason::Won);
         best->MoveOn();
     }
-    for (std::size_t list = 0; list < numContenderLists; ++list)
+    for (std::size_t list = 0; list < numContenderLists; ++list) {
         decision.runnersUp[list] = lists[list].GetBest();
+    }
     ExplainLosses(allocation, lastWinner);
 }
 

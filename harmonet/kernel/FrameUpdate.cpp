@@ -44,17 +44,21 @@ private:
 
 void SndKernel::Update(float seconds)
 {
-    if (IsBusy())
+    if (IsBusy()) {
         return;
+    }
     elapsed += ToMilliseconds(seconds, std::numeric_limits<std::int32_t>::max());
-    if (elapsed < minUpdateMs)
+    if (elapsed < minUpdateMs) {
         return;
+    }
     ForgetNewcomers();
     FlagScope running(updating);
-    if (trace)
+    if (trace) {
         RunTraced(seconds);
-    else
+    }
+    else {
         RunFullUpdate(seconds);
+    }
     assert(IsConsistent());
 }
 
@@ -98,10 +102,12 @@ void SndKernel::RunFullUpdate(float seconds)
 
 Vector3 SndKernel::UpdateListener()
 {
-    if (!activeMicrophone)
+    if (!activeMicrophone) {
         return Vector3{0.0F, 0.0F, 0.0F};
-    if (activeMicrophone->changed)
+    }
+    if (activeMicrophone->changed) {
         listenerChanged = true;
+    }
     activeMicrophone->SndUpdate();
     return activeMicrophone->GetGlobalPosition();
 }
@@ -111,8 +117,9 @@ Vector3 SndKernel::UpdateListener()
 void SndKernel::UpdatePlaces()
 {
     SoundRows::ForEach([](SoundRow& row) {
-        if (row.HasAnyFlag(Flag3D) && !row.HasMark(RowPlaceKnown))
+        if (row.HasAnyFlag(Flag3D) && !row.HasMark(RowPlaceKnown)) {
             row.sound->UpdatePlace();
+        }
     });
 }
 
@@ -123,8 +130,9 @@ int SndKernel::CountDownDelays(const Vector3& listener)
     GetList(ListID::Waiting).ForEach([&](SndBase& sound) {
         const auto left = static_cast<std::int64_t>(sound.delay) - static_cast<std::int64_t>(elapsed);
         sound.SetDelay(left > 0 ? static_cast<int>(left) : 0);
-        if (left > 0 || sound.GetInPause())
+        if (left > 0 || sound.GetInPause()) {
             return;
+        }
         ++due;
         sound.CalcDistSqr(listener);
     });
@@ -135,13 +143,16 @@ int SndKernel::CountDownDelays(const Vector3& listener)
 // when it takes more.
 inline bool SndKernel::UpdateAlone(SoundRow& row, const UpdateStep& step)
 {
-    if (row.HasAnyFlag(FlagPolyline | FlagInPause) || !row.HasMark(RowCounted))
+    if (row.HasAnyFlag(FlagPolyline | FlagInPause) || !row.HasMark(RowCounted)) {
         return false;
+    }
     if (row.HasAnyFlag(Flag3D)) {
-        if (!row.HasMark(RowPlaceKnown))
+        if (!row.HasMark(RowPlaceKnown)) {
             return false;
-        if (step.listenerMoved || row.HasMark(RowMoved))
+        }
+        if (step.listenerMoved || row.HasMark(RowMoved)) {
             MeasureDistance(row, step.listener);
+        }
         row.SetMark(RowMoved, false);
     }
     return row.CountOn(step);
@@ -153,10 +164,12 @@ void SndKernel::UpdateEmulated(const UpdateStep& step)
 {
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::PassOver);
     while (SoundRow* row = walk.Next()) {
-        if (UpdateAlone(*row, step) || UpdateRow(*row, step))
+        if (UpdateAlone(*row, step) || UpdateRow(*row, step)) {
             row->AddStateTime(elapsed);
-        else
+        }
+        else {
             delete row->sound;
+        }
     }
 }
 
@@ -171,10 +184,12 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
             continue;
         }
         row->AddStateTime(elapsed);
-        if (const SoundReason reason = WhyUnheard(*row); reason != SoundReason::None)
+        if (const SoundReason reason = WhyUnheard(*row); reason != SoundReason::None) {
             LeavePlaying(*row->sound, reason);
-        else
+        }
+        else {
             row->flags = (row->flags | FlagDistLTMax) & ~FlagDistGTMax;
+        }
     }
 }
 
@@ -183,21 +198,26 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
 bool SndKernel::UpdateRow(SoundRow& row, const UpdateStep& step)
 {
     const bool isHeard = row.list == ListID::Playing;
-    if (row.HasAnyFlag(FlagPolyline) || (isHeard && row.HasMark(RowMoved) && row.HasAnyFlag(Flag3D)))
+    if (row.HasAnyFlag(FlagPolyline) || (isHeard && row.HasMark(RowMoved) && row.HasAnyFlag(Flag3D))) {
         return row.sound->SndUpdate(step.seconds, step.listener, step.listenerMoved);
+    }
     if (row.HasAnyFlag(Flag3D)) {
-        if (row.HasAnyFlag(FlagInPause))
+        if (row.HasAnyFlag(FlagInPause)) {
             return true;
+        }
         if (step.listenerMoved || row.HasMark(RowMoved)) {
-            if (row.HasMark(RowPlaceKnown))
+            if (row.HasMark(RowPlaceKnown)) {
                 MeasureDistance(row, step.listener);
-            else
+            }
+            else {
                 row.sound->CalcDistSqr(step.listener);
+            }
         }
         row.SetMark(RowMoved, false);
     }
-    if (isHeard || row.CountOn(step))
+    if (isHeard || row.CountOn(step)) {
         return true;
+    }
     if (row.HasMark(RowCounted) && row.HasAnyFlag(FlagLooping)) {
         row.sound->CountLoop(row.CalcSamples(step));
         return true;
@@ -217,13 +237,16 @@ void SndKernel::StartEmulated()
 {
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromHead, SoundWalk::PassOver);
     while (SoundRow* row = walk.Next()) {
-        if (row->HasAnyFlag(FlagPolyline))
+        if (row->HasAnyFlag(FlagPolyline)) {
             continue;
+        }
         const SoundReason reason = WhyNotBack(*row);
-        if (reason == SoundReason::None)
+        if (reason == SoundReason::None) {
             StartOrDelete(*row->sound);
-        else
+        }
+        else {
             SetReason(*row, reason);
+        }
     }
 }
 
@@ -249,8 +272,9 @@ void SndKernel::StartWaiting()
 void SndKernel::StartOrDelete(SndBase& sound)
 {
     Unlist(sound);
-    if (StartChannel(&sound))
+    if (StartChannel(&sound)) {
         return;
+    }
     SetReason(sound.Row(), SoundReason::Refused);
     delete &sound;
 }
@@ -258,22 +282,27 @@ void SndKernel::StartOrDelete(SndBase& sound)
 // Why a sound may have no channel, be it that it has one; None if it may.
 SoundReason SndKernel::WhyUnheard(const SoundRow& row) const
 {
-    if (row.HasAnyFlag(FlagInPause))
+    if (row.HasAnyFlag(FlagInPause)) {
         return SoundReason::Paused;
-    if (row.HasAnyFlag(Flag3D) && !activeMicrophone)
+    }
+    if (row.HasAnyFlag(Flag3D) && !activeMicrophone) {
         return SoundReason::NoListener;
+    }
     return row.HasAnyFlag(FlagDistGTMax) ? SoundReason::BeyondReach : SoundReason::None;
 }
 
 // The same for one that has lost its channel: it has to come well into its range.
 SoundReason SndKernel::WhyNotBack(const SoundRow& row) const
 {
-    if (row.HasAnyFlag(FlagInPause))
+    if (row.HasAnyFlag(FlagInPause)) {
         return SoundReason::Paused;
-    if (!row.HasAnyFlag(Flag3D))
+    }
+    if (!row.HasAnyFlag(Flag3D)) {
         return SoundReason::None;
-    if (!activeMicrophone)
+    }
+    if (!activeMicrophone) {
         return SoundReason::NoListener;
+    }
     return row.HasAnyFlag(FlagDistLTMax) ? SoundReason::None : SoundReason::BeyondReach;
 }
 

@@ -16,8 +16,9 @@ HarmonetTask::HarmonetTask(SndKernel* newKernel)
     : Task(PString("HarmonetTask"), taskOrder, true)
     , kernel(newKernel)
 {
-    if (kernel)
+    if (kernel) {
         kernel->SetTask(this);
+    }
 }
 
 HarmonetTask::~HarmonetTask()
@@ -32,15 +33,17 @@ bool HarmonetTask::Init(OS* os)
 
 void HarmonetTask::Done()
 {
-    if (!kernel || kernel->IsBusy())
+    if (!kernel || kernel->IsBusy()) {
         return;
+    }
     delete std::exchange(kernel, nullptr);
 }
 
 Task::UpdateCode HarmonetTask::Update(float seconds)
 {
-    if (kernel)
+    if (kernel) {
         kernel->Update(seconds);
+    }
     return UpdateContinue;
 }
 

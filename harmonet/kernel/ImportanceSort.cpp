@@ -30,18 +30,21 @@ void SortByComparison(std::span<Item> items, Keys keys, std::uint32_t first)
 void SortEqualDigits(std::span<Item> items, Keys keys, std::uint32_t first)
 {
     for (std::size_t begin = 0, end = 1; begin < items.size(); begin = end++) {
-        while (end < items.size() && items[end].digits == items[begin].digits)
+        while (end < items.size() && items[end].digits == items[begin].digits) {
             ++end;
-        if (end - begin > 1)
+        }
+        if (end - begin > 1) {
             SortByComparison(items.subspan(begin, end - begin), keys, first);
+        }
     }
 }
 
 void SumUp(std::uint32_t* counts, std::size_t size)
 {
     std::uint32_t begin = 0;
-    for (std::size_t value = 0; value < size; ++value)
+    for (std::size_t value = 0; value < size; ++value) {
         begin += std::exchange(counts[value], begin);
+    }
 }
 
 } // namespace
@@ -55,8 +58,9 @@ void ImportanceSort::Sort(std::span<Item> items, Keys keys, std::uint32_t first)
         return;
     }
     Scatter(items, digits);
-    if (!digits.areAll)
+    if (!digits.areAll) {
         SortEqualDigits(items, keys, first);
+    }
 }
 
 // Of the keys without the bits above either half that are the same in all of them.
@@ -66,8 +70,9 @@ ImportanceSort::Digits ImportanceSort::TakeDigits(std::span<Item> items, Keys ke
     constexpr std::size_t manyItems = 3000;
     const int digitBits = items.size() < manyItems ? 9 : 11;
     std::uint64_t differing = 0;
-    for (const std::uint64_t key : keys)
+    for (const std::uint64_t key : keys) {
         differing |= key ^ keys.front();
+    }
     const int lowerBits = std::bit_width(static_cast<std::uint32_t>(differing));
     const int upperBits = std::bit_width(static_cast<std::uint32_t>(differing >> wordBits));
     const int allBits = lowerBits + upperBits;
@@ -100,11 +105,13 @@ void ImportanceSort::Scatter(std::span<Item> items, const Digits& digits)
     SumUp(low, numLow);
     SumUp(high, numHigh);
     Item* const target = scratch.data();
-    for (const Item& item : items)
+    for (const Item& item : items) {
         target[low[item.digits & lowMask]++] = item;
+    }
     Item* const sorted = items.data();
-    for (const Item& item : scratch)
+    for (const Item& item : scratch) {
         sorted[high[item.digits >> lowBits]++] = item;
+    }
 }
 
 } // namespace Quon

@@ -19,9 +19,10 @@ namespace
 
 void ReportNotStarted(const SndBase& sound, const char* reason)
 {
-    if (Messages::AreWanted())
+    if (Messages::AreWanted()) {
         Report(MessageLevel::Note, "sound ", sound.GetSoundID(), " ('", sound.GetFileName(),
             "') is not started: ", reason);
+    }
 }
 
 constexpr const char* tooFar =
@@ -34,8 +35,9 @@ constexpr const char* noChannel =
 
 SndFile* SndKernel::OpenFileOf(SndBase& sound)
 {
-    if (sound.IsMusic())
+    if (sound.IsMusic()) {
         return SndFile::OpenFile(sound.substName, sound.fileName);
+    }
     return dataCache->OpenSound(sound.substName, sound.fileName, sound.GetPriority());
 }
 
@@ -52,26 +54,31 @@ bool SndKernel::PlaySound(SndBase* sound)
         }
         else {
             SndFile* file = OpenFileOf(*sound);
-            if (!file)
+            if (!file) {
                 return false;
+            }
             sound->TakeFile(file);
             sound->SetSoundLength(file->GetSoundLength());
         }
     }
     const bool competes = sound->HasAnyFlag(FlagCompete);
-    if (competes)
+    if (competes) {
         sound->SetDelay(0);
+    }
     if (sound->IsPaused()) {
-        if (!IsListed(*sound))
+        if (!IsListed(*sound)) {
             StartPaused(*sound, RowWasWaiting);
+        }
         return Traced(*sound, true);
     }
     if (sound->IsImmediately() && !sound->GetInPause()) {
-        if (StartImmediately(*sound))
+        if (StartImmediately(*sound)) {
             return Traced(*sound, true);
+        }
         // Else it may be gone.
-        if (!competes)
+        if (!competes) {
             return false;
+        }
     }
     sound->SetStateTime(waitingStateTimeMs);
     // One that has been chosen, and is about to get its channel, is not put back among those that wait.
@@ -93,15 +100,17 @@ void SndKernel::MarkStarted(SndBase& sound)
     sound.startGameTime = moment.game;
     sound.startMachineTime = moment.machine;
     sound.Row().SetMark(RowNewcomer, takesNewcomers);
-    if (takesNewcomers)
+    if (takesNewcomers) {
         newcomers.push_back(sound.rowNumber);
+    }
 }
 
 // During an update its time has been handed on already.
 std::int64_t SndKernel::GetGatheredMicroseconds() const
 {
-    if (updating)
+    if (updating) {
         return 0;
+    }
     constexpr std::int64_t microsecondsPerMs = 1000;
     constexpr double microsecondsPerSecond = 1e6;
     const double held = task ? task->GetGatheredSeconds() : 0.0;
@@ -111,8 +120,9 @@ std::int64_t SndKernel::GetGatheredMicroseconds() const
 
 void SndKernel::ForgetNewcomers()
 {
-    for (const std::uint32_t row : newcomers)
+    for (const std::uint32_t row : newcomers) {
         SoundRows::At(row).SetMark(RowNewcomer, false);
+    }
     newcomers.clear();
 }
 
@@ -128,28 +138,36 @@ bool SndKernel::StartImmediately(SndBase& sound)
     Unlist(sound);
     MarkStarted(sound);
     const bool competes = sound.HasAnyFlag(FlagCompete);
-    if (!sound.Is3D())
+    if (!sound.Is3D()) {
         return competes ? StartChannel(&sound) : StartNow(sound);
-    if (activeMicrophone && (sound.GetChannelFlags() & ChanCutOut))
+    }
+    if (activeMicrophone && (sound.GetChannelFlags() & ChanCutOut)) {
         sound.CalcDistSqr(activeMicrophone->GetGlobalPosition());
-    if (!activeMicrophone)
+    }
+    if (!activeMicrophone) {
         SetReason(sound.Row(), SoundReason::NoListener);
-    else if ((sound.GetChannelFlags() & ChanCutOut) && sound.IsDistGTMax())
+    }
+    else if ((sound.GetChannelFlags() & ChanCutOut) && sound.IsDistGTMax()) {
         SetReason(sound.Row(), SoundReason::BeyondReach);
-    else
+    }
+    else {
         return competes ? StartChannel(&sound) : StartNow(sound);
-    if (competes)
+    }
+    if (competes) {
         return false;
-    if (!sound.IsEmulation() || !IsLongEnough(sound))
+    }
+    if (!sound.IsEmulation() || !IsLongEnough(sound)) {
         ReportNotStarted(sound, tooFar);
+    }
     return EmulateOrDelete(sound);
 }
 
 bool SndKernel::StartNow(SndBase& sound)
 {
     const bool isStarted = StartChannel(&sound);
-    if (!isStarted)
+    if (!isStarted) {
         ReportNotStarted(sound, noChannel);
+    }
     return isStarted;
 }
 
@@ -160,8 +178,9 @@ bool SndKernel::IsLongEnough(const SndBase& sound) const
 
 bool SndKernel::EmulateOrDelete(SndBase& sound)
 {
-    if (sound.IsEmulation() && IsLongEnough(sound) && EmulateSound(&sound))
+    if (sound.IsEmulation() && IsLongEnough(sound) && EmulateSound(&sound)) {
         return true;
+    }
     DeleteUnheard(sound);
     return false;
 }
@@ -180,33 +199,40 @@ void SndKernel::DeleteUnheard(SndBase& sound)
 void SndKernel::BeginFadeIn(const SndBase& sound, SndChannel& channel)
 {
     const auto passed = static_cast<int>(sound.fadeInPassed);
-    if (!sound.IsFadeIn() || (passed > 0 && passed >= sound.fadeDuration))
+    if (!sound.IsFadeIn() || (passed > 0 && passed >= sound.fadeDuration)) {
         return;
+    }
     channel.FadeIn(sound.fadeDuration);
-    if (passed > 0)
+    if (passed > 0) {
         channel.SkipFade(passed);
+    }
 }
 
 bool SndKernel::StartChannel(SndBase* sound)
 {
-    if (!driver)
+    if (!driver) {
         return false;
-    if (!sound->fadeOutChannel && GetAudibleCount() >= maxAudible && !sound->IsMusic())
+    }
+    if (!sound->fadeOutChannel && GetAudibleCount() >= maxAudible && !sound->IsMusic()) {
         return false;
-    if (sound->Is3D() && !activeMicrophone)
+    }
+    if (sound->Is3D() && !activeMicrophone) {
         return false;
+    }
     SndFile* file = sound->GetSndFile();
     const bool isNewFile = !file;
     if (isNewFile) {
         file = OpenFileOf(*sound);
-        if (!file)
+        if (!file) {
             return false;
+        }
         sound->SetSoundLength(file->GetSoundLength());
     }
     SndChannel* channel = driver->CreateChannel(sound->GetChannelFlags(), file, sound->fxList);
     if (!channel) {
-        if (isNewFile)
+        if (isNewFile) {
             delete file;
+        }
         return false;
     }
     BeginFadeIn(*sound, *channel);
@@ -218,8 +244,9 @@ bool SndKernel::StartChannel(SndBase* sound)
         // Without memory for its place it has no channel, and the file is nobody's.
         channel->Stop();
         sound->sndChannel = nullptr;
-        if (isNewFile)
+        if (isNewFile) {
             delete file;
+        }
         throw;
     }
     PlayOnChannel(*sound, file);
@@ -232,16 +259,18 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
     SndChannel* channel = sound.sndChannel;
     // A new channel stands at 1.0 already.
     const float outputGain = sound.GetOutputGain();
-    if (outputGain >= 0.0F && outputGain < 1.0F)
+    if (outputGain >= 0.0F && outputGain < 1.0F) {
         channel->SetGain(outputGain);
+    }
     const bool isBeginning = !sound.IsPlaying();
     sound.Play(file);
     if (sound.Row().HasMark(RowReturns)) {
         sound.SetStateTime(sound.pausedStateMs);
         sound.Row().SetMark(RowReturns, false);
     }
-    if (sound.newFrequency != 0)
+    if (sound.newFrequency != 0) {
         channel->SetFrequency(sound.newFrequency);
+    }
     if (isBeginning) {
         const StartMoment moment = {sound.startGameTime, sound.startMachineTime};
         channel->SetStartTime(startClock.GetGameTime(moment, updating), startClock.GetAge(moment));
@@ -251,8 +280,9 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
 
 void SndKernel::EnterPlaying(SndBase& sound)
 {
-    if (sound.Row().list == ListID::Playing)
+    if (sound.Row().list == ListID::Playing) {
         return;
+    }
     // Music that an observer starts anew can stand among the chosen.
     Unlist(sound);
     Insert(sound, ListID::Playing);
@@ -267,8 +297,9 @@ bool SndKernel::StartMusic(SndBase& instance)
 
 void SndKernel::GiveUpFile(SndBase& instance)
 {
-    if (!instance.fadeOutChannel && !instance.fadingOut.file)
+    if (!instance.fadeOutChannel && !instance.fadingOut.file) {
         Unlist(instance);
+    }
     instance.fadeInPassed = 0;
     SndFile* file = instance.sndFile;
     instance.TakeFile(nullptr);
@@ -280,24 +311,28 @@ bool SndKernel::EmulateSound(SndBase* sound)
     SndFile* file = sound->GetSndFile();
     if (!file) {
         file = OpenFileOf(*sound);
-        if (!file)
+        if (!file) {
             return false;
+        }
         sound->SetSoundLength(file->GetSoundLength());
     }
     sound->Play(file);
     const bool goesOn = sound->Emulate();
-    if (goesOn)
+    if (goesOn) {
         Insert(*sound, ListID::Emulated);
+    }
     return goesOn;
 }
 
 unsigned long SndKernel::GetLength(const PString& substName, const PString& fileName)
 {
-    if (const auto length = FindLikeLength(names.Find(fileName, substName), nullptr))
+    if (const auto length = FindLikeLength(names.Find(fileName, substName), nullptr)) {
         return *length;
+    }
     SndFile* file = SndFile::OpenFile(substName, fileName);
-    if (!file)
+    if (!file) {
         return 0;
+    }
     const unsigned long length = file->GetSoundLength();
     delete file;
     return length;
@@ -310,8 +345,9 @@ void SndKernel::DeleteListed(Matches matches)
         SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
         while (const SoundRow* row = walk.Next()) {
             SndBase* sound = row->sound;
-            if (!matches(*row) || sound->IsBeingTold())
+            if (!matches(*row) || sound->IsBeingTold()) {
                 continue;
+            }
             Unlist(*sound);
             delete sound;
         }
@@ -342,10 +378,12 @@ void SndKernel::StopAll3D()
 
 int SndKernel::OnDriverEvent(int event, void* data)
 {
-    if (event == SndChannelEnded)
+    if (event == SndChannelEnded) {
         OnChannelEnded(static_cast<SndChannel*>(data));
-    else if (event == SndFileChanged)
+    }
+    else if (event == SndFileChanged) {
         OnFileChanged(*static_cast<SndFileChange*>(data));
+    }
     return 0;
 }
 
@@ -353,8 +391,9 @@ SndBase* SndKernel::FindByChannel(const SndChannel* channel)
 {
     SndBase* found = nullptr;
     GetList(ListID::Playing).ForEach([&](SndBase& sound) {
-        if (channel && (sound.sndChannel == channel || sound.fadeOutChannel == channel))
+        if (channel && (sound.sndChannel == channel || sound.fadeOutChannel == channel)) {
             found = &sound;
+        }
     });
     return found;
 }
@@ -362,8 +401,9 @@ SndBase* SndKernel::FindByChannel(const SndChannel* channel)
 void SndKernel::OnChannelEnded(SndChannel* channel)
 {
     SndBase* sound = FindByChannel(channel);
-    if (!sound)
+    if (!sound) {
         return;
+    }
     if (sound->sndChannel == channel) {
         channel->SetSndFile(nullptr);
         sound->sndChannel = nullptr;
@@ -375,18 +415,21 @@ void SndKernel::OnChannelEnded(SndChannel* channel)
         SndBase::Telling telling(*sound);
         sound->CloseAndDelete(file);
     }
-    if (!sound->IsAudible())
+    if (!sound->IsAudible()) {
         delete sound;
+    }
 }
 
 void SndKernel::OnFileChanged(const SndFileChange& change)
 {
     SndBase* sound = FindByChannel(change.channel);
-    if (!sound)
+    if (!sound) {
         return;
+    }
     SndBase::Telling telling(*sound);
-    if (sound->sndChannel == change.channel)
+    if (sound->sndChannel == change.channel) {
         sound->MoveOnTo(change.newFile);
+    }
     else if (change.oldFile) {
         change.oldFile->ClearQueue();
         sound->CloseAndDelete(change.oldFile);

@@ -24,10 +24,12 @@ void SndKernel::AddSound(SndBase* sound)
 
 void SndKernel::UnregisterSound(SndBase* sound)
 {
-    if (sound->tablePlace == SndBase::noTablePlace)
+    if (sound->tablePlace == SndBase::noTablePlace) {
         return;
-    if (SndBase* moved = soundTable.Remove(sound->soundID, sound->tablePlace))
+    }
+    if (SndBase* moved = soundTable.Remove(sound->soundID, sound->tablePlace)) {
         moved->tablePlace = sound->tablePlace;
+    }
     sound->tablePlace = SndBase::noTablePlace;
 }
 
@@ -49,35 +51,42 @@ void SndKernel::Insert(SndBase& sound, ListID id)
 void SndKernel::Unlist(SndBase& sound)
 {
     SoundRow& row = sound.Row();
-    if (IsFindable(row))
+    if (IsFindable(row)) {
         names.Leave(row.nameNumber);
-    if (row.list != ListID::None)
+    }
+    if (row.list != ListID::None) {
         GetList(row.list).Remove(row);
+    }
 }
 
 void SndKernel::GiveUpName(SndBase& sound)
 {
     SoundRow& row = sound.Row();
-    if (IsFindable(row))
+    if (IsFindable(row)) {
         names.Leave(row.nameNumber);
-    if (row.nameNumber != NameIndex::none)
+    }
+    if (row.nameNumber != NameIndex::none) {
         names.GiveUp(std::exchange(row.nameNumber, NameIndex::none));
+    }
 }
 
 void SndKernel::UseName(SndBase& sound)
 {
     SoundRow& row = sound.Row();
-    if (row.nameNumber != NameIndex::none)
+    if (row.nameNumber != NameIndex::none) {
         return;
+    }
     row.nameNumber = names.Use(sound.fileName, sound.substName);
-    if (IsFindable(row))
+    if (IsFindable(row)) {
         names.Enter(row.nameNumber, GetOwnLength(sound));
+    }
 }
 
 void SndKernel::NoteLength(const SndBase& sound)
 {
-    if (IsFindable(sound.Row()))
+    if (IsFindable(sound.Row())) {
         names.SetLength(sound.Row().nameNumber, GetOwnLength(sound));
+    }
 }
 
 unsigned long SndKernel::GetOwnLength(const SndBase& sound)
@@ -88,19 +97,23 @@ unsigned long SndKernel::GetOwnLength(const SndBase& sound)
 // The length of the sounds with these names that stand on a list, but for one of them; none without any.
 std::optional<unsigned long> SndKernel::FindLikeLength(std::uint32_t number, const SndBase* except)
 {
-    if (number == NameIndex::none)
+    if (number == NameIndex::none) {
         return {};
+    }
     const NameIndex::Name& name = names.At(number);
-    if (name.numListed == (except && IsFindable(except->Row()) ? 1U : 0U))
+    if (name.numListed == (except && IsFindable(except->Row()) ? 1U : 0U)) {
         return {};
-    if (name.isUniform)
+    }
+    if (name.isUniform) {
         return name.lengthMs;
+    }
     // They differ, as the rest of a queue does: the first one counts.
     for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
         for (const SndList::Entry& entry : GetList(id).GetEntries()) {
             const SoundRow& row = entry.GetRow();
-            if (!entry.IsStale() && row.nameNumber == number && row.sound != except)
+            if (!entry.IsStale() && row.nameNumber == number && row.sound != except) {
                 return GetOwnLength(*row.sound);
+            }
         }
     }
     return {};
@@ -111,14 +124,16 @@ void SndKernel::DeleteFromTable(Matches matches)
 {
     const std::size_t begin = walkMemory.size();
     soundTable.ForEach([&](const SndBase& sound) {
-        if (matches(sound))
+        if (matches(sound)) {
             walkMemory.push_back({static_cast<std::uint32_t>(sound.soundID), 0});
+        }
     });
     const std::size_t end = walkMemory.size();
     for (std::size_t place = begin; place < end; ++place) {
         SndBase* sound = soundTable.Find(static_cast<int>(walkMemory[place].row));
-        if (!sound || sound->IsBeingTold())
+        if (!sound || sound->IsBeingTold()) {
             continue;
+        }
         UnregisterSound(sound);
         delete sound;
     }
@@ -154,8 +169,9 @@ void SndKernel::RefreshMatching(Matches matches)
 {
     constexpr float applyAgain = -1.0F;
     soundTable.ForEach([&](SndBase& sound) {
-        if (matches(sound))
+        if (matches(sound)) {
             sound.SetGain(applyAgain);
+        }
     });
 }
 

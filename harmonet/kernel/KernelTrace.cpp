@@ -17,22 +17,25 @@ SoundTrace::~SoundTrace()
 void SndKernel::Attach(SoundTrace* newTrace)
 {
     trace = newTrace;
-    if (theKernel)
+    if (theKernel) {
         theKernel->soundTable.ForEach([](SndBase& sound) { sound.traced = 0; });
+    }
 }
 
 void SndKernel::Detach(const SoundTrace& oldTrace)
 {
-    if (trace == &oldTrace)
+    if (trace == &oldTrace) {
         trace = nullptr;
+    }
 }
 
 std::size_t SndKernel::Inspect(std::span<SoundState> states) const
 {
     std::size_t count = 0;
     soundTable.ForEach([&](const SndBase& sound) {
-        if (count < states.size())
+        if (count < states.size()) {
             sound.FillState(states[count]);
+        }
         ++count;
     });
     return count;
@@ -46,20 +49,23 @@ void SndKernel::RunTraced(float seconds)
     RunFullUpdate(seconds);
     const std::chrono::nanoseconds cost = Clock::now() - begin;
     // An observer can have taken it away.
-    if (!trace)
+    if (!trace) {
         return;
+    }
     UpdateRecord record{elapsedMs, cost, GetAudibleCount(), GetList(ListID::Emulated).GetCount(),
         GetList(ListID::Waiting).GetCount(), maxAudible, activeMicrophone != nullptr, {}};
-    if (activeMicrophone)
+    if (activeMicrophone) {
         record.listener = activeMicrophone->GetGlobalPosition();
+    }
     trace->OnUpdate(record);
     soundTable.ForEach([this](SndBase& sound) { TraceChange(sound); });
 }
 
 void SndKernel::TraceChange(SndBase& sound)
 {
-    if (!trace || !IsListed(sound))
+    if (!trace || !IsListed(sound)) {
         return;
+    }
     const SoundRow& row = sound.Row();
     SoundState state;
     auto phase = static_cast<unsigned int>(row.list);
@@ -76,31 +82,38 @@ void SndKernel::TraceChange(SndBase& sound)
     const auto now = static_cast<std::uint16_t>(
         isTraced | (row.HasAnyFlag(FlagFadeOut) ? isFading : 0U) | phase << 8 | reason);
     const std::uint16_t before = std::exchange(sound.traced, now);
-    if (before == now)
+    if (before == now) {
         return;
-    if (!isLine)
+    }
+    if (!isLine) {
         sound.FillState(state);
-    if (before == 0)
+    }
+    if (before == 0) {
         trace->OnStart(state);
-    else
+    }
+    else {
         trace->OnChange(state);
+    }
 }
 
 void SndKernel::TraceEnd(SndBase& sound)
 {
-    if (!trace || (sound.traced == 0 && !IsListed(sound) && !sound.IsPlaying()))
+    if (!trace || (sound.traced == 0 && !IsListed(sound) && !sound.IsPlaying())) {
         return;
+    }
     SoundState state;
     sound.FillOwnState(state);
-    if (sound.traced == 0)
+    if (sound.traced == 0) {
         trace->OnStart(state);
+    }
     trace->OnEnd(state);
 }
 
 void SndKernel::TraceNotice(SoundNotice notice, int soundID, const PString& fileName)
 {
-    if (trace)
+    if (trace) {
         trace->OnNotice(notice, soundID, fileName);
+    }
 }
 
 } // namespace Quon

@@ -16,8 +16,9 @@ std::uint32_t NameIndex::Use(const PString& fileName, const PString& substName)
     }
     const auto next = freeNumbers.empty() ? static_cast<std::uint32_t>(names.size()) : freeNumbers.back();
     const auto [place, isNew] = numbers.try_emplace(key, next);
-    if (isNew && freeNumbers.empty())
+    if (isNew && freeNumbers.empty()) {
         names.push_back({key, 0, 0, 0, true});
+    }
     else if (isNew) {
         freeNumbers.pop_back();
         names[next] = {key, 0, 0, 0, true};
@@ -28,8 +29,9 @@ std::uint32_t NameIndex::Use(const PString& fileName, const PString& substName)
 
 void NameIndex::GiveUp(std::uint32_t number)
 {
-    if (--names[number].numUsers > 0)
+    if (--names[number].numUsers > 0) {
         return;
+    }
     numbers.erase(names[number].key);
     if (numbers.empty()) {
         names = {};
@@ -41,8 +43,9 @@ void NameIndex::GiveUp(std::uint32_t number)
     // The table of the map does not shrink by itself.
     constexpr std::size_t fewBuckets = 1024;
     constexpr std::size_t sparse = 8;
-    if (numbers.bucket_count() > fewBuckets && numbers.bucket_count() > sparse * numbers.size())
+    if (numbers.bucket_count() > fewBuckets && numbers.bucket_count() > sparse * numbers.size()) {
         numbers.rehash(0);
+    }
 }
 
 std::uint32_t NameIndex::Find(const PString& fileName, const PString& substName) const
@@ -60,10 +63,12 @@ void NameIndex::Enter(std::uint32_t number, unsigned long lengthMs)
 void NameIndex::SetLength(std::uint32_t number, unsigned long lengthMs)
 {
     Name& name = names[number];
-    if (name.numListed == 1)
+    if (name.numListed == 1) {
         name = {name.key, name.numUsers, 1, lengthMs, true};
-    else if (lengthMs != name.lengthMs)
+    }
+    else if (lengthMs != name.lengthMs) {
         name.isUniform = false;
+    }
 }
 
 } // namespace Quon

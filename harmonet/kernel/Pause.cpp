@@ -34,8 +34,9 @@ void SndKernel::SetAllPaused(bool on)
 int SndKernel::ApplyPauses(const UpdateStep& step)
 {
     // What a handler pauses from here on is for the next update.
-    if (!std::exchange(pausesChanged, false))
+    if (!std::exchange(pausesChanged, false)) {
         return 0;
+    }
     try {
         return MoveToPausedAndBack(step);
     }
@@ -52,8 +53,9 @@ int SndKernel::MoveToPausedAndBack(const UpdateStep& step)
     for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
         SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
         while (const SoundRow* row = walk.Next()) {
-            if (!row->sound->IsPaused())
+            if (!row->sound->IsPaused()) {
                 continue;
+            }
             due -= IsDue(*row) ? 1 : 0;
             Pause(*row->sound);
         }
@@ -61,8 +63,9 @@ int SndKernel::MoveToPausedAndBack(const UpdateStep& step)
     // From the tail, so that the head of a sound along a line comes before its sources.
     SoundWalk walk(*this, ListID::Paused, SoundWalk::FromTail, SoundWalk::Visit);
     while (const SoundRow* row = walk.Next()) {
-        if (!row->sound->IsPaused())
+        if (!row->sound->IsPaused()) {
             due += Resume(*row->sound, step);
+        }
     }
     return due;
 }
@@ -100,10 +103,12 @@ void SndKernel::StartPaused(SndBase& sound, std::uint16_t mark)
 bool SndKernel::HoldMusic(SndBase& instance)
 {
     SndFile* file = driver ? OpenFileOf(instance) : nullptr;
-    if (!file)
+    if (!file) {
         return false;
-    if (instance.Row().list == ListID::Playing)
+    }
+    if (instance.Row().list == ListID::Playing) {
         Pause(instance);
+    }
     instance.TakeFile(file);
     instance.SetSoundLength(file->GetSoundLength());
     StartPaused(instance, RowWasHeard);
@@ -128,20 +133,23 @@ int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
     DelayStart(sound);
     if (row.HasAnyFlag(FlagPolyline)) {
         Insert(sound, ListID::Emulated);
-        if (listenerMoved && !sound.SndUpdate(0.0F, step.listener, true))
+        if (listenerMoved && !sound.SndUpdate(0.0F, step.listener, true)) {
             delete &sound;
+        }
         return 0;
     }
     const bool isPlaced = row.HasAnyFlag(Flag3D) && !row.HasAnyFlag(FlagInPause);
-    if (isPlaced && (listenerMoved || row.HasMark(RowMoved)))
+    if (isPlaced && (listenerMoved || row.HasMark(RowMoved))) {
         sound.CalcDistSqr(step.listener);
+    }
     if (row.HasMark(RowWasHeard)) {
         ResumeHeard(sound);
         return 0;
     }
     Insert(sound, row.HasMark(RowWasWaiting) ? ListID::Waiting : ListID::Emulated);
-    if (!IsDue(row))
+    if (!IsDue(row)) {
         return 0;
+    }
     sound.CalcDistSqr(step.listener);
     return 1;
 }
@@ -151,14 +159,17 @@ int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
 void SndKernel::ResumeHeard(SndBase& sound)
 {
     SoundRow& row = sound.Row();
-    if (sound.fadingOut.file)
+    if (sound.fadingOut.file) {
         ResumeFadeOut(sound);
-    if (sound.fadeOutChannel)
+    }
+    if (sound.fadeOutChannel) {
         Insert(sound, ListID::Playing);
+    }
     if (!sound.sndFile || sound.IsMusic()) {
         const bool goesOn = sound.sndFile ? StartChannel(&sound) : sound.fadeOutChannel != nullptr;
-        if (!goesOn)
+        if (!goesOn) {
             delete &sound;
+        }
         return;
     }
     if (const SoundReason reason = WhyUnheard(row); reason != SoundReason::None) {
@@ -184,16 +195,18 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
         sound.CloseAndDelete(file);
         return;
     }
-    if (fade.gain < 1.0F)
+    if (fade.gain < 1.0F) {
         channel->SetGain(fade.gain);
+    }
     // Play() places what is at the sound's own channel, and that is the next piece's.
     SndFile* own = sound.sndFile;
     sound.sndChannel = channel;
     sound.Play(file);
     sound.sndChannel = nullptr;
     sound.TakeFile(own);
-    if (sound.newFrequency != 0)
+    if (sound.newFrequency != 0) {
         channel->SetFrequency(sound.newFrequency);
+    }
     channel->Play();
     channel->FadeOut(fade.ms);
     channel->SkipFade(static_cast<int>(fade.since));
@@ -203,16 +216,19 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
 
 void SndKernel::StartReturned()
 {
-    if (!std::exchange(hasReturned, false))
+    if (!std::exchange(hasReturned, false)) {
         return;
+    }
     SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::PassOver);
     while (const SoundRow* row = walk.Next()) {
         SndBase& sound = *row->sound;
-        if (sound.IsAudible())
+        if (sound.IsAudible()) {
             continue;
+        }
         Unlist(sound);
-        if (!StartChannel(&sound))
+        if (!StartChannel(&sound)) {
             EmulateOrDelete(sound);
+        }
     }
 }
 

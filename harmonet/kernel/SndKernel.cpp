@@ -44,8 +44,9 @@ int ReadOption(const Options& hostOptions, const PString& key, int minimum, int 
 {
     int value = defaultValue;
     hostOptions.Get(key.GetText(), value, defaultValue);
-    if (value >= minimum)
+    if (value >= minimum) {
         return value;
+    }
     Report(MessageLevel::Warning, "option ", key, "=", value, ": the minimum is ", minimum,
         "; it takes the default ", defaultValue);
     return defaultValue;
@@ -92,8 +93,9 @@ int SndKernel::Init(OS* os, bool driverFlag)
     elapsed = 0;
     ReadOptions(*os->GetOptions());
     const int code = OpenDriver(os, driverFlag);
-    if (code != StartRunning)
+    if (code != StartRunning) {
         return code;
+    }
     maxAudible = options.maxSounds;
     driver->SetCallback(HandleDriverEvent, this);
     constexpr int mostAudible = std::numeric_limits<int>::max() - spareChannels;
@@ -105,8 +107,9 @@ int SndKernel::Init(OS* os, bool driverFlag)
     fileCache->ReadOptions(*os->GetOptions());
     SndFile::SetSndFileCache(fileCache);
     driver->GetCaps(caps);
-    if (Messages::AreWanted())
+    if (Messages::AreWanted()) {
         os->GetOptions()->ReportUnread();
+    }
     return StartRunning;
 }
 
@@ -174,8 +177,9 @@ void SndKernel::CloseDriver()
 {
     delete driver;
     driver = nullptr;
-    if (soundLibrary)
+    if (soundLibrary) {
         soundLibrary->Close();
+    }
     delete soundLibrary;
     soundLibrary = nullptr;
 }
@@ -184,18 +188,21 @@ void SndKernel::Done()
 {
     refusesSounds = true;
     StopAll();
-    if (theKernel == this)
+    if (theKernel == this) {
         theKernel = nullptr;
-    if (fileCache)
+    }
+    if (fileCache) {
         SndFile::SetSndFileCache(nullptr);
+    }
     delete fileCache;
     fileCache = nullptr;
     delete dataCache;
     dataCache = nullptr;
     CloseDriver();
     // A microphone can outlive the system, and must not pass for the listener of the next one.
-    if (activeMicrophone)
+    if (activeMicrophone) {
         ClearMicrophone(activeMicrophone);
+    }
 }
 
 bool SndKernel::GetCaps(SoundCaps& driverCaps)
@@ -205,8 +212,9 @@ bool SndKernel::GetCaps(SoundCaps& driverCaps)
 
 void SndKernel::SetMicrophone(Microphone* microphone)
 {
-    if (activeMicrophone && activeMicrophone != microphone)
+    if (activeMicrophone && activeMicrophone != microphone) {
         activeMicrophone->SetActive(false);
+    }
     activeMicrophone = microphone;
     microphone->SetActive(true);
     listenerChanged = true;
@@ -214,8 +222,9 @@ void SndKernel::SetMicrophone(Microphone* microphone)
 
 void SndKernel::ClearMicrophone(Microphone* microphone)
 {
-    if (activeMicrophone != microphone)
+    if (activeMicrophone != microphone) {
         return;
+    }
     microphone->SetActive(false);
     activeMicrophone = nullptr;
 }
@@ -240,8 +249,9 @@ void SndKernel::SetMusicMainGain(float gain)
 
 void SndKernel::ForgetOrder()
 {
-    for (SndList& list : lists)
+    for (SndList& list : lists) {
         list.ForgetOrder();
+    }
 }
 
 bool SndKernel::IsConsistent()
@@ -253,8 +263,9 @@ bool SndKernel::IsConsistent()
             isGood = isGood && sound.Row().list == id && soundTable.Find(sound.GetSoundID()) == &sound;
             ++count;
         });
-        if (!isGood || count != GetList(id).GetCount())
+        if (!isGood || count != GetList(id).GetCount()) {
             return false;
+        }
     }
     return GetList(ListID::Chosen).IsEmpty();
 }

@@ -174,8 +174,9 @@ public:
     /// A sound's importance is about to change, or how all are compared.
     void ForgetOrder(const SoundRow& row)
     {
-        if (SndList& list = GetList(row.list); list.IsInOrder())
+        if (SndList& list = GetList(row.list); list.IsInOrder()) {
             list.ForgetOrder();
+        }
     }
     void ForgetOrder();
     /// These two stand around a change of a sound's names.
@@ -215,8 +216,9 @@ private:
     /// TraceChange() of a sound that has been started; returns whether it has.
     bool Traced(SndBase& sound, bool isStarted)
     {
-        if (isStarted)
+        if (isStarted) {
             TraceChange(sound);
+        }
         return isStarted;
     }
     void TraceEnd(SndBase& sound);
@@ -265,8 +267,9 @@ private:
     SoundReason WhyNotBack(const SoundRow& row) const;
     void SetReason(SoundRow& row, SoundReason reason)
     {
-        if (row.reason != reason)
+        if (row.reason != reason) {
             ChangeReason(row, reason);
+        }
     }
     void ChangeReason(SoundRow& row, SoundReason reason);
     bool EmulateOrDelete(SndBase& sound);
@@ -332,8 +335,9 @@ inline void MeasureDistance(SoundRow& row, const Vector3& listener)
 {
     const float distSqr = row.CalcDistSqr(listener);
     if (distSqr != row.distSqr) {
-        if (theKernel)
+        if (theKernel) {
             theKernel->ForgetOrder(row);
+        }
         row.distSqr = distSqr;
     }
     row.UpdateRange();

@@ -22,10 +22,12 @@ SndList::Entry SndList::Enter(std::uint32_t row, ListID id)
     SoundRow& entered = SoundRows::At(row);
     assert(entered.list == ListID::None);
     constexpr std::size_t fewEntries = 64;
-    if (order.size() + added.size() > 2 * count + fewEntries)
+    if (order.size() + added.size() > 2 * count + fewEntries) {
         DropStale();
-    if (++lastSerial == 0)
+    }
+    if (++lastSerial == 0) {
         ++lastSerial;
+    }
     entered.serial = lastSerial;
     entered.list = id;
     ++count;
@@ -43,8 +45,9 @@ void SndList::DropStale()
 void SndList::MakeRoom(EngineVector<Entry>& entries)
 {
     constexpr std::size_t fewEntries = 16;
-    if (entries.size() == entries.capacity())
+    if (entries.size() == entries.capacity()) {
         entries.reserve(std::max(2 * entries.capacity(), fewEntries));
+    }
 }
 
 void SndList::Append(std::uint32_t row, ListID id)
@@ -94,22 +97,26 @@ std::span<const SndList::Entry> SndList::GetEntries()
 std::span<SndList::Entry> SndList::Compact()
 {
     Merge();
-    if (order.size() != count)
+    if (order.size() != count) {
         DropStale();
+    }
     return order;
 }
 
 // From the most important to the least: each goes to its place, and what stands behind moves up once.
 void SndList::Merge()
 {
-    if (added.empty())
+    if (added.empty()) {
         return;
+    }
     // Those that have come and gone have no place. Of the others there are few stale ones then.
     constexpr std::size_t staleShare = 8;
-    if (order.size() + added.size() - count > order.size() / staleShare)
+    if (order.size() + added.size() - count > order.size() / staleShare) {
         DropStale();
-    else
+    }
+    else {
         std::erase_if(added, [](const Entry& entry) { return entry.IsStale(); });
+    }
     // Of equals the latest is the first.
     std::ranges::sort(added, [](const Entry& left, const Entry& right) {
         const std::uint64_t leftKey = left.GetRow().GetKey();
@@ -138,14 +145,18 @@ std::size_t SndList::FindPlace(std::size_t end, std::uint64_t key) const
     while (begin < end) {
         const std::size_t half = begin + (end - begin) / 2;
         std::size_t middle = half;
-        while (middle < end && order[middle].IsStale())
+        while (middle < end && order[middle].IsStale()) {
             ++middle;
-        if (middle < end && order[middle].GetRow().GetKey() < key)
+        }
+        if (middle < end && order[middle].GetRow().GetKey() < key) {
             begin = middle + 1;
-        else if (middle < end)
+        }
+        else if (middle < end) {
             place = middle, end = half;
-        else
+        }
+        else {
             end = half;
+        }
     }
     return place;
 }

@@ -51,8 +51,9 @@ public:
     void ForEach(Visit visit)
     {
         for (const Entry& entry : GetEntries()) {
-            if (!entry.IsStale())
+            if (!entry.IsStale()) {
                 visit(*entry.GetRow().sound);
+            }
         }
     }
 

@@ -106,10 +106,12 @@ struct alignas(64) SoundRow
         constexpr float outerBand = 1.02F;
         flags &= ~(FlagDistLTMax | FlagDistGTMax);
         const float maxDistSqr = maxDistance * maxDistance;
-        if (!HasMark(RowCutout) || maxDistSqr > distSqr)
+        if (!HasMark(RowCutout) || maxDistSqr > distSqr) {
             flags |= FlagDistLTMax;
-        else if (maxDistSqr * outerBand < distSqr)
+        }
+        else if (maxDistSqr * outerBand < distSqr) {
             flags |= FlagDistGTMax;
+        }
     }
 
     std::uint32_t CalcSamples(const UpdateStep& step) const { return rateHz * step.ms / 1000U; }
@@ -118,20 +120,23 @@ struct alignas(64) SoundRow
     /// is not counted, comes to the end of its file, or may have too little left.
     bool CountOn(const UpdateStep& step)
     {
-        if (!HasMark(RowCounted))
+        if (!HasMark(RowCounted)) {
             return false;
+        }
         if (!HasAnyFlag(FlagLooping)) {
             const std::uint64_t leftMs = std::uint64_t{1000} * static_cast<std::uint32_t>(samplesLeft);
             const std::uint64_t neededMs = std::uint64_t{step.minEmulationMs} + step.ms + 1;
-            if (HasMark(RowOwnRate) || leftMs < neededMs * rateHz)
+            if (HasMark(RowOwnRate) || leftMs < neededMs * rateHz) {
                 return false;
+            }
         }
         return CountSamples(CalcSamples(step));
     }
     bool CountSamples(std::uint32_t samples)
     {
-        if (samples >= static_cast<std::uint32_t>(samplesLeft))
+        if (samples >= static_cast<std::uint32_t>(samplesLeft)) {
             return false;
+        }
         samplesLeft -= static_cast<std::int32_t>(samples);
         return true;
     }

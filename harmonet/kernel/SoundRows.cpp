@@ -25,8 +25,9 @@ T* Grow(T* old, std::uint32_t count, std::uint32_t newCapacity)
 
 std::uint32_t SoundRows::Take(SndBase& sound)
 {
-    if (firstFree == noRow)
+    if (firstFree == noRow) {
         AddChunk();
+    }
     const std::uint32_t row = firstFree;
     firstFree = At(row).samplesLeft >= 0 ? static_cast<std::uint32_t>(At(row).samplesLeft) : noRow;
     At(row) = SoundRow();
@@ -44,8 +45,9 @@ void SoundRows::GiveBack(std::uint32_t row)
     firstFree = row;
     --useCounts[row / chunkRows];
     --numUsed;
-    if (!theKernel)
+    if (!theKernel) {
         Trim();
+    }
 }
 
 void SoundRows::AddChunk()
@@ -73,8 +75,9 @@ void SoundRows::AddChunk()
 
 void SoundRows::Trim()
 {
-    if (numUsed > 0)
+    if (numUsed > 0) {
         return;
+    }
     std::for_each_n(blocks, numChunks, Alloc::Delete);
     Alloc::Delete(chunks);
     Alloc::Delete(blocks);

@@ -23,11 +23,13 @@ public:
     static void ForEach(Visit visit)
     {
         for (std::uint32_t chunk = 0; chunk < numChunks; ++chunk) {
-            if (useCounts[chunk] == 0)
+            if (useCounts[chunk] == 0) {
                 continue;
+            }
             for (SoundRow* row = chunks[chunk]; row != chunks[chunk] + chunkRows; ++row) {
-                if (row->sound)
+                if (row->sound) {
                     visit(*row);
+                }
             }
         }
     }

@@ -61,8 +61,9 @@ bool SoundSystem::Start(OS* os, bool driverFlag)
     // The keys of the options are among them.
     HarmonetStrings::Init();
     auto kernel = std::make_unique<SndKernel>();
-    if (kernel->Init(os, driverFlag) != 0)
+    if (kernel->Init(os, driverFlag) != 0) {
         return false;
+    }
     auto made = std::make_unique<HarmonetTask>(kernel.get());
     kernel.release();
     // A task that the engine has stopped by itself is still this object's.
@@ -73,8 +74,9 @@ bool SoundSystem::Start(OS* os, bool driverFlag)
 
 void SoundSystem::Done()
 {
-    if (theKernel && theKernel->IsBusy())
+    if (theKernel && theKernel->IsBusy()) {
         return;
+    }
     delete std::exchange(task, nullptr);
 }
 
@@ -93,8 +95,9 @@ bool SoundSystem::HasLostOutput()
 void SoundSystem::SetMainGain(float gain)
 {
     SndDriver* driver = GetDriver();
-    if (driver && !std::isnan(gain))
+    if (driver && !std::isnan(gain)) {
         driver->SetMainGain(ClampGain(gain));
+    }
 }
 
 float SoundSystem::GetMainGain()
@@ -105,8 +108,9 @@ float SoundSystem::GetMainGain()
 
 void SoundSystem::Set2DMainGain(float gain)
 {
-    if (theKernel && !std::isnan(gain))
+    if (theKernel && !std::isnan(gain)) {
         theKernel->Set2DMainGain(ClampGain(gain));
+    }
 }
 
 float SoundSystem::Get2DMainGain()
@@ -116,8 +120,9 @@ float SoundSystem::Get2DMainGain()
 
 void SoundSystem::Set3DMainGain(float gain)
 {
-    if (theKernel && !std::isnan(gain))
+    if (theKernel && !std::isnan(gain)) {
         theKernel->Set3DMainGain(ClampGain(gain));
+    }
 }
 
 float SoundSystem::Get3DMainGain()
@@ -127,8 +132,9 @@ float SoundSystem::Get3DMainGain()
 
 void SoundSystem::SetMusicMainGain(float gain)
 {
-    if (theKernel && !std::isnan(gain))
+    if (theKernel && !std::isnan(gain)) {
         theKernel->SetMusicMainGain(ClampGain(gain));
+    }
 }
 
 float SoundSystem::GetMusicMainGain()
@@ -138,32 +144,37 @@ float SoundSystem::GetMusicMainGain()
 
 void SoundSystem::StopAll()
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->StopAll();
+    }
 }
 
 void SoundSystem::StopAll2D()
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->StopAll2D();
+    }
 }
 
 void SoundSystem::StopAll3D()
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->StopAll3D();
+    }
 }
 
 void SoundSystem::PauseAll()
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->SetAllPaused(true);
+    }
 }
 
 void SoundSystem::ResumeAll()
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->SetAllPaused(false);
+    }
 }
 
 bool SoundSystem::IsAllPaused()
@@ -173,8 +184,9 @@ bool SoundSystem::IsAllPaused()
 
 void SoundSystem::SetMaxAudibleSounds(unsigned int count)
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->SetMaxAudible(static_cast<int>(count));
+    }
 }
 
 unsigned int SoundSystem::GetMaxAudibleSounds()
@@ -184,14 +196,16 @@ unsigned int SoundSystem::GetMaxAudibleSounds()
 
 void SoundSystem::DisableResourceFX(unsigned long mask)
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->SetResourceFX(theKernel->GetResourceFX() & ~mask);
+    }
 }
 
 void SoundSystem::EnableResourceFX(unsigned long mask)
 {
-    if (theKernel)
+    if (theKernel) {
         theKernel->SetResourceFX(theKernel->GetResourceFX() | (mask & allResourceFX));
+    }
 }
 
 unsigned long SoundSystem::GetResourceFX()

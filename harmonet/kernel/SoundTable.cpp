@@ -9,8 +9,9 @@ std::uint32_t SoundTable::Add(std::uint32_t row)
 {
     auto& bucket = buckets[BucketOf(SoundRows::At(row).sound->GetSoundID())];
     // What needs memory comes first.
-    if (2 * (count + 1) > index.size())
+    if (2 * (count + 1) > index.size()) {
         GrowIndex();
+    }
     bucket.push_back(row);
     ++count;
     AddToIndex(row);
@@ -24,8 +25,9 @@ SndBase* SoundTable::Remove(int id, std::uint32_t place)
     auto& bucket = buckets[BucketOf(id)];
     const std::uint32_t last = bucket.back();
     bucket.pop_back();
-    if (place == bucket.size())
+    if (place == bucket.size()) {
         return nullptr;
+    }
     bucket[place] = last;
     return SoundRows::At(last).sound;
 }
@@ -33,8 +35,9 @@ SndBase* SoundTable::Remove(int id, std::uint32_t place)
 void SoundTable::AddToIndex(std::uint32_t row)
 {
     std::size_t slot = HomeOf(SoundRows::At(row).sound->GetSoundID());
-    while (index[slot] != none)
+    while (index[slot] != none) {
         slot = GetNext(slot);
+    }
     index[slot] = row;
 }
 
@@ -42,8 +45,9 @@ void SoundTable::AddToIndex(std::uint32_t row)
 void SoundTable::RemoveFromIndex(int id)
 {
     std::size_t gap = HomeOf(id);
-    while (GetSound(gap)->GetSoundID() != id)
+    while (GetSound(gap)->GetSoundID() != id) {
         gap = GetNext(gap);
+    }
     const std::size_t mask = index.size() - 1;
     for (std::size_t slot = GetNext(gap); index[slot] != none; slot = GetNext(slot)) {
         const std::size_t distanceFromHome = (slot - HomeOf(GetSound(slot)->GetSoundID())) & mask;
@@ -62,8 +66,9 @@ void SoundTable::GrowIndex()
     index.assign(newSize, none);
     shift = 32 - std::countr_zero(newSize);
     for (const auto& bucket : buckets) {
-        for (const std::uint32_t row : bucket)
+        for (const std::uint32_t row : bucket) {
             AddToIndex(row);
+        }
     }
 }
 

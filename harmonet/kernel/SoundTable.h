@@ -27,11 +27,13 @@ public:
     /// The sound with that id, or null.
     SndBase* Find(int id) const
     {
-        if (index.empty())
+        if (index.empty()) {
             return nullptr;
+        }
         for (std::size_t slot = HomeOf(id); index[slot] != none; slot = GetNext(slot)) {
-            if (SndBase* sound = GetSound(slot); sound->GetSoundID() == id)
+            if (SndBase* sound = GetSound(slot); sound->GetSoundID() == id) {
                 return sound;
+            }
         }
         return nullptr;
     }
@@ -40,8 +42,9 @@ public:
     void ForEach(Visit visit) const
     {
         for (const auto& bucket : buckets) {
-            for (const std::uint32_t row : bucket)
+            for (const std::uint32_t row : bucket) {
                 visit(*SoundRows::At(row).sound);
+            }
         }
     }
 

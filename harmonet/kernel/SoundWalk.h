@@ -42,8 +42,9 @@ public:
         while (begin < end) {
             const SndList::Entry entry = memory[direction == FromHead ? begin++ : --end];
             SoundRow& row = entry.GetRow();
-            if (row.serial == entry.serial && !row.HasMark(passedOver))
+            if (row.serial == entry.serial && !row.HasMark(passedOver)) {
                 return &row;
+            }
         }
         return nullptr;
     }

@@ -27,8 +27,9 @@ std::string DescribeEffect(const SndFXDesc& desc)
 {
     const EffectLayout& layout = layouts[desc.effect];
     std::string text = layout.name;
-    if (desc.effect == SndFXEnvReverb)
+    if (desc.effect == SndFXEnvReverb) {
         text += '/' + std::to_string(desc.GetQuality());
+    }
     const auto* record = static_cast<const unsigned char*>(desc.GetRecord());
     char separator = '(';
     for (const char* field = layout.fields; *field; ++field, record += 4) {
@@ -46,8 +47,9 @@ std::string DescribeLine(const SoundResource& sound)
 {
     std::string text =
         "line(" + std::to_string(sound.GetNumAddSounds()) + ' ' + ToText(sound.GetMinAngle()) + ':';
-    for (int i = 0; i < sound.GetNumPoints(); ++i)
+    for (int i = 0; i < sound.GetNumPoints(); ++i) {
         text += ' ' + ToText(sound.GetPolyline()[i]);
+    }
     return text + ')';
 }
 
@@ -55,8 +57,9 @@ struct Description
 {
     void Add(const std::string& name, float value, float normal)
     {
-        if (value != normal)
+        if (value != normal) {
             Add(name + ' ' + ToText(value));
+        }
     }
     void Add(const std::string& part) { text += (text.empty() ? "" : ", ") + part; }
 
@@ -77,14 +80,16 @@ std::string Describe(const SoundResource& sound)
     text.Add("inner", sound.GetInnerConeAngle(), 180.0F);
     text.Add("outer", sound.GetOuterConeAngle(), 180.0F);
     text.Add("conegain", sound.GetConeGain(), 1.0F);
-    if (!(sound.GetPosition() == Vector3()))
+    if (!(sound.GetPosition() == Vector3())) {
         text.Add("at " + ToText(sound.GetPosition()));
+    }
     text.Add("changing", sound.GetChgFrequency(), 0);
     text.Add("hz", static_cast<float>(sound.GetFrequency()), 0);
     text.Add("dry", sound.GetDisableMicFX(), 0);
     EXPECT_EQ(sound.GetNumPoints() == 0, sound.GetPolyline() == nullptr);
-    if (sound.GetPolyline() || sound.GetNumAddSounds() != 0 || sound.GetMinAngle() != 45.0F)
+    if (sound.GetPolyline() || sound.GetNumAddSounds() != 0 || sound.GetMinAngle() != 45.0F) {
         text.Add(DescribeLine(sound));
+    }
     const SndFXList effects = sound.GetFXList();
     const unsigned char* place = effects.GetEffectsArr();
     for (unsigned long i = 0; i < effects.GetNumEffects(); ++i) {
@@ -105,8 +110,9 @@ DefinitionTest::~DefinitionTest() = default;
 std::string DefinitionTest::Load(const std::string& text)
 {
     folder.Write(fileName, text);
-    if (!definition)
+    if (!definition) {
         definition = std::make_unique<SoundDefResource>(fileName, &database);
+    }
     const int code = LoadAgain();
     return std::to_string(code) + ": " + Describe(*definition);
 }

@@ -19,8 +19,9 @@ protected:
     {
         std::ifstream file(HARMONET_DEFINITIONS_PAPER);
         EXPECT_TRUE(file);
-        for (std::string line; std::getline(file, line);)
+        for (std::string line; std::getline(file, line);) {
             paper.push_back(line);
+        }
     }
 
     /// The lines behind the first one that begins like that, up to the next heading.
@@ -29,10 +30,12 @@ protected:
         Lines section;
         bool isThere = false;
         for (const std::string& line : paper) {
-            if (line.starts_with("##"))
+            if (line.starts_with("##")) {
                 isThere = line.starts_with(heading);
-            else if (isThere)
+            }
+            else if (isThere) {
                 section.push_back(line);
+            }
         }
         return section;
     }
@@ -43,10 +46,12 @@ protected:
         std::string example;
         int fences = 0;
         for (const std::string& line : GetSection(heading)) {
-            if (line.starts_with("```"))
+            if (line.starts_with("```")) {
                 ++fences;
-            else if (fences == 1)
+            }
+            else if (fences == 1) {
                 example += line + '\n';
+            }
         }
         return example;
     }
@@ -56,12 +61,14 @@ protected:
     {
         std::vector<Lines> rows;
         for (const std::string& line : GetSection(heading)) {
-            if (!line.starts_with("| `"))
+            if (!line.starts_with("| `")) {
                 continue;
+            }
             Lines& cells = rows.emplace_back();
             std::istringstream row(line);
-            for (std::string cell; std::getline(row, cell, '|');)
+            for (std::string cell; std::getline(row, cell, '|');) {
                 cells.push_back(Trim(cell));
+            }
             cells.erase(cells.begin());
         }
         return rows;
@@ -93,8 +100,9 @@ TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
     int count = 0;
     for (const char* heading : {"## The sound", "### A sound with a place"}) {
         for (const Lines& row : GetRows(heading)) {
-            if (row[0] == "*FILE")
+            if (row[0] == "*FILE") {
                 continue;
+            }
             SCOPED_TRACE(row[0]);
             EXPECT_EQ(LoadBlock(row[0] + ' ' + row[3] + "\n*GAIN 0.5"), "0: a.wav, gain 0.5");
             ++count;

@@ -44,8 +44,9 @@ void ExpectSane(const SoundResource& sound)
     EXPECT_GE(sound.GetNumAddSounds(), 0);
     EXPECT_TRUE(sound.GetFrequency() == 0 || (sound.GetFrequency() >= 100 && sound.GetFrequency() <= 100000));
     EXPECT_NE(sound.GetNumPoints(), 1);
-    for (int i = 0; i < sound.GetNumPoints(); ++i)
+    for (int i = 0; i < sound.GetNumPoints(); ++i) {
         EXPECT_TRUE(std::isfinite(sound.GetPolyline()[i].x + sound.GetPolyline()[i].z));
+    }
     EXPECT_TRUE(std::isfinite(sound.GetGain()));
 }
 
@@ -81,10 +82,12 @@ TEST_F(TextHostile, DamagedDefinitionsLeaveSaneSettings)
         std::string text = wholeDefinition;
         for (std::size_t changes = 1 + below(6); changes > 0; --changes) {
             const std::size_t place = below(text.size());
-            if (below(2) == 0)
+            if (below(2) == 0) {
                 text[place] = static_cast<char>(below(256));
-            else
+            }
+            else {
                 text.insert(place, pieces[below(std::size(pieces))]);
+            }
         }
         SCOPED_TRACE("round " + std::to_string(round));
         Load(text);

@@ -23,14 +23,17 @@ public:
     void OnRemark(const DefinitionRemark& remark) override
     {
         std::string text = std::to_string(remark.line);
-        if (!remark.keyword.IsEmpty())
+        if (!remark.keyword.IsEmpty()) {
             text += ' ' + std::string(remark.keyword.GetView());
+        }
         text += std::string(" ") + faultNames[static_cast<int>(remark.fault)];
-        if (remark.fault == DefinitionFault::Unreadable)
+        if (remark.fault == DefinitionFault::Unreadable) {
             text += std::string(": ") + remark.text + " for " + (remark.found ? remark.found : "nothing");
-        if (remark.fault == DefinitionFault::Refused || remark.fault == DefinitionFault::OutOfRange)
+        }
+        if (remark.fault == DefinitionFault::Refused || remark.fault == DefinitionFault::OutOfRange) {
             text += ": " + ToText(static_cast<float>(remark.value)) + " of " +
                 ToText(static_cast<float>(remark.least)) + " to " + ToText(static_cast<float>(remark.most));
+        }
         remarks.push_back(text);
     }
 

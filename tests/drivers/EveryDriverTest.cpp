@@ -12,7 +12,7 @@ TEST_P(EveryDriver, ChannelsBeyondTheLimitAreRefusedUntilOneIsFree)
         FormulaFile& file = Make(44100);
         std::vector<SndChannel*> channels;
         for (int i = 0; i < limit; ++i) {
-            channels.push_back(rig->Play(Make(44100), i % 2 ? 0u : ChanPositional));
+            channels.push_back(rig->Play(Make(44100), i % 2 ? 0U : ChanPositional));
         }
         EXPECT_EQ(rig->Create(file), nullptr);
         rig->Step(40);
@@ -42,9 +42,9 @@ TEST_P(EveryDriver, RatesBeyondTheRangeAreRefusedAndTheOldOneStays)
     EXPECT_TRUE(channel->SetFrequency(100));
     EXPECT_FALSE(channel->SetFrequency(99));
     EXPECT_FALSE(channel->SetFrequency(100001));
-    EXPECT_EQ(channel->GetFrequency(), 100u);
+    EXPECT_EQ(channel->GetFrequency(), 100U);
     EXPECT_TRUE(channel->SetFrequency(0));
-    EXPECT_EQ(channel->GetFrequency(), 44100u);
+    EXPECT_EQ(channel->GetFrequency(), 44100U);
 }
 
 // A read that comes short is not the end by itself: a coded stream that changes its channels half-way ends a
@@ -103,7 +103,7 @@ TEST_P(EveryDriver, RemainingLengthIsRightToTheMillisecondOverThreeFilesAndAtAny
         SndChannel* const channel = rig->Create(*MakeQueue({22050, 7350, 44100}, 22050).front());
         const double endsMs[] = {1000, 1333.3, 3333.3};
         channel->SetFrequency(static_cast<unsigned long>(speed * 22050));
-        EXPECT_EQ(channel->GetRemainLength(), 1000u) << "before the start";
+        EXPECT_EQ(channel->GetRemainLength(), 1000U) << "before the start";
         channel->Play();
         size_t current = 0;
         rig->onEvent = [&](const DriverEvent& event) { current += event.kind == SndFileChanged; };
@@ -111,7 +111,7 @@ TEST_P(EveryDriver, RemainingLengthIsRightToTheMillisecondOverThreeFilesAndAtAny
             EXPECT_NEAR(static_cast<double>(channel->GetRemainLength()), endsMs[current] - heardMs, 1.0);
             rig->Step(45);
         }
-        EXPECT_EQ(current, 2u);
+        EXPECT_EQ(current, 2U);
         channel->Stop();
     }
 }
@@ -140,7 +140,7 @@ TEST_P(EveryDriver, AFadeOutEndsAChannelAndTheNextSoundOnItHasNothingOfTheLast)
     EXPECT_EQ(
         rig->TakeEvents(), (std::vector<DriverEvent>{{SndChannelEnded, channel, nullptr, nullptr, 120}}));
     ASSERT_EQ(rig->Play(Make(22050)), channel);
-    EXPECT_EQ(channel->GetFrequency(), 44100u);
+    EXPECT_EQ(channel->GetFrequency(), 44100U);
     rig->StepTimes(13, 40);
     EXPECT_EQ(
         rig->TakeEvents(), (std::vector<DriverEvent>{{SndChannelEnded, channel, nullptr, nullptr, 640}}));
@@ -159,7 +159,7 @@ TEST_P(EveryDriver, AFileAppendedAfterTheLastSampleFrameAndBeforeTheReportGoesOn
         }
     };
     rig->Step(80);
-    EXPECT_EQ(rig->TakeEvents().size(), 1u);
+    EXPECT_EQ(rig->TakeEvents().size(), 1U);
     rig->Step(80);
     const std::vector<DriverEvent> expected = {
         {SndFileChanged, channel, &first, &second, 160}, {SndChannelEnded, channel, nullptr, nullptr, 160}};
@@ -178,7 +178,7 @@ TEST_P(EveryDriver, ACallbackMayStopOtherChannelsAndUseThemAnew)
         EXPECT_EQ(rig->Play(fresh), second) << "the channel whose end is being reported is not free yet";
     };
     rig->StepTimes(2, 40);
-    EXPECT_EQ(rig->TakeEvents().size(), 1u);
+    EXPECT_EQ(rig->TakeEvents().size(), 1U);
     EXPECT_GE(fresh.GetFramesRead(), 1764);
 }
 
@@ -196,7 +196,7 @@ TEST_P(EveryDriver, AfterStopNobodyTouchesTheFilesAndTheChainIsFoundFromItsOldes
         queue[1]->Forbid();
     };
     rig->StepTimes(5, 40);
-    EXPECT_EQ(rig->TakeEvents().size(), 1u);
+    EXPECT_EQ(rig->TakeEvents().size(), 1U);
     EXPECT_EQ(queue[0]->GetForbiddenTouches() + queue[1]->GetForbiddenTouches(), 0);
 }
 

@@ -164,7 +164,7 @@ inline FormulaFile::Formula Sine(double hz, double amplitude, int rateHz)
 inline FormulaFile::Formula Scatter()
 {
     return [](int sampleFrame, int channel) {
-        const auto mixed = static_cast<std::uint32_t>(sampleFrame * 2 + channel + 1) * 2654435761u;
+        const auto mixed = static_cast<std::uint32_t>(sampleFrame * 2 + channel + 1) * 2654435761U;
         return static_cast<double>(mixed >> 8) / 8388608.0 - 1.0;
     };
 }

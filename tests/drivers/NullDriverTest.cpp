@@ -37,7 +37,7 @@ TEST(NullDriver, ALoopIsNotReadThroughTimeAfterTimeAfterALongHalt)
     const auto file = MakeFile({1000, 10000}, Constant(0.0));
     const auto rig = MakeNull(1);
     rig->Play(*file, ChanLooping);
-    rig->Step(24ul * 3600 * 1000 + 12);
+    rig->Step(24UL * 3600 * 1000 + 12);
     EXPECT_EQ(file->GetCurrentSample(), 120);
     EXPECT_LE(file->GetFramesRead(), 1000);
 }

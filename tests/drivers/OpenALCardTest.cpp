@@ -121,7 +121,7 @@ TEST_F(OpenALCard, ASlowDiskLeavesGapsAndLosesNothing)
     rig.Play(beside);
     while (slow.GetFramesRead() < 3 * rateHz) {
         rig.Step(40);
-        EXPECT_LE(channel->GetRemainLength(), 10000u);
+        EXPECT_LE(channel->GetRemainLength(), 10000U);
         ASSERT_TRUE(slow.WaitUntilRead(slow.GetFramesRead() + 1));
     }
     channel->Stop();
@@ -188,7 +188,7 @@ TEST_F(OpenALCard, WithoutADeviceItOpensOnlyIfItIsToldToGoOnInSilenceOrToRender)
     }
     OfflineRig rendered;
     rendered.Step(1000);
-    EXPECT_EQ(rendered.Heard().GetFrames(), 44100u);
+    EXPECT_EQ(rendered.Heard().GetFrames(), 44100U);
 }
 
 TEST_F(OpenALCard, RemainingLengthOnlyFallsWhileTheDeviceGoesAndComesBack)
@@ -220,8 +220,8 @@ TEST_F(OpenALCard, WhenADeviceComesTheSoundIsHeardFromWhereItHasGotToAndWithItsS
     ASSERT_TRUE(ramp.WaitUntilRead(rateHz / 2));
     machine.isThere = false;
     ASSERT_TRUE(rig.StepUntil([&] { return ramp.GetFramesRead() > rateHz; }));
-    channel->SetGain(0.5f);
-    rig.GetDriver().SetMainGain(0.5f);
+    channel->SetGain(0.5F);
+    rig.GetDriver().SetMainGain(0.5F);
     const unsigned long leftBefore = channel->GetRemainLength();
     fs::remove(cardPath);
     machine.isThere = true;
@@ -264,7 +264,7 @@ TEST_F(OpenALCard, ARoomThatIsSetWithoutADeviceIsHeardOnTheFirstOne)
         ASSERT_LT(std::abs(heard.At(i)), 0.4) << "the direct sound is off";
     }
     // A click and the room after it, many times as long: a machine that is busy can swallow the others.
-    EXPECT_GT(reverberant, 441 * 5u);
+    EXPECT_GT(reverberant, 441 * 5U);
 }
 
 #if !defined(_WIN32)

@@ -73,7 +73,7 @@ TEST_F(OpenALEffects, TheEndComesWhenTheTailHasFallenBySixtyDecibels)
     EXPECT_FALSE(channel->GetFXGargle(&other));
     rig.StepTimes(3, 50);
     for (int update = 0; update < 60 && rig.TakeEvents().empty(); ++update) {
-        EXPECT_EQ(channel->GetRemainLength(), 0u);
+        EXPECT_EQ(channel->GetRemainLength(), 0U);
         rig.Step(50);
     }
     // The n-th echo has 0.8 * 0.5 * 0.5^(n - 1): the ninth, after 2.25 s, is the last above 0.001. It lasts
@@ -96,19 +96,19 @@ TEST_F(OpenALEffects, AFileAppendedDuringTheTailGoesOnSoonAndThroughTheSameEffec
     rig.StepTimes(4, 50);
     rig.Append(*channel, first, second);
     rig.Step(1);
-    EXPECT_EQ(channel->GetRemainLength(), 0u) << "the first file has long been over";
+    EXPECT_EQ(channel->GetRemainLength(), 0U) << "the first file has long been over";
     rig.Step(49);
     const std::vector<DriverEvent> expected = {{SndFileChanged, channel, &first, &second, 250}};
     EXPECT_EQ(rig.TakeEvents(), expected);
     rig.StepTimes(8, 50);
-    EXPECT_EQ(channel->GetRemainLength(), 0u);
+    EXPECT_EQ(channel->GetRemainLength(), 0U);
 
     const Rendering heard = rig.Heard();
     size_t begin = rateHz / 5;
     while (heard.At(begin) < 0.05) {
         ++begin;
     }
-    EXPECT_LE(begin, rateHz * 210u / 1000) << "no more than 10 ms of tail were queued";
+    EXPECT_LE(begin, rateHz * 210U / 1000) << "no more than 10 ms of tail were queued";
     Pcm dry = GetSamples(first, 4410);
     dry.resize(begin);
     const Pcm added = GetSamples(second, 8820);

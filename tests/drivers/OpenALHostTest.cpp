@@ -59,19 +59,19 @@ public:
     void ExpectUntouched() const
     {
         setThreadContext(context);
-        ALfloat value = 0.0f;
+        ALfloat value = 0.0F;
         alGetListenerf(AL_GAIN, &value);
         EXPECT_EQ(value, gain);
         ALuint source = 0;
         alGenSources(1, &source);
-        EXPECT_EQ(source, 1u) << "somebody has made sources here";
+        EXPECT_EQ(source, 1U) << "somebody has made sources here";
         alDeleteSources(1, &source);
         EXPECT_EQ(alGetError(), AL_NO_ERROR);
         setThreadContext(nullptr);
     }
 
 private:
-    static constexpr float gain = 0.75f;
+    static constexpr float gain = 0.75F;
     ALCdevice* device;
     ALCcontext* context;
 };
@@ -107,13 +107,13 @@ void ExpectLeftAlone(bool isRendered, bool isThreadSet)
     const std::function<void()> calls[] = {[&] { ASSERT_TRUE(rig.Open(rateHz, 4)); },
         [&] { driver.GetCaps(caps); }, [&] { driver.SetFXEnvReverb(&fxEnvReverbCave, 0, 0); },
         [&] { ASSERT_TRUE(channel = rig.Create(file, ChanPositional)); }, [&] { channel->FadeIn(10); },
-        [&] { channel->SetGain(0.5f); }, [&] { channel->SetCone(10, 20, 0.5f); },
+        [&] { channel->SetGain(0.5F); }, [&] { channel->SetCone(10, 20, 0.5F); },
         [&] { channel->SetMinMaxDistance(1, 10, true); }, [&] { channel->SetPosition(place); },
         [&] { channel->SetDirection(place); }, [&] { channel->SetFrequency(32000); },
         [&] { channel->SetFXEnvReverbSourceProperties(&properties); }, [&] { channel->Play(); },
         [&] { driver.BeginUpdate(40); }, [&] { driver.SetListenerPosition(place); },
-        [&] { driver.SetListenerOrientation(place, up); }, [&] { driver.SetRolloffFactor(0.5f); },
-        [&] { driver.SetMainGain(0.5f); }, [&] { driver.EndUpdate(); }, [&] { channel->GetRemainLength(); },
+        [&] { driver.SetListenerOrientation(place, up); }, [&] { driver.SetRolloffFactor(0.5F); },
+        [&] { driver.SetMainGain(0.5F); }, [&] { driver.EndUpdate(); }, [&] { channel->GetRemainLength(); },
         [&] { channel->FadeOut(1); }, [&] { EXPECT_TRUE(rig.StepUntil([&] { return hasEnded; })); },
         [&] { rig.Play(other)->Stop(); }, [&] { driver.ResetFXEnvReverb(0); }, [&] { rig.Close(); }};
     for (const auto& call : calls) {
@@ -214,7 +214,7 @@ TEST_F(OpenALCycles, StartingAndStoppingSoundsLeavesNothingBehind)
     FormulaFile& mono = rig.Make({100 * rateHz}, Constant(0.1));
     FormulaFile& stereo = rig.Make({100 * rateHz, rateHz, 2}, Constant(0.1));
     ExpectNoGrowth(1200, [&](int i) {
-        const unsigned int flags = (i % 3 ? ChanPositional : 0u) | (i % 5 ? 0u : ChanLooping);
+        const unsigned int flags = (i % 3 ? ChanPositional : 0U) | (i % 5 ? 0U : ChanLooping);
         SndChannel* const channel = rig.Play(i % 2 ? stereo : mono, flags);
         if (i % 7 == 0) {
             rig.Step(40);

@@ -55,7 +55,7 @@ protected:
     {
         FormulaFile* const head = NewFile(Draw(2) ? rateHz : 22050);
         const bool looping = Draw(4) == 0;
-        const unsigned int flags = (Draw(2) ? ChanPositional : 0u) | (looping ? ChanLooping : 0u);
+        const unsigned int flags = (Draw(2) ? ChanPositional : 0U) | (looping ? ChanLooping : 0U);
         if (SndChannel* const channel = rig.Create(*head, flags, Draw(3) ? SndFXList() : effects.Get())) {
             if (Draw(3) == 0) {
                 channel->FadeIn(Draw(200));
@@ -71,7 +71,7 @@ protected:
     void Steer(SndChannel* channel, const Playing& sound)
     {
         SndDriver& driver = rig.GetDriver();
-        const FXEnvReverbSourceProperties dull = {-Draw(2000), 0, 0, -Draw(2000), 0, 0, 0, -500, 0.5f};
+        const FXEnvReverbSourceProperties dull = {-Draw(2000), 0, 0, -Draw(2000), 0, 0, 0, -500, 0.5F};
         const auto append = [&] {
             if (!sound.looping) {
                 rig.Append(*channel, *sound.head, *NewFile(sound.head->GetSampleFrequency()));
@@ -80,7 +80,7 @@ protected:
         const std::function<void()> ways[] = {append, append, append, append,
             [&] { channel->SetFrequency(static_cast<unsigned long>(100 + Draw(99901))); },
             [&] { channel->FadeOut(Draw(100)); },
-            [&] { channel->SetGain(0.01f * static_cast<float>(Draw(100))); },
+            [&] { channel->SetGain(0.01F * static_cast<float>(Draw(100))); },
             [&] {
                 channel->SetPosition({static_cast<float>(Draw(20)), 0, 1});
             },
@@ -88,7 +88,7 @@ protected:
             [&] {
                 driver.SetListenerPosition({static_cast<float>(Draw(20)), 0, 1});
             },
-            [&] { EXPECT_LE(channel->GetRemainLength(), 1000u); },
+            [&] { EXPECT_LE(channel->GetRemainLength(), 1000U); },
             [&] { EXPECT_TRUE(driver.SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbAlley, 2, 0)); },
             [&] { driver.ResetFXEnvReverb(0); }, [&] { channel->SetFXEnvReverbSourceProperties(&dull); }};
         ways[Draw(static_cast<int>(std::size(ways)))]();

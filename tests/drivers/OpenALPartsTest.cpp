@@ -35,15 +35,15 @@ TEST(PcmConverter, EveryFormComesOutAsTheFloatsThatItsBytesStandFor)
         std::vector<float> mono, stereo;
     };
     const Row rows[] = {
-        {1, 1, {0x80, 0x00, 0xFF}, {0.0f, -1.0f, 127.0f / 128}, {0, 0, -1, -1, 127.0f / 128, 127.0f / 128}},
-        {2, 1, {0x00, 0x80, 0xFF, 0x7F, 0xFF, 0xFF}, {-1.0f, 32767.0f / 32768, -1.0f / 32768},
-            {-1, -1, 32767.0f / 32768, 32767.0f / 32768, -1.0f / 32768, -1.0f / 32768}},
-        {3, 1, {0x00, 0x00, 0x80, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x40}, {-1.0f, -1.0f / 8388608, 0.5f},
-            {-1, -1, -1.0f / 8388608, -1.0f / 8388608, 0.5f, 0.5f}},
-        {4, 1, {0x00, 0x00, 0x00, 0x80, 0x00, 0x00, 0x00, 0x20}, {-1.0f, 0.25f}, {-1, -1, 0.25f, 0.25f}},
-        {2, 2, {0x00, 0x40, 0x00, 0xC0, 0x00, 0x40, 0x00, 0x00}, {0.0f, 0.25f}, {0.5f, -0.5f, 0.5f, 0}},
+        {1, 1, {0x80, 0x00, 0xFF}, {0.0F, -1.0F, 127.0F / 128}, {0, 0, -1, -1, 127.0F / 128, 127.0F / 128}},
+        {2, 1, {0x00, 0x80, 0xFF, 0x7F, 0xFF, 0xFF}, {-1.0F, 32767.0F / 32768, -1.0F / 32768},
+            {-1, -1, 32767.0F / 32768, 32767.0F / 32768, -1.0F / 32768, -1.0F / 32768}},
+        {3, 1, {0x00, 0x00, 0x80, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x40}, {-1.0F, -1.0F / 8388608, 0.5F},
+            {-1, -1, -1.0F / 8388608, -1.0F / 8388608, 0.5F, 0.5F}},
+        {4, 1, {0x00, 0x00, 0x00, 0x80, 0x00, 0x00, 0x00, 0x20}, {-1.0F, 0.25F}, {-1, -1, 0.25F, 0.25F}},
+        {2, 2, {0x00, 0x40, 0x00, 0xC0, 0x00, 0x40, 0x00, 0x00}, {0.0F, 0.25F}, {0.5F, -0.5F, 0.5F, 0}},
         // Left, right, and two for both sides: (0.5 + 0.5 * (1/4 - 1)) / 2 and (-0.5 + 0.5 * (1/4 - 1)) / 2.
-        {1, 4, {0xC0, 0x40, 0xA0, 0x00}, {-0.1875f}, {0.0625f, -0.4375f}},
+        {1, 4, {0xC0, 0x40, 0xA0, 0x00}, {-0.1875F}, {0.0625F, -0.4375F}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows));
@@ -60,8 +60,8 @@ TEST(PcmConverter, EveryFormComesOutAsTheFloatsThatItsBytesStandFor)
 
 TEST(WavSink, SamplesAreRoundedToTheNearestAndClipped)
 {
-    const std::pair<float, int> rows[] = {{0.0f, 0}, {-1.0f, -32768}, {1.0f, 32767}, {7.0f, 32767},
-        {-7.0f, -32768}, {0.6f / 32768, 1}, {0.4f / 32768, 0}, {-0.6f / 32768, -1}, {12345.0f / 32768, 12345},
+    const std::pair<float, int> rows[] = {{0.0F, 0}, {-1.0F, -32768}, {1.0F, 32767}, {7.0F, 32767},
+        {-7.0F, -32768}, {0.6F / 32768, 1}, {0.4F / 32768, 0}, {-0.6F / 32768, -1}, {12345.0F / 32768, 12345},
         {noNumber, 0}, {infinite, 32767}, {-infinite, -32768}};
     for (const auto& [sample, expected] : rows) {
         EXPECT_EQ(ToSigned16(sample), expected) << sample;
@@ -80,7 +80,7 @@ TEST(WavSink, TheFileIsWholeAfterEveryCommitAndStaysSoWhenTheDiskRunsFull)
     const rlimit small = {20000, before.rlim_max};
     std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &small);
-    const std::vector<float> block(2 * 700, 0.25f);
+    const std::vector<float> block(2 * 700, 0.25F);
     for (size_t commits = 0; commits < 12; ++commits) {
         const Rendering read = ReadRendering(path);
         EXPECT_EQ(read.GetFrames(), 700 * std::min<size_t>(commits, 7));

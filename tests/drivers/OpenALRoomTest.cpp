@@ -23,7 +23,7 @@ using Testing::OwnedList;
 
 constexpr int rateHz = OfflineRig::rateHz;
 /// Of a sound whose direct path is closed, so that only the room is heard.
-constexpr FXEnvReverbSourceProperties onlyRoom = {-10000, 0, 0, 0, 0.0f, 0, 0.0f, 0, 0.0f};
+constexpr FXEnvReverbSourceProperties onlyRoom = {-10000, 0, 0, 0, 0.0F, 0, 0.0F, 0, 0.0F};
 /// Of each side, for a sound straight ahead.
 constexpr double frontGain = 0.5957;
 
@@ -88,12 +88,12 @@ TEST_F(Rooms, ARoomCanHaveAnyTimesThatItsFieldsAllow)
 {
     PlayTone(440);
     FXEnvReverb room = fxEnvReverbLivingRoom;
-    for (const float decayTime : {0.1f, 0.3f, 0.5f, 0.8f, 1.1f, 2.0f, 20.0f}) {
-        for (const float percent : {0.0f, 50.0f, 100.0f}) {
+    for (const float decayTime : {0.1F, 0.3F, 0.5F, 0.8F, 1.1F, 2.0F, 20.0F}) {
+        for (const float percent : {0.0F, 50.0F, 100.0F}) {
             room.decayTime = decayTime;
-            room.decayHFRatio = 0.1f;
+            room.decayHFRatio = 0.1F;
             room.diffusion = percent;
-            room.density = 100.0f;
+            room.density = 100.0F;
             SetRoom(&room);
             rig->Step(300);
         }
@@ -158,11 +158,11 @@ TEST_F(Rooms, TheLateReverbIsAsLoudAsItsRecordSaysAtAnyDecayTime)
 {
     const auto noise = MakeFile({rateHz}, [](int i, int) { return 0.2 * Scatter()(i, 0); });
     double usual = 0.0;
-    for (const float decayTime : {1.49f, 0.4f, 0.75f, 1.0f, 4.0f, 10.0f}) {
+    for (const float decayTime : {1.49F, 0.4F, 0.75F, 1.0F, 4.0F, 10.0F}) {
         rig = std::make_unique<OfflineRig>();
         FXEnvReverb room = fxEnvReverbGeneric;
         room.decayTime = decayTime;
-        room.decayHFRatio = 1.0f;
+        room.decayHFRatio = 1.0F;
         room.reflections = -10000;
         room.reverb = 0;
         SetRoom(&room);
@@ -172,7 +172,7 @@ TEST_F(Rooms, TheLateReverbIsAsLoudAsItsRecordSaysAtAnyDecayTime)
         channel->Play();
         rig->StepTimes(static_cast<int>(10 * decayTime) + 10, 100);
         const double level = 20 * std::log10(GetLevel(1000));
-        usual = decayTime == 1.49f ? level : usual;
+        usual = decayTime == 1.49F ? level : usual;
         EXPECT_NEAR(level, usual, 1.5) << decayTime;
         rig->Close();
         noise->Rewind();
@@ -206,7 +206,7 @@ TEST_F(Rooms, AChangeOfRoomDoesNotClickAndAfterAResetTheSoundIsAsDryAsBefore)
         &fxEnvReverbSewerPipe, nullptr, &fxEnvReverbBathRoom, &fxEnvReverbPsychotic};
     PlayTone(100)->FadeIn(500);
     rig->StepTimes(20, 50);
-    for (const unsigned long ms : {800ul, 437ul, 103ul, 51ul, 40ul}) {
+    for (const unsigned long ms : {800UL, 437UL, 103UL, 51UL, 40UL}) {
         for (const FXEnvReverb* const room : rooms) {
             rig->Step(ms, [&] { SetRoom(room); });
         }
@@ -235,9 +235,9 @@ TEST_F(Rooms, SourcePropertiesWeakenTheDirectSoundAndTheWayIntoTheRoom)
     };
     const Row directRows[] = {{{0, 0, 0, 0, 0, 0, 0, 0, 0}, 0, 0},
         {{-600, 0, 0, 0, 0, 0, 0, 0, 0}, -600, -600}, {{0, -1200, 0, 0, 0, 0, 0, 0, 0}, 0, -1200},
-        {{0, 0, 0, 0, 0, -1000, 0.25f, 0, 0}, -250, -1000},
-        {{-300, 0, 0, 0, 0, -1000, 0.5f, -800, 1.0f}, -1600, -2100},
-        {{500, 500, 0, 0, 0, 500, 0, 500, 2.0f}, 0, 0}};
+        {{0, 0, 0, 0, 0, -1000, 0.25F, 0, 0}, -250, -1000},
+        {{-300, 0, 0, 0, 0, -1000, 0.5F, -800, 1.0F}, -1600, -2100},
+        {{500, 500, 0, 0, 0, 500, 0, 500, 2.0F}, 0, 0}};
     for (const bool isHigh : {false, true}) {
         SndChannel* const tone = PlayTone(isHigh ? 5000 : 100);
         for (const Row& row : directRows) {
@@ -254,7 +254,7 @@ TEST_F(Rooms, SourcePropertiesWeakenTheDirectSoundAndTheWayIntoTheRoom)
     const double plain = GetLevel(500);
     const std::pair<FXEnvReverbSourceProperties, int> roomRows[] = {
         {{-10000, 0, -900, 0, 0, 0, 0, 0, 0}, -900}, {{-10000, 0, 0, 0, 0, -5000, 1, 0, 0}, 0},
-        {{-10000, 0, -300, 0, 0, 0, 0, -1000, 0.5f}, -800}};
+        {{-10000, 0, -300, 0, 0, 0, 0, -1000, 0.5F}, -800}};
     for (const auto& [properties, expected] : roomRows) {
         inRoom->SetFXEnvReverbSourceProperties(&properties);
         rig->StepTimes(60, 50);
@@ -273,7 +273,7 @@ TEST_F(Rooms, TheRoomIsAsLoudFromAfarUnlessTheSourceHasARolloffForIt)
     rig->StepTimes(60, 50);
     EXPECT_NEAR(GetLevel(500) / near, 1.0, 0.02);
     FXEnvReverbSourceProperties falling = onlyRoom;
-    falling.roomRolloffFactor = 1.0f;
+    falling.roomRolloffFactor = 1.0F;
     channel->SetFXEnvReverbSourceProperties(&falling);
     rig->StepTimes(60, 50);
     EXPECT_NEAR(GetLevel(500) / near, 1.0 / 8, 0.01);
@@ -377,13 +377,13 @@ protected:
 
 TEST_F(OwnRoom, ItRingsOutInItsTimeAfterTheSoundHasEnded)
 {
-    for (const unsigned int flags : {0u, unsigned{ChanPositional}}) {
+    for (const unsigned int flags : {0U, unsigned{ChanPositional}}) {
         const size_t begin = rig->Heard().GetFrames();
         SndChannel* const channel = PlayIn(fxEnvReverbStoneRoom, flags);
         ASSERT_TRUE(channel->GetFXEnvReverbListenerProperties(&live));
         EXPECT_EQ(live.decayTime, fxEnvReverbStoneRoom.decayTime);
         rig->StepTimes(3, 50);
-        EXPECT_EQ(rig->TakeEvents().size(), 1u) << "the channel is free already";
+        EXPECT_EQ(rig->TakeEvents().size(), 1U) << "the channel is free already";
         EXPECT_FALSE(channel->GetFXEnvReverbListenerProperties(&live));
         rig->StepTimes(60, 50);
         // Past the click itself, which is heard as well.
@@ -398,7 +398,7 @@ TEST_F(OwnRoom, ItIsAsFarAwayAsItsSound)
     for (const int far : {0, 1}) {
         SndChannel* const channel = PlayIn(fxEnvReverbCave, ChanPositional);
         channel->SetMinMaxDistance(1, 100, false);
-        channel->SetPosition({0, 0, far ? -8.0f : -1.0f});
+        channel->SetPosition({0, 0, far ? -8.0F : -1.0F});
         rig->StepTimes(6, 50);
         levels[far] = GetLevel(200);
         rig->StepTimes(100, 50);

@@ -33,7 +33,7 @@ TEST(OpenALScarce, RoomsAreRefusedAndSoundsPlayAsWithoutThem)
     OfflineRig rig;
     SoundCaps caps;
     EXPECT_TRUE(rig.GetDriver().GetCaps(caps));
-    EXPECT_EQ(caps.GetFlags(), 0u);
+    EXPECT_EQ(caps.GetFlags(), 0U);
     EXPECT_FALSE(rig.GetDriver().SetFXEnvReverb(&fxEnvReverbGeneric, 2, 0));
     const FXEnvReverbSourceProperties silent = {-10000, 0, 0, 0, 0, 0, 0, 0, 0};
     Testing::OwnedList list;

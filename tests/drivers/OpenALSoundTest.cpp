@@ -33,15 +33,15 @@ TEST(OpenALSound, GainAndMainGainAreFactorsAndWhatIsNoNumberIsIgnored)
         float gain, mainGain;
         double heard;
     };
-    const Row rows[] = {{0.5f, 1.0f, 0.25}, {0.25f, 1.0f, 0.125}, {0.25f, 0.5f, 0.0625},
-        {noNumber, noNumber, 0.0625}, {7.0f, 0.5f, 0.25}, {7.0f, 7.0f, 0.5}, {-1.0f, 1.0f, 0.0}};
+    const Row rows[] = {{0.5F, 1.0F, 0.25}, {0.25F, 1.0F, 0.125}, {0.25F, 0.5F, 0.0625},
+        {noNumber, noNumber, 0.0625}, {7.0F, 0.5F, 0.25}, {7.0F, 7.0F, 0.5}, {-1.0F, 1.0F, 0.0}};
     for (const Row& row : rows) {
         channel->SetGain(row.gain);
         driver.SetMainGain(row.mainGain);
         rig.Step(40);
         EXPECT_EQ(rig.Heard().samples.back(), row.heard) << "row " << &row - rows;
     }
-    EXPECT_EQ(driver.GetMainGain(), 1.0f);
+    EXPECT_EQ(driver.GetMainGain(), 1.0F);
     channel->FadeIn(1000);
     channel->Stop();
     ASSERT_EQ(rig.Play(*file), channel);
@@ -86,7 +86,7 @@ TEST_F(Placed, GainFallsWithDistanceByTheInverseLawBetweenMinimumAndMaximum)
         double gain;
     };
     const Row rows[] = {{2, 50, 1, 1, 1.0}, {2, 50, 1, 2, 1.0}, {2, 50, 1, 4, 0.5}, {2, 50, 1, 50, 0.04},
-        {2, 50, 1, 500, 0.04}, {2, 50, 2, 4, 2.0 / (2 + 2 * 2)}, {2, 50, 0.5f, 10, 2.0 / (2 + 0.5 * 8)},
+        {2, 50, 1, 500, 0.04}, {2, 50, 2, 4, 2.0 / (2 + 2 * 2)}, {2, 50, 0.5F, 10, 2.0 / (2 + 0.5 * 8)},
         {2, 50, 0, 40, 1.0}, {10, 100, 1, 20, 0.5},
         // None set: the 10 and 500 of a definition that sets none.
         {0, 0, 1, 30, 10.0 / 30},
@@ -116,7 +116,7 @@ TEST_F(Placed, CutoutSilencesASoundBeyondItsMaximumWhoeverMoves)
     channel->SetMinMaxDistance(100, 20, false);
     EXPECT_NEAR(Gain(), 1.0, 0.002);
     channel->SetMinMaxDistance(100, 20, true);
-    channel->SetGain(0.5f);
+    channel->SetGain(0.5F);
     EXPECT_EQ(Gain(), 0.0);
     channel->SetMinMaxDistance(100, 30, true);
     EXPECT_NEAR(Gain(), 0.5, 0.002);
@@ -124,7 +124,7 @@ TEST_F(Placed, CutoutSilencesASoundBeyondItsMaximumWhoeverMoves)
 
 TEST_F(Placed, ConeGainGoesFromInnerToOuterAngleInAStraightLine)
 {
-    channel->SetCone(60.0f, 120.0f, 0.2f);
+    channel->SetCone(60.0F, 120.0F, 0.2F);
     channel->SetPosition({0, 0, -1});
     Play();
     // By the angle between the cone's axis and the way to the listener; the cone's angles are whole openings.
@@ -136,7 +136,7 @@ TEST_F(Placed, ConeGainGoesFromInnerToOuterAngleInAStraightLine)
         EXPECT_NEAR(Gain(), gain, 0.002) << degrees;
     }
     // Held to a whole turn and a gain of 1.
-    channel->SetCone(400.0f, 90.0f, 2.0f);
+    channel->SetCone(400.0F, 90.0F, 2.0F);
     EXPECT_NEAR(Gain(), 1.0, 0.002);
 }
 
@@ -176,8 +176,8 @@ TEST_F(Placed, NumbersThatAreNoneOrFarTooLargeLeaveNoTrace)
     channel->SetMinMaxDistance(noNumber, 50, false);
     channel->SetCone(noNumber, 50, 0);
     driver.SetRolloffFactor(noNumber);
-    channel->SetPosition({infinite, -infinite, 3e38f});
-    driver.SetListenerPosition({-infinite, infinite, 3e38f});
+    channel->SetPosition({infinite, -infinite, 3e38F});
+    driver.SetListenerPosition({-infinite, infinite, 3e38F});
     rig.Step(40);
     channel->SetPosition({0, 0, -4});
     driver.SetListenerPosition({0, 0, 0});
@@ -237,7 +237,7 @@ TEST(OpenALSound, AChangeOfRateInTheMiddleLeavesNoGap)
     OfflineRig rig;
     const auto file = MakeFile({40 * 22050, 22050}, Constant(0.5));
     SndChannel* const channel = rig.Play(*file, ChanChgFrequency);
-    for (const unsigned long hz : {22050ul, 100ul, 100000ul, 22050ul, 100ul, 44100ul, 8000ul, 100000ul}) {
+    for (const unsigned long hz : {22050UL, 100UL, 100000UL, 22050UL, 100UL, 44100UL, 8000UL, 100000UL}) {
         channel->SetFrequency(hz);
         rig.Step(100);
     }

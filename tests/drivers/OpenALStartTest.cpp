@@ -134,11 +134,11 @@ TEST(OpenALStart, TheSilenceBeforeASoundIsNoPartOfItsLength)
         channel->Play();
     });
     rig.Step(20);
-    EXPECT_EQ(channel->GetRemainLength(), 50u);
+    EXPECT_EQ(channel->GetRemainLength(), 50U);
     rig.Step(40);
-    EXPECT_EQ(channel->GetRemainLength(), 20u);
+    EXPECT_EQ(channel->GetRemainLength(), 20U);
     rig.Step(40);
-    EXPECT_EQ(channel->GetRemainLength(), 30u);
+    EXPECT_EQ(channel->GetRemainLength(), 30U);
     rig.Step(40);
     const std::vector<DriverEvent> expected = {
         {SndFileChanged, channel, &first, &second, 150}, {SndChannelEnded, channel, nullptr, nullptr, 190}};

@@ -43,7 +43,7 @@ TEST(OpenALStream, AQueueOfFilesAndALoopAreHeardBitByBitWithoutASeam)
             }
         }
         const bool isLoop = lengths.size() == 1;
-        rig.Play(*head, isLoop ? ChanLooping : 0u);
+        rig.Play(*head, isLoop ? ChanLooping : 0U);
         for (const unsigned long ms : {41, 97, 62, 400}) {
             rig.Step(ms);
         }
@@ -69,7 +69,7 @@ TEST(OpenALStream, AnyNumberOfThreadsRendersTheSame)
             FormulaFile& file = rig.Make({3000 + 997 * i, i % 2 ? 22050 : rateHz, 1 + i % 3 / 2},
                 [i](int frame, int side) { return 0.05 * Scatter()(frame + i, side); });
             file.Add(&rig.Make({5000, file.GetSampleFrequency(), file.GetChannels()}, Scatter()));
-            rig.Play(file, i % 4 == 0 ? ChanLooping : 0u);
+            rig.Play(file, i % 4 == 0 ? ChanLooping : 0U);
             rig.Step(static_cast<unsigned long>(40 + i));
         }
         rig.Step(1000);
@@ -92,7 +92,7 @@ TEST(OpenALFade, FadesAreStraightLinesInWhichTheGainCountsAndTheEndOfOneIsTheEnd
         rig.StepTimes(2, 50);
         channel->FadeOut(500);
         rig.StepTimes(6, 50);
-        channel->SetGain(0.5f);
+        channel->SetGain(0.5F);
         rig.StepTimes(3, 50);
         EXPECT_TRUE(rig.TakeEvents().empty());
         rig.Step(50);

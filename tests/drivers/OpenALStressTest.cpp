@@ -136,7 +136,7 @@ protected:
     void OnSoundEnd(int id, const PString& name) override { OnSoundAbort(id, name, 0); }
     void OnSoundAbort(int id, const PString&, int) override
     {
-        EXPECT_EQ(running.erase(id), 1u) << "ended without having begun";
+        EXPECT_EQ(running.erase(id), 1U) << "ended without having begun";
         React(id);
     }
     void OnBufferFree(int id, void* data) override
@@ -179,7 +179,7 @@ TEST_F(StressGame, EverySoundBeginsAndEndsOnceAndEveryBlockComesBackOnce)
     EXPECT_GT(blocksBack, 5);
     isClosing = true;
     system.Done();
-    EXPECT_EQ(running.size(), 0u);
+    EXPECT_EQ(running.size(), 0U);
     for (const Block& block : blocks) {
         EXPECT_EQ(block.owner, nobody);
     }

@@ -174,8 +174,8 @@ TEST_F(BlockReaders, TakeWholeNumbersOf32BitsAndTruthValuesOnly)
 
 TEST_F(BlockReaders, TakeFiniteFloatsWhateverTheLocale)
 {
-    const std::pair<const char*, float> good[] = {{"0.8", 0.8f}, {"-50.0", -50.0f}, {"1e3", 1000.0f},
-        {"+.5", 0.5f}, {"5.", 5.0f}, {"12", 12.0f}, {"3.4028234e38", 3.4028234e38f}};
+    const std::pair<const char*, float> good[] = {{"0.8", 0.8F}, {"-50.0", -50.0F}, {"1e3", 1000.0F},
+        {"+.5", 0.5F}, {"5.", 5.0F}, {"12", 12.0F}, {"3.4028234e38", 3.4028234e38F}};
     for (const char* locale : {"C", "de_DE.UTF-8", "de_DE"}) {
         // A machine without the German locales still tests the first round.
         if (std::setlocale(LC_ALL, locale) == nullptr) {
@@ -199,8 +199,8 @@ TEST_F(BlockReaders, LeaveAValueOfAnotherKindForTheNextRead)
     ASSERT_TRUE(block.Next(text));
     float values[4] = {9, 9, 9, 9};
     EXPECT_EQ(block.ReadFloatv(values, 4), 2);
-    EXPECT_EQ(values[1], 2.5f);
-    EXPECT_EQ(values[2], 9.0f);
+    EXPECT_EQ(values[1], 2.5F);
+    EXPECT_EQ(values[2], 9.0F);
     bool truth = false;
     int number = 0;
     EXPECT_FALSE(block.ReadBool(truth) || block.ReadInt(number));
@@ -306,7 +306,7 @@ TEST_F(BlockReaders, EndWhateverIsCalledOnWhateverText)
     }
     reader.SetListener(nullptr);
     EXPECT_GT(keywords, 600);
-    EXPECT_GT(listener.length, 0u);
+    EXPECT_GT(listener.length, 0U);
 }
 
 } // namespace

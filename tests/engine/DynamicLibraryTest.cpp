@@ -121,7 +121,7 @@ TEST(DynamicLibrary, RefusesEveryTruncationThatCannotRun)
 {
     const TempFolder folder;
     const std::uintmax_t whole = std::filesystem::file_size(module);
-    ASSERT_GT(whole, 80000u);
+    ASSERT_GT(whole, 80000U);
     const OS os;
     int refused = 0;
     for (std::uintmax_t kept = 0; kept < whole; kept += 997) {

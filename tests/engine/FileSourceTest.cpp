@@ -50,8 +50,9 @@ TEST_F(FileSources, AreReadAsAFolderIs)
 {
     TempFolder folder;
     MemorySource::Bytes bytes(150);
-    for (std::size_t i = 0; i < bytes.size(); ++i)
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
         bytes[i] = static_cast<unsigned char>(i);
+    }
     folder.Write("a.bin", bytes);
     source->files["a.bin"] = bytes;
     const PString folderOwner("folder of the source tests");
@@ -105,7 +106,7 @@ TEST_F(FileSources, AreRefusedForTheirSizeAsAFolderIs)
     ASSERT_EQ(Open("a.bin"), File::Opened);
     EXPECT_THROW(file.Size(), FileEx);
     char byte = 0;
-    EXPECT_EQ(file.Read(&byte, 1, 1), 0u);
+    EXPECT_EQ(file.Read(&byte, 1, 1), 0U);
 }
 
 // A pak on a disk that fails, or one that is shorter than its directory says.
@@ -115,18 +116,18 @@ TEST_F(FileSources, EndWhereTheirStreamFailsAndGoOnWhenItWorksAgain)
     source->statedSize = 10;
     ASSERT_EQ(Open("a.bin"), File::Opened);
     unsigned char buffer[10] = {};
-    EXPECT_EQ(file.Read(buffer, 10, 1), 4u);
-    EXPECT_EQ(file.Seek(1, FileSeek::Start), 1u);
+    EXPECT_EQ(file.Read(buffer, 10, 1), 4U);
+    EXPECT_EQ(file.Seek(1, FileSeek::Start), 1U);
     source->failsToSeek = true;
-    EXPECT_EQ(file.Read(buffer, 1, 1), 0u);
+    EXPECT_EQ(file.Read(buffer, 1, 1), 0U);
     source->failsToSeek = false;
-    EXPECT_EQ(file.Read(buffer, 1, 1), 1u);
+    EXPECT_EQ(file.Read(buffer, 1, 1), 1U);
     EXPECT_EQ(buffer[0], 2);
     source->failsToRead = true;
-    EXPECT_EQ(file.Read(buffer, 1, 1), 0u);
+    EXPECT_EQ(file.Read(buffer, 1, 1), 0U);
     source->failsToRead = false;
     source->seeks = 0;
-    EXPECT_EQ(file.Read(buffer, 2, 1), 2u);
+    EXPECT_EQ(file.Read(buffer, 2, 1), 2U);
     EXPECT_EQ(buffer[0], 3);
     EXPECT_EQ(source->seeks, 1) << "where a stream that failed stands is unknown";
 }
@@ -143,7 +144,7 @@ TEST_F(FileSources, LiveAsLongAsTheirFiles)
     EXPECT_FALSE(File::AddRoot(owner, std::shared_ptr<FileSource>()));
     EXPECT_TRUE(File::AddRoot(owner, source));
     char byte = 0;
-    EXPECT_EQ(file.Read(&byte, 1, 1), 1u);
+    EXPECT_EQ(file.Read(&byte, 1, 1), 1U);
     EXPECT_EQ(byte, 7);
     file.Close();
     EXPECT_TRUE(watched.expired());

@@ -14,22 +14,22 @@ TEST_F(Files, ReadAndSeekByBytes)
     ASSERT_EQ(Open("inside.txt"), File::Opened);
     EXPECT_TRUE(file.IsOpen());
     char buffer[16] = {};
-    EXPECT_EQ(file.Size(), 10u);
-    EXPECT_EQ(file.Read(buffer, 4, 1), 4u);
+    EXPECT_EQ(file.Size(), 10U);
+    EXPECT_EQ(file.Read(buffer, 4, 1), 4U);
     EXPECT_STREQ(buffer, "0123");
-    EXPECT_EQ(file.Seek(2, FileSeek::Current), 6u);
-    EXPECT_EQ(file.Read(buffer, 2, 8), 4u);
+    EXPECT_EQ(file.Seek(2, FileSeek::Current), 6U);
+    EXPECT_EQ(file.Read(buffer, 2, 8), 4U);
     EXPECT_EQ(std::string_view(buffer, 4), "6789");
-    EXPECT_EQ(file.Seek(-3, FileSeek::End), 7u);
+    EXPECT_EQ(file.Seek(-3, FileSeek::End), 7U);
     EXPECT_EQ(file.Seek(-1, FileSeek::Start), +File::seekFailed);
-    EXPECT_EQ(file.Read(buffer, 1, 1), 1u);
+    EXPECT_EQ(file.Read(buffer, 1, 1), 1U);
     EXPECT_EQ(buffer[0], '7');
-    EXPECT_EQ(file.Seek(100, FileSeek::Start), 100u);
-    EXPECT_EQ(file.Read(buffer, 1, 1), 0u);
-    EXPECT_EQ(file.Read(buffer, static_cast<unsigned long>(-1), 2), 0u);
-    EXPECT_EQ(file.Close(), 0u);
+    EXPECT_EQ(file.Seek(100, FileSeek::Start), 100U);
+    EXPECT_EQ(file.Read(buffer, 1, 1), 0U);
+    EXPECT_EQ(file.Read(buffer, static_cast<unsigned long>(-1), 2), 0U);
+    EXPECT_EQ(file.Close(), 0U);
     EXPECT_FALSE(file.IsOpen());
-    EXPECT_EQ(file.Read(buffer, 1, 1), 0u);
+    EXPECT_EQ(file.Read(buffer, 1, 1), 0U);
     EXPECT_EQ(file.Seek(0, FileSeek::Start), +File::seekFailed);
 }
 
@@ -69,10 +69,10 @@ TEST_F(Files, TellWhyTheyDoNotOpen)
     EXPECT_EQ(Open("empty.wav"), File::Empty);
     EXPECT_EQ(Open("large.wav"), File::TooLarge);
     ASSERT_EQ(Open("almost.wav"), File::Opened);
-    EXPECT_EQ(file.Size(), 0x7FFFFFFFu);
-    EXPECT_EQ(file.Seek(0x7FFFFFFE, FileSeek::Start), 0x7FFFFFFEu);
+    EXPECT_EQ(file.Size(), 0x7FFFFFFFU);
+    EXPECT_EQ(file.Seek(0x7FFFFFFE, FileSeek::Start), 0x7FFFFFFEU);
     char last = 'x';
-    EXPECT_EQ(file.Read(&last, 1, 2), 1u);
+    EXPECT_EQ(file.Read(&last, 1, 2), 1U);
     EXPECT_EQ(last, '\0');
 }
 
@@ -101,11 +101,11 @@ TEST_F(Files, HaveARootForEachOwner)
 TEST_F(Files, KeepTheLengthThatWasAskedFirstAndThrowWhenTheSystemTellsNone)
 {
     ASSERT_EQ(Open("inside.txt"), File::Opened);
-    EXPECT_EQ(file.Size(), 10u);
+    EXPECT_EQ(file.Size(), 10U);
     std::filesystem::resize_file(folder.Path("root/inside.txt"), 3);
-    EXPECT_EQ(file.Size(), 10u);
+    EXPECT_EQ(file.Size(), 10U);
     char buffer[10];
-    EXPECT_EQ(file.Read(buffer, 10, 1), 3u);
+    EXPECT_EQ(file.Read(buffer, 10, 1), 3U);
     file.Close();
     try {
         file.Size();

@@ -24,7 +24,7 @@ TEST(MessageHooks, HearWhatIsPutTogetherAndCountAsLongAsTheirOwnerLives)
     Report(MessageLevel::Error, "nobody hears this");
     first->SetMessageHook(hook, &heard);
     second.SetMessageHook(nullptr);
-    Report(MessageLevel::Warning, "a ", PString("b"), " c ", -3, 1u, " ", 1.5F);
+    Report(MessageLevel::Warning, "a ", PString("b"), " c ", -3, 1U, " ", 1.5F);
     second.SetMessageHook(hook, &heard);
     first.reset();
     Report(MessageLevel::Note, "still here");

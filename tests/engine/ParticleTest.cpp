@@ -34,7 +34,7 @@ public:
     mutable int resets = 0;
 };
 
-void ExpectNear(const Vector3& actual, const Vector3& expected, float tolerance = 1e-5f)
+void ExpectNear(const Vector3& actual, const Vector3& expected, float tolerance = 1e-5F)
 {
     EXPECT_NEAR(actual.x, expected.x, tolerance);
     EXPECT_NEAR(actual.y, expected.y, tolerance);
@@ -42,7 +42,7 @@ void ExpectNear(const Vector3& actual, const Vector3& expected, float tolerance 
 }
 
 /// A quarter turn about Z: X goes to Y.
-const Quaternion quarterZ{0.0f, 0.0f, std::sqrt(0.5f), std::sqrt(0.5f)};
+const Quaternion quarterZ{0.0F, 0.0F, std::sqrt(0.5F), std::sqrt(0.5F)};
 
 TEST(Particle, IsAddedByTheNameOfANode)
 {
@@ -124,7 +124,7 @@ TEST(Particle, CopesWithVeryDeepTrees)
         }
     }
     nodes.front()->SetPosition({2, 0, 0});
-    EXPECT_EQ(nodes.back()->GetGlobalPosition().x, 5001.0f);
+    EXPECT_EQ(nodes.back()->GetGlobalPosition().x, 5001.0F);
     EXPECT_FALSE(nodes.back()->Add(nodes.front().get()));
 }
 
@@ -208,9 +208,9 @@ TEST(Particle, AgreesWithAPlainModelOfRandomScenes)
                 place = model[up].position + Rotate(model[up].orientation, place);
                 direction = Rotate(model[up].orientation, direction);
             }
-            ExpectNear(node.GetGlobalPosition(), place, 1e-4f);
+            ExpectNear(node.GetGlobalPosition(), place, 1e-4F);
             node.LocalToGlobal(orientation);
-            ExpectNear(Rotate(orientation, {1, 2, 3}), direction, 1e-4f);
+            ExpectNear(Rotate(orientation, {1, 2, 3}), direction, 1e-4F);
         }
         for (int any = 0; any < nodeCount; ++any) {
             ASSERT_EQ(nodes[any]->resets, moves && isBelow(any, index)) << "node " << any;

@@ -17,12 +17,12 @@ constexpr float infinity = std::numeric_limits<float>::infinity();
 
 void ExpectNear(const Vector3& actual, const Vector3& expected)
 {
-    EXPECT_LT(LengthSquared(actual - expected), 1e-10f);
+    EXPECT_LT(LengthSquared(actual - expected), 1e-10F);
 }
 
 void ExpectUnit(const Quaternion& q)
 {
-    EXPECT_NEAR(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w, 1.0f, 2e-6f);
+    EXPECT_NEAR(q.x * q.x + q.y * q.y + q.z * q.z + q.w * q.w, 1.0F, 2e-6F);
 }
 
 // About X, Y, Z: the trace is -1 and only one of the four ways to the fields works.
@@ -60,17 +60,17 @@ TEST(Quaternion, StaysFiniteAndOfLengthOneForMatricesThatAreNoRotations)
 TEST(Quaternion, RotateKnowsNoLengthAndAProductTurnsByTheInnerOneFirst)
 {
     // A third of a turn about the diagonal: X goes to Y, Y to Z.
-    const Quaternion third{0.5f, 0.5f, 0.5f, 0.5f};
+    const Quaternion third{0.5F, 0.5F, 0.5F, 0.5F};
     const Vector3 v{2, -3, 5};
-    for (const float length : {1.0f, 1e-18f, 1e18f, -3.0f}) {
+    for (const float length : {1.0F, 1e-18F, 1e18F, -3.0F}) {
         SCOPED_TRACE(length);
-        const float field = 0.5f * length;
+        const float field = 0.5F * length;
         ExpectNear(Rotate({field, field, field, field}, v), {5, 2, -3});
     }
     EXPECT_EQ(Rotate({0, 0, 0, 0}, v), v);
     EXPECT_EQ(Rotate({0, 0, 0, infinity}, v), v);
 
-    const Quaternion outer{0.5f, -1.0f, 0.25f, 2.0f};
+    const Quaternion outer{0.5F, -1.0F, 0.25F, 2.0F};
     ExpectNear(Rotate(outer * third, v), Rotate(outer, {5, 2, -3}));
     ExpectNear(Rotate(Inverse(outer), Rotate(outer, v)), v);
     ExpectUnit(outer * Inverse(outer));

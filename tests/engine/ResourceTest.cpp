@@ -204,11 +204,11 @@ TEST_F(Resources, AreDroppedWhenNobodyHasUsedThemForARoundAndOutliveTheirDatabas
     const Resource* const held = Find("shot.wav");
     Find("both.wav")->ReleaseReference();
     database->DropUnused();
-    EXPECT_EQ(database->GetCount(), 2u);
+    EXPECT_EQ(database->GetCount(), 2U);
     Find("both.wav")->ReleaseReference();
     EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log());
     EXPECT_EQ(LogOf([&] { database->DropUnused(); }), Log{"delete both.wav"});
-    EXPECT_EQ(database->GetCount(), 1u);
+    EXPECT_EQ(database->GetCount(), 1U);
     held->Lock(database.get());
     EXPECT_EQ(LogOf([&] { PluginRegistry::Get().ReleaseAll(); }),
         (Log{"delete type txt", "delete type sound", "delete type sound.txt"}));

@@ -56,12 +56,12 @@ TEST(PString, LeavesItsNodeAloneWhileThereIsNoCache)
     {
         const PString string("kept through the end of the cache");
         node = cache->Create(reinterpret_cast<const unsigned char*>(string.GetText()));
-        ASSERT_EQ(node->references.load(), 2u);
+        ASSERT_EQ(node->references.load(), 2U);
         PString::cache = nullptr;
     }
     EXPECT_TRUE(PString("made without a cache").IsEmpty());
     PString::cache = cache;
-    EXPECT_EQ(node->references.load(), 2u);
+    EXPECT_EQ(node->references.load(), 2U);
     cache->Destroy(node);
     cache->Destroy(node);
 }
@@ -131,7 +131,7 @@ TEST(String, InsertsWhereItIsTold)
     string.Set("abcdefghijklmnopqrstuvwxyz");
     string.Ins(string.GetText() + 23, 0);
     EXPECT_STREQ(string.GetText(), "xyzabcdefghijklmnopqrstuvwxyz");
-    EXPECT_EQ(string.GetLength(), 29u);
+    EXPECT_EQ(string.GetLength(), 29U);
     string.Set(string.GetText() + 26);
     EXPECT_STREQ(string.GetText(), "xyz");
 }

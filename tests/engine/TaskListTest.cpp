@@ -58,7 +58,7 @@ protected:
         return std::make_unique<LoggingTask>(log, name, order, active);
     }
 
-    Log Updated(float seconds = 0.02f)
+    Log Updated(float seconds = 0.02F)
     {
         log.clear();
         TaskList::Get().Update(seconds);
@@ -70,25 +70,25 @@ protected:
 
 TEST_F(Tasks, RunInTheirOrderAndByAgeWhileTheyAreActiveAndDoNotStop)
 {
-    const auto late = Make("late", 9.0f);
-    const auto first = Make("first", 7.0f);
-    const auto asleep = Make("asleep", 0.0f, false);
-    const auto early = Make("early", -1.0f);
-    const auto second = Make("second", 7.0f);
+    const auto late = Make("late", 9.0F);
+    const auto first = Make("first", 7.0F);
+    const auto asleep = Make("asleep", 0.0F, false);
+    const auto early = Make("early", -1.0F);
+    const auto second = Make("second", 7.0F);
     first->result = Task::UpdateStop;
     EXPECT_EQ(Updated(), (Log{"early", "first", "second", "late"}));
-    EXPECT_EQ(late->steps, std::vector<float>{0.02f});
+    EXPECT_EQ(late->steps, std::vector<float>{0.02F});
     asleep->SetActive(true);
     EXPECT_EQ(Updated(), (Log{"early", "asleep", "second", "late"}));
 }
 
 TEST_F(Tasks, MayComeAndGoWhileOthersRun)
 {
-    auto victimBefore = Make("before", 1.0f);
-    auto killer = Make("killer", 2.0f);
-    auto victimNext = Make("next", 3.0f);
-    auto victimLast = Make("last", 4.0f);
-    const auto maker = Make("maker", 5.0f);
+    auto victimBefore = Make("before", 1.0F);
+    auto killer = Make("killer", 2.0F);
+    auto victimNext = Make("next", 3.0F);
+    auto victimLast = Make("last", 4.0F);
+    const auto maker = Make("maker", 5.0F);
     std::vector<std::unique_ptr<LoggingTask>> made;
     killer->onUpdate = [&] {
         victimBefore.reset();
@@ -97,9 +97,9 @@ TEST_F(Tasks, MayComeAndGoWhileOthersRun)
         killer.reset();
     };
     maker->onUpdate = [&] {
-        made.push_back(Make("earlier", 1.0f));
-        made.push_back(Make("equal", 5.0f));
-        made.push_back(Make("later", 6.0f));
+        made.push_back(Make("earlier", 1.0F));
+        made.push_back(Make("equal", 5.0F));
+        made.push_back(Make("later", 6.0F));
         maker->onUpdate = nullptr;
     };
     EXPECT_EQ(Updated(), (Log{"before", "killer", "maker"}));
@@ -108,12 +108,12 @@ TEST_F(Tasks, MayComeAndGoWhileOthersRun)
 
 TEST_F(Tasks, RunOnceThoughOneUpdatesAllOfThemAndAgainAfterOneHasThrown)
 {
-    const auto restless = Make("restless", 1.0f);
-    const auto other = Make("other", 2.0f);
-    restless->onUpdate = [] { TaskList::Get().Update(0.1f); };
+    const auto restless = Make("restless", 1.0F);
+    const auto other = Make("other", 2.0F);
+    restless->onUpdate = [] { TaskList::Get().Update(0.1F); };
     EXPECT_EQ(Updated(), (Log{"restless", "other"}));
     restless->onUpdate = [] { throw 5; };
-    EXPECT_THROW(TaskList::Get().Update(0.1f), int);
+    EXPECT_THROW(TaskList::Get().Update(0.1F), int);
     restless->onUpdate = nullptr;
     EXPECT_EQ(Updated(), (Log{"restless", "other"}));
 }
@@ -122,10 +122,10 @@ TEST_F(Tasks, RunOnceThoughOneUpdatesAllOfThemAndAgainAfterOneHasThrown)
 // step would add up.
 TEST_F(Tasks, ThatAreHeldBackGetTheGatheredSecondsAndLoseNoneOverHours)
 {
-    TaskList::Get().SetMinimumStep("held", 0.05f);
-    const auto held = Make("held", 1.0f);
-    const auto free = Make("free", 1.0f);
-    constexpr float frameSeconds = 0.0171f;
+    TaskList::Get().SetMinimumStep("held", 0.05F);
+    const auto held = Make("held", 1.0F);
+    const auto free = Make("free", 1.0F);
+    constexpr float frameSeconds = 0.0171F;
     constexpr int stepCount = 200000;
     for (int frame = 0; frame < 3 * stepCount; ++frame) {
         TaskList::Get().Update(frameSeconds);
@@ -137,25 +137,25 @@ TEST_F(Tasks, ThatAreHeldBackGetTheGatheredSecondsAndLoseNoneOverHours)
         received += step;
     }
     EXPECT_NEAR(received, 3.0 * stepCount * double{frameSeconds}, 1e-6);
-    TaskList::Get().SetMinimumStep("held", 0.0f);
-    TaskList::Get().Update(0.01f);
+    TaskList::Get().SetMinimumStep("held", 0.0F);
+    TaskList::Get().Update(0.01F);
     EXPECT_EQ(held->steps.size(), std::size_t{stepCount + 1});
 }
 
 TEST_F(Tasks, AreInitialisedAndEndedInTheirOrderAndTakeTimeThatIsNoneAsZero)
 {
-    const auto second = Make("second", 2.0f);
-    const auto first = Make("first", 1.0f);
+    const auto second = Make("second", 2.0F);
+    const auto first = Make("first", 1.0F);
     EXPECT_TRUE(TaskList::Get().Init(nullptr));
     TaskList::Get().Done();
     EXPECT_EQ(log, (Log{"init first", "init second", "done first", "done second"}));
     first->initResult = false;
     EXPECT_FALSE(TaskList::Get().Init(nullptr));
     for (const float seconds :
-        {-1.0f, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
+        {-1.0F, std::numeric_limits<float>::infinity(), std::numeric_limits<float>::quiet_NaN()}) {
         EXPECT_EQ(Updated(seconds), (Log{"first", "second"}));
     }
-    EXPECT_EQ(first->steps, (std::vector<float>{0.0f, 0.0f, 0.0f}));
+    EXPECT_EQ(first->steps, (std::vector<float>{0.0F, 0.0F, 0.0F}));
 }
 
 } // namespace

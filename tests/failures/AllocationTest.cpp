@@ -40,8 +40,9 @@ bool Disarm()
 
 TEST(AllocationFailures, AnActionWithoutMemoryFailsAndLeavesNothing)
 {
-    for (const FallibleAction& action : fallibleActions)
+    for (const FallibleAction& action : fallibleActions) {
         FailEachStep(action, Arm, Disarm);
+    }
 }
 
 // Whatever is left of an update without memory is left for the next one.
@@ -73,8 +74,9 @@ TEST(AllocationFailures, AnUpdateWithoutMemoryIsCutShortAndTheNextOneGoesOn)
             SmallGame::Step(100);
         }
         folder.DropResources();
-        if (step == 0)
+        if (step == 0) {
             blocksBefore = Alloc::LiveBlocks();
+        }
         EXPECT_EQ(Alloc::LiveBlocks(), blocksBefore);
         ASSERT_LT(step, 500);
     }

@@ -32,8 +32,9 @@ bool Append(SmallGame& game)
 {
     const int id = game.group.New2DSound("a.wav", nullptr);
     const bool isDone = id != 0 && game.group.CatSound(id, "b.wav", nullptr) && game.group.StartSound(id, 0);
-    if (!isDone)
+    if (!isDone) {
         game.group.DeleteSound(id);
+    }
     return isDone;
 }
 
@@ -80,10 +81,12 @@ SmallGame::SmallGame(GameFolder& newFolder)
 bool SmallGame::StartMany()
 {
     bool areStarted = true;
-    for (const char* name : {"a.wav", "b.wav", "stereo.wav", "long.wav", "adpcm.wav", "tune.mp3"})
+    for (const char* name : {"a.wav", "b.wav", "stereo.wav", "long.wav", "adpcm.wav", "tune.mp3"}) {
         areStarted = PlayFile(*this, name, 0) && areStarted;
-    for (const char* name : {"far.sound.txt", "river.sound.txt", "loop.sound.txt"})
+    }
+    for (const char* name : {"far.sound.txt", "river.sound.txt", "loop.sound.txt"}) {
         areStarted = PlayResource(*this, name, 0) && areStarted;
+    }
     return areStarted && music.Play("long.wav", true);
 }
 

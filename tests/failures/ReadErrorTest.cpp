@@ -65,8 +65,9 @@ protected:
             const std::string_view name = action.name;
             // What reads no file.
             if (name == "start-up" || name == "a block of memory" || name == "effects" ||
-                action.playedBefore || name == "a resource")
+                action.playedBefore || name == "a resource") {
                 continue;
+            }
             FailEachStep(action, arm, Disarm);
         }
     }
@@ -95,8 +96,9 @@ TEST_F(ReadErrors, AGamePlaysOnWhenAFileCannotBeReadAnyMore)
         game.microphone.Activate();
         ASSERT_TRUE(game.StartMany());
         ArmForGood(step);
-        for (int i = 0; i < 40; ++i)
+        for (int i = 0; i < 40; ++i) {
             SmallGame::Step(100);
+        }
         Disarm();
         EXPECT_TRUE(game.group.Play2DSound("bytes.wav", nullptr, 0, 0, 0) != 0);
         SmallGame::Step(50);

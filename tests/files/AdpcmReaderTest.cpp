@@ -13,8 +13,9 @@ Bytes AdpcmWave(int channels, int blockAlign, const Bytes& data, const Bytes& fa
 {
     const Bytes format = AdpcmFormat(channels, 8000, blockAlign, usualPairs);
     Bytes wave = Wave(Chunk("fmt ", format) + fact) + Chunk("data", data);
-    if (data.size() % 2 != 0)
+    if (data.size() % 2 != 0) {
         wave.pop_back();
+    }
     return wave;
 }
 
@@ -25,12 +26,15 @@ Bytes RandomBlocks(std::mt19937& random, int channels, int blockAlign, int bytes
     bool isWild = false;
     for (int i = 0; i < bytes; ++i) {
         const int offset = i % blockAlign;
-        if (offset == 0)
+        if (offset == 0) {
             isWild = random() % 2 == 0;
-        if (offset < channels)
+        }
+        if (offset < channels) {
             data.push_back(static_cast<unsigned char>(random() % usualPairs.size()));
-        else
+        }
+        else {
             data.push_back(static_cast<unsigned char>(isWild ? 0x88 - random() % 2 * 0x11 : random()));
+        }
     }
     return data;
 }
@@ -60,8 +64,8 @@ std::vector<long long> DecodeChannel(const Bytes& block, std::size_t channels, s
         const long long before = samples[samples.size() - 2];
         const long long predicted = FloorDivide256(last * coef1 + before * coef2);
         const long long step = code < 8 ? code : code - 16;
-        samples.push_back(std::clamp(predicted + delta * step, -32768ll, 32767ll));
-        delta = std::clamp(FloorDivide256(delta * factors[code]), 16ll, 4194304ll);
+        samples.push_back(std::clamp(predicted + delta * step, -32768LL, 32767LL));
+        delta = std::clamp(FloorDivide256(delta * factors[code]), 16LL, 4194304LL);
     }
     return samples;
 }
@@ -77,8 +81,9 @@ Bytes DecodePlainly(const Bytes& data, std::size_t channels, std::size_t blockAl
         const auto right = DecodeChannel(block, channels, channels - 1);
         for (std::size_t frame = 0; frame < left.size(); ++frame) {
             pcm = std::move(pcm) + Little16(left[frame]);
-            if (channels == 2)
+            if (channels == 2) {
                 pcm = std::move(pcm) + Little16(right[frame]);
+            }
         }
     }
     return pcm;
@@ -91,7 +96,7 @@ TEST_F(AdpcmReader, GivesWhatSoxGivesBitForBit)
     for (const std::string name : {ADPCM_STREAMS "/sox-mono", ADPCM_STREAMS "/sox-stereo"}) {
         SCOPED_TRACE(name);
         const Bytes expected = ReadBytes(name + ".pcm");
-        ASSERT_GT(expected.size(), 5000u);
+        ASSERT_GT(expected.size(), 5000U);
         const auto file = OpenGood(ReadBytes(name + ".wav"));
         EXPECT_EQ(file->FileType(), SndFile::FileAdpcm);
         EXPECT_TRUE(ReadAll(*file, 100) == expected);
@@ -151,7 +156,7 @@ TEST_F(AdpcmReader, ASkipThatRunsOutOfBlocksStandsAtTheEnd)
     const Bytes format = Chunk("fmt ", AdpcmFormat(1, 8000, 20, usualPairs));
     const auto file = OpenGood(Wave(format + Chunk("data", Bytes(40), 400)));
     EXPECT_EQ(file->GetSoundSamples(), 560);
-    ASSERT_EQ(ReadFrames(*file, 56).size(), 112u);
+    ASSERT_EQ(ReadFrames(*file, 56).size(), 112U);
     EXPECT_EQ(file->SkipSamples(10), 10);
     EXPECT_EQ(file->GetCurrentSample(), 66);
     EXPECT_TRUE(ReadFrames(*file, 1).empty());
@@ -160,20 +165,20 @@ TEST_F(AdpcmReader, ASkipThatRunsOutOfBlocksStandsAtTheEnd)
 
 TEST_F(AdpcmReader, ABlockWithoutCoefficientsIsTheEndUntilARewindUnlessItIsSkipped)
 {
-    for (const std::size_t channel : {0u, 1u}) {
+    for (const std::size_t channel : {0U, 1U}) {
         SCOPED_TRACE(channel);
         Bytes data(100);
         data[20 + channel] = 7;
         const auto file = OpenGood(AdpcmWave(2, 20, data));
         for (int round = 0; round < 2; ++round) {
-            EXPECT_EQ(ReadFrames(*file, 30).size(), 8u * 4);
+            EXPECT_EQ(ReadFrames(*file, 30).size(), 8U * 4);
             EXPECT_TRUE(ReadFrames(*file, 30).empty());
             EXPECT_EQ(file->SkipSamples(16), 16);
             EXPECT_TRUE(ReadFrames(*file, 30).empty());
             file->Rewind();
         }
         EXPECT_EQ(file->SkipSamples(16), 16);
-        EXPECT_EQ(ReadFrames(*file, 30).size(), 24u * 4);
+        EXPECT_EQ(ReadFrames(*file, 30).size(), 24U * 4);
     }
     // No coefficients at all are no reason to refuse a file.
     const Bytes noPairs = Chunk("fmt ", AdpcmFormat(1, 8000, 20, {}));

@@ -76,7 +76,7 @@ TEST_F(OpenFiles, ReadsEndWithTheFileAndWhatCannotBeOpenedLeavesNoTrace)
     EXPECT_EQ(bytes[9], 10);
     EXPECT_EQ(handle->ReadAt(bytes, 10, 995), 5);
     EXPECT_EQ(handle->ReadAt(bytes, 10, 1000), 0);
-    EXPECT_EQ(handle->ReadAt(bytes, 10, ~0ul), 0) << "no system takes such an offset";
+    EXPECT_EQ(handle->ReadAt(bytes, 10, ~0UL), 0) << "no system takes such an offset";
     EXPECT_EQ(handle->ReadAt(bytes, 0, 0), 0);
     EXPECT_EQ(handle->ReadAt(bytes, -1, 0), 0);
     openFiles.Release(handle);
@@ -102,8 +102,9 @@ TEST_F(OpenFiles, SoundsOnTwoThreadsShareOneFile)
     };
     std::thread driver([&] { readOver(*played); });
     readOver(*emulated);
-    for (int round = 0; round < 20; ++round)
+    for (int round = 0; round < 20; ++round) {
         wrong += Open("long") != nullptr ? 0 : 1;
+    }
     driver.join();
     EXPECT_EQ(wrong, 0);
 }

@@ -22,8 +22,9 @@ public:
     void OnBufferFree(int soundID, void* block) override
     {
         freed.emplace_back(soundID, block);
-        if (answer)
+        if (answer) {
             answer();
+        }
     }
 
     Freed freed;
@@ -62,8 +63,9 @@ TEST_F(SndFileBase, QueueGoesFromTheLastFileForwardWithoutTheHead)
     head->Add(OpenBlock(2));
     SndFile* appended = nullptr;
     witness.answer = [&] {
-        if (appended == nullptr)
+        if (appended == nullptr) {
             head->Add(appended = OpenBlock(3));
+        }
     };
     head->DeleteQueue(7, &sound);
     EXPECT_EQ(witness.freed, (Freed{{7, blocks[2]}, {7, blocks[1]}}));

@@ -50,7 +50,7 @@ TEST_F(NodeCache, AFileThatStatesMoreThanItHoldsStreamsAndWhatIsNoSoundIsNotKept
 {
     constexpr unsigned long room = std::numeric_limits<unsigned long>::max();
     cache.SetLimit(room);
-    for (const std::uint32_t stated : {60u, 0x7FFFFFFFu, 0xFFFFFFFFu}) {
+    for (const std::uint32_t stated : {60U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
         SCOPED_TRACE(stated);
         folder.Write("sound", PcmWave(1, 8000, 8, Counting(50), stated));
         const auto file = OpenSound("sound");
@@ -83,8 +83,9 @@ struct PlainCache
     unsigned long FreeBytes() const
     {
         unsigned long used = 0;
-        for (const Kept& entry : kept)
+        for (const Kept& entry : kept) {
             used += entry.size;
+        }
         return limit - used;
     }
 
@@ -97,10 +98,12 @@ struct PlainCache
                 return true;
             }
         }
-        if (size > FreeBytes())
+        if (size > FreeBytes()) {
             Evict(size - FreeBytes());
-        if (size >= FreeBytes())
+        }
+        if (size >= FreeBytes()) {
             return false;
+        }
         kept.push_back({name, size, priority, clock, 1});
         return true;
     }
@@ -111,8 +114,9 @@ struct PlainCache
         while (freed < bytes) {
             const auto worst = std::ranges::min_element(kept, {},
                 [](const Kept& entry) { return std::tuple(entry.users > 0, entry.priority, entry.lastUse); });
-            if (worst == kept.end() || worst->users > 0)
+            if (worst == kept.end() || worst->users > 0) {
                 break;
+            }
             freed += worst->size;
             kept.erase(worst);
         }
@@ -121,8 +125,9 @@ struct PlainCache
 
     void Close(int name)
     {
-        for (Kept& entry : kept)
+        for (Kept& entry : kept) {
             entry.users -= entry.name == name ? 1 : 0;
+        }
     }
 
     std::vector<Kept> kept;
@@ -143,8 +148,9 @@ TEST_F(NodeCache, AgreesWithAPlainCacheOverManyRandomSteps)
     const auto contentOf = [](int name) {
         return Bytes(static_cast<std::size_t>(10 + 10 * (name % 5)), static_cast<unsigned char>(name));
     };
-    for (int name = 0; name < soundCount; ++name)
+    for (int name = 0; name < soundCount; ++name) {
         folder.Write(std::to_string(name), PcmWave(1, 8000, 8, contentOf(name)));
+    }
     for (unsigned seed = 1; seed <= 20; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         std::mt19937 random(seed);
@@ -168,8 +174,9 @@ TEST_F(NodeCache, AgreesWithAPlainCacheOverManyRandomSteps)
             else if (action < 90 && !playing.empty()) {
                 const auto ending = playing.begin() + draw(playing.size());
                 ASSERT_EQ(ReadAll(*ending->file), contentOf(ending->name));
-                if (ending->isCounted)
+                if (ending->isCounted) {
                     plain.Close(ending->name);
+                }
                 playing.erase(ending);
             }
             else if (action < 97) {
@@ -180,8 +187,9 @@ TEST_F(NodeCache, AgreesWithAPlainCacheOverManyRandomSteps)
             else {
                 cache.Flush();
                 plain.kept.clear();
-                for (Playing& sound : playing)
+                for (Playing& sound : playing) {
                     sound.isCounted = false;
+                }
             }
             ASSERT_EQ(static_cast<std::size_t>(cache.GetCount()), plain.kept.size());
             ASSERT_EQ(cache.GetFreeBytes(), plain.FreeBytes());

@@ -52,8 +52,9 @@ std::unique_ptr<SndFile> SoundFolder::OpenGood(const Bytes& bytes) const
 {
     auto file = OpenBytes(bytes);
     EXPECT_NE(file, nullptr);
-    if (file == nullptr)
+    if (file == nullptr) {
         throw std::runtime_error("nothing to go on with");
+    }
     return file;
 }
 

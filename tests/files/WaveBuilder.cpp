@@ -40,8 +40,9 @@ Bytes AdpcmFormat(
     const int samplesPerBlock = channels == 1 ? 2 * blockAlign - 12 : blockAlign - 12;
     Bytes format = FormatBytes(2, channels, rateHz, blockAlign, 4) + Little16(4 + 4 * pairCount) +
         Little16(samplesPerBlock) + Little16(pairCount);
-    for (const auto& [coef1, coef2] : pairs)
+    for (const auto& [coef1, coef2] : pairs) {
         format = format + Little16(coef1) + Little16(coef2);
+    }
     return format;
 }
 
@@ -72,7 +73,8 @@ Bytes Counting(std::size_t count)
 {
     constexpr std::size_t period = 251;
     Bytes bytes(count);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         bytes[i] = static_cast<unsigned char>(i % period + 1);
+    }
     return bytes;
 }

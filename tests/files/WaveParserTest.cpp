@@ -22,8 +22,9 @@ constexpr int adpcmTag = 2;
 long long Number(const Bytes& file, long long at, int count)
 {
     long long number = 0;
-    for (long long i = at + count; i-- > at;)
+    for (long long i = at + count; i-- > at;) {
         number = number * 256 + (i < std::ssize(file) ? file[static_cast<std::size_t>(i)] : 0);
+    }
     return number;
 }
 
@@ -86,16 +87,18 @@ struct PlainFormat
 
     bool IsPlayable() const
     {
-        if (!isWhole || channels < 1 || rateHz < 1 || rateHz > 0x7FFFFFFF)
+        if (!isWhole || channels < 1 || rateHz < 1 || rateHz > 0x7FFFFFFF) {
             return false;
+        }
         return tag == pcmTag ? sampleBytes > 0
                              : channels <= 2 && pairs <= 7 && BlockFrames(channels, blockBytes) > 0;
     }
 
     long long CountFrames(long long bytes) const
     {
-        if (tag == pcmTag)
+        if (tag == pcmTag) {
             return bytes / (channels * sampleBytes);
+        }
         const long long rest = bytes % blockBytes;
         return bytes / blockBytes * BlockFrames(channels, blockBytes) +
             (rest > 7 * channels ? BlockFrames(channels, rest) : 0);
@@ -119,17 +122,19 @@ std::optional<long long> PlainCount(const Bytes& file, int tag)
     for (const long long chunk : FindChunks(file)) {
         if (IsAt(file, chunk, "fmt ")) {
             format.emplace(file, chunk);
-            if (format->tag != tag || !format->IsPlayable())
+            if (format->tag != tag || !format->IsPlayable()) {
                 return {};
+            }
         }
         else if (IsAt(file, chunk, "fact")) {
             fact = Number(file, chunk + 8, 4);
         }
         else if (IsAt(file, chunk, "data")) {
-            if (!format)
+            if (!format) {
                 return {};
+            }
             const long long frames = format->CountFrames(Number(file, chunk + 4, 4));
-            return std::min(fact >= 1 ? std::min(fact, frames) : frames, 0x7FFFFFFFll);
+            return std::min(fact >= 1 ? std::min(fact, frames) : frames, 0x7FFFFFFFLL);
         }
     }
     return {};
@@ -169,8 +174,9 @@ class WaveParser : public SoundFolder
 protected:
     void Check(const Bytes& bytes)
     {
-        if (const auto file = OpenBytes(bytes))
+        if (const auto file = OpenBytes(bytes)) {
             PlayThrough(*file);
+        }
         ASSERT_EQ(openFiles.GetCount(), 0) << "the file stayed open";
         if (SndFileHandle* handle = openFiles.Acquire(owner, "sound")) {
             EXPECT_EQ(ProbeWave(handle), PlainProbe(bytes));
@@ -190,8 +196,9 @@ protected:
         EXPECT_EQ(opens, count.has_value());
         EXPECT_EQ(file.FileType() != SndFile::FileNone, opens);
         EXPECT_EQ(opens ? file.GetSoundSamples() : 0, count.value_or(0));
-        if (!opens)
+        if (!opens) {
             openFiles.Release(handle);
+        }
         file.CloseFile(0, nullptr);
     }
 
@@ -285,8 +292,9 @@ TEST_F(WaveParser, RefusesOrPlaysAfterSeveralRandomChanges)
     for (int round = 0; round < 9000; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         Bytes bytes = samples[round % 3];
-        for (int change = 0; change < 4; ++change)
+        for (int change = 0; change < 4; ++change) {
             bytes[random() % bytes.size()] = telling[random() % sizeof telling];
+        }
         Check(bytes);
     }
 }

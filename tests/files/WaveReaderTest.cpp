@@ -18,7 +18,7 @@ using WaveReader = SoundFolder;
 TEST_F(WaveReader, SizeBeyondTheEndIsKeptAndReadingStopsWhereTheFileDoes)
 {
     constexpr int mostFrames = std::numeric_limits<int>::max();
-    for (const std::uint32_t stated : {1000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFFFu}) {
+    for (const std::uint32_t stated : {1000U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
         SCOPED_TRACE(stated);
         const auto file = OpenGood(PcmWave(1, 1000, 8, Counting(40), stated));
         const int samples = static_cast<int>(std::min<std::uint32_t>(stated, mostFrames));
@@ -31,7 +31,7 @@ TEST_F(WaveReader, SizeBeyondTheEndIsKeptAndReadingStopsWhereTheFileDoes)
         EXPECT_EQ(file->SkipSamples(1), 0);
         unsigned char sample = 0;
         EXPECT_EQ(file->ReadSamples(&sample, mostFrames), 0);
-        EXPECT_EQ(file->GetRemainLength(), 0u);
+        EXPECT_EQ(file->GetRemainLength(), 0U);
         EXPECT_EQ(file->GetCurrentLength(), static_cast<unsigned long>(samples));
     }
 }
@@ -47,8 +47,8 @@ TEST_F(WaveReader, SkipsStopAtTheEndOfTheSoundAndReadsAtThatOfTheData)
     EXPECT_EQ(file->ReadSamples(nullptr, -5), 0);
     EXPECT_EQ(ReadFrames(*file, 2), (Bytes{8, 9}));
     EXPECT_EQ(file->SkipSamples(100), 11);
-    EXPECT_EQ(file->GetRemainLength(), 0u);
-    EXPECT_EQ(ReadFrames(*file, 100).size(), 10u);
+    EXPECT_EQ(file->GetRemainLength(), 0U);
+    EXPECT_EQ(ReadFrames(*file, 100).size(), 10U);
     EXPECT_EQ(file->SkipSamples(5), 0);
     EXPECT_EQ(file->GetCurrentSample(), 30);
     file->CloseFile(0, nullptr);
@@ -157,10 +157,10 @@ TEST_F(WaveReader, AFileThatShrinksWhileItPlaysOrIsProbedEndsThere)
 {
     constexpr std::size_t headBytes = 44;
     const auto file = OpenGood(PcmWave(1, 8000, 16, Counting(200)));
-    ASSERT_EQ(ReadFrames(*file, 10).size(), 20u);
+    ASSERT_EQ(ReadFrames(*file, 10).size(), 20U);
     folder.Resize("sound", headBytes + 31);
     EXPECT_EQ(file->Load(), nullptr);
-    EXPECT_EQ(ReadFrames(*file, 50).size(), 10u) << "the sixteenth frame is torn";
+    EXPECT_EQ(ReadFrames(*file, 50).size(), 10U) << "the sixteenth frame is torn";
     folder.Resize("sound", 0);
     file->Rewind();
     EXPECT_TRUE(ReadFrames(*file, 50).empty());
@@ -169,7 +169,7 @@ TEST_F(WaveReader, AFileThatShrinksWhileItPlaysOrIsProbedEndsThere)
     // The length of a file is asked once: its chunks must not be walked to where it was.
     folder.Write("walked", Wave(Chunk("JUNK", Bytes(1000)) + Chunk("fmt ", PcmFormat(2, 22050, 16))));
     SndFileHandle* handle = openFiles.Acquire(owner, "walked");
-    ASSERT_GT(handle->GetFile().Size(), 1000u);
+    ASSERT_GT(handle->GetFile().Size(), 1000U);
     folder.Resize("walked", 1016);
     EXPECT_EQ(ProbeWave(handle), 0);
     openFiles.Release(handle);

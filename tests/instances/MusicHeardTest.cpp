@@ -44,8 +44,9 @@ std::vector<unsigned char> BuildTone(double hz)
 double Measure(const Rendering& heard, std::size_t begin, double hz, int side)
 {
     std::complex<double> sum;
-    for (std::size_t i = begin; i < begin + windowFrames; ++i)
+    for (std::size_t i = begin; i < begin + windowFrames; ++i) {
         sum += heard.At(i, side) * std::polar(1.0, -Turn(hz, i));
+    }
     return std::abs(sum) * 2.0 / windowFrames;
 }
 

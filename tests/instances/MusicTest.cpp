@@ -23,8 +23,9 @@ class MusicTest : public SoundTest
 protected:
     MusicTest()
     {
-        for (const char* name : {"a", "b", "c"})
+        for (const char* name : {"a", "b", "c"}) {
             WriteWave(name, {5000});
+        }
     }
 
     /// The instance of the piece that was started last; nothing else makes sounds here.
@@ -32,8 +33,9 @@ protected:
     {
         int last = 0;
         for (const Ids& ids : {Playing(), Emulated()}) {
-            for (const int id : ids)
+            for (const int id : ids) {
                 last = std::max(last, id);
+            }
         }
         return last;
     }

@@ -96,10 +96,12 @@ TEST_F(ObserverTest, EveryObserverCanRemoveOrDestroyItselfOrAnyOther)
         }
         LoggingObserver* const removed = observers[victim].get();
         observers[acting]->react = [&](const Note&) {
-            if (pair % 2 == 0)
+            if (pair % 2 == 0) {
                 crowd.RemoveObserver(removed);
-            else
+            }
+            else {
                 observers[victim].reset();
+            }
         };
         const int id = crowd.New2DSound(file, nullptr);
         TakeLog();
@@ -120,15 +122,17 @@ TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsAndThenTellsTheShutdown)
         // Nothing can be made any more that would be left behind.
         EXPECT_EQ(ending->New2DSound(file, nullptr), 0);
         EXPECT_EQ(observer->subject != nullptr, note.kind != Note::ShutDown);
-        if (note.kind == Note::ShutDown)
+        if (note.kind == Note::ShutDown) {
             observer.reset();
+        }
     };
     LoggingObserver last(*names, "B ");
     group->AddObserver(&last);
     // There is nothing left to come back to.
     last.react = [&, ending = group.get()](const Note& note) {
-        if (note.kind == Note::ShutDown)
+        if (note.kind == Note::ShutDown) {
             ending->AddObserver(&last);
+        }
     };
     group.reset();
     EXPECT_EQ(TakeNotes(),

@@ -46,8 +46,9 @@ class PauseHeard : public HostTest
 protected:
     PauseHeard()
     {
-        for (int part = 0; part < numParts + 2; ++part)
+        for (int part = 0; part < numParts + 2; ++part) {
             folder.Write("noise" + std::to_string(part), BuildNoise(part));
+        }
     }
 
     /// What is heard of the parts whose bit is set in `parts`, each paused by itself, or all at once if
@@ -64,13 +65,16 @@ protected:
             Scene scene;
             const int longest = std::ranges::max(halts, {}, &Halt::length).length;
             for (int step = 1; step <= sceneSteps + longest; ++step) {
-                if (everything && step == halts[0].step)
+                if (everything && step == halts[0].step) {
                     SoundSystem::PauseAll();
-                if (everything && step == halts[0].step + halts[0].length)
+                }
+                if (everything && step == halts[0].step + halts[0].length) {
                     SoundSystem::ResumeAll();
+                }
                 for (unsigned int part = 0; part < numParts; ++part) {
-                    if (parts & 1U << part)
+                    if (parts & 1U << part) {
                         scene.Act(part, step, halts[part], !everything);
+                    }
                 }
                 Step(stepMs);
             }
@@ -78,8 +82,9 @@ protected:
         system.Done();
         const Rendering heard = ReadRendering(path);
         std::vector<double> left(heard.GetFrames());
-        for (std::size_t i = 0; i < left.size(); ++i)
+        for (std::size_t i = 0; i < left.size(); ++i) {
             left[i] = heard.At(i);
+        }
         return left;
     }
 
@@ -107,22 +112,28 @@ private:
 
         void Act(unsigned int part, int step, const Halt& halt, bool byItself)
         {
-            if (byItself && (step == halt.step || step == halt.step + halt.length))
+            if (byItself && (step == halt.step || step == halt.step + halt.length)) {
                 SetPaused(part, step == halt.step);
-            if (step <= halt.step)
+            }
+            if (step <= halt.step) {
                 ActInTime(part, step);
-            else if (step > halt.step + halt.length)
+            }
+            else if (step > halt.step + halt.length) {
                 ActInTime(part, step - halt.length);
+            }
         }
 
         void SetPaused(unsigned int part, bool on)
         {
-            if (part == 4)
+            if (part == 4) {
                 on ? music.Pause() : music.Resume();
-            else if (part % 2 == 0)
+            }
+            else if (part % 2 == 0) {
                 on ? groups[part].Pause() : groups[part].Resume();
-            else
+            }
+            else {
                 on ? groups[part].PauseSound(ids[part]) : groups[part].ResumeSound(ids[part]);
+            }
         }
 
         void ActInTime(unsigned int part, int step)
@@ -130,26 +141,33 @@ private:
             Sound& group = groups[part];
             int& id = ids[part];
             const std::string file = "noise" + std::to_string(part);
-            if (step == 1 && part == 4)
+            if (step == 1 && part == 4) {
                 music.FadeIn(file.c_str(), 600, true);
-            else if (step == 1)
+            }
+            else if (step == 1) {
                 StartSound(part, group, id, file.c_str());
-            else if (step == 14 && part == 4)
+            }
+            else if (step == 14 && part == 4) {
                 music.CrossFade("noise8", 900, true);
-            else if (step == 9 && part == 6)
+            }
+            else if (step == 9 && part == 6) {
                 group.FadeOutSound(id, 1000);
+            }
         }
 
         static void StartSound(unsigned int part, Sound& group, int& id, const char* file)
         {
             id = part == 5 ? group.New3DSound(file, nullptr) : group.New2DSound(file, nullptr);
             group.SetSoundPriority(id, -static_cast<int>(part));
-            if (part == 0)
+            if (part == 0) {
                 group.SetSoundFadeIn(id, 1200);
-            if (part == 1)
+            }
+            if (part == 1) {
                 group.SetSoundDelay(id, 900);
-            if (part == 3)
+            }
+            if (part == 3) {
                 group.CatSound(id, "noise7", nullptr);
+            }
             if (part == 5) {
                 group.SetSoundCone(id, 360.0F, 360.0F, 1.0F);
                 group.SetSoundMinMaxDistance(id, 10.0F, 100.0F, false);
@@ -163,9 +181,10 @@ private:
 /// The sound with the silence of a pause put in.
 std::vector<double> Insert(std::vector<double> sound, const Halt& halt)
 {
-    if (halt.length > 0)
+    if (halt.length > 0) {
         sound.insert(sound.begin() + static_cast<std::ptrdiff_t>(halt.step * stepFrames),
             static_cast<std::size_t>(halt.length) * stepFrames, 0.0);
+    }
     return sound;
 }
 
@@ -184,8 +203,9 @@ void ExpectEqualOutsideRamps(
     ASSERT_GE(heard.size(), expected.size());
     std::size_t compared = 0;
     for (std::size_t i = 0; i < expected.size(); ++i) {
-        if (std::ranges::any_of(halts, [i](const Halt& halt) { return IsRamp(i, halt); }))
+        if (std::ranges::any_of(halts, [i](const Halt& halt) { return IsRamp(i, halt); })) {
             continue;
+        }
         ASSERT_NEAR(heard[i], expected[i], lastBits) << "step " << i / stepFrames << ", frame " << i;
         ++compared;
     }

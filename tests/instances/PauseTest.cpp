@@ -196,10 +196,12 @@ TEST_F(PauseTest, HandlersMayPauseAndResume)
         ++calls;
         calls % 2 ? group->Pause() : group->Resume();
         calls % 3 ? SoundSystem::ResumeAll() : SoundSystem::PauseAll();
-        if (calls < 200)
+        if (calls < 200) {
             Play(calls % 5 ? file : brief, calls % 7 ? 0 : Sound::StartImmediately, calls % 11);
-        if (calls % 4 == 0)
+        }
+        if (calls % 4 == 0) {
             group->StopSound(note.id - 1);
+        }
     };
     system.SetMaxAudibleSounds(3);
     Play(file);

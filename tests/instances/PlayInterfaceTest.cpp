@@ -106,8 +106,9 @@ TEST_F(PlayInterfaceTest, AnIdThatFindsNothingDoesNothing)
         EXPECT_FALSE(group->SetFXChorus(id, &chorus) || group->GetFXChorus(id, &chorus));
         EXPECT_FALSE(group->SetFXEnvReverbSourceProperties(id, &source));
         for (const unsigned long value : {group->GetFrequency(id), group->GetSoundLength(id),
-                 group->GetRemainLength(id), group->GetCurrentLength(id)})
+                 group->GetRemainLength(id), group->GetCurrentLength(id)}) {
             EXPECT_EQ(value, 0U);
+        }
         EXPECT_EQ(group->GetQueueLength(id), 0);
         EXPECT_EQ(group->GetSoundGain(id), 0.0F);
         EXPECT_EQ(group->GetSoundPriority(id, 7), 0);
@@ -165,8 +166,9 @@ TEST_F(PlayInterfaceTest, WhatHasAnotherFormIsNotAppendedAndTheChannelsLockIsGiv
     bool isFree = false;
     std::thread([&] {
         isFree = lock->Lock(0);
-        if (isFree)
+        if (isFree) {
             lock->Unlock();
+        }
     }).join();
     EXPECT_TRUE(isFree);
 }

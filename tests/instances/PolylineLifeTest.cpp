@@ -56,8 +56,9 @@ TEST_F(PolylineLife, TheCopiesPlayOutOfPhaseAndStandStillWithoutAChannelWhileThe
     file = WriteWave("long", {10000});
     const int id = PlayLine(LineOfThree());
     Listen(nearby);
-    for (int rank = 0; rank < 3; ++rank)
+    for (int rank = 0; rank < 3; ++rank) {
         EXPECT_EQ(GetSource(id, rank).GetSndFile()->GetCurrentSample(), 1000 * rank) << rank;
+    }
     Step(40);
     Listen({0.0F, 0.0F, 1000.0F});
     EXPECT_TRUE(Playing().empty());
@@ -165,8 +166,9 @@ TEST_F(PolylineLife, EveryWayToEndALineEndsItsSources)
         row.end(id);
         EXPECT_EQ(TakeLog({"begin", "abort", "end"}),
             row.isTold ? Lines{"abort " + names->GetName(id) + " w -1"} : Lines());
-        for (int gone = id - 1; gone <= id + 2; ++gone)
+        for (int gone = id - 1; gone <= id + 2; ++gone) {
             EXPECT_EQ(Find(gone), nullptr) << gone - id;
+        }
     }
     // Those of the group and of the system end lines in any state.
     Make(LineOfThree());
@@ -187,8 +189,9 @@ TEST_F(PolylineLife, ALineCannotBeEndedWhileOneOfItsSourcesIsToldOfButAnotherCan
     const int id = PlayLine(LineOfThree());
     bool wasAsked = false;
     observer->react = [&](const Note& note) {
-        if (note.id != SourceIds(id)[1])
+        if (note.id != SourceIds(id)[1]) {
             return;
+        }
         wasAsked = true;
         group->StopSound(id);
         group->DeleteSound(id);

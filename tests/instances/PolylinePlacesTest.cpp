@@ -87,14 +87,16 @@ TEST_F(PolylinePlaces, SourcesStandWhereThePlainModelPutsThem)
             SCOPED_TRACE("move " + std::to_string(move));
             const int kind = random.Below(8);
             listener = kind < 2 ? random.Point(600.0F) : listener + random.Point(20.0F);
-            if (kind == 7)
+            if (kind == 7) {
                 listener = settings.points.back(); // On the line one source is heard.
+            }
             const std::vector<Vector3>& expected = model.Move(listener);
             Listen(listener);
             const std::vector<Vector3> places = Places(id);
             ASSERT_EQ(places.size(), expected.size());
-            for (std::size_t i = 0; i < places.size(); ++i)
+            for (std::size_t i = 0; i < places.size(); ++i) {
                 ASSERT_PRED2(IsNear, places[i], expected[i]) << "source " << i;
+            }
             placedInAll += static_cast<int>(places.size());
         }
         group->StopSound(id);
@@ -169,12 +171,14 @@ TEST_F(PolylinePlaces, ALineWithoutALengthIsHeardAtItsPlaceAndWithoutAFinitePoin
             settings.numAddSounds = numAddSounds;
             settings.maxDistance = numAddSounds == 0 ? infinity : 100.0F;
             const int id = PlayLine(settings);
-            for (const Vector3& listener : listeners)
+            for (const Vector3& listener : listeners) {
                 ListenAnywhere(id, listener);
+            }
             const std::vector<Vector3> places = Places(id);
             ASSERT_EQ(places.size(), &points == std::end(lines) - 1 ? 0U : 1U);
-            for (const Vector3& place : places)
+            for (const Vector3& place : places) {
                 EXPECT_LT(LengthSquared(place - Vector3{3, 0, 4}), 1e-10F);
+            }
             group->StopSound(id);
         }
     }
@@ -193,8 +197,9 @@ TEST_F(PolylinePlaces, AnyDistancesLeaveTheSourcesOnTheLineOrInPause)
             const int id = PlayLine(settings);
             for (const Vector3& listener : listeners) {
                 ListenAnywhere(id, listener);
-                for (const Vector3& place : Places(id))
+                for (const Vector3& place : Places(id)) {
                     EXPECT_LE(std::fabs(place.x), 10.01F);
+                }
             }
             group->StopSound(id);
         }

@@ -51,8 +51,9 @@ Snd3D& PolylineTest::GetSource(int id, int rank) const
 Ids PolylineTest::SourceIds(int id) const
 {
     Ids ids;
-    for (int i = 0; i < GetLine(id).GetNumSounds(); ++i)
+    for (int i = 0; i < GetLine(id).GetNumSounds(); ++i) {
         ids.push_back(static_cast<int>(GetLine(id).GetSourceID(i)));
+    }
     return ids;
 }
 

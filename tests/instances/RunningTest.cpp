@@ -24,8 +24,9 @@ protected:
     int NewQueue(const std::vector<int>& lengths)
     {
         const int id = group->New2DSound(FileOf(lengths[0]), nullptr);
-        for (std::size_t i = 1; i < lengths.size(); ++i)
+        for (std::size_t i = 1; i < lengths.size(); ++i) {
             EXPECT_TRUE(group->CatSound(id, FileOf(lengths[i]), nullptr));
+        }
         return id;
     }
 
@@ -112,12 +113,14 @@ TEST_F(RunningTest, TheDriverIsToldWhenTheGameAskedForASoundThatBegins)
     const int id = Play(FileOf(5000));
     Step(40);
     system.SetMaxAudibleSounds(0);
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 8; ++i) {
         Step(40);
+    }
     ASSERT_EQ(Emulated(), Ids{id});
     system.SetMaxAudibleSounds(20);
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < 8; ++i) {
         Step(40);
+    }
     EXPECT_EQ(told(id), std::nullopt) << "it comes back";
 }
 
@@ -172,8 +175,9 @@ TEST_F(RunningTest, ALoopGoesOnHoweverLongTheStep)
 {
     const int id = NewQueue({1000});
     Displace(id, Sound::StartLooping);
-    for (const float seconds : {4294967.5F, std::numeric_limits<float>::infinity()})
+    for (const float seconds : {4294967.5F, std::numeric_limits<float>::infinity()}) {
         EXPECT_TRUE(Find(id)->SndUpdate(seconds, origin, false)) << seconds;
+    }
 }
 
 // A file that is torn while it plays is the end of the sound, not of the program: what has vanished is still
@@ -189,10 +193,12 @@ TEST_F(RunningTest, FilesThatVanishOrShrinkWhileTheyPlayDoNoHarm)
         group->StartSound(id, Sound::StartImmediately);
         const int channel = ChannelOf(id);
         EXPECT_EQ(recording.Read(channel, 100), 100);
-        if (vanishes)
+        if (vanishes) {
             folder.Remove("1000.wav");
-        else
+        }
+        else {
             folder.Resize("1000.wav", 44 + 300);
+        }
         EXPECT_EQ(recording.Read(channel, 900), vanishes ? 900 : 50);
         folder.Remove("900.wav");
         StepWithNextFile(channel);
@@ -216,8 +222,9 @@ TEST_F(RunningTest, CodedFilesRunOnUnheardAtTheirRateAndComeBackAtTheRightSample
         for (const bool loops : {true, false}) {
             SCOPED_TRACE(name + (loops ? ", loop" : ", queue"));
             const int id = group->New2DSound(name.c_str(), nullptr);
-            for (int i = 0; i < behind && !loops; ++i)
+            for (int i = 0; i < behind && !loops; ++i) {
                 EXPECT_TRUE(group->CatSound(id, name.c_str(), nullptr));
+            }
             Displace(id, loops ? Sound::StartLooping : Sound::StartQueued);
             const SndFile& first = *Find(id)->GetSndFile();
             EXPECT_GT(first.FileType(), SndFile::FileWav);
@@ -225,8 +232,9 @@ TEST_F(RunningTest, CodedFilesRunOnUnheardAtTheirRateAndComeBackAtTheRightSample
             const int perStep = first.GetSampleFrequency() * stepMs / 1000;
             int passed = first.GetCurrentSample();
             for (int step = 1; step <= 40; ++step) {
-                if (step == 40)
+                if (step == 40) {
                     system.SetMaxAudibleSounds(1);
+                }
                 Step(stepMs);
                 passed += perStep;
                 ASSERT_EQ(Find(id)->GetSndFile()->GetCurrentSample() % total, passed % total);

@@ -30,8 +30,9 @@ protected:
     static Vector3 ReadDirection(const Lines& lines)
     {
         Vector3 direction;
-        for (const std::string& line : lines)
+        for (const std::string& line : lines) {
             std::sscanf(line.c_str(), "%*s SetDirection %f %f %f", &direction.x, &direction.y, &direction.z);
+        }
         return direction;
     }
 
@@ -101,8 +102,9 @@ TEST_F(Snd3DTest, OnlyAConeInUseCostsCalls)
         TakeLog();
         EXPECT_TRUE(group->StartSound(id, Sound::StartImmediately));
         std::string all;
-        for (const std::string& line : TakeLog())
+        for (const std::string& line : TakeLog()) {
             all += line;
+        }
         EXPECT_EQ(all.find("SetCone") != std::string::npos, row.isInUse);
         EXPECT_EQ(all.find("SetDirection") != std::string::npos, row.isInUse);
         // The setter does not ask.

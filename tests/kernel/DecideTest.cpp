@@ -34,12 +34,14 @@ std::array<PlainDecision::List, numContenderLists> GetLists(
     for (std::size_t i = 0; i < lists.size(); ++i) {
         for (std::size_t left = counts[i]; left > 0; --left) {
             const std::uint32_t number = decision.ranking[place++].number;
-            if (std::ranges::find(decision.chosen, number) == decision.chosen.end())
+            if (std::ranges::find(decision.chosen, number) == decision.chosen.end()) {
                 lists[i].push_back(number);
+            }
         }
         const std::uint32_t runnerUp = decision.runnersUp[i];
-        if (runnerUp == Decision::nobody)
+        if (runnerUp == Decision::nobody) {
             continue;
+        }
         lists[i].remove(runnerUp);
         lists[i].insert(std::ranges::find_if(
                             lists[i], [&](std::uint32_t other) { return keyOf(other) >= keyOf(runnerUp); }),
@@ -60,8 +62,9 @@ std::vector<Contender> MakeCrowd(std::mt19937& random, std::size_t count)
         const float distance =
             hasTies ? distances[below(std::size(distances))] : static_cast<float>(random()) * 1e-6F;
         unsigned int traits = below(8) != 0 ? TraitInRange : 0;
-        for (const ContenderTraits rare : {TraitMusic, TraitPaused, TraitLine, TraitDelayed, TraitNewcomer})
+        for (const ContenderTraits rare : {TraitMusic, TraitPaused, TraitLine, TraitDelayed, TraitNewcomer}) {
             traits |= below(12) == 0 ? rare : 0;
+        }
         const int priority = below(20) == 0 ? static_cast<int>(random()) : static_cast<int>(below(3)) - 1;
         const std::uint16_t times[] = {0, 199, 200, longAgo};
         crowd.push_back(Make(priority, distance, below(numNames), times[below(4)], traits));
@@ -79,8 +82,9 @@ TEST(Decide, AgreesWithThePlainForm)
     for (int round = 0; round < 2000; ++round) {
         SCOPED_TRACE("round " + std::to_string(round));
         ContenderCounts counts;
-        for (std::size_t& count : counts)
+        for (std::size_t& count : counts) {
             count = random() % (round % 50 == 0 ? 250 : 24);
+        }
         const std::vector<Contender> crowd = MakeCrowd(random, counts[0] + counts[1] + counts[2]);
         const int limit = static_cast<int>(random() % 30) - 2;
         Decide(crowd, counts, limit, decision);
@@ -144,12 +148,14 @@ TEST(ImportanceKey, OrdersEveryKindOfDistance)
 {
     const float infinity = std::numeric_limits<float>::infinity();
     const float distances[] = {infinity, 1e38F, 2.0F, 1.0F, 1e-45F, 0.0F, -1.0F};
-    for (std::size_t i = 1; i < std::size(distances); ++i)
+    for (std::size_t i = 1; i < std::size(distances); ++i) {
         EXPECT_LT(ImportanceKey(0, distances[i - 1]), ImportanceKey(0, distances[i])) << distances[i];
+    }
     EXPECT_EQ(ImportanceKey(0, 0.0F), ImportanceKey(0, -0.0F));
     const int priorities[] = {std::numeric_limits<int>::min(), -1, 0, 1, std::numeric_limits<int>::max()};
-    for (std::size_t i = 1; i < std::size(priorities); ++i)
+    for (std::size_t i = 1; i < std::size(priorities); ++i) {
         EXPECT_LT(ImportanceKey(priorities[i - 1], 0.0F), ImportanceKey(priorities[i], infinity));
+    }
 }
 
 } // namespace Quon

@@ -21,8 +21,9 @@ class InspectTest : public SoundTest
 protected:
     InspectTest()
     {
-        for (const char* name : {"a", "b", "far", "late"})
+        for (const char* name : {"a", "b", "far", "late"}) {
             WriteWave(name, {5000});
+        }
     }
 };
 
@@ -77,8 +78,9 @@ TEST_F(InspectTest, LookingAtVirtualSoundMovesNoFile)
     StepTimes(5, 100);
     const std::uint32_t positionMs = Sound::GetState(id).positionMs;
     std::vector<SoundState> states(4);
-    for (int look = 0; look < 3; ++look)
+    for (int look = 0; look < 3; ++look) {
         ASSERT_EQ(SoundSystem::Inspect(states), 1U);
+    }
     EXPECT_EQ(states[0].positionMs, positionMs);
     EXPECT_EQ(positionMs, group->GetCurrentLength(id));
     EXPECT_EQ(positionMs, 400U) << "it has run for all updates but the one that started it";
@@ -102,8 +104,9 @@ TEST_F(InspectTest, InspectionHoldsMusicAndLinesAndCountsBeyondTheBlock)
     std::map<SoundKind, int> kinds;
     std::vector<SoundState> states(10);
     const std::size_t count = SoundSystem::Inspect(states);
-    for (std::size_t i = 0; i < std::min(count, states.size()); ++i)
+    for (std::size_t i = 0; i < std::min(count, states.size()); ++i) {
         ++kinds[states[i].kind];
+    }
     const std::map<SoundKind, int> expected = {
         {SoundKind::Music, 1}, {SoundKind::Line, 1}, {SoundKind::LineSource, 2}};
     EXPECT_EQ(kinds, expected);
@@ -171,14 +174,18 @@ TEST_F(InspectTest, TraceAgreesWithInspectionAfterEachUpdate)
     ASSERT_TRUE(group->StartSound(line, 0));
     std::vector<SoundState> states(40);
     for (int step = 0; step < 60; ++step) {
-        if (step % 3 == 0)
+        if (step % 3 == 0) {
             Play3D(step % 2 == 0 ? "a" : "b", static_cast<float>(step * 37 % 130));
-        if (step % 7 == 0)
+        }
+        if (step % 7 == 0) {
             Play("far", step % 2 == 0 ? Sound::StartImmediately : Sound::StartNoEmulation, step % 4 - 2);
-        if (step == 20)
+        }
+        if (step == 20) {
             microphone->SetPosition({50.0F, 0.0F, 0.0F});
-        if (step == 30)
+        }
+        if (step == 30) {
             group->FadeOutSound(Playing().front(), 500);
+        }
         Step(100);
         std::set<int> seen;
         const std::size_t count = SoundSystem::Inspect(states);
@@ -196,11 +203,13 @@ TEST_F(InspectTest, TraceAgreesWithInspectionAfterEachUpdate)
     EXPECT_TRUE(trace->phases.empty());
     // The source of a line has a begin and nothing else.
     std::map<int, int> open;
-    for (const auto& [notice, id] : trace->notices)
+    for (const auto& [notice, id] : trace->notices) {
         open[id] += notice == SoundNotice::Begin ? 1 : -1;
+    }
     int stillOpen = 0;
-    for (const auto& [id, count] : open)
+    for (const auto& [id, count] : open) {
         stillOpen += count;
+    }
     EXPECT_EQ(stillOpen, 2);
     // A trace that has gone is not called any more.
     trace.reset();

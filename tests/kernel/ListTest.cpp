@@ -22,8 +22,9 @@ public:
     std::uint32_t GetRowNumber()
     {
         std::uint32_t number = 0;
-        while (&SoundRows::At(number) != &Row())
+        while (&SoundRows::At(number) != &Row()) {
             ++number;
+        }
         return number;
     }
     SoundRow& GetRow() { return Row(); }
@@ -36,8 +37,9 @@ TEST(SndList, IsWhatSortedInsertionGives)
 {
     std::mt19937 random(1);
     std::vector<std::unique_ptr<ListedSound>> sounds;
-    for (int i = 0; i < 100; ++i)
+    for (int i = 0; i < 100; ++i) {
         sounds.push_back(std::make_unique<ListedSound>());
+    }
     SndList list;
     std::list<const SndBase*> plain;
     for (int step = 0; step < 20000; ++step) {
@@ -59,12 +61,14 @@ TEST(SndList, IsWhatSortedInsertionGives)
                 std::ranges::find_if(plain, [&](const SndBase* other) { return !(*other < sound); }), &sound);
         }
         if (step % 500 == 0) {
-            while (!list.IsEmpty())
+            while (!list.IsEmpty()) {
                 list.Remove(list.Compact().front().GetRow());
+            }
             plain.clear();
         }
-        if (random() % 8 != 0)
+        if (random() % 8 != 0) {
             continue;
+        }
         std::vector<const SndBase*> listed;
         list.ForEach([&](const SndBase& entry) { listed.push_back(&entry); });
         ASSERT_EQ(listed, std::vector<const SndBase*>(plain.begin(), plain.end())) << "step " << step;
@@ -77,13 +81,16 @@ TEST(NameIndex, GivesNumbersAndTheirMemoryBack)
     NameIndex names;
     const PString owner("owner");
     std::vector<PString> files;
-    for (int i = 0; i < 3000; ++i)
+    for (int i = 0; i < 3000; ++i) {
         files.emplace_back(std::to_string(i).c_str());
-    for (const PString& file : files)
+    }
+    for (const PString& file : files) {
         names.Use(file, owner);
+    }
     EXPECT_NE(names.Find(files[7], owner), names.Find(files[7], PString()));
-    for (std::uint32_t number = 1; number < files.size(); ++number)
+    for (std::uint32_t number = 1; number < files.size(); ++number) {
         names.GiveUp(number);
+    }
     EXPECT_EQ(names.Find(files[7], owner), NameIndex::none);
     // The first is still there, and new names take numbers that were in use before.
     EXPECT_EQ(names.Find(files[0], owner), 0U);

@@ -12,34 +12,40 @@ PlainDecision::PlainDecision(std::vector<Contender> newContenders, const Contend
     RateDuplicates();
     std::uint32_t number = 0;
     for (std::size_t i = 0; i < lists.size(); ++i) {
-        for (std::size_t left = counts[i]; left > 0; --left)
+        for (std::size_t left = counts[i]; left > 0; --left) {
             lists[i].push_back(number++);
+        }
         Sort(lists[i]);
     }
     lists[FromPlaying].remove_if([this](std::uint32_t young) {
         const bool isYoung = contenders[young].stateTimeMs < 200;
-        if (isYoung)
+        if (isYoung) {
             chosen.push_back(young);
+        }
         return isYoung;
     });
     std::array<std::uint32_t, numContenderLists> candidates;
-    for (std::size_t i = 0; i < lists.size(); ++i)
+    for (std::size_t i = 0; i < lists.size(); ++i) {
         candidates[i] = PickBest(lists[i]);
+    }
     while (static_cast<int>(chosen.size()) < limit) {
         std::size_t best = lists.size();
         for (std::size_t i = 0; i < lists.size(); ++i) {
             if (candidates[i] != Decision::nobody &&
-                (best == lists.size() || IsLess(candidates[best], candidates[i])))
+                (best == lists.size() || IsLess(candidates[best], candidates[i]))) {
                 best = i;
+            }
         }
-        if (best == lists.size())
+        if (best == lists.size()) {
             break;
+        }
         chosen.push_back(candidates[best]);
         candidates[best] = PickBest(lists[best]);
     }
     for (std::size_t i = 0; i < lists.size(); ++i) {
-        if (candidates[i] != Decision::nobody)
+        if (candidates[i] != Decision::nobody) {
             InsertSorted(lists[i], candidates[i]);
+        }
     }
 }
 
@@ -49,8 +55,9 @@ bool PlainDecision::IsLess(std::uint32_t left, std::uint32_t right, bool weighte
         const float distSqr = contenders[number].distSqr;
         return weighted && distSqr != 0.0F ? multipliers[number] * distSqr : distSqr;
     };
-    if (contenders[left].priority != contenders[right].priority)
+    if (contenders[left].priority != contenders[right].priority) {
         return contenders[left].priority < contenders[right].priority;
+    }
     return distance(left) > distance(right);
 }
 
@@ -71,8 +78,9 @@ void PlainDecision::RateDuplicates()
 {
     for (std::uint32_t later = 0; later < contenders.size(); ++later) {
         for (std::uint32_t earlier = 0; earlier < later; ++earlier) {
-            if (contenders[earlier].name == contenders[later].name)
+            if (contenders[earlier].name == contenders[later].name) {
                 multipliers[IsLess(earlier, later, false) ? earlier : later] *= 1.3F;
+            }
         }
     }
 }
@@ -87,8 +95,9 @@ void PlainDecision::Sort(List& list) const
 {
     // Each of equals goes in front of those after it.
     List sorted;
-    for (; !list.empty(); list.pop_back())
+    for (; !list.empty(); list.pop_back()) {
         InsertSorted(sorted, list.back());
+    }
     list = sorted;
 }
 
@@ -96,15 +105,19 @@ std::uint32_t PlainDecision::PickBest(List& list) const
 {
     auto best = list.end();
     for (auto place = list.begin(); place != list.end(); ++place) {
-        if (!IsEligible(*place))
+        if (!IsEligible(*place)) {
             continue;
-        if (best == list.end() || IsMusic(*place) || IsLess(*best, *place))
+        }
+        if (best == list.end() || IsMusic(*place) || IsLess(*best, *place)) {
             best = place;
-        if (IsMusic(*best))
+        }
+        if (IsMusic(*best)) {
             break;
+        }
     }
-    if (best == list.end())
+    if (best == list.end()) {
         return Decision::nobody;
+    }
     const std::uint32_t number = *best;
     list.erase(best);
     return number;

@@ -81,8 +81,9 @@ TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
     system.Done();
 
     for (const char* option :
-        {"SoundFrequency", "MaxSounds", "StreamLength", "SoundCacheSize", "MpegStandard"})
+        {"SoundFrequency", "MaxSounds", "StreamLength", "SoundCacheSize", "MpegStandard"}) {
         SetOption(option, "-3");
+    }
     EXPECT_TRUE(Start());
     EXPECT_EQ(TakeLog({"Open", "SetMax"}), (Lines{"Open 2 22050 2 0 500 0", "SetMaxChannels 24"}));
     EXPECT_EQ(theKernel->GetOptions().cacheSize, 1000000);
@@ -128,10 +129,12 @@ TEST_F(StartTest, TheSystemStartsAgainAndIdsGoOn)
         Step(40);
         TakeLog();
         // The engine's end is the system's too, and its dead task is no hindrance.
-        if (life == 1)
+        if (life == 1) {
             TaskList::Get().Done();
-        else
+        }
+        else {
             system.Done();
+        }
         EXPECT_EQ(TakeLog(), (Lines{"c1 Stop", "Delete"}));
         EXPECT_EQ(theKernel, nullptr);
         Step(40);
@@ -157,8 +160,9 @@ TEST_F(StartTest, AStoppedSystemAnswersEmptily)
     EXPECT_EQ(system.GetMaxAudibleSounds(), 0U);
     EXPECT_EQ(system.GetResourceFX(), 0U);
     for (const float gain : {SoundSystem::GetMainGain(), SoundSystem::Get2DMainGain(),
-             SoundSystem::Get3DMainGain(), SoundSystem::GetMusicMainGain()})
+             SoundSystem::Get3DMainGain(), SoundSystem::GetMusicMainGain()}) {
         EXPECT_EQ(gain, 0.0F);
+    }
     Sound group;
     group.SetGain(0.25F);
     EXPECT_EQ(group.GetGain(), 0.25F);

@@ -22,8 +22,9 @@ Recording& LoadRecording()
     static DynamicLibrary& library = *new DynamicLibrary({EngineString(HARMONET_TEST_DRIVER_FOLDER)});
     void* symbol = nullptr;
     if (!library.Open((std::string(driverName) + dynamicLibrarySuffix).c_str()) ||
-        !library.GetSymbol(&symbol, "GetRecording"))
+        !library.GetSymbol(&symbol, "GetRecording")) {
         throw std::runtime_error("the recording driver cannot be loaded");
+    }
     return *reinterpret_cast<GetRecordingFunction>(symbol)();
 }
 
@@ -45,8 +46,9 @@ bool WarmUp()
 float ToSeconds(int ms)
 {
     float seconds = static_cast<float>(ms) / 1000.0F;
-    while (static_cast<double>(seconds) * 1000.0 < ms)
+    while (static_cast<double>(seconds) * 1000.0 < ms) {
         seconds = std::nextafter(seconds, std::numeric_limits<float>::infinity());
+    }
     return seconds;
 }
 
@@ -98,8 +100,9 @@ void HostTest::Step(int ms)
 
 void HostTest::StepTimes(int times, int ms)
 {
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; i < times; ++i) {
         Step(ms);
+    }
 }
 
 PString HostTest::WriteWave(const std::string& name, const PcmForm& form)

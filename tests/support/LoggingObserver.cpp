@@ -30,8 +30,9 @@ LoggingObserver::LoggingObserver(const SoundNames& newNames, std::string newPref
 void LoggingObserver::Tell(const std::string& line, const Note& note)
 {
     GetRecording().lines.push_back(prefix + line);
-    if (const std::function<void(const Note&)> reaction = react)
+    if (const std::function<void(const Note&)> reaction = react) {
         reaction(note);
+    }
 }
 
 std::string LoggingObserver::Describe(int soundID, const PString& fileName) const

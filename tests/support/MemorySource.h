@@ -20,8 +20,9 @@ public:
     {
         opened.emplace_back(name);
         const auto found = files.find(name);
-        if (found == files.end())
+        if (found == files.end()) {
             return File::NotFound;
+        }
         stream = std::make_unique<Stream>(*this, found->second);
         return File::Opened;
     }
@@ -52,16 +53,18 @@ private:
         bool Seek(std::int64_t newPosition) override
         {
             ++source.seeks;
-            if (source.failsToSeek)
+            if (source.failsToSeek) {
                 return false;
+            }
             position = static_cast<std::size_t>(newPosition);
             return true;
         }
 
         std::size_t Read(void* buffer, std::size_t count) override
         {
-            if (source.failsToRead || position > bytes.size())
+            if (source.failsToRead || position > bytes.size()) {
                 return 0;
+            }
             count = std::min({count, bytes.size() - position, source.mostPerRead});
             std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(position), count,
                 static_cast<unsigned char*>(buffer));

@@ -18,8 +18,9 @@ RecordingChannel::RecordingChannel(int newNumber, unsigned int flags, SndFile* f
 ChannelRecord* RecordingChannel::Find(const std::string& call) const
 {
     const auto found = recording.channels.find(number);
-    if (found != recording.channels.end())
+    if (found != recording.channels.end()) {
         return &found->second;
+    }
     recording.Require(false, name + ' ' + call + " when it is over");
     return nullptr;
 }
@@ -42,15 +43,17 @@ void RecordingChannel::Stop()
 {
     Called("Stop");
     // The file must still be there, since a driver may be reading from it up to now.
-    if (sndFile)
+    if (sndFile) {
         recording.Require(sndFile->GetCurrentSample() >= 0, name + " Stop, with a broken file");
+    }
     recording.channels.erase(number);
 }
 
 void RecordingChannel::FadeIn(int ms)
 {
-    if (const ChannelRecord* record = Called("FadeIn " + std::to_string(ms)))
+    if (const ChannelRecord* record = Called("FadeIn " + std::to_string(ms))) {
         recording.Require(record->state == ChannelRecord::Made, name + " FadeIn, behind Play");
+    }
 }
 
 void RecordingChannel::FadeOut(int ms)
@@ -64,29 +67,33 @@ void RecordingChannel::FadeOut(int ms)
 unsigned long RecordingChannel::GetRemainLength()
 {
     const ChannelRecord* record = Find("GetRemainLength");
-    if (record && record->remainMs)
+    if (record && record->remainMs) {
         return *record->remainMs;
+    }
     return sndFile ? sndFile->GetRemainLength() : 0;
 }
 
 void RecordingChannel::SetGain(float gain)
 {
     recording.Require(gain >= 0.0F && gain <= 1.0F, name + " SetGain, out of range");
-    if (ChannelRecord* record = Called("SetGain " + ToText(gain)))
+    if (ChannelRecord* record = Called("SetGain " + ToText(gain))) {
         record->gain = gain;
+    }
 }
 
 void RecordingChannel::SetPosition(const Vector3& position)
 {
     recording.Require(IsFinite(position), name + " SetPosition, not finite");
-    if (ChannelRecord* record = Called("SetPosition " + ToText(position)))
+    if (ChannelRecord* record = Called("SetPosition " + ToText(position))) {
         record->position = position;
+    }
 }
 
 void RecordingChannel::SetStartTime(std::int64_t gameMicroseconds, std::int64_t)
 {
-    if (ChannelRecord* record = Find("SetStartTime"))
+    if (ChannelRecord* record = Find("SetStartTime")) {
         record->startTime = gameMicroseconds;
+    }
 }
 
 void RecordingChannel::SetMinMaxDistance(float minDistance, float maxDistance, bool cutout)
@@ -109,10 +116,12 @@ void RecordingChannel::SetDirection(const Vector3& direction)
 bool RecordingChannel::SetFrequency(unsigned long hz)
 {
     ChannelRecord* record = Called("SetFrequency " + std::to_string(hz));
-    if (!record || recording.refuseFrequency)
+    if (!record || recording.refuseFrequency) {
         return false;
-    if (recording.tellFrequency)
+    }
+    if (recording.tellFrequency) {
         record->frequencyHz = hz;
+    }
     return true;
 }
 

@@ -55,8 +55,9 @@ private:
     template<class Record>
     bool Fill(Record* record) const
     {
-        if (!Find("getter of an effect") || !recording.hasLiveFX)
+        if (!Find("getter of an effect") || !recording.hasLiveFX) {
             return false;
+        }
         std::memset(record, Recording::liveFXByte, sizeof *record);
         return true;
     }

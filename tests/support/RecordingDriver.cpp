@@ -37,8 +37,9 @@ std::string Describe(const SndFXList& fx)
 // What they do may set further ones, for the next time.
 void DoOnce(std::vector<std::function<void()>>& actions)
 {
-    for (const std::function<void()>& action : std::exchange(actions, {}))
+    for (const std::function<void()>& action : std::exchange(actions, {})) {
         action();
+    }
 }
 
 } // namespace
@@ -61,8 +62,9 @@ bool RecordingDriver::Open(OS*, const SoundFormat* format, int streamLength, boo
     const int numbers[] = {format->GetBytesPerSample(), format->GetSampleFrequency(), format->GetChannels(),
         format->GetSoundSamples(), streamLength, driverFlag};
     std::string line = "Open";
-    for (int number : numbers)
+    for (int number : numbers) {
         line += ' ' + std::to_string(number);
+    }
     recording.Add(line);
     isOpen = !recording.refuseOpen;
     return isOpen;

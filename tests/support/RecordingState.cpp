@@ -24,10 +24,12 @@ int RecordingState::Read(int channel, int sampleFrames)
         const int left = std::max(file->GetSoundSamples() - file->GetCurrentSample(), 0);
         const int got = file->ReadSamples(pcm.data(), std::min(sampleFrames - read, left));
         read += got;
-        if (got == 0 && (!isLooping || file->GetCurrentSample() == 0))
+        if (got == 0 && (!isLooping || file->GetCurrentSample() == 0)) {
             break;
-        if (got == 0)
+        }
+        if (got == 0) {
             file->Rewind();
+        }
     }
     record.channel->Unlock();
     return read;
@@ -67,8 +69,9 @@ void RecordingState::Reset()
 
 void RecordingState::Require(bool holds, const std::string& otherwise)
 {
-    if (!holds)
+    if (!holds) {
         violations.push_back(otherwise);
+    }
 }
 
 } // namespace Quon

@@ -21,8 +21,9 @@ SoundTest::SoundTest()
 // What a test has asked of the observer speaks of things that are gone by now.
 SoundTest::~SoundTest()
 {
-    if (observer)
+    if (observer) {
         observer->react = nullptr;
+    }
 }
 
 int SoundTest::Play(const PString& file, int flags, int priority, int delay)
@@ -79,8 +80,9 @@ int SoundTest::ChannelOf(int id) const
 {
     const SndBase* sound = Find(id);
     for (const auto& [number, record] : recording.channels) {
-        if (sound && sound->GetSndChannel() == record.channel)
+        if (sound && sound->GetSndChannel() == record.channel) {
             return number;
+        }
     }
     return 0;
 }

@@ -13,8 +13,9 @@ TempFolder::TempFolder()
     std::random_device random;
     for (int tries = 0; tries < 100; ++tries) {
         path = parent / ("harmonet-test-" + std::to_string(random()));
-        if (std::filesystem::create_directory(path))
+        if (std::filesystem::create_directory(path)) {
             return;
+        }
     }
     throw std::runtime_error("no temporary folder can be made");
 }
@@ -35,8 +36,9 @@ std::string TempFolder::Write(const std::string& name, std::string_view text) co
     std::filesystem::create_directories((path / name).parent_path());
     std::ofstream file(path / name, std::ios::binary | std::ios::trunc);
     file.write(text.data(), static_cast<std::streamsize>(text.size()));
-    if (!file.flush())
+    if (!file.flush()) {
         throw std::runtime_error("cannot write " + name);
+    }
     return Path(name);
 }
 

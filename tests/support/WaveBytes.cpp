@@ -11,14 +11,16 @@ namespace
 
 void Put(std::vector<unsigned char>& bytes, std::string_view text)
 {
-    for (const char character : text)
+    for (const char character : text) {
         bytes.push_back(static_cast<unsigned char>(character));
+    }
 }
 
 void Put(std::vector<unsigned char>& bytes, std::uint32_t value, int count)
 {
-    for (int i = 0; i < count; ++i)
+    for (int i = 0; i < count; ++i) {
         bytes.push_back(static_cast<unsigned char>(value >> (8 * i)));
+    }
 }
 
 } // namespace
@@ -27,8 +29,9 @@ std::vector<unsigned char> BuildPcm(const PcmForm& form)
 {
     std::vector<unsigned char> bytes;
     for (int frame = 0; frame < form.frames; ++frame) {
-        for (int channel = 0; channel < form.channels; ++channel)
+        for (int channel = 0; channel < form.channels; ++channel) {
             Put(bytes, static_cast<std::uint32_t>(frame), form.bitsPerSample / 8);
+        }
     }
     return bytes;
 }

@@ -15,8 +15,9 @@ namespace
 std::vector<std::string> CommandNames(const CLI::App& program)
 {
     std::vector<std::string> names;
-    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; }))
+    for (const CLI::App* command : program.get_subcommands([](const CLI::App*) { return true; })) {
         names.push_back(command->get_name());
+    }
     return names;
 }
 
@@ -24,8 +25,9 @@ std::vector<std::string> OptionNames(const CLI::App& command)
 {
     std::vector<std::string> names;
     for (const CLI::Option* option : command.get_options()) {
-        for (const std::string& name : option->get_lnames())
+        for (const std::string& name : option->get_lnames()) {
             names.push_back("--" + name);
+        }
     }
     return names;
 }
@@ -47,8 +49,9 @@ std::string FindUnknownOption(
 {
     for (const std::string& argument : arguments) {
         const std::string name = argument.substr(0, argument.find('='));
-        if (IsOption(name) && std::find(known.begin(), known.end(), name) == known.end())
+        if (IsOption(name) && std::find(known.begin(), known.end(), name) == known.end()) {
             return name;
+        }
     }
     return "";
 }
@@ -60,8 +63,9 @@ CLI::Validator FiniteNumber()
     const auto refuse = [](const std::string& text) {
         char* end = nullptr;
         const float number = std::strtof(text.c_str(), &end);
-        if (end == text.c_str() || *end != '\0' || !std::isfinite(number))
+        if (end == text.c_str() || *end != '\0' || !std::isfinite(number)) {
             return "expected a number, got '" + text + "'";
+        }
         return std::string();
     };
     return CLI::Validator(refuse, "", "finite");
@@ -71,8 +75,9 @@ std::string ExplainArguments(
     const CLI::App& program, const CLI::ParseError& error, const std::vector<std::string>& arguments)
 {
     const std::vector<std::string> commands = CommandNames(program);
-    if (arguments.empty())
+    if (arguments.empty()) {
         return "expected a command; `harmonet --help` lists them";
+    }
     const std::string& first = arguments.front();
     const bool isCommand = std::find(commands.begin(), commands.end(), first) != commands.end();
     if (!isCommand && !first.starts_with('-')) {
@@ -83,8 +88,9 @@ std::string ExplainArguments(
         OptionNames(isCommand ? *program.get_subcommand(first) : program);
     if (const std::string unknown = FindUnknownOption(options, arguments); !unknown.empty()) {
         const std::string hint = DidYouMean(unknown, options);
-        if (!hint.empty())
+        if (!hint.empty()) {
             return "there is no option '" + unknown + "'" + hint;
+        }
     }
     return std::string(error.what()) + "; `harmonet " + (isCommand ? first + ' ' : "") + "--help` tells more";
 }

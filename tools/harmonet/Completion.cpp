@@ -11,8 +11,9 @@ std::vector<std::string> LongNames(const CLI::App& command)
 {
     std::vector<std::string> names;
     for (const CLI::Option* option : NamedOptionsOf(command)) {
-        for (const std::string& name : option->get_lnames())
+        for (const std::string& name : option->get_lnames()) {
             names.push_back("--" + name);
+        }
     }
     return names;
 }
@@ -20,8 +21,9 @@ std::vector<std::string> LongNames(const CLI::App& command)
 std::vector<std::string> CommandNames(const CLI::App& program)
 {
     std::vector<std::string> names;
-    for (const CLI::App* command : CommandsOf(program))
+    for (const CLI::App* command : CommandsOf(program)) {
         names.push_back(command->get_name());
+    }
     return names;
 }
 
@@ -37,9 +39,10 @@ std::string OfferValues(const CLI::App& program)
     std::string branches;
     for (const CLI::App* command : CommandsOf(program)) {
         for (const CLI::Option* option : NamedOptionsOf(*command)) {
-            if (!ChoicesOf(*option).empty())
+            if (!ChoicesOf(*option).empty()) {
                 branches +=
                     Offer(command->get_name() + ":--" + option->get_lnames().front(), ChoicesOf(*option));
+            }
         }
     }
     return branches;
@@ -52,8 +55,9 @@ std::string OfferArguments(const CLI::App& program)
     for (const CLI::App* command : CommandsOf(program)) {
         branches += Offer(command->get_name() + ":-*", LongNames(*command));
         for (const CLI::Option* option : PositionalsOf(*command)) {
-            if (!ChoicesOf(*option).empty())
+            if (!ChoicesOf(*option).empty()) {
                 branches += Offer(command->get_name() + ":*", ChoicesOf(*option));
+            }
         }
     }
     return branches;
@@ -64,10 +68,12 @@ std::string EscapeForZsh(const std::string& text)
 {
     std::string escaped;
     for (const char letter : text) {
-        if (letter == '\'')
+        if (letter == '\'') {
             escaped += "'\\'";
-        else if (letter == '[' || letter == ']' || letter == ':' || letter == '\\')
+        }
+        else if (letter == '[' || letter == ']' || letter == ':' || letter == '\\') {
             escaped += '\\';
+        }
         escaped += letter;
     }
     return escaped;
@@ -77,22 +83,26 @@ std::string DescribeForZsh(const CLI::Option& option)
 {
     const std::vector<std::string> choices = ChoicesOf(option);
     const std::string values = choices.empty() ? "_files" : '(' + Join(choices, " ") + ')';
-    if (option.get_positional())
+    if (option.get_positional()) {
         return "'*:" + EscapeForZsh(option.get_name(true)) + ':' + values + '\'';
+    }
     std::string text =
         "'--" + option.get_lnames().front() + '[' + EscapeForZsh(option.get_description()) + ']';
-    if (TakesValue(option))
+    if (TakesValue(option)) {
         text += ':' + EscapeForZsh(ValueNameOf(option)) + ':' + (choices.empty() ? "_files" : values);
+    }
     return text + '\'';
 }
 
 std::string DescribeForZsh(const CLI::App& command)
 {
     std::string text = "        " + command.get_name() + ")\n            _arguments";
-    for (const CLI::Option* option : NamedOptionsOf(command))
+    for (const CLI::Option* option : NamedOptionsOf(command)) {
         text += " \\\n                " + DescribeForZsh(*option);
-    for (const CLI::Option* option : PositionalsOf(command))
+    }
+    for (const CLI::Option* option : PositionalsOf(command)) {
         text += " \\\n                " + DescribeForZsh(*option);
+    }
     return text + "\n            ;;\n";
 }
 
@@ -102,8 +112,9 @@ std::string MakeBashCompletion(const CLI::App& program)
 {
     const std::vector<std::string> commands = CommandNames(program);
     std::vector<std::string> first = commands;
-    for (const std::string& name : LongNames(program))
+    for (const std::string& name : LongNames(program)) {
         first.push_back(name);
+    }
     return "# Completion of harmonet for bash, made by `harmonet generate bash`.\n"
            "_harmonet() {\n"
            "    local word=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]} "

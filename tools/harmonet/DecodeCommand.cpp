@@ -47,8 +47,9 @@ void CopySound(Quon::SndFile& data, WaveWriter& writer)
         const int wanted = std::min(sampleFramesAtOnce, data.GetSoundSamples() - data.GetCurrentSample());
         const int given = wanted > 0 ? data.ReadSamples(buffer.data(), wanted) : 0;
         CheckFormat(data, format);
-        if (given <= 0)
+        if (given <= 0) {
             return;
+        }
         writer.Write(buffer.data(), static_cast<std::size_t>(given) * static_cast<std::size_t>(frameBytes));
     }
 }
@@ -71,8 +72,9 @@ ExitCode RunDecode(const DecodeArguments& arguments)
     const Quon::SndFileService service(*os.GetOptions());
     const FileArguments files({arguments.input});
     std::error_code error;
-    if (std::filesystem::equivalent(arguments.input, arguments.output, error))
+    if (std::filesystem::equivalent(arguments.input, arguments.output, error)) {
         throw ToolError("input and output are the same file", ExitCode::BadArguments);
+    }
 
     const auto data = OpenSoundData(files.GetFiles().front());
     OutputFile output(arguments.output);

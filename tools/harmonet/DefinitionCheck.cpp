@@ -31,18 +31,22 @@ std::string ExplainUnknown(const Quon::PString& keyword)
 {
     const std::string text = ToString(keyword);
     std::string hint;
-    if (text == "*SET_FREQUENCY")
+    if (text == "*SET_FREQUENCY") {
         hint = " (it is spelt " + ToString(Keys::set_frquency) + ")";
-    else if (std::any_of(text.begin(), text.end(), [](unsigned char letter) { return std::islower(letter); }))
+    }
+    else if (std::any_of(
+                 text.begin(), text.end(), [](unsigned char letter) { return std::islower(letter); })) {
         hint = " (keywords are written in capitals)";
+    }
     return text + " is unknown here" + hint + passedOver;
 }
 
 std::string ExplainUnreadable(const Quon::DefinitionRemark& remark)
 {
     const std::string begin = ToString(remark.keyword) + " needs " + remark.text;
-    if (!remark.found)
+    if (!remark.found) {
         return begin + ", and nothing stands there" + stops;
+    }
     return begin + ", and '" + remark.found + "' is none" + stops;
 }
 
@@ -71,8 +75,9 @@ std::vector<Finding> DefinitionCheck::Run(DefinitionFile& file)
         CheckSoundFile(sound);
         CheckDistances(sound);
         CheckCone(sound);
-        if (sound.GetPolyline())
+        if (sound.GetPolyline()) {
             CheckLine(sound);
+        }
     }
     else {
         AddError(0, "the definition " + ExplainFailure(file));
@@ -88,14 +93,16 @@ void DefinitionCheck::OnKeyword(const Quon::PString& block, const Quon::PString&
     auto& known = block.IsEmpty() || block == Keys::polyline ? lines : blockLines;
     if (block.IsEmpty()) {
         blockLines.clear();
-        if (keyword.GetView().starts_with("*FX_"))
+        if (keyword.GetView().starts_with("*FX_")) {
             effects.emplace_back(keyword, line);
+        }
     }
     const auto [place, isFirst] = known.emplace(keyword, line);
-    if (!isFirst && keyword != Keys::point)
+    if (!isFirst && keyword != Keys::point) {
         AddWarning(line,
             ToString(keyword) + " stands here again; what line " + std::to_string(place->second) +
                 " says does not count");
+    }
     place->second = line;
 }
 
@@ -103,15 +110,17 @@ void DefinitionCheck::OnRemark(const Quon::DefinitionRemark& remark)
 {
     findings.push_back({remark.line, IsError(remark), Explain(remark)});
     // What was not taken over needs no look at what becomes of it.
-    if (remark.fault == DefinitionFault::Unreadable || remark.fault == DefinitionFault::Refused)
+    if (remark.fault == DefinitionFault::Unreadable || remark.fault == DefinitionFault::Refused) {
         lines.erase(remark.keyword);
+    }
 }
 
 bool DefinitionCheck::IsError(const Quon::DefinitionRemark& remark) const
 {
     // Values are kept as they are, but for these two, which a sound does without.
-    if (remark.fault == DefinitionFault::OutOfRange)
+    if (remark.fault == DefinitionFault::OutOfRange) {
         return lastBlock.IsEmpty() && (remark.keyword == Keys::frequency || remark.keyword == Keys::gain);
+    }
     return true;
 }
 
@@ -153,12 +162,15 @@ std::string DefinitionCheck::ExplainOutOfRange(const Quon::DefinitionRemark& rem
 {
     std::string text = ToString(remark.keyword) + ' ' + FormatNumber(remark.value) + " is outside " +
         FormatNumber(remark.least) + " to " + FormatNumber(remark.most);
-    if (!lastBlock.IsEmpty())
+    if (!lastBlock.IsEmpty()) {
         return text;
-    if (remark.keyword == Keys::frequency)
+    }
+    if (remark.keyword == Keys::frequency) {
         text += " and is ignored: the sound plays at its own rate";
-    else if (remark.keyword == Keys::gain)
+    }
+    else if (remark.keyword == Keys::gain) {
         text += " and is ignored: the sound plays at gain 1";
+    }
     return text;
 }
 
@@ -173,20 +185,24 @@ void DefinitionCheck::CheckSoundFile(const Quon::SoundDefResource& sound)
     const Quon::PString& name = sound.GetFileName();
     const std::string shown = "the sound file '" + ToString(name) + "' ";
     const int code = TryToOpen(sound.GetOwnerName(), name);
-    if (code != Quon::File::Opened)
+    if (code != Quon::File::Opened) {
         return AddError(FindLine(Keys::file), shown + FormatOpenCode(code));
+    }
     const std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(sound.GetOwnerName(), name));
-    if (!data)
+    if (!data) {
         AddError(FindLine(Keys::file), shown + "is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III");
+    }
 }
 
 void DefinitionCheck::CheckDistances(const Quon::SoundDefResource& sound)
 {
     const int line = std::max(FindLine(Keys::minDistance), FindLine(Keys::maxDistance));
-    if (sound.GetMaxDistance() < sound.GetMinDistance())
+    if (sound.GetMaxDistance() < sound.GetMinDistance()) {
         AddWarning(line, "the maximum distance is below the minimum: the sound does not fall off");
-    if (sound.GetCutout() && sound.GetMaxDistance() == 0.0F)
+    }
+    if (sound.GetCutout() && sound.GetMaxDistance() == 0.0F) {
         AddWarning(line, "with a cutout at distance 0 a positional sound is never heard");
+    }
 }
 
 void DefinitionCheck::CheckCone(const Quon::SoundDefResource& sound)
@@ -197,29 +213,36 @@ void DefinitionCheck::CheckCone(const Quon::SoundDefResource& sound)
     const bool isInUse = sound.GetInnerConeAngle() < halfTurn && sound.GetConeGain() < 1.0F;
     const bool isAskedFor = sound.GetInnerConeAngle() != halfTurn || sound.GetOuterConeAngle() != halfTurn ||
         sound.GetConeGain() != 1.0F;
-    if (isAskedFor && !isInUse)
+    if (isAskedFor && !isInUse) {
         AddWarning(
             line, "no cone is in use: that needs an inner angle below 180 and a cone gain below 1 together");
-    if (isInUse && sound.GetOuterConeAngle() < sound.GetInnerConeAngle())
+    }
+    if (isInUse && sound.GetOuterConeAngle() < sound.GetInnerConeAngle()) {
         AddWarning(line, "the outer cone angle is below the inner one");
+    }
 }
 
 void DefinitionCheck::CheckLine(const Quon::SoundDefResource& sound)
 {
-    for (const auto& [keyword, line] : effects)
+    for (const auto& [keyword, line] : effects) {
         AddWarning(line, ToString(keyword) + " is not heard: a sound along a line starts without effects");
-    if (const int line = FindLine(Keys::position))
+    }
+    if (const int line = FindLine(Keys::position)) {
         AddWarning(line, ToString(Keys::position) + " is ignored: the line has its own places");
-    if (const int line = FindLine(Keys::looping); line && !sound.GetLooping())
+    }
+    if (const int line = FindLine(Keys::looping); line && !sound.GetLooping()) {
         AddWarning(line, "a sound along a line always loops");
-    if (sound.GetMinDistance() <= 0.0F && sound.GetMaxDistance() <= 0.0F)
+    }
+    if (sound.GetMinDistance() <= 0.0F && sound.GetMaxDistance() <= 0.0F) {
         AddWarning(FindLine(Keys::polyline), "without a distance above 0 the line is heard on itself alone");
+    }
     const auto asked = static_cast<unsigned int>(sound.GetNumAddSounds());
     const unsigned int possible = Quon::LimitSources(asked, sound.GetMinAngle()).numAddSounds;
-    if (possible < asked)
+    if (possible < asked) {
         AddWarning(FindLine(Keys::num_add_sounds),
             "with an angle of " + FormatNumber(sound.GetMinAngle()) + " there is room for " +
                 std::to_string(possible) + " additional sounds, not " + std::to_string(asked));
+    }
 }
 
 } // namespace Tool

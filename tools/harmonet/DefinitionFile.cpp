@@ -23,8 +23,9 @@ fs::path Canonical(const std::string& shown)
 {
     std::error_code error;
     fs::path path = fs::canonical(shown, error);
-    if (error)
+    if (error) {
         throw ToolError("cannot reach '" + shown + "': " + error.message(), ExitCode::NoInput);
+    }
     return path;
 }
 
@@ -41,8 +42,9 @@ DefinitionHost::DefinitionHost()
     : library(os.CreateDynamicLibrary())
 {
     void* symbol = nullptr;
-    if (!library->Open(HARMONET_LIBRARY_NAME) || !library->GetSymbol(&symbol, Quon::quonGetPluginsSymbol))
+    if (!library->Open(HARMONET_LIBRARY_NAME) || !library->GetSymbol(&symbol, Quon::quonGetPluginsSymbol)) {
         throw ToolError("the library " HARMONET_LIBRARY_NAME " cannot be loaded");
+    }
     reinterpret_cast<Quon::QuonGetPluginsFunction>(symbol)();
     Quon::HarmonetStrings::Init();
 }
@@ -55,8 +57,9 @@ DefinitionHost::~DefinitionHost()
 bool DefinitionFile::IsDefinitionName(const std::string& path)
 {
     for (const std::string ending : endings) {
-        if (path.ends_with(ending))
+        if (path.ends_with(ending)) {
             return true;
+        }
     }
     return false;
 }
@@ -66,36 +69,43 @@ DefinitionFile::DefinitionFile(const std::string& path, const std::string& newRo
     , root(newRoot)
     , owner(MakeOwner())
 {
-    if (!IsDefinitionName(input.GetPath()))
+    if (!IsDefinitionName(input.GetPath())) {
         throw ToolError("'" + path + "' is no sound definition; their names end with .sound or .sound.txt",
             ExitCode::BadInput);
+    }
     const fs::path file = Canonical(input.GetPath());
     const fs::path folder = root.empty() || IsFromStream() ? file.parent_path() : Canonical(root);
     const fs::path name = file.lexically_relative(folder);
-    if (name.empty() || *name.begin() == "..")
+    if (name.empty() || *name.begin() == "..") {
         throw ToolError("'" + path + "' does not lie below '" + root + "'", ExitCode::BadArguments);
-    if (!database.AddFolder(Quon::PString(owner.c_str()), folder.string().c_str()))
+    }
+    if (!database.AddFolder(Quon::PString(owner.c_str()), folder.string().c_str())) {
         throw ToolError("'" + folder.string() + "' is no folder", ExitCode::NoInput);
+    }
     const Quon::Resource* found = database.Lookup(Quon::PString(name.generic_string().c_str()), lookupMode);
     resource = dynamic_cast<const Quon::SoundDefResource*>(found);
-    if (!resource)
+    if (!resource) {
         throw ToolError("'" + path + "' cannot be read", ExitCode::NoInput);
+    }
 }
 
 DefinitionFile::~DefinitionFile()
 {
-    if (isLocked)
+    if (isLocked) {
         resource->Unlock();
-    if (resource)
+    }
+    if (resource) {
         resource->ReleaseReference();
+    }
 }
 
 bool DefinitionFile::Load()
 {
     isLocked = isLocked || resource->Lock(&database).IsOk();
     // From here on the temporary folder is not looked at any more, but the one that the names refer to.
-    if (IsFromStream())
+    if (IsFromStream()) {
         database.AddFolder(Quon::PString(owner.c_str()), root.empty() ? "." : root.c_str());
+    }
     return isLocked;
 }
 
@@ -103,8 +113,9 @@ std::string DefinitionFile::GetSoundPath() const
 {
     const std::string name(resource->GetFileName().GetView());
     fs::path folder = root;
-    if (root.empty() && !IsFromStream())
+    if (root.empty() && !IsFromStream()) {
         folder = fs::path(input.GetPath()).parent_path();
+    }
     return name.empty() ? "" : (folder / name).string();
 }
 

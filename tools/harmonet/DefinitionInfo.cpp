@@ -81,16 +81,18 @@ Setting DescribeEffect(const Quon::SndFXDesc& effect)
 void AddLine(const Quon::SoundDefResource& sound, std::vector<Setting>& settings)
 {
     Json points = Json::array();
-    for (int i = 0; i < sound.GetNumPoints(); ++i)
+    for (int i = 0; i < sound.GetNumPoints(); ++i) {
         points.push_back(ToJson(sound.GetPolyline()[i]));
+    }
     settings.push_back({"line",
         std::to_string(sound.GetNumPoints()) + " points, " + std::to_string(sound.GetNumAddSounds()) +
             " additional sounds, angle " + FormatNumber(sound.GetMinAngle()),
         "line",
         {{"points", points}, {"additionalSounds", sound.GetNumAddSounds()},
             {"angle", Rounded(sound.GetMinAngle())}}});
-    for (int i = 0; i < sound.GetNumPoints(); ++i)
+    for (int i = 0; i < sound.GetNumPoints(); ++i) {
         settings.push_back({"", Format(sound.GetPolyline()[i]), nullptr, nullptr});
+    }
 }
 
 std::vector<Setting> DescribeEffects(const Quon::SoundDefResource& sound)
@@ -131,15 +133,17 @@ std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
             {{"hertz", sound.GetFrequency()}, {"canChange", sound.GetChgFrequency()}}},
         {"listener's effects", sound.GetDisableMicFX() ? "do not apply" : "apply", "listenerEffects",
             !sound.GetDisableMicFX()}};
-    if (sound.GetPolyline())
+    if (sound.GetPolyline()) {
         AddLine(sound, settings);
+    }
     return settings;
 }
 
 void Load(DefinitionFile& file, const std::string& path)
 {
-    if (!file.Load())
+    if (!file.Load()) {
         throw ToolError("'" + path + "' does not load; `harmonet check` tells why", ExitCode::BadInput);
+    }
 }
 
 void PrintSettings(const std::vector<Setting>& settings)
@@ -169,12 +173,14 @@ Json DescribeDefinition(const std::string& path)
     Load(file, path);
     Json description = {{"file", path}};
     for (const Setting& setting : DescribeSettings(file.GetSettings())) {
-        if (setting.key)
+        if (setting.key) {
             description[setting.key] = setting.value;
+        }
     }
     description["effects"] = Json::object();
-    for (const Setting& effect : DescribeEffects(file.GetSettings()))
+    for (const Setting& effect : DescribeEffects(file.GetSettings())) {
         description["effects"].update(effect.value);
+    }
     return description;
 }
 

@@ -9,8 +9,9 @@ namespace Tool
 void SetEngineOptions(Quon::Options& options, const std::vector<std::string>& texts)
 {
     for (const std::string& text : texts) {
-        if (!options.SetFromText(text.c_str()))
+        if (!options.SetFromText(text.c_str())) {
             throw ToolError("'" + text + "' is no option of the form Key=Value", ExitCode::BadArguments);
+        }
     }
 }
 

@@ -19,10 +19,12 @@ fs::path Canonical(const std::string& shown)
 {
     std::error_code error;
     fs::path path = fs::canonical(shown, error);
-    if (error == std::errc::no_such_file_or_directory)
+    if (error == std::errc::no_such_file_or_directory) {
         throw ToolError("there is no file '" + shown + "'", ExitCode::NoInput);
-    if (error)
+    }
+    if (error) {
         throw ToolError("cannot reach '" + shown + "': " + error.message(), ExitCode::NoInput);
+    }
     return path;
 }
 
@@ -30,8 +32,9 @@ fs::path CommonFolder(const fs::path& left, const fs::path& right)
 {
     fs::path common;
     const auto [leftEnd, rightEnd] = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
-    for (auto part = left.begin(); part != leftEnd; ++part)
+    for (auto part = left.begin(); part != leftEnd; ++part) {
         common /= *part;
+    }
     return common;
 }
 
@@ -39,8 +42,9 @@ void CheckReadable(const FileArguments::File& file)
 {
     Quon::File opened;
     const Quon::Result result = opened.Open(Quon::PString(), file.name.GetText(), Quon::File::modeRead);
-    if (!result.IsOk())
+    if (!result.IsOk()) {
         throw ToolError("'" + file.shown + "' " + FormatOpenCode(result.GetCode()), ExitCode::NoInput);
+    }
 }
 
 } // namespace
@@ -55,10 +59,12 @@ FileArguments::FileArguments(const std::vector<std::string>& paths)
     }
 
     fs::path root = found.front().parent_path();
-    for (const fs::path& path : found)
+    for (const fs::path& path : found) {
         root = CommonFolder(root, path.parent_path());
-    if (!Quon::File::AddRoot(Quon::PString(), root.string().c_str()))
+    }
+    if (!Quon::File::AddRoot(Quon::PString(), root.string().c_str())) {
         throw ToolError("cannot reach the folder '" + root.string() + "'", ExitCode::NoInput);
+    }
 
     for (std::size_t i = 0; i < paths.size(); ++i) {
         files.push_back(

@@ -26,14 +26,17 @@ ExitCode ForEachFile(const std::vector<std::string>& paths, bool isJson,
         }
         catch (const ToolError& error) {
             code = error.GetCode();
-            if (IsOfOutput(code))
+            if (IsOfOutput(code)) {
                 throw;
-            if (isJson)
+            }
+            if (isJson) {
                 PrintJson({{"file", path}, {"error", error.what()}, {"exitCode", static_cast<int>(code)}});
+            }
             Complain(error.what());
         }
-        if (first == ExitCode::Done)
+        if (first == ExitCode::Done) {
             first = code;
+        }
     }
     return first;
 }

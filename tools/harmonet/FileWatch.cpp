@@ -14,21 +14,24 @@ FileWatch::FileWatch(const std::vector<std::string>& newPaths)
     : paths(newPaths)
     , nextLook(Clock::now())
 {
-    for (const std::string& path : paths)
+    for (const std::string& path : paths) {
         states.push_back(Look(path));
+    }
     seen = states;
 }
 
 bool FileWatch::HasChanged()
 {
-    if (Clock::now() < nextLook)
+    if (Clock::now() < nextLook) {
         return false;
+    }
     nextLook = Clock::now() + pause;
     for (std::size_t i = 0; i < paths.size(); ++i) {
         const State now = Look(paths[i]);
         const bool isSettled = now == seen[i] && now != State();
-        if (isSettled && now != states[i])
+        if (isSettled && now != states[i]) {
             return true;
+        }
         seen[i] = now;
     }
     return false;
@@ -39,8 +42,9 @@ FileWatch::State FileWatch::Look(const std::string& path)
     std::error_code error;
     State state;
     state.time = std::filesystem::last_write_time(path, error);
-    if (!error)
+    if (!error) {
         state.size = std::filesystem::file_size(path, error);
+    }
     return error ? State() : state;
 }
 

@@ -20,8 +20,9 @@ std::string Describe(const Count& count)
     const auto name = [](int number, const char* what) {
         return std::to_string(number) + ' ' + what + (number == 1 ? "" : "s");
     };
-    if (count.errors == 0 && count.warnings == 0)
+    if (count.errors == 0 && count.warnings == 0) {
         return "good";
+    }
     return name(count.errors, "error") + ", " + name(count.warnings, "warning");
 }
 
@@ -30,8 +31,9 @@ std::string Describe(const Count& count)
 Count CountFindings(const std::vector<Finding>& findings)
 {
     Count count;
-    for (const Finding& finding : findings)
+    for (const Finding& finding : findings) {
         ++(finding.isError ? count.errors : count.warnings);
+    }
     return count;
 }
 
@@ -47,8 +49,9 @@ void PrintFindings(const std::string& path, const std::vector<Finding>& findings
 nlohmann::ordered_json ToJson(const std::vector<Finding>& findings)
 {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const Finding& finding : findings)
+    for (const Finding& finding : findings) {
         list.push_back({{"line", finding.line}, {"severity", Severity(finding)}, {"text", finding.text}});
+    }
     return list;
 }
 

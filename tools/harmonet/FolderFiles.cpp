@@ -33,14 +33,17 @@ std::vector<fs::path> FindFiles(const fs::path& folder, const fs::path& excluded
     for (; !error && place != fs::recursive_directory_iterator(); place.increment(error)) {
         std::error_code ignored;
         const bool isExcluded = fs::equivalent(place->path(), excluded, ignored);
-        if (place->is_directory(ignored) && (isExcluded || IsHidden(place->path())))
+        if (place->is_directory(ignored) && (isExcluded || IsHidden(place->path()))) {
             place.disable_recursion_pending();
-        else if (place->is_regular_file(ignored) && !IsHidden(place->path()))
+        }
+        else if (place->is_regular_file(ignored) && !IsHidden(place->path())) {
             files.push_back(place->path());
+        }
     }
-    if (error)
+    if (error) {
         throw ToolError(
             "cannot read the folder '" + folder.string() + "': " + error.message(), ExitCode::NoInput);
+    }
     std::sort(files.begin(), files.end());
     return files;
 }

@@ -27,9 +27,10 @@ GameClock::GameClock(bool newIsLive)
 
 int GameClock::WaitForFrame(long remainingMs)
 {
-    if (!isLive)
+    if (!isLive) {
         return static_cast<int>(
             remainingMs < 2 * Host::offlineFrameMs ? std::max(remainingMs, 1L) : Host::offlineFrameMs);
+    }
 
     std::this_thread::sleep_until(now + liveFrame);
     const auto passed = std::chrono::floor<milliseconds>(Clock::now() - now);

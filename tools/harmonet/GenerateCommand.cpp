@@ -10,12 +10,15 @@ namespace
 
 ExitCode Generate(const CLI::App& program, const std::string& what)
 {
-    if (what == "man")
+    if (what == "man") {
         Print(MakeManPage(program, HARMONET_VERSION));
-    else if (what == "bash")
+    }
+    else if (what == "bash") {
         Print(MakeBashCompletion(program));
-    else
+    }
+    else {
         Print(MakeZshCompletion(program));
+    }
     return ExitCode::Done;
 }
 

@@ -27,8 +27,9 @@ constexpr float soundStepSeconds = 0.041F;
 
 void CheckWritable(const std::string& path)
 {
-    if (!path.empty() && !std::ofstream(std::filesystem::path(path), std::ios::app))
+    if (!path.empty() && !std::ofstream(std::filesystem::path(path), std::ios::app)) {
         throw ToolError("cannot write to '" + path + "'", ExitCode::NoOutput);
+    }
 }
 
 } // namespace
@@ -53,8 +54,9 @@ Host::Host(const Settings& settings)
 bool Host::StartSystem()
 {
     // With --verbose the error stream has messages of ours on it.
-    if (Quon::Messages::AreWanted())
+    if (Quon::Messages::AreWanted()) {
         return system.Init(&os, false);
+    }
     const QuietErrors quiet;
     return system.Init(&os, false);
 }
@@ -63,10 +65,12 @@ void Host::SetOptions(const Settings& settings, const std::string& drivers)
 {
     Quon::Options& options = *os.GetOptions();
     options.Set("Sound", drivers.c_str());
-    if (!settings.renderPath.empty())
+    if (!settings.renderPath.empty()) {
         options.Set(renderOption, settings.renderPath.c_str());
-    if (settings.channels > 0)
+    }
+    if (settings.channels > 0) {
         options.Set("MaxSounds", std::to_string(settings.channels).c_str());
+    }
     SetEngineOptions(options, settings.options);
 }
 
@@ -75,13 +79,15 @@ void Host::CheckInputs(const std::vector<std::string>& inputs)
     // As the driver reads it, which leaves out blanks around the path.
     os.GetOptions()->SetSeperators(renderOption, "\n");
     Quon::String output;
-    if (!os.GetOptions()->GetNext(renderOption, output))
+    if (!os.GetOptions()->GetNext(renderOption, output)) {
         return;
+    }
     for (const std::string& input : inputs) {
         std::error_code ignored;
-        if (std::filesystem::equivalent(input, output.GetText(), ignored))
+        if (std::filesystem::equivalent(input, output.GetText(), ignored)) {
             throw ToolError("'" + input + "' is played and rendered into; these cannot be the same file",
                 ExitCode::BadArguments);
+        }
     }
 }
 
@@ -95,9 +101,10 @@ void Host::Update(int elapsedMs)
     // The library counts whole milliseconds and drops the rest, so the nearest float must not lie below.
     const float seconds = static_cast<float>(elapsedMs) / 1000.0F;
     Quon::TaskList::Get().Update(std::nextafter(seconds, std::numeric_limits<float>::max()));
-    if (Quon::SoundSystem::HasLostOutput())
+    if (Quon::SoundSystem::HasLostOutput()) {
         throw ToolError("the rendered file is cut off: the disk is full, or the file has reached 4 GiB",
             ExitCode::NoOutput);
+    }
 }
 
 } // namespace Tool

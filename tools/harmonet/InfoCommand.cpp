@@ -45,10 +45,12 @@ nlohmann::ordered_json DescribeSound(const std::string& path)
 void Show(const std::string& path, bool isJson)
 {
     const bool isDefinition = DefinitionFile::IsDefinitionName(path);
-    if (isJson)
+    if (isJson) {
         PrintJson(isDefinition ? DescribeDefinition(path) : DescribeSound(path));
-    else
+    }
+    else {
         isDefinition ? PrintDefinition(path) : PrintSound(path);
+    }
 }
 
 ExitCode RunInfo(const InfoArguments& arguments)

@@ -22,9 +22,10 @@ struct Close
 void KeepStandardInput(const std::string& path)
 {
     const std::unique_ptr<std::FILE, Close> kept(Quon::OpenHostFile(path.c_str(), "wb"));
-    if (!kept)
+    if (!kept) {
         throw ToolError(
             "cannot keep the standard input: " + std::string(std::strerror(errno)), ExitCode::NoOutput);
+    }
     CopyStream(UseBinary(stdin), "the standard input", kept.get(), "a temporary file");
 }
 
@@ -34,8 +35,9 @@ InputFile::InputFile(const std::string& newShown, const std::string& nameForStre
     : shown(newShown)
     , path(newShown)
 {
-    if (shown != standardStream)
+    if (shown != standardStream) {
         return;
+    }
     folder = std::make_unique<TemporaryFolder>();
     path = (folder->GetPath() / nameForStream).string();
     KeepStandardInput(path);

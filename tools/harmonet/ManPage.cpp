@@ -13,14 +13,18 @@ std::string Escape(const std::string& text)
     std::string escaped;
     bool isLineStart = true;
     for (const char letter : text) {
-        if (isLineStart && (letter == '.' || letter == '\''))
+        if (isLineStart && (letter == '.' || letter == '\'')) {
             escaped += "\\&";
-        if (letter == '\\')
+        }
+        if (letter == '\\') {
             escaped += "\\e";
-        else if (letter == '-')
+        }
+        else if (letter == '-') {
             escaped += "\\-";
-        else
+        }
+        else {
             escaped += letter;
+        }
         isLineStart = letter == '\n';
     }
     return escaped;
@@ -40,8 +44,9 @@ std::string DescribeOption(const CLI::Option& option)
 {
     const bool isPositional = option.get_positional();
     std::string head = isPositional ? Italic(option.get_name(true)) : Bold(NamesOf(option));
-    if (!isPositional && TakesValue(option))
+    if (!isPositional && TakesValue(option)) {
         head += ' ' + Italic(ValueNameOf(option));
+    }
     return ".TP\n" + head + '\n' + Escape(option.get_description()) + '\n';
 }
 
@@ -53,8 +58,9 @@ std::string DescribeCommand(const CLI::App& command)
         usage += ' ' + option->get_name(true) + (option->get_items_expected_max() > 1 ? "..." : "");
         options += DescribeOption(*option);
     }
-    for (const CLI::Option* option : NamedOptionsOf(command))
+    for (const CLI::Option* option : NamedOptionsOf(command)) {
         options += DescribeOption(*option);
+    }
     const std::string footer = command.get_footer();
     return ".SS " + Escape(usage) + '\n' + Escape(command.get_description()) + '\n' + options +
         (footer.empty() ? "" : ".PP\n" + Escape(footer) + '\n');
@@ -69,11 +75,13 @@ std::string MakeManPage(const CLI::App& program, const std::string& version)
     page += ".SH SYNOPSIS\n" + Bold("harmonet") + " command [options] ...\n";
     page += ".SH DESCRIPTION\n" + Escape(program.get_description()) + '\n';
     page += ".SH COMMANDS\n";
-    for (const CLI::App* command : CommandsOf(program))
+    for (const CLI::App* command : CommandsOf(program)) {
         page += DescribeCommand(*command);
+    }
     page += ".SH OPTIONS\n";
-    for (const CLI::Option* option : NamedOptionsOf(program))
+    for (const CLI::Option* option : NamedOptionsOf(program)) {
         page += DescribeOption(*option);
+    }
     return page + ".SH NOTES\n.nf\n" + Escape(program.get_footer()) + "\n.fi\n";
 }
 

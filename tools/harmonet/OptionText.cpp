@@ -31,8 +31,9 @@ bool TakesValue(const CLI::Option& option)
 std::string ValueNameOf(const CLI::Option& option)
 {
     const std::vector<std::string> choices = ChoicesOf(option);
-    if (!choices.empty())
+    if (!choices.empty()) {
         return Join(choices, "|");
+    }
     // The checks stand after a colon.
     const std::string type = option.get_type_name();
     return type.substr(0, type.find(':'));
@@ -43,16 +44,18 @@ std::vector<std::string> ChoicesOf(const CLI::Option& option)
     const std::string type = option.get_type_name();
     const std::size_t begin = type.find('{');
     const std::size_t end = type.find('}', begin);
-    if (begin == std::string::npos || end == std::string::npos)
+    if (begin == std::string::npos || end == std::string::npos) {
         return {};
+    }
     return CLI::detail::split(type.substr(begin + 1, end - begin - 1), ',');
 }
 
 std::string Join(const std::vector<std::string>& texts, const std::string& separator)
 {
     std::string joined;
-    for (const std::string& text : texts)
+    for (const std::string& text : texts) {
         joined += (joined.empty() ? "" : separator) + text;
+    }
     return joined;
 }
 

@@ -26,8 +26,9 @@ void IgnoreClosedPipes()
 
 void Print(std::string_view text)
 {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
         throw WriteError(standardOutput, errno);
+    }
 }
 
 void PrintJson(const nlohmann::ordered_json& value)
@@ -38,14 +39,16 @@ void PrintJson(const nlohmann::ordered_json& value)
 
 void FlushOutput()
 {
-    if (std::fflush(stdout) != 0)
+    if (std::fflush(stdout) != 0) {
         throw WriteError(standardOutput, errno);
+    }
 }
 
 ToolError WriteError(const std::string& what, int reason)
 {
-    if (reason == EPIPE)
+    if (reason == EPIPE) {
         return ToolError("whoever read " + what + " has closed it", ExitCode::ClosedPipe);
+    }
     return ToolError("cannot write to " + what + ": " + std::strerror(reason), ExitCode::NoOutput);
 }
 

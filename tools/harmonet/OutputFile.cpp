@@ -55,8 +55,9 @@ OutputFile::OutputFile(const std::string& newShown)
 OutputFile::~OutputFile()
 {
     std::error_code ignored;
-    if (!path.empty() && path != shown)
+    if (!path.empty() && path != shown) {
         fs::remove(path, ignored);
+    }
 }
 
 std::string OutputFile::GetShown() const
@@ -72,8 +73,9 @@ void OutputFile::Commit()
     else if (path != shown) {
         std::error_code error;
         fs::rename(path, Target(shown), error);
-        if (error)
+        if (error) {
             throw ToolError("cannot write to " + GetShown() + ": " + error.message(), ExitCode::NoOutput);
+        }
         path.clear();
     }
 }
@@ -81,8 +83,9 @@ void OutputFile::Commit()
 void OutputFile::CopyToStream() const
 {
     std::FILE* const written = Quon::OpenHostFile(path.c_str(), "rb");
-    if (!written)
+    if (!written) {
         throw WriteError(GetShown(), errno);
+    }
     const std::unique_ptr<std::FILE, Close> closing(written);
     CopyStream(written, "a temporary file", UseBinary(stdout), GetShown());
 }

@@ -20,19 +20,22 @@ constexpr const char* resourceOwner = "resources";
 
 bool PlayList::Item::HasPlace() const
 {
-    if (!definition)
+    if (!definition) {
         return false;
+    }
     const Quon::Vector3 place = GetPlace();
     return definition->GetPolyline() || place.x != 0.0F || place.y != 0.0F || place.z != 0.0F;
 }
 
 Quon::Vector3 PlayList::Item::GetPlace() const
 {
-    if (!definition)
+    if (!definition) {
         return {0.0F, 0.0F, 0.0F};
+    }
     const int count = definition->GetPolyline() ? definition->GetNumPoints() : 0;
-    if (count == 0)
+    if (count == 0) {
         return definition->GetPosition();
+    }
     Quon::Vector3 sum{0.0F, 0.0F, 0.0F};
     for (int i = 0; i < count; ++i) {
         const Quon::Vector3& point = definition->GetPolyline()[i];
@@ -54,15 +57,19 @@ PlayList::PlayList(const std::vector<std::string>& paths, const std::string& new
     for (const std::string& path : paths) {
         std::error_code ignored;
         const bool isName = !fs::exists(path, ignored) && IsBelowRoot(path);
-        if (DefinitionFile::IsDefinitionName(path))
+        if (DefinitionFile::IsDefinitionName(path)) {
             AddDefinition(isName ? (fs::path(root) / path).string() : path, path, isChecked);
-        else if (isName)
+        }
+        else if (isName) {
             AddResource(path);
-        else
+        }
+        else {
             plain.push_back(path);
+        }
     }
-    if (!plain.empty())
+    if (!plain.empty()) {
         AddFiles(plain);
+    }
 }
 
 bool PlayList::IsBelowRoot(const std::string& name) const
@@ -86,10 +93,12 @@ void PlayList::AddDefinition(const std::string& path, const std::string& shown, 
     definitions.push_back(std::make_unique<DefinitionFile>(path, root));
     DefinitionFile& file = *definitions.back();
     read.push_back(path);
-    if (isChecked)
+    if (isChecked) {
         PrintFindings(shown, DefinitionCheck().Run(file));
-    if (!file.Load())
+    }
+    if (!file.Load()) {
         throw ToolError("'" + shown + "' does not load; `harmonet check` tells why", ExitCode::BadInput);
+    }
     const Quon::SoundDefResource& settings = file.GetSettings();
     items.push_back({shown, settings.GetName(), &file.GetDatabase(), &settings});
     read.push_back(file.GetSoundPath());
@@ -99,8 +108,9 @@ void PlayList::AddResource(const std::string& name)
 {
     resources.AddFolder(Quon::PString(resourceOwner), root.c_str());
     const Quon::Resource* const found = resources.Lookup(Quon::PString(name.c_str()), 0);
-    if (!found)
+    if (!found) {
         throw ToolError("'" + name + "' is no resource of a known kind", ExitCode::BadInput);
+    }
     found->ReleaseReference();
     items.push_back({name, Quon::PString(name.c_str()), &resources});
     read.push_back((fs::path(root) / name).string());

@@ -22,8 +22,9 @@ PlayReport::PlayReport()
 
 void PlayReport::ShowEvents()
 {
-    if (!events.empty())
+    if (!events.empty()) {
         Print((onTerminal ? clearLine : "") + events);
+    }
     events.clear();
     FlushOutput();
 }
@@ -31,8 +32,9 @@ void PlayReport::ShowEvents()
 void PlayReport::ShowProgress(unsigned long playedMs)
 {
     ShowEvents();
-    if (!onTerminal)
+    if (!onTerminal) {
         return;
+    }
     Print(clearLine + DescribeTime(playedMs) + ", " + std::to_string(running) + " playing");
     FlushOutput();
 }

@@ -40,8 +40,9 @@ Quon::Vector3 PlaceOf(const PlayRequest& request, const PlayList::Item& item)
 
 int MakeSound(Quon::Sound& group, const PlayRequest& request, const PlayList::Item& item)
 {
-    if (!IsPlaced(request, item))
+    if (!IsPlaced(request, item)) {
         return group.New2DSound(item.name, item.database);
+    }
     const int id = group.New3DSound(item.name, item.database);
     if (!item.definition) {
         group.SetSoundCone(id, allAround, allAround, 1.0F);
@@ -61,8 +62,9 @@ void StartOrFail(
         const int id = MakeSound(group, request, item);
         group.SetSoundPriority(id, request.priority);
         report.NameSound(id, item.shown);
-        if (group.StartSound(id, flags | atOnce))
+        if (group.StartSound(id, flags | atOnce)) {
             return report.ExpectSound();
+        }
         group.DeleteSound(id);
     }
     throw ToolError("'" + item.shown + "' cannot be played", ExitCode::BadInput);
@@ -70,8 +72,9 @@ void StartOrFail(
 
 long LimitMs(const PlayRequest& request)
 {
-    if (request.seconds > 0.0)
+    if (request.seconds > 0.0) {
         return std::lround(request.seconds * 1000.0);
+    }
     return request.isWalking ? Walk::durationMs : std::numeric_limits<long>::max();
 }
 
@@ -79,8 +82,9 @@ void CheckEnd(const PlayRequest& request, const PlayList& list)
 {
     const auto isLoop = [&](const PlayList::Item& item) { return request.isLooping || item.IsLoop(); };
     const bool hasLoop = std::any_of(list.GetItems().begin(), list.GetItems().end(), isLoop);
-    if (hasLoop && !request.host.renderPath.empty() && LimitMs(request) == std::numeric_limits<long>::max())
+    if (hasLoop && !request.host.renderPath.empty() && LimitMs(request) == std::numeric_limits<long>::max()) {
         throw ToolError("a loop has no end; rendering one needs --seconds", ExitCode::BadArguments);
+    }
 }
 
 /// Past the middle of all that is played, from where it is hardly heard any more.
@@ -92,8 +96,9 @@ Walk MakeWalk(const PlayRequest& request, const PlayList& list)
     for (const PlayList::Item& item : list.GetItems()) {
         const Quon::Vector3 place = PlaceOf(request, item);
         sum = {sum.x + place.x, sum.y + place.y, sum.z + place.z};
-        if (item.definition)
+        if (item.definition) {
             span = std::max(span, 4.0F * item.definition->GetMinDistance());
+        }
     }
     const auto count = static_cast<float>(list.GetItems().size());
     return {{sum.x / count, sum.y / count, sum.z / count}, span};
@@ -118,10 +123,12 @@ void RunFrames(
         const int elapsedMs = clock.WaitForFrame(limitMs - playedMs);
         host.Update(elapsedMs);
         playedMs += elapsedMs;
-        if (request.isWalking)
+        if (request.isWalking) {
             host.MoveListener(walk.GetPosition(playedMs));
-        if (!report.IsUnfinished())
+        }
+        if (!report.IsUnfinished()) {
             tailMs -= elapsedMs;
+        }
         report.ShowProgress(static_cast<unsigned long>(playedMs));
     } while ((report.IsUnfinished() || tailMs > 0) && playedMs < limitMs && !IsInterrupted() &&
         !(request.isWatching && watch.HasChanged()));
@@ -133,8 +140,9 @@ void PlaySounds(
     Quon::Sound group;
     group.AddObserver(&report);
     group.SetGain(request.gain);
-    for (const PlayList::Item& item : list.GetItems())
+    for (const PlayList::Item& item : list.GetItems()) {
         StartOrFail(group, request, item, report);
+    }
     RunFrames(request, list, host, report, watch);
 }
 
@@ -143,10 +151,12 @@ void PlayToTheEnd(const PlayRequest& request, const PlayList& list, PlayReport& 
     Host::Settings settings = request.host;
     settings.inputs = list.GetFiles();
     Host host(settings);
-    if (!request.room.empty() && !host.EnterRoom(GetRoom(request.room)))
+    if (!request.room.empty() && !host.EnterRoom(GetRoom(request.room))) {
         Warn("this output driver has no rooms");
-    if (request.isWalking)
+    }
+    if (request.isWalking) {
         host.MoveListener(MakeWalk(request, list).GetPosition(0));
+    }
     TraceOutput traces(request.tracePath, request.timelinePath);
     PlaySounds(request, list, host, report, watch);
     traces.Commit();
@@ -175,15 +185,18 @@ ExitCode Play(const PlayRequest& request)
         }
         catch (const ToolError& error) {
             // Whoever edits the file mends it and saves again.
-            if (!request.isWatching || error.GetCode() != ExitCode::BadInput)
+            if (!request.isWatching || error.GetCode() != ExitCode::BadInput) {
                 throw;
+            }
             Complain(error.what());
         }
         FlushOutput();
-        while (request.isWatching && !IsInterrupted() && !watch.HasChanged())
+        while (request.isWatching && !IsInterrupted() && !watch.HasChanged()) {
             std::this_thread::sleep_for(pause);
-        if (!request.isWatching || IsInterrupted())
+        }
+        if (!request.isWatching || IsInterrupted()) {
             return ExitCode::Done;
+        }
     }
 }
 

@@ -49,16 +49,18 @@ const Room rooms[] = {
 std::vector<std::string> RoomNames()
 {
     std::vector<std::string> names;
-    for (const Room& room : rooms)
+    for (const Room& room : rooms) {
         names.emplace_back(room.name);
+    }
     return names;
 }
 
 const Quon::FXEnvReverb& GetRoom(const std::string& name)
 {
     for (const Room& room : rooms) {
-        if (name == room.name)
+        if (name == room.name) {
             return *room.reverb;
+        }
     }
     throw ToolError("there is no room '" + name + "'", ExitCode::BadArguments);
 }

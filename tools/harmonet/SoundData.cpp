@@ -12,10 +12,11 @@ namespace Tool
 std::unique_ptr<Quon::SndFile> OpenSoundData(const FileArguments::File& file)
 {
     std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(Quon::PString(), file.name));
-    if (!data)
+    if (!data) {
         throw ToolError("'" + file.shown + "' is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III" +
                 DescribeRemedy(file.shown),
             ExitCode::BadInput);
+    }
     return data;
 }
 
@@ -36,8 +37,9 @@ const char* DescribeType(const Quon::SndFile& data)
 std::string DescribeTime(unsigned long ms)
 {
     constexpr unsigned long unknownMs = 0xFFFFFFFF;
-    if (ms == unknownMs)
+    if (ms == unknownMs) {
         return "unknown";
+    }
     std::array<char, 32> text{};
     std::snprintf(text.data(), text.size(), "%lu:%02lu.%lu", ms / 60000, ms / 1000 % 60, ms / 100 % 10);
     return text.data();

@@ -21,8 +21,9 @@ std::size_t Distance(const std::string& from, const std::string& to)
             }
             const std::size_t replace = table[i - 1][j - 1] + (from[i - 1] == to[j - 1] ? 0 : 1);
             table[i][j] = std::min({table[i - 1][j] + 1, table[i][j - 1] + 1, replace});
-            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1])
+            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1]) {
                 table[i][j] = std::min(table[i][j], table[i - 2][j - 2] + 1);
+            }
         }
     }
     return table[from.size()][to.size()];

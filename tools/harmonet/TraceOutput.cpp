@@ -13,8 +13,9 @@ namespace
 
 void Check(const std::ofstream& stream, const OutputFile& file)
 {
-    if (!stream)
+    if (!stream) {
         throw WriteError("'" + file.GetShown() + "'", errno);
+    }
 }
 
 void Close(std::ofstream& stream, OutputFile& file)
@@ -41,8 +42,9 @@ TraceOutput::TraceOutput(const std::string& tracePath, const std::string& timeli
         timeline = std::make_unique<Trace::Timeline>();
         fanout.Add(*timeline);
     }
-    if (!fanout.IsEmpty())
+    if (!fanout.IsEmpty()) {
         Quon::SoundSystem::SetTrace(&fanout);
+    }
 }
 
 void TraceOutput::Commit()

@@ -22,14 +22,16 @@ class Head
 public:
     void Text(std::string_view text)
     {
-        for (const char letter : text)
+        for (const char letter : text) {
             bytes[used++] = static_cast<unsigned char>(letter);
+        }
     }
 
     void Number(std::uint64_t value, int byteCount)
     {
-        for (int i = 0; i < byteCount; ++i)
+        for (int i = 0; i < byteCount; ++i) {
             bytes[used++] = static_cast<unsigned char>(value >> (8 * i));
+        }
     }
 
     const std::array<unsigned char, headBytes>& GetBytes() const { return bytes; }
@@ -47,15 +49,17 @@ WaveWriter::WaveWriter(const OutputFile& newOutput, const Quon::SoundFormat& new
     , file(Quon::OpenHostFile(newOutput.GetPath().c_str(), "wb"))
 {
     // The head comes last, when the lengths are known.
-    if (!file || std::fseek(file.get(), headBytes, SEEK_SET) != 0)
+    if (!file || std::fseek(file.get(), headBytes, SEEK_SET) != 0) {
         Fail(errno);
+    }
 }
 
 void WaveWriter::Write(const unsigned char* pcm, std::size_t bytes)
 {
     dataBytes += bytes;
-    if (dataBytes > maxDataBytes)
+    if (dataBytes > maxDataBytes) {
         throw ToolError("the sound is too long for a wave file", ExitCode::BadInput);
+    }
     WriteAll(pcm, bytes);
 }
 
@@ -63,13 +67,16 @@ void WaveWriter::Finish()
 {
     // Chunks have an even number of bytes.
     constexpr unsigned char padding = 0;
-    if (dataBytes % 2 != 0)
+    if (dataBytes % 2 != 0) {
         WriteAll(&padding, 1);
-    if (std::fseek(file.get(), 0, SEEK_SET) != 0)
+    }
+    if (std::fseek(file.get(), 0, SEEK_SET) != 0) {
         Fail(errno);
+    }
     WriteHead();
-    if (std::fflush(file.get()) != 0)
+    if (std::fflush(file.get()) != 0) {
         Fail(errno);
+    }
     file.reset();
 }
 
@@ -98,8 +105,9 @@ void WaveWriter::WriteHead()
 
 void WaveWriter::WriteAll(const void* bytes, std::size_t count)
 {
-    if (std::fwrite(bytes, 1, count, file.get()) != count)
+    if (std::fwrite(bytes, 1, count, file.get()) != count) {
         Fail(errno);
+    }
 }
 
 void WaveWriter::Fail(int reason) const

@@ -16,28 +16,33 @@ public:
 
     void OnStart(const Quon::SoundState& state) override
     {
-        for (SoundTrace* trace : traces)
+        for (SoundTrace* trace : traces) {
             trace->OnStart(state);
+        }
     }
     void OnChange(const Quon::SoundState& state) override
     {
-        for (SoundTrace* trace : traces)
+        for (SoundTrace* trace : traces) {
             trace->OnChange(state);
+        }
     }
     void OnEnd(const Quon::SoundState& state) override
     {
-        for (SoundTrace* trace : traces)
+        for (SoundTrace* trace : traces) {
             trace->OnEnd(state);
+        }
     }
     void OnNotice(Quon::SoundNotice notice, int soundID, const Quon::PString& fileName) override
     {
-        for (SoundTrace* trace : traces)
+        for (SoundTrace* trace : traces) {
             trace->OnNotice(notice, soundID, fileName);
+        }
     }
     void OnUpdate(const Quon::UpdateRecord& record) override
     {
-        for (SoundTrace* trace : traces)
+        for (SoundTrace* trace : traces) {
             trace->OnUpdate(record);
+        }
     }
 
 private:

@@ -8,8 +8,9 @@ namespace Trace
 std::string NameOf(const Quon::SoundState& state)
 {
     std::string name(state.definition.IsEmpty() ? state.fileName.GetView() : state.definition.GetView());
-    if (name.empty())
+    if (name.empty()) {
         name = "in memory";
+    }
     return state.kind == Quon::SoundKind::LineSource ? name + ", source" : name;
 }
 

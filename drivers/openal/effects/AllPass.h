@@ -20,7 +20,7 @@ public:
 
     float Filter(float sample)
     {
-        constexpr float strength = 0.6f;
+        constexpr float strength = 0.6F;
         const float late = line.GetTap(delay);
         const float inner = sample + strength * late;
         line.Push(inner);

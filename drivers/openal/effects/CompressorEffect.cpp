@@ -17,12 +17,12 @@ namespace
 FXCompressor HoldCompressor(const FXCompressor& wanted)
 {
     const auto& fallback = GetDefault<FXCompressor>(SndFXCompressor);
-    return {Hold(wanted.gain, -60.0f, 60.0f, fallback.gain),
-        Hold(wanted.attack, 0.01f, 500.0f, fallback.attack),
-        Hold(wanted.release, 50.0f, 3000.0f, fallback.release),
-        Hold(wanted.threshold, -60.0f, 0.0f, fallback.threshold),
-        Hold(wanted.ratio, 1.0f, 100.0f, fallback.ratio),
-        Hold(wanted.predelay, 0.0f, 4.0f, fallback.predelay)};
+    return {Hold(wanted.gain, -60.0F, 60.0F, fallback.gain),
+        Hold(wanted.attack, 0.01F, 500.0F, fallback.attack),
+        Hold(wanted.release, 50.0F, 3000.0F, fallback.release),
+        Hold(wanted.threshold, -60.0F, 0.0F, fallback.threshold),
+        Hold(wanted.ratio, 1.0F, 100.0F, fallback.ratio),
+        Hold(wanted.predelay, 0.0F, 4.0F, fallback.predelay)};
 }
 
 float GetStep(float timeConstantMs, int rateHz)
@@ -32,7 +32,7 @@ float GetStep(float timeConstantMs, int rateHz)
 
 float GetPeak(std::span<const float> sampleFrame)
 {
-    float peak = 0.0f;
+    float peak = 0.0F;
     for (const float sample : sampleFrame) {
         peak = std::max(peak, std::fabs(sample));
     }
@@ -48,7 +48,7 @@ CompressorEffect::CompressorEffect(const FXCompressor& wanted, const PcmLayout& 
     : EffectWith(HoldCompressor(wanted), pcmLayout)
     , gain(ToFactor(parameters.gain))
     , threshold(ToFactor(parameters.threshold))
-    , slope(1.0f / parameters.ratio - 1.0f)
+    , slope(1.0F / parameters.ratio - 1.0F)
     , rise(GetStep(parameters.attack, layout.rateHz))
     , fall(GetStep(parameters.release, layout.rateHz))
     , predelay(static_cast<int>(std::lround(ToSampleFrames(parameters.predelay, layout.rateHz))))
@@ -59,14 +59,14 @@ CompressorEffect::CompressorEffect(const FXCompressor& wanted, const PcmLayout& 
 void CompressorEffect::Apply(std::span<float> pcm)
 {
     const auto channels = static_cast<std::size_t>(layout.channels);
-    const float scale = 1.0f / threshold;
+    const float scale = 1.0F / threshold;
     std::array<float, pieceFrames> buffer;
     while (!pcm.empty()) {
         const std::size_t frames = std::min(pcm.size() / channels, pieceFrames);
         const std::span<float> gains = std::span(buffer).first(frames);
         for (std::size_t i = 0; i < frames; ++i) {
             FollowLevel(GetPeak(pcm.subspan(i * channels, channels)));
-            gains[i] = std::max(level * scale, 1.0f);
+            gains[i] = std::max(level * scale, 1.0F);
         }
         TurnIntoGains(gains);
         for (std::size_t i = 0; i < frames; ++i) {
@@ -103,7 +103,7 @@ void CompressorEffect::TurnIntoGains(std::span<float> above) const
 void CompressorEffect::Reset()
 {
     peaks.Clear();
-    level = 0.0f;
+    level = 0.0F;
 }
 
 } // namespace Quon

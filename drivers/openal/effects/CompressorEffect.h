@@ -31,7 +31,7 @@ private:
     float fall; ///< and downwards.
     int predelay; ///< In sample frames.
     DelayLine peaks;
-    float level = 0.0f;
+    float level = 0.0F;
 };
 
 } // namespace Quon

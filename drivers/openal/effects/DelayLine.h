@@ -29,7 +29,7 @@ public:
     /// The sample that was pushed `delay` samples ago, 1 being the latest.
     float GetTap(std::size_t delay) const { return samples[(newest + 1 - delay) & mask]; }
 
-    void Clear() { std::fill(samples.begin(), samples.end(), 0.0f); }
+    void Clear() { std::fill(samples.begin(), samples.end(), 0.0F); }
 
 private:
     EngineVector<float> samples;

@@ -14,10 +14,10 @@ namespace
 FXDistortion HoldDistortion(const FXDistortion& wanted, int rateHz)
 {
     const auto& fallback = GetDefault<FXDistortion>(SndFXDistortion);
-    const float highestHz = std::min(8000.0f, GetHighestFilterHz(rateHz));
+    const float highestHz = std::min(8000.0F, GetHighestFilterHz(rateHz));
     const auto holdHz = [highestHz](
-                            float hz, float fallbackHz) { return Hold(hz, 100.0f, highestHz, fallbackHz); };
-    return {Hold(wanted.gain, -60.0f, 0.0f, fallback.gain), Hold(wanted.edge, 0.0f, 100.0f, fallback.edge),
+                            float hz, float fallbackHz) { return Hold(hz, 100.0F, highestHz, fallbackHz); };
+    return {Hold(wanted.gain, -60.0F, 0.0F, fallback.gain), Hold(wanted.edge, 0.0F, 100.0F, fallback.edge),
         holdHz(wanted.postEQCenterFrequency, fallback.postEQCenterFrequency),
         holdHz(wanted.postEQBandwidth, fallback.postEQBandwidth),
         holdHz(wanted.preLowpassCutoff, fallback.preLowpassCutoff)};
@@ -26,9 +26,9 @@ FXDistortion HoldDistortion(const FXDistortion& wanted, int rateHz)
 float GetBend(float edgePercent)
 {
     // A full edge would be a switch between -1 and 1, noise and all.
-    constexpr float sharpest = 0.99f;
+    constexpr float sharpest = 0.99F;
     const float edge = sharpest * ToPart(edgePercent);
-    return 2.0f * edge / (1.0f - edge);
+    return 2.0F * edge / (1.0F - edge);
 }
 
 } // namespace
@@ -46,12 +46,12 @@ DistortionEffect::DistortionEffect(const FXDistortion& wanted, const PcmLayout& 
 void DistortionEffect::Apply(std::span<float> pcm)
 {
     const auto channels = static_cast<std::size_t>(layout.channels);
-    const float steep = 1.0f + bend;
+    const float steep = 1.0F + bend;
     for (std::size_t i = 0; i < pcm.size(); i += channels) {
         for (std::size_t channel = 0; channel < channels; ++channel) {
             float& sample = pcm[i + channel];
             const float low = lowPass.Filter(channel, sample);
-            const float bent = steep * low / (1.0f + bend * std::fabs(low));
+            const float bent = steep * low / (1.0F + bend * std::fabs(low));
             sample = gain * bandPass.Filter(channel, bent);
         }
     }

@@ -14,10 +14,10 @@ namespace
 FXEcho HoldEcho(const FXEcho& wanted)
 {
     const auto& fallback = GetDefault<FXEcho>(SndFXEcho);
-    constexpr float shortestMs = 1.0f;
-    constexpr float longestMs = 2000.0f;
-    return {Hold(wanted.wetDryMix, 0.0f, 100.0f, fallback.wetDryMix),
-        Hold(wanted.feedback, 0.0f, 100.0f, fallback.feedback),
+    constexpr float shortestMs = 1.0F;
+    constexpr float longestMs = 2000.0F;
+    return {Hold(wanted.wetDryMix, 0.0F, 100.0F, fallback.wetDryMix),
+        Hold(wanted.feedback, 0.0F, 100.0F, fallback.feedback),
         Hold(wanted.leftDelay, shortestMs, longestMs, fallback.leftDelay),
         Hold(wanted.rightDelay, shortestMs, longestMs, fallback.rightDelay),
         std::clamp(wanted.panDelay, 0, 1)};

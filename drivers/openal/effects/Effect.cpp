@@ -9,12 +9,12 @@ namespace
 {
 
 /// 120 dB above full scale.
-constexpr float loudest = 1e6f;
+constexpr float loudest = 1e6F;
 
 void HoldToFinite(std::span<float> pcm)
 {
     for (float& sample : pcm) {
-        const float number = sample == sample ? sample : 0.0f;
+        const float number = sample == sample ? sample : 0.0F;
         const float notTooLow = number < -loudest ? -loudest : number;
         sample = notTooLow > loudest ? loudest : notTooLow;
     }

@@ -19,7 +19,7 @@ namespace Quon
 namespace
 {
 
-constexpr float quietLevel = 0.001f; ///< 60 dB below full scale.
+constexpr float quietLevel = 0.001F; ///< 60 dB below full scale.
 /// How long even an effect without a delay has to stay quiet, since its filters swing through 0.
 constexpr double shortestQuietMs = 20.0;
 
@@ -120,7 +120,7 @@ std::size_t EffectChain::ProcessTail(std::span<float> pcm)
     if (IsEmpty()) {
         return 0;
     }
-    std::fill(pcm.begin(), pcm.end(), 0.0f);
+    std::fill(pcm.begin(), pcm.end(), 0.0F);
     Run(pcm);
     return CountTail(pcm);
 }

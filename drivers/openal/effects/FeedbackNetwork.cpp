@@ -122,7 +122,7 @@ inline FeedbackNetwork::Lanes FeedbackNetwork::Step(float left, float right)
         fed[half] = decay[half] * heard[half];
     }
     // A reflection of the eight in their common direction (Householder), which keeps their power.
-    const float mirrored = Sum(fed[0] + fed[1]) * (2.0f / lineCount);
+    const float mirrored = Sum(fed[0] + fed[1]) * (2.0F / lineCount);
     const float evens = level * left - mirrored;
     const float odds = level * right - mirrored;
     const Four in = {evens, odds, evens, odds};

@@ -45,9 +45,9 @@ float GargleEffect::GetGain() const
 {
     const std::uint32_t phase = oscillator.GetPhase();
     if (parameters.waveShape == Square) {
-        return phase < 2 * Oscillator::quarterTurn ? 1.0f : 0.0f;
+        return phase < 2 * Oscillator::quarterTurn ? 1.0F : 0.0F;
     }
-    return 0.5f + 0.5f * GetTriangle(phase - Oscillator::quarterTurn);
+    return 0.5F + 0.5F * GetTriangle(phase - Oscillator::quarterTurn);
 }
 
 } // namespace Quon

@@ -36,9 +36,9 @@ private:
 /// A triangle from -1 to 1 that begins, like a sine, at 0 and rises.
 inline float GetTriangle(std::uint32_t phase)
 {
-    constexpr float halfTurn = 2147483648.0f;
+    constexpr float halfTurn = 2147483648.0F;
     const auto saw = static_cast<float>(static_cast<std::int32_t>(phase - Oscillator::quarterTurn));
-    return 1.0f - 2.0f / halfTurn * std::fabs(saw);
+    return 1.0F - 2.0F / halfTurn * std::fabs(saw);
 }
 
 /// The sine of the same phase, from the triangle: sin(pi / 2 * t) by its series, within 4e-6.

@@ -14,10 +14,10 @@ constexpr double semitonesPerOctave = 12.0;
 FXParamEq HoldParamEq(const FXParamEq& wanted, int rateHz)
 {
     const auto& fallback = GetDefault<FXParamEq>(SndFXParamEq);
-    const float highestHz = std::min(16000.0f, GetHighestFilterHz(rateHz));
-    return {Hold(wanted.center, 80.0f, highestHz, fallback.center),
-        Hold(wanted.bandwidth, 1.0f, 36.0f, fallback.bandwidth),
-        Hold(wanted.gain, -15.0f, 15.0f, fallback.gain)};
+    const float highestHz = std::min(16000.0F, GetHighestFilterHz(rateHz));
+    return {Hold(wanted.center, 80.0F, highestHz, fallback.center),
+        Hold(wanted.bandwidth, 1.0F, 36.0F, fallback.bandwidth),
+        Hold(wanted.gain, -15.0F, 15.0F, fallback.gain)};
 }
 
 } // namespace

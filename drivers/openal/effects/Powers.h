@@ -19,10 +19,10 @@ inline float GetLog2(float value)
     const std::int32_t exponent = (bits >> mantissaBits) - exponentOfOne;
     const auto mantissa = std::bit_cast<float>(bits - exponent * (1 << mantissaBits));
     // The series of the inverse hyperbolic tangent, which converges fast for a mantissa of 1 to 2.
-    const float s = (mantissa - 1.0f) / (mantissa + 1.0f);
+    const float s = (mantissa - 1.0F) / (mantissa + 1.0F);
     const float s2 = s * s;
-    const float sum = s * (1.0f + s2 * (1.0f / 3 + s2 * (1.0f / 5 + s2 * (1.0f / 7 + s2 * (1.0f / 9)))));
-    return static_cast<float>(exponent) + 2.0f * std::numbers::log2e_v<float> * sum;
+    const float sum = s * (1.0F + s2 * (1.0F / 3 + s2 * (1.0F / 5 + s2 * (1.0F / 7 + s2 * (1.0F / 9)))));
+    return static_cast<float>(exponent) + 2.0F * std::numbers::log2e_v<float> * sum;
 }
 
 /// 2 to the power of -126 to 0.
@@ -33,14 +33,14 @@ inline float GetExp2(float power)
     const auto whole = static_cast<std::int32_t>(power);
     const float x = (power - static_cast<float>(whole)) * std::numbers::ln2_v<float>;
     // The series of the exponential function; each factor is what one term has on top of the one before it.
-    float part = 1.0f;
-    part = 1.0f + part * x * (1.0f / 7);
-    part = 1.0f + part * x * (1.0f / 6);
-    part = 1.0f + part * x * (1.0f / 5);
-    part = 1.0f + part * x * (1.0f / 4);
-    part = 1.0f + part * x * (1.0f / 3);
-    part = 1.0f + part * x * (1.0f / 2);
-    part = 1.0f + part * x;
+    float part = 1.0F;
+    part = 1.0F + part * x * (1.0F / 7);
+    part = 1.0F + part * x * (1.0F / 6);
+    part = 1.0F + part * x * (1.0F / 5);
+    part = 1.0F + part * x * (1.0F / 4);
+    part = 1.0F + part * x * (1.0F / 3);
+    part = 1.0F + part * x * (1.0F / 2);
+    part = 1.0F + part * x;
     return part * std::bit_cast<float>((whole + exponentOfOne) * (1 << mantissaBits));
 }
 

@@ -9,7 +9,7 @@ namespace
 {
 
 /// The cubic takes one sample on the near side of the pair that it goes through.
-constexpr float shortestDelay = 2.0f;
+constexpr float shortestDelay = 2.0F;
 /// And one on the far side; the pair itself begins at the whole part of the delay.
 constexpr int farSamples = 2;
 
@@ -25,11 +25,11 @@ int CountLongest(const SweptDelay::Settings& settings, int rateHz)
 /// The cubic through four equally spaced samples, at `part` of the way from `b` to `c` (Lagrange's form).
 float Interpolate(float a, float b, float c, float d, float part)
 {
-    const float back = part + 1.0f;
-    const float rest = part - 1.0f;
-    const float far = part - 2.0f;
-    const float outer = part * rest / 6.0f;
-    const float inner = back * far / 2.0f;
+    const float back = part + 1.0F;
+    const float rest = part - 1.0F;
+    const float far = part - 2.0F;
+    const float outer = part * rest / 6.0F;
+    const float inner = back * far / 2.0F;
     return outer * (back * d - far * a) + inner * (rest * b - part * c);
 }
 

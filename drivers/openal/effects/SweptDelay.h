@@ -61,11 +61,11 @@ private:
 template<class Record>
 Record HoldSweep(const Record& wanted, const Record& fallback, float longestDelayMs)
 {
-    return {Hold(wanted.wetDryMix, 0.0f, 100.0f, fallback.wetDryMix),
-        Hold(wanted.depth, 0.0f, 100.0f, fallback.depth),
-        Hold(wanted.feedback, -99.0f, 99.0f, fallback.feedback),
-        Hold(wanted.frequency, 0.0f, 10.0f, fallback.frequency), std::clamp(wanted.waveform, 0, 1),
-        Hold(wanted.delay, 0.0f, longestDelayMs, fallback.delay), std::clamp(wanted.phase, 0, 4)};
+    return {Hold(wanted.wetDryMix, 0.0F, 100.0F, fallback.wetDryMix),
+        Hold(wanted.depth, 0.0F, 100.0F, fallback.depth),
+        Hold(wanted.feedback, -99.0F, 99.0F, fallback.feedback),
+        Hold(wanted.frequency, 0.0F, 10.0F, fallback.frequency), std::clamp(wanted.waveform, 0, 1),
+        Hold(wanted.delay, 0.0F, longestDelayMs, fallback.delay), std::clamp(wanted.phase, 0, 4)};
 }
 
 /// What the record of a chorus or a flanger says, which must be held to its ranges.

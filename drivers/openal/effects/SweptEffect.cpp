@@ -7,8 +7,8 @@ namespace Quon
 
 namespace
 {
-constexpr float longestChorusDelayMs = 20.0f;
-constexpr float longestFlangerDelayMs = 4.0f;
+constexpr float longestChorusDelayMs = 20.0F;
+constexpr float longestFlangerDelayMs = 4.0F;
 } // namespace
 
 ChorusEffect::ChorusEffect(const FXChorus& wanted, const PcmLayout& pcmLayout)

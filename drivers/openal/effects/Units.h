@@ -15,13 +15,13 @@ inline float Hold(float value, float lowest, float highest, float fallback)
 /// The linear factor of a level in decibels.
 inline float ToFactor(float decibels)
 {
-    return std::pow(10.0f, decibels / 20.0f);
+    return std::pow(10.0F, decibels / 20.0F);
 }
 
 /// A part of 1 from percent.
 inline float ToPart(float percent)
 {
-    return percent / 100.0f;
+    return percent / 100.0F;
 }
 
 /// A time in milliseconds as sample frames.
@@ -33,7 +33,7 @@ inline double ToSampleFrames(double ms, int rateHz)
 /// The highest frequency that a filter is set to.
 inline float GetHighestFilterHz(int rateHz)
 {
-    return static_cast<float>(rateHz) / 3.0f;
+    return static_cast<float>(rateHz) / 3.0F;
 }
 
 } // namespace Quon

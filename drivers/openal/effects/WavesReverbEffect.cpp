@@ -15,10 +15,10 @@ namespace
 FXWavesReverb HoldWavesReverb(const FXWavesReverb& wanted)
 {
     const auto& fallback = GetDefault<FXWavesReverb>(SndFXWavesReverb);
-    return {Hold(wanted.inGain, -96.0f, 0.0f, fallback.inGain),
-        Hold(wanted.reverbMix, -96.0f, 0.0f, fallback.reverbMix),
-        Hold(wanted.reverbTime, 0.001f, 3000.0f, fallback.reverbTime),
-        Hold(wanted.highFreqRTRatio, 0.001f, 0.999f, fallback.highFreqRTRatio)};
+    return {Hold(wanted.inGain, -96.0F, 0.0F, fallback.inGain),
+        Hold(wanted.reverbMix, -96.0F, 0.0F, fallback.reverbMix),
+        Hold(wanted.reverbTime, 0.001F, 3000.0F, fallback.reverbTime),
+        Hold(wanted.highFreqRTRatio, 0.001F, 0.999F, fallback.highFreqRTRatio)};
 }
 
 /// A short decay is that of a small room; in a large one it would be over before the first echo.
@@ -37,7 +37,7 @@ FeedbackNetwork::Room GetRoom(const FXWavesReverb& parameters)
 float GetDryGain(const FXWavesReverb& parameters)
 {
     const float mix = ToFactor(parameters.reverbMix);
-    return ToFactor(parameters.inGain) * std::sqrt(1.0f - mix * mix);
+    return ToFactor(parameters.inGain) * std::sqrt(1.0F - mix * mix);
 }
 
 /// An even number: whole sample frames of one channel and of two.

@@ -43,7 +43,7 @@ Result Examine(const EngineString& path, struct stat& status)
 
 std::uint64_t MixedIdentity(const struct stat& status)
 {
-    return static_cast<std::uint64_t>(status.st_dev) * 0x9E3779B97F4A7C15u ^
+    return static_cast<std::uint64_t>(status.st_dev) * 0x9E3779B97F4A7C15U ^
         static_cast<std::uint64_t>(status.st_ino);
 }
 

@@ -22,7 +22,7 @@ public:
             return 0;
         }
         const unsigned window = bitPointer[0] << 16 | bitPointer[1] << 8 | bitPointer[2];
-        const unsigned bits = (window << bitOffset & 0xFFFFFFu) >> (24 - n);
+        const unsigned bits = (window << bitOffset & 0xFFFFFFU) >> (24 - n);
         Move(n);
         return bits;
     }

@@ -31,8 +31,8 @@ void FillMpeg1Intensity(int position, float& left, float& right)
 {
     const double ratio = std::tan(position * pi / 12);
     const bool isFinite = std::abs(1 + ratio) > 1e-9;
-    left = isFinite ? static_cast<float>(ratio / (1 + ratio)) : 0.0f;
-    right = isFinite ? static_cast<float>(1 / (1 + ratio)) : 0.0f;
+    left = isFinite ? static_cast<float>(ratio / (1 + ratio)) : 0.0F;
+    right = isFinite ? static_cast<float>(1 / (1 + ratio)) : 0.0F;
 }
 
 void FillIntensity(IntensityTables& tables)
@@ -89,7 +89,7 @@ void FillHybrid(HybridTables& tables)
 {
     for (int parity = 0; parity < 2; ++parity) {
         for (int lane = 0; lane < 4; ++lane) {
-            tables.inversion[parity][lane] = parity * lane % 2 != 0 ? -1.0f : 1.0f;
+            tables.inversion[parity][lane] = parity * lane % 2 != 0 ? -1.0F : 1.0F;
         }
     }
     for (int blockType = 0; blockType < 4; ++blockType) {
@@ -137,7 +137,7 @@ void FillSynthesis(SynthesisTables& tables)
         tables.middle[t] = static_cast<float>(odd ? -WindowValue(16, t) : 0);
         for (int j = 0; j < 16; ++j) {
             tables.direct[t][j] = static_cast<float>(odd ? -WindowValue(j, t) : WindowValue(j, t));
-            tables.mirrored[t][j] = j == 0 ? 0.0f : static_cast<float>(-WindowValue(32 - j, t));
+            tables.mirrored[t][j] = j == 0 ? 0.0F : static_cast<float>(-WindowValue(32 - j, t));
         }
     }
 }

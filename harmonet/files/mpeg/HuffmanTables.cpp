@@ -184,7 +184,7 @@ void BuildHuffmanTables(HuffmanTables& tables, const float* power)
         const int bits = isCount1 ? count1LookUpBits : std::min(maxLookUpBits, LongestWithSigns(source));
         table.lookUp = tables.lookUps + lookUpCount;
         table.lookUpBits = bits;
-        for (unsigned index = 0; index < 1u << bits; ++index) {
+        for (unsigned index = 0; index < 1U << bits; ++index) {
             LookUpBuilder builder(table, index, bits);
             tables.lookUps[lookUpCount++] = isCount1 ? builder.Quadruple() : builder.Pair();
         }

@@ -65,7 +65,7 @@ void TransformHybrid(const DecoderTables& tables, const DecoderKernels& kernels,
     const int transformed = std::min(subbandLimit + 2, subbandCount);
     const int group = kernels.subbandGroup;
     const int groupsEnd = (transformed + group - 1) / group * group;
-    std::fill(xr + transformed * linesPerSubband, xr + groupsEnd * linesPerSubband, 0.0f);
+    std::fill(xr + transformed * linesPerSubband, xr + groupsEnd * linesPerSubband, 0.0F);
 
     int subband = 0;
     if (info.mixed_block_flag != 0) {

@@ -221,10 +221,10 @@ void SndFileMP3::Rewind()
     windowHeld = 0;
     frameMarks.Clear();
     if (overlapBuffer != nullptr) {
-        std::fill_n(overlapBuffer, maxChannels * overlapPerChannel, 0.0f);
+        std::fill_n(overlapBuffer, maxChannels * overlapPerChannel, 0.0F);
     }
     if (synthBuffer != nullptr) {
-        std::fill_n(synthBuffer, maxChannels * synthesisHistorySize, 0.0f);
+        std::fill_n(synthBuffer, maxChannels * synthesisHistorySize, 0.0F);
     }
     if (frameBuffer != nullptr) {
         std::fill_n(frameBuffer, frameBufferBytes, static_cast<unsigned char>(0));

@@ -21,8 +21,8 @@ constexpr int standardLastMixedLongBand = 5;
 /// Truncates towards zero and clips; NaN gives 0.
 unsigned char ToPcm8(float sample)
 {
-    const float scaled = sample * 255.0f + 128.0f;
-    return scaled >= 0.0f ? static_cast<unsigned char>(std::min(scaled, 255.0f))
+    const float scaled = sample * 255.0F + 128.0F;
+    return scaled >= 0.0F ? static_cast<unsigned char>(std::min(scaled, 255.0F))
                           : static_cast<unsigned char>(0);
 }
 
@@ -90,7 +90,7 @@ void SndFileMP3::DecodeGranule(int granule)
         GranuleInfo* const info = &sideInfo.channels[channel].granules[granule];
         float* const spectrum = xr + channel * spectrumStride;
         if (reservoirMissing) {
-            std::fill_n(spectrum, linesPerGranule, 0.0f);
+            std::fill_n(spectrum, linesPerGranule, 0.0F);
             limits[channel] = {{-1, -1, -1, -1}, -1};
             continue;
         }

@@ -14,7 +14,7 @@ constexpr int lastSubband = subbandCount - 1;
 /// The end of the values other than 0 among the first `count`.
 int EndOfContent(const float* lines, int count)
 {
-    while (count > 0 && lines[count - 1] == 0.0f) {
+    while (count > 0 && lines[count - 1] == 0.0F) {
         --count;
     }
     return count;
@@ -34,7 +34,7 @@ int RequantiseLong(const DecoderTables& tables, const DecoderKernels& kernels, c
         factors[bandCount] = tables.Gain(input.info.gain[0] - reduction);
     }
     kernels.scaleBands(lines, input.bands.longStart, factors, bandCount, xr);
-    std::fill(xr + input.bands.longStart[bandCount], xr + linesPerGranule, 0.0f);
+    std::fill(xr + input.bands.longStart[bandCount], xr + linesPerGranule, 0.0F);
     return bandCount - 1;
 }
 
@@ -45,7 +45,7 @@ bool ScatterWindow(const float* lines, int count, float factor, float* xr)
     bool hasContent = false;
     for (int i = 0; i < count; ++i) {
         xr[shortWindowCount * i] = factor * lines[i];
-        hasContent |= lines[i] != 0.0f;
+        hasContent |= lines[i] != 0.0F;
     }
     return hasContent;
 }
@@ -117,7 +117,7 @@ SpectrumLimits Requantise(const DecoderTables& tables, const DecoderKernels& ker
         firstShortBand = mixedFirstShortBand;
     }
     else {
-        std::fill(xr, xr + linesPerGranule, 0.0f);
+        std::fill(xr, xr + linesPerGranule, 0.0F);
     }
     const int lastVisited = RequantiseShort(tables, input, firstShortBand, lines, xr, limits.bandLimit + 1);
     limits.subbandLimit = SubbandOf(std::max(HighestLongLine(input.bands, limits.bandLimit[0]),

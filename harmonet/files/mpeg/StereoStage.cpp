@@ -10,7 +10,7 @@ namespace
 
 /// Stands for lines that are not intensity coded.
 constexpr int notIntensity = -1;
-constexpr float halfPower = 0.70710677f;
+constexpr float halfPower = 0.70710677F;
 
 constexpr int lastCodedLongBand = 20;
 constexpr int lastCodedShortBand = 11;

@@ -44,14 +44,16 @@ int Fail(const char* what)
 
 int main()
 {
-    if (!AreAllPartsTheSame())
+    if (!AreAllPartsTheSame()) {
         return Fail("a header means something else beside <windows.h>");
+    }
 
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetNull");
     Quon::SoundSystem system;
-    if (!system.Init(&os, false))
+    if (!system.Init(&os, false)) {
         return Fail("the sound system does not start");
+    }
 
     constexpr int rateHz = 8000;
     std::array<short, rateHz / 2> halfSecond{};
@@ -59,13 +61,16 @@ int main()
     Quon::Sound sound;
     Witness witness;
     sound.AddObserver(&witness);
-    if (sound.Play2DSound(halfSecond.data(), sizeof halfSecond, &format, 0, 0, 0) == 0)
+    if (sound.Play2DSound(halfSecond.data(), sizeof halfSecond, &format, 0, 0, 0) == 0) {
         return Fail("the sound does not start");
+    }
 
     constexpr float stepSeconds = 0.05F;
-    for (int step = 0; step < 20; ++step)
+    for (int step = 0; step < 20; ++step) {
         Quon::TaskList::Get().Update(stepSeconds);
-    if (witness.begins != 1 || witness.ends != 1)
+    }
+    if (witness.begins != 1 || witness.ends != 1) {
         return Fail("the sound has not run its course");
+    }
     return 0;
 }

@@ -44,7 +44,7 @@ protected:
 
 TEST_F(Chain, ProcessesInTheOrderOfTheListAndPassesOverRoomsAndTornRecords)
 {
-    const Pcm noise = MakeNoise(4000, 0.8f);
+    const Pcm noise = MakeNoise(4000, 0.8F);
     DistortionEffect distortionAlone(distortion, {rateHz, 1});
     GargleEffect gargleAlone(gargle, {rateHz, 1});
     EchoEffect echoAlone(echo, {rateHz, 1});
@@ -64,25 +64,25 @@ TEST_F(Chain, IsMadeAgainForAnotherRateWhenTheListIsGone)
     Build(OwnedList().Add(SndFXEcho, echo));
     chain.SetRate(2 * rateHz);
     const Pcm out = Through(chain, MakeImpulse(rateHz));
-    EXPECT_EQ(out[1600], 0.5f); // 100 ms
-    EXPECT_EQ(out[800], 0.0f);
+    EXPECT_EQ(out[1600], 0.5F); // 100 ms
+    EXPECT_EQ(out[800], 0.0F);
 }
 
 // An echo of 100 ms halves each time: the ninth, of 0.5 ^ 9, is the last above -60 dB. Behind it the tail
 // waits for the delay and for 20 ms more.
 TEST_F(Chain, GivesATailUntilItStaysQuietAndAnotherOneAfterFurtherSound)
 {
-    for (const std::size_t blockFrames : {1u, 7u, 80u, 100000u}) {
+    for (const std::size_t blockFrames : {1U, 7U, 80U, 100000U}) {
         SCOPED_TRACE(blockFrames);
         Build(OwnedList().Add(SndFXEcho, echo));
-        Through(chain, Pcm{1.0f});
+        Through(chain, Pcm{1.0F});
         const Pcm tail = CollectTail(blockFrames);
-        EXPECT_EQ(tail.size(), 9u * 800 + 800 + 160);
+        EXPECT_EQ(tail.size(), 9U * 800 + 800 + 160);
         for (std::size_t i = 0; i < tail.size(); ++i) {
             const std::size_t place = i + 1;
-            EXPECT_EQ(tail[i], place % 800 == 0 ? std::pow(0.5f, static_cast<float>(place) / 800) : 0.0f);
+            EXPECT_EQ(tail[i], place % 800 == 0 ? std::pow(0.5F, static_cast<float>(place) / 800) : 0.0F);
         }
-        Through(chain, Pcm{1.0f});
+        Through(chain, Pcm{1.0F});
         // What is left of the first sound is below -60 dB and stays there.
         EXPECT_EQ(CollectTail(blockFrames).size(), tail.size());
     }
@@ -91,19 +91,19 @@ TEST_F(Chain, GivesATailUntilItStaysQuietAndAnotherOneAfterFurtherSound)
 TEST_F(Chain, CutsATailThatDoesNotEnd)
 {
     Build(OwnedList().Add(SndFXEcho, FXEcho{50, 100, 10, 10, 0}), 2);
-    Through(chain, Pcm{1.0f, 1.0f});
-    EXPECT_EQ(CollectTail(160, 2).size(), 2u * 3 * rateHz);
+    Through(chain, Pcm{1.0F, 1.0F});
+    EXPECT_EQ(CollectTail(160, 2).size(), 2U * 3 * rateHz);
     Pcm block(320);
-    EXPECT_EQ(chain.ProcessTail(block), 0u);
+    EXPECT_EQ(chain.ProcessTail(block), 0U);
 }
 
 // A slow gargle is silent for half a second while the echoes go on behind its back.
 TEST_F(Chain, WaitsForWhatOneEffectHidesOfAnother)
 {
     Build(OwnedList().Add(SndFXEcho, FXEcho{50, 90, 50, 50, 0}).Add(SndFXGargle, FXGargle{1, 1}));
-    Through(chain, Pcm(400, 1.0f));
+    Through(chain, Pcm(400, 1.0F));
     const Pcm tail = CollectTail(160);
-    const auto loud = [](float sample) { return std::fabs(sample) > 0.001f; };
+    const auto loud = [](float sample) { return std::fabs(sample) > 0.001F; };
     EXPECT_FALSE(std::any_of(tail.begin() + 4000, tail.begin() + 7500, loud));
     EXPECT_TRUE(std::any_of(tail.begin() + 8000, tail.end(), loud));
 }

@@ -94,14 +94,14 @@ constexpr EffectCase MakeCase(const char* name)
 
 // Without a phase between the sides, so that these are comparable; otherwise everything at work.
 const EffectCase everyEffect[] = {
-    MakeCase<ChorusEffect, SndFXChorus, FXChorus{50, 40, 60, 1.1f, 1, 16, 2}>("chorus"),
-    MakeCase<FlangerEffect, SndFXFlanger, FXFlanger{50, 100, -50, 0.7f, 0, 2, 2}>("flanger"),
+    MakeCase<ChorusEffect, SndFXChorus, FXChorus{50, 40, 60, 1.1F, 1, 16, 2}>("chorus"),
+    MakeCase<FlangerEffect, SndFXFlanger, FXFlanger{50, 100, -50, 0.7F, 0, 2, 2}>("flanger"),
     MakeCase<EchoEffect, SndFXEcho, FXEcho{50, 50, 30, 30, 1}>("echo"),
     MakeCase<DistortionEffect, SndFXDistortion, FXDistortion{-6, 40, 2400, 2400, 7350}>("distortion"),
     MakeCase<CompressorEffect, SndFXCompressor, FXCompressor{6, 10, 200, -20, 3, 4}>("compressor"),
     MakeCase<ParamEqEffect, SndFXParamEq, FXParamEq{300, 12, 10}>("equaliser"),
     MakeCase<GargleEffect, SndFXGargle, FXGargle{20, 0}>("gargle"),
-    MakeCase<WavesReverbEffect, SndFXWavesReverb, FXWavesReverb{0, -3, 500, 0.3f}>("reverb"),
+    MakeCase<WavesReverbEffect, SndFXWavesReverb, FXWavesReverb{0, -3, 500, 0.3F}>("reverb"),
 };
 
 class EveryEffect : public testing::TestWithParam<EffectCase>
@@ -119,7 +119,7 @@ INSTANTIATE_TEST_SUITE_P(, EveryEffect, testing::ValuesIn(everyEffect),
 /// Infinite if one of the samples is no number.
 float GetPeak(const Pcm& pcm)
 {
-    float peak = 0.0f;
+    float peak = 0.0F;
     for (const float sample : pcm) {
         peak = std::max(peak, std::isfinite(sample) ? std::fabs(sample) : infinity);
     }
@@ -143,7 +143,7 @@ TEST(Filters, KeepBelowAThirdOfTheRate)
 TEST_P(EveryEffect, DoesNotDependOnHowTheSoundIsCutAndIsAsNewAfterAReset)
 {
     for (const int channels : {1, 2}) {
-        const Pcm noise = MakeNoise(static_cast<std::size_t>(rateHz * channels), 0.8f);
+        const Pcm noise = MakeNoise(static_cast<std::size_t>(rateHz * channels), 0.8F);
         const auto effect = Make(channels);
         const Pcm whole = Through(*effect, noise);
         effect->Reset();
@@ -162,13 +162,13 @@ TEST_P(EveryEffect, DoesNotDependOnHowTheSoundIsCutAndIsAsNewAfterAReset)
 
 TEST_P(EveryEffect, TreatsOneChannelAsTheLeftOfTwoEqualOnes)
 {
-    const Pcm noise = MakeNoise(rateHz, 0.8f);
+    const Pcm noise = MakeNoise(rateHz, 0.8F);
     EXPECT_EQ(TakeSide(Through(*Make(2), MakeStereo(noise, noise)), 0), Through(*Make(1), noise));
 }
 
 TEST_P(EveryEffect, IsMadeByAChainFromItsRecord)
 {
-    const Pcm noise = MakeNoise(rateHz, 0.8f);
+    const Pcm noise = MakeNoise(rateHz, 0.8F);
     OwnedList list;
     GetParam().addTo(list);
     EffectChain chain;
@@ -178,33 +178,33 @@ TEST_P(EveryEffect, IsMadeByAChainFromItsRecord)
 
 TEST_P(EveryEffect, GetsOverBrokenSamples)
 {
-    const Pcm broken = {std::nanf(""), 0.5f, infinity, -infinity, std::numeric_limits<float>::max(), -0.5f};
+    const Pcm broken = {std::nanf(""), 0.5F, infinity, -infinity, std::numeric_limits<float>::max(), -0.5F};
     const auto effect = Make(2);
     EXPECT_LT(GetPeak(Through(*effect, broken)), infinity);
     const Pcm after = Through(*effect, Pcm(20 * rateHz));
     EXPECT_LT(GetPeak(after), infinity);
-    EXPECT_LT(std::fabs(after.back()), 1e-6f);
-    EXPECT_GT(GetPeak(Through(*effect, MakeNoise(rateHz, 0.8f))), 0.01f);
+    EXPECT_LT(std::fabs(after.back()), 1e-6F);
+    EXPECT_GT(GetPeak(Through(*effect, MakeNoise(rateHz, 0.8F))), 0.01F);
 }
 
 TEST_P(EveryEffect, DiesAwayToSilenceWithoutTinyNumbersAndLeavesTheCallersArithmeticAlone)
 {
     const auto effect = Make();
-    Through(*effect, MakeNoise(rateHz, 0.8f));
+    Through(*effect, MakeNoise(rateHz, 0.8F));
     const Pcm tail = Through(*effect, Pcm(60 * rateHz));
     EXPECT_FALSE(std::any_of(
         tail.begin(), tail.end(), [](float sample) { return std::fpclassify(sample) == FP_SUBNORMAL; }));
-    EXPECT_EQ(tail.back(), 0.0f);
+    EXPECT_EQ(tail.back(), 0.0F);
     volatile float smallest = std::numeric_limits<float>::min();
     volatile float half = smallest / 2;
-    EXPECT_GT(half, 0.0f);
+    EXPECT_GT(half, 0.0F);
 }
 
 // Broken files state such rates.
 TEST_P(EveryEffect, WorksAtAnyRate)
 {
     for (const int rate : {1, 7, 100, 768000}) {
-        EXPECT_LT(GetPeak(Through(*Make(2, rate), MakeNoise(20000, 0.8f))), 20.0f) << rate;
+        EXPECT_LT(GetPeak(Through(*Make(2, rate), MakeNoise(20000, 0.8F))), 20.0F) << rate;
     }
 }
 

@@ -44,15 +44,15 @@ Pcm CompressPlainly(const FXCompressor& record, const Pcm& stereo)
 
 TEST(Compressor, IsWhatItsFormulaGives)
 {
-    Pcm left = MakeNoise(rateHz, 1.0f, 1);
-    Pcm right = MakeNoise(rateHz, 1.0f, 2);
+    Pcm left = MakeNoise(rateHz, 1.0F, 1);
+    Pcm right = MakeNoise(rateHz, 1.0F, 2);
     for (std::size_t i = 0; i < left.size(); ++i) {
-        left[i] *= i < 5000 ? 0.001f : i < 20000 ? 0.8f : 0.02f;
-        right[i] *= i < 30000 ? 0.05f : 3.0f;
+        left[i] *= i < 5000 ? 0.001F : i < 20000 ? 0.8F : 0.02F;
+        right[i] *= i < 30000 ? 0.05F : 3.0F;
     }
     const Pcm sound = MakeStereo(left, right);
     const FXCompressor records[] = {{0, 20, 120, -40, 4, 0}, {6, 5, 50, -20, 100, 4},
-        {-12, 500, 50, -60, 2, 1}, {60, 0.01f, 3000, 0, 5, 2}, {3, 10, 200, -30, 1, 0}};
+        {-12, 500, 50, -60, 2, 1}, {60, 0.01F, 3000, 0, 5, 2}, {3, 10, 200, -30, 1, 0}};
     for (const FXCompressor& record : records) {
         CompressorEffect compressor(record, {rateHz, 2});
         const Pcm out = Through(compressor, sound);
@@ -95,10 +95,10 @@ TEST(Distortion, HasTheHarmonicsOfItsCurveBehindItsFilters)
 {
     // So that no harmonic that is folded down falls on another one.
     constexpr int sineHz = 301;
-    constexpr float amplitude = 0.5f;
-    const FXDistortion records[] = {{-18.0f, 15.0f, 2400.0f, 2400.0f, 7350.0f},
-        {0.0f, 0.0f, 300.0f, 8000.0f, 8000.0f}, {-6.0f, 60.0f, 1000.0f, 4000.0f, 400.0f},
-        {-40.0f, 85.0f, 5000.0f, 1000.0f, 8000.0f}};
+    constexpr float amplitude = 0.5F;
+    const FXDistortion records[] = {{-18.0F, 15.0F, 2400.0F, 2400.0F, 7350.0F},
+        {0.0F, 0.0F, 300.0F, 8000.0F, 8000.0F}, {-6.0F, 60.0F, 1000.0F, 4000.0F, 400.0F},
+        {-40.0F, 85.0F, 5000.0F, 1000.0F, 8000.0F}};
     for (const FXDistortion& record : records) {
         DistortionEffect distortion(record, {rateHz, 1});
         const Pcm sine = MakeSine(sineHz, amplitude, rateHz, rateHz);
@@ -127,10 +127,10 @@ TEST(Echo, RepeatsWithTheFeedbackAndSharesTheLevelByTheMixAndChangesSidesWhenPan
         Taps taps;
     };
     const Row rows[] = {
-        {{40, 50, 30, 500, 0}, 1, {{0, 0.6f}, {240, 0.4f}, {480, 0.2f}, {720, 0.1f}, {960, 0.05f}}},
+        {{40, 50, 30, 500, 0}, 1, {{0, 0.6F}, {240, 0.4F}, {480, 0.2F}, {720, 0.1F}, {960, 0.05F}}},
         {{100, 50, 30, 50, 0}, 2,
-            {{480, 1.0f}, {960, 0.5f}, {1440, 0.25f}, {1920, 0.125f}, {801, 1.0f}, {1601, 0.5f}}},
-        {{100, 50, 30, 50, 1}, 2, {{480, 1.0f}, {801, 1.0f}, {1281, 0.5f}, {1280, 0.5f}, {1760, 0.25f}}},
+            {{480, 1.0F}, {960, 0.5F}, {1440, 0.25F}, {1920, 0.125F}, {801, 1.0F}, {1601, 0.5F}}},
+        {{100, 50, 30, 50, 1}, 2, {{480, 1.0F}, {801, 1.0F}, {1281, 0.5F}, {1280, 0.5F}, {1760, 0.25F}}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows));
@@ -139,7 +139,7 @@ TEST(Echo, RepeatsWithTheFeedbackAndSharesTheLevelByTheMixAndChangesSidesWhenPan
         const Pcm out = Through(echo, row.channels == 1 ? mono : MakeStereo(mono, mono));
         for (std::size_t i = 0; i < out.size(); ++i) {
             const auto tap = row.taps.find(i);
-            EXPECT_NEAR(out[i], tap != row.taps.end() ? tap->second : 0.0f, 1e-6f) << i;
+            EXPECT_NEAR(out[i], tap != row.taps.end() ? tap->second : 0.0F, 1e-6F) << i;
         }
     }
 }
@@ -148,7 +148,7 @@ TEST(Gargle, BeginsAtSilenceAsATriangleAndAtFullLevelAsASquareAndGoesOn)
 {
     constexpr int gargleHz = 50;
     constexpr std::size_t period = 20000 / gargleHz;
-    const Pcm one(20 * period, 1.0f);
+    const Pcm one(20 * period, 1.0F);
     GargleEffect triangle({gargleHz, 0}, {20000, 1});
     GargleEffect square({gargleHz, 1}, {20000, 1});
     const Pcm risen = Through(triangle, one);
@@ -156,7 +156,7 @@ TEST(Gargle, BeginsAtSilenceAsATriangleAndAtFullLevelAsASquareAndGoesOn)
     for (std::size_t i = 0; i < one.size(); ++i) {
         const double turn = static_cast<double>(i % period) / static_cast<double>(period);
         EXPECT_NEAR(risen[i], turn < 0.5 ? 2 * turn : 2 - 2 * turn, 1e-4) << i;
-        EXPECT_EQ(switched[i], turn < 0.5 ? 1.0f : 0.0f) << i;
+        EXPECT_EQ(switched[i], turn < 0.5 ? 1.0F : 0.0F) << i;
     }
 }
 
@@ -165,7 +165,7 @@ TEST(Gargle, BeginsAtSilenceAsATriangleAndAtFullLevelAsASquareAndGoesOn)
 TEST(ParamEq, HasItsGainAtTheCentreHalfAtTheEdgesAndNoneFarAway)
 {
     const auto measureGain = [](const FXParamEq& record, double hz) {
-        constexpr float amplitude = 0.5f;
+        constexpr float amplitude = 0.5F;
         ParamEqEffect equaliser(record, {rateHz, 1});
         const Pcm sine = MakeSine(hz, amplitude, rateHz, rateHz);
         // Until everything that does not last has died away.
@@ -177,8 +177,8 @@ TEST(ParamEq, HasItsGainAtTheCentreHalfAtTheEdgesAndNoneFarAway)
         FXParamEq record;
         double lowEdgeHz, highEdgeHz; ///< Whole numbers, so that the sines of two seconds join.
     };
-    const Row rows[] = {{{1000.0f, 12.0f, 15.0f}, 707, 1414}, {{1000.0f, 12.0f, -9.0f}, 707, 1414},
-        {{1000.0f, 36.0f, 6.0f}, 354, 2828}, {{400.0f, 1.0f, 12.0f}, 389, 412}};
+    const Row rows[] = {{{1000.0F, 12.0F, 15.0F}, 707, 1414}, {{1000.0F, 12.0F, -9.0F}, 707, 1414},
+        {{1000.0F, 36.0F, 6.0F}, 354, 2828}, {{400.0F, 1.0F, 12.0F}, 389, 412}};
     for (const auto& [record, lowEdgeHz, highEdgeHz] : rows) {
         SCOPED_TRACE("width " + std::to_string(record.bandwidth) + ", gain " + std::to_string(record.gain));
         EXPECT_NEAR(measureGain(record, record.center), record.gain, 0.02);

@@ -17,7 +17,7 @@ using Pcm = std::vector<float>;
 inline Pcm MakeImpulse(std::size_t sampleFrames)
 {
     Pcm pcm(sampleFrames);
-    pcm[0] = 1.0f;
+    pcm[0] = 1.0F;
     return pcm;
 }
 

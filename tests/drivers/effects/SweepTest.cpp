@@ -57,7 +57,7 @@ std::vector<double> SweepPlainly(const Record& record, const Pcm& dry, double tu
 template<class SweptEffect, class Record>
 void ExpectSweep(const Record& record)
 {
-    const Pcm noise = MakeNoise(20000, 0.5f);
+    const Pcm noise = MakeNoise(20000, 0.5F);
     SweptEffect effect(record, {rateHz, 2});
     const Pcm out = Through(effect, MakeStereo(noise, noise));
     for (const int side : {0, 1}) {
@@ -73,22 +73,22 @@ void ExpectSweep(const Record& record)
 
 TEST(Sweep, IsWhatAPlainDelayLineGives)
 {
-    ExpectSweep<ChorusEffect>(FXChorus{100, 10, 0, 1.7f, 1, 16, 3});
-    ExpectSweep<ChorusEffect>(FXChorus{70, 60, -50, 1.2f, 0, 8, 0});
-    ExpectSweep<ChorusEffect>(FXChorus{50, 25, 30, 0.0f, 1, 20, 1});
-    ExpectSweep<FlangerEffect>(FXFlanger{100, 100, 0, 1.25f, 1, 2, 2});
-    ExpectSweep<FlangerEffect>(FXFlanger{25, 50, 60, 2.5f, 0, 4, 4});
+    ExpectSweep<ChorusEffect>(FXChorus{100, 10, 0, 1.7F, 1, 16, 3});
+    ExpectSweep<ChorusEffect>(FXChorus{70, 60, -50, 1.2F, 0, 8, 0});
+    ExpectSweep<ChorusEffect>(FXChorus{50, 25, 30, 0.0F, 1, 20, 1});
+    ExpectSweep<FlangerEffect>(FXFlanger{100, 100, 0, 1.25F, 1, 2, 2});
+    ExpectSweep<FlangerEffect>(FXFlanger{25, 50, 60, 2.5F, 0, 4, 4});
 }
 
 // The sum of the geometric series of 0.99 is 100, and the cubic adds a quarter to a single sample at most.
 TEST(Sweep, StaysBoundedWithTheMostFeedback)
 {
-    for (const float feedback : {99.0f, -99.0f}) {
+    for (const float feedback : {99.0F, -99.0F}) {
         FlangerEffect flanger({100, 100, feedback, 10, 0, 4, 0}, {8000, 2});
-        const Pcm noise = MakeNoise(100000, 1.0f);
+        const Pcm noise = MakeNoise(100000, 1.0F);
         const Pcm out = Through(flanger, MakeStereo(noise, noise));
-        EXPECT_LT(*std::max_element(out.begin(), out.end()), 125.0f);
-        EXPECT_GT(*std::min_element(out.begin(), out.end()), -125.0f);
+        EXPECT_LT(*std::max_element(out.begin(), out.end()), 125.0F);
+        EXPECT_GT(*std::min_element(out.begin(), out.end()), -125.0F);
     }
 }
 

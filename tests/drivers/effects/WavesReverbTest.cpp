@@ -26,12 +26,12 @@ TEST(WavesReverb, DecaysInItsTimeAndAtHighFrequenciesFasterByTheRatioWithinTenPe
         double bandHz, decayMs;
     };
     const Row rows[] = {
-        {22050, {0, 0, 3000, 0.001f}, 500, 3000},
-        {22050, {0, 0, 250, 0.001f}, 500, 250},
-        {44100, {-6, -10, 2000, 0.5f}, 500, 2000},
-        {11025, {0, 0, 1500, 0.2f}, 500, 1500},
-        {44100, {0, 0, 2000, 0.25f}, 16000, 500},
-        {44100, {0, 0, 2000, 0.999f}, 16000, 2000},
+        {22050, {0, 0, 3000, 0.001F}, 500, 3000},
+        {22050, {0, 0, 250, 0.001F}, 500, 250},
+        {44100, {-6, -10, 2000, 0.5F}, 500, 2000},
+        {11025, {0, 0, 1500, 0.2F}, 500, 1500},
+        {44100, {0, 0, 2000, 0.25F}, 16000, 500},
+        {44100, {0, 0, 2000, 0.999F}, 16000, 2000},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE("row " + std::to_string(&row - rows));
@@ -47,11 +47,11 @@ TEST(WavesReverb, DecaysInItsTimeAndAtHighFrequenciesFasterByTheRatioWithinTenPe
 
 TEST(WavesReverb, IsAboutAsLoudAsWhatGoesInWithItsGain)
 {
-    const Pcm left = MakeNoise(6 * 22050, 0.5f, 1);
-    const Pcm right = MakeNoise(6 * 22050, 0.5f, 2);
-    for (const float timeMs : {1.0f, 100.0f, 1000.0f, 3000.0f}) {
-        for (const float mix : {-96.0f, -3.0f, 0.0f}) {
-            WavesReverbEffect reverb({-6, mix, timeMs, 0.999f}, {22050, 2});
+    const Pcm left = MakeNoise(6 * 22050, 0.5F, 1);
+    const Pcm right = MakeNoise(6 * 22050, 0.5F, 2);
+    for (const float timeMs : {1.0F, 100.0F, 1000.0F, 3000.0F}) {
+        for (const float mix : {-96.0F, -3.0F, 0.0F}) {
+            WavesReverbEffect reverb({-6, mix, timeMs, 0.999F}, {22050, 2});
             const Pcm out = Through(reverb, MakeStereo(left, right));
             const Pcm settled(out.begin() + static_cast<std::ptrdiff_t>(out.size() / 2), out.end());
             EXPECT_NEAR(10 * std::log10(GetPower(settled) / GetPower(left)), -6.0, 1.0)
@@ -62,8 +62,8 @@ TEST(WavesReverb, IsAboutAsLoudAsWhatGoesInWithItsGain)
 
 TEST(WavesReverb, SpreadsOneSideOverBothAndMakesThemUnlike)
 {
-    WavesReverbEffect reverb({0, 0, 1000, 0.999f}, {22050, 2});
-    const Pcm noise = MakeNoise(4 * 22050, 0.5f);
+    WavesReverbEffect reverb({0, 0, 1000, 0.999F}, {22050, 2});
+    const Pcm noise = MakeNoise(4 * 22050, 0.5F);
     const Pcm out = Through(reverb, MakeStereo(noise, Pcm(noise.size())));
     const Pcm left = TakeSide(out, 0);
     const Pcm right = TakeSide(out, 1);

@@ -68,10 +68,10 @@ TEST_F(MpegFiles, StreamsAreCountedAndPlayAsFromMemory)
         SCOPED_TRACE(name);
         const auto file = OpenGood(ReadStream(name));
         EXPECT_EQ(file->GetSoundSamples(), 24 * frame);
-        EXPECT_EQ(file->GetRemainLength(), 24u * frame * 1000 / 44100);
+        EXPECT_EQ(file->GetRemainLength(), 24U * frame * 1000 / 44100);
         EXPECT_EQ(file->CreateNodeInfo(), nullptr);
         EXPECT_EQ(ReadValues(*file), expected);
-        EXPECT_EQ(file->GetRemainLength(), 0u);
+        EXPECT_EQ(file->GetRemainLength(), 0U);
         EXPECT_EQ(file->GetCurrentLength(), file->GetSoundLength());
         // What is wrapped is streamed only.
         ASSERT_EQ(file->Load() != nullptr, file->Size() == stream.size());
@@ -91,7 +91,7 @@ TEST_F(MpegFiles, StreamsThatChangeTheirChannelsPlayToTheEndFromAFileAndFromMemo
         }
         const auto file = OpenGood(stream);
         const std::vector<int> fromFile = FillBlocks(*file);
-        EXPECT_EQ(fromFile.size(), 2u * form.size() * frame);
+        EXPECT_EQ(fromFile.size(), 2U * form.size() * frame);
         EXPECT_EQ(file->GetCurrentSample(), file->GetSoundSamples());
         EXPECT_EQ(FillBlocks(*MemoryStream(stream).Get()), fromFile);
         file->Rewind();

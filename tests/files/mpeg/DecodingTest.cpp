@@ -55,7 +55,7 @@ void ExpectConformance(const std::vector<int>& pcm, const std::vector<int>& refe
     // One of the references lacks the last frame.
     ASSERT_GE(pcm.size(), reference.size());
     ASSERT_LE(pcm.size(), reference.size() + 2304);
-    ASSERT_GT(reference.size(), 0u);
+    ASSERT_GT(reference.size(), 0U);
     double squares = 0;
     int largest = 0;
     for (std::size_t i = 0; i < reference.size(); ++i) {
@@ -81,7 +81,7 @@ TEST(Decoding, GivesWhatAnotherDecoderGives)
             ASSERT_NE(file.Get(), nullptr);
             EXPECT_TRUE(name.ends_with(std::to_string(file.Get()->GetSampleFrequency())));
             const std::vector<int> reference = ToValues(ReadStream(name + ".ref"));
-            ASSERT_GT(reference.size(), 900u);
+            ASSERT_GT(reference.size(), 900U);
             ExpectSameSound(file.ReadAll(), reference, stride);
         }
     });
@@ -145,7 +145,7 @@ TEST(Decoding, DepartsFromTheStandardOnlyByItsOwnRules)
         SCOPED_TRACE(name);
         const Bytes stream = ReadStream("departure-" + name + ".mp3");
         const std::vector<int> reference = ToValues(ReadStream("departure-" + name + ".ref"));
-        ASSERT_GT(reference.size(), 400u);
+        ASSERT_GT(reference.size(), 400U);
         const std::vector<int> own = DecodeAll(stream);
         std::vector<int> standard = DecodeAll(stream, 1152, true);
         ExpectSameSound(own, PlainMpeg::Decode(stream));
@@ -232,13 +232,13 @@ TEST(Decoding, ReadsEveryCodeOfEveryTableAsAWalkThroughTheListDoes)
 
 TEST(Decoding, TruncatesAndClipsToSixteenBits)
 {
-    const std::pair<float, int> rows[] = {{0.0f, 0}, {1.0f, 32767}, {-1.0f, -32767}, {1.001f, 32767},
-        {-1.001f, -32768}, {1.9f / 32767, 1}, {-1.9f / 32767, -1}, {1e30f, 32767}, {-1e30f, -32768}};
+    const std::pair<float, int> rows[] = {{0.0F, 0}, {1.0F, 32767}, {-1.0F, -32767}, {1.001F, 32767},
+        {-1.001F, -32768}, {1.9F / 32767, 1}, {-1.9F / 32767, -1}, {1e30F, 32767}, {-1e30F, -32768}};
     OnAllKernels([&](const DecoderKernels& kernels) {
         for (const auto& [sample, expected] : rows) {
             SCOPED_TRACE(sample);
             const std::vector<float> left(linesPerGranule, sample);
-            const std::vector<float> right(linesPerGranule, 100.5f / 32767);
+            const std::vector<float> right(linesPerGranule, 100.5F / 32767);
             Bytes pcm(4 * linesPerGranule);
             kernels.storePcm16(left.data(), right.data(), linesPerGranule, pcm.data());
             const std::vector<int> stereo = ToValues(pcm);

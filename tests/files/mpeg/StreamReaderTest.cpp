@@ -37,7 +37,7 @@ TEST(MpegReader, AnyMixOfReadsSkipsStepsBackAndRewindsKeepsTheCountAndTheSound)
     const Bytes stream = ReadStream("joint-44100.mp3");
     const std::vector<int> whole = DecodeAll(stream);
     constexpr int total = 24 * frame;
-    ASSERT_EQ(whole.size(), 2u * total);
+    ASSERT_EQ(whole.size(), 2U * total);
     std::mt19937 random(3);
     for (int round = 0; round < 40; ++round) {
         MemoryStream file(stream);
@@ -83,7 +83,7 @@ TEST(MpegReader, JunkBetweenFramesIsSkipped)
 {
     const Bytes frames[2] = {RandomStream(mono, 3), RandomStream(mono, 2, 8)};
     const std::vector<int> expected = DecodeAll(frames[0] + frames[1]);
-    for (const std::size_t junkBytes : {1u, 2u, 5u, 1021u, 1024u, 3000u, 40000u}) {
+    for (const std::size_t junkBytes : {1U, 2U, 5U, 1021U, 1024U, 3000U, 40000U}) {
         Bytes junk(junkBytes, 0xFF);
         for (std::size_t i = 0; i < junkBytes; ++i) {
             junk[i] = i % 3 == 0 ? 0xFF : static_cast<unsigned char>(i % 0xE0);
@@ -96,7 +96,7 @@ TEST(MpegReader, JunkBetweenFramesIsSkipped)
 TEST(MpegReader, AHeaderThatCannotBePlayedEndsACallAndTheNextGoesOnBehindIt)
 {
     MemoryStream file(RandomStream(mono, 2) + Bytes{0xFF, 0xFB, 0xF0, 0x00} + RandomStream(mono, 1, 8));
-    for (const std::size_t delivered : {2u * frame, 1u * frame, 0u}) {
+    for (const std::size_t delivered : {2U * frame, 1U * frame, 0U}) {
         EXPECT_EQ(file.ReadOnce(4 * frame).size(), delivered);
     }
 }
@@ -104,7 +104,7 @@ TEST(MpegReader, AHeaderThatCannotBePlayedEndsACallAndTheNextGoesOnBehindIt)
 TEST(MpegReader, AFrameWithoutItsReservoirIsSilentAndFillsItsBuffer)
 {
     const std::vector<int> pcm = DecodeAll(MakeSilentFrame(mono, 300) + RandomStream(mono, 2));
-    ASSERT_EQ(pcm.size(), 3u * frame);
+    ASSERT_EQ(pcm.size(), 3U * frame);
     const auto firstSound = std::find_if(pcm.begin(), pcm.end(), [](int value) { return value != 0; });
     EXPECT_GE(firstSound - pcm.begin(), frame);
     EXPECT_NE(firstSound, pcm.end());
@@ -142,13 +142,13 @@ TEST(MpegReader, FramesOfAnotherLengthGiveNothingStaleAndSkipNoMoreThanAsked)
     torn.pop_back();
     MemoryStream file(two + torn);
     for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(file.ReadOnce(5000).size(), 2u * 576);
+        EXPECT_EQ(file.ReadOnce(5000).size(), 2U * 576);
         EXPECT_TRUE(file.ReadOnce(5000).empty());
         file.Get()->Rewind();
     }
     MemoryStream longer(two + RandomStream(mono, 2));
     EXPECT_EQ(longer.Get()->SkipSamples(2 * 576 + 600), 2 * 576 + 600);
-    EXPECT_EQ(longer.ReadOnce(5000).size(), 2u * frame - 600);
+    EXPECT_EQ(longer.ReadOnce(5000).size(), 2U * frame - 600);
 }
 
 TEST(MpegReader, TakesNothingFromTheHeapWhileItDecodesAndGivesAllBack)
@@ -157,7 +157,7 @@ TEST(MpegReader, TakesNothingFromTheHeapWhileItDecodesAndGivesAllBack)
     {
         MemoryStream file(ReadStream("joint-44100.mp3"));
         const std::size_t opened = Alloc::LiveBlocks();
-        EXPECT_EQ(file.ReadOnce(5000).size(), 2u * 5000);
+        EXPECT_EQ(file.ReadOnce(5000).size(), 2U * 5000);
         EXPECT_EQ(file.Get()->SkipSamples(5000), 5000);
         EXPECT_EQ(Alloc::LiveBlocks(), opened);
         file.Get()->CloseFile(0, nullptr);

@@ -49,13 +49,16 @@ std::vector<int> UsualMap(int channels)
 {
     std::vector<int> map = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT, SF_CHANNEL_MAP_CENTER,
         SF_CHANNEL_MAP_LFE, SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT};
-    if (channels == 1)
+    if (channels == 1) {
         map = {SF_CHANNEL_MAP_MONO};
-    if (channels == 4)
+    }
+    if (channels == 4) {
         map = {
             SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT, SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT};
-    if (channels == 5)
+    }
+    if (channels == 5) {
         map.erase(map.begin() + 3);
+    }
     map.resize(static_cast<std::size_t>(channels), SF_CHANNEL_MAP_INVALID);
     return map;
 }
@@ -64,15 +67,17 @@ std::vector<int> UsualMap(int channels)
 void Limit(float* weights, std::size_t count)
 {
     const float sum = std::accumulate(weights, weights + count, 0.0F);
-    if (sum > 1.0F)
+    if (sum > 1.0F) {
         std::transform(weights, weights + count, weights, [sum](float weight) { return weight / sum; });
+    }
 }
 
 std::vector<float> MakeWeights(const std::vector<int>& map, int channels)
 {
     const std::size_t sources = map.size();
-    if (sources == 1)
+    if (sources == 1) {
         return std::vector<float>(static_cast<std::size_t>(channels), 1.0F);
+    }
     std::vector<float> weights(sources * 2);
     for (std::size_t i = 0; i < sources; ++i) {
         const Sides sides = WeightOf(map[i]);
@@ -80,13 +85,15 @@ std::vector<float> MakeWeights(const std::vector<int>& map, int channels)
         weights[sources + i] = sides.right;
     }
     if (channels == 1) {
-        for (std::size_t i = 0; i < sources; ++i)
+        for (std::size_t i = 0; i < sources; ++i) {
             weights[i] = weights[i] + weights[sources + i];
+        }
         weights.resize(sources);
     }
     // Both sides by the same factor, so that the middle stays in the middle: they have the same weights.
-    for (int channel = 0; channel < channels; ++channel)
+    for (int channel = 0; channel < channels; ++channel) {
         Limit(weights.data() + sources * static_cast<std::size_t>(channel), sources);
+    }
     return weights;
 }
 
@@ -106,8 +113,9 @@ std::size_t ChannelMixer::Read(float* out, std::size_t frames)
     const std::size_t got = source.Read(buffer.data(), std::min(frames, stageFrames));
     for (std::size_t frame = 0; frame < got; ++frame) {
         const float* const in = buffer.data() + frame * sources;
-        for (std::size_t channel = 0; channel < static_cast<std::size_t>(channels); ++channel)
+        for (std::size_t channel = 0; channel < static_cast<std::size_t>(channels); ++channel) {
             *out++ = std::inner_product(in, in + sources, weights.data() + channel * sources, 0.0F);
+        }
     }
     return got;
 }

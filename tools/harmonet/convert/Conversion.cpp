@@ -27,10 +27,12 @@ public:
         : last(&reader)
     {
         // Fewer channels first: then there is less to resample.
-        if (settings.channels != 0 && settings.channels != last->GetChannels())
+        if (settings.channels != 0 && settings.channels != last->GetChannels()) {
             Add<ChannelMixer>(reader.GetChannelMap(), settings.channels);
-        if (settings.rateHz != 0 && settings.rateHz != last->GetRateHz())
+        }
+        if (settings.rateHz != 0 && settings.rateHz != last->GetRateHz()) {
             Add<Resampler>(settings.rateHz);
+        }
     }
 
     SampleStage& GetLast() { return *last; }
@@ -61,10 +63,11 @@ double FindGainDecibels(
     }
     const double wanted = *settings.loudnessLufs - loudness.lufs;
     const double possible = highestPeak - loudness.truePeakDecibels;
-    if (wanted > possible)
+    if (wanted > possible) {
         warnings.push_back("'" + input.GetShown() + "' gets " +
             FormatNumber(std::round(possible * 10.0) / 10.0) + " dB and not " +
             FormatNumber(std::round(wanted * 10.0) / 10.0) + ", so that its peaks are not cut");
+    }
     return std::min(wanted, possible);
 }
 
@@ -90,8 +93,9 @@ Conversion Convert(
     Conversion done;
     const auto reader = SoundReader::Open(input);
     done.isSound = reader != nullptr;
-    if (!done.isSound)
+    if (!done.isSound) {
         return done;
+    }
     done.rateHz = done.inputRateHz = reader->GetRateHz();
     done.channels = done.inputChannels = reader->GetChannels();
     done.isCopy = staysMpeg && reader->IsMpegLayer3();
@@ -99,23 +103,27 @@ Conversion Convert(
         CopyWithoutTags(input, output);
         return done;
     }
-    if (staysMpeg)
+    if (staysMpeg) {
         throw ToolError("'" + input.GetShown() + "' is " + reader->Describe() +
                 "; only MPEG Layer III can become an .mp3, and the rest a .wav",
             ExitCode::BadInput);
+    }
 
     Chain chain(*reader, settings);
-    if (settings.loudnessLufs)
+    if (settings.loudnessLufs) {
         done.gainDecibels = FindGainDecibels(input, settings, done.warnings);
+    }
     const EncodedSound encoded = EncodeSound(chain.GetLast(), settings.coding.value_or(WaveCoding::Pcm16),
         std::pow(10.0, done.gainDecibels / 20.0), output);
     done.rateHz = chain.GetLast().GetRateHz();
     done.channels = chain.GetLast().GetChannels();
-    if (const std::string missing = reader->DescribeMissing(); !missing.empty())
+    if (const std::string missing = reader->DescribeMissing(); !missing.empty()) {
         done.warnings.push_back(missing);
-    if (encoded.clipped > 0)
+    }
+    if (encoded.clipped > 0) {
         done.warnings.push_back("'" + input.GetShown() + "' goes beyond full scale: " +
             std::to_string(encoded.clipped) + " samples are cut; --loudness brings it down");
+    }
     return done;
 }
 

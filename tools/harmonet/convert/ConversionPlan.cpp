@@ -33,8 +33,9 @@ void AddInput(const std::string& input, const ConversionSettings& settings, Conv
         plan.jobs.push_back(MakeJob(input, folder / name, settings, false));
         return;
     }
-    for (const fs::path& file : FindFiles(input, folder))
+    for (const fs::path& file : FindFiles(input, folder)) {
         plan.jobs.push_back(MakeJob(file.string(), folder / file.lexically_relative(input), settings, true));
+    }
 }
 
 void CheckOutputs(const ConversionPlan& plan)
@@ -42,13 +43,15 @@ void CheckOutputs(const ConversionPlan& plan)
     std::map<fs::path, std::string> inputs;
     for (const ConversionJob& job : plan.jobs) {
         const auto [place, isFirst] = inputs.emplace(fs::path(job.output).lexically_normal(), job.input);
-        if (!isFirst)
+        if (!isFirst) {
             throw ToolError(
                 "'" + place->second + "' and '" + job.input + "' would both become '" + job.output + "'",
                 ExitCode::BadArguments);
+        }
         std::error_code ignored;
-        if (fs::equivalent(job.input, job.output, ignored))
+        if (fs::equivalent(job.input, job.output, ignored)) {
             throw ToolError("'" + job.input + "' would be written to itself", ExitCode::BadArguments);
+        }
     }
 }
 
@@ -57,9 +60,10 @@ ConversionJob MakeSingleJob(
 {
     ConversionJob job{input, output, false, false};
     job.staysMpeg = output == standardStream ? StaysMpeg(input, settings) : StaysMpeg(output, settings);
-    if (!job.staysMpeg && StaysMpeg(output, {}))
+    if (!job.staysMpeg && StaysMpeg(output, {})) {
         throw ToolError(
             "nothing is coded as MPEG; the output of a changed sound is a .wav", ExitCode::BadArguments);
+    }
     return job;
 }
 
@@ -72,11 +76,13 @@ ConversionPlan PlanConversions(
     const bool isIntoFolder = inputs.size() > 1 || IsFolder(inputs.front()) || IsFolder(output) ||
         output.ends_with('/') || output.ends_with(static_cast<char>(fs::path::preferred_separator));
     if (isIntoFolder) {
-        if (output == standardStream)
+        if (output == standardStream) {
             throw ToolError("several files need a folder to go to", ExitCode::BadArguments);
+        }
         plan.folder = output;
-        for (const std::string& input : inputs)
+        for (const std::string& input : inputs) {
             AddInput(input, settings, plan);
+        }
     }
     else {
         plan.jobs.push_back(MakeSingleJob(inputs.front(), output, settings));

@@ -31,13 +31,15 @@ ConversionRecord::ConversionRecord(const std::string& folder, const ConversionSe
     : settingsText(settings.ToText())
     , entries(Json::object())
 {
-    if (folder.empty())
+    if (folder.empty()) {
         return;
+    }
     path = (fs::path(folder) / recordName).string();
     std::ifstream file{fs::path(path)};
     Json read = Json::parse(file, nullptr, false);
-    if (read.is_object())
+    if (read.is_object()) {
         entries = std::move(read);
+    }
 }
 
 Json ConversionRecord::Describe(const ConversionJob& job) const
@@ -64,15 +66,17 @@ void ConversionRecord::SetDone(const ConversionJob& job)
 
 void ConversionRecord::Save() const
 {
-    if (path.empty())
+    if (path.empty()) {
         return;
+    }
     constexpr int indent = 1;
     OutputFile output(path);
     std::ofstream file{fs::path(output.GetPath())};
     file << entries.dump(indent, ' ', false, Json::error_handler_t::replace) << '\n';
     file.close();
-    if (!file)
+    if (!file) {
         throw ToolError("cannot write to '" + path + "'", ExitCode::NoOutput);
+    }
     output.Commit();
 }
 

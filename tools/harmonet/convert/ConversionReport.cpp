@@ -29,8 +29,9 @@ std::string Describe(const Conversion& done)
     const std::string before = DescribeFormat(done.inputRateHz, done.inputChannels);
     const std::string after = DescribeFormat(done.rateHz, done.channels);
     std::string text = before == after ? after : before + " to " + after;
-    if (done.gainDecibels != 0.0)
+    if (done.gainDecibels != 0.0) {
         text += ", " + FormatNumber(std::round(done.gainDecibels * 10.0) / 10.0) + " dB";
+    }
     return text;
 }
 
@@ -47,8 +48,9 @@ ConversionReport::ConversionReport(const ConversionPlan& newPlan, bool newIsJson
 void ConversionReport::ShowProgress(const ConversionJob& job)
 {
     ++looked;
-    if (!onTerminal || isJson || isQuiet)
+    if (!onTerminal || isJson || isQuiet) {
         return;
+    }
     Print(std::string(clearLine) + std::to_string(looked) + " of " + std::to_string(plan.jobs.size()) + ": " +
         job.input);
     FlushOutput();
@@ -57,8 +59,9 @@ void ConversionReport::ShowProgress(const ConversionJob& job)
 void ConversionReport::AddDone(const ConversionJob& job, const Conversion& done)
 {
     ++converted;
-    for (const std::string& warning : done.warnings)
+    for (const std::string& warning : done.warnings) {
         Warn(warning);
+    }
     const char* const action = done.isCopy ? "tags removed" : "converted";
     if (isJson && !isQuiet) {
         PrintJson({{"file", job.input}, {"output", job.output}, {"action", action}, {"rateHz", done.rateHz},
@@ -72,8 +75,9 @@ void ConversionReport::AddDone(const ConversionJob& job, const Conversion& done)
 void ConversionReport::AddUnchanged(const ConversionJob& job)
 {
     ++unchanged;
-    if (isJson)
+    if (isJson) {
         PrintJson({{"file", job.input}, {"output", job.output}, {"action", "unchanged"}});
+    }
 }
 
 void ConversionReport::AddPassedOver()
@@ -84,29 +88,35 @@ void ConversionReport::AddPassedOver()
 void ConversionReport::AddFailed(const ConversionJob& job, const ToolError& error)
 {
     ++failed;
-    if (isJson && !isQuiet)
+    if (isJson && !isQuiet) {
         PrintJson(
             {{"file", job.input}, {"error", error.what()}, {"exitCode", static_cast<int>(error.GetCode())}});
-    if (error.GetCode() != ExitCode::NoOutput && error.GetCode() != ExitCode::ClosedPipe)
+    }
+    if (error.GetCode() != ExitCode::NoOutput && error.GetCode() != ExitCode::ClosedPipe) {
         Complain(error.what());
+    }
 }
 
 void ConversionReport::End()
 {
-    if (plan.folder.empty())
+    if (plan.folder.empty()) {
         return;
+    }
     std::string line = std::to_string(converted) + " converted, " + std::to_string(unchanged) + " unchanged";
-    if (passedOver > 0)
+    if (passedOver > 0) {
         line += ", " + std::to_string(passedOver) + " no sounds";
-    if (failed > 0)
+    }
+    if (failed > 0) {
         line += ", " + std::to_string(failed) + " failed";
+    }
     Say(line);
 }
 
 void ConversionReport::Say(const std::string& line)
 {
-    if (!isJson && !isQuiet)
+    if (!isJson && !isQuiet) {
         Print((onTerminal ? clearLine : "") + line + '\n');
+    }
 }
 
 } // namespace Tool

@@ -18,11 +18,13 @@ void MakeFolder(const std::string& output)
 {
     std::error_code error;
     const fs::path folder = fs::path(output).parent_path();
-    if (!folder.empty())
+    if (!folder.empty()) {
         fs::create_directories(folder, error);
-    if (error)
+    }
+    if (error) {
         throw ToolError(
             "cannot make the folder '" + folder.string() + "': " + error.message(), ExitCode::NoOutput);
+    }
 }
 
 /// Also says what became of it. False for what is no sound.
@@ -31,10 +33,12 @@ bool RunJob(const ConversionJob& job, const ConversionSettings& settings, Conver
     const InputFile input(job.input, "stdin");
     OutputFile output(job.output);
     const Conversion done = Convert(input, settings, job.staysMpeg, output);
-    if (done.isSound)
+    if (done.isSound) {
         output.Commit();
-    else if (!job.isFound)
+    }
+    else if (!job.isFound) {
         throw ToolError("'" + job.input + "' is no sound file of a known kind", ExitCode::BadInput);
+    }
     done.isSound ? report.AddDone(job, done) : report.AddPassedOver();
     return done.isSound;
 }
@@ -56,13 +60,15 @@ public:
     {
         CatchInterrupt();
         for (const ConversionJob& job : plan.jobs) {
-            if (IsInterrupted())
+            if (IsInterrupted()) {
                 break;
+            }
             report.ShowProgress(job);
             Do(job);
         }
-        if (!plan.folder.empty())
+        if (!plan.folder.empty()) {
             record.Save();
+        }
         report.End();
         return code;
     }
@@ -76,18 +82,22 @@ private:
         }
         try {
             // Each in the place that its input has below a folder.
-            if (!plan.folder.empty())
+            if (!plan.folder.empty()) {
                 MakeFolder(job.output);
-            if (RunJob(job, settings, report))
+            }
+            if (RunJob(job, settings, report)) {
                 record.SetDone(job);
+            }
         }
         catch (const ToolError& error) {
             report.AddFailed(job, error);
-            if (code == ExitCode::Done)
+            if (code == ExitCode::Done) {
                 code = error.GetCode();
+            }
             // A full disk is no better at the next file.
-            if (error.GetCode() == ExitCode::NoOutput || error.GetCode() == ExitCode::ClosedPipe)
+            if (error.GetCode() == ExitCode::NoOutput || error.GetCode() == ExitCode::ClosedPipe) {
                 throw;
+            }
         }
     }
 
@@ -104,8 +114,9 @@ private:
 ExitCode RunConversions(const ConversionRequest& request)
 {
     ConversionSettings settings = request.settings;
-    if (!request.format.empty())
+    if (!request.format.empty()) {
         settings.coding = request.format == "adpcm" ? WaveCoding::MsAdpcm : WaveCoding::Pcm16;
+    }
     const ConversionPlan plan =
         PlanConversions({request.paths.begin(), request.paths.end() - 1}, request.paths.back(), settings);
     return Run(plan, settings, request).Go();

@@ -15,10 +15,12 @@ namespace
 std::string SuggestOutput(const std::string& path, const char* ending)
 {
     const std::filesystem::path file = path;
-    if (path == standardStream)
+    if (path == standardStream) {
         return standardStream;
-    if (file.extension() != ending)
+    }
+    if (file.extension() != ending) {
         return std::filesystem::path(file).replace_extension(ending).string();
+    }
     return (file.parent_path() / (file.stem().string() + "-converted" + ending)).string();
 }
 
@@ -34,8 +36,9 @@ std::string DescribeRemedy(const std::string& path)
     catch (const ToolError&) {
         return "";
     }
-    if (!reader)
+    if (!reader) {
         return "";
+    }
     const bool isMpeg = reader->IsMpegLayer3();
     const std::string what =
         isMpeg ? "MPEG Layer III with a tag or other bytes ahead of it" : reader->Describe();

@@ -23,8 +23,9 @@ using State = std::unique_ptr<ebur128_state, Destroy>;
 
 void Check(int error)
 {
-    if (error != EBUR128_SUCCESS)
+    if (error != EBUR128_SUCCESS) {
         throw ToolError("cannot measure the loudness of a sound with this rate or number of channels");
+    }
 }
 
 double TruePeakDecibels(ebur128_state& state)
@@ -43,8 +44,9 @@ void Repeat(ebur128_state& state, const std::vector<float>& sound)
 {
     const std::size_t frames = sound.size() / state.channels;
     const std::size_t needed = state.samplerate * 2 / 5 + 1;
-    for (std::size_t added = frames; frames > 0 && added < needed; added += frames)
+    for (std::size_t added = frames; frames > 0 && added < needed; added += frames) {
         Check(ebur128_add_frames_float(&state, sound.data(), frames));
+    }
 }
 
 } // namespace
@@ -54,16 +56,18 @@ Loudness MeasureLoudness(SampleStage& sound)
     const auto channels = static_cast<std::size_t>(sound.GetChannels());
     const State state(ebur128_init(static_cast<unsigned>(channels),
         static_cast<unsigned long>(sound.GetRateHz()), EBUR128_MODE_I | EBUR128_MODE_TRUE_PEAK));
-    if (!state)
+    if (!state) {
         Check(EBUR128_ERROR_NOMEM);
+    }
     const std::size_t repeatable = state->samplerate * 2 / 5 * channels;
     std::vector<float> start;
     std::vector<float> buffer = MakeBuffer(sound);
     while (const std::size_t got = sound.Read(buffer.data(), stageFrames)) {
         Check(ebur128_add_frames_float(state.get(), buffer.data(), got));
-        if (start.size() <= repeatable)
+        if (start.size() <= repeatable) {
             start.insert(
                 start.end(), buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(got * channels));
+        }
     }
     const Loudness peak = {0.0, TruePeakDecibels(*state)};
     Repeat(*state, start);

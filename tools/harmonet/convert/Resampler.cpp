@@ -10,8 +10,9 @@ namespace
 
 void Check(soxr_error_t error)
 {
-    if (error)
+    if (error) {
         throw ToolError(std::string("cannot change the rate: ") + soxr_strerror(error));
+    }
 }
 
 soxr* Create(const SampleStage& source, int rateHz)
@@ -45,16 +46,18 @@ std::size_t Resampler::Read(float* out, std::size_t frames)
         Check(soxr_process(resampler.get(), isFlushing ? nullptr : buffer.data() + used * channels,
             filled - used, &taken, out, frames, &given));
         used += taken;
-        if (isFlushing)
+        if (isFlushing) {
             break;
+        }
     }
     return given;
 }
 
 void Resampler::Refill()
 {
-    if (used < filled || hasEnded)
+    if (used < filled || hasEnded) {
         return;
+    }
     used = 0;
     filled = source.Read(buffer.data(), stageFrames);
     hasEnded = filled == 0;

@@ -26,36 +26,41 @@ public:
         info.samplerate = sound.GetRateHz();
         info.channels = sound.GetChannels();
         info.format = SF_FORMAT_WAV | (coding == WaveCoding::Pcm16 ? SF_FORMAT_PCM_16 : SF_FORMAT_MS_ADPCM);
-        if (sf_format_check(&info) == SF_FALSE)
+        if (sf_format_check(&info) == SF_FALSE) {
             throw ToolError("a sound of " + std::to_string(info.channels) + " channels and " +
                     std::to_string(info.samplerate) +
                     " Hz does not fit into such a file; --channels and --rate change it",
                 ExitCode::BadInput);
+        }
         file = sf_open(output.GetPath().c_str(), SFM_WRITE, &info);
-        if (!file)
+        if (!file) {
             Fail(sf_strerror(nullptr));
+        }
     }
     WaveFile(const WaveFile&) = delete;
     WaveFile& operator=(const WaveFile&) = delete;
     ~WaveFile()
     {
-        if (file)
+        if (file) {
             sf_close(file);
+        }
     }
 
     void Write(const std::vector<short>& samples, std::size_t count)
     {
         const auto wanted = static_cast<sf_count_t>(count);
-        if (sf_write_short(file, samples.data(), wanted) != wanted)
+        if (sf_write_short(file, samples.data(), wanted) != wanted) {
             Fail(sf_strerror(file));
+        }
     }
 
     void Finish()
     {
         const int error = sf_close(file);
         file = nullptr;
-        if (error != SF_ERR_NO_ERROR)
+        if (error != SF_ERR_NO_ERROR) {
             Fail(sf_error_number(error));
+        }
     }
 
 private:

@@ -23,10 +23,12 @@ void CheckIsFile(const InputFile& input)
 {
     std::error_code error;
     const auto status = std::filesystem::status(input.GetPath(), error);
-    if (status.type() == std::filesystem::file_type::not_found)
+    if (status.type() == std::filesystem::file_type::not_found) {
         throw ToolError("there is no file '" + input.GetShown() + "'", ExitCode::NoInput);
-    if (status.type() != std::filesystem::file_type::regular)
+    }
+    if (status.type() != std::filesystem::file_type::regular) {
         throw ToolError("'" + input.GetShown() + "' is not a file", ExitCode::NoInput);
+    }
 }
 
 } // namespace
@@ -36,10 +38,12 @@ std::unique_ptr<SoundReader> SoundReader::Open(const InputFile& input)
     CheckIsFile(input);
     SF_INFO info{};
     SNDFILE* const opened = sf_open(input.GetPath().c_str(), SFM_READ, &info);
-    if (opened)
+    if (opened) {
         return std::unique_ptr<SoundReader>(new SoundReader(input.GetShown(), info, opened));
-    if (sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT)
+    }
+    if (sf_error(nullptr) == SF_ERR_UNRECOGNISED_FORMAT) {
         return nullptr;
+    }
     const bool isRefused = sf_error(nullptr) == SF_ERR_SYSTEM;
     throw ToolError("'" + input.GetShown() + "' cannot be read: " + sf_strerror(nullptr),
         isRefused ? ExitCode::NoInput : ExitCode::BadInput);
@@ -52,16 +56,18 @@ SoundReader::SoundReader(std::string newShown, const SF_INFO& newInfo, SNDFILE* 
 {
     // An odd file can state anything, and what follows multiplies with it.
     constexpr int maxChannels = 64;
-    if (info.channels < 1 || info.channels > maxChannels || info.samplerate < 1)
+    if (info.channels < 1 || info.channels > maxChannels || info.samplerate < 1) {
         throw ToolError(
             "'" + shown + "' has a number of channels or a rate that is not handled", ExitCode::BadInput);
+    }
 }
 
 std::size_t SoundReader::Read(float* out, std::size_t frames)
 {
     const sf_count_t got = sf_readf_float(file.get(), out, static_cast<sf_count_t>(frames));
-    if (sf_error(file.get()) != SF_ERR_NO_ERROR)
+    if (sf_error(file.get()) != SF_ERR_NO_ERROR) {
         throw ToolError("'" + shown + "' is damaged: " + sf_strerror(file.get()), ExitCode::BadInput);
+    }
     framesRead += got;
     return static_cast<std::size_t>(got);
 }
@@ -82,16 +88,18 @@ std::vector<int> SoundReader::GetChannelMap() const
 {
     std::vector<int> map(static_cast<std::size_t>(info.channels));
     const int bytes = static_cast<int>(map.size() * sizeof(int));
-    if (sf_command(file.get(), SFC_GET_CHANNEL_MAP_INFO, map.data(), bytes) == SF_FALSE)
+    if (sf_command(file.get(), SFC_GET_CHANNEL_MAP_INFO, map.data(), bytes) == SF_FALSE) {
         map.clear();
+    }
     return map;
 }
 
 std::string SoundReader::DescribeMissing() const
 {
-    if (framesRead < info.frames)
+    if (framesRead < info.frames) {
         return "'" + shown + "' is cut off: it holds " + std::to_string(framesRead) + " of " +
             std::to_string(info.frames) + " sample frames";
+    }
     // The frames of a wave are counted by what is there, and only the log tells what the head has stated.
     std::array<char, 16384> log{};
     sf_command(file.get(), SFC_GET_LOG_INFO, log.data(), log.size());
@@ -99,8 +107,9 @@ std::string SoundReader::DescribeMissing() const
     const std::size_t data = text.find("\ndata : ");
     const std::string line =
         data == std::string::npos ? "" : text.substr(data + 1, text.find('\n', data + 1) - data);
-    if (line.find("(should be ") != std::string::npos)
+    if (line.find("(should be ") != std::string::npos) {
         return "'" + shown + "' is cut off: it holds fewer bytes of sound than it states";
+    }
     return "";
 }
 

@@ -15,19 +15,24 @@ void CopyWithoutTags(const InputFile& input, const OutputFile& output)
     std::error_code error;
     fs::copy_file(input.GetPath(), output.GetPath(), fs::copy_options::overwrite_existing, error);
     // The copy of a file that may only be read may only be read too.
-    if (!error)
+    if (!error) {
         fs::permissions(output.GetPath(), fs::perms::owner_write, fs::perm_options::add, error);
-    if (error)
+    }
+    if (error) {
         throw ToolError("cannot write to " + output.GetShown() + ": " + error.message(), ExitCode::NoOutput);
+    }
 
     TagLib::MPEG::File file(output.GetPath().c_str(), false);
-    if (!file.isOpen() || !file.strip(TagLib::MPEG::File::AllTags))
+    if (!file.isOpen() || !file.strip(TagLib::MPEG::File::AllTags)) {
         throw ToolError("cannot take the tags off '" + input.GetShown() + "'", ExitCode::BadInput);
+    }
     const auto firstFrame = file.firstFrameOffset();
-    if (firstFrame < 0)
+    if (firstFrame < 0) {
         throw ToolError("'" + input.GetShown() + "' has no MPEG frames", ExitCode::BadInput);
-    if (firstFrame > 0)
+    }
+    if (firstFrame > 0) {
         file.removeBlock(0, static_cast<unsigned long>(firstFrame));
+    }
 }
 
 } // namespace Tool

@@ -34,8 +34,9 @@ struct PreviewArguments
 std::unique_ptr<SoundReader> OpenOrFail(const std::string& path)
 {
     std::unique_ptr<SoundReader> reader = SoundReader::Open(InputFile(path, ""));
-    if (!reader)
+    if (!reader) {
         throw ToolError("'" + path + "' is no sound file of a known kind", ExitCode::BadInput);
+    }
     return reader;
 }
 
@@ -73,8 +74,9 @@ Json Describe(const std::string& path, const PreviewArguments& arguments)
     try {
         DefinitionFile file(path, arguments.root);
         record["findings"] = ToJson(DefinitionCheck().Run(file));
-        if (!file.Load())
+        if (!file.Load()) {
             throw ToolError("the definition does not load");
+        }
         const Quon::SoundDefResource& sound = file.GetSettings();
         record["soundFile"] = std::string(sound.GetFileName().GetView());
         record["gain"] = sound.GetGain();
@@ -93,8 +95,9 @@ void Write(const std::string& page, const std::string& path)
     std::ofstream file(fs::path(output.GetPath()), std::ios::binary);
     file << page;
     file.close();
-    if (!file)
+    if (!file) {
         throw ToolError("cannot write to " + output.GetShown(), ExitCode::NoOutput);
+    }
     output.Commit();
 }
 
@@ -104,17 +107,20 @@ ExitCode RunPreview(const PreviewArguments& arguments)
     Json records = Json::array();
     std::size_t withRemarks = 0;
     for (const fs::path& file : FindFiles(arguments.folder, "")) {
-        if (!DefinitionFile::IsDefinitionName(file.string()))
+        if (!DefinitionFile::IsDefinitionName(file.string())) {
             continue;
+        }
         records.push_back(Describe(file.string(), arguments));
         withRemarks += records.back().contains("error") || !records.back()["findings"].empty();
     }
-    if (records.empty())
+    if (records.empty()) {
         throw ToolError("there are no definitions in '" + arguments.folder + "'", ExitCode::NoInput);
+    }
     Write(MakePreviewPage("Sounds of " + arguments.folder, records), arguments.output);
-    if (arguments.output != standardStream)
+    if (arguments.output != standardStream) {
         Print(std::to_string(records.size()) + " definitions, " + std::to_string(withRemarks) +
             " with remarks, shown in " + arguments.output + '\n');
+    }
     return ExitCode::Done;
 }
 

@@ -85,8 +85,9 @@ search.oninput = remarks.oninput = () => {
 
 void ReplaceAll(std::string& text, const std::string& from, const std::string& to)
 {
-    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+    for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
         text.replace(at, from.size(), to);
+    }
 }
 
 std::string EscapeHtml(std::string text)

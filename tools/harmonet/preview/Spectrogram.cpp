@@ -123,8 +123,9 @@ void Spectrogram::AddColumn()
         KeepLouder(columns.back(), column);
     }
     ++inLast;
-    if (columns.size() > maxColumns)
+    if (columns.size() > maxColumns) {
         Halve();
+    }
 }
 
 void Spectrogram::Halve()
@@ -135,8 +136,9 @@ void Spectrogram::Halve()
         halved.push_back(columns[i]);
     }
     const bool hasRest = columns.size() % 2 != 0;
-    if (hasRest)
+    if (hasRest) {
         halved.push_back(columns.back());
+    }
     columns = halved;
     inLast = hasRest ? inLast : 2 * step;
     step *= 2;

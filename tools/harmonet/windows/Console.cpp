@@ -21,8 +21,9 @@ UINT codePageBefore = 0;
 std::string ToUtf8(const wchar_t* wide)
 {
     const int bytes = WideCharToMultiByte(CP_UTF8, 0, wide, -1, nullptr, 0, nullptr, nullptr);
-    if (bytes <= 0)
+    if (bytes <= 0) {
         return {};
+    }
     std::string text(static_cast<std::size_t>(bytes), '\0');
     WideCharToMultiByte(CP_UTF8, 0, wide, -1, text.data(), bytes, nullptr, nullptr);
     text.pop_back();
@@ -34,8 +35,9 @@ std::vector<std::string> ReadCommandLine()
     std::vector<std::string> texts;
     int count = 0;
     if (wchar_t** const wide = CommandLineToArgvW(GetCommandLineW(), &count)) {
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             texts.push_back(ToUtf8(wide[i]));
+        }
         LocalFree(wide);
     }
     return texts;
@@ -53,8 +55,9 @@ Console::Console()
 Console::~Console()
 {
     timeEndPeriod(timerStepMs);
-    if (codePageBefore != 0)
+    if (codePageBefore != 0) {
         SetConsoleOutputCP(codePageBefore);
+    }
 }
 
 // What main() gets has been converted to the code page of the system.
@@ -62,11 +65,13 @@ char** GetArguments(char** arguments)
 {
     static std::vector<std::string> texts = ReadCommandLine();
     static std::vector<char*> pointers;
-    if (texts.empty())
+    if (texts.empty()) {
         return arguments;
+    }
     if (pointers.empty()) {
-        for (std::string& text : texts)
+        for (std::string& text : texts) {
             pointers.push_back(text.data());
+        }
         pointers.push_back(nullptr);
     }
     return pointers.data();

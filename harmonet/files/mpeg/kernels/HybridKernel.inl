@@ -27,26 +27,26 @@ void AliasReduction(const AliasTables& tables, float* xr, int boundaryCount)
     }
 }
 
-constexpr float cos10 = 0.984807753012208f;
-constexpr float cos20 = 0.939692620785908f;
-constexpr float cos30 = 0.866025403784439f;
-constexpr float cos40 = 0.766044443118978f;
-constexpr float cos50 = 0.642787609686539f;
-constexpr float cos70 = 0.342020143325669f;
-constexpr float cos80 = 0.173648177666930f;
+constexpr float cos10 = 0.984807753012208F;
+constexpr float cos20 = 0.939692620785908F;
+constexpr float cos30 = 0.866025403784439F;
+constexpr float cos40 = 0.766044443118978F;
+constexpr float cos50 = 0.642787609686539F;
+constexpr float cos70 = 0.342020143325669F;
+constexpr float cos80 = 0.173648177666930F;
 
 /// out[k] = sum over m of z[m] cos(pi / 18 m (2k + 1)) for nine values. Even m are symmetric about k = 4 and
 /// odd m antisymmetric, so each half is worked out once; angles are in degrees.
 HARMONET_ALWAYS_INLINE void NineCosineSums(
     Lanes z0, Lanes z1, Lanes z2, Lanes z3, Lanes z4, Lanes z5, Lanes z6, Lanes z7, Lanes z8, Lanes (&out)[9])
 {
-    const Lanes halfway = z0 + 0.5f * z6;
+    const Lanes halfway = z0 + 0.5F * z6;
     const Lanes even0 = halfway + cos20 * z2 + cos40 * z4 + cos80 * z8;
     const Lanes even2 = halfway - cos80 * z2 - cos20 * z4 + cos40 * z8;
     const Lanes even3 = halfway - cos40 * z2 + cos80 * z4 - cos20 * z8;
     const Lanes ends = z0 - z6;
     const Lanes middle = z2 - z4 - z8;
-    const Lanes even1 = ends + 0.5f * middle;
+    const Lanes even1 = ends + 0.5F * middle;
     const Lanes thirds = cos30 * z3;
     const Lanes odd0 = cos10 * z1 + thirds + cos50 * z5 + cos70 * z7;
     const Lanes odd1 = cos30 * (z1 - z5 - z7);

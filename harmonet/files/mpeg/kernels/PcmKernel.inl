@@ -3,8 +3,8 @@
 /// Scales, truncates towards zero and clips. A NaN comes out as the upper limit.
 HARMONET_ALWAYS_INLINE IntLanes ToPcm(Lanes sample)
 {
-    const Lanes scaled = sample * Broadcast(32767.0f);
-    const Lanes clipped = Maximum(Minimum(scaled, Broadcast(32767.0f)), Broadcast(-32768.0f));
+    const Lanes scaled = sample * Broadcast(32767.0F);
+    const Lanes clipped = Maximum(Minimum(scaled, Broadcast(32767.0F)), Broadcast(-32768.0F));
     return ToInts(clipped);
 }
 
