@@ -56,7 +56,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/instances/Sound.h
     harmonet/instances/SoundObserver.h
     harmonet/instances/SoundReason.h
-    harmonet/kernel/HarmonetStringList.h
+    harmonet/kernel/HarmonetStringList.inl
     harmonet/kernel/HarmonetStrings.h
     harmonet/kernel/HarmonetTask.h
     harmonet/kernel/QuonGetPlugins.h

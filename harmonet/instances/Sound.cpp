@@ -170,7 +170,7 @@ int Sound::AddSound(SndBase* instance)
     // Without memory for its place in the table it ends at once, and nobody has heard of it.
     std::unique_ptr<SndBase> owned(instance);
     theKernel->AddSound(instance);
-    owned.release();
+    static_cast<void>(owned.release());
     instance->SetParentSound(this);
     return instance->GetSoundID();
 }

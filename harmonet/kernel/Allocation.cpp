@@ -33,7 +33,7 @@ void SndKernel::Allocate()
     // The sorted insertions that follow compare with the multipliers, whoever has switched that off.
     SndBase::SetCompareUsingMultiplier(true);
     contenders.clear();
-    ContenderCounts counts;
+    ContenderCounts counts{};
     for (std::size_t list = 0; list < numContenderLists; ++list) {
         counts[list] = GatherContenders(contenderLists[list]);
     }

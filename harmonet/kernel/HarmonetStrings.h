@@ -17,9 +17,9 @@ public:
     /// Makes all strings; may be called again.
     static void Init();
 
-    // Each name and its text stand in HarmonetStringList.h alone.
+    // Each name and its text stand in HarmonetStringList.inl alone.
 #define HARMONET_STRING(name, text) static PString name;
-#include "harmonet/kernel/HarmonetStringList.h"
+#include "harmonet/kernel/HarmonetStringList.inl"
 };
 
 } // namespace Quon

@@ -65,7 +65,7 @@ bool SoundSystem::Start(OS* os, bool driverFlag)
         return false;
     }
     auto made = std::make_unique<HarmonetTask>(kernel.get());
-    kernel.release();
+    static_cast<void>(kernel.release());
     // A task that the engine has stopped by itself is still this object's.
     delete task;
     task = made.release();

@@ -61,7 +61,7 @@ Result GetStamp(const EngineString& path, FileStamp& stamp)
         // Wraps after some 580 years, which a comparison does not mind.
         stamp.modifiedNs = static_cast<std::int64_t>(steps * nanosecondsPerStep);
         stamp.size = Join(information.nFileSizeHigh, information.nFileSizeLow);
-        stamp.identity = information.dwVolumeSerialNumber * 0x9E3779B97F4A7C15u ^
+        stamp.identity = information.dwVolumeSerialNumber * 0x9E3779B97F4A7C15U ^
             Join(information.nFileIndexHigh, information.nFileIndexLow);
     }
     return judged;

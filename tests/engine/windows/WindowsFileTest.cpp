@@ -80,7 +80,7 @@ TEST_F(Files, NamesAndRootsAreUtf8AndMayBeLong)
     for (const std::string& name : {std::string(greekName), deep + "/" + greekName}) {
         ASSERT_TRUE(write(name)) << name;
         ASSERT_EQ(Open(name.c_str()), File::Opened) << name;
-        EXPECT_EQ(file.Size(), 10u);
+        EXPECT_EQ(file.Size(), 10U);
         file.Close();
     }
     const std::filesystem::path extended =

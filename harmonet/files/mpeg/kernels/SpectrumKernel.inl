@@ -53,7 +53,7 @@ HARMONET_ALWAYS_INLINE int WalkOn(const HuffmanTable& table, unsigned entry, Bit
 {
     while (table.jump[entry] != huffmanLeaf) {
         const unsigned jump = table.jump[entry];
-        const unsigned right = jump == huffmanFarJump ? table.value[entry] + 255u : jump + 1;
+        const unsigned right = jump == huffmanFarJump ? table.value[entry] + 255U : jump + 1;
         entry += TakeField(window, 1) != 0 ? right : 1;
         ++taken;
     }
