@@ -24,7 +24,7 @@ def read_table(root):
 
 
 def read_public_headers(root):
-    return set(re.findall(r"^\s+(\S+\.h)\)?$", (root / PUBLIC_LIST).read_text(), re.MULTILINE))
+    return set(re.findall(r"^\s+(\S+\.(?:h|inl))\)?$", (root / PUBLIC_LIST).read_text(), re.MULTILINE))
 
 
 def room_of(path, rooms):
