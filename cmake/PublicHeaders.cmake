@@ -9,6 +9,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/definitions/SndFXList.h
     harmonet/definitions/SoundDefResource.h
     harmonet/definitions/SoundResource.h
+    harmonet/definitions/SoundVariation.h
     harmonet/engine/Alloc.h
     harmonet/engine/BlockReader.h
     harmonet/engine/ChunkRing.h

@@ -119,6 +119,8 @@ std::vector<MadeSound> MakeSounds()
         {"drummer.wav", Render(2.0, 0.7, Beat(0.25, 140.0, 0.06))},
         {"hens.wav", Render(3.0, 0.4, hen)},
         {"shout.wav", Render(1.2, 0.8, Shout(160.0))},
+        {"shout2.wav", Render(1.0, 0.8, Shout(195.0))},
+        {"shout3.wav", Render(1.4, 0.8, Shout(128.0))},
         {"drop.wav", Render(0.6, 0.6, drop)},
         {"clank.wav", Render(0.9, 0.7, clank)},
         {"whistle.wav", Render(2.5, 0.3, whistle)},

@@ -42,6 +42,16 @@ std::vector<unsigned char> TakeSettings(const SoundResource& sound)
     for (int i = 0; i < sound.GetNumPoints(); ++i) {
         add(sound.GetPolyline()[i]);
     }
+    const SoundVariation& variation = sound.GetVariation();
+    for (const float number : {variation.minGainDb, variation.maxGainDb, variation.minFrequencyFactor,
+             variation.maxFrequencyFactor}) {
+        add(number);
+    }
+    for (const int number : {static_cast<int>(variation.variants.size()), static_cast<int>(variation.order),
+             sound.GetLimits().maxInstances, static_cast<int>(sound.GetLimits().stealing),
+             sound.GetLimits().minIntervalMs}) {
+        add(number);
+    }
     const SndFXList effects = sound.GetFXList();
     const unsigned char* place = effects.GetEffectsArr();
     for (unsigned long i = 0; i < effects.GetNumEffects(); ++i) {

@@ -48,6 +48,14 @@ void DefinitionReport::CheckRange(const PString& keyword, const BlockReader& rea
     }
 }
 
+void DefinitionReport::OnUnreadableWord(
+    const PString& keyword, int line, const char* wanted, const char* found) const
+{
+    if (listener) {
+        listener->OnRemark({DefinitionFault::Unreadable, line, keyword, wanted, found});
+    }
+}
+
 void DefinitionReport::OnSkipped(const Skipped& skipped)
 {
     const DefinitionFault fault = ToFault(skipped);

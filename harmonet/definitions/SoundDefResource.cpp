@@ -3,6 +3,7 @@
 #include "harmonet/definitions/DefinitionMessages.h"
 #include "harmonet/definitions/DefinitionReport.h"
 #include "harmonet/definitions/EffectKeywords.h"
+#include "harmonet/definitions/VariationKeywords.h"
 #include "harmonet/engine/BlockReader.h"
 #include "harmonet/engine/File.h"
 #include "harmonet/engine/Messages.h"
@@ -206,7 +207,9 @@ bool SoundDefResource::ReadKeyword(Reading& reading) const
     if (const EffectKeywords* effect = FindEffectKeywords(reading.keyword)) {
         return ReadFXParam(&reading.reader, effect->effect);
     }
-    return true;
+    bool isRead = true;
+    VariationReader(variation, limits, reading.report).Read(reading.keyword, reading.reader, isRead);
+    return isRead;
 }
 
 const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& keyword)
@@ -241,12 +244,16 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
 // A sound with effects cannot change its rate, in whichever order the keywords stand.
 void SoundDefResource::PreferEffects(const Reading& reading) const
 {
-    if (!chgFrequency || fxList.GetNumEffects() == 0) {
+    if (fxList.GetNumEffects() == 0 || !(chgFrequency || variation.VariesFrequency())) {
         return;
     }
     reading.report.OnFault(DefinitionFault::RateDropped, reading.keyword, reading.line);
+    if (chgFrequency) {
+        frequency = 0;
+    }
     chgFrequency = false;
-    frequency = 0;
+    variation.minFrequencyFactor = 1.0F;
+    variation.maxFrequencyFactor = 1.0F;
 }
 
 bool SoundDefResource::ReadFrequency(BlockReader& reader) const

@@ -20,7 +20,8 @@ class BlockReader;
 /// The text form is that of `BlockReader`. A keyword that is not known where it stands is passed over, one
 /// that is missing leaves its default, and the order matters in one point: a value that cannot be read ends
 /// the reading, what was read so far stays, and a definition that has not named its "*FILE" by then does not
-/// load. Nothing is clamped or scaled.
+/// load. Nothing is clamped or scaled, but for variation and limits, where a number out of range counts as
+/// the default.
 ///
 /// The database owns it and loads it. The keywords exist once `SoundSystem::Init` or `HarmonetStrings::Init`
 /// has run; before that every definition fails to load.

@@ -62,6 +62,8 @@ void SoundResource::Init() const
     minAngle = 45.0F;
     numPoints = 0;
     polyline = nullptr;
+    variation = SoundVariation();
+    limits = SoundLimits();
 }
 
 void SoundResource::FreePolyline() const

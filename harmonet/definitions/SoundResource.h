@@ -2,6 +2,7 @@
 
 #include "harmonet/Export.h"
 #include "harmonet/definitions/SndFXList.h"
+#include "harmonet/definitions/SoundVariation.h"
 #include "harmonet/engine/PString.h"
 #include "harmonet/engine/Resource.h"
 #include "harmonet/engine/Vector.h"
@@ -70,6 +71,10 @@ public:
     const Vector3* GetPolyline() const { return polyline; }
     /// The effects; the block is the resource's.
     const SndFXList GetFXList() const { return fxList; }
+    /// What differs from start to start; nothing by default.
+    const SoundVariation& GetVariation() const { return variation; }
+    /// How many run at once and how closely starts follow; no limits by default.
+    const SoundLimits& GetLimits() const { return limits; }
 
 protected:
     /// Sets the defaults of all settings but the file name and the effects. The points are dropped without
@@ -97,6 +102,8 @@ protected:
     mutable int numPoints = 0;
     mutable Vector3* polyline = nullptr;
     mutable SndFXList fxList;
+    mutable SoundVariation variation;
+    mutable SoundLimits limits;
 };
 
 } // namespace Quon

@@ -150,14 +150,15 @@ bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, co
     if (!resource) {
         return GiveUp(instance);
     }
-    instance.SetFileName(resource->GetFileName());
+    const SoundChoice choice = theKernel->GetDefinitionStates().Choose(*resource);
+    instance.SetFileName(choice.fileName);
     instance.SetSubstName(resource->GetOwnerName());
     instance.SetDefinitionName(name);
     if (resource->GetLooping()) {
         instance.SetLooping();
     }
     Adopt(instance, isNew);
-    instance.SetGain(resource->GetGain());
+    instance.SetGain(choice.gain);
     // Whole: the mask of resource effects is for sound effects.
     if (resource->GetFXList().GetNumEffects() > 0) {
         instance.SetCopyFXList(resource->GetFXList());

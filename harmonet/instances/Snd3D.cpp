@@ -157,6 +157,23 @@ void Snd3D::CalcDistSqr(const Vector3& listener)
     MeasureDistance(Row(), listener);
 }
 
+float Snd3D::CalcLevel(const Vector3* listener) const
+{
+    if (!listener) {
+        return 0.0F;
+    }
+    const Vector3 way = GetGlobalPosition() - *listener;
+    const float distance = std::sqrt(Dot(way, way));
+    const float maxDistance = GetMaxDistance();
+    if (!IsFinite(way) || (GetCutout() && distance > maxDistance)) {
+        return 0.0F;
+    }
+    // The inverse distance, as the drivers attenuate. Without a minimum it is full gain.
+    const float nearest = std::max(minDistance, 0.0F);
+    const float counted = std::min(distance, std::max(maxDistance, nearest));
+    return counted > nearest && nearest > 0.0F ? GetOutputGain() * nearest / counted : GetOutputGain();
+}
+
 bool Snd3D::SndUpdate(float seconds, const Vector3& listener, bool listenerMoved)
 {
     if (GetInPause()) {

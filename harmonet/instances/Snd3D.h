@@ -56,6 +56,7 @@ public:
     bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties) override;
     bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* properties) override;
     void UpdatePlace() override;
+    float CalcLevel(const Vector3* listener) const override;
 
     /// Moves the source and turns the cone to where the node now is. The direction follows only while the
     /// cone is in use, so that a plain source costs one call. Needs a channel.

@@ -4,6 +4,7 @@
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/DefinitionState.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
@@ -39,6 +40,7 @@ SndBase::SndBase(const SndBase& other)
     , substName(other.substName)
     , definitionName(other.definitionName)
     , newFrequency(other.newFrequency)
+    , frequencyFactor(other.frequencyFactor)
     , soundLength(other.soundLength)
     , fadeDuration(other.fadeDuration)
     , gain(other.gain)
@@ -72,6 +74,7 @@ SndBase& SndBase::operator=(const SndBase& other)
     gain = other.gain;
     SndBase::SetDelay(other.delay);
     newFrequency = other.newFrequency;
+    frequencyFactor = other.frequencyFactor;
     fxList = other.fxList;
     sndChannel = other.sndChannel;
     fadeOutChannel = other.fadeOutChannel;
@@ -91,6 +94,7 @@ void SndBase::Done()
     }
     ended = true;
     beingTold = true;
+    LeaveLimits();
     NotifyEnd();
     if (theKernel) {
         if (sndChannel) {
@@ -109,6 +113,14 @@ void SndBase::Done()
     CloseAndDelete(std::exchange(fadingOut.file, nullptr));
     if (!HasAnyFlag(FlagSharedFXList)) {
         fxList.Clear();
+    }
+}
+
+// It counts no more, so that an observer that hears of its end can start another.
+void SndBase::LeaveLimits()
+{
+    if (limitedBy) {
+        limitedBy->Leave(soundID);
     }
 }
 
@@ -260,6 +272,7 @@ void SndBase::PauseOutput()
 bool SndBase::FadeOut(int ms)
 {
     AddFlags(FlagFadeOut);
+    LeaveLimits();
     if (!sndChannel) {
         delete this;
         return false;
@@ -297,6 +310,11 @@ float SndBase::GetOutputGain() const
     }
     const float groupGain = GetParentSound() ? GetParentSound()->GetGain() : 1.0F;
     return groupGain * (Is3D() ? theKernel->GetMainGain3D() : theKernel->GetMainGain2D()) * gain;
+}
+
+float SndBase::CalcLevel(const Vector3*) const
+{
+    return GetOutputGain();
 }
 
 void SndBase::SetGain(float newGain)

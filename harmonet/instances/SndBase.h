@@ -11,6 +11,7 @@
 namespace Quon
 {
 
+class DefinitionState;
 class Music;
 class SndChannel;
 class SndFile;
@@ -96,6 +97,9 @@ public:
     /// Works out the place in the world, so that the next CalcDistSqr() has it. Does nothing for a sound that
     /// has no place.
     virtual void UpdatePlace();
+    /// How loud the sound is at the listener, null for none: its output gain, attenuated by its distance, and
+    /// 0 where it is cut out. Cones, fades and effects do not count. Moves and measures nothing.
+    virtual float CalcLevel(const Vector3* listener) const;
 
     /// Lets the channel fall to silence over `ms` milliseconds and then ends the sound; its file goes with
     /// the fading channel. Without a channel the instance is deleted at once and the result is false: the
@@ -200,6 +204,9 @@ public:
     int GetDelay() const { return delay; }
     unsigned long GetNewFrequency() const { return newFrequency; }
     void SetNewFrequency(unsigned long hz);
+    /// Multiplies the rate of the file by that, as soon as the file is there, unless SetNewFrequency() gives
+    /// a rate before.
+    void SetFrequencyFactor(float factor) { frequencyFactor = factor; }
     SndChannel* GetSndChannel() const { return sndChannel; }
     void SetSndChannel(SndChannel* channel) { sndChannel = channel; }
     /// Whether it plays through a channel, or will again when it is not paused any more.
@@ -242,6 +249,9 @@ public:
     void FillState(SoundState& state) const;
     /// The name of the resource that it was made from, for tools; empty for none.
     void SetDefinitionName(const PString& name) { definitionName = name; }
+    /// The definition by whose limits it starts, null for none. The kernel's.
+    void SetLimitedBy(DefinitionState* state) { limitedBy = state; }
+    DefinitionState* GetLimitedBy() const { return limitedBy; }
 
     /// How a channel for this sound is to behave: SndChannelFlags.
     unsigned int GetChannelFlags() const;
@@ -310,6 +320,7 @@ private:
     void SkipLooping(int samples);
     void SkipAlongQueue(int samples);
     void TakeFile(SndFile* file);
+    void LeaveLimits();
     void StartCounting();
     void NoteRate();
     void CatchUpFile() const;
@@ -336,7 +347,9 @@ private:
     PString fileName;
     PString substName;
     PString definitionName;
+    DefinitionState* limitedBy = nullptr;
     std::uint32_t newFrequency = 0;
+    float frequencyFactor = 1.0F; ///< For the rate of a file that is still to come.
     std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
     int delay = 0;
     int startSample = 0;

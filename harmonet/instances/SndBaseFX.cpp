@@ -16,7 +16,7 @@ bool SndBase::AddEffect(SndFX effect, const void* record, unsigned long size, lo
         OwnFXList();
         fxList.AddFX(effect, record, size, quality);
         ClearFlags(FlagChgFrequency);
-        newFrequency = 0;
+        SetNewFrequency(0);
         return true;
     });
 }

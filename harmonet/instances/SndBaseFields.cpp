@@ -1,6 +1,8 @@
 // The fields of a sound that lie in its row, or that the kernel has to know about.
 
+#include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
+#include "harmonet/kernel/DefinitionState.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundRows.h"
 
@@ -82,6 +84,9 @@ void SndBase::SetSndFile(SndFile* file)
 void SndBase::TakeFile(SndFile* file)
 {
     sndFile = file;
+    if (file && frequencyFactor != 1.0F) {
+        SetNewFrequency(ScaleFrequency(file->GetSampleFrequency(), frequencyFactor));
+    }
     Row().SetMark(RowCounted | RowRewound, false);
     if (theKernel) {
         theKernel->NoteLength(*this);
@@ -150,6 +155,7 @@ void SndBase::SetDelay(int ms)
 void SndBase::SetNewFrequency(unsigned long hz)
 {
     newFrequency = static_cast<std::uint32_t>(hz);
+    frequencyFactor = 1.0F;
     if (Row().HasMark(RowCounted)) {
         NoteRate();
     }

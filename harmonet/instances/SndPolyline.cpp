@@ -233,6 +233,20 @@ void SndPolyline::SetDelay(int ms)
     Snd3D::SetDelay(ms);
 }
 
+float SndPolyline::CalcLevel(const Vector3* listener) const
+{
+    bool isPlaced = false;
+    float level = 0.0F;
+    for (int i = 0; theKernel && i < GetNumSounds(); ++i) {
+        const Snd3D* source = FindSource(i);
+        if (source && !source->GetInPause()) {
+            level = std::max(level, source->CalcLevel(listener));
+            isPlaced = true;
+        }
+    }
+    return isPlaced ? level : GetOutputGain();
+}
+
 bool SndPolyline::SetFrequency(unsigned long hz)
 {
     if (!theKernel) {

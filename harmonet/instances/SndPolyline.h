@@ -102,6 +102,8 @@ public:
 
     // These go to the sources and the head, and do nothing without a kernel.
     void SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout) override;
+    /// That of the loudest source, or before there is one that of the head.
+    float CalcLevel(const Vector3* listener) const override;
     /// For the whole line: the first source gets the gain, the others half of it.
     virtual void SetGain(float newGain);
     void SetPaused(bool on);

@@ -25,11 +25,23 @@ namespace
 
 constexpr int lookupMode = 2;
 
+// Of the rate of the definition, or else of the file when it is opened.
+void ApplyFrequencyFactor(SndBase& sound, float factor)
+{
+    sound.AddFlags(FlagChgFrequency);
+    if (const auto hz = static_cast<int>(sound.GetFrequency())) {
+        sound.SetNewFrequency(ScaleFrequency(hz, factor));
+    }
+    else {
+        sound.SetFrequencyFactor(factor);
+    }
+}
+
 // What a sound takes over from its resource whatever its kind.
-void ApplyCommonSettings(SndBase& sound, const SoundResource& resource)
+void ApplyCommonSettings(SndBase& sound, const SoundResource& resource, const SoundChoice& choice)
 {
     sound.SetDefinitionName(resource.GetName());
-    sound.SetGain(resource.GetGain());
+    sound.SetGain(choice.gain);
     if (resource.GetLooping()) {
         sound.SetLooping();
     }
@@ -43,6 +55,14 @@ void ApplyCommonSettings(SndBase& sound, const SoundResource& resource)
         sound.SetDelay(resource.GetDelay());
     }
     sound.SetThisFXList(resource.GetFXList().DuplicateFiltered(theKernel->GetResourceFX()));
+    if (choice.frequencyFactor != 1.0F) {
+        ApplyFrequencyFactor(sound, choice.frequencyFactor);
+    }
+    if (resource.GetLimits().LimitsAnything()) {
+        DefinitionState& state = theKernel->GetDefinitionStates().Get(resource);
+        state.limits = resource.GetLimits();
+        sound.SetLimitedBy(&state);
+    }
 }
 
 void ApplyPositionalSettings(Snd3D& sound, const SoundResource& resource)
@@ -193,10 +213,11 @@ int Sound::Make2DSound(const PString& name, const ResourceDatabase* db)
     if (!resource || !CanMakeSounds()) {
         return 0;
     }
-    ApplyCommonSettings(*made, *resource);
+    const SoundChoice choice = theKernel->GetDefinitionStates().Choose(*resource);
+    ApplyCommonSettings(*made, *resource, choice);
     const int id = AddSound(made.release());
     resource->ApplySoundSettings(this, id);
-    NameData(id, *resource);
+    NameData(id, choice.fileName, resource->GetOwnerName());
     return id;
 }
 
@@ -223,14 +244,15 @@ int Sound::Make3DSound(const PString& name, const ResourceDatabase* db, bool ign
     if (!resource || !CanMakeSounds()) {
         return 0;
     }
-    ApplyCommonSettings(*made, *resource);
+    const SoundChoice choice = theKernel->GetDefinitionStates().Choose(*resource);
+    ApplyCommonSettings(*made, *resource, choice);
     ApplyPositionalSettings(*made, *resource);
     if (!ignorePlacement) {
         made->SetPosition(resource->GetPosition());
     }
     const int id = AddSound(made.release());
     resource->ApplySoundSettings(this, id);
-    NameData(id, *resource);
+    NameData(id, choice.fileName, resource->GetOwnerName());
     if (ignorePlacement || !resource->GetPolyline()) {
         return id;
     }
@@ -240,11 +262,11 @@ int Sound::Make3DSound(const PString& name, const ResourceDatabase* db, bool ign
 }
 
 // The resource's own code may have ended the sound meanwhile.
-void Sound::NameData(int id, const SoundResource& resource)
+void Sound::NameData(int id, const PString& fileName, const PString& ownerName)
 {
     if (SndBase* sound = FindSound(id)) {
-        sound->SetFileName(resource.GetFileName());
-        sound->SetSubstName(resource.GetOwnerName());
+        sound->SetFileName(fileName);
+        sound->SetSubstName(ownerName);
     }
 }
 

@@ -93,8 +93,8 @@ public:
     /// Ends all sounds of this group, with their notifications, then tells the observers OnShutDown().
     virtual ~Sound();
 
-    // Creation. Each returns the id of the new sound, or 0. A file is opened when the sound starts, so that a
-    // missing one shows there.
+    // Creation. Each returns the id of the new sound, or 0. A definition with variation chooses file, gain
+    // and rate here. A file is opened when the sound starts, so that a missing one shows there.
 
     int New2DSound(const PString& name, const ResourceDatabase* db);
     /// On a block of bare PCM, which is not copied: it must stay valid until OnBufferFree() reports it, or
@@ -127,8 +127,9 @@ public:
 
     // Control of one sound.
 
-    /// False for a sound that runs already, a loop with a queue, or a sound that cannot be had. After a false
-    /// the sound may still exist, not started; DeleteSound() settles it.
+    /// False for a sound that runs already, a loop with a queue, or a sound that cannot be had; also where
+    /// the limits of its definition refuse it. By these another sound of the definition may end here. After a
+    /// false the sound may still exist, not started; DeleteSound() settles it.
     bool StartSound(int id, int flags);
     /// Ends the sound; the observers are told and blocks of memory reported.
     void StopSound(int id);
@@ -241,7 +242,8 @@ public:
     bool IsPaused() const { return paused; }
     /// The axis that new positional sounds get; those that exist keep theirs.
     void BindAxisToDirection(int axis) { defaultAxis = axis; }
-    /// Milliseconds of a sound, without making one; 0 if its file cannot be opened.
+    /// Milliseconds of a sound, without making one; 0 if its file cannot be opened. Of a definition with
+    /// variants that of its "*FILE".
     static unsigned long CalcSoundLength(const PString& name, const ResourceDatabase* db);
 
 private:
@@ -274,7 +276,7 @@ private:
     int AddMemorySound(std::unique_ptr<SndBase> instance, SndFile* file);
     void SetPaused(bool on);
     void SetSoundPaused(int id, bool on);
-    void NameData(int id, const SoundResource& resource);
+    void NameData(int id, const PString& fileName, const PString& ownerName);
     bool StartSound(SndBase& sound, int flags);
     template<class SetUp>
     int Play(int id, int flags, int priority, int delay, SetUp setUp);

@@ -150,11 +150,20 @@ bool Sound::StartSound(SndBase& sound, int flags)
         ReportRefused(id, notStarted, "a sound with a queue cannot loop");
         return false;
     }
+    DefinitionState* const definition = sound.GetLimitedBy();
+    if (definition && !OrNothing([&] { return theKernel->AdmitStart(sound); })) {
+        return false;
+    }
     ApplyStartFlags(sound, flags);
-    return OrNothing([&] {
+    const bool isStarted = OrNothing([&] {
         return sound.IsPolyline() ? StartPolyline(static_cast<SndPolyline&>(sound))
                                   : theKernel->PlaySound(&sound);
     });
+    // The definition stays as long as the kernel, which does not go while observers are notified.
+    if (definition && !isStarted) {
+        SndKernel::CancelStart(*definition, id);
+    }
+    return isStarted;
 }
 
 void Sound::StopSound(int id)
@@ -329,12 +338,12 @@ bool Sound::AppendFile(int id, const PString& name, const ResourceDatabase* db)
     PString ownerName;
     if (db) {
         TakenResource resource(name, *db, lookupMode);
-        if (!resource) {
+        // Whoever heard of the load may have ended the system, or the sound.
+        if (!resource || !theKernel) {
             return false;
         }
-        fileName = resource->GetFileName();
+        fileName = theKernel->GetDefinitionStates().Choose(*resource).fileName;
         ownerName = resource->GetOwnerName();
-        // Whoever heard of the load may have ended the sound.
         sound = FindForCat(id);
     }
     if (!sound || !MayAppend(*sound)) {

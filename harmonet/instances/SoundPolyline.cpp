@@ -109,6 +109,9 @@ int Sound::MakePolyline(
     } sources{*this, static_cast<unsigned int*>(Alloc::New(numSources * sizeof(unsigned int))), 1};
 
     auto made = std::make_unique<SndPolyline>(main);
+    // The whole line counts as one.
+    made->SetLimitedBy(main.GetLimitedBy());
+    main.SetLimitedBy(nullptr);
     main.AddFlags(FlagLooping | FlagSharedFXList | FlagPolylineSource | FlagInPause);
     made->AdoptSourceFX(main.GetThisFXList());
     sources.ids[0] = static_cast<unsigned int>(main.GetSoundID());

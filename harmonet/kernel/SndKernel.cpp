@@ -121,6 +121,8 @@ void SndKernel::ReadOptions(const Options& hostOptions)
     options.maxSounds = ReadOption(hostOptions, HarmonetStrings::maxSounds, 0, options.maxSounds);
     options.streamLength = ReadOption(hostOptions, HarmonetStrings::streamLength, 0, options.streamLength);
     options.format.SetFormat(defaultBytesPerSample, sampleFrequency, 0, defaultChannels);
+    hostOptions.Get(HarmonetStrings::seed.GetText(), options.seed, 0);
+    definitions.SetSeed(static_cast<std::uint32_t>(options.seed));
 }
 
 int SndKernel::OpenDriver(OS* os, bool driverFlag)

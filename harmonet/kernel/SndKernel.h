@@ -2,6 +2,7 @@
 
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/kernel/Decide.h"
+#include "harmonet/kernel/DefinitionState.h"
 #include "harmonet/kernel/NameIndex.h"
 #include "harmonet/kernel/SndList.h"
 #include "harmonet/kernel/SoundTable.h"
@@ -46,6 +47,7 @@ struct SoundOptions
     int cacheSize = 1000000; ///< Bytes of sound data that the data cache may hold.
     SoundFormat format; ///< Asked of the driver; only the rate can be configured.
     int maxSounds = 20; ///< Limit of audible sounds at the start.
+    int seed = 0; ///< Of the random numbers by which definitions vary.
     int minEmulationLength = 500; ///< Milliseconds: a sound with less left is not emulated. No option.
     int streamLength = 500; ///< Milliseconds, for the driver.
 };
@@ -104,6 +106,12 @@ public:
 
     /// Starts a sound or queues it. On false the sound may have been deleted or live on, not started.
     bool PlaySound(SndBase* sound);
+    /// Whether a sound may start by the limits of its definition; it counts from here on. Instances that give
+    /// way end here, with their notifications. False also when an observer has ended the sound meanwhile.
+    bool AdmitStart(SndBase& sound);
+    /// The start of an admitted sound has failed; the sound may be gone.
+    static void CancelStart(DefinitionState& definition, int soundID);
+    DefinitionStates& GetDefinitionStates() { return definitions; }
     /// Gives a sound a channel and puts it on the playing list. On false nothing has changed.
     bool StartChannel(SndBase* sound);
     /// Starts a sound without a channel and puts it on the emulated list. On false it is on no list.
@@ -253,6 +261,9 @@ private:
     void StartChosen();
     void EmulateWaiting();
 
+    bool MakeRoom(SndBase& sound, DefinitionState& definition);
+    SndBase* FindToGiveWay(const SndBase& newcomer, const DefinitionState& definition) const;
+    float CalcLevel(const SndBase& sound) const;
     bool IsLongEnough(const SndBase& sound) const;
     void EnterPlaying(SndBase& sound);
     void PlayOnChannel(SndBase& sound, SndFile* file);
@@ -322,6 +333,7 @@ private:
     std::uint32_t startCounter = 0; ///< Counts starts.
     std::uint32_t clockMs = 0;
     StartClock startClock;
+    DefinitionStates definitions;
     const Task* task = nullptr;
     static inline SoundTrace* trace = nullptr;
     EngineVector<std::uint32_t> newcomers; ///< The rows of the sounds started during the running update.

@@ -37,9 +37,9 @@ public:
     /// "Sound", the names of driver libraries separated by commas; they are tried in order, and the first
     /// that opens wins. "MaxSounds", "SoundCacheSize", "SoundFrequency" and "StreamLength" take their default
     /// (20, 1000000, 22050, 500) if they are not set, not a number of 32 bits or out of range: below 0, for
-    /// the frequency below 1. `os` must outlive the system. `driverFlag` goes to the driver. False, and the
-    /// system stays stopped, when no driver or no memory can be had; false also when the system runs already,
-    /// which is left alone.
+    /// the frequency below 1. "SoundSeed", default 0, seeds the random values by which definitions vary. `os`
+    /// must outlive the system. `driverFlag` goes to the driver. False, and the system stays stopped, when no
+    /// driver or no memory can be had; false also when the system runs already, which is left alone.
     bool Init(OS* os, bool driverFlag);
     /// Stops the system if this object has started it: ends all sounds, with their notifications, and
     /// releases driver and files. What was an id finds nothing from then on. While it runs, no sound can be

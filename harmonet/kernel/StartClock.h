@@ -32,6 +32,8 @@ public:
         return {update + gathered + delay, GetMachineTime() + delay};
     }
 
+    /// The game time now; `gathered` as above.
+    std::int64_t GetNow(std::int64_t gathered) const { return update + gathered; }
     /// What SndChannel::SetStartTime() is to be told of it.
     std::int64_t GetGameTime(const StartMoment& moment, bool isUpdating) const
     {

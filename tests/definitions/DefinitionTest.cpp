@@ -66,6 +66,37 @@ struct Description
     std::string text;
 };
 
+void DescribeVariation(const SoundResource& sound, Description& text)
+{
+    const SoundVariation& variation = sound.GetVariation();
+    if (!variation.variants.empty()) {
+        std::string files = variation.order == VariantOrder::Random ? "or" : "then";
+        for (const PString& variant : variation.variants) {
+            files += ' ' + std::string(variant.GetView());
+        }
+        text.Add(files);
+    }
+    else {
+        EXPECT_EQ(variation.order, VariantOrder::Random);
+    }
+    const auto addRange = [&text](const char* name, float least, float most) {
+        text.Add(name + ToText(least) + " to " + ToText(most));
+    };
+    if (variation.VariesGain()) {
+        addRange("dB ", variation.minGainDb, variation.maxGainDb);
+    }
+    if (variation.VariesFrequency()) {
+        addRange("rate ", variation.minFrequencyFactor, variation.maxFrequencyFactor);
+    }
+    const SoundLimits& limits = sound.GetLimits();
+    if (limits.maxInstances != 0 || limits.stealing != SoundStealing::Oldest) {
+        constexpr const char* words[] = {" oldest", " quietest", " none"};
+        text.Add(
+            "instances " + std::to_string(limits.maxInstances) + words[static_cast<int>(limits.stealing)]);
+    }
+    text.Add("interval", static_cast<float>(limits.minIntervalMs), 0);
+}
+
 } // namespace
 
 std::string Describe(const SoundResource& sound)
@@ -90,6 +121,7 @@ std::string Describe(const SoundResource& sound)
     if (sound.GetPolyline() || sound.GetNumAddSounds() != 0 || sound.GetMinAngle() != 45.0F) {
         text.Add(DescribeLine(sound));
     }
+    DescribeVariation(sound, text);
     const SndFXList effects = sound.GetFXList();
     const unsigned char* place = effects.GetEffectsArr();
     for (unsigned long i = 0; i < effects.GetNumEffects(); ++i) {

@@ -92,15 +92,18 @@ TEST_F(TextDocs, TheExamplesLoadAsTheyRead)
     Forget();
     EXPECT_EQ(LoadBlock(GetExample("### A sound along a line")),
         "0: a.wav, line(3 60: -110 0 -20 -92 0 -6 -75 0 12)");
+    EXPECT_EQ(LoadBlock(GetExample("### Variation and limits")),
+        "0: a.wav, or step2.wav step3.wav, dB -4 to 0, rate 0.92 to 1.08, instances 3 quietest, interval "
+        "120");
 }
 
 // Each row of a setting: the default, written into a definition, changes nothing.
 TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
 {
     int count = 0;
-    for (const char* heading : {"## The sound", "### A sound with a place"}) {
+    for (const char* heading : {"## The sound", "### A sound with a place", "### Variation and limits"}) {
         for (const Lines& row : GetRows(heading)) {
-            if (row[0] == "*FILE") {
+            if (row[0] == "*FILE" || row[0] == "*VARIANT") {
                 continue;
             }
             SCOPED_TRACE(row[0]);
@@ -108,7 +111,7 @@ TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
             ++count;
         }
     }
-    EXPECT_EQ(count, 13);
+    EXPECT_EQ(count, 19);
 }
 
 TEST_F(TextDocs, EachEffectStandsThereWithItsFieldsTheirRangesAndDefaults)

@@ -152,6 +152,27 @@ TEST_F(TextSettings, AnEffectHasOneEntryInTheOrderOfItsFirstAppearance)
     fxEnvReverbDefault = before;
 }
 
+TEST_F(TextSettings, WhatVariesAndItsLimitsAreReadAndWhatIsOutOfRangeIsLeftOut)
+{
+    CheckBlocks({
+        {"*VARIANT b.wav\n*VARIANT_ORDER sequence\n*VARIANT \"c d.wav\"", "then b.wav c d.wav"},
+        {"*GAIN_RANGE 3 -2.5\n*FREQUENCY_RANGE 0.1 10", "dB -2.5 to 3, rate 0.1 to 10"},
+        {"*MAX_INSTANCES 4\n*STEALING none\n*MIN_INTERVAL 50", "instances 4 none, interval 50"},
+        {"*GAIN_RANGE -1 61\n*GAIN 0.5", "gain 0.5", {"3 *GAIN_RANGE out of range: 61 of -60 to 60"}},
+        {"*FREQUENCY_RANGE 0 2", "", {"3 *FREQUENCY_RANGE out of range: 0 of 0.1 to 10"}},
+        {"*MAX_INSTANCES -1\n*MIN_INTERVAL -5\n*GAIN 0.5", "gain 0.5",
+            {"3 *MAX_INSTANCES out of range: -1 of 0 to 2147483648",
+                "4 *MIN_INTERVAL out of range: -5 of 0 to 2147483648"}},
+        {"*GAIN_RANGE 1\n*GAIN 0.5", "", {"3 *GAIN_RANGE unreadable: a number for nothing", "4 *GAIN lost"}},
+        {"*STEALING newest\n*GAIN 0.5", "",
+            {"3 *STEALING unreadable: oldest, quietest or none for newest", "4 *GAIN lost"}},
+        {"*VARIANT_ORDER", "", {"3 *VARIANT_ORDER unreadable: a text for nothing"}},
+        // Effects exclude a change of the rate, in either order.
+        {"*FREQUENCY_RANGE 1 2\n*FX_GARGLE", "gargle(20 0)", {"4 *FX_GARGLE rate dropped"}},
+        {"*FX_GARGLE\n*FREQUENCY_RANGE 1 2", "gargle(20 0)", {"4 *FREQUENCY_RANGE rate dropped"}},
+    });
+}
+
 TEST_F(TextSettings, ALineHasItsPointsInTheOrderOfTheTextAndNoneIfItFails)
 {
     const std::string good = "*POLYLINE {\n*POINT 0 0 0\n*POINT 1 0 0\n}\n";

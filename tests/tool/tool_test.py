@@ -573,6 +573,13 @@ class DefinitionsTest(ToolCase):
             ("*LINE\n*FX_ECHO", 9, "warning", "*FX_ECHO is not heard"),
             ("*POLYLINE {\n*NUM_ADD_SOUNDS 9\n*ANGLE 90\n*POINT 1 2 3\n*POINT 2 3 4\n}", 5, "warning",
              "room for 3 additional sounds, not 9"),
+            ("*VARIANT a.wav\n*VARIANT missing.wav", 5, "error", "the sound file 'missing.wav' is not there"),
+            ("*VARIANT_ORDER sequence", 4, "warning", "*VARIANT_ORDER has no effect without *VARIANT"),
+            ("*VARIANT_ORDER shuffle", 4, "error", "*VARIANT_ORDER needs random or sequence, and 'shuffle' is"),
+            ("*STEALING none", 4, "warning", "*STEALING has no effect without *MAX_INSTANCES"),
+            ("*GAIN 0.5\n*GAIN_RANGE 0 7", 5, "warning", "the range goes beyond gain 1"),
+            ("*FREQUENCY_RANGE 1 20", 4, "error", "20 is outside 0.1 to 10 and is ignored: there is no variation"),
+            ("*MAX_INSTANCES -1", 4, "error", "and is ignored: there is no limit"),
             ("*FILE missing.wav", 4, "error", "the sound file 'missing.wav' is not there"),
             ("*FILE bad.wav", 4, "error", "neither a PCM"),
             ("*FILE ../a.wav", 4, "error", "lies outside the folder"),
@@ -690,6 +697,10 @@ class DefinitionsTest(ToolCase):
                 *POINT 1 2 3
                 *POINT 4 5 6
             }
+            *VARIANT b.wav
+            *VARIANT c.wav
+            *GAIN_RANGE -3 1.5
+            *MAX_INSTANCES 2
             *FX_GARGLE { *RATEHZ 7 }
             *LOOPING x
             *MIN_DISTANCE 3
@@ -700,6 +711,7 @@ class DefinitionsTest(ToolCase):
         self.assertLessEqual({
             "a.sound", "sound file a.wav", "looping no", "gain 0.25", "delay 40 ms", "distances 10 to 500",
             "rate that of the file", "line 2 points, 0 additional sounds, angle 45", "1 2 3", "4 5 6",
+            "variants b.wav, c.wav, at random", "gain range -3 to 1.5 dB", "instances at most 2, stealing oldest",
             "*FX_GARGLE *RATEHZ 7 *WAVEFORM 0", "a.wav", "type PCM wave"}, shown)
 
 

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <memory>
 
 namespace Tool
@@ -41,6 +42,21 @@ std::string ExplainUnknown(const Quon::PString& keyword)
     return text + " is unknown here" + hint + passedOver;
 }
 
+/// What a sound does without a value of that keyword that is out of range; null if it takes the value.
+const char* ExplainIgnored(const Quon::PString& keyword)
+{
+    if (keyword == Keys::frequency) {
+        return "the sound plays at its own rate";
+    }
+    if (keyword == Keys::gain) {
+        return "the sound plays at gain 1";
+    }
+    if (keyword == Keys::gainRange || keyword == Keys::frequencyRange) {
+        return "there is no variation";
+    }
+    return keyword == Keys::maxInstances || keyword == Keys::minInterval ? "there is no limit" : nullptr;
+}
+
 std::string ExplainUnreadable(const Quon::DefinitionRemark& remark)
 {
     const std::string begin = ToString(remark.keyword) + " needs " + remark.text;
@@ -72,7 +88,8 @@ std::vector<Finding> DefinitionCheck::Run(DefinitionFile& file)
     Quon::SoundDefResource::SetListener(before);
     if (isLoaded) {
         const Quon::SoundDefResource& sound = file.GetSettings();
-        CheckSoundFile(sound);
+        CheckSoundFile(sound.GetOwnerName(), sound.GetFileName(), FindLine(Keys::file));
+        CheckVariation(sound);
         CheckDistances(sound);
         CheckCone(sound);
         if (sound.GetPolyline()) {
@@ -96,9 +113,12 @@ void DefinitionCheck::OnKeyword(const Quon::PString& block, const Quon::PString&
         if (keyword.GetView().starts_with("*FX_")) {
             effects.emplace_back(keyword, line);
         }
+        if (keyword == Keys::variant) {
+            variantLines.push_back(line);
+        }
     }
     const auto [place, isFirst] = known.emplace(keyword, line);
-    if (!isFirst && keyword != Keys::point) {
+    if (!isFirst && keyword != Keys::point && keyword != Keys::variant) {
         AddWarning(line,
             ToString(keyword) + " stands here again; what line " + std::to_string(place->second) +
                 " says does not count");
@@ -117,11 +137,9 @@ void DefinitionCheck::OnRemark(const Quon::DefinitionRemark& remark)
 
 bool DefinitionCheck::IsError(const Quon::DefinitionRemark& remark) const
 {
-    // Values are kept as they are, but for these two, which a sound does without.
-    if (remark.fault == DefinitionFault::OutOfRange) {
-        return lastBlock.IsEmpty() && (remark.keyword == Keys::frequency || remark.keyword == Keys::gain);
-    }
-    return true;
+    // Values are kept as they are, but for these, which a sound does without.
+    return remark.fault != DefinitionFault::OutOfRange ||
+        (lastBlock.IsEmpty() && ExplainIgnored(remark.keyword));
 }
 
 std::string DefinitionCheck::Explain(const Quon::DefinitionRemark& remark) const
@@ -165,11 +183,8 @@ std::string DefinitionCheck::ExplainOutOfRange(const Quon::DefinitionRemark& rem
     if (!lastBlock.IsEmpty()) {
         return text;
     }
-    if (remark.keyword == Keys::frequency) {
-        text += " and is ignored: the sound plays at its own rate";
-    }
-    else if (remark.keyword == Keys::gain) {
-        text += " and is ignored: the sound plays at gain 1";
+    if (const char* instead = ExplainIgnored(remark.keyword)) {
+        text += std::string(" and is ignored: ") + instead;
     }
     return text;
 }
@@ -180,17 +195,34 @@ int DefinitionCheck::FindLine(const Quon::PString& keyword) const
     return found != lines.end() ? found->second : 0;
 }
 
-void DefinitionCheck::CheckSoundFile(const Quon::SoundDefResource& sound)
+void DefinitionCheck::CheckSoundFile(const Quon::PString& owner, const Quon::PString& name, int line)
 {
-    const Quon::PString& name = sound.GetFileName();
     const std::string shown = "the sound file '" + ToString(name) + "' ";
-    const int code = TryToOpen(sound.GetOwnerName(), name);
+    const int code = TryToOpen(owner, name);
     if (code != Quon::File::Opened) {
-        return AddError(FindLine(Keys::file), shown + FormatOpenCode(code));
+        return AddError(line, shown + FormatOpenCode(code));
     }
-    const std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(sound.GetOwnerName(), name));
+    const std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(owner, name));
     if (!data) {
-        AddError(FindLine(Keys::file), shown + "is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III");
+        AddError(line, shown + "is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III");
+    }
+}
+
+void DefinitionCheck::CheckVariation(const Quon::SoundDefResource& sound)
+{
+    const Quon::SoundVariation& variation = sound.GetVariation();
+    for (std::size_t i = 0; i < variation.variants.size() && i < variantLines.size(); ++i) {
+        CheckSoundFile(sound.GetOwnerName(), variation.variants[i], variantLines[i]);
+    }
+    if (const int line = FindLine(Keys::variantOrder); line && variation.variants.empty()) {
+        AddWarning(line, ToString(Keys::variantOrder) + " has no effect without " + ToString(Keys::variant));
+    }
+    if (const int line = FindLine(Keys::stealing); line && sound.GetLimits().maxInstances == 0) {
+        AddWarning(line, ToString(Keys::stealing) + " has no effect without " + ToString(Keys::maxInstances));
+    }
+    const double loudest = std::pow(10.0, static_cast<double>(variation.maxGainDb) / 20.0);
+    if (variation.VariesGain() && static_cast<double>(sound.GetGain()) * loudest > 1.0) {
+        AddWarning(FindLine(Keys::gainRange), "the range goes beyond gain 1, where it is clamped");
     }
 }
 

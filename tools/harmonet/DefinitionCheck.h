@@ -29,7 +29,8 @@ private:
     void AddError(int line, const std::string& text) { findings.push_back({line, true, text}); }
     void AddWarning(int line, const std::string& text) { findings.push_back({line, false, text}); }
 
-    void CheckSoundFile(const Quon::SoundDefResource& sound);
+    void CheckSoundFile(const Quon::PString& owner, const Quon::PString& name, int line);
+    void CheckVariation(const Quon::SoundDefResource& sound);
     void CheckCone(const Quon::SoundDefResource& sound);
     void CheckDistances(const Quon::SoundDefResource& sound);
     void CheckLine(const Quon::SoundDefResource& sound);
@@ -41,6 +42,7 @@ private:
     Quon::PString lastBlock; ///< In which the last keyword stands.
     std::unordered_map<Quon::PString, int> lines;
     std::unordered_map<Quon::PString, int> blockLines; ///< Of the keywords in the block that is being read.
+    std::vector<int> variantLines; ///< In the order of the variants.
     std::vector<std::pair<Quon::PString, int>> effects; ///< Their keywords and lines.
 };
 

@@ -95,6 +95,48 @@ void AddLine(const Quon::SoundDefResource& sound, std::vector<Setting>& settings
     }
 }
 
+void AddVariation(const Quon::SoundVariation& variation, std::vector<Setting>& settings)
+{
+    if (!variation.variants.empty()) {
+        const bool isRandom = variation.order == Quon::VariantOrder::Random;
+        Json names = Json::array();
+        std::string text;
+        for (const Quon::PString& variant : variation.variants) {
+            names.push_back(std::string(variant.GetView()));
+            text += (text.empty() ? "" : ", ") + std::string(variant.GetView());
+        }
+        settings.push_back({"variants", text + (isRandom ? ", at random" : ", in turn"), "variants",
+            {{"soundFiles", names}, {"order", isRandom ? "random" : "sequence"}}});
+    }
+    const auto addRange = [&settings](const char* label, const char* unit, const char* key, float minimum,
+                              float maximum) {
+        settings.push_back({label, FormatNumber(minimum) + " to " + FormatNumber(maximum) + unit, key,
+            {{"minimum", Rounded(minimum)}, {"maximum", Rounded(maximum)}}});
+    };
+    if (variation.VariesGain()) {
+        addRange("gain range", " dB", "gainRangeDecibels", variation.minGainDb, variation.maxGainDb);
+    }
+    if (variation.VariesFrequency()) {
+        addRange("rate range", " times the rate", "rateFactor", variation.minFrequencyFactor,
+            variation.maxFrequencyFactor);
+    }
+}
+
+void AddLimits(const Quon::SoundLimits& limits, std::vector<Setting>& settings)
+{
+    constexpr const char* words[] = {"oldest", "quietest", "none"};
+    if (limits.maxInstances > 0) {
+        const char* const word = words[static_cast<std::size_t>(limits.stealing)];
+        settings.push_back(
+            {"instances", "at most " + std::to_string(limits.maxInstances) + ", stealing " + word,
+                "instances", {{"maximum", limits.maxInstances}, {"stealing", word}}});
+    }
+    if (limits.minIntervalMs > 0) {
+        settings.push_back({"interval", "at least " + std::to_string(limits.minIntervalMs) + " ms",
+            "minimumIntervalMs", limits.minIntervalMs});
+    }
+}
+
 std::vector<Setting> DescribeEffects(const Quon::SoundDefResource& sound)
 {
     std::vector<Setting> described;
@@ -133,6 +175,12 @@ std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
             {{"hertz", sound.GetFrequency()}, {"canChange", sound.GetChgFrequency()}}},
         {"listener's effects", sound.GetDisableMicFX() ? "do not apply" : "apply", "listenerEffects",
             !sound.GetDisableMicFX()}};
+    if (sound.GetVariation().VariesAnything()) {
+        AddVariation(sound.GetVariation(), settings);
+    }
+    if (sound.GetLimits().LimitsAnything()) {
+        AddLimits(sound.GetLimits(), settings);
+    }
     if (sound.GetPolyline()) {
         AddLine(sound, settings);
     }

@@ -1,0 +1,115 @@
+#include "harmonet/kernel/DefinitionState.h"
+
+#include "harmonet/definitions/SoundResource.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr double decibelsPerDecade = 20.0;
+
+double Between(double least, double most, double part)
+{
+    return least + (most - least) * part;
+}
+
+} // namespace
+
+unsigned long ScaleFrequency(int hz, float factor)
+{
+    constexpr double leastHz = 100.0;
+    constexpr double mostHz = 100000.0;
+    const double scaled = std::round(static_cast<double>(hz) * static_cast<double>(factor));
+    return hz > 0 ? static_cast<unsigned long>(std::clamp(scaled, leastHz, mostHz)) : 0;
+}
+
+DefinitionState::DefinitionState(std::uint64_t seed, const PString& newName, const PString& owner)
+    : name(newName)
+    , random(seed, owner.GetView(), newName.GetView())
+{
+}
+
+SoundChoice DefinitionState::Choose(const SoundResource& resource)
+{
+    SoundChoice choice = {ChooseFile(resource), ChooseGain(resource), 1.0F};
+    const SoundVariation& variation = resource.GetVariation();
+    if (variation.VariesFrequency()) {
+        choice.frequencyFactor = static_cast<float>(
+            Between(variation.minFrequencyFactor, variation.maxFrequencyFactor, random.NextUnit()));
+    }
+    return choice;
+}
+
+PString DefinitionState::ChooseFile(const SoundResource& resource)
+{
+    const EngineVector<PString>& variants = resource.GetVariation().variants;
+    const std::size_t count = variants.size() + 1;
+    if (count == 1) {
+        return resource.GetFileName();
+    }
+    // The definition may have been loaded again with fewer of them.
+    if (lastFile && *lastFile >= count) {
+        lastFile.reset();
+    }
+    std::size_t file = 0;
+    if (resource.GetVariation().order == VariantOrder::Sequence) {
+        file = lastFile ? (*lastFile + 1) % count : 0;
+    }
+    else if (lastFile) {
+        // One of the others.
+        file = random.NextBelow(static_cast<std::uint32_t>(count - 1));
+        file += file >= *lastFile ? 1 : 0;
+    }
+    else {
+        file = random.NextBelow(static_cast<std::uint32_t>(count));
+    }
+    lastFile = file;
+    return file == 0 ? resource.GetFileName() : variants[file - 1];
+}
+
+float DefinitionState::ChooseGain(const SoundResource& resource)
+{
+    const float gain = resource.GetGain();
+    const SoundVariation& variation = resource.GetVariation();
+    if (!variation.VariesGain()) {
+        return gain;
+    }
+    const double decibels = Between(variation.minGainDb, variation.maxGainDb, random.NextUnit());
+    // A gain out of range counts as 1, as everywhere.
+    const double base = gain >= 0.0F && gain <= 1.0F ? static_cast<double>(gain) : 1.0;
+    // On a grid, since the last digit of a power differs from platform to platform.
+    constexpr double grid = 65536.0;
+    const double varied = base * std::pow(10.0, decibels / decibelsPerDecade);
+    return static_cast<float>(std::min(std::round(varied * grid) / grid, 1.0));
+}
+
+DefinitionState& DefinitionStates::Get(const SoundResource& resource)
+{
+    const auto [place, isNew] = states.try_emplace(Key{resource.GetName(), resource.GetOwnerName()});
+    if (isNew) {
+        try {
+            place->second =
+                std::make_unique<DefinitionState>(seed, resource.GetName(), resource.GetOwnerName());
+        }
+        catch (...) {
+            states.erase(place);
+            throw;
+        }
+    }
+    return *place->second;
+}
+
+SoundChoice DefinitionStates::Choose(const SoundResource& resource)
+{
+    if (!resource.GetVariation().VariesAnything()) {
+        return {resource.GetFileName(), resource.GetGain(), 1.0F};
+    }
+    return Get(resource).Choose(resource);
+}
+
+} // namespace Quon

@@ -1,0 +1,125 @@
+// How many sounds of one definition run at once, and how closely their starts follow one another.
+
+#include "harmonet/engine/Messages.h"
+#include "harmonet/instances/Microphone.h"
+#include "harmonet/instances/SndBase.h"
+#include "harmonet/kernel/SndKernel.h"
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr std::int64_t microsecondsPerMs = 1000;
+
+template<class... Parts>
+void ReportNotStarted(const SndBase& sound, const DefinitionState& definition, const Parts&... parts)
+{
+    Report(MessageLevel::Note, "sound ", sound.GetSoundID(), " ('", sound.GetFileName(),
+        "') is not started: ", parts..., " of its definition '", definition.GetName(), "'");
+}
+
+} // namespace
+
+bool SndKernel::AdmitStart(SndBase& sound)
+{
+    DefinitionState& definition = *sound.limitedBy;
+    const SoundLimits& limits = definition.limits;
+    const int id = sound.GetSoundID();
+    const std::int64_t now = startClock.GetNow(GetGatheredMicroseconds());
+    if (definition.lastStart && now - *definition.lastStart < limits.minIntervalMs * microsecondsPerMs) {
+        ReportNotStarted(sound, definition, "less than ", limits.minIntervalMs,
+            " ms have passed since the last start of a sound");
+        return false;
+    }
+    const bool hasRoom = MakeRoom(sound, definition);
+    if (FindSound(id) != &sound) {
+        return false;
+    }
+    if (!hasRoom) {
+        ReportNotStarted(
+            sound, definition, "as many sounds as may run at once, ", limits.maxInstances, ", run");
+        return false;
+    }
+    definition.running.push_back(id);
+    definition.startBefore = definition.lastStart;
+    definition.lastStart = now;
+    definition.lastStarted = id;
+    return true;
+}
+
+// What an observer starts in answer to an end takes the room that has become free, and then the new sound
+// does not start: else the two could drive each other out for ever. For the same reason nothing gives way to
+// what is started meanwhile.
+bool SndKernel::MakeRoom(SndBase& sound, DefinitionState& definition)
+{
+    const auto isFull = [&definition] {
+        const int most = definition.limits.maxInstances;
+        return most > 0 && definition.running.size() >= static_cast<std::size_t>(most);
+    };
+    const int id = sound.GetSoundID();
+    std::size_t mayEnd = definition.running.size();
+    while (isFull()) {
+        if (definition.isGivingWay || mayEnd == 0) {
+            return false;
+        }
+        --mayEnd;
+        SndBase* const victim = FindToGiveWay(sound, definition);
+        if (!victim) {
+            return false;
+        }
+        definition.isGivingWay = true;
+        delete victim;
+        definition.isGivingWay = false;
+        if (FindSound(id) != &sound) {
+            return false;
+        }
+    }
+    return true;
+}
+
+SndBase* SndKernel::FindToGiveWay(const SndBase& newcomer, const DefinitionState& definition) const
+{
+    if (definition.limits.stealing == SoundStealing::None) {
+        return nullptr;
+    }
+    const bool takesQuietest = definition.limits.stealing == SoundStealing::Quietest;
+    SndBase* found = nullptr;
+    float lowest = 0.0F;
+    for (const int id : definition.running) {
+        SndBase* const sound = FindSound(id);
+        if (!sound || sound->IsBeingTold()) {
+            continue;
+        }
+        const float level = takesQuietest ? CalcLevel(*sound) : 0.0F;
+        if (!found || level < lowest) {
+            found = sound;
+            lowest = level;
+        }
+    }
+    return found && takesQuietest && CalcLevel(newcomer) < lowest ? nullptr : found;
+}
+
+float SndKernel::CalcLevel(const SndBase& sound) const
+{
+    const bool isVirtual = sound.Row().list == ListID::Emulated && !sound.IsPolyline();
+    if (isVirtual) {
+        return 0.0F;
+    }
+    if (!activeMicrophone) {
+        return sound.CalcLevel(nullptr);
+    }
+    const Vector3 listener = activeMicrophone->GetGlobalPosition();
+    return sound.CalcLevel(&listener);
+}
+
+void SndKernel::CancelStart(DefinitionState& definition, int soundID)
+{
+    definition.Leave(soundID);
+    if (definition.lastStarted == soundID) {
+        definition.lastStart = definition.startBefore;
+    }
+}
+
+} // namespace Quon
