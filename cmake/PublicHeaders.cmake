@@ -56,6 +56,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/instances/SndPolyline.h
     harmonet/instances/Sound.h
     harmonet/instances/SoundObserver.h
+    harmonet/instances/SoundPreload.h
     harmonet/instances/SoundReason.h
     harmonet/kernel/HarmonetStringList.inl
     harmonet/kernel/HarmonetStrings.h

@@ -9,6 +9,7 @@
 #include "harmonet/engine/OS.h"
 #include "harmonet/engine/PluginRegistry.h"
 #include "harmonet/engine/TaskList.h"
+#include "harmonet/instances/SoundPreload.h"
 #include "harmonet/kernel/QuonGetPlugins.h"
 #include "harmonet/kernel/SoundSystem.h"
 #include "tools/trace/Timeline.h"
@@ -41,6 +42,14 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
     if (!database.AddFolder("market", (folder / "sounds").string().c_str()) || !system.Init(&os, false)) {
         return false;
     }
+
+    // As behind a loading screen: from here on no start reads a file.
+    Quon::SoundPreload preload;
+    if (!preload.AddFolder("", &database)) {
+        throw std::runtime_error("a sound of the scene cannot be loaded");
+    }
+    std::printf("%zu sound files in memory, %llu bytes\n\n", preload.GetFileCount(),
+        static_cast<unsigned long long>(preload.GetBytes()));
 
     Trace::Timeline timeline;
     Quon::SoundSystem::SetTrace(&timeline);

@@ -142,4 +142,22 @@ Quon::Result ZipSource::GetStamp(std::string_view name, Quon::FileStamp& stamp)
     return Quon::File::Opened;
 }
 
+Quon::Result ZipSource::List(std::string_view folder, Quon::EngineVector<Quon::EngineString>& names)
+{
+    const std::lock_guard lock(archive->mutex);
+    const std::size_t before = names.size();
+    const zip_int64_t count = zip_get_num_entries(archive->zip, 0);
+    for (zip_int64_t index = 0; index < count; ++index) {
+        const char* const text = zip_get_name(archive->zip, static_cast<zip_uint64_t>(index), 0);
+        const std::string_view name = text != nullptr ? text : "";
+        const bool isInFolder =
+            folder.empty() || (name.starts_with(folder) && name.substr(folder.size()).starts_with('/'));
+        // The archive's entries for folders end with a slash.
+        if (isInFolder && !name.empty() && !name.ends_with('/')) {
+            names.emplace_back(name);
+        }
+    }
+    return folder.empty() || names.size() > before ? Quon::File::Opened : Quon::File::NotFound;
+}
+
 } // namespace Zip

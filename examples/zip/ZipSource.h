@@ -39,6 +39,7 @@ public:
     Quon::Result Open(std::string_view name, std::unique_ptr<Quon::FileStream>& stream) override;
     /// From the archive's directory, without inflating anything.
     Quon::Result GetStamp(std::string_view name, Quon::FileStamp& stamp) override;
+    Quon::Result List(std::string_view folder, Quon::EngineVector<Quon::EngineString>& names) override;
 
 private:
     std::shared_ptr<Archive> archive;

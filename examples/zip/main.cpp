@@ -1,4 +1,5 @@
-// Plays a sound file or definition out of a zip archive: zip_sounds ARCHIVE.zip NAME [OUT.wav]
+// Plays a sound file or definition out of a zip archive, or lists all that are in it:
+// zip_sounds ARCHIVE.zip [NAME [OUT.wav]]
 
 #include "examples/zip/ZipSource.h"
 
@@ -6,6 +7,7 @@
 #include "harmonet/engine/ResourceDatabase.h"
 #include "harmonet/engine/TaskList.h"
 #include "harmonet/instances/Sound.h"
+#include "harmonet/instances/SoundPreload.h"
 #include "harmonet/kernel/QuonGetPlugins.h"
 #include "harmonet/kernel/SoundSystem.h"
 
@@ -24,6 +26,16 @@ void PrintMessage(Quon::MessageLevel level, const char* text, void*)
     }
 }
 
+bool PrintNames(const Quon::ResourceDatabase& sounds)
+{
+    Quon::EngineVector<Quon::PString> names;
+    const bool isListed = sounds.List("", names);
+    for (const Quon::PString& name : names) {
+        std::puts(name.GetText());
+    }
+    return isListed;
+}
+
 /// Until it has ended: aloud in real time, and as fast as it goes where it is rendered.
 void PlayToTheEnd(Quon::Sound& group, int id, bool isRendered)
 {
@@ -40,8 +52,8 @@ void PlayToTheEnd(Quon::Sound& group, int id, bool isRendered)
 
 int main(int argumentCount, char** arguments)
 {
-    if (argumentCount != 3 && argumentCount != 4) {
-        std::fprintf(stderr, "usage: zip_sounds ARCHIVE.zip NAME [OUT.wav]\n");
+    if (argumentCount < 2 || argumentCount > 4) {
+        std::fprintf(stderr, "usage: zip_sounds ARCHIVE.zip [NAME [OUT.wav]]\n");
         return EXIT_FAILURE;
     }
     const bool isRendered = argumentCount == 4;
@@ -55,8 +67,16 @@ int main(int argumentCount, char** arguments)
     // in it.
     const auto archive = Zip::ZipSource::Open(arguments[1]);
     Quon::ResourceDatabase sounds;
+    if (!archive || !sounds.AddFolder("sounds", archive)) {
+        return EXIT_FAILURE;
+    }
+    if (argumentCount == 2) {
+        return PrintNames(sounds) ? EXIT_SUCCESS : EXIT_FAILURE;
+    }
     Quon::SoundSystem system;
-    if (!archive || !sounds.AddFolder("sounds", archive) || !system.Init(&os, false)) {
+    // In memory before it starts, so that nothing is inflated while it plays.
+    Quon::SoundPreload preload;
+    if (!system.Init(&os, false) || !preload.Add(arguments[2], &sounds)) {
         return EXIT_FAILURE;
     }
     Quon::Sound group;

@@ -2,10 +2,12 @@
 
 #include "harmonet/engine/Exception.h"
 #include "harmonet/engine/FileRoots.h"
+#include "harmonet/engine/FolderList.h"
 #include "harmonet/engine/NativeFile.h"
 #include "harmonet/engine/NativePath.h"
 #include "harmonet/engine/SourceFile.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -59,6 +61,22 @@ Result File::GetStamp(const PString& owner, const char* name, FileStamp& stamp)
     }
     return place.source != nullptr ? SourceFile::GetStamp(*place.source, place.path, stamp)
                                    : NativeFile::GetStamp(place.path, stamp);
+}
+
+Result File::List(const PString& owner, const char* folder, EngineVector<EngineString>& names)
+{
+    FileRoots::Place place;
+    EngineString name;
+    const Result resolved = FileRoots::Get().ResolveFolder(owner, folder, place, name);
+    if (!resolved.IsOk()) {
+        return resolved;
+    }
+    const auto begin = static_cast<std::ptrdiff_t>(names.size());
+    const Result listed = place.source != nullptr
+        ? place.source->List(name, names)
+        : FolderList::Add(place.path, name.empty() ? name : name + '/', names);
+    std::sort(names.begin() + begin, names.end());
+    return listed;
 }
 
 Result File::Open(const PString& owner, const char* name, unsigned long mode)
@@ -136,6 +154,8 @@ const char* File::DescribeCode(int openCode)
         return "is empty";
     case TooLarge:
         return "has 2 GiB or more";
+    case NotListed:
+        return "cannot be listed: its source does not tell what it holds";
     default:
         return "cannot be opened";
     }

@@ -43,7 +43,7 @@ struct FileStamp
 class HARMONET_ENGINE_API File : public Allocated
 {
 public:
-    /// The codes of Open() and GetStamp().
+    /// The codes of Open(), GetStamp() and List().
     enum OpenCode
     {
         Opened = 0,
@@ -68,6 +68,8 @@ public:
         BadMode = 9,
         /// The system refused for a reason of its own: too many open files, a disk that fails.
         SystemError = 10,
+        /// The root's source does not tell what it holds. Given by List() alone.
+        NotListed = 11,
     };
 
     static constexpr unsigned long modeRead = 16;
@@ -98,6 +100,11 @@ public:
 
     /// Tells the state of a file without opening it, by the same rules and codes as Open().
     static Result GetStamp(const PString& owner, const char* name, FileStamp& stamp);
+
+    /// Adds the names of all files in a folder of the owner's root and in those below it, each as Open()
+    /// takes it, sorted by bytes. "" is the whole root; the rules for the folder's name are those of Open().
+    /// Links to folders are not followed. With any code but 0, \p names may hold a part.
+    static Result List(const PString& owner, const char* folder, EngineVector<EngineString>& names);
 
     /// Opens the file for reading at its start, and closes first what the object has open. The result has one
     /// of the codes above; with any but 0 the object is closed.

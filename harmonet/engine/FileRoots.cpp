@@ -105,4 +105,25 @@ Result FileRoots::Resolve(const PString& owner, const char* name, Place& place) 
     return place.path.empty() ? File::NotAFile : File::Opened;
 }
 
+Result FileRoots::ResolveFolder(
+    const PString& owner, const char* folder, Place& place, EngineString& plainName) const
+{
+    plainName.clear();
+    if (folder != nullptr && *folder != '\0') {
+        const Result checked = NativePath::CheckName(folder);
+        if (!checked.IsOk()) {
+            return checked;
+        }
+        plainName = PlainName(folder);
+    }
+    Root root;
+    if (!Find(owner, root)) {
+        return File::NoRoot;
+    }
+    place.path = root.source != nullptr ? plainName : root.folder;
+    place.source = std::move(root.source);
+    const bool isBelow = place.source == nullptr && !plainName.empty();
+    return isBelow ? NativePath::Resolve(root.folder, plainName, place.path) : Result(File::Opened);
+}
+
 } // namespace Quon

@@ -36,6 +36,11 @@ public:
     /// is set with 0 only.
     Result Resolve(const PString& owner, const char* name, Place& place) const;
 
+    /// The same for a folder; null, "" and "." are the root itself. `plainName` is its name from the root on,
+    /// with `/` between its parts, and empty for the root.
+    Result ResolveFolder(
+        const PString& owner, const char* folder, Place& place, EngineString& plainName) const;
+
 private:
     struct Root
     {

@@ -7,6 +7,11 @@ FileStream::~FileStream() = default;
 
 FileSource::~FileSource() = default;
 
+Result FileSource::List(std::string_view, EngineVector<EngineString>&)
+{
+    return File::NotListed;
+}
+
 Result FileSource::GetStamp(std::string_view name, FileStamp& stamp)
 {
     std::unique_ptr<FileStream> stream;

@@ -65,6 +65,12 @@ public:
     /// resources this way and loads those whose stamp has changed again. This one opens the file, asks for
     /// its size, and leaves the other fields 0.
     virtual Result GetStamp(std::string_view name, FileStamp& stamp);
+
+    /// Adds the names of all files whose names begin with \p folder and a `/`, or of all files if it is
+    /// empty, in any order. The names are written as Open() gets them, from the root on. For a folder that
+    /// the source does not have it answers File::NotFound. This one answers File::NotListed: what is in the
+    /// source can then be opened by name, and not be asked for as a folder.
+    virtual Result List(std::string_view folder, EngineVector<EngineString>& names);
 };
 
 } // namespace Quon

@@ -1,5 +1,6 @@
 #include "harmonet/engine/ResourceDatabase.h"
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/engine/PluginRegistry.h"
 #include "harmonet/engine/Resource.h"
 #include "harmonet/engine/ResourceTypeBase.h"
@@ -78,6 +79,32 @@ const Resource* ResourceDatabase::Lookup(const PString& name, int) const
     place->second = resource;
     resource->AddReference();
     return resource;
+}
+
+bool ResourceDatabase::List(const char* folder, EngineVector<PString>& names) const
+{
+    EngineVector<EngineString> files;
+    int code = owners.empty() ? File::NoRoot : File::NotFound;
+    bool isListed = false;
+    for (const PString& owner : owners) {
+        const Result listed = File::List(owner, folder, files);
+        isListed = isListed || listed.IsOk();
+        // What one of them does not have another may; any other reason is told.
+        code = listed.IsOk() || listed.GetCode() == File::NotFound ? code : listed.GetCode();
+    }
+    std::sort(files.begin(), files.end());
+    files.erase(std::unique(files.begin(), files.end()), files.end());
+    for (const EngineString& file : files) {
+        PString name{std::string_view(file)};
+        if (FindType(name) != nullptr) {
+            names.push_back(std::move(name));
+        }
+    }
+    const bool isWhole = isListed && code == File::NotFound;
+    if (!isWhole) {
+        Report(MessageLevel::Error, "folder '", folder, "' of the resources ", File::DescribeCode(code));
+    }
+    return isWhole;
 }
 
 void ResourceDatabase::ReloadChanged()

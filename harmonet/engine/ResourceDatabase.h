@@ -45,6 +45,13 @@ public:
     /// The same with a source of the host's own instead of a folder (FileSource.h). False only for null.
     bool AddFolder(const PString& owner, std::shared_ptr<FileSource> source);
 
+    /// Adds the names of all resources whose files lie in that folder, or below it, of any folder that was
+    /// added here; "" for all there are. Each stands there once, and Lookup() finds it; none is made. False,
+    /// with a message, if none has that folder, or one cannot be listed: a source of the host's own need not
+    /// tell what it holds (FileSource::List()). The names from the others are there all the same. Blocks on
+    /// the disk.
+    bool List(const char* folder, EngineVector<PString>& names) const;
+
     /// Looks at the files of all resources. One that has changed is loaded again at the next Lock(), or after
     /// the last Unlock() if it is locked now. A resource whose file is gone keeps its content while it is
     /// held. Blocks on the disk.

@@ -227,6 +227,27 @@ unsigned char* SndFile::Load()
     return data;
 }
 
+unsigned char* SndFile::CopyData(unsigned long& bytes) const
+{
+    if (handle == nullptr) {
+        return nullptr;
+    }
+    const unsigned long fileBytes = handle->GetFile().Size();
+    bytes = std::min(size, fileBytes - std::min(dataOffset, fileBytes));
+    if (bytes > static_cast<unsigned long>(std::numeric_limits<int>::max())) {
+        return nullptr;
+    }
+    // One byte for none, since null is a failure.
+    auto* const block =
+        static_cast<unsigned char*>(Alloc::New(static_cast<unsigned int>(std::max(bytes, 1UL))));
+    const int count = static_cast<int>(bytes);
+    if (handle->ReadAt(block, count, dataOffset) != count) {
+        Alloc::Delete(block);
+        return nullptr;
+    }
+    return block;
+}
+
 void SndFile::StepBack(int samples)
 {
     if (samples <= 0) {

@@ -79,6 +79,10 @@ public:
     /// Reads all of the sound data into memory and gives the file back; returns the data. Null, and the
     /// reader goes on reading from the file, when the file does not hold as many bytes as it states.
     virtual unsigned char* Load();
+    /// A copy of all the sound data that the file holds, also where it states more, in a block from Alloc
+    /// that the caller owns; `bytes` is how many there are. Null if they cannot be read or are too large for
+    /// one block. For a reader on an open file, whose place it leaves alone.
+    unsigned char* CopyData(unsigned long& bytes) const;
 
 protected:
     /// Copies up to `bytes` bytes of sound data, `position` counting from their first byte, and returns how

@@ -30,7 +30,9 @@ struct SndNode : Allocated
     unsigned long size = 0; ///< Bytes of `data`: what the node costs the budget.
     int priority = 0; ///< The highest priority of any sound that has used the node.
     int useCount = 0; ///< Readers that are open on the node.
-    bool cached = false; ///< The node stands on the cache's list.
+    int holdCount = 0; ///< Holds on the node, which keep it off the list and out of the budget.
+    bool cached = false; ///< The cache has the node, on its list or held.
+    SndNode* nextInBucket = nullptr; ///< In the cache's index.
 };
 
 } // namespace Quon

@@ -1,16 +1,21 @@
 #include "harmonet/files/SndNodeCache.h"
 
 #include "harmonet/engine/File.h"
+#include "harmonet/engine/Messages.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <functional>
 #include <limits>
-#include <memory>
+#include <utility>
 
 namespace Quon
 {
 
 SndNodeCache::SndNodeCache()
 {
+    static std::uint32_t lastSerial = 0;
+    serial = ++lastSerial;
     sentinel.next = &sentinel;
     sentinel.prev = &sentinel;
 }
@@ -35,8 +40,11 @@ SndFile* SndNodeCache::OpenSound(const PString& substName, const PString& fileNa
         if (file == nullptr) {
             return nullptr;
         }
-        Unlink(node);
         node->priority = std::max(node->priority, priority);
+        if (node->holdCount == 0) {
+            Unlink(node);
+            Insert(node);
+        }
     }
     else {
         file = OpenMiss(substName, fileName, node);
@@ -44,10 +52,24 @@ SndFile* SndNodeCache::OpenSound(const PString& substName, const PString& fileNa
             return file;
         }
         node->priority = priority;
+        Enter(node);
+        Insert(node);
     }
     ++node->useCount;
-    Insert(node);
     return file;
+}
+
+std::unique_ptr<SndNode> SndNodeCache::MakeNode(
+    SndFile& file, const PString& substName, const PString& fileName)
+{
+    auto node = std::make_unique<SndNode>();
+    node->format = file;
+    node->fileType = file.FileType();
+    node->fileName = fileName;
+    node->foldedName = File::FoldName(fileName);
+    node->substName = substName;
+    node->nodeInfo = file.CreateNodeInfo();
+    return node;
 }
 
 SndFile* SndNodeCache::OpenMiss(const PString& substName, const PString& fileName, SndNode*& node)
@@ -64,13 +86,7 @@ SndFile* SndNodeCache::OpenMiss(const PString& substName, const PString& fileNam
         return file.release();
     }
     // The data come last: what can fail for want of memory leaves the reader on its file.
-    auto made = std::make_unique<SndNode>();
-    made->format = *file;
-    made->fileType = file->FileType();
-    made->fileName = fileName;
-    made->foldedName = File::FoldName(fileName);
-    made->substName = substName;
-    made->nodeInfo = file->CreateNodeInfo();
+    auto made = MakeNode(*file, substName, fileName);
     made->size = size;
     made->data = file->Load();
     if (made->data == nullptr) {
@@ -80,6 +96,57 @@ SndFile* SndNodeCache::OpenMiss(const PString& substName, const PString& fileNam
     file->SetCached(node);
     freeBytes -= size;
     return file.release();
+}
+
+SndNode* SndNodeCache::Hold(const PString& substName, const PString& fileName)
+{
+    SndNode* node = Find(substName, fileName);
+    if (node == nullptr) {
+        const std::unique_ptr<SndFile> file(SndFile::OpenFile(substName, fileName));
+        if (file == nullptr) {
+            return nullptr;
+        }
+        auto made = MakeNode(*file, substName, fileName);
+        made->data = file->CopyData(made->size);
+        if (made->data == nullptr) {
+            Report(
+                MessageLevel::Error, "sound file '", fileName, "' of owner '", substName, "' cannot be read");
+            return nullptr;
+        }
+        node = made.release();
+        Enter(node);
+    }
+    else if (node->holdCount == 0) {
+        Unlink(node);
+        freeBytes += node->size;
+    }
+    ++node->holdCount;
+    return node;
+}
+
+void SndNodeCache::Release(SndNode* node)
+{
+    if (--node->holdCount > 0) {
+        return;
+    }
+    // By the rule for what is new, but nothing else is dropped for it.
+    if (node->size < freeBytes) {
+        freeBytes -= node->size;
+        Insert(node);
+    }
+    else {
+        Drop(node);
+    }
+}
+
+SndFile* SndNodeCache::OpenHeld(const PString& substName, const PString& fileName)
+{
+    SndNode* const node = Find(substName, fileName);
+    SndFile* const file = node != nullptr && node->holdCount > 0 ? SndFile::OpenFile(node) : nullptr;
+    if (file != nullptr) {
+        ++node->useCount;
+    }
+    return file;
 }
 
 int SndNodeCache::Evict(int bytes)
@@ -97,7 +164,7 @@ unsigned long SndNodeCache::EvictBytes(unsigned long bytes)
         if (node->useCount < 1) {
             freed += node->size;
             Unlink(node);
-            delete node;
+            Drop(node);
         }
         node = following;
     }
@@ -107,14 +174,14 @@ unsigned long SndNodeCache::EvictBytes(unsigned long bytes)
 
 void SndNodeCache::Flush()
 {
-    SndNode* node = sentinel.next;
-    while (node != &sentinel) {
-        SndNode* const following = node->next;
-        Unlink(node);
-        if (node->useCount < 1) {
-            delete node;
+    for (SndNode* const& bucket : buckets) {
+        while (bucket != nullptr) {
+            if (bucket->holdCount == 0) {
+                Unlink(bucket);
+            }
+            bucket->holdCount = 0;
+            Drop(bucket);
         }
-        node = following;
     }
     freeBytes = limit;
 }
@@ -125,15 +192,50 @@ void SndNodeCache::Clear()
     SetLimit(0);
 }
 
+SndNode*& SndNodeCache::BucketOf(const PString& substName, const PString& foldedName)
+{
+    constexpr std::size_t spread = 31;
+    const std::hash<PString> hash;
+    // The identities are addresses, whose lowest bits are all alike.
+    const std::size_t mixed = (hash(foldedName) * spread + hash(substName)) / alignof(std::max_align_t);
+    return buckets[(mixed ^ mixed / bucketCount) % bucketCount];
+}
+
 SndNode* SndNodeCache::Find(const PString& substName, const PString& fileName)
 {
     const PString foldedName = File::FoldName(fileName);
-    for (SndNode* node = sentinel.next; node != &sentinel; node = node->next) {
-        if (node->foldedName == foldedName && node->substName == substName) {
-            return node;
-        }
+    SndNode* node = BucketOf(substName, foldedName);
+    while (node != nullptr && !(node->foldedName == foldedName && node->substName == substName)) {
+        node = node->nextInBucket;
     }
-    return nullptr;
+    return node;
+}
+
+void SndNodeCache::Enter(SndNode* node)
+{
+    SndNode*& bucket = BucketOf(node->substName, node->foldedName);
+    node->nextInBucket = bucket;
+    bucket = node;
+    node->cached = true;
+}
+
+void SndNodeCache::Leave(SndNode* node)
+{
+    SndNode** link = &BucketOf(node->substName, node->foldedName);
+    while (*link != node) {
+        link = &(*link)->nextInBucket;
+    }
+    *link = std::exchange(node->nextInBucket, nullptr);
+    node->cached = false;
+}
+
+// What is in use goes when its last reader closes.
+void SndNodeCache::Drop(SndNode* node)
+{
+    Leave(node);
+    if (node->useCount < 1) {
+        delete node;
+    }
 }
 
 void SndNodeCache::Insert(SndNode* node)
@@ -146,7 +248,6 @@ void SndNodeCache::Insert(SndNode* node)
     node->next = place->next;
     node->next->prev = node;
     place->next = node;
-    node->cached = true;
     ++count;
 }
 
@@ -156,7 +257,6 @@ void SndNodeCache::Unlink(SndNode* node)
     node->next->prev = node->prev;
     node->next = nullptr;
     node->prev = nullptr;
-    node->cached = false;
     --count;
 }
 

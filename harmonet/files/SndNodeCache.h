@@ -4,13 +4,18 @@
 #include "harmonet/engine/PString.h"
 #include "harmonet/files/SndNode.h"
 
+#include <array>
+#include <cstdint>
+#include <memory>
+
 namespace Quon
 {
 
 /// Keeps the coded bytes of recently played files in memory, up to a budget in bytes, so that playing a sound
 /// again touches no disk and parses no header. The kernel owns one. Task thread only.
 ///
-/// The list is in order of priority, and of last use among equals; its head is the first to be dropped.
+/// The list is in order of priority, and of last use among equals; its head is the first to be dropped. Data
+/// that are held stand on no list and cost the budget nothing. An index finds data by their names.
 class SndNodeCache : public Allocated
 {
 public:
@@ -25,26 +30,50 @@ public:
     /// A new reader of that file, which the caller owns: on the cached bytes if they are there or fit the
     /// budget, else on the file. Null if the file cannot be opened.
     SndFile* OpenSound(const PString& substName, const PString& fileName, int priority);
+    /// Loads a file, unless it is there already, and holds it until Release(): its data are not dropped, and
+    /// cost the budget nothing. Holds are counted. Null if it cannot be opened or read.
+    SndNode* Hold(const PString& substName, const PString& fileName);
+    /// Ends a hold. After the last the data are idle ones, or are dropped if they do not fit the budget.
+    void Release(SndNode* node);
+    /// A new reader of a file that is held, which the caller owns; null for any other file.
+    SndFile* OpenHeld(const PString& substName, const PString& fileName);
+
     /// Drops idle data, the least important first, until at least `bytes` are free or none is left; returns
     /// the bytes freed.
     int Evict(int bytes);
-    /// Drops everything. Data in use leave the list at once and live until their last reader closes.
+    /// Drops everything, held or not. Data in use leave the cache at once and live until their last reader
+    /// closes.
     void Flush();
     /// Flush(), and no budget any more.
     void Clear();
 
+    /// Which cache this is, of all there have been in the process.
+    std::uint32_t GetSerial() const { return serial; }
+    /// The files on the list.
     int GetCount() const { return count; }
     unsigned long GetFreeBytes() const { return freeBytes; }
     unsigned long GetLimit() const { return limit; }
 
 private:
+    static constexpr std::size_t bucketCount = 1024;
+
+    SndNode*& BucketOf(const PString& substName, const PString& foldedName);
     SndNode* Find(const PString& substName, const PString& fileName);
+    /// These put data into the index and take them out.
+    void Enter(SndNode* node);
+    void Leave(SndNode* node);
+    /// Takes data out of the cache, for good.
+    void Drop(SndNode* node);
     void Insert(SndNode* node);
     void Unlink(SndNode* node);
+    static std::unique_ptr<SndNode> MakeNode(
+        SndFile& file, const PString& substName, const PString& fileName);
     SndFile* OpenMiss(const PString& substName, const PString& fileName, SndNode*& node);
     unsigned long EvictBytes(unsigned long bytes);
 
     SndNode sentinel; ///< Head of the circular list: links to itself when the cache is empty.
+    std::array<SndNode*, bucketCount> buckets{}; ///< The index: chains by names.
+    std::uint32_t serial;
     int count = 0;
     unsigned long limit = 0;
     unsigned long freeBytes = 0;

@@ -36,7 +36,8 @@ constexpr const char* noChannel =
 SndFile* SndKernel::OpenFileOf(SndBase& sound)
 {
     if (sound.IsMusic()) {
-        return SndFile::OpenFile(sound.substName, sound.fileName);
+        SndFile* const held = dataCache->OpenHeld(sound.substName, sound.fileName);
+        return held ? held : SndFile::OpenFile(sound.substName, sound.fileName);
     }
     return dataCache->OpenSound(sound.substName, sound.fileName, sound.GetPriority());
 }
@@ -329,7 +330,10 @@ unsigned long SndKernel::GetLength(const PString& substName, const PString& file
     if (const auto length = FindLikeLength(names.Find(fileName, substName), nullptr)) {
         return *length;
     }
-    SndFile* file = SndFile::OpenFile(substName, fileName);
+    SndFile* file = dataCache->OpenHeld(substName, fileName);
+    if (!file) {
+        file = SndFile::OpenFile(substName, fileName);
+    }
     if (!file) {
         return 0;
     }

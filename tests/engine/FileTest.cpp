@@ -59,6 +59,40 @@ TEST_F(Files, NamesStayBelowTheirRoot)
     EXPECT_EQ(file.Open(owner, "inside.txt", 17).GetCode(), File::BadMode);
 }
 
+TEST_F(Files, AreListedBelowAFolderWithTheNamesByWhichTheyOpen)
+{
+    folder.Write("root/sub/a/b.txt", "b");
+    using Names = EngineVector<EngineString>;
+    struct Row
+    {
+        const char* folder;
+        int code;
+        Names names;
+    };
+    const Row rows[] = {
+        {"", File::Opened, {"inside.txt", "sub/a/b.txt", "sub/deep.txt"}},
+        {".", File::Opened, {"inside.txt", "sub/a/b.txt", "sub/deep.txt"}},
+        {nullptr, File::Opened, {"inside.txt", "sub/a/b.txt", "sub/deep.txt"}},
+        {"sub", File::Opened, {"sub/a/b.txt", "sub/deep.txt"}},
+        {"sub\\a/", File::Opened, {"sub/a/b.txt"}},
+        {"missing", File::NotFound, {}},
+        {"inside.txt", File::NotAFile, {}},
+        {"..", File::OutsideRoot, {}},
+        {"sub/../..", File::OutsideRoot, {}},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.folder != nullptr ? row.folder : "null");
+        Names names;
+        EXPECT_EQ(File::List(owner, row.folder, names).GetCode(), row.code);
+        EXPECT_EQ(names, row.names);
+        for (const EngineString& name : names) {
+            EXPECT_EQ(Open(name.c_str()), File::Opened) << name;
+        }
+    }
+    Names names;
+    EXPECT_EQ(File::List("nobody", "", names).GetCode(), File::NoRoot);
+}
+
 TEST_F(Files, TellWhyTheyDoNotOpen)
 {
     folder.Write("root/empty.wav", "");

@@ -45,6 +45,10 @@ class ZipExample(unittest.TestCase):
                 self.assertEqual(self.play(deflated, name)[1], sounds[name])
         self.assertNotEqual(sounds["quiet.sound"], sounds["mpeg.mp3"])
 
+    def test_the_sounds_of_an_archive_are_listed(self):
+        listed = subprocess.run([PROGRAM, self.pack(zipfile.ZIP_STORED)], capture_output=True, text=True, timeout=60)
+        self.assertEqual(listed.stdout.split(), ["adpcm.wav", "broken.wav", "mpeg.mp3", "quiet.sound", "sub/pcm.wav"])
+
     def test_what_does_not_play_is_named_with_its_reason(self):
         archive = self.pack(zipfile.ZIP_DEFLATED)
         for name, reason in (("broken.wav", "is neither a RIFF/WAVE file nor MPEG"), ("lost.wav", "is not there")):

@@ -62,6 +62,38 @@ TEST_F(FromSource, EveryKindOfSoundIsReadAsFromAFolderStreamedAndCached)
     }
 }
 
+// A file that is cut off holds less than it states, and plays as far from memory as from itself.
+TEST_F(FromSource, WhatIsHeldReadsAsTheFileDoesAndNeedsItNoMore)
+{
+    const std::string streams = ADPCM_STREAMS;
+    const Bytes whole[] = {PcmWave(2, 8000, 16, Counting(4000)), ReadBytes(streams + "/sox-stereo.wav"),
+        ReadBytes(streams + "/../mpeg/streams/joint-22050.mp3"),
+        ReadBytes(streams + "/../mpeg/streams/wrapped-44100.wav"),
+        Wave(Chunk("fmt ", PcmFormat(1, 8000, 16)) + Chunk("data", {}))};
+    SndNodeCache cache;
+    for (const Bytes& bytes : whole) {
+        for (const std::size_t cut : {std::size_t{0}, std::size_t{1}, bytes.size() / 3}) {
+            SCOPED_TRACE(std::to_string(bytes.size()) + " bytes less " + std::to_string(cut));
+            source->files["sound"] = {bytes.begin(), bytes.end() - static_cast<std::ptrdiff_t>(cut)};
+            const std::unique_ptr<SndFile> streamed(SndFile::OpenFile(sourceOwner, "sound"));
+            SndNode* const node = cache.Hold(sourceOwner, "sound");
+            ASSERT_EQ(node == nullptr, streamed == nullptr);
+            if (node == nullptr) {
+                continue;
+            }
+            const Bytes expected = ReadAll(*streamed);
+            EXPECT_EQ(openFiles.GetCount(), 1);
+            source->files.clear();
+            const std::unique_ptr<SndFile> held(cache.OpenHeld(sourceOwner, "sound"));
+            const std::unique_ptr<SndFile> other(cache.OpenSound(sourceOwner, "sound", 3));
+            EXPECT_EQ(held->GetSoundLength(), streamed->GetSoundLength());
+            EXPECT_EQ(ReadAll(*held), expected);
+            cache.Release(node);
+            EXPECT_EQ(ReadAll(*other, 37), expected);
+        }
+    }
+}
+
 TEST_F(FromSource, TheReasonIsToldWhyAFileDoesNotPlay)
 {
     const Bytes pcm = PcmWave(1, 8000, 16, Counting(8));

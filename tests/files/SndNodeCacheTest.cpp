@@ -78,13 +78,14 @@ struct PlainCache
         int priority;
         int lastUse;
         int users;
+        int holds;
     };
 
     unsigned long FreeBytes() const
     {
         unsigned long used = 0;
         for (const Kept& entry : kept) {
-            used += entry.size;
+            used += entry.holds == 0 ? entry.size : 0;
         }
         return limit - used;
     }
@@ -94,7 +95,7 @@ struct PlainCache
         ++clock;
         for (Kept& entry : kept) {
             if (entry.name == name) {
-                entry = {name, size, std::max(entry.priority, priority), clock, entry.users + 1};
+                entry = {name, size, std::max(entry.priority, priority), clock, entry.users + 1, entry.holds};
                 return true;
             }
         }
@@ -104,17 +105,47 @@ struct PlainCache
         if (size >= FreeBytes()) {
             return false;
         }
-        kept.push_back({name, size, priority, clock, 1});
+        kept.push_back({name, size, priority, clock, 1, 0});
         return true;
+    }
+
+    std::vector<Kept>::iterator Find(int name)
+    {
+        return std::ranges::find(kept, name, [](const Kept& entry) { return entry.name; });
+    }
+
+    void Hold(int name, unsigned long size)
+    {
+        const auto found = Find(name);
+        if (found != kept.end()) {
+            ++found->holds;
+        }
+        else {
+            kept.push_back({name, size, 0, 0, 0, 1});
+        }
+    }
+
+    /// False if it goes at once.
+    bool Release(int name)
+    {
+        const auto found = Find(name);
+        if (found->holds > 1 || found->size < FreeBytes()) {
+            --found->holds;
+            found->lastUse = ++clock;
+            return true;
+        }
+        kept.erase(found);
+        return false;
     }
 
     unsigned long Evict(unsigned long bytes)
     {
         unsigned long freed = 0;
         while (freed < bytes) {
-            const auto worst = std::ranges::min_element(kept, {},
-                [](const Kept& entry) { return std::tuple(entry.users > 0, entry.priority, entry.lastUse); });
-            if (worst == kept.end() || worst->users > 0) {
+            const auto worst = std::ranges::min_element(kept, {}, [](const Kept& entry) {
+                return std::tuple(entry.users > 0 || entry.holds > 0, entry.priority, entry.lastUse);
+            });
+            if (worst == kept.end() || worst->users > 0 || worst->holds > 0) {
                 break;
             }
             freed += worst->size;
@@ -159,6 +190,7 @@ TEST_F(NodeCache, AgreesWithAPlainCacheOverManyRandomSteps)
         cache.SetLimit(limit);
         PlainCache plain;
         std::vector<Playing> playing;
+        std::vector<std::pair<int, SndNode*>> held;
         for (int step = 0; step < 400; ++step) {
             SCOPED_TRACE("step " + std::to_string(step));
             const int action = draw(100);
@@ -179,7 +211,24 @@ TEST_F(NodeCache, AgreesWithAPlainCacheOverManyRandomSteps)
                 }
                 playing.erase(ending);
             }
-            else if (action < 97) {
+            else if (action < 94) {
+                const int name = draw(soundCount);
+                plain.Hold(name, contentOf(name).size());
+                held.emplace_back(name, cache.Hold(owner, PString(std::to_string(name).c_str())));
+                ASSERT_NE(held.back().second, nullptr);
+            }
+            else if (action < 97 && !held.empty()) {
+                const auto ending = held.begin() + draw(held.size());
+                const int name = ending->first;
+                cache.Release(ending->second);
+                held.erase(ending);
+                if (!plain.Release(name)) {
+                    for (Playing& sound : playing) {
+                        sound.isCounted = sound.isCounted && sound.name != name;
+                    }
+                }
+            }
+            else if (action < 99) {
                 const int bytes = draw(60);
                 ASSERT_EQ(static_cast<unsigned long>(cache.Evict(bytes)),
                     plain.Evict(static_cast<unsigned long>(bytes)));
@@ -187,11 +236,17 @@ TEST_F(NodeCache, AgreesWithAPlainCacheOverManyRandomSteps)
             else {
                 cache.Flush();
                 plain.kept.clear();
+                held.clear();
                 for (Playing& sound : playing) {
                     sound.isCounted = false;
                 }
             }
-            ASSERT_EQ(static_cast<std::size_t>(cache.GetCount()), plain.kept.size());
+            ASSERT_EQ(cache.GetCount(),
+                std::ranges::count(plain.kept, 0, [](const PlainCache::Kept& entry) { return entry.holds; }));
+            for (const PlainCache::Kept& entry : plain.kept) {
+                const PString name(std::to_string(entry.name).c_str());
+                ASSERT_EQ(std::unique_ptr<SndFile>(cache.OpenHeld(owner, name)) != nullptr, entry.holds > 0);
+            }
             ASSERT_EQ(cache.GetFreeBytes(), plain.FreeBytes());
         }
     }

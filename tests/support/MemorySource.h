@@ -27,7 +27,23 @@ public:
         return File::Opened;
     }
 
+    Result List(std::string_view folder, EngineVector<EngineString>& names) override
+    {
+        if (!isListed) {
+            return FileSource::List(folder, names);
+        }
+        const std::string beginning = folder.empty() ? "" : std::string(folder) + '/';
+        const std::size_t before = names.size();
+        for (const auto& [name, bytes] : files) {
+            if (name.starts_with(beginning)) {
+                names.emplace_back(name.c_str());
+            }
+        }
+        return names.size() > before || folder.empty() ? File::Opened : File::NotFound;
+    }
+
     std::map<std::string, Bytes, std::less<>> files;
+    bool isListed = true;
     std::vector<std::string> opened; ///< The names as they came.
     std::int64_t statedSize = 0; ///< In place of the real one, unless 0.
     std::size_t mostPerRead = static_cast<std::size_t>(-1);

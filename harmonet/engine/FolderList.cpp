@@ -1,0 +1,50 @@
+#include "harmonet/engine/FolderList.h"
+
+#include <filesystem>
+#include <string>
+
+namespace Quon::FolderList
+{
+
+namespace
+{
+
+namespace fs = std::filesystem;
+
+fs::path ToPath(const EngineString& text)
+{
+    return {std::u8string(text.begin(), text.end())};
+}
+
+Result ToCode(const std::error_code& error)
+{
+    if (error == std::errc::no_such_file_or_directory) {
+        return File::NotFound;
+    }
+    if (error == std::errc::not_a_directory) {
+        return File::NotAFile;
+    }
+    return error == std::errc::permission_denied ? File::NotReadable : File::SystemError;
+}
+
+} // namespace
+
+Result Add(const EngineString& folder, const EngineString& prefix, EngineVector<EngineString>& names)
+{
+    const fs::path root = ToPath(folder);
+    std::error_code error;
+    fs::recursive_directory_iterator entry(root, fs::directory_options::skip_permission_denied, error);
+    if (error) {
+        return ToCode(error);
+    }
+    for (const fs::recursive_directory_iterator end; entry != end; entry.increment(error)) {
+        std::error_code ignored;
+        if (entry->is_regular_file(ignored)) {
+            const std::u8string name = entry->path().lexically_relative(root).generic_u8string();
+            names.push_back(prefix + EngineString(name.begin(), name.end()));
+        }
+    }
+    return error ? ToCode(error) : Result(File::Opened);
+}
+
+} // namespace Quon::FolderList
