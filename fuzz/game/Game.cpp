@@ -47,6 +47,7 @@ const Game::Operation Game::operations[] = {
     {8, &Game::MoveMicrophone},
     {2, &Game::SetRoom},
     {4, &Game::PlayMusic},
+    {3, &Game::LoadAhead},
     {5, &Game::FadeMusic},
     {3, &Game::SetGains},
     {2, &Game::SetLimits},

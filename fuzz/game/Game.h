@@ -5,6 +5,7 @@
 #include "harmonet/instances/Microphone.h"
 #include "harmonet/instances/Music.h"
 #include "harmonet/instances/Sound.h"
+#include "harmonet/instances/SoundPreload.h"
 #include "harmonet/kernel/SoundSystem.h"
 
 #include <array>
@@ -91,6 +92,7 @@ private:
     void MoveMicrophone();
     void SetRoom();
     void PlayMusic();
+    void LoadAhead();
     void FadeMusic();
     void SetGains();
     void SetLimits();
@@ -133,6 +135,7 @@ private:
     std::array<Sound*, numGroups> groups{};
     std::vector<std::unique_ptr<Witness>> witnesses;
     std::array<Music, 2> music;
+    std::array<SoundPreload, 2> preloads;
 
     std::array<int, numKeptIDs> keptIDs{};
     std::size_t keptCount = 0;

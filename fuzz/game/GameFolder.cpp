@@ -43,6 +43,12 @@ constexpr Definition definitions[] = {
         "*SOUND_DEFINITION { *FILE adpcm.wav\n *FX_ECHO { *FEEDBACK 30 }\n"
         "*FX_ENVREVERB { *ROOM -100 } }"},
     {"rate.sound.txt", "*SOUND_DEFINITION { *FILE bytes.wav\n *SET_FRQUENCY true\n *FREQUENCY 2000 }"},
+    {"steps.sound.txt",
+        "*SOUND_DEFINITION { *FILE a.wav\n *VARIANT b.wav\n *VARIANT tune.mp3\n *GAIN_RANGE -6 0\n"
+        "*FREQUENCY_RANGE 0.5 2\n *MAX_INSTANCES 2\n *STEALING quietest }"},
+    {"alarm.sound.txt",
+        "*SOUND_DEFINITION { *FILE b.wav\n *VARIANT nowhere.wav\n *VARIANT stereo.wav\n"
+        "*VARIANT_ORDER sequence\n *MAX_INSTANCES 1\n *MIN_INTERVAL 100 }"},
     {"lost.sound.txt", "*SOUND_DEFINITION { *FILE nowhere.wav }"},
     {"bad.sound.txt", "*SOUND_DEFINITION { *GAIN loud\n *FILE a.wav }"},
 };

@@ -106,6 +106,18 @@ void Game::SetRoom()
     }
 }
 
+void Game::LoadAhead()
+{
+    SoundPreload& preload = preloads[static_cast<std::size_t>(dice.Draw(2))];
+    if (dice.Chance(20)) {
+        return preload.Release();
+    }
+    const ResourceDatabase* database;
+    const PString& name = PickName(database);
+    digest.Add(std::int64_t{preload.Add(name, database)});
+    digest.Add(static_cast<std::int64_t>(preload.GetBytes()));
+}
+
 void Game::SetGains()
 {
     const float gain = PickNumber(1.0F);

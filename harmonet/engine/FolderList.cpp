@@ -11,6 +11,9 @@ namespace
 
 namespace fs = std::filesystem;
 
+// Where links to folders cannot be told from folders, one that leads back up ends here.
+constexpr int maxDepth = 32;
+
 fs::path ToPath(const EngineString& text)
 {
     return {std::u8string(text.begin(), text.end())};
@@ -37,11 +40,18 @@ Result Add(const EngineString& folder, const EngineString& prefix, EngineVector<
     if (error) {
         return ToCode(error);
     }
+    const std::size_t rootLength = root.generic_u8string().size();
     for (const fs::recursive_directory_iterator end; entry != end; entry.increment(error)) {
         std::error_code ignored;
+        if (entry.depth() >= maxDepth) {
+            entry.disable_recursion_pending();
+        }
         if (entry->is_regular_file(ignored)) {
-            const std::u8string name = entry->path().lexically_relative(root).generic_u8string();
-            names.push_back(prefix + EngineString(name.begin(), name.end()));
+            // By its text: a path with a prefix of the system's own is not taken apart on all platforms.
+            const std::u8string path = entry->path().generic_u8string();
+            const auto name =
+                path.begin() + static_cast<std::ptrdiff_t>(path.find_first_not_of(u8'/', rootLength));
+            names.push_back(prefix + EngineString(name, path.end()));
         }
     }
     return error ? ToCode(error) : Result(File::Opened);

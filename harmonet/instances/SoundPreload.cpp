@@ -1,6 +1,7 @@
 #include "harmonet/instances/SoundPreload.h"
 
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/engine/Exception.h"
 #include "harmonet/engine/File.h"
 #include "harmonet/engine/Messages.h"
 #include "harmonet/engine/ResourceDatabase.h"
@@ -31,6 +32,19 @@ bool IsSoundName(std::string_view name)
                 });
     };
     return endsWith(".wav") || endsWith(".mp3");
+}
+
+// A file whose length the system does not tell is one that cannot be loaded.
+SndNode* Hold(SndNodeCache& cache, const PString& owner, const PString& fileName)
+{
+    try {
+        return cache.Hold(owner, fileName);
+    }
+    catch (const FileEx&) {
+        Report(MessageLevel::Error, "sound file '", fileName, "' of owner '", owner,
+            "' does not tell its length");
+        return nullptr;
+    }
 }
 
 bool ListPlainFiles(const char* folder, EngineVector<PString>& names)
@@ -128,7 +142,7 @@ bool SoundPreload::AddFile(const PString& owner, const PString& fileName)
         nodes.reserve(2 * nodes.size() + 8);
     }
     SndNodeCache& cache = *theKernel->GetDataCache();
-    SndNode* const node = cache.Hold(owner, fileName);
+    SndNode* const node = Hold(cache, owner, fileName);
     if (node == nullptr) {
         return false;
     }

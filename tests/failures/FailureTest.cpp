@@ -1,6 +1,7 @@
 #include "tests/failures/FailureTest.h"
 
 #include "harmonet/engine/TaskList.h"
+#include "harmonet/instances/SoundPreload.h"
 
 namespace Quon
 {
@@ -38,6 +39,13 @@ bool Append(SmallGame& game)
     return isDone;
 }
 
+bool LoadAhead(SmallGame& game)
+{
+    SoundPreload preload;
+    return preload.Add("steps.sound.txt", &game.folder.GetDatabase()) && preload.Add("adpcm.wav", nullptr) &&
+        preload.GetFileCount() == 4;
+}
+
 bool AddEffects(SmallGame& game)
 {
     const FXEcho echo{};
@@ -64,6 +72,9 @@ const std::vector<FallibleAction> fallibleActions = {
     {"a definition with effects", true, nullptr,
         [](SmallGame& game) { return PlayResource(game, "hall.sound.txt", Sound::StartImmediately); }},
     {"a line", true, nullptr, [](SmallGame& game) { return PlayResource(game, "river.sound.txt", 0); }},
+    {"a definition that varies and has limits", true, nullptr,
+        [](SmallGame& game) { return PlayResource(game, "steps.sound.txt", 0); }},
+    {"a preload", true, nullptr, LoadAhead},
     {"a block of memory", true, nullptr, PlayBlock},
     {"a queue", true, nullptr, Append},
     {"effects", true, nullptr, AddEffects},

@@ -170,6 +170,10 @@ TEST_F(Preload, LoadsTheRestAndTellsWhatItCouldNot)
     EXPECT_EQ(log.Take(), "E folder 'nowhere' of the resources is not there\n");
     EXPECT_FALSE(level.AddFolder("../level", nullptr));
     EXPECT_EQ(log.Take(), "E folder '../level' lies outside its root\n");
+    source->statedSize = -1;
+    EXPECT_FALSE(level.Add("other.wav", nullptr));
+    EXPECT_EQ(log.Take(), "E sound file 'other.wav' of owner '' does not tell its length\n");
+    source->statedSize = 0;
     source->isListed = false;
     EXPECT_FALSE(level.AddFolder("level", &database));
     EXPECT_NE(log.Take().find("cannot be listed"), std::string::npos);
