@@ -19,8 +19,8 @@ struct SndNode;
 ///
 /// Definitions are parsed and kept, with all their variants. The data lie in the data cache as they stand in
 /// the file, so compressed sounds stay compressed. They are kept beside the option "SoundCacheSize", which
-/// bounds what is cached without being preloaded: a game can preload more than that, and loses no other room
-/// by it. What several sets hold is in memory once.
+/// bounds what is cached without being preloaded: a game can preload more than that, and the cache keeps its
+/// size. What several sets hold is in memory once.
 ///
 /// Everything happens on the calling thread, which is the task thread, and blocks on the disk. A set belongs
 /// to the sound system that runs: when that stops, its data go, and the set is empty. It may outlive the
@@ -36,8 +36,8 @@ public:
         std::size_t count; ///< Of so many.
         std::uint64_t bytes; ///< GetBytes().
     };
-    /// Called after each name. False cancels: what has been loaded stays. It may draw a loading screen; it
-    /// must neither use the set nor start or stop the system.
+    /// Called after each name. False cancels the operation; what has been loaded stays. It must neither use
+    /// the set nor start or stop the sound system.
     using ProgressCallback = bool (*)(const Progress& progress, void* user);
 
     SoundPreload() = default;
@@ -46,7 +46,7 @@ public:
     /// As Release().
     ~SoundPreload();
 
-    /// Sets who hears of the progress; null for nobody.
+    /// Sets the function that is notified of progress; null for none.
     void SetProgress(ProgressCallback newCallback, void* newUser);
 
     /// Loads the sound of that name, with all the files it can play: the name of a resource if there is a
@@ -59,8 +59,8 @@ public:
     /// listed. True for one without sounds.
     bool AddFolder(const char* folder, const ResourceDatabase* db);
 
-    /// Lets everything go. The data stay in the cache, as long as there is room within "SoundCacheSize", and
-    /// give way like any. What still plays goes on.
+    /// Releases everything. Data that fit into the free part of "SoundCacheSize" stay cached and can be
+    /// evicted like any; the rest is freed. Sounds that play go on.
     void Release();
 
     /// Bytes of sound data in memory through this set.
