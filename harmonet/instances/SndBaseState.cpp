@@ -5,6 +5,7 @@
 #include "harmonet/kernel/SoundRows.h"
 #include "harmonet/kernel/SoundState.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace Quon
@@ -132,11 +133,15 @@ void SndPolyline::AddSourcesTo(SoundState& state) const
     bool isPlaced = false;
     for (int rank = 0; rank < GetNumSounds(); ++rank) {
         const Snd3D* source = FindSource(rank);
-        if (!source || source->GetInPause()) {
+        if (!source) {
             continue;
         }
         SoundState own;
         source->FillState(own);
+        state.ageMs = std::max(state.ageMs, own.ageMs);
+        if (source->GetInPause()) {
+            continue;
+        }
         if (!isPlaced) {
             state.distance = own.distance;
             state.place = own.place;

@@ -166,10 +166,13 @@ void SndKernel::UpdateEmulated(const UpdateStep& step)
     while (SoundRow* row = walk.Next()) {
         if (UpdateAlone(*row, step) || UpdateRow(*row, step)) {
             row->AddStateTime(elapsed);
+            continue;
         }
-        else {
-            delete row->sound;
+        // A line ends with its sources, and has no reason of its own.
+        if (!row->HasAnyFlag(FlagPolyline)) {
+            SetReason(*row, SoundReason::TooShort);
         }
+        delete row->sound;
     }
 }
 

@@ -116,6 +116,7 @@ TEST_F(InspectTest, InspectionHoldsMusicAndLinesAndCountsBeyondTheBlock)
     const SoundState ofLine = Sound::GetState(line);
     EXPECT_EQ(ofLine.phase, SoundPhase::Heard);
     EXPECT_FLOAT_EQ(ofLine.distance, 5.0F) << "of the point that is nearest to the listener";
+    EXPECT_EQ(ofLine.ageMs, 400U);
     system.Done();
     EXPECT_EQ(SoundSystem::Inspect(states), 0U);
 }
@@ -228,6 +229,11 @@ TEST_F(InspectTest, TraceTellsWhySoundEnded)
     StepTimes(4, 100);
     EXPECT_TRUE(trace.phases.empty());
     EXPECT_EQ(trace.lastReason, SoundReason::NotEmulated);
+    // One that was virtual all the time ends when less than half a second is left.
+    Play("b");
+    StepTimes(50, 100);
+    EXPECT_TRUE(trace.phases.empty());
+    EXPECT_EQ(trace.lastReason, SoundReason::TooShort);
 }
 
 } // namespace
