@@ -23,7 +23,11 @@ ul { list-style: none; grid-column: 1 / 3; }
 small { color: var(--quiet); }
 .error::before { content: "error: "; color: var(--error); }
 .warning::before { content: "warning: "; color: var(--warning); }
-canvas { width: 100%; height: 8em; image-rendering: pixelated; background: #000; }
+figure { margin: .3em 0 0; padding-left: 4.5em; font-size: .8em; color: var(--quiet); }
+canvas { display: block; width: 100%; height: 9em; image-rendering: pixelated; background: #000; }
+.picture { position: relative; }
+figure span { position: absolute; left: -4.5em; width: 4em; text-align: right; transform: translateY(50%); }
+figcaption { display: flex; justify-content: space-between; }
 @media (max-width: 45em) { article { grid-template-columns: 1fr; } ul { grid-column: 1; } }
 </style>
 )";
@@ -36,7 +40,11 @@ const make = (parent, tag, text, kind) => {
     if (kind) made.className = kind;
     return made;
 };
-const decibels = value => value === null || value === undefined ? "silent" : value.toFixed(1);
+// The measurement of loudness ignores what is below -70 LUFS.
+const level = record => record.peakDecibels === null ? "silent"
+    : `${record.lufs === null ? "below -70" : record.lufs.toFixed(1)} LUFS, peak ${record.peakDecibels.toFixed(1)} dB`;
+const channels = count => ["mono", "stereo"][count - 1] || `${count} channels`;
+const lowestHz = 40;
 // Black, violet, red, yellow, white.
 const colour = level => [[0, 0, 0], [70, 20, 120], [200, 50, 70], [250, 180, 50], [255, 255, 230]].reduce(
     (mixed, part, i) => mixed.map((value, j) => value + part[j] * Math.max(0, 1 - Math.abs(level * 4 - i))), [0, 0, 0]);
@@ -49,27 +57,39 @@ const draw = (canvas, columns) => {
         picture.data.set([...colour(parseInt(letter, 36) / 35), 255], 4 * ((rows - 1 - row) * columns.length + x))));
     canvas.getContext("2d").putImageData(picture, 0, 0);
 };
+// The rows of the picture go from the lowest frequency to half the rate, by octaves.
+const show = (place, record) => {
+    const highestHz = record.rateHz / 2;
+    const figure = make(place, "figure");
+    const picture = make(figure, "div", "", "picture");
+    const canvas = make(picture, "canvas");
+    canvas.setAttribute("role", "img");
+    canvas.setAttribute("aria-label", `Spectrogram of ${record.name}, ${lowestHz} Hz to ${highestHz} Hz`);
+    draw(canvas, record.columns);
+    for (const [hertz, text] of [[100, "100 Hz"], [1000, "1 kHz"], [10000, "10 kHz"]])
+        if (hertz < highestHz)
+            make(picture, "span", text).style.cssText = "bottom: " +
+                100 * Math.log(hertz / lowestHz) / Math.log(highestHz / lowestHz) + "%";
+    const times = make(figure, "figcaption");
+    make(times, "div", "0 s");
+    make(times, "div", `${record.seconds.toFixed(2)} s`);
+};
 for (const record of records) {
     const article = make(document.body, "article");
     article.dataset.name = record.name.toLowerCase();
-    article.dataset.findings = record.findings.length;
+    article.dataset.remarks = record.findings.length + (record.error ? 1 : 0);
     const words = make(article, "div");
     make(words, "h2", record.name);
     if (record.seconds !== undefined) {
-        make(words, "p", `${record.seconds.toFixed(2)} s, ${decibels(record.lufs)} LUFS, peak ${decibels(record.peakDecibels)} dB`);
-        make(words, "small", `${record.soundFile}: ${record.rateHz} Hz, ${record.channels} channels` +
+        make(words, "p", `${record.seconds.toFixed(2)} s, ${level(record)}`);
+        make(words, "small", `${record.soundFile}: ${record.rateHz} Hz, ${channels(record.channels)}` +
             `, gain ${+record.gain.toFixed(3)}${record.looping ? ", loop" : ""}`);
     }
-    if (record.error) make(words, "p", record.error, "error");
-    const place = make(article, "div");
-    if (record.columns && record.columns.length) {
-        const canvas = make(place, "canvas");
-        canvas.setAttribute("role", "img");
-        canvas.setAttribute("aria-label", `Spectrogram of ${record.name}, 40 Hz to ${record.rateHz / 2} Hz`);
-        canvas.title = `40 Hz to ${record.rateHz / 2} Hz, ${record.seconds.toFixed(2)} s`;
-        draw(canvas, record.columns);
-    }
+    if (record.columns && record.columns.length) show(make(article, "div"), record);
     const list = make(article, "ul");
+    // What is wrong with the definition explains it better.
+    if (record.error && !record.findings.some(finding => finding.severity === "error"))
+        make(list, "li", record.error, "error");
     for (const finding of record.findings)
         make(list, "li", (finding.line ? `line ${finding.line}: ` : "") + finding.text, finding.severity);
 }
@@ -77,7 +97,7 @@ const search = document.getElementById("search"), remarks = document.getElementB
 search.oninput = remarks.oninput = () => {
     for (const article of document.querySelectorAll("article"))
         article.hidden = !article.dataset.name.includes(search.value.toLowerCase()) ||
-            remarks.checked && article.dataset.findings === "0";
+            remarks.checked && article.dataset.remarks === "0";
 };
 </script>
 </html>
