@@ -64,10 +64,8 @@ void Timeline::OnEnd(const Quon::SoundState& state)
     }
     Row& row = rows[found->second];
     row.endMs = clock.GetMs();
-    const bool isTold = state.reason == Quon::SoundReason::TooShort ||
-        state.reason == Quon::SoundReason::NotEmulated || state.reason == Quon::SoundReason::Refused;
-    if (isTold) {
-        row.outcome = std::string("ended: ") + Quon::DescribeReason(state.reason);
+    if (const char* const reason = DescribeEnd(state)) {
+        row.outcome = std::string("cut off: ") + reason;
     }
     rowOf.erase(found);
 }

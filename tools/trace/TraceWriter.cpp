@@ -90,7 +90,7 @@ void TraceWriter::OnEnd(const Quon::SoundState& state)
 {
     const Open& sound = open[state.id];
     Finish(state.id, sound.state, clock.GetMs());
-    Finish(state.id, sound.name, clock.GetMs());
+    Finish(state.id, sound.name, clock.GetMs(), DescribeEnd(state));
     open.erase(state.id);
 }
 
@@ -124,11 +124,14 @@ void TraceWriter::Begin(const Quon::SoundState& state, const std::string& name)
     Write(event);
 }
 
-void TraceWriter::Finish(int id, const std::string& name, std::int64_t atMs)
+void TraceWriter::Finish(int id, const std::string& name, std::int64_t atMs, const char* reason)
 {
     nlohmann::json event = Event("e", name, soundThread, atMs);
     event["cat"] = "sound";
     event["id"] = id;
+    if (reason) {
+        event["args"] = {{"end", reason}};
+    }
     Write(event);
 }
 

@@ -37,7 +37,7 @@ private:
     };
 
     void Begin(const Quon::SoundState& state, const std::string& name);
-    void Finish(int id, const std::string& name, std::int64_t atMs);
+    void Finish(int id, const std::string& name, std::int64_t atMs, const char* reason = nullptr);
     void Write(const nlohmann::json& event);
 
     std::ostream& out;

@@ -52,6 +52,18 @@ std::string DescribeState(const Quon::SoundState& state)
                                                    : phase + ": " + Quon::DescribeReason(state.reason);
 }
 
+const char* DescribeEnd(const Quon::SoundState& state)
+{
+    switch (state.reason) {
+    case Quon::SoundReason::TooShort:
+    case Quon::SoundReason::NotEmulated:
+    case Quon::SoundReason::Refused:
+        return Quon::DescribeReason(state.reason);
+    default:
+        return nullptr;
+    }
+}
+
 Clock::Clock()
     : last(Quon::SoundSystem::GetClockMs())
 {

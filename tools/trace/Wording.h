@@ -16,6 +16,9 @@ const char* NameOfPhase(const Quon::SoundState& state);
 /// Phase and reason, such as "virtual: like sounds are nearer".
 std::string DescribeState(const Quon::SoundState& state);
 
+/// Why a sound ended before its time; null where it came to its end or was stopped.
+const char* DescribeEnd(const Quon::SoundState& state);
+
 /// The sound system's clock without its wrap-around.
 class Clock
 {
