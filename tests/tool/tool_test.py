@@ -120,6 +120,7 @@ class SoundsTest(ToolCase):
                                 ([*null, "--gain", "2"], "--gain"), ([*null, "--gain", "nan"], "got 'nan'"),
                                 ([*null, "--seconds", "x"], "got 'x'"), (["decode", tone], "OUT.wav"),
                                 ([*null, "--channels", "509"], "--channels"), (["paly", tone], "did you mean 'play'?"),
+                                ([*null, "--top"], "--top"),
                                 ([*null, "--piority", "3"], "did you mean '--priority'?")]:
             with self.subTest(arguments):
                 done = self.run_tool(*arguments)
@@ -500,9 +501,58 @@ class TraceTest(ToolCase):
             self.assertEqual(sound["places"][1:], [3, 0])
             self.assertEqual(sound["states"][::2], sorted(sound["states"][::2]))
         # The one without a channel ends when less than half a second is left.
-        self.assertEqual(sorted(sound["outcome"] for sound in data["sounds"]), ["cut off", "ended"])
+        self.assertEqual(sorted(sound["outcome"] for sound in data["sounds"]),
+                         ["cut off: it had no channel, and too little was left to run on", "ended"])
         heard = [data["states"][state]["look"] for sound in data["sounds"] for state in sound["states"][1::2]]
         self.assertLessEqual({"heard", "virtual"}, set(heard))
+
+
+@unittest.skipIf("HARMONET_NO_SCREEN" in os.environ, "no screen was built")
+class TopTest(ToolCase):
+    def setUp(self):
+        super().setUp()
+        for name in ("one.wav", "two.wav"):
+            self.write_wave(name, sine(440, 1.0, 0.5))
+
+    def start(self, terminal, *options, kind="xterm"):
+        play = ["play", "one.wav", "two.wav", "--driver", "HarmonetNull", "--channels", 1, "--loop", "--seconds", 300]
+        return subprocess.Popen([*TOOL, *map(str, play), "--top", *options], cwd=self.folder, stdin=terminal,
+                                stdout=terminal, stderr=subprocess.PIPE, env={**self.environment, "TERM": kind})
+
+    def press(self, keys, expected):
+        """Presses the keys, and has the screen drawn anew until it shows these rows of state and name."""
+        os.write(self.ours, keys)
+        shown = b""
+        while expected not in [re.findall(rb"(heard|virtual)\b.*?(\w+)\.wav", screen.partition(b"Why")[2], re.DOTALL)
+                               for screen in shown.split(b"\x1b[H\x1b[2J")[1:]]:
+            os.write(self.ours, b"\f")
+            shown += os.read(self.ours, 65536)
+
+    def test_a_live_table_is_sorted_and_filtered_by_keys(self):
+        self.ours, terminal = pty.openpty()
+        with self.start(terminal) as tool:
+            os.close(terminal)
+            first, second = (b"heard", b"one"), (b"virtual", b"two")
+            self.press(b"", [first, second])
+            self.press(b"n", [first, second])
+            self.press(b"n", [second, first])
+            self.press(b"v", [second])
+            self.press(b"*/oNe\n", [first])
+            os.write(self.ours, b"q")
+            # What has happened is printed on the screen of before.
+            rest = b""
+            while b"cut off two.wav" not in rest:
+                rest += os.read(self.ours, 65536)
+            self.assertEqual((tool.wait(), tool.stderr.read()), (0, b""))
+        os.close(self.ours)
+
+    def test_a_terminal_of_no_known_kind_is_refused(self):
+        ours, terminal = pty.openpty()
+        with self.start(terminal, kind="nonsense") as tool:
+            self.assertIn(b"TERM is 'nonsense'", tool.stderr.read())
+            self.assertEqual(tool.wait(), 2)
+        os.close(terminal)
+        os.close(ours)
 
 
 class DefinitionsTest(ToolCase):

@@ -23,4 +23,7 @@ char** GetArguments(char** arguments);
 /// Whether standard output is shown on a terminal, on which a line can be written anew.
 bool IsTerminal();
 
+/// Whether standard input comes from a terminal, at which somebody types.
+bool IsInputTerminal();
+
 } // namespace Tool

@@ -40,6 +40,9 @@ public:
     /// Puts the listener into a room. False if the driver has none.
     bool EnterRoom(const Quon::FXEnvReverb& room);
 
+    /// How many sounds can be heard at once.
+    unsigned int GetMaxAudible() { return system.GetMaxAudibleSounds(); }
+
     /// One game frame of that length. Throws a ToolError when the rendered file cannot take what was heard.
     void Update(int elapsedMs);
 

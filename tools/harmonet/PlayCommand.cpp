@@ -73,6 +73,16 @@ void AddRecords(CLI::App& command, PlayRequest& values)
         ->type_name("OUT.html");
 }
 
+// The messages of --verbose would go across the screen, and what `check` says too.
+void AddScreen(CLI::App& command, PlayRequest& values)
+{
+    command
+        .add_flag("--top", values.isOnScreen,
+            "Show in a live table which sounds are heard, which are not and why; keys sort and filter it")
+        ->excludes(command.get_option("--watch"))
+        ->excludes(command.get_option("--verbose"));
+}
+
 } // namespace
 
 void AddPlayCommand(CLI::App& program, Action& action)
@@ -85,6 +95,7 @@ void AddPlayCommand(CLI::App& program, Action& action)
     AddOutput(command, request->host);
     AddRecords(command, *request);
     AddVerbose(command);
+    AddScreen(command, *request);
     command.callback([request, &action] { action = [request] { return Play(*request); }; });
 }
 

@@ -20,6 +20,23 @@ PlayReport::PlayReport()
 {
 }
 
+std::string PlayReport::FindName(int soundID) const
+{
+    const auto found = names.find(soundID);
+    return found != names.end() ? found->second : std::string();
+}
+
+std::string PlayReport::GetLastEvent() const
+{
+    if (events.empty()) {
+        return {};
+    }
+    const std::size_t end = events.size() - 1;
+    const std::size_t before = end > 0 ? events.rfind('\n', end - 1) : std::string::npos;
+    const std::size_t begin = before == std::string::npos ? 0 : before + 1;
+    return events.substr(begin, end - begin);
+}
+
 void PlayReport::ShowEvents()
 {
     if (!events.empty()) {
@@ -41,6 +58,10 @@ void PlayReport::ShowProgress(unsigned long playedMs)
 
 void PlayReport::OnSoundBegin(int soundID, const Quon::PString&)
 {
+    // A source of a line has a begin and no end; what counts is the line.
+    if (!names.contains(soundID)) {
+        return;
+    }
     ++running;
     AddEvent("started", soundID);
 }

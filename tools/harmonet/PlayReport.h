@@ -20,6 +20,11 @@ public:
     /// A sound has been started, and its end is waited for.
     void ExpectSound() { ++unfinished; }
 
+    /// What that sound is called; empty for one that has no name of its own here, such as a source of a line.
+    std::string FindName(int soundID) const;
+    /// The last line that ShowEvents() would print; empty if there is none.
+    std::string GetLastEvent() const;
+
     /// Whether there are sounds that have not come to their end.
     bool IsUnfinished() const { return unfinished > 0; }
 

@@ -10,10 +10,12 @@
 #include "tools/harmonet/Rooms.h"
 #include "tools/harmonet/TraceOutput.h"
 #include "tools/harmonet/Walk.h"
+#include "tools/harmonet/top/Screen.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <memory>
 #include <thread>
 
 namespace Tool
@@ -110,40 +112,60 @@ long TailMs(const PlayRequest& request)
     return request.room.empty() ? 0 : std::lround(GetRoom(request.room).decayTime * 1000.0F);
 }
 
-/// Runs the frames until there is nothing more to hear.
-void RunFrames(
-    const PlayRequest& request, const PlayList& list, Host& host, PlayReport& report, FileWatch& watch)
+/// All that takes part in one playing.
+struct Session
 {
-    GameClock clock(host.IsLive());
-    const Walk walk = MakeWalk(request, list);
+    const PlayRequest& request;
+    const PlayList& list;
+    Host& host;
+    PlayReport& report;
+    FileWatch& watch;
+    Screen* screen; ///< Null for none.
+};
+
+/// False when the user wants to leave.
+bool ShowProgress(const Session& session, long playedMs)
+{
+    if (session.screen) {
+        return session.screen->Update(
+            static_cast<unsigned long>(playedMs), session.host.GetMaxAudible(), session.report);
+    }
+    session.report.ShowProgress(static_cast<unsigned long>(playedMs));
+    return true;
+}
+
+/// Runs the frames until there is nothing more to hear.
+void RunFrames(const Session& session)
+{
+    const PlayRequest& request = session.request;
+    GameClock clock(session.host.IsLive() || session.screen);
+    const Walk walk = MakeWalk(request, session.list);
     const long limitMs = LimitMs(request);
     long playedMs = 0;
     long tailMs = TailMs(request);
     do {
         const int elapsedMs = clock.WaitForFrame(limitMs - playedMs);
-        host.Update(elapsedMs);
+        session.host.Update(elapsedMs);
         playedMs += elapsedMs;
         if (request.isWalking) {
-            host.MoveListener(walk.GetPosition(playedMs));
+            session.host.MoveListener(walk.GetPosition(playedMs));
         }
-        if (!report.IsUnfinished()) {
+        if (!session.report.IsUnfinished()) {
             tailMs -= elapsedMs;
         }
-        report.ShowProgress(static_cast<unsigned long>(playedMs));
-    } while ((report.IsUnfinished() || tailMs > 0) && playedMs < limitMs && !IsInterrupted() &&
-        !(request.isWatching && watch.HasChanged()));
+    } while (ShowProgress(session, playedMs) && (session.report.IsUnfinished() || tailMs > 0) &&
+        playedMs < limitMs && !IsInterrupted() && !(request.isWatching && session.watch.HasChanged()));
 }
 
-void PlaySounds(
-    const PlayRequest& request, const PlayList& list, Host& host, PlayReport& report, FileWatch& watch)
+void PlaySounds(const Session& session)
 {
     Quon::Sound group;
-    group.AddObserver(&report);
-    group.SetGain(request.gain);
-    for (const PlayList::Item& item : list.GetItems()) {
-        StartOrFail(group, request, item, report);
+    group.AddObserver(&session.report);
+    group.SetGain(session.request.gain);
+    for (const PlayList::Item& item : session.list.GetItems()) {
+        StartOrFail(group, session.request, item, session.report);
     }
-    RunFrames(request, list, host, report, watch);
+    RunFrames(session);
 }
 
 void PlayToTheEnd(const PlayRequest& request, const PlayList& list, PlayReport& report, FileWatch& watch)
@@ -158,7 +180,8 @@ void PlayToTheEnd(const PlayRequest& request, const PlayList& list, PlayReport& 
         host.MoveListener(MakeWalk(request, list).GetPosition(0));
     }
     TraceOutput traces(request.tracePath, request.timelinePath);
-    PlaySounds(request, list, host, report, watch);
+    const auto screen = request.isOnScreen ? std::make_unique<Screen>() : nullptr;
+    PlaySounds({request, list, host, report, watch, screen.get()});
     traces.Commit();
 }
 
@@ -177,6 +200,9 @@ void PlayOnce(const PlayRequest& request, FileWatch& watch)
 ExitCode Play(const PlayRequest& request)
 {
     constexpr std::chrono::milliseconds pause(20);
+    if (request.isOnScreen) {
+        CheckScreen();
+    }
     CatchInterrupt();
     for (;;) {
         FileWatch watch(request.paths);

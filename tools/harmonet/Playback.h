@@ -22,6 +22,7 @@ struct PlayRequest
     std::string room; ///< Empty for none.
     bool isWalking = false;
     bool isWatching = false;
+    bool isOnScreen = false; ///< With a live table of the sounds, while the time goes on as on the clock.
     std::string tracePath; ///< Empty for none; likewise the next one.
     std::string timelinePath;
     Host::Settings host;

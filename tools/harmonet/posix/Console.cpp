@@ -19,4 +19,9 @@ bool IsTerminal()
     return isatty(STDOUT_FILENO) != 0;
 }
 
+bool IsInputTerminal()
+{
+    return isatty(STDIN_FILENO) != 0;
+}
+
 } // namespace Tool

@@ -1,0 +1,29 @@
+#include "tools/harmonet/ToolError.h"
+#include "tools/harmonet/top/Screen.h"
+
+namespace Tool
+{
+
+class Screen::Terminal
+{
+};
+
+void CheckScreen()
+{
+    throw ToolError(
+        "this build has no --top: that takes ncurses, which was not there", ExitCode::BadArguments);
+}
+
+Screen::Screen()
+{
+    CheckScreen();
+}
+
+Screen::~Screen() = default;
+
+bool Screen::Update(unsigned long, unsigned int, const PlayReport&)
+{
+    return false;
+}
+
+} // namespace Tool
