@@ -49,6 +49,8 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/files/WaveFormatEx.h
     harmonet/instances/Microphone.h
     harmonet/instances/Music.h
+    harmonet/instances/MusicObserver.h
+    harmonet/instances/ObserverLinks.h
     harmonet/instances/ObserverSubject.h
     harmonet/instances/Snd2D.h
     harmonet/instances/Snd3D.h

@@ -69,7 +69,7 @@ QueueReader::Result QueueReader::MoveOn(SndChannel& channel, SndFile& file)
         if (emptyPasses == maxEmptyPasses) {
             return Result::End;
         }
-        file.Rewind();
+        file.RewindLoop();
     }
     else {
         SndFile* const next = file.GetNext();
@@ -89,7 +89,8 @@ int QueueReader::GetFramesLeft(const SndChannel& channel) const
     if (!file || fileOver || !IsPlayable(*file)) {
         return 0;
     }
-    return std::max(file->GetSoundSamples() - file->GetCurrentSample(), 0);
+    const int end = looping ? file->GetPassEnd() : file->GetSoundSamples();
+    return std::max(end - file->GetCurrentSample(), 0);
 }
 
 bool QueueReader::IsAtEnd(const SndChannel& channel) const

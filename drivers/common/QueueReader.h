@@ -12,8 +12,9 @@ class SndFile;
 /// touch nothing but the channel's `sndFile` and the files behind it. Nothing here allocates.
 ///
 /// A file is at its end when it has given its sound samples, or when a read has given nothing. A short read
-/// is no end yet: a stream that changes its form ends one at the change. A loop ends when two passes in a row
-/// have given nothing.
+/// is no end yet: a stream that changes its form ends one at the change. A pass of a loop ends with the
+/// file's loop region, too, and the next begins there. A loop ends when two passes in a row have given
+/// nothing.
 class QueueReader
 {
 public:

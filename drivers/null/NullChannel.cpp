@@ -64,7 +64,10 @@ unsigned long NullChannel::GetRemainLength()
     if (state == State::Free || !file || !steps.IsEmpty()) {
         return 0;
     }
-    return ToMilliseconds(reader.GetFramesLeft(*this), file->GetSampleFrequency());
+    // What comes after the end of a loop region counts as left, so that the place in the file follows from
+    // it.
+    const int afterLoop = looping ? file->GetSoundSamples() - file->GetPassEnd() : 0;
+    return ToMilliseconds(reader.GetFramesLeft(*this) + afterLoop, file->GetSampleFrequency());
 }
 
 bool NullChannel::SetFrequency(unsigned long hz)
@@ -95,19 +98,23 @@ void NullChannel::Advance(std::uint32_t elapsedMs, std::span<unsigned char> scra
     const std::uint32_t heardMs = fading ? std::min(elapsedMs, fadeLeftMs) : elapsedMs;
     fadeLeftMs -= fading ? heardMs : 0;
     const auto rateHz = static_cast<std::uint32_t>(GetFrequency());
-    std::uint64_t sampleFrames = clock.Advance(heardMs, rateHz);
-    // After a long halt of the host a loop need not be read through many times to end where it would.
-    if (const auto pass = static_cast<std::uint64_t>(GetPassLength());
-        pass > 0 && sampleFrames > longStepSeconds * rateHz) {
-        sampleFrames %= pass;
-    }
-    Pull(sampleFrames, scratch);
+    Pull(CutLongStep(clock.Advance(heardMs, rateHz), rateHz), scratch);
 }
 
-int NullChannel::GetPassLength() const
+// After a long halt of the host a loop need not be read through many times to end where it would.
+std::uint64_t NullChannel::CutLongStep(std::uint64_t sampleFrames, std::uint32_t rateHz) const
 {
     const SndFile* const file = GetSndFile();
-    return looping && file ? std::max(file->GetSoundSamples(), 0) : 0;
+    if (!looping || !file || sampleFrames <= longStepSeconds * rateHz) {
+        return sampleFrames;
+    }
+    const int passLength = file->GetLoopEnd() - file->GetLoopStart();
+    const auto toLoop =
+        static_cast<std::uint64_t>(std::max(file->GetLoopStart() - file->GetCurrentSample(), 0));
+    if (passLength <= 0 || sampleFrames < toLoop) {
+        return sampleFrames;
+    }
+    return toLoop + (sampleFrames - toLoop) % static_cast<std::uint64_t>(passLength);
 }
 
 void NullChannel::Pull(std::uint64_t sampleFrames, std::span<unsigned char> scratch)

@@ -63,7 +63,7 @@ private:
         Ending ///< The end is being reported.
     };
 
-    int GetPassLength() const;
+    std::uint64_t CutLongStep(std::uint64_t sampleFrames, std::uint32_t rateHz) const;
     void Pull(std::uint64_t sampleFrames, std::span<unsigned char> scratch);
 
     State state = State::Free;

@@ -72,7 +72,8 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     acoustics.Begin(voice->GetSource(), positional, flags & ChanDisableMicFX, effects);
     steps.Clear();
     heardMap.Clear();
-    passLength = looping ? std::max(file->GetSoundSamples(), 0) : 0;
+    passLength = looping ? std::max(file->GetLoopEnd() - file->GetLoopStart(), 0) : 0;
+    afterLoop = looping ? file->GetSoundSamples() - file->GetLoopEnd() : 0;
     fileRateHz = file->GetSampleFrequency();
     convertedHz = feed.IsConverting() ? feed.GetBlockHz() : 0;
     wantedHz = 0;
@@ -91,6 +92,12 @@ void OpenALChannel::Play()
     if (state == State::Ready) {
         if (!start.isKept) {
             start.time = GetSteadyNanoseconds();
+        }
+        {
+            // The sound may have gone to where it begins after the channel was made.
+            const SyncLock lock(chanLock);
+            const std::scoped_lock outputLock(outputMutex);
+            UpdateFileEnd();
         }
         state = State::Playing;
         isPumped = true;
@@ -196,9 +203,9 @@ unsigned long OpenALChannel::GetRemainLength()
     std::int64_t left = end - static_cast<std::int64_t>(GetStreamHeard());
     // What is read can be a pass or more of a loop ahead of what is heard.
     if (passLength > 0 && left > 0) {
-        left = (left - 1) % passLength + 1;
+        left -= std::min((left - 1) / passLength, wraps) * passLength;
     }
-    return ToMilliseconds(left, fileRateHz);
+    return ToMilliseconds(left + afterLoop, fileRateHz);
 }
 
 void OpenALChannel::SetGain(float newGain)
@@ -531,6 +538,7 @@ void OpenALChannel::TakeSteps()
 void OpenALChannel::UpdateFileEnd()
 {
     fileEnd = feed.GetReader().GetFileEnd() + feed.GetReader().GetReader().GetFramesLeft(*this);
+    wraps = feed.GetReader().GetWraps();
 }
 
 // How many sample frames of what is queued go by in a second.

@@ -226,6 +226,8 @@ private:
     FileSteps steps;
     std::int64_t fileEnd = 0; ///< Where the file that is read now ends, in sample frames of the stream.
     int passLength = 0; ///< Sample frames of a loop; 0 without one.
+    int afterLoop = 0; ///< Sample frames of the file after the end of the loop.
+    std::int64_t wraps = 0; ///< How often the loop has begun anew before `fileEnd`.
     int fileRateHz = 0; ///< Of the stream.
     int convertedHz = 0; ///< Of what is queued, if that is converted; otherwise 0.
     unsigned long wantedHz = 0; ///< 0: the file's own rate.

@@ -25,6 +25,7 @@ void SoundReader::Start(int outChannels, bool looping, const SndFile& file, cons
     effects.Build(effectList, {rateHz, outChannels});
     fifo.Start(effects.IsEmpty() && file.GetChannels() == 1 ? 1 : outChannels);
     hasBegun = beganInside = false;
+    wraps = 0;
     passEnd = 0;
     filePosition = file.GetCurrentSample();
     tailFrames = 0;
@@ -80,12 +81,15 @@ void SoundReader::NoticeData(const SndFile& file, int justRead)
     if (!hasBegun) {
         hasBegun = true;
         beganInside = begin != 0;
+        // The start samples may have been skipped after the channel was made.
+        filePosition = begin;
         // A stream tells its rate for certain only once it has been read from.
         rateHz = std::max(file.GetSampleFrequency(), 1);
         effects.SetRate(rateHz);
     }
     if (isLooping && begin != filePosition) {
         passEnd = filePosition;
+        ++wraps;
     }
     filePosition = begin + justRead;
 }
@@ -127,13 +131,17 @@ SndFile* SoundReader::PutBack(const FileSteps& unreported, SndFile* current, std
 
 void SoundReader::PutBackLoop(SndFile& file, std::int64_t unheard) const
 {
-    if (unheard <= filePosition || passEnd == 0) {
+    const int start = file.GetLoopStart();
+    const std::int64_t readInPass = filePosition - start;
+    if (unheard <= readInPass || wraps == 0) {
         file.StepBack(static_cast<int>(unheard));
         return;
     }
-    const std::int64_t before = (unheard - filePosition - 1) % passEnd + 1;
-    file.Rewind();
-    file.SkipSamples(static_cast<int>(passEnd - before));
+    // Whole passes are left out, but not the first one, which is longer if it began before the region.
+    const std::int64_t passLength = std::max(passEnd - start, 1);
+    std::int64_t before = unheard - readInPass;
+    before -= std::min((before - 1) / passLength, wraps - 1) * passLength;
+    file.SeekTo(static_cast<int>(std::max<std::int64_t>(passEnd - before, 0)));
 }
 
 } // namespace Quon

@@ -58,6 +58,8 @@ public:
 
     /// The sample frames of tail at the end of all that has been read; 0 if a file's stand there.
     std::int64_t GetTailFrames() const { return tailFrames; }
+    /// How often a loop has begun anew.
+    std::int64_t GetWraps() const { return wraps; }
     /// Where the file's own sample frames end in the stream.
     std::int64_t GetFileEnd() const { return fifo.GetEnd() - tailFrames; }
 
@@ -78,7 +80,8 @@ private:
     int rateHz = 1;
     bool hasBegun = false;
     bool beganInside = false;
-    int passEnd = 0; ///< Where the pass of a loop before this one ended in the file; 0 in the first pass.
+    std::int64_t wraps = 0;
+    int passEnd = 0; ///< Where the pass of a loop before this one ended in the file.
     int filePosition = 0; ///< Behind what has been read last.
     std::int64_t tailFrames = 0;
     bool isTailOver = false;

@@ -188,14 +188,34 @@ private:
         Require(cache.GetFreeBytes() <= cacheBytes, "the budget holds");
     }
 
-    /// Skips and reads in turn. How much there is does not change; of what can be compared sample by sample,
-    /// nor does the PCM. MPEG frames after a skip lack the bit reservoir.
+    /// Goes to some place, or to the start of a loop region.
+    void Seek(SndFile& file)
+    {
+        const int samples = file.GetSoundSamples();
+        const int target = dice.Draw(samples);
+        if (dice.Chance(50)) {
+            file.SeekTo(target);
+        }
+        else {
+            Require(file.SetLoopRegion(target, 0), "a region that begins inside the sound holds something");
+            file.RewindLoop();
+            file.SetLoopRegion(0, 0);
+        }
+        Require(file.GetCurrentSample() >= 0, "a seek ends up somewhere");
+        Require(!whole.isPlain || file.GetCurrentSample() == target, "a seek inside the sound gets there");
+    }
+
+    /// Skips and reads in turn, and seeks now and then. How much there is does not change; of what can be
+    /// compared sample by sample, nor does the PCM. MPEG frames after a skip lack the bit reservoir.
     void CheckSkips(SndFile& file)
     {
         file.Rewind();
         Pcm read;
         const auto frameBytes = static_cast<std::size_t>(FrameBytes(file));
         for (int turns = 0; turns < 64 && Left(file) > 0; ++turns) {
+            if (dice.Chance(20)) {
+                Seek(file);
+            }
             const int before = file.GetCurrentSample();
             const int wanted = std::min(dice.Draw(dice.Chance(50) ? 16 : 4000), Left(file));
             const int skipped = file.SkipSamples(wanted);

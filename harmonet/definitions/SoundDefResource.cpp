@@ -109,6 +109,15 @@ struct SoundDefResource::Reading
         report.CheckRange(keyword, reader, value, least, most);
         return true;
     }
+
+    bool ReadSampleFrame(int& value)
+    {
+        if (!reader.ReadInt(value)) {
+            return false;
+        }
+        report.CheckRange(keyword, reader, value, 0, mostInt);
+        return true;
+    }
 };
 
 /// A keyword with a value. `read` takes the value; false ends the reading.
@@ -218,6 +227,8 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
     static constexpr Setting settings[] = {
         {Keys::file, [](R r) { return r.hasFile = r.reader.ReadString(r.sound.fileName); }},
         {Keys::looping, [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.looping = on; }); }},
+        {Keys::loopStart, [](R r) { return r.ReadSampleFrame(r.sound.loopStart); }},
+        {Keys::loopEnd, [](R r) { return r.ReadSampleFrame(r.sound.loopEnd); }},
         {Keys::gain, [](R r) { return r.ReadFloat(r.sound.gain, 0, 1); }},
         {Keys::delay, [](R r) { return r.sound.ReadDelay(r.reader); }},
         {Keys::minDistance, [](R r) { return r.ReadFloat(r.sound.minDistance, 0, mostFloat); }},

@@ -64,6 +64,8 @@ void SoundResource::Init() const
     polyline = nullptr;
     variation = SoundVariation();
     limits = SoundLimits();
+    loopStart = 0;
+    loopEnd = 0;
 }
 
 void SoundResource::FreePolyline() const

@@ -69,6 +69,10 @@ public:
     /// The points of the line, owned by the resource; null and 0 for a sound that is none.
     int GetNumPoints() const { return numPoints; }
     const Vector3* GetPolyline() const { return polyline; }
+    /// The loop region of a sound that loops, in sample frames; 0 and 0, the default, for the whole file, and
+    /// an end of 0 for the file's.
+    int GetLoopStart() const { return loopStart; }
+    int GetLoopEnd() const { return loopEnd; }
     /// The effects; the block is the resource's.
     const SndFXList GetFXList() const { return fxList; }
     /// What differs from start to start; nothing by default.
@@ -104,6 +108,8 @@ protected:
     mutable SndFXList fxList;
     mutable SoundVariation variation;
     mutable SoundLimits limits;
+    mutable int loopStart = 0;
+    mutable int loopEnd = 0;
 };
 
 } // namespace Quon

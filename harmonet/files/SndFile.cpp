@@ -199,6 +199,8 @@ void SndFile::Abandon()
     fileType = FileNone;
     size = 0;
     data = nullptr;
+    loopStart = 0;
+    loopEnd = 0;
 }
 
 unsigned char* SndFile::Load()
@@ -256,6 +258,43 @@ void SndFile::StepBack(int samples)
     const int target = std::max(currentSample - samples, 0);
     Rewind();
     SkipSamples(target);
+}
+
+void SndFile::SeekTo(int sample)
+{
+    if (sample < currentSample) {
+        Rewind();
+    }
+    SkipSamples(sample - currentSample);
+}
+
+bool SndFile::SetLoopRegion(int start, int end)
+{
+    const int last = end > 0 && end < soundSamples ? end : soundSamples;
+    const bool isValid = start >= 0 && end >= 0 && (start < last || (start == 0 && end == 0));
+    loopStart = isValid ? start : 0;
+    loopEnd = isValid && last < soundSamples ? last : 0;
+    return isValid;
+}
+
+void SndFile::RewindLoop()
+{
+    if (loopStart > 0) {
+        SeekTo(loopStart);
+    }
+    else {
+        Rewind();
+    }
+}
+
+int SndFile::WrapToLoop(std::int64_t position) const
+{
+    const int end = GetLoopEnd();
+    const int passLength = end - loopStart;
+    if (position >= end && passLength > 0) {
+        position = loopStart + (position - end) % passLength;
+    }
+    return ClampSamples(static_cast<std::uint64_t>(std::max<std::int64_t>(position, 0)));
 }
 
 int SndFile::Read(unsigned char* buffer, int bytes, int position)

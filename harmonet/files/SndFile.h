@@ -113,6 +113,10 @@ public:
     /// position is exact afterwards. This one rewinds and skips; a reader for which that takes long overrides
     /// it for short ways. Allocates nothing.
     virtual void StepBack(int samples);
+    /// Goes to a sample frame, from 0 to the sound samples: the next read delivers what it would deliver
+    /// there had all before it been read. Data that end earlier are then at their end. This one rewinds if it
+    /// has to, and skips; a reader whose skip is not enough for that overrides it. Allocates nothing.
+    virtual void SeekTo(int sample);
 
     Snd_FileType FileType() const { return fileType; }
     /// Bytes of sound data; of an MPEG stream the whole file.
@@ -140,6 +144,23 @@ public:
     /// Closes and deletes every file behind this one, the last one first, each with CloseFile(soundID,
     /// owner).
     void DeleteQueue(unsigned int soundID, Sound* owner);
+
+    // The loop region, from which a sound that loops does not get out any more: it plays up to the region's
+    // end and goes on from its start. Without one it is the whole file. A reader does not loop; these tell
+    // whoever reads from it in a loop. All positions are in sample frames.
+
+    /// Sets the region, from `start` up to but not including `end`; an end of 0, or beyond the sound samples,
+    /// is theirs. False, and it is the whole file, if nothing is left of that. Not while it is being played.
+    bool SetLoopRegion(int start, int end);
+    bool HasLoopRegion() const { return loopStart > 0 || loopEnd > 0; }
+    int GetLoopStart() const { return loopStart; }
+    int GetLoopEnd() const { return loopEnd > 0 ? loopEnd : soundSamples; }
+    /// Where the present pass of a loop ends: with the region, or with the data for a position after it.
+    int GetPassEnd() const { return currentSample <= GetLoopEnd() ? GetLoopEnd() : soundSamples; }
+    /// Begins the next pass of a loop.
+    void RewindLoop();
+    /// The place of a position that counts on where the loop goes back.
+    int WrapToLoop(std::int64_t position) const;
 
 protected:
     /// What a size or a position in sound data can be at most: they have 32 bits.
@@ -173,6 +194,8 @@ protected:
     SndNode* node = nullptr;
     unsigned long soundLength = 0;
     bool userMemory = false;
+    int loopStart = 0;
+    int loopEnd = 0; ///< 0: with the sound samples.
 };
 
 } // namespace Quon

@@ -2,6 +2,7 @@
 
 #include "harmonet/definitions/SoundResource.h"
 #include "harmonet/engine/Messages.h"
+#include "harmonet/instances/MusicNotices.h"
 #include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/instances/TakenResource.h"
@@ -27,9 +28,62 @@ float SndBase::CalcMusicGain() const
     return (music ? music->GetGain() : 1.0F) * theKernel->GetMainGainMusic() * gain;
 }
 
+void SndBase::NotifyMusicBegin()
+{
+    const Music* music = GetParentMusic();
+    if (music && music->notices) {
+        music->notices->Post(MusicNotice::Begin, fileName, 0);
+    }
+}
+
+// Of a piece that has begun.
+void SndBase::NotifyMusicEnd()
+{
+    const Music* music = GetParentMusic();
+    if (!music || !music->notices || !IsPlaying()) {
+        return;
+    }
+    const std::uint32_t remaining = hasRunOut || HasAnyFlag(FlagFadeOut) ? 0 : CalcRemainAtEnd();
+    music->notices->Post(
+        remaining > 0 ? MusicNotice::Abort : MusicNotice::End, fileName, static_cast<int>(remaining));
+}
+
+Music::Music() = default;
+
+Music::Music(const Music& other)
+    : soundID(other.soundID)
+    , gain(other.gain)
+    , paused(other.paused)
+{
+}
+
 Music::~Music()
 {
+    closing = true;
     Stop();
+    // It is being told of others, perhaps, and would be too late.
+    if (notices) {
+        notices->Deliver();
+    }
+}
+
+void Music::AddObserver(MusicObserver* observer)
+{
+    // One that comes back from its OnMusicShutDown() would keep the address of what is gone.
+    if (closing || !observer) {
+        return;
+    }
+    if (!notices) {
+        notices = std::make_unique<MusicNotices>(*this);
+    }
+    notices->AddObserver(observer);
+}
+
+void Music::RemoveObserver(MusicObserver* observer)
+{
+    if (notices && observer) {
+        notices->RemoveObserver(observer);
+    }
 }
 
 Music& Music::operator=(const Music& other)
@@ -56,6 +110,7 @@ SndBase* Music::FindLive() const
 
 void Music::Stop()
 {
+    const SndBase::MusicHold hold;
     delete FindLive();
 }
 
@@ -76,7 +131,13 @@ bool Music::FadeIn(const PString& name, int ms, bool loop)
 
 bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool loop)
 {
-    if (!theKernel || !theKernel->AcceptsSounds()) {
+    return Play(name, db, Settings{.loop = loop, .fadeMs = ms});
+}
+
+bool Music::Play(const PString& name, const ResourceDatabase* db, const Settings& settings)
+{
+    const SndBase::MusicHold hold;
+    if (!theKernel || !theKernel->AcceptsSounds() || closing) {
         Report(MessageLevel::Error, "music '", name, "' is not started: the sound system is not running");
         return false;
     }
@@ -94,7 +155,7 @@ bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool
     }
     const int id = instance->GetSoundID();
     try {
-        return StartPiece(*instance, isNew, name, db, ms, loop);
+        return StartPiece(*instance, isNew, name, db, settings);
     }
     catch (const std::bad_alloc&) {
         // It ends, whether it stands in the table or has not got that far.
@@ -110,23 +171,36 @@ bool Music::FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool
 }
 
 bool Music::StartPiece(
-    SndBase& instance, bool isNew, const PString& name, const ResourceDatabase* db, int ms, bool loop)
+    SndBase& instance, bool isNew, const PString& name, const ResourceDatabase* db, const Settings& settings)
 {
     if (!isNew) {
+        GiveWay(instance);
         theKernel->GiveUpFile(instance);
     }
     instance.ResetFlags(FlagMusic | FlagDistLTMax);
-    if (ms > 0) {
-        instance.SetFadeIn(ms);
+    if (settings.fadeMs > 0) {
+        instance.SetFadeIn(settings.fadeMs);
     }
-    if (loop) {
+    if (settings.loop) {
         instance.SetLooping();
     }
-    return db ? StartResource(instance, isNew, name, *db) : StartFile(instance, isNew, name);
+    instance.SetStartOffset(settings.positionMs);
+    return db ? StartResource(instance, isNew, name, *db, settings)
+              : StartFile(instance, isNew, name, settings);
 }
 
-bool Music::StartFile(SndBase& instance, bool isNew, const PString& name)
+// The piece that the instance has carried so far is over for whoever started it.
+void Music::GiveWay(const SndBase& instance)
 {
+    const Music* starter = instance.GetParentMusic();
+    if (starter && starter->notices && instance.IsPlaying()) {
+        starter->notices->Post(MusicNotice::GivesWay, instance.GetFileName(), 0);
+    }
+}
+
+bool Music::StartFile(SndBase& instance, bool isNew, const PString& name, const Settings& settings)
+{
+    instance.SetLoopRegion(settings.loopStart, settings.loopEnd);
     instance.SetFileName(name);
     instance.SetDefinitionName(PString());
     Adopt(instance, isNew);
@@ -134,7 +208,8 @@ bool Music::StartFile(SndBase& instance, bool isNew, const PString& name)
     return StartOrGiveUp(instance);
 }
 
-bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase& db)
+bool Music::StartResource(
+    SndBase& instance, bool isNew, const PString& name, const ResourceDatabase& db, const Settings& settings)
 {
     const auto exists = [&instance, id = instance.GetSoundID()] {
         return theKernel && theKernel->FindSound(id) == &instance;
@@ -156,6 +231,12 @@ bool Music::StartResource(SndBase& instance, bool isNew, const PString& name, co
     instance.SetDefinitionName(name);
     if (resource->GetLooping()) {
         instance.SetLooping();
+    }
+    if (settings.loopStart != 0 || settings.loopEnd != 0) {
+        instance.SetLoopRegion(settings.loopStart, settings.loopEnd);
+    }
+    else {
+        instance.SetLoopRegion(resource->GetLoopStart(), resource->GetLoopEnd());
     }
     Adopt(instance, isNew);
     instance.SetGain(choice.gain);
@@ -201,6 +282,7 @@ void Music::Adopt(SndBase& instance, bool isNew)
 
 bool Music::FadeOut(int ms)
 {
+    const SndBase::MusicHold hold;
     SndBase* instance = FindLive();
     return instance && instance->FadeOut(ms);
 }
@@ -212,8 +294,14 @@ bool Music::CrossFade(const PString& name, int ms, bool loop)
 
 bool Music::CrossFade(const PString& name, const ResourceDatabase* db, int ms, bool loop)
 {
-    FadeOut(ms);
-    return FadeIn(name, db, ms, loop);
+    return CrossFade(name, db, Settings{.loop = loop, .fadeMs = ms});
+}
+
+bool Music::CrossFade(const PString& name, const ResourceDatabase* db, const Settings& settings)
+{
+    const SndBase::MusicHold hold;
+    FadeOut(settings.fadeMs);
+    return Play(name, db, settings);
 }
 
 void Music::SetGain(float newGain)
@@ -239,6 +327,25 @@ unsigned long Music::GetRemainLength() const
 {
     const SndBase* instance = FindLive();
     return instance ? instance->GetRemainLength() : 0;
+}
+
+unsigned long Music::GetPosition() const
+{
+    const SndBase* instance = FindLive();
+    return instance ? instance->GetCurrentLength() : 0;
+}
+
+bool Music::SetPosition(unsigned long ms)
+{
+    const SndBase::MusicHold hold;
+    SndBase* instance = FindLive();
+    if (!instance || !instance->SeekTo(ms)) {
+        return false;
+    }
+    if (notices) {
+        notices->ForgetPosition();
+    }
+    return true;
 }
 
 SoundState Music::GetState() const

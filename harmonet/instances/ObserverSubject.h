@@ -34,7 +34,7 @@ public:
             return;
         }
         // Active last: if memory runs out, the list holds nothing that it would call.
-        observer->Join(*this);
+        observer->links.Join(*this);
         entry.active = true;
     }
 
@@ -46,7 +46,7 @@ public:
             return;
         }
         entry->active = false;
-        observer->Leave(*this);
+        observer->links.Leave(*this);
         if (notifyDepth == 0) {
             Purge();
         }

@@ -42,6 +42,8 @@ SndBase::SndBase(const SndBase& other)
     , newFrequency(other.newFrequency)
     , frequencyFactor(other.frequencyFactor)
     , soundLength(other.soundLength)
+    , loopStart(other.loopStart)
+    , loopEnd(other.loopEnd)
     , fadeDuration(other.fadeDuration)
     , gain(other.gain)
 {
@@ -69,6 +71,9 @@ SndBase& SndBase::operator=(const SndBase& other)
     definitionName = other.definitionName;
     SetSndFile(other.GetSndFile());
     startSample = other.startSample;
+    startOffsetMs = other.startOffsetMs;
+    loopStart = other.loopStart;
+    loopEnd = other.loopEnd;
     SetSoundLength(other.soundLength);
     fadeDuration = other.fadeDuration;
     gain = other.gain;
@@ -126,6 +131,9 @@ void SndBase::LeaveLimits()
 
 void SndBase::NotifyEnd()
 {
+    if (IsMusic()) {
+        NotifyMusicEnd();
+    }
     Sound* group = GetParentSound();
     if (!group || HasAnyFlag(FlagPolylineSource)) {
         return;
@@ -133,7 +141,7 @@ void SndBase::NotifyEnd()
     if (!IsPlaying()) {
         // An observer always sees a begin before an abort.
         group->OnSoundBegin(soundID, fileName);
-        group->OnSoundAbort(soundID, fileName, static_cast<int>(static_cast<std::uint32_t>(soundLength)));
+        group->OnSoundAbort(soundID, fileName, static_cast<int>(LessStartOffset(soundLength)));
         return;
     }
     const std::uint32_t remaining = CalcRemainAtEnd();
@@ -203,12 +211,13 @@ void SndBase::Play(SndFile* file)
 {
     TakeFile(file);
     if (!IsPlaying()) {
-        if (startSample > 0) {
-            const int samples = startSample;
-            startSample = 0;
+        if (const int samples = TakeStartSamples(); samples > 0) {
             SkipSamples(samples);
         }
         SetIsPlaying(true);
+        if (IsMusic()) {
+            NotifyMusicBegin();
+        }
         if (Sound* group = GetParentSound()) {
             Telling telling(*this);
             group->OnSoundBegin(soundID, fileName);
@@ -252,14 +261,20 @@ bool SndBase::HoldsChannel() const
 }
 
 // Takes the sound off the driver, which puts the files back to what was heard, and keeps what has been heard
-// of its fades.
-void SndBase::PauseOutput()
+// of its fade-in.
+void SndBase::StopChannel()
 {
     if (sndChannel) {
         std::exchange(sndChannel, nullptr)->Stop();
         const auto longest = static_cast<std::uint32_t>(std::max(fadeDuration, 0));
         fadeInPassed = std::min(fadeInPassed + std::min(Row().stateTimeMs, longest), longest);
     }
+}
+
+// The same for what fades out, too.
+void SndBase::PauseOutput()
+{
+    StopChannel();
     if (fadeOutChannel) {
         SndChannel* channel = std::exchange(fadeOutChannel, nullptr);
         channel->Stop();
@@ -372,9 +387,9 @@ unsigned long SndBase::GetRemainLength() const
         return static_cast<std::uint32_t>(fadeDuration);
     }
     if (sndFile) {
-        return CalcFileRemain() + CalcQueueLength();
+        return LessStartOffset(CalcFileRemain() + CalcQueueLength());
     }
-    return soundLength;
+    return LessStartOffset(soundLength);
 }
 
 unsigned long SndBase::GetCurrentLength() const
@@ -392,8 +407,35 @@ unsigned long SndBase::GetCurrentLength() const
     else if (sndFile) {
         remaining = CalcFileRemain();
     }
-    const auto sum = static_cast<std::uint32_t>(remaining + CalcQueueLength());
+    const std::uint32_t sum = LessStartOffset(static_cast<std::uint32_t>(remaining + CalcQueueLength()));
     return sum < soundLength ? soundLength - sum : 0;
+}
+
+// What is left of `ms` for a sound that has not begun.
+std::uint32_t SndBase::LessStartOffset(std::uint32_t ms) const
+{
+    if (IsPlaying() || ms == unknownLength) {
+        return ms;
+    }
+    return ms - std::min(ms, startOffsetMs);
+}
+
+bool SndBase::SeekTo(unsigned long ms)
+{
+    if (!theKernel || !sndFile) {
+        return false;
+    }
+    const std::uint64_t sample =
+        std::uint64_t{ms} * static_cast<unsigned int>(sndFile->GetSampleFrequency()) / 1000;
+    if (sample >= static_cast<std::uint64_t>(std::max(sndFile->GetSoundSamples(), 0))) {
+        return false;
+    }
+    if (!IsPlaying()) {
+        SetStartOffset(ms);
+        return true;
+    }
+    const auto place = static_cast<int>(sample);
+    return theKernel->MoveTo(*this, IsLooping() ? sndFile->WrapToLoop(place) : place);
 }
 
 unsigned int SndBase::GetChannelFlags() const

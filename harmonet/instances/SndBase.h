@@ -27,7 +27,7 @@ enum SndFlags : std::uint32_t
     Flag3D = 0x00000001, ///< Positional.
     FlagFadeIn = 0x00000002, ///< Each new channel begins with a fade-in.
     FlagFadeOut = 0x00000004, ///< FadeOut() has been called.
-    FlagMusic = 0x00000008, ///< Music; the parent is a `Music`, and no observer hears of it.
+    FlagMusic = 0x00000008, ///< Music; the parent is a `Music`, and no SoundObserver hears of it.
     FlagLooping = 0x00000010, ///< Goes on from its start without end. Nothing clears it.
     FlagNotMovable = 0x00000020, ///< The channel gets the position once, at the start.
     FlagNoEmulation = 0x00000040, ///< Ends instead of running on without a channel.
@@ -128,8 +128,11 @@ public:
     unsigned long GetFrequency() const;
     /// Milliseconds still to come, with the queue; unknownLength for a looping sound.
     unsigned long GetRemainLength() const;
-    /// Milliseconds already played, out of the sound's length.
+    /// Milliseconds already played, out of the sound's length: its position.
     unsigned long GetCurrentLength() const;
+    /// Takes a sound with a file to a position, in milliseconds, as Music::SetPosition() says. Not during an
+    /// operation of the kernel on this sound. After a false it may be gone.
+    bool SeekTo(unsigned long ms);
 
     /// Less important: lower priority, or as great a priority and farther away. The distance counts
     /// multiplied by the multiplier unless SetCompareUsingMultiplier(false) is in force.
@@ -188,6 +191,10 @@ public:
     SndFile* GetSndFile() const;
     void SetSndFile(SndFile* file);
     void SetStartSample(int samples) { startSample = samples; }
+    /// Where it begins, in milliseconds, besides the start samples.
+    void SetStartOffset(unsigned long ms) { startOffsetMs = static_cast<std::uint32_t>(ms); }
+    /// The loop region of its file, in sample frames: see SndFile::SetLoopRegion(). Before it starts.
+    void SetLoopRegion(int start, int end);
     /// Milliseconds in 32 bits.
     void SetStateTime(unsigned long ms);
     unsigned long GetStateTime() const;
@@ -277,6 +284,18 @@ public:
         SndBase& sound;
         bool before;
     };
+    /// While one of these exists, what there is to tell of music is kept; the last one to go has it told to
+    /// the observers (MusicObserver).
+    class MusicHold
+    {
+    public:
+        MusicHold();
+        ~MusicHold();
+        MusicHold(const MusicHold&) = delete;
+        MusicHold& operator=(const MusicHold&) = delete;
+    };
+    /// Looks which observed pieces of music have gone round their loop since the last call.
+    static void NoteMusicLoops();
 
 protected:
     /// A new instance of the same sound that is not yet running: a fresh id, no parent, file, channel, list
@@ -311,13 +330,18 @@ private:
 
     bool AddEffect(SndFX effect, const void* record, unsigned long size, long quality);
     void NotifyEnd();
+    void NotifyMusicBegin();
+    void NotifyMusicEnd();
     float CalcMusicGain() const;
     void ReleaseFadeOutChannel();
+    void StopChannel();
     void PauseOutput();
+    void ApplyLoopRegion(SndFile& file) const;
+    int TakeStartSamples();
+    std::uint32_t LessStartOffset(std::uint32_t ms) const;
     void CloseAndDelete(SndFile* file);
     void MoveOnTo(SndFile* newFile);
     void StepToNextFile();
-    void SkipLooping(int samples);
     void SkipAlongQueue(int samples);
     void TakeFile(SndFile* file);
     void LeaveLimits();
@@ -327,6 +351,7 @@ private:
     void CountLoop(std::uint32_t samples);
     bool AdvanceEmulated(std::uint32_t samples);
     bool AdvanceLooping(int samples);
+    bool AdvanceInRegion(std::uint32_t samples);
     bool AdvanceAlongQueue(int samples);
     std::uint32_t CalcFileRemain() const;
     std::uint32_t CalcQueueLength() const;
@@ -353,13 +378,16 @@ private:
     std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
     int delay = 0;
     int startSample = 0;
+    std::uint32_t startOffsetMs = 0;
+    int loopStart = 0; ///< As asked for, in sample frames,
+    int loopEnd = 0; ///< 0: with the file.
     int fadeDuration = 0;
     float gain = 1.0F;
     std::int64_t startGameTime = 0; ///< When it is to begin, on the kernel's StartClock,
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t startSerial = 0; ///< Which start of a sound this was; 0 before the first.
     std::uint32_t tablePlace = noTablePlace; ///< Where it stands in the kernel's table.
-    int countedSamples = 0; ///< While Row() counts: how many the file has.
+    int countedSamples = 0; ///< While Row() counts: where in the file that ends.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the present reason was given.
     std::uint32_t startedAt = 0; ///< On the kernel's clock.
     /// What the channel that fades out needs to come back after a pause.
@@ -384,6 +412,7 @@ private:
     std::uint16_t traced = 0; ///< The state that the trace was last given; 0 for none.
     bool beingTold = false;
     bool ended = false; ///< Done() has begun.
+    bool hasRunOut = false; ///< As a virtual sound.
 
     static int lastSoundID;
 };

@@ -1,5 +1,6 @@
 // How a sound moves along its files without a channel: the start samples, and emulation.
 
+#include "harmonet/engine/Messages.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -7,6 +8,8 @@
 #include "harmonet/output/SndChannel.h"
 
 #include <algorithm>
+#include <limits>
+#include <utility>
 
 namespace Quon
 {
@@ -80,27 +83,40 @@ void SndBase::SkipSamples(int samples)
         return;
     }
     CatchUpFile();
-    if (IsLooping()) {
-        SkipLooping(samples);
-    }
-    else {
+    if (!IsLooping()) {
         SkipAlongQueue(samples);
+    }
+    else if (sndFile->GetSoundSamples() > 0) {
+        // In 64 bits, for the sum can pass 32.
+        sndFile->SeekTo(sndFile->WrapToLoop(std::int64_t{sndFile->GetCurrentSample()} + samples));
     }
 }
 
-void SndBase::SkipLooping(int samples)
+// Where the sound begins in its files.
+int SndBase::TakeStartSamples()
 {
-    const int total = sndFile->GetSoundSamples();
-    if (total <= 0) {
-        return;
+    std::int64_t samples = std::exchange(startSample, 0);
+    if (const std::uint32_t offsetMs = std::exchange(startOffsetMs, 0); offsetMs > 0 && sndFile) {
+        samples += std::int64_t{offsetMs} * sndFile->GetSampleFrequency() / static_cast<int>(msPerSecond);
     }
-    const int current = sndFile->GetCurrentSample();
-    if (samples >= total - current) {
-        sndFile->Rewind();
-        // In 64 bits, for the sum can pass 32.
-        samples = static_cast<int>((static_cast<std::int64_t>(current) - total + samples) % total);
+    return static_cast<int>(std::min<std::int64_t>(samples, std::numeric_limits<int>::max()));
+}
+
+void SndBase::SetLoopRegion(int start, int end)
+{
+    loopStart = start;
+    loopEnd = end;
+    if (sndFile) {
+        ApplyLoopRegion(*sndFile);
     }
-    sndFile->SkipSamples(samples);
+}
+
+void SndBase::ApplyLoopRegion(SndFile& file) const
+{
+    if (!file.SetLoopRegion(loopStart, loopEnd)) {
+        Report(MessageLevel::Error, "sound file '", fileName, "' loops as a whole: of its ",
+            file.GetSoundSamples(), " sample frames nothing is from ", loopStart, " to ", loopEnd);
+    }
 }
 
 void SndBase::SkipAlongQueue(int samples)
@@ -108,7 +124,7 @@ void SndBase::SkipAlongQueue(int samples)
     while (true) {
         const int left = CountSamplesLeft(*sndFile);
         if (samples < left) {
-            sndFile->SkipSamples(samples);
+            sndFile->SeekTo(sndFile->GetCurrentSample() + samples);
             return;
         }
         if (!sndFile->GetNext()) {
@@ -128,6 +144,7 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
     const UpdateStep step = theKernel->MakeStep(seconds);
     const unsigned long left = GetRemainLength();
     if (left != unknownLength && left < std::uint64_t{step.minEmulationMs} + step.ms) {
+        hasRunOut = true;
         return false;
     }
     SoundRow& row = Row();
@@ -145,7 +162,8 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
         }
         CatchUpFile();
     }
-    return AdvanceEmulated(static_cast<std::uint32_t>(GetFrequency()) * step.ms / 1000U);
+    hasRunOut = !AdvanceEmulated(static_cast<std::uint32_t>(GetFrequency()) * step.ms / 1000U);
+    return !hasRunOut;
 }
 
 void SndBase::StartCounting()
@@ -154,8 +172,8 @@ void SndBase::StartCounting()
     if (!IsCountable(*sndFile) || mayGoRound || HasAnyFlag(FlagFadeOut)) {
         return;
     }
-    Row().samplesLeft = CountSamplesLeft(*sndFile);
-    countedSamples = sndFile->GetSoundSamples();
+    countedSamples = IsLooping() ? sndFile->GetPassEnd() : sndFile->GetSoundSamples();
+    Row().samplesLeft = std::max(countedSamples - sndFile->GetCurrentSample(), 0);
     Row().SetMark(RowCounted, true);
     NoteRate();
 }
@@ -177,20 +195,23 @@ void SndBase::CatchUpFile() const
         sndFile->Rewind();
     }
     row.SetMark(RowCounted | RowRewound, false);
-    sndFile->SkipSamples(sndFile->GetSoundSamples() - row.samplesLeft - sndFile->GetCurrentSample());
+    sndFile->SkipSamples(countedSamples - row.samplesLeft - sndFile->GetCurrentSample());
 }
 
-// Round the loop, which has no end.
+// Round the loop, which has no end, by at least as many as are left of the pass.
 void SndBase::CountLoop(std::uint32_t samples)
 {
-    const auto total = static_cast<std::uint32_t>(countedSamples);
-    const auto rest = static_cast<std::int32_t>(samples < total ? samples : samples % total);
     SoundRow& row = Row();
-    if (rest > row.samplesLeft) {
-        row.samplesLeft += countedSamples;
-        row.SetMark(RowRewound, true);
+    samples -= static_cast<std::uint32_t>(row.samplesLeft);
+    row.samplesLeft = 0;
+    if (samples == 0) {
+        return;
     }
-    row.samplesLeft -= rest;
+    countedSamples = sndFile->GetLoopEnd();
+    const int passLength = countedSamples - sndFile->GetLoopStart();
+    const auto inPass = static_cast<std::int32_t>((samples - 1) % static_cast<std::uint32_t>(passLength)) + 1;
+    row.samplesLeft = passLength - inPass;
+    row.SetMark(RowRewound, true);
 }
 
 // Milliseconds of the current file, as the file would say it.
@@ -203,7 +224,9 @@ std::uint32_t SndBase::CalcFileRemain() const
     if (sndFile->GetSampleFrequency() <= 0) {
         return 0;
     }
-    const double seconds = static_cast<double>(row.samplesLeft) / sndFile->GetSampleFrequency();
+    const double samplesLeft =
+        static_cast<double>(row.samplesLeft) + sndFile->GetSoundSamples() - countedSamples;
+    const double seconds = samplesLeft / sndFile->GetSampleFrequency();
     return static_cast<std::uint32_t>(std::min(seconds * msPerSecond, 4294967295.0));
 }
 
@@ -217,6 +240,10 @@ bool SndBase::AdvanceEmulated(std::uint32_t samples)
     if (total == 0) {
         return false;
     }
+    const bool isRegion = IsLooping() && sndFile->HasLoopRegion();
+    if (isRegion) {
+        return AdvanceInRegion(samples);
+    }
     const int rest = static_cast<int>(samples < total ? samples : samples % total);
     return IsLooping() ? AdvanceLooping(rest) : AdvanceAlongQueue(rest);
 }
@@ -229,6 +256,24 @@ bool SndBase::AdvanceLooping(int samples)
     }
     sndFile->Rewind();
     return sndFile->SkipSamples(samples - skipped) == samples - skipped;
+}
+
+// Data that end before the region does end the pass.
+bool SndBase::AdvanceInRegion(std::uint32_t samples)
+{
+    const std::int64_t position = std::int64_t{sndFile->GetCurrentSample()} + samples;
+    const int target = sndFile->WrapToLoop(position);
+    if (target == position) {
+        sndFile->SkipSamples(static_cast<int>(samples));
+    }
+    else {
+        sndFile->SeekTo(target);
+    }
+    if (sndFile->GetCurrentSample() != target) {
+        sndFile->RewindLoop();
+        return sndFile->GetCurrentSample() == sndFile->GetLoopStart();
+    }
+    return true;
 }
 
 bool SndBase::AdvanceAlongQueue(int samples)

@@ -54,6 +54,7 @@ void ApplyCommonSettings(SndBase& sound, const SoundResource& resource, const So
     if (resource.GetDelay() > 0) {
         sound.SetDelay(resource.GetDelay());
     }
+    sound.SetLoopRegion(resource.GetLoopStart(), resource.GetLoopEnd());
     sound.SetThisFXList(resource.GetFXList().DuplicateFiltered(theKernel->GetResourceFX()));
     if (choice.frequencyFactor != 1.0F) {
         ApplyFrequencyFactor(sound, choice.frequencyFactor);
@@ -118,7 +119,7 @@ Sound::~Sound()
     hasShutDown = true;
     Notify([this](SoundObserver& observer) {
         observer.subject = nullptr;
-        observer.Leave(*this);
+        observer.links.Leave(*this);
         observer.OnShutDown();
     });
 }

@@ -174,6 +174,18 @@ public:
     int GetSoundPriority(int id, int);
     /// Milliseconds before the sound may start. Ignored once it runs, like the next one.
     void SetSoundDelay(int id, int ms);
+    /// Where the sound begins: milliseconds into its data, the queue included; the lengths below count from
+    /// there. A sound that has no channel then begins there too. Beyond its end the sound ends as soon as it
+    /// has begun, as one that has run out; a loop goes round. Ignored once it runs, and for a sound along a
+    /// line.
+    void SetSoundStartOffset(int id, unsigned long ms);
+    /// What of the sound is a loop, if it loops (StartLooping, or the resource): it plays up to sample frame
+    /// `end`, which is not heard any more, and goes on from sample frame `start` without a gap. So a
+    /// beginning is heard once. An end of 0, or beyond the file, is its end; 0 and 0 is the whole file, as
+    /// without this call. A region that holds nothing counts as the whole file. Takes the place of that of
+    /// the resource. Ignored once the sound runs, and for a sound along a line, which has that of its
+    /// resource.
+    void SetSoundLoopRegion(int id, int start, int end);
     /// Each time the sound gets a channel it rises from silence over `ms` milliseconds. Has no effect on a
     /// sound along a line.
     void SetSoundFadeIn(int id, int ms);

@@ -19,27 +19,7 @@ SoundObserver& SoundObserver::operator=(const SoundObserver& other)
 // Not through `subject`, which names one group at most and, in a copy, perhaps one that is gone.
 SoundObserver::~SoundObserver()
 {
-    while (!groups.IsEmpty()) {
-        ObserverSubject<SoundObserver>& group = **groups.GetBegin();
-        Leave(group);
-        group.RemoveObserver(this);
-    }
-}
-
-void SoundObserver::Join(ObserverSubject<SoundObserver>& group)
-{
-    groups.Append(&group);
-}
-
-void SoundObserver::Leave(ObserverSubject<SoundObserver>& group)
-{
-    auto place = groups.GetBegin();
-    while (place.IsValid() && *place != &group) {
-        place.MoveOn();
-    }
-    if (place.IsValid()) {
-        groups.Erase(place);
-    }
+    links.LeaveAll(*this);
 }
 
 void SoundObserver::OnShutDown() {}

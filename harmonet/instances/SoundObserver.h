@@ -1,14 +1,12 @@
 #pragma once
 
 #include "harmonet/Export.h"
-#include "harmonet/engine/ChunkRing.h"
+#include "harmonet/instances/ObserverLinks.h"
 
 namespace Quon
 {
 
 class PString;
-template<class Observer>
-class ObserverSubject;
 
 /// Base class of game code that wants to hear what becomes of the sounds of a `Sound`. The handlers do
 /// nothing here; override those that matter.
@@ -57,10 +55,7 @@ private:
     friend class ObserverSubject<SoundObserver>;
     friend class Sound;
 
-    void Join(ObserverSubject<SoundObserver>& group);
-    void Leave(ObserverSubject<SoundObserver>& group);
-
-    ChunkRing<ObserverSubject<SoundObserver>*, 4> groups; ///< In whose lists this observer counts as added.
+    ObserverLinks<SoundObserver> links;
 };
 
 } // namespace Quon

@@ -89,6 +89,22 @@ void Sound::SetSoundDelay(int id, int ms)
     }
 }
 
+void Sound::SetSoundStartOffset(int id, unsigned long ms)
+{
+    SndBase* sound = FindSound(id);
+    if (sound && !sound->IsPlaying() && !sound->IsPolyline()) {
+        sound->SetStartOffset(ms);
+    }
+}
+
+void Sound::SetSoundLoopRegion(int id, int start, int end)
+{
+    SndBase* sound = FindSound(id);
+    if (sound && !sound->IsPlaying() && !sound->IsPolyline()) {
+        sound->SetLoopRegion(start, end);
+    }
+}
+
 void Sound::SetSoundFadeIn(int id, int ms)
 {
     SndBase* sound = FindSound(id);

@@ -52,6 +52,7 @@ void SndKernel::Update(float seconds)
         return;
     }
     ForgetNewcomers();
+    const SndBase::MusicHold hold;
     FlagScope running(updating);
     if (trace) {
         RunTraced(seconds);
@@ -59,6 +60,7 @@ void SndKernel::Update(float seconds)
     else {
         RunFullUpdate(seconds);
     }
+    SndBase::NoteMusicLoops();
     assert(IsConsistent());
 }
 

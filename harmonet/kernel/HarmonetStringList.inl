@@ -78,5 +78,7 @@ HARMONET_STRING(maxSounds, "MaxSounds")
 HARMONET_STRING(streamLength, "StreamLength")
 HARMONET_STRING(cacheSize, "SoundCacheSize")
 HARMONET_STRING(seed, "SoundSeed")
+HARMONET_STRING(loopStart, "*LOOP_START")
+HARMONET_STRING(loopEnd, "*LOOP_END")
 
 #undef HARMONET_STRING

@@ -9,7 +9,6 @@
 #include "harmonet/output/SndDriver.h"
 
 #include <cmath>
-#include <utility>
 
 namespace Quon
 {
@@ -34,6 +33,15 @@ constexpr const char* noChannel =
 } // namespace
 
 SndFile* SndKernel::OpenFileOf(SndBase& sound)
+{
+    SndFile* file = OpenWholeFileOf(sound);
+    if (file) {
+        sound.ApplyLoopRegion(*file);
+    }
+    return file;
+}
+
+SndFile* SndKernel::OpenWholeFileOf(SndBase& sound)
 {
     if (sound.IsMusic()) {
         SndFile* const held = dataCache->OpenHeld(sound.substName, sound.fileName);
@@ -307,6 +315,18 @@ void SndKernel::GiveUpFile(SndBase& instance)
     instance.CloseAndDelete(file);
 }
 
+bool SndKernel::MoveTo(SndBase& sound, int sample)
+{
+    const bool isHeard = sound.sndChannel;
+    sound.StopChannel();
+    sound.GetSndFile()->SeekTo(sample);
+    if (!isHeard || StartChannel(&sound)) {
+        return true;
+    }
+    Unlist(sound);
+    return EmulateOrDelete(sound);
+}
+
 bool SndKernel::EmulateSound(SndBase* sound)
 {
     SndFile* file = sound->GetSndFile();
@@ -360,11 +380,15 @@ void SndKernel::DeleteListed(Matches matches)
 
 void SndKernel::StopAll()
 {
-    DeleteListed([](const SoundRow&) { return true; });
-    // What observers have started in answer ends too. From here on they start nothing more, so that this
-    // comes to an end and nothing is left.
-    const bool refusedBefore = std::exchange(refusesSounds, true);
-    DeleteAllSounds(0);
+    const bool refusedBefore = refusesSounds;
+    {
+        const SndBase::MusicHold hold;
+        DeleteListed([](const SoundRow&) { return true; });
+        // What observers have started in answer ends too. From here on they start nothing more, so that this
+        // comes to an end and nothing is left.
+        refusesSounds = true;
+        DeleteAllSounds(0);
+    }
     refusesSounds = refusedBefore;
 }
 

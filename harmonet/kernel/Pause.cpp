@@ -198,11 +198,15 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
     if (fade.gain < 1.0F) {
         channel->SetGain(fade.gain);
     }
-    // Play() places what is at the sound's own channel, and that is the next piece's.
+    // Play() places what is at the sound's own channel, and begins what has not begun: that is the next
+    // piece.
     SndFile* own = sound.sndFile;
+    const bool hasBegun = sound.IsPlaying();
+    sound.SetIsPlaying(true);
     sound.sndChannel = channel;
     sound.Play(file);
     sound.sndChannel = nullptr;
+    sound.SetIsPlaying(hasBegun);
     sound.TakeFile(own);
     if (sound.newFrequency != 0) {
         channel->SetFrequency(sound.newFrequency);

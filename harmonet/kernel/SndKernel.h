@@ -121,6 +121,9 @@ public:
     /// Prepares an instance without a `sndChannel` for another piece: it leaves its list, unless a fade-out
     /// keeps it there, and closes what it has open.
     void GiveUpFile(SndBase& instance);
+    /// Takes a running sound to another sample frame of its file; one that is heard goes on there on a
+    /// channel of its own. False if it could not go on and has ended.
+    bool MoveTo(SndBase& sound, int sample);
     /// Milliseconds of that file, from a like sound if there is one; 0 if it cannot be opened.
     unsigned long GetLength(const PString& substName, const PString& fileName);
     /// Ends every sound. What observers start in answer ends too, and in the end they can start nothing.
@@ -212,6 +215,7 @@ public:
 private:
     /// The file of a sound that has none open: music streams, all else comes through the data cache.
     SndFile* OpenFileOf(SndBase& sound);
+    SndFile* OpenWholeFileOf(SndBase& sound);
 
     void ReadOptions(const Options& hostOptions);
     int OpenDriver(OS* os, bool driverFlag);

@@ -103,6 +103,8 @@ std::string Describe(const SoundResource& sound)
 {
     Description text{std::string(sound.GetFileName().GetView())};
     text.Add("looping", sound.GetLooping(), 0);
+    text.Add("loop start", sound.GetLoopStart(), 0);
+    text.Add("loop end", sound.GetLoopEnd(), 0);
     text.Add("gain", sound.GetGain(), 1.0F);
     text.Add("delay", static_cast<float>(sound.GetDelay()), 0);
     text.Add("min", sound.GetMinDistance(), 10.0F);

@@ -111,7 +111,7 @@ TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
             ++count;
         }
     }
-    EXPECT_EQ(count, 19);
+    EXPECT_EQ(count, 21);
 }
 
 TEST_F(TextDocs, EachEffectStandsThereWithItsFieldsTheirRangesAndDefaults)

@@ -70,7 +70,7 @@ TEST_F(TextSettings, EachKeywordReachesItsSetting)
 {
     CheckBlocks({
         {"", ""},
-        {"*LOOPING true", "looping 1"},
+        {"*LOOPING true\n*LOOP_START 441\n*LOOP_END 882", "looping 1, loop start 441, loop end 882"},
         {"*GAIN 1\n*GAIN 0.25", "gain 0.25"},
         {"*DELAY 250", "delay 250"},
         {"*MIN_DISTANCE 5\n*MAX_DISTANCE 120.5", "min 5, max 120.5"},
@@ -80,6 +80,7 @@ TEST_F(TextSettings, EachKeywordReachesItsSetting)
         {"*SET_FRQUENCY true", "changing 1"},
         {"*DISABLE_ENV_FX true", "dry 1"},
         // Nothing is clamped.
+        {"*LOOP_START -1", "loop start -1", {"3 *LOOP_START out of range: -1 of 0 to 2147483648"}},
         {"*GAIN 7\n*MIN_DISTANCE -1\n*CONE_GAIN -3", "gain 7, min -1, conegain -3",
             {"3 *GAIN out of range: 7 of 0 to 1", "4 *MIN_DISTANCE out of range: -1 of 0 to 3.4028235e+38",
                 "5 *CONE_GAIN out of range: -3 of 0 to 1"}},

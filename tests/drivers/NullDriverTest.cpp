@@ -40,6 +40,12 @@ TEST(NullDriver, ALoopIsNotReadThroughTimeAfterTimeAfterALongHalt)
     rig->Step(24UL * 3600 * 1000 + 12);
     EXPECT_EQ(file->GetCurrentSample(), 120);
     EXPECT_LE(file->GetFramesRead(), 1000);
+    // Nor is one with a beginning that is heard once.
+    file->Rewind();
+    EXPECT_TRUE(file->SetLoopRegion(300, 700));
+    rig->Step(24UL * 3600 * 1000 + 12);
+    EXPECT_EQ(file->GetCurrentSample(), 300 + (24 * 3600 * 10000 + 120 - 300) % 400);
+    EXPECT_LE(file->GetFramesRead(), 2000);
 }
 
 } // namespace

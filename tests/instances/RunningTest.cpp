@@ -87,6 +87,97 @@ TEST_F(RunningTest, TheStartSamplesAreSkippedAlongTheQueueOrRoundTheLoop)
     }
 }
 
+// A sound that begins without a channel is at its offset then, and goes round its loop region by the time
+// that passes, be it counted or, in a file that is shorter than it states, moved at each update.
+TEST_F(RunningTest, AVirtualSoundBeginsAtItsOffsetAndGoesRoundItsLoopRegion)
+{
+    struct Row
+    {
+        unsigned long offset;
+        int loopStart;
+        int loopEnd;
+        bool isLoop = true;
+    };
+    constexpr int frames = 4000;
+    constexpr int steps[] = {40, 63, 100, 137, 1000, 40, 2500, 9001, 500};
+    std::vector<unsigned char> shorter = BuildWave({frames});
+    shorter.resize(shorter.size() - 600);
+    folder.Write("shorter.wav", shorter);
+    for (const PString& file : {FileOf(frames), PString("shorter.wav")}) {
+        for (const Row& row : {Row{500, 0, 0}, Row{0, 700, 3000}, Row{3500, 700, 3000}, Row{9000, 0, 3000},
+                 Row{1200, 1000, 1010}, Row{0, 2000, 2001}, Row{250, 5000, 6000}, Row{250, 3000, 700},
+                 Row{250, -5, 700}, Row{700, 0, 0, false}}) {
+            SCOPED_TRACE(testing::Message() << file.GetText() << ", offset " << row.offset << ", region "
+                                            << row.loopStart << " to " << row.loopEnd);
+            const bool isValid = row.loopStart >= 0 && row.loopStart < row.loopEnd && row.loopStart < frames;
+            const int start = isValid ? row.loopStart : 0;
+            const int end = isValid ? std::min(row.loopEnd, frames) : frames;
+            if (file == "shorter.wav" && end == frames) {
+                continue;
+            }
+            const int id = group->New2DSound(file, nullptr);
+            group->SetSoundStartOffset(id, row.offset);
+            group->SetSoundLoopRegion(id, row.loopStart, row.loopEnd);
+            Displace(id, row.isLoop ? Sound::StartLooping : 0);
+            EXPECT_EQ(group->GetRemainLength(id), row.isLoop ? unknownLength : frames - row.offset);
+            long place = static_cast<long>(row.offset);
+            const auto isThere = [&](long current, long tolerance) {
+                while (place > end) {
+                    place -= end - start;
+                }
+                // The end of a pass is the start of the next.
+                const long atSeam = place == end ? start : place == start ? end : place;
+                return std::abs(current - place) <= tolerance || std::abs(current - atSeam) <= tolerance;
+            };
+            for (const int step : steps) {
+                // Milliseconds are cut off.
+                const auto current = static_cast<long>(group->GetCurrentLength(id));
+                EXPECT_TRUE(isThere(current, 1)) << current << ", not " << place << ", before " << step;
+                if (row.isLoop || place + 2 * step < frames) {
+                    Step(step);
+                    place += step;
+                }
+            }
+            // Its channel goes on from there.
+            system.SetMaxAudibleSounds(20);
+            Step(40);
+            place += 40;
+            EXPECT_NE(ChannelOf(id), 0);
+            const int current = Find(id)->GetSndFile()->GetCurrentSample();
+            EXPECT_TRUE(isThere(current, 0)) << current << ", not " << place;
+            group->StopSound(id);
+        }
+    }
+}
+
+// Along the queue; at the end, a sound ends as one that has run out.
+TEST_F(RunningTest, TheStartOffsetCountsAlongTheQueueAndBeyondItsEndTheSoundEnds)
+{
+    struct Row
+    {
+        unsigned long offset;
+        const char* expected;
+    };
+    for (const Row& row : {Row{0, "0 of 1000+"}, Row{999, "999 of 1000+"}, Row{1600, "600 of 700"},
+             Row{1700, "700 of 700"}, Row{4000000000, "700 of 700"}}) {
+        SCOPED_TRACE(row.offset);
+        const int id = NewQueue({1000, 700});
+        group->SetSoundStartOffset(id, row.offset);
+        const unsigned long left = row.offset < 1700 ? 1700 - row.offset : 0;
+        EXPECT_EQ(group->GetRemainLength(id), left);
+        TakeLog();
+        EXPECT_TRUE(group->StartSound(id, Sound::StartImmediately));
+        EXPECT_EQ(Where(id), row.expected);
+        EXPECT_EQ(group->GetRemainLength(id), left);
+        EXPECT_EQ(group->GetCurrentLength(id), 1700 - left);
+        // It runs already.
+        group->SetSoundStartOffset(id, 5);
+        EXPECT_EQ(group->GetCurrentLength(id), 1700 - left);
+        StepWithEnd(ChannelOf(id));
+        EXPECT_EQ(TakeLog({"end"}).size(), left == 0 ? 1U : 0U);
+    }
+}
+
 // The samples of a step are counted in 32 bits, as on every other machine.
 // From the full update before, also across time that the task list holds back, with the delay of the sound.
 TEST_F(RunningTest, TheDriverIsToldWhenTheGameAskedForASoundThatBegins)

@@ -21,14 +21,15 @@ int RecordingState::Read(int channel, int sampleFrames)
         static_cast<std::size_t>(file->GetBytesPerSample() * file->GetChannels()));
     int read = 0;
     while (read < sampleFrames) {
-        const int left = std::max(file->GetSoundSamples() - file->GetCurrentSample(), 0);
+        const int end = isLooping ? file->GetPassEnd() : file->GetSoundSamples();
+        const int left = std::max(end - file->GetCurrentSample(), 0);
         const int got = file->ReadSamples(pcm.data(), std::min(sampleFrames - read, left));
         read += got;
         if (got == 0 && (!isLooping || file->GetCurrentSample() == 0)) {
             break;
         }
         if (got == 0) {
-            file->Rewind();
+            file->RewindLoop();
         }
     }
     record.channel->Unlock();

@@ -88,7 +88,8 @@ std::vector<Finding> DefinitionCheck::Run(DefinitionFile& file)
     Quon::SoundDefResource::SetListener(before);
     if (isLoaded) {
         const Quon::SoundDefResource& sound = file.GetSettings();
-        CheckSoundFile(sound.GetOwnerName(), sound.GetFileName(), FindLine(Keys::file));
+        CheckSoundFile(sound, sound.GetFileName(), FindLine(Keys::file));
+        CheckLoop(sound);
         CheckVariation(sound);
         CheckDistances(sound);
         CheckCone(sound);
@@ -195,16 +196,29 @@ int DefinitionCheck::FindLine(const Quon::PString& keyword) const
     return found != lines.end() ? found->second : 0;
 }
 
-void DefinitionCheck::CheckSoundFile(const Quon::PString& owner, const Quon::PString& name, int line)
+void DefinitionCheck::CheckSoundFile(const Quon::SoundDefResource& sound, const Quon::PString& name, int line)
 {
     const std::string shown = "the sound file '" + ToString(name) + "' ";
-    const int code = TryToOpen(owner, name);
+    const int code = TryToOpen(sound.GetOwnerName(), name);
     if (code != Quon::File::Opened) {
         return AddError(line, shown + FormatOpenCode(code));
     }
-    const std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(owner, name));
+    const std::unique_ptr<Quon::SndFile> data(Quon::SndFile::OpenFile(sound.GetOwnerName(), name));
     if (!data) {
         AddError(line, shown + "is neither a PCM or Microsoft ADPCM wave nor MPEG Layer III");
+    }
+    else if (!data->SetLoopRegion(sound.GetLoopStart(), sound.GetLoopEnd())) {
+        AddWarning(std::max(FindLine(Keys::loopStart), FindLine(Keys::loopEnd)),
+            shown + "loops as a whole: nothing of its " + std::to_string(data->GetSoundSamples()) +
+                " sample frames is in the loop region");
+    }
+}
+
+void DefinitionCheck::CheckLoop(const Quon::SoundDefResource& sound)
+{
+    const int line = std::max(FindLine(Keys::loopStart), FindLine(Keys::loopEnd));
+    if (line != 0 && !sound.GetLooping() && !sound.GetPolyline()) {
+        AddWarning(line, "the loop region has no effect unless the game starts the sound as a loop");
     }
 }
 
@@ -212,7 +226,7 @@ void DefinitionCheck::CheckVariation(const Quon::SoundDefResource& sound)
 {
     const Quon::SoundVariation& variation = sound.GetVariation();
     for (std::size_t i = 0; i < variation.variants.size() && i < variantLines.size(); ++i) {
-        CheckSoundFile(sound.GetOwnerName(), variation.variants[i], variantLines[i]);
+        CheckSoundFile(sound, variation.variants[i], variantLines[i]);
     }
     if (const int line = FindLine(Keys::variantOrder); line && variation.variants.empty()) {
         AddWarning(line, ToString(Keys::variantOrder) + " has no effect without " + ToString(Keys::variant));

@@ -29,7 +29,8 @@ private:
     void AddError(int line, const std::string& text) { findings.push_back({line, true, text}); }
     void AddWarning(int line, const std::string& text) { findings.push_back({line, false, text}); }
 
-    void CheckSoundFile(const Quon::PString& owner, const Quon::PString& name, int line);
+    void CheckSoundFile(const Quon::SoundDefResource& sound, const Quon::PString& name, int line);
+    void CheckLoop(const Quon::SoundDefResource& sound);
     void CheckVariation(const Quon::SoundDefResource& sound);
     void CheckCone(const Quon::SoundDefResource& sound);
     void CheckDistances(const Quon::SoundDefResource& sound);

@@ -150,11 +150,22 @@ std::vector<Setting> DescribeEffects(const Quon::SoundDefResource& sound)
     return described;
 }
 
+std::string FormatLoopRegion(const Quon::SoundDefResource& sound)
+{
+    if (sound.GetLoopStart() == 0 && sound.GetLoopEnd() == 0) {
+        return "the whole file";
+    }
+    return "sample frames " + std::to_string(sound.GetLoopStart()) + " to " +
+        (sound.GetLoopEnd() != 0 ? std::to_string(sound.GetLoopEnd()) : "the end");
+}
+
 std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
 {
     const std::string file(sound.GetFileName().GetView());
     std::vector<Setting> settings = {{"sound file", file, "soundFile", file},
         {"looping", Yes(sound.GetLooping()), "looping", sound.GetLooping()},
+        {"loop region", FormatLoopRegion(sound), "loopRegion",
+            {{"start", sound.GetLoopStart()}, {"end", sound.GetLoopEnd()}}},
         {"gain", FormatNumber(sound.GetGain()), "gain", Rounded(sound.GetGain())},
         {"delay", std::to_string(sound.GetDelay()) + " ms", "delayMs", sound.GetDelay()},
         {"distances",

@@ -444,17 +444,51 @@ void SndFileMP3::StepBack(int samples)
         return;
     }
     const int target = std::max(currentSample - samples, 0);
-    if (!DecodeTo(target)) {
+    // The bit reservoir, 511 bytes at most, reaches back as far as that at 32 kbit/s and above in stereo, and
+    // the filters one MPEG frame. At lower rates a few MPEG frames can differ, as after a skip.
+    constexpr int warmUpFrames = 12;
+    if (!DecodeTo(target, warmUpFrames)) {
         Rewind();
         SkipSamples(target);
     }
 }
 
-bool SndFileMP3::DecodeTo(int target)
+void SndFileMP3::SeekTo(int sample)
 {
-    // The bit reservoir, 511 bytes at most, reaches back as far as that at 32 kbit/s and above in stereo, and
-    // the filters one MPEG frame. At lower rates a few MPEG frames can differ, as after a skip.
-    constexpr int warmUpFrames = 12;
+    // With 255 bytes of reservoir at 8 kbit/s and one channel, and two MPEG frames for the filters.
+    constexpr int warmUpFrames = 32;
+    if (fileType != FileMP3) {
+        return;
+    }
+    Rewind();
+    const int target = std::min(sample, maxInt - 2 * maxFrameSamples);
+    if (target > 0 && WalkTo(target) && !DecodeTo(target, warmUpFrames)) {
+        Rewind();
+        SkipSamples(target);
+    }
+}
+
+bool SndFileMP3::WalkTo(int target)
+{
+    while (true) {
+        const FrameMark mark = {readPosition, currentSample};
+        if (!ReadHeader()) {
+            break;
+        }
+        frameMarks.Add(mark);
+        if (currentSample + frameSamples > target) {
+            return true;
+        }
+        currentSample += frameSamples;
+        readPosition += frameLength;
+    }
+    frameLength = 0;
+    pcmIndex = frameSamples;
+    return false;
+}
+
+bool SndFileMP3::DecodeTo(int target, int warmUpFrames)
+{
     const FrameMark* const mark = frameMarks.Find(target, warmUpFrames);
     if (mark == nullptr) {
         return false;

@@ -66,6 +66,9 @@ public:
     /// Within the last second or so that has been decoded it goes back to an MPEG frame whose place it has
     /// kept, and decodes a few frames, so that the sound is right at once.
     void StepBack(int samples) override;
+    /// Walks the frame headers from the start and decodes the frames before the place, as many as its bit
+    /// reservoir and the filters need; at the lowest bit rates a few more frames can still differ.
+    void SeekTo(int sample) override;
 
     /// Makes all objects decode with these kernels, for comparisons; null goes back to the fastest ones. Not
     /// while any object decodes.
@@ -112,8 +115,10 @@ private:
     void DecodeGranule(int granule);
     /// Skips one frame by its header if it is no longer than `samples`; returns how long it was.
     int SkipFrame(int samples);
-    /// Decodes from a frame on whose place is known until `target` is in `pcmBuffer`.
-    bool DecodeTo(int target);
+    /// Decodes until `target` is in `pcmBuffer`, from up to `warmUpFrames` before it whose places are known.
+    bool DecodeTo(int target, int warmUpFrames);
+    /// From the start to the frame that holds `target`, keeping the places. False if the data end before it.
+    bool WalkTo(int target);
     /// The format that the samples in `pcmBuffer` have.
     void FollowHeader();
 
@@ -166,7 +171,7 @@ private:
     int windowBegin = 0; ///< Position of its first byte.
     int windowHeld = 0; ///< Bytes in it.
 
-    FrameMarks frameMarks; ///< Of the frames that have been decoded.
+    FrameMarks frameMarks; ///< Of the frames that have been decoded, or walked to in order to decode them.
 };
 
 /// 3 if the file is MPEG audio of the kind that SndFileMP3 plays, going by its wrapper or by its first four

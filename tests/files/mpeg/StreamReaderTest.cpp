@@ -53,6 +53,13 @@ TEST(MpegReader, AnyMixOfReadsSkipsStepsBackAndRewindsKeepsTheCountAndTheSound)
                 position = rightFrom = 0;
                 continue;
             }
+            if (action == 2 && random() % 2 == 0) {
+                position = std::uniform_int_distribution(0, total)(random);
+                rightFrom = 0;
+                file.Get()->SeekTo(position);
+                EXPECT_EQ(file.Get()->GetCurrentSample(), position);
+                continue;
+            }
             if (action == 1) {
                 file.Get()->StepBack(wanted);
                 position = std::max(position - wanted, 0);
@@ -75,6 +82,37 @@ TEST(MpegReader, AnyMixOfReadsSkipsStepsBackAndRewindsKeepsTheCountAndTheSound)
             ASSERT_EQ(moved, std::min(wanted, total - position));
             position += moved;
             ASSERT_EQ(file.Get()->GetCurrentSample(), position);
+        }
+    }
+}
+
+// Far into a stream, where the reader decodes only what the place depends on; then back over what it has.
+TEST(MpegReader, ASeekIsRightToTheSampleFrame)
+{
+    for (const char* name : {"joint-44100.mp3", "crc-44100.mp3", "vbr-32000.mp3", "joint-24000.mp3",
+             "joint-22050.mp3", "mono-16000.mp3", "mono-48000.mp3"}) {
+        SCOPED_TRACE(name);
+        const Bytes once = ReadStream(name);
+        const Bytes stream = once + once + once + once;
+        const std::vector<int> whole = DecodeAll(stream);
+        MemoryStream file(stream);
+        const int channels = file.Get()->GetChannels();
+        const int total = static_cast<int>(whole.size()) / channels;
+        std::mt19937 random(11);
+        const auto expectRight = [&](int place) {
+            ASSERT_EQ(file.Get()->GetCurrentSample(), place);
+            const std::vector<int> part = file.ReadOnce(2000);
+            ASSERT_TRUE(place == total || !part.empty());
+            ASSERT_TRUE(std::equal(part.begin(), part.end(), whole.begin() + channels * place)) << place;
+        };
+        for (int round = 0; round < 30; ++round) {
+            const int place = round == 0 ? total : std::uniform_int_distribution(0, total)(random);
+            file.Get()->SeekTo(place);
+            expectRight(place);
+            const int back = std::min(std::uniform_int_distribution(1, 9000)(random), place);
+            const int target = file.Get()->GetCurrentSample() - back;
+            file.Get()->StepBack(back);
+            expectRight(target);
         }
     }
 }

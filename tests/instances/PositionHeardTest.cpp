@@ -1,0 +1,243 @@
+// Where in its data a sound is heard: rendered through the output driver, against the data themselves.
+
+#include "harmonet/instances/Music.h"
+#include "harmonet/instances/Sound.h"
+#include "tests/drivers/OfflineRig.h"
+#include "tests/support/HostTest.h"
+
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace Quon
+{
+
+namespace
+{
+
+constexpr int rateHz = 22050;
+constexpr int stepMs = 40;
+constexpr int stepFrames = rateHz * stepMs / 1000;
+constexpr int noiseFrames = 2 * rateHz;
+constexpr int sceneSteps = 75;
+// A sound that goes, or comes in, takes the handover fade of 30 ms and the block that is mixed then.
+constexpr int rampFrames = stepFrames;
+
+/// A way through a file: from a place on, and round a loop.
+struct Way
+{
+    const char* what;
+    unsigned long offsetMs = 0;
+    bool isLoop = true;
+    int loopStart = 0;
+    int loopEnd = 0;
+
+    /// The sample frame that is heard `frames` after the one at `from`.
+    int Follow(int from, int frames) const
+    {
+        const int end = loopEnd > 0 ? loopEnd : noiseFrames;
+        int place = from;
+        for (; frames > 0; --frames) {
+            place = place + 1 == end && isLoop ? loopStart : place + 1;
+        }
+        return place;
+    }
+    int Begin() const { return static_cast<int>(offsetMs * rateHz / 1000); }
+};
+
+/// The passes of the last one but one are shorter than what the driver reads ahead.
+constexpr Way ways[] = {{"an offset", 300, false}, {"a loop", 0}, {"a loop from an offset", 1900},
+    {"a region", 0, true, 5000, 9000}, {"a region up to the end", 0, true, 30000, 0},
+    {"an offset in a region", 400, true, 3000, 20000}, {"a short region", 0, true, 10000, 10500},
+    {"a region from the start", 0, true, 0, 4000}};
+
+class PositionHeard : public HostTest
+{
+protected:
+    PositionHeard()
+    {
+        constexpr std::size_t headBytes = 44;
+        std::vector<unsigned char> wave = BuildWave({noiseFrames, rateHz, 2, 16});
+        std::minstd_rand random(7);
+        for (std::size_t at = headBytes; at + 4 <= wave.size(); at += 4) {
+            const auto sample = static_cast<int>(random() % 4001) - 2000;
+            noise.push_back(sample / 32768.0);
+            wave[at] = wave[at + 2] = static_cast<unsigned char>(sample & 0xFF);
+            wave[at + 1] = wave[at + 3] = static_cast<unsigned char>(sample >> 8 & 0xFF);
+        }
+        folder.Write("noise", wave);
+    }
+
+    /// What is heard of a scene; `act` is called before each step.
+    template<class Act>
+    Rendering Render(const char* outputHz, Act act)
+    {
+        const std::string path = (GetTestFolder() / "position.wav").string();
+        SetOption("Sound", "HarmonetOpenAL");
+        SetOption("OpenALRender", path.c_str());
+        SetOption("SoundFrequency", outputHz);
+        EXPECT_TRUE(Start());
+        {
+            Sound group;
+            Music music;
+            for (int step = 0; step < sceneSteps; ++step) {
+                act(step, group, music);
+                Step(stepMs);
+            }
+        }
+        system.Done();
+        return ReadRendering(path);
+    }
+
+    /// From step `first` to step `last` the way is heard from `place` on; 0 beyond the end of the file.
+    void ExpectHeard(const Rendering& heard, const Way& way, int first, int last, int place, int silentFrames)
+    {
+        constexpr double lastBits = 3e-4;
+        place = way.Follow(place, silentFrames);
+        for (int frame = first * stepFrames + silentFrames; frame < last * stepFrames; ++frame) {
+            const double expected = place < noiseFrames ? noise[static_cast<std::size_t>(place)] : 0.0;
+            ASSERT_NEAR(heard.At(static_cast<std::size_t>(frame)), expected, lastBits)
+                << "step " << frame / stepFrames << ", frame " << frame << ", of the file " << place;
+            place = way.Follow(place, 1);
+        }
+    }
+
+    std::vector<double> noise;
+};
+
+// In the middle of the scene it runs on for a while as a virtual voice.
+TEST_F(PositionHeard, ASoundBeginsAtItsOffsetAndGoesRoundItsRegionWithoutASeam)
+{
+    constexpr int lost = 20;
+    constexpr int back = 29;
+    for (const Way& way : ways) {
+        SCOPED_TRACE(way.what);
+        const Rendering heard = Render("22050", [&](int step, Sound& group, Music&) {
+            if (step == 0) {
+                const int id = group.New2DSound("noise", nullptr);
+                group.SetSoundStartOffset(id, way.offsetMs);
+                group.SetSoundLoopRegion(id, way.loopStart, way.loopEnd);
+                EXPECT_TRUE(
+                    group.StartSound(id, Sound::StartImmediately | (way.isLoop ? Sound::StartLooping : 0)));
+            }
+            if (step == lost || step == back) {
+                system.SetMaxAudibleSounds(step == lost ? 0 : 20);
+            }
+        });
+        ExpectHeard(heard, way, 0, lost, way.Begin(), way.offsetMs > 0 ? rampFrames : 0);
+        ExpectHeard(heard, way, back + 1, sceneSteps - 1, way.Follow(way.Begin(), (back + 1) * stepFrames),
+            rampFrames);
+    }
+}
+
+// The position is asked for and set while the piece is heard, while it is paused, and in a cross-fade.
+TEST_F(PositionHeard, MusicGoesOnAtThePositionThatItIsSetTo)
+{
+    constexpr int jump = 15;
+    constexpr int pause = 30;
+    constexpr int resume = 40;
+    constexpr int crossFade = 55;
+    constexpr unsigned long places[] = {900, 70, 1200};
+    const auto toFrame = [](unsigned long ms) { return static_cast<int>(ms * rateHz / 1000); };
+    for (const Way& way : ways) {
+        SCOPED_TRACE(way.what);
+        const auto expectNear = [&](const Music& music, int place) {
+            ASSERT_NEAR(static_cast<double>(music.GetPosition()), place * 1000.0 / rateHz, 1.0);
+        };
+        const Music::Settings settings = {.loop = way.isLoop,
+            .positionMs = way.offsetMs,
+            .loopStart = way.loopStart,
+            .loopEnd = way.loopEnd};
+        // A place after the region's end counts round it.
+        const auto wrap = [&](int place) {
+            const bool isAfter = way.isLoop && way.loopEnd > 0 && place >= way.loopEnd;
+            return isAfter ? way.loopStart + (place - way.loopEnd) % (way.loopEnd - way.loopStart) : place;
+        };
+        const Rendering heard = Render("22050", [&](int step, Sound&, Music& music) {
+            if (step == 0) {
+                EXPECT_FALSE(music.SetPosition(0));
+                EXPECT_TRUE(music.Play("noise", nullptr, settings));
+            }
+            if (step == jump) {
+                expectNear(music, way.Follow(way.Begin(), jump * stepFrames));
+                EXPECT_FALSE(music.SetPosition(2000));
+                EXPECT_TRUE(music.SetPosition(places[0]));
+                expectNear(music, wrap(toFrame(places[0])));
+            }
+            if (step == pause) {
+                music.Pause();
+            }
+            if (step == pause + 3) {
+                EXPECT_TRUE(music.SetPosition(places[1]));
+                expectNear(music, wrap(toFrame(places[1])));
+            }
+            if (step == resume) {
+                expectNear(music, wrap(toFrame(places[1])));
+                music.Resume();
+            }
+            if (step == crossFade) {
+                Music::Settings next = settings;
+                next.fadeMs = 80;
+                next.positionMs = places[2];
+                EXPECT_TRUE(music.CrossFade("noise", nullptr, next));
+                expectNear(music, wrap(toFrame(places[2])));
+            }
+        });
+        ExpectHeard(heard, way, 0, jump, way.Begin(), way.offsetMs > 0 ? rampFrames : 0);
+        ExpectHeard(heard, way, jump, pause, wrap(toFrame(places[0])), rampFrames);
+        ExpectHeard(heard, way, resume + 1, crossFade, wrap(toFrame(places[1])), rampFrames);
+        ExpectHeard(heard, way, crossFade, sceneSteps - 1, wrap(toFrame(places[2])), 3 * stepFrames);
+    }
+}
+
+// An MPEG stream, whose frames depend on those before, from the cache and from the file.
+TEST_F(PositionHeard, AnMpegStreamIsRightToTheSampleFrameToo)
+{
+    constexpr int mpegHz = 44100;
+    constexpr unsigned long offsetMs = 400;
+    const std::string streamPath = HARMONET_FILE_TESTS "/mpeg/streams/joint-44100.mp3";
+    std::ifstream file(streamPath, std::ios::binary);
+    const std::string once((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    ASSERT_FALSE(once.empty());
+    std::vector<unsigned char> stream;
+    for (int i = 0; i < 6; ++i) {
+        stream.insert(stream.end(), once.begin(), once.end());
+    }
+    folder.Write("stream", stream);
+    const Way region = {"", 0, true, 30001, 50003};
+    std::vector<Rendering> heard;
+    for (const bool isMusic : {false, true}) {
+        for (const bool isMoved : {false, true}) {
+            heard.push_back(Render("44100", [&](int step, Sound& group, Music& music) {
+                Music::Settings settings = {.loop = isMoved, .positionMs = isMoved ? offsetMs : 0};
+                settings.loopStart = region.loopStart;
+                settings.loopEnd = region.loopEnd;
+                if (step == 0 && isMusic) {
+                    EXPECT_TRUE(music.Play("stream", nullptr, settings));
+                }
+                else if (step == 0) {
+                    const int id = group.New2DSound("stream", nullptr);
+                    group.SetSoundStartOffset(id, settings.positionMs);
+                    group.SetSoundLoopRegion(id, settings.loopStart, settings.loopEnd);
+                    EXPECT_TRUE(
+                        group.StartSound(id, Sound::StartImmediately | (isMoved ? Sound::StartLooping : 0)));
+                }
+            }));
+        }
+        const Rendering& plain = heard[heard.size() - 2];
+        const Rendering& moved = heard.back();
+        int place = static_cast<int>(offsetMs * mpegHz / 1000);
+        for (int frame = 0; frame < (sceneSteps - 1) * mpegHz * stepMs / 1000; ++frame) {
+            if (frame > mpegHz * stepMs / 1000) {
+                ASSERT_NEAR(moved.At(static_cast<std::size_t>(frame)),
+                    plain.At(static_cast<std::size_t>(place)), 1e-4)
+                    << "music " << isMusic << ", frame " << frame << ", of the file " << place;
+            }
+            place = region.Follow(place, 1);
+        }
+    }
+}
+
+} // namespace
+
+} // namespace Quon
