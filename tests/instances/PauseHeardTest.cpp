@@ -214,13 +214,17 @@ void ExpectEqualOutsideRamps(
 
 constexpr unsigned int allParts = (1U << numParts) - 1;
 
+// With a channel for each sound, and with fewer, for which they compete.
 TEST_F(PauseHeard, APauseOfEverythingIsSilenceAndNothingElse)
 {
-    const std::vector<double> undisturbed = Render(allParts, Halts(), true);
-    for (const Halt& halt : {Halt{3, 1500}, Halt{8, 30}, Halt{20, 30}, Halt{33, 30}}) {
-        SCOPED_TRACE("paused at " + std::to_string(halt.step));
-        const std::vector<double> heard = Render(allParts, Same(halt), true);
-        ExpectEqualOutsideRamps(heard, Insert(undisturbed, halt), Same(halt));
+    for (const char* maxSounds : {"20", "4"}) {
+        SetOption("MaxSounds", maxSounds);
+        const std::vector<double> undisturbed = Render(allParts, Halts(), true);
+        for (const Halt& halt : {Halt{3, 1500}, Halt{8, 30}, Halt{15, 30}, Halt{20, 30}, Halt{33, 30}}) {
+            SCOPED_TRACE(std::string(maxSounds) + " channels, paused at " + std::to_string(halt.step));
+            const std::vector<double> heard = Render(allParts, Same(halt), true);
+            ExpectEqualOutsideRamps(heard, Insert(undisturbed, halt), Same(halt));
+        }
     }
 }
 
