@@ -61,7 +61,7 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     afterLoop = looping ? file->GetSoundSamples() - file->GetLoopEnd() : 0;
     fileRateHz = file->GetSampleFrequency();
     convertedHz = feed.IsConverting() ? feed.GetBlockHz() : 0;
-    wantedHz = 0;
+    playback = {};
     start = {};
     isDry = false;
     gain = 1.0F;
@@ -250,7 +250,7 @@ bool OpenALChannel::SetFrequency(unsigned long hz)
     }
     const ContextScope scope(services.device);
     const std::scoped_lock outputLock(outputMutex);
-    wantedHz = hz;
+    playback.hz = hz;
     ApplySpeed();
     // What is queued may not last until the next round now.
     WakeFeeder();
@@ -260,7 +260,16 @@ bool OpenALChannel::SetFrequency(unsigned long hz)
 unsigned long OpenALChannel::GetFrequency()
 {
     const std::scoped_lock outputLock(outputMutex);
-    return wantedHz != 0 ? wantedHz : static_cast<unsigned long>(fileRateHz);
+    return playback.hz != 0 ? playback.hz : static_cast<unsigned long>(fileRateHz);
+}
+
+void OpenALChannel::SetLowPass(float gainHF)
+{
+    if (std::isnan(gainHF)) {
+        return;
+    }
+    const std::scoped_lock outputLock(outputMutex);
+    playback.lowPass = std::clamp(gainHF, 0.0F, 1.0F);
 }
 
 bool OpenALChannel::SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* wanted)

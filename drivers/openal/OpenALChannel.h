@@ -113,6 +113,9 @@ public:
     bool GetFXGargle(FXGargle* record) override { return GetParameters(record); }
     bool GetFXWavesReverb(FXWavesReverb* record) override { return GetParameters(record); }
 
+    /// Heard after what is queued, with a ramp of 50 ms. Clamped to 0.0 to 1.0; NaN is ignored.
+    void SetLowPass(float gainHF) override;
+
     void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds) override;
 
     // For the driver, on the task thread.
@@ -162,11 +165,11 @@ private:
         Ending ///< The end is being reported.
     };
 
-    /// The next block: how many sample frames, and at what rate the sound is played; 0 is its own.
+    /// The next block: how many sample frames, and how they are played.
     struct Wanted
     {
         int sampleFrames;
-        unsigned long hz;
+        Playback playback;
         std::int64_t missing; ///< In all, for this block and further ones.
     };
 
@@ -230,7 +233,7 @@ private:
     std::int64_t wraps = 0; ///< How often the loop has begun anew before `fileEnd`.
     int fileRateHz = 0; ///< Of the stream.
     int convertedHz = 0; ///< Of what is queued, if that is converted; otherwise 0.
-    unsigned long wantedHz = 0; ///< 0: the file's own rate.
+    Playback playback;
     Start start;
     bool isDry = false; ///< The last look at the queue found nothing to read.
     float gain = 1.0F;

@@ -63,7 +63,7 @@ void OpenALChannel::PumpRound(const PumpTargets& ahead, std::int64_t time)
         if (wanted.sampleFrames == 0) {
             break;
         }
-        const int given = feed.Fill(*this, wanted.sampleFrames, wanted.hz);
+        const int given = feed.Fill(*this, wanted.sampleFrames, wanted.playback);
         const bool ranDry = given < wanted.sampleFrames;
         QueueBlock(given, ranDry);
         // To ask OpenAL again would cost more than it could tell.
@@ -146,11 +146,11 @@ OpenALChannel::Wanted OpenALChannel::CountWanted(const PumpTargets& ahead)
     const std::int64_t target = feed.GetReader().GetTailFrames() > 0 ? ahead.tailTarget : ahead.target;
     const std::int64_t missing = ToFrames(target, speedHz) + resamplerFrames - isAhead;
     if (missing <= 0 || !voice->HasRoom() || fadeOut.IsOver(services.device.GetTime())) {
-        return {0, wantedHz, 0};
+        return {0, playback, 0};
     }
     const int minBlock = std::max(ToBlockFrames(ahead.minBlock, speedHz), 1);
     const int maxBlock = std::max(ToBlockFrames(ahead.maxBlock, speedHz), minBlock);
-    return {static_cast<int>(std::clamp<std::int64_t>(missing, minBlock, maxBlock)), wantedHz, missing};
+    return {static_cast<int>(std::clamp<std::int64_t>(missing, minBlock, maxBlock)), playback, missing};
 }
 
 void OpenALChannel::QueueBlock(int sampleFrames, bool ranDry)
@@ -193,7 +193,7 @@ void OpenALChannel::QueueFadeOut(std::int64_t microseconds)
     }
     const std::int64_t missing = ToFrames(microseconds, GetSpeedHz()) - voice->GetFramesAhead();
     if (missing > 0) {
-        AppendToVoice(feed.FillFromHeld(static_cast<int>(missing), wantedHz));
+        AppendToVoice(feed.FillFromHeld(static_cast<int>(missing), playback));
     }
 }
 
@@ -205,7 +205,7 @@ double OpenALChannel::GetSpeedHz() const
 
 double OpenALChannel::GetPlayedHz() const
 {
-    return wantedHz != 0 ? static_cast<double>(wantedHz) : fileRateHz;
+    return playback.hz != 0 ? static_cast<double>(playback.hz) : fileRateHz;
 }
 
 double OpenALChannel::GetStreamHeard() const

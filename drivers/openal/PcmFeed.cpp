@@ -33,6 +33,7 @@ void PcmFeed::Start(const Sound& newSound, const SndFile& file, const SndFXList&
     }
     fadeIn.Cancel();
     softening.Cancel();
+    lowPass.Start();
     silence = blockSilence = 0;
     reader.Start(sound.outChannels, sound.isLooping, file, effectList);
     converter.Start(reader.GetWidth(), sound.outputHz, sound.grade);
@@ -58,14 +59,14 @@ void PcmFeed::Begin(SndChannel& channel)
     }
 }
 
-int PcmFeed::Fill(SndChannel& channel, int wanted, unsigned long hz)
+int PcmFeed::Fill(SndChannel& channel, int wanted, const Playback& playback)
 {
-    return Make(&channel, wanted, hz);
+    return Make(&channel, wanted, playback);
 }
 
-int PcmFeed::FillFromHeld(int wanted, unsigned long hz)
+int PcmFeed::FillFromHeld(int wanted, const Playback& playback)
 {
-    return Make(nullptr, wanted, hz);
+    return Make(nullptr, wanted, playback);
 }
 
 void PcmFeed::ReadAhead(SndChannel& channel, std::int64_t sampleFrames)
@@ -73,13 +74,13 @@ void PcmFeed::ReadAhead(SndChannel& channel, std::int64_t sampleFrames)
     reader.ReadTo(channel, static_cast<std::int64_t>(converter.GetPosition()) + sampleFrames);
 }
 
-int PcmFeed::Make(SndChannel* channel, int wanted, unsigned long hz)
+int PcmFeed::Make(SndChannel* channel, int wanted, const Playback& playback)
 {
     wanted = std::min(wanted, maxBlockFrames);
     block.assign(static_cast<std::size_t>(wanted) * sound.outChannels, 0.0F);
     blockSilence = std::min(silence, wanted);
     silence -= blockSilence;
-    const double playedHz = hz != 0 ? static_cast<double>(hz) : reader.GetRateHz();
+    const double playedHz = playback.hz != 0 ? static_cast<double>(playback.hz) : reader.GetRateHz();
     converter.SetRate(playedHz);
     blockBegin = converter.GetPosition();
     int filled = blockSilence;
@@ -96,6 +97,8 @@ int PcmFeed::Make(SndChannel* channel, int wanted, unsigned long hz)
     block.resize(static_cast<std::size_t>(filled) * sound.outChannels);
     const std::span<float> sounding = GetPlace(blockSilence, filled);
     const double heardHz = IsConverting() ? sound.outputHz : playedHz;
+    lowPass.SetGain(playback.lowPass);
+    lowPass.Apply(sounding, sound.outChannels, heardHz);
     softening.Apply(sounding, sound.outChannels, heardHz);
     fadeIn.Apply(sounding, sound.outChannels, heardHz);
     return filled;

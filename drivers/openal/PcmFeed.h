@@ -1,6 +1,7 @@
 #pragma once
 
 #include "drivers/openal/Fades.h"
+#include "drivers/openal/LowPass.h"
 #include "drivers/openal/RateConverter.h"
 #include "drivers/openal/SoundReader.h"
 
@@ -9,8 +10,15 @@
 namespace Quon
 {
 
+/// How a sound is to be played.
+struct Playback
+{
+    unsigned long hz = 0; ///< Sample frames a second; 0 for the sound's own rate.
+    float lowPass = 1.0F; ///< The gain of high frequencies.
+};
+
 /// Makes the blocks of PCM that a channel queues: what is read of the sound, converted to the output's rate,
-/// with the fades in worked in. Owned by a channel; everything under the channel's lock.
+/// with the low-pass and the fades in worked in. Owned by a channel; everything under the channel's lock.
 ///
 /// With the grade "fast" blocks have the rate of the sound, and OpenAL converts them.
 ///
@@ -55,12 +63,12 @@ public:
     void Skip(int sampleFrames) { converter.SkipTo(sampleFrames); }
 
     /// Makes the next block, of `wanted` sample frames, at most maxBlockFrames, and returns how many it has.
-    /// The sound is played at `hz`, 0 for its own rate. Fewer than wanted means that the queue has run out,
+    /// Fewer than wanted means that the queue has run out,
     /// and so has the tail. Allocates only as the reader and the converter do.
-    int Fill(SndChannel& channel, int wanted, unsigned long hz);
+    int Fill(SndChannel& channel, int wanted, const Playback& playback);
 
     /// The same from what has been read already; fewer than wanted means that it did not suffice.
-    int FillFromHeld(int wanted, unsigned long hz);
+    int FillFromHeld(int wanted, const Playback& playback);
 
     /// Reads on until so many sample frames of the sound are ready beyond those that have been made.
     void ReadAhead(SndChannel& channel, std::int64_t sampleFrames);
@@ -83,7 +91,7 @@ public:
     FileSteps& GetSteps() { return reader.GetSteps(); }
 
 private:
-    int Make(SndChannel* channel, int wanted, unsigned long hz);
+    int Make(SndChannel* channel, int wanted, const Playback& playback);
     bool ReadMore(SndChannel& channel, int missing, double playedHz);
     int Convert(bool isWhole, int begin, int end);
     std::span<float> GetPlace(int begin, int end);
@@ -91,6 +99,7 @@ private:
     Sound sound{};
     SoundReader reader;
     RateConverter converter;
+    LowPass lowPass;
     Rise fadeIn;
     Rise softening;
     int silence = 0; ///< Still to be made.

@@ -32,7 +32,7 @@ std::vector<unsigned char> TakeSettings(const SoundResource& sound)
     }
     for (const float number : {sound.GetGain(), sound.GetInnerConeAngle(), sound.GetOuterConeAngle(),
              sound.GetConeGain(), sound.GetMinDistance(), sound.GetMaxDistance(), sound.GetMinAngle(),
-             sound.GetPosition().x, sound.GetPosition().y, sound.GetPosition().z}) {
+             sound.GetPosition().x, sound.GetPosition().y, sound.GetPosition().z, sound.GetLowPass()}) {
         add(number);
     }
     for (const int number :

@@ -230,6 +230,7 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
         {Keys::loopStart, [](R r) { return r.ReadSampleFrame(r.sound.loopStart); }},
         {Keys::loopEnd, [](R r) { return r.ReadSampleFrame(r.sound.loopEnd); }},
         {Keys::gain, [](R r) { return r.ReadFloat(r.sound.gain, 0, 1); }},
+        {Keys::lowPass, [](R r) { return r.ReadFloat(r.sound.lowPass, 0, 1); }},
         {Keys::delay, [](R r) { return r.sound.ReadDelay(r.reader); }},
         {Keys::minDistance, [](R r) { return r.ReadFloat(r.sound.minDistance, 0, mostFloat); }},
         {Keys::maxDistance, [](R r) { return r.ReadFloat(r.sound.maxDistance, 0, mostFloat); }},

@@ -50,6 +50,7 @@ void SoundResource::Init() const
     chgFrequency = false;
     disableMicFX = false;
     gain = 1.0F;
+    lowPass = 1.0F;
     innerConeAngle = 180.0F;
     outerConeAngle = 180.0F;
     coneGain = 1.0F;

@@ -47,6 +47,8 @@ public:
     bool GetDisableMicFX() const { return disableMicFX; }
     /// Linear. Default 1.0.
     float GetGain() const { return gain; }
+    /// Linear gain of the high frequencies. Default 1.0.
+    float GetLowPass() const { return lowPass; }
     /// Degrees. Default 180.0 for both: no cone.
     float GetInnerConeAngle() const { return innerConeAngle; }
     float GetOuterConeAngle() const { return outerConeAngle; }
@@ -110,6 +112,7 @@ protected:
     mutable SoundLimits limits;
     mutable int loopStart = 0;
     mutable int loopEnd = 0;
+    mutable float lowPass = 1.0F;
 };
 
 } // namespace Quon

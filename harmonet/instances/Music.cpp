@@ -99,6 +99,7 @@ Music& Music::operator=(const Music& other)
     }
     soundID = other.soundID;
     gain = other.gain;
+    lowPass = other.lowPass;
     paused = other.paused;
     return *this;
 }
@@ -240,6 +241,9 @@ bool Music::StartResource(
     }
     Adopt(instance, isNew);
     instance.SetGain(choice.gain);
+    if (resource->GetLowPass() != instance.GetLowPass()) {
+        instance.SetLowPass(resource->GetLowPass());
+    }
     // Whole: the mask of resource effects is for sound effects.
     if (resource->GetFXList().GetNumEffects() > 0) {
         instance.SetCopyFXList(resource->GetFXList());

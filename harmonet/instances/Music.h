@@ -91,6 +91,10 @@ public:
     /// the gain it had.
     void SetGain(float newGain);
     float GetGain() const { return gain; }
+    /// Gain of the high frequencies of whatever is played with this handle, and of what fades out beside it:
+    /// see Sound::SetSoundLowPass().
+    void SetLowPass(float gainHF);
+    float GetLowPass() const { return lowPass; }
     /// Milliseconds still to come; unknownLength for a looping piece.
     unsigned long GetRemainLength() const;
     /// Where the piece is, in milliseconds from the start of its file; 0 without one. In a cross-fade that is
@@ -125,6 +129,7 @@ private:
 
     int soundID = 0;
     float gain = 1.0F;
+    float lowPass = 1.0F;
     bool paused = false;
     bool closing = false;
     std::unique_ptr<MusicNotices> notices; ///< Null until there is an observer.

@@ -46,6 +46,7 @@ SndBase::SndBase(const SndBase& other)
     , loopEnd(other.loopEnd)
     , fadeDuration(other.fadeDuration)
     , gain(other.gain)
+    , lowPass(other.lowPass)
 {
     Row().flags = other.Row().flags;
     Row().priority = other.Row().priority;
@@ -77,6 +78,7 @@ SndBase& SndBase::operator=(const SndBase& other)
     SetSoundLength(other.soundLength);
     fadeDuration = other.fadeDuration;
     gain = other.gain;
+    lowPass = other.lowPass;
     SndBase::SetDelay(other.delay);
     newFrequency = other.newFrequency;
     frequencyFactor = other.frequencyFactor;

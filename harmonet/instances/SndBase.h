@@ -124,6 +124,11 @@ public:
     /// included, leaves the own gain alone and sends the output gain again: callers pass -1.0 for that.
     /// During a cross-fade only the new channel hears of it.
     void SetGain(float newGain);
+    /// What goes to the driver: the low-pass of everything, of the group or the music, and of the sound,
+    /// multiplied.
+    float GetOutputLowPass() const;
+    /// The same for the gain of the high frequencies. A channel that fades out gets it too.
+    void SetLowPass(float gainHF);
     /// The rate in Hz: the channel's, else the one asked for, else the file's, else 0.
     unsigned long GetFrequency() const;
     /// Milliseconds still to come, with the queue; unknownLength for a looping sound.
@@ -205,6 +210,7 @@ public:
     /// Sets the length of the fade-in, and FlagFadeIn.
     void SetFadeIn(int ms);
     float GetGain() const { return gain; }
+    float GetLowPass() const { return lowPass; }
     int GetPriority() const;
     float GetMultiplier() const;
     void SetMultiplier(float factor);
@@ -383,6 +389,7 @@ private:
     int loopEnd = 0; ///< 0: with the file.
     int fadeDuration = 0;
     float gain = 1.0F;
+    float lowPass = 1.0F;
     std::int64_t startGameTime = 0; ///< When it is to begin, on the kernel's StartClock,
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t startSerial = 0; ///< Which start of a sound this was; 0 before the first.

@@ -215,6 +215,15 @@ void SndPolyline::SetPaused(bool on)
     SndBase::SetPaused(on);
 }
 
+void SndPolyline::SetLowPass(float gainHF)
+{
+    if (!theKernel) {
+        return;
+    }
+    ForEachSource([gainHF](Snd3D& source, int) { source.SetLowPass(gainHF); });
+    SndBase::SetLowPass(gainHF);
+}
+
 void SndPolyline::SetPriority(int newPriority)
 {
     if (!theKernel) {

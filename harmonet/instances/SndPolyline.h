@@ -107,6 +107,7 @@ public:
     /// For the whole line: the first source gets the gain, the others half of it.
     virtual void SetGain(float newGain);
     void SetPaused(bool on);
+    void SetLowPass(float gainHF);
     void SetPriority(int newPriority) override;
     void SetDelay(int ms) override;
     /// False if any of them refuses.

@@ -42,6 +42,7 @@ void ApplyCommonSettings(SndBase& sound, const SoundResource& resource, const So
 {
     sound.SetDefinitionName(resource.GetName());
     sound.SetGain(choice.gain);
+    sound.SetLowPass(resource.GetLowPass());
     if (resource.GetLooping()) {
         sound.SetLooping();
     }

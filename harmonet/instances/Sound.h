@@ -169,6 +169,12 @@ public:
     /// whole line.
     void SetSoundGain(int id, float newGain);
     float GetSoundGain(int id) const;
+    /// Gain of the high frequencies: linear, clamped to 0.0 to 1.0; NaN changes nothing. 1.0, the default, is
+    /// no filter. Frequencies well below 1 kHz keep their level, and from 5 kHz on the gain applies; 0.0 is a
+    /// low-pass of 12 dB per octave above 1 kHz. Multiplied with those of the group and of everything. Can
+    /// change at any time and does not click.
+    void SetSoundLowPass(int id, float gainHF);
+    float GetSoundLowPass(int id) const;
     void SetSoundPriority(int id, int priority);
     /// The second argument is ignored.
     int GetSoundPriority(int id, int);
@@ -248,6 +254,9 @@ public:
     float GetGain() const { return gain; }
     /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. Sounds that are heard follow at once.
     void SetGain(float newGain);
+    /// The low-pass of all sounds of the group, those to come included: see SetSoundLowPass().
+    void SetLowPass(float gainHF);
+    float GetLowPass() const { return lowPass; }
     /// Pauses all sounds of the group, those to come included: see PauseSound().
     void Pause() { SetPaused(true); }
     void Resume() { SetPaused(false); }
@@ -296,6 +305,7 @@ private:
 
     int defaultAxis = -3;
     float gain = 1.0F;
+    float lowPass = 1.0F;
     bool paused = false;
     bool closing = false;
     bool hasShutDown = false;

@@ -80,5 +80,6 @@ HARMONET_STRING(cacheSize, "SoundCacheSize")
 HARMONET_STRING(seed, "SoundSeed")
 HARMONET_STRING(loopStart, "*LOOP_START")
 HARMONET_STRING(loopEnd, "*LOOP_END")
+HARMONET_STRING(lowPass, "*LOW_PASS")
 
 #undef HARMONET_STRING

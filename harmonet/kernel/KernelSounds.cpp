@@ -262,6 +262,13 @@ bool SndKernel::StartChannel(SndBase* sound)
     return true;
 }
 
+void SndKernel::SendLowPass(const SndBase& sound, SndChannel& channel)
+{
+    if (const float gainHF = sound.GetOutputLowPass(); gainHF < 1.0F) {
+        channel.SetLowPass(gainHF);
+    }
+}
+
 void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
 {
     SetReason(sound.Row(), SoundReason::Won);
@@ -271,6 +278,7 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
     if (outputGain >= 0.0F && outputGain < 1.0F) {
         channel->SetGain(outputGain);
     }
+    SendLowPass(sound, *channel);
     const bool isBeginning = !sound.IsPlaying();
     sound.Play(file);
     if (sound.Row().HasMark(RowReturns)) {

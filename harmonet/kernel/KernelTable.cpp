@@ -9,6 +9,9 @@ namespace Quon
 namespace
 {
 
+// Has a sound send a product anew without changing its own factor.
+constexpr float applyAgain = -1.0F;
+
 // Whether a sound stands where a sound like it is looked for.
 bool IsFindable(const SoundRow& row)
 {
@@ -167,7 +170,6 @@ void SndKernel::DeleteAllSounds(int kind)
 template<class Matches>
 void SndKernel::RefreshMatching(Matches matches)
 {
-    constexpr float applyAgain = -1.0F;
     soundTable.ForEach([&](SndBase& sound) {
         if (matches(sound)) {
             sound.SetGain(applyAgain);
@@ -186,6 +188,15 @@ void SndKernel::RefreshGains(int kind)
 void SndKernel::RefreshGains(Sound* parent)
 {
     RefreshMatching([parent](const SndBase& sound) { return sound.GetParentSound() == parent; });
+}
+
+void SndKernel::RefreshLowPass(const Sound* parent)
+{
+    soundTable.ForEach([parent](SndBase& sound) {
+        if (!parent || sound.GetParentSound() == parent) {
+            sound.SetLowPass(applyAgain);
+        }
+    });
 }
 
 } // namespace Quon

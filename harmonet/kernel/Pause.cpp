@@ -198,6 +198,7 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
     if (fade.gain < 1.0F) {
         channel->SetGain(fade.gain);
     }
+    SendLowPass(sound, *channel);
     // Play() places what is at the sound's own channel, and begins what has not begun: that is the next
     // piece.
     SndFile* own = sound.sndFile;

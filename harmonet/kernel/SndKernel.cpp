@@ -249,6 +249,12 @@ void SndKernel::SetMusicMainGain(float gain)
     RefreshGains(FlagMusic);
 }
 
+void SndKernel::SetLowPass(float gainHF)
+{
+    lowPass = gainHF;
+    RefreshLowPass(nullptr);
+}
+
 void SndKernel::ForgetOrder()
 {
     for (SndList& list : lists) {

@@ -171,6 +171,11 @@ public:
     void Set2DMainGain(float gain);
     void Set3DMainGain(float gain);
     void SetMusicMainGain(float gain);
+    float GetLowPass() const { return lowPass; }
+    /// The low-pass of everything.
+    void SetLowPass(float gainHF);
+    /// Sends the sounds of a group, or all for null, their output low-pass anew.
+    void RefreshLowPass(const Sound* parent);
     int GetMaxAudible() const { return maxAudible; }
     void SetMaxAudible(int count) { maxAudible = count; }
     unsigned long GetResourceFX() const { return resourceFX; }
@@ -278,6 +283,8 @@ private:
     /// StartChannel() for a sound that competes for no channel.
     bool StartNow(SndBase& sound);
     static void BeginFadeIn(const SndBase& sound, SndChannel& channel);
+    /// The settings of a new channel that it does not have by itself.
+    static void SendLowPass(const SndBase& sound, SndChannel& channel);
     SoundReason WhyUnheard(const SoundRow& row) const;
     SoundReason WhyNotBack(const SoundRow& row) const;
     void SetReason(SoundRow& row, SoundReason reason)
@@ -320,6 +327,7 @@ private:
     float mainGain2D = 1.0F;
     float mainGain3D = 1.0F;
     float mainGainMusic = 1.0F;
+    float lowPass = 1.0F;
     SoundCaps caps;
     NameIndex names;
     EngineVector<Contender> contenders;

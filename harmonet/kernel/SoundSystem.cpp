@@ -142,6 +142,18 @@ float SoundSystem::GetMusicMainGain()
     return theKernel ? theKernel->GetMainGainMusic() : 0.0F;
 }
 
+void SoundSystem::SetLowPass(float gainHF)
+{
+    if (theKernel && !std::isnan(gainHF)) {
+        theKernel->SetLowPass(ClampGain(gainHF));
+    }
+}
+
+float SoundSystem::GetLowPass()
+{
+    return theKernel ? theKernel->GetLowPass() : 0.0F;
+}
+
 void SoundSystem::StopAll()
 {
     if (theKernel) {

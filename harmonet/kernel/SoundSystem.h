@@ -68,6 +68,11 @@ public:
     static void SetMusicMainGain(float gain);
     static float GetMusicMainGain();
 
+    /// Gain of the high frequencies of all sounds and music, those to come included: see
+    /// Sound::SetSoundLowPass(). At the start it is 1.0.
+    static void SetLowPass(float gainHF);
+    static float GetLowPass();
+
     /// Ends all sounds, music included; also what observers start in answer. Towards its end no sound can be
     /// made.
     static void StopAll();

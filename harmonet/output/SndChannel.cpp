@@ -36,4 +36,6 @@ void SndChannel::SetStartTime(std::int64_t, std::int64_t) {}
 
 void SndChannel::SkipFade(int) {}
 
+void SndChannel::SetLowPass(float) {}
+
 } // namespace Quon

@@ -127,6 +127,12 @@ public:
     /// of it were over: the sound comes back from a pause. The default does nothing, and the fade is longer.
     virtual void SkipFade(int ms);
 
+    /// Gain of the high frequencies, a linear factor from 0.0 to 1.0; a new channel has 1.0, which leaves the
+    /// sound as it is, and is not told. Low frequencies keep their level, and from 5 kHz on the gain applies.
+    /// It multiplies whatever other filters the sound has, on its way into rooms too. A change must not
+    /// click. The default does nothing.
+    virtual void SetLowPass(float gainHF);
+
 protected:
     int type = 0;
     SndFile* sndFile = nullptr;

@@ -106,6 +106,7 @@ std::string Describe(const SoundResource& sound)
     text.Add("loop start", sound.GetLoopStart(), 0);
     text.Add("loop end", sound.GetLoopEnd(), 0);
     text.Add("gain", sound.GetGain(), 1.0F);
+    text.Add("lowpass", sound.GetLowPass(), 1.0F);
     text.Add("delay", static_cast<float>(sound.GetDelay()), 0);
     text.Add("min", sound.GetMinDistance(), 10.0F);
     text.Add("max", sound.GetMaxDistance(), 500.0F);

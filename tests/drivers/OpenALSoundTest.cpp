@@ -248,6 +248,46 @@ TEST(OpenALSound, AChangeOfRateInTheMiddleLeavesNoGap)
     }
 }
 
+TEST(OpenALSound, ALowPassLeavesLowTonesAndGivesHighOnesItsGain)
+{
+    const auto warp = [](double hz) { return std::tan(std::numbers::pi * hz / rateHz); };
+    for (const char* grade : {"0", "1"}) {
+        for (const double toneHz : {100.0, 1000.0, 5000.0, 10000.0}) {
+            for (const double gain : {0.7, 0.1, 0.0}) {
+                OfflineRig rig(8, rateHz, nullptr, {{"OpenALResampling", grade}});
+                const auto file = MakeFile({rateHz}, Sine(toneHz, 0.5, rateHz));
+                SndChannel* const channel = rig.Play(*file, toneHz > 2000 ? ChanPositional : 0U);
+                rig.StepTimes(2, 100);
+                channel->SetLowPass(static_cast<float>(gain));
+                rig.StepTimes(2, 100);
+                const Rendering heard = rig.Heard();
+                const double w4 = std::pow(warp(toneHz) / warp(1000.0), 4);
+                EXPECT_NEAR(heard.Level(3 * rateHz / 10, 4 * rateHz / 10, 0) /
+                        heard.Level(rateHz / 10, 2 * rateHz / 10, 0),
+                    std::sqrt((1 + gain * gain * w4) / (1 + w4)), 0.002)
+                    << toneHz << " Hz, gain " << gain << ", grade " << grade;
+            }
+        }
+    }
+}
+
+TEST(OpenALSound, ALowPassThatMovesDoesNotClick)
+{
+    for (const double toneHz : {100.0, 440.0, 3000.0}) {
+        OfflineRig rig;
+        const auto file = MakeFile({rateHz}, Sine(toneHz, 0.5, rateHz));
+        SndChannel* const channel = rig.Play(*file);
+        for (const float gain : {1.0F, 0.0F, 1.0F, noNumber, 0.3F, -7.0F, 0.7F, 7.0F}) {
+            channel->SetLowPass(gain);
+            rig.Step(40);
+        }
+        const double bend = 4 * std::pow(std::sin(std::numbers::pi * toneHz / rateHz), 2) * 0.5;
+        constexpr double rounding = 4.0 / 32768;
+        const Rendering heard = rig.Heard();
+        EXPECT_LE(heard.LargestBend(2, heard.GetFrames()), 1.05 * bend + rounding) << toneHz;
+    }
+}
+
 TEST(OpenALDriver, FormatsAndFilesThatCannotBeRenderedFailToOpen)
 {
     DriverRig rig("HarmonetOpenAL");

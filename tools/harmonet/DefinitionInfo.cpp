@@ -167,6 +167,7 @@ std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
         {"loop region", FormatLoopRegion(sound), "loopRegion",
             {{"start", sound.GetLoopStart()}, {"end", sound.GetLoopEnd()}}},
         {"gain", FormatNumber(sound.GetGain()), "gain", Rounded(sound.GetGain())},
+        {"low-pass", FormatNumber(sound.GetLowPass()), "lowPass", Rounded(sound.GetLowPass())},
         {"delay", std::to_string(sound.GetDelay()) + " ms", "delayMs", sound.GetDelay()},
         {"distances",
             FormatNumber(sound.GetMinDistance()) + " to " + FormatNumber(sound.GetMaxDistance()) +

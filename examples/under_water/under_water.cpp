@@ -1,0 +1,50 @@
+// Plays a sound as a loop, and dives for two seconds: under_water FOLDER NAME.
+
+#include "harmonet/engine/File.h"
+#include "harmonet/engine/OS.h"
+#include "harmonet/engine/TaskList.h"
+#include "harmonet/instances/Sound.h"
+#include "harmonet/kernel/SoundSystem.h"
+
+#include <chrono>
+#include <thread>
+
+namespace
+{
+
+void RunFrames(int count)
+{
+    for (int i = 0; i < count; ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        Quon::TaskList::Get().Update(0.05F);
+    }
+}
+
+} // namespace
+
+int main(int argumentCount, char** arguments)
+{
+    constexpr int second = 20;
+    if (argumentCount != 3 || !Quon::File::AddRoot("", arguments[1])) {
+        return 1;
+    }
+    Quon::OS os;
+    os.GetOptions()->Set("Sound", "HarmonetOpenAL,HarmonetNull");
+    Quon::SoundSystem system;
+    if (!system.Init(&os, false)) {
+        return 1;
+    }
+
+    // What the menu plays is a group of its own and stays bright: only the world goes under water.
+    Quon::Sound world;
+    constexpr int flags = Quon::Sound::StartNowOrCompete | Quon::Sound::StartLooping;
+    if (world.Play2DSound(arguments[2], nullptr, flags, 0, 0) == 0) {
+        return 1;
+    }
+    RunFrames(second);
+    constexpr float underWater = 0.05F;
+    world.SetLowPass(underWater);
+    RunFrames(2 * second);
+    world.SetLowPass(1.0F);
+    RunFrames(second);
+}
