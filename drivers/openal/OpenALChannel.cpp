@@ -272,6 +272,17 @@ void OpenALChannel::SetLowPass(float gainHF)
     playback.lowPass = std::clamp(gainHF, 0.0F, 1.0F);
 }
 
+void OpenALChannel::SetPitch(float factor)
+{
+    if (std::isnan(factor)) {
+        return;
+    }
+    const ContextScope scope(services.device);
+    const std::scoped_lock outputLock(outputMutex);
+    playback.pitch = std::clamp(factor, 0.5F, 2.0F);
+    ApplySpeed();
+}
+
 bool OpenALChannel::SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* wanted)
 {
     const ContextScope scope(services.device);

@@ -116,6 +116,10 @@ public:
     /// Heard after what is queued, with a ramp of 50 ms. Clamped to 0.0 to 1.0; NaN is ignored.
     void SetLowPass(float gainHF) override;
 
+    /// Held to 0.5 to 2.0, and the rate that comes of it to 100 to 100 000 Hz; NaN is ignored. Heard after
+    /// what is queued, with a glide of 50 ms, or with the grade "fast" at once.
+    void SetPitch(float factor) override;
+
     void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds) override;
 
     // For the driver, on the task thread.

@@ -205,7 +205,7 @@ double OpenALChannel::GetSpeedHz() const
 
 double OpenALChannel::GetPlayedHz() const
 {
-    return playback.hz != 0 ? static_cast<double>(playback.hz) : fileRateHz;
+    return playback.GetPlayedHz(fileRateHz);
 }
 
 double OpenALChannel::GetStreamHeard() const

@@ -1,5 +1,6 @@
 #include "drivers/openal/PcmFeed.h"
 
+#include "drivers/common/DriverChannel.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/output/SndChannel.h"
 
@@ -13,6 +14,9 @@ namespace
 {
 
 constexpr double softeningMs = 5.0;
+constexpr int rateGlideMs = 10;
+/// The Doppler effect changes with each update, which is that long with frames of 60 Hz.
+constexpr int pitchGlideMs = 50;
 constexpr int leastRead = 64;
 
 /// Turns one channel at the beginning of `pcm` into two equal ones.
@@ -25,6 +29,14 @@ void Spread(std::span<float> pcm)
 
 } // namespace
 
+double Playback::GetPlayedHz(int ownHz) const
+{
+    const double rateHz = hz != 0 ? static_cast<double>(hz) : ownHz;
+    return pitch == 1.0F
+        ? rateHz
+        : std::clamp<double>(rateHz * double{pitch}, minRateHz, std::max<double>(maxRateHz, rateHz));
+}
+
 void PcmFeed::Start(const Sound& newSound, const SndFile& file, const SndFXList& effectList)
 {
     sound = newSound;
@@ -34,6 +46,7 @@ void PcmFeed::Start(const Sound& newSound, const SndFile& file, const SndFXList&
     fadeIn.Cancel();
     softening.Cancel();
     lowPass.Start();
+    pitch = 1.0F;
     silence = blockSilence = 0;
     reader.Start(sound.outChannels, sound.isLooping, file, effectList);
     converter.Start(reader.GetWidth(), sound.outputHz, sound.grade);
@@ -80,8 +93,9 @@ int PcmFeed::Make(SndChannel* channel, int wanted, const Playback& playback)
     block.assign(static_cast<std::size_t>(wanted) * sound.outChannels, 0.0F);
     blockSilence = std::min(silence, wanted);
     silence -= blockSilence;
-    const double playedHz = playback.hz != 0 ? static_cast<double>(playback.hz) : reader.GetRateHz();
-    converter.SetRate(playedHz);
+    const double playedHz = playback.GetPlayedHz(reader.GetRateHz());
+    converter.SetRate(playedHz, playback.pitch != pitch ? pitchGlideMs : rateGlideMs);
+    pitch = playback.pitch;
     blockBegin = converter.GetPosition();
     int filled = blockSilence;
     bool isWhole = false;

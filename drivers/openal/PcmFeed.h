@@ -14,7 +14,11 @@ namespace Quon
 struct Playback
 {
     unsigned long hz = 0; ///< Sample frames a second; 0 for the sound's own rate.
+    float pitch = 1.0F; ///< The factor on that.
     float lowPass = 1.0F; ///< The gain of high frequencies.
+
+    /// Sample frames of a sound with that rate of its own that are played in a second.
+    double GetPlayedHz(int ownHz) const;
 };
 
 /// Makes the blocks of PCM that a channel queues: what is read of the sound, converted to the output's rate,
@@ -100,6 +104,7 @@ private:
     SoundReader reader;
     RateConverter converter;
     LowPass lowPass;
+    float pitch = 1.0F; ///< Of the last block.
     Rise fadeIn;
     Rise softening;
     int silence = 0; ///< Still to be made.

@@ -12,8 +12,9 @@ namespace Quon
 namespace
 {
 
-/// Of a cross-fade from one engine to the next, and of a glide from one rate to the next.
+/// Cross-fades from one engine to the next in a second.
 constexpr int changesPerSecond = 100;
+constexpr int msPerSecond = 1000;
 /// What a new engine reads before the place from which it is heard, at a ratio of 1.
 constexpr double memoryFrames = 512.0;
 /// What is held of the past for that: for the highest rates the memory is shorter.
@@ -58,7 +59,7 @@ int RateConverter::Convert(const PcmFifo& input, bool isWhole, std::span<float> 
         return 0;
     }
     if (engine.IsVariable() && wantedHz != currentHz) {
-        engine.Glide(wantedHz / outputHz, outputHz / changesPerSecond);
+        engine.Glide(wantedHz / outputHz, outputHz * glideMs / msPerSecond);
         currentHz = wantedHz;
     }
     const int given = engine.Convert(input, isWhole, out);

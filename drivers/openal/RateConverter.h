@@ -13,8 +13,8 @@ namespace Quon
 ///
 /// Equal rates pass through bit by bit. A rate that stays is converted with a fixed ratio, which is exact
 /// over any time. When the rate changes while the sound plays, the converter goes over to one whose ratio
-/// glides: the first change is cross-faded over a few milliseconds, and every change is a glide of a
-/// hundredth of a second, so that no change clicks.
+/// glides: the first change is cross-faded over a few milliseconds, and every change is a glide, so that
+/// none clicks.
 class RateConverter
 {
 public:
@@ -28,8 +28,13 @@ public:
     /// Begins at another sample frame of the stream. Before the first conversion.
     void SkipTo(std::int64_t sampleFrame) { first = sampleFrame; }
 
-    /// Plays the stream at `hz` sample frames a second from the next sample frame of the output on.
-    void SetRate(double hz) { wantedHz = hz; }
+    /// Plays the stream at `hz` sample frames a second from the next sample frame of the output on, where a
+    /// change is a glide of `newGlideMs`.
+    void SetRate(double hz, int newGlideMs)
+    {
+        wantedHz = hz;
+        glideMs = newGlideMs;
+    }
 
     /// Writes the next sample frames of the output to `out` and returns how many there were. Fewer than there
     /// is room for mean that the stream is needed beyond `input`; if that `isWhole`, that it is over. What is
@@ -59,6 +64,7 @@ private:
     RateGrade grade = RateGrade::Fast;
     std::int64_t first = 0; ///< Sample frame of the stream.
     double wantedHz = 0.0;
+    int glideMs = 0; ///< To `wantedHz`.
     double currentHz = 0.0; ///< 0 before the first conversion.
     RateEngine engine;
     EngineVector<float> fading; ///< The output of the engine before, over which the present one fades in.

@@ -59,6 +59,7 @@ void RateEngine::StartVariable(std::int64_t newBegin, int newWidth, double newRa
     begin = fed = newBegin;
     position = static_cast<double>(newBegin);
     ratio = newRatio;
+    largestRatio = maxRatio;
     isVariable = true;
     resampler.reset(Make(maxRatio, 1.0, newWidth, SOXR_HQ, SOXR_VR));
     if (resampler) {
@@ -71,6 +72,7 @@ void RateEngine::Glide(double newRatio, int outputFrames)
     if (!resampler) {
         return;
     }
+    newRatio = std::min(newRatio, largestRatio);
     soxr_set_io_ratio(resampler.get(), newRatio, static_cast<std::size_t>(outputFrames));
     ratioStep = (newRatio - ratio) / outputFrames;
     glideLeft = outputFrames;

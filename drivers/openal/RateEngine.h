@@ -32,7 +32,8 @@ public:
     /// up to `maxRatio`.
     void StartVariable(std::int64_t begin, int newWidth, double newRatio, double maxRatio);
 
-    /// Glides to another ratio over so many sample frames of the output. Of a variable one.
+    /// Glides to another ratio, at most the largest of the start, over so many sample frames of the output.
+    /// Of a variable one.
     void Glide(double newRatio, int outputFrames);
 
     bool IsCopy() const { return !resampler; }
@@ -64,6 +65,7 @@ private:
     std::int64_t fed = 0;
     std::int64_t made = 0; ///< Sample frames of the output.
     double ratio = 1.0;
+    double largestRatio = 1.0; ///< Of a variable one.
     double position = 0.0;
     double ratioStep = 0.0; ///< Of a glide, for each sample frame of the output,
     int glideLeft = 0; ///< and how many of them it still takes.

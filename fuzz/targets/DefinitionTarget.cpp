@@ -30,9 +30,10 @@ std::vector<unsigned char> TakeSettings(const SoundResource& sound)
         {sound.GetCutout(), sound.GetLooping(), sound.GetChgFrequency(), sound.GetDisableMicFX()}) {
         add(flag);
     }
-    for (const float number : {sound.GetGain(), sound.GetInnerConeAngle(), sound.GetOuterConeAngle(),
-             sound.GetConeGain(), sound.GetMinDistance(), sound.GetMaxDistance(), sound.GetMinAngle(),
-             sound.GetPosition().x, sound.GetPosition().y, sound.GetPosition().z, sound.GetLowPass()}) {
+    for (const float number :
+        {sound.GetGain(), sound.GetInnerConeAngle(), sound.GetOuterConeAngle(), sound.GetConeGain(),
+            sound.GetMinDistance(), sound.GetMaxDistance(), sound.GetMinAngle(), sound.GetPosition().x,
+            sound.GetPosition().y, sound.GetPosition().z, sound.GetLowPass(), sound.GetDoppler()}) {
         add(number);
     }
     for (const int number :

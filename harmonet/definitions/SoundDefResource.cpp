@@ -238,6 +238,7 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
         {Keys::innerConeAngle, [](R r) { return r.ReadFloat(r.sound.innerConeAngle, 0, 360); }},
         {Keys::outerConeAngle, [](R r) { return r.ReadFloat(r.sound.outerConeAngle, 0, 360); }},
         {Keys::coneGain, [](R r) { return r.ReadFloat(r.sound.coneGain, 0, 1); }},
+        {Keys::doppler, [](R r) { return r.ReadFloat(r.sound.doppler, 0, 10); }},
         {Keys::position, [](R r) { return r.sound.ReadPosition(r.reader); }},
         {Keys::set_frquency,
             [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.chgFrequency = on; }); }},

@@ -51,6 +51,7 @@ void SoundResource::Init() const
     disableMicFX = false;
     gain = 1.0F;
     lowPass = 1.0F;
+    doppler = 1.0F;
     innerConeAngle = 180.0F;
     outerConeAngle = 180.0F;
     coneGain = 1.0F;

@@ -49,6 +49,8 @@ public:
     float GetGain() const { return gain; }
     /// Linear gain of the high frequencies. Default 1.0.
     float GetLowPass() const { return lowPass; }
+    /// How much of the Doppler effect the sound has, a factor. Default 1.0.
+    float GetDoppler() const { return doppler; }
     /// Degrees. Default 180.0 for both: no cone.
     float GetInnerConeAngle() const { return innerConeAngle; }
     float GetOuterConeAngle() const { return outerConeAngle; }
@@ -113,6 +115,7 @@ protected:
     mutable int loopStart = 0;
     mutable int loopEnd = 0;
     mutable float lowPass = 1.0F;
+    mutable float doppler = 1.0F;
 };
 
 } // namespace Quon

@@ -5,6 +5,9 @@
 #include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace Quon
 {
 
@@ -31,6 +34,7 @@ Snd3D::Snd3D(const Snd3D& other)
     , outerConeAngle(other.outerConeAngle)
     , coneGain(other.coneGain)
     , axis(other.axis)
+    , doppler(other.doppler)
 {
     AddFlags(Flag3D);
     InitMinMaxDistance(other.minDistance, other.GetMaxDistance(), other.GetCutout());
@@ -43,6 +47,7 @@ Snd3D& Snd3D::operator=(const Snd3D& other)
     InitCone(other.innerConeAngle, other.outerConeAngle, other.coneGain);
     InitMinMaxDistance(other.minDistance, other.GetMaxDistance(), other.GetCutout());
     axis = other.axis;
+    doppler = other.doppler;
     SetHasMoved(other.Row().HasMark(RowMoved));
     return *this;
 }
@@ -147,6 +152,35 @@ void Snd3D::UpdatePlace()
     SoundRow& row = Row();
     row.place = globalPosition;
     row.SetMark(RowPlaceKnown | RowPlaced, true);
+    if (theKernel) {
+        theKernel->GetDoppler().Follow(motion, row.place);
+    }
+}
+
+void Snd3D::SetDoppler(float factor)
+{
+    constexpr float most = 10.0F;
+    if (!std::isnan(factor)) {
+        doppler = std::clamp(factor, 0.0F, most);
+    }
+}
+
+void Snd3D::UpdatePitch(SndChannel& channel, bool isNew)
+{
+    const Doppler& effect = theKernel->GetDoppler();
+    sentPitch = isNew ? 1.0F : sentPitch;
+    if ((!effect.IsOn() && sentPitch == 1.0F) || HasAnyFlag(FlagPolylineSource)) {
+        return;
+    }
+    if (!Row().HasMark(RowPlaceKnown)) {
+        Snd3D::UpdatePlace();
+    }
+    const Vector3 velocity = IsMovable() ? effect.GetVelocity(motion) : Vector3();
+    const float pitch = effect.CalcPitch(Row().place, velocity, doppler);
+    if (pitch != sentPitch && (pitch == 1.0F || std::abs(pitch - sentPitch) > Doppler::leastShift)) {
+        sentPitch = pitch;
+        channel.SetPitch(pitch);
+    }
 }
 
 void Snd3D::CalcDistSqr(const Vector3& listener)

@@ -2,6 +2,7 @@
 
 #include "harmonet/engine/Particle.h"
 #include "harmonet/instances/SndBase.h"
+#include "harmonet/kernel/Motion.h"
 
 namespace Quon
 {
@@ -57,11 +58,17 @@ public:
     bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* properties) override;
     void UpdatePlace() override;
     float CalcLevel(const Vector3* listener) const override;
+    /// The node's velocity counts unless the sound is not movable. A sound along a line has none of it, since
+    /// its sources jump.
+    void UpdatePitch(SndChannel& channel, bool isNew) override;
 
     /// Moves the source and turns the cone to where the node now is. The direction follows only while the
     /// cone is in use, so that a plain source costs one call. Needs a channel.
     void UpdatePosition();
     void SetHasMoved(bool on);
+    /// How much of the Doppler effect the sound has: a factor, clamped to 0.0 to 10.0; NaN changes nothing.
+    void SetDoppler(float factor);
+    float GetDoppler() const { return doppler; }
     bool GetCutout() const;
     float GetMinDistance() const { return minDistance; }
     float GetMaxDistance() const;
@@ -82,6 +89,9 @@ private:
     float outerConeAngle = 0.0F;
     float coneGain = 0.0F;
     int axis = defaultAxis;
+    float doppler = 1.0F;
+    float sentPitch = 1.0F; ///< To the channel.
+    Motion motion; ///< While the Doppler effect is on.
 };
 
 } // namespace Quon

@@ -100,6 +100,9 @@ public:
     /// How loud the sound is at the listener, null for none: its output gain, attenuated by its distance, and
     /// 0 where it is cut out. Cones, fades and effects do not count. Moves and measures nothing.
     virtual float CalcLevel(const Vector3* listener) const;
+    /// Sends the channel the pitch that the Doppler effect gives the sound, if that has changed; `isNew` is a
+    /// channel that has not been told yet. Does nothing for a sound that has no place.
+    virtual void UpdatePitch(SndChannel& channel, bool isNew);
 
     /// Lets the channel fall to silence over `ms` milliseconds and then ends the sound; its file goes with
     /// the fading channel. Without a channel the instance is deleted at once and the result is false: the

@@ -141,6 +141,8 @@ void SndBase::CalcDistSqr(const Vector3&) {}
 
 void SndBase::UpdatePlace() {}
 
+void SndBase::UpdatePitch(SndChannel&, bool) {}
+
 float SndBase::GetDistSqr() const
 {
     return Row().distSqr;

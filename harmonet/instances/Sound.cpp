@@ -71,6 +71,7 @@ void ApplyPositionalSettings(Snd3D& sound, const SoundResource& resource)
 {
     sound.InitMinMaxDistance(resource.GetMinDistance(), resource.GetMaxDistance(), resource.GetCutout());
     sound.InitCone(resource.GetInnerConeAngle(), resource.GetOuterConeAngle(), resource.GetConeGain());
+    sound.SetDoppler(resource.GetDoppler());
     if (resource.GetDisableMicFX()) {
         sound.AddFlags(FlagDisableMicFX);
     }

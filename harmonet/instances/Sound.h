@@ -210,6 +210,10 @@ public:
 
     // These are for positional sounds that are not along a line.
     void SetSoundCone(int id, float inner, float outer, float coneGain);
+    /// How much of the Doppler effect the sound has, beside SoundSystem::SetDopplerFactor(): a factor,
+    /// clamped to 0.0 to 10.0; NaN changes nothing. At the start it is 1.0; 0.0 for any other sound.
+    void SetSoundDoppler(int id, float factor);
+    float GetSoundDoppler(int id) const;
     void SetSoundPosition(int id, const Vector3& position);
     /// The node's local position; (0, 0, 0) for any other sound.
     Vector3 GetSoundPosition(int id);

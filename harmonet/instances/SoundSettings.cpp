@@ -166,6 +166,19 @@ void Sound::SetSoundCone(int id, float inner, float outer, float coneGain)
     }
 }
 
+void Sound::SetSoundDoppler(int id, float factor)
+{
+    if (Snd3D* sound = FindPlaced3D(id)) {
+        sound->SetDoppler(factor);
+    }
+}
+
+float Sound::GetSoundDoppler(int id) const
+{
+    const Snd3D* sound = FindPlaced3D(id);
+    return sound ? sound->GetDoppler() : 0.0F;
+}
+
 void Sound::SetSoundPosition(int id, const Vector3& position)
 {
     if (Snd3D* sound = FindPlaced3D(id)) {

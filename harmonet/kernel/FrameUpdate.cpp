@@ -48,6 +48,7 @@ void SndKernel::Update(float seconds)
         return;
     }
     elapsed += ToMilliseconds(seconds, std::numeric_limits<std::int32_t>::max());
+    doppler.AddTime(seconds);
     if (elapsed < minUpdateMs) {
         return;
     }
@@ -83,6 +84,10 @@ void SndKernel::RunFullUpdate(float seconds)
     clockMs += static_cast<std::uint32_t>(elapsed);
     startClock.BeginUpdate(elapsed);
     FlagScope bearings(takesNewcomers);
+    doppler.BeginUpdate();
+    if (activeMicrophone) {
+        doppler.FollowListener(step.listener);
+    }
 
     UpdatePlaces();
     int due = CountDownDelays(step.listener);
@@ -98,6 +103,10 @@ void SndKernel::RunFullUpdate(float seconds)
         hasReturned = false;
         Allocate();
     }
+    if (doppler.IsOn()) {
+        UpdatePitches();
+    }
+    doppler.EndUpdate();
     driver->EndUpdate();
     elapsed = 0;
 }
@@ -228,6 +237,15 @@ bool SndKernel::UpdateRow(SoundRow& row, const UpdateStep& step)
         return true;
     }
     return row.sound->SndBase::SndUpdate(step.seconds, step.listener, step.listenerMoved);
+}
+
+void SndKernel::UpdatePitches()
+{
+    GetList(ListID::Playing).ForEach([](SndBase& sound) {
+        if (sound.sndChannel) {
+            sound.UpdatePitch(*sound.sndChannel, false);
+        }
+    });
 }
 
 void SndKernel::LeavePlaying(SndBase& sound, SoundReason reason)

@@ -262,11 +262,12 @@ bool SndKernel::StartChannel(SndBase* sound)
     return true;
 }
 
-void SndKernel::SendLowPass(const SndBase& sound, SndChannel& channel)
+void SndKernel::SetUpChannel(SndBase& sound, SndChannel& channel)
 {
     if (const float gainHF = sound.GetOutputLowPass(); gainHF < 1.0F) {
         channel.SetLowPass(gainHF);
     }
+    sound.UpdatePitch(channel, true);
 }
 
 void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
@@ -278,7 +279,6 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
     if (outputGain >= 0.0F && outputGain < 1.0F) {
         channel->SetGain(outputGain);
     }
-    SendLowPass(sound, *channel);
     const bool isBeginning = !sound.IsPlaying();
     sound.Play(file);
     if (sound.Row().HasMark(RowReturns)) {
@@ -292,6 +292,7 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
         const StartMoment moment = {sound.startGameTime, sound.startMachineTime};
         channel->SetStartTime(startClock.GetGameTime(moment, updating), startClock.GetAge(moment));
     }
+    SetUpChannel(sound, *channel);
     channel->Play();
 }
 

@@ -198,7 +198,6 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
     if (fade.gain < 1.0F) {
         channel->SetGain(fade.gain);
     }
-    SendLowPass(sound, *channel);
     // Play() places what is at the sound's own channel, and begins what has not begun: that is the next
     // piece.
     SndFile* own = sound.sndFile;
@@ -212,6 +211,7 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
     if (sound.newFrequency != 0) {
         channel->SetFrequency(sound.newFrequency);
     }
+    SetUpChannel(sound, *channel);
     channel->Play();
     channel->FadeOut(fade.ms);
     channel->SkipFade(static_cast<int>(fade.since));

@@ -27,6 +27,7 @@ constexpr const char* driverSymbol = "CreateSoundDriver";
 constexpr int defaultBytesPerSample = 2;
 constexpr int defaultSampleFrequency = 22050;
 constexpr int defaultChannels = 2;
+constexpr int defaultSpeedOfSound = 343;
 
 // A sound that fades out and music may pass the limit of audible sounds.
 constexpr int spareChannels = 4;
@@ -123,6 +124,10 @@ void SndKernel::ReadOptions(const Options& hostOptions)
     options.format.SetFormat(defaultBytesPerSample, sampleFrequency, 0, defaultChannels);
     hostOptions.Get(HarmonetStrings::seed.GetText(), options.seed, 0);
     definitions.SetSeed(static_cast<std::uint32_t>(options.seed));
+    constexpr float percent = 0.01F;
+    doppler.SetFactor(percent * static_cast<float>(ReadOption(hostOptions, PString("SoundDoppler"), 0, 0)));
+    doppler.SetSpeedOfSound(
+        static_cast<float>(ReadOption(hostOptions, PString("SpeedOfSound"), 1, defaultSpeedOfSound)));
 }
 
 int SndKernel::OpenDriver(OS* os, bool driverFlag)
@@ -217,6 +222,9 @@ void SndKernel::SetMicrophone(Microphone* microphone)
     if (activeMicrophone && activeMicrophone != microphone) {
         activeMicrophone->SetActive(false);
     }
+    if (activeMicrophone != microphone) {
+        doppler.ForgetListener();
+    }
     activeMicrophone = microphone;
     microphone->SetActive(true);
     listenerChanged = true;
@@ -247,6 +255,14 @@ void SndKernel::SetMusicMainGain(float gain)
 {
     mainGainMusic = gain;
     RefreshGains(FlagMusic);
+}
+
+void SndKernel::SetDopplerFactor(float factor)
+{
+    doppler.SetFactor(factor);
+    if (!doppler.IsOn()) {
+        UpdatePitches();
+    }
 }
 
 void SndKernel::SetLowPass(float gainHF)

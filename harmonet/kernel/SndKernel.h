@@ -3,6 +3,7 @@
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/kernel/Decide.h"
 #include "harmonet/kernel/DefinitionState.h"
+#include "harmonet/kernel/Doppler.h"
 #include "harmonet/kernel/NameIndex.h"
 #include "harmonet/kernel/SndList.h"
 #include "harmonet/kernel/SoundTable.h"
@@ -172,6 +173,9 @@ public:
     void Set3DMainGain(float gain);
     void SetMusicMainGain(float gain);
     float GetLowPass() const { return lowPass; }
+    const Doppler& GetDoppler() const { return doppler; }
+    void SetDopplerFactor(float factor);
+    void SetSpeedOfSound(float speed) { doppler.SetSpeedOfSound(speed); }
     /// The low-pass of everything.
     void SetLowPass(float gainHF);
     /// Sends the sounds of a group, or all for null, their output low-pass anew.
@@ -283,8 +287,9 @@ private:
     /// StartChannel() for a sound that competes for no channel.
     bool StartNow(SndBase& sound);
     static void BeginFadeIn(const SndBase& sound, SndChannel& channel);
-    /// The settings of a new channel that it does not have by itself.
-    static void SendLowPass(const SndBase& sound, SndChannel& channel);
+    /// The low-pass and the pitch of a new channel.
+    static void SetUpChannel(SndBase& sound, SndChannel& channel);
+    void UpdatePitches();
     SoundReason WhyUnheard(const SoundRow& row) const;
     SoundReason WhyNotBack(const SoundRow& row) const;
     void SetReason(SoundRow& row, SoundReason reason)
@@ -328,6 +333,7 @@ private:
     float mainGain3D = 1.0F;
     float mainGainMusic = 1.0F;
     float lowPass = 1.0F;
+    Doppler doppler;
     SoundCaps caps;
     NameIndex names;
     EngineVector<Contender> contenders;

@@ -154,6 +154,31 @@ float SoundSystem::GetLowPass()
     return theKernel ? theKernel->GetLowPass() : 0.0F;
 }
 
+void SoundSystem::SetDopplerFactor(float factor)
+{
+    constexpr float most = 10.0F;
+    if (theKernel && !std::isnan(factor)) {
+        theKernel->SetDopplerFactor(std::clamp(factor, 0.0F, most));
+    }
+}
+
+float SoundSystem::GetDopplerFactor()
+{
+    return theKernel ? theKernel->GetDoppler().GetFactor() : 0.0F;
+}
+
+void SoundSystem::SetSpeedOfSound(float speed)
+{
+    if (theKernel && speed > 0.0F && std::isfinite(speed)) {
+        theKernel->SetSpeedOfSound(speed);
+    }
+}
+
+float SoundSystem::GetSpeedOfSound()
+{
+    return theKernel ? theKernel->GetDoppler().GetSpeedOfSound() : 0.0F;
+}
+
 void SoundSystem::StopAll()
 {
     if (theKernel) {

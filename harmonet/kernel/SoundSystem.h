@@ -73,6 +73,16 @@ public:
     static void SetLowPass(float gainHF);
     static float GetLowPass();
 
+    /// The Doppler effect of positional sounds: 0.0, the default, is off, 1.0 is as in nature; other values
+    /// exaggerate or reduce it. Clamped to 0.0 to 10.0; NaN changes nothing. Follows from how the nodes of
+    /// sounds and microphone move from update to update. In percent it is the option "SoundDoppler".
+    static void SetDopplerFactor(float factor);
+    static float GetDopplerFactor();
+    /// In world units per second, for the Doppler effect: 343.0 where a unit is a metre, which is the
+    /// default. Has to be above 0 and finite, or nothing changes. The option "SpeedOfSound".
+    static void SetSpeedOfSound(float speed);
+    static float GetSpeedOfSound();
+
     /// Ends all sounds, music included; also what observers start in answer. Towards its end no sound can be
     /// made.
     static void StopAll();

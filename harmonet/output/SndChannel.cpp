@@ -38,4 +38,6 @@ void SndChannel::SkipFade(int) {}
 
 void SndChannel::SetLowPass(float) {}
 
+void SndChannel::SetPitch(float) {}
+
 } // namespace Quon

@@ -133,6 +133,12 @@ public:
     /// click. The default does nothing.
     virtual void SetLowPass(float gainHF);
 
+    /// Plays `factor` times as fast as by the rate, from 0.5 to 2.0: the Doppler effect, which changes with
+    /// each update. A new channel has 1.0, and is not told. It leaves SetFrequency() and GetFrequency() alone
+    /// and also comes to a channel without ChanChgFrequency, or with effects. A change should glide. The
+    /// default does nothing.
+    virtual void SetPitch(float factor);
+
 protected:
     int type = 0;
     SndFile* sndFile = nullptr;

@@ -114,6 +114,7 @@ std::string Describe(const SoundResource& sound)
     text.Add("inner", sound.GetInnerConeAngle(), 180.0F);
     text.Add("outer", sound.GetOuterConeAngle(), 180.0F);
     text.Add("conegain", sound.GetConeGain(), 1.0F);
+    text.Add("doppler", sound.GetDoppler(), 1.0F);
     if (!(sound.GetPosition() == Vector3())) {
         text.Add("at " + ToText(sound.GetPosition()));
     }

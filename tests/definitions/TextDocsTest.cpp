@@ -111,7 +111,7 @@ TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
             ++count;
         }
     }
-    EXPECT_EQ(count, 22);
+    EXPECT_EQ(count, 23);
 }
 
 TEST_F(TextDocs, EachEffectStandsThereWithItsFieldsTheirRangesAndDefaults)

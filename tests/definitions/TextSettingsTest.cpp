@@ -72,7 +72,7 @@ TEST_F(TextSettings, EachKeywordReachesItsSetting)
         {"", ""},
         {"*LOOPING true\n*LOOP_START 441\n*LOOP_END 882", "looping 1, loop start 441, loop end 882"},
         {"*GAIN 1\n*GAIN 0.25", "gain 0.25"},
-        {"*LOW_PASS 0.5", "lowpass 0.5"},
+        {"*LOW_PASS 0.5\n*DOPPLER 2", "lowpass 0.5, doppler 2"},
         {"*DELAY 250", "delay 250"},
         {"*MIN_DISTANCE 5\n*MAX_DISTANCE 120.5", "min 5, max 120.5"},
         {"*CUTOUT false", "cutout 0"},

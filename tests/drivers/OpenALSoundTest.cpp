@@ -248,6 +248,39 @@ TEST(OpenALSound, AChangeOfRateInTheMiddleLeavesNoGap)
     }
 }
 
+// Each sample says where in the file it stands.
+TEST(OpenALSound, PitchGlidesWithoutAClickAndTheFileIsPutBackToWhatWasHeard)
+{
+    constexpr int frames = 20 * rateHz;
+    constexpr int steps = 200;
+    constexpr unsigned long stepMs = 50;
+    for (const char* grade : {"0", "1", "2"}) {
+        OfflineRig rig(8, rateHz, nullptr, {{"OpenALResampling", grade}});
+        const auto file = MakeFile({frames, rateHz, 1, 4}, [](int i, int) { return i / (1.0 * frames); });
+        SndChannel* const channel = rig.Play(*file);
+        double played = 0.0;
+        double before = 1.0;
+        double pitch = 1.0;
+        for (int step = 0; step <= steps; ++step) {
+            // 7 is clamped to 2, and NaN ignored. What is set in a step is heard in the next, as a
+            // glide unless the grade is "fast".
+            const double next = step % 8 == 3 ? 2.0 : step < steps ? 1.0 + 0.5 * std::sin(step / 5.0) : 1.0;
+            played += 0.001 * stepMs * rateHz * (grade[0] == '0' ? pitch : (before + pitch) / 2);
+            before = std::exchange(pitch, next);
+            rig.Step(stepMs, [&] {
+                channel->SetPitch(next == 2.0 ? 7.0F : static_cast<float>(next));
+                channel->SetPitch(noNumber);
+            });
+        }
+        EXPECT_EQ(channel->GetFrequency(), rateHz);
+        const Rendering heard = rig.Heard();
+        channel->Stop();
+        EXPECT_NEAR(heard.samples.back() * frames, played, 150) << "grade " << grade;
+        EXPECT_NEAR(file->GetCurrentSample(), heard.samples.back() * frames, 150) << "grade " << grade;
+        EXPECT_LE(heard.LargestBend(rateHz / 10, heard.GetFrames()), 3.0 / 32768) << "grade " << grade;
+    }
+}
+
 TEST(OpenALSound, ALowPassLeavesLowTonesAndGivesHighOnesItsGain)
 {
     const auto warp = [](double hz) { return std::tan(std::numbers::pi * hz / rateHz); };

@@ -177,6 +177,64 @@ TEST_F(Snd3DTest, ASoundFollowsTheNodesAboveIt)
     EXPECT_EQ(recording.channels.at(1).position, origin);
 }
 
+// Straight towards the listener, at 30 units a second.
+TEST_F(Snd3DTest, PitchGoesToEachChannelWhileTheDopplerEffectIsOn)
+{
+    constexpr int stepMs = 50;
+    const auto readPitch = [](const Lines& lines, const std::string& channel) {
+        float pitch = 0.0F;
+        for (const std::string& line : lines) {
+            std::sscanf(line.c_str(), (channel + " SetPitch %f").c_str(), &pitch);
+        }
+        return pitch;
+    };
+    float x = 90.0F;
+    const int id = Play3D(file, x);
+    const auto approach = [&](int steps) {
+        for (; steps > 0; --steps) {
+            x -= 1.5F;
+            group->SetSoundPosition(id, {x, 0.0F, 0.0F});
+            Step(stepMs);
+        }
+        return TakeLog();
+    };
+    EXPECT_EQ(readPitch(approach(4), "c1"), 0.0F) << "it is off at first";
+    SoundSystem::SetDopplerFactor(1.0F);
+    constexpr float shifted = 343.0F / (343.0F - 30.0F);
+    EXPECT_NEAR(readPitch(approach(3), "c1"), shifted, 1e-3F);
+
+    SoundSystem::PauseAll();
+    approach(2);
+    SoundSystem::ResumeAll();
+    Lines returned = approach(1);
+    EXPECT_NEAR(readPitch(returned, "c2"), shifted, 1e-3F);
+    EXPECT_EQ(returned[returned.size() - 2], "c2 Play") << "told before it plays";
+
+    SoundSystem::SetDopplerFactor(0.0F);
+    EXPECT_EQ(TakeLog(), Lines{"c2 SetPitch 1"});
+    SoundSystem::SetDopplerFactor(1.0F);
+    approach(3);
+    StepTimes(60, stepMs);
+    EXPECT_EQ(readPitch(TakeLog(), "c2"), 1.0F) << "at rest";
+    Microphone other;
+    other.SetPosition({20.0F, 0.0F, 0.0F});
+    other.Activate();
+    StepTimes(2, stepMs);
+    EXPECT_EQ(readPitch(TakeLog(), "c2"), 0.0F) << "another listener is no motion";
+    other.SetPosition({19.0F, 0.0F, 0.0F});
+    Step(stepMs);
+    EXPECT_NE(readPitch(TakeLog(), "c2"), 0.0F);
+    group->StopSound(id);
+
+    const Vector3 points[] = {{19.0F, 0.0F, 5.0F}, {90.0F, 0.0F, 5.0F}};
+    group->StartSound(group->New3DSound(points, 2, file, nullptr, 1, 45.0F), 0);
+    for (int i = 0; i < 4; ++i) {
+        other.SetPosition({20.0F + static_cast<float>(i), 0.0F, 0.0F});
+        Step(stepMs);
+    }
+    EXPECT_EQ(readPitch(TakeLog(), "c3"), 0.0F) << "along a line";
+}
+
 TEST_F(Snd3DTest, SourcePropertiesNeedADriverThatTakesThem)
 {
     FXEnvReverbSourceProperties properties{};

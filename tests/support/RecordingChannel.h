@@ -33,6 +33,7 @@ public:
     bool SetFrequency(unsigned long hz) override;
     unsigned long GetFrequency() override;
     void SetLowPass(float gainHF) override { Called("SetLowPass " + ToText(gainHF)); }
+    void SetPitch(float factor) override { Called("SetPitch " + ToText(factor)); }
     /// Not logged.
     void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds) override;
     bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties) override;

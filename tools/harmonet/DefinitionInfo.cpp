@@ -182,6 +182,7 @@ std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
             {{"innerAngle", Rounded(sound.GetInnerConeAngle())},
                 {"outerAngle", Rounded(sound.GetOuterConeAngle())},
                 {"gainOutside", Rounded(sound.GetConeGain())}}},
+        {"doppler", FormatNumber(sound.GetDoppler()), "doppler", Rounded(sound.GetDoppler())},
         {"position", Format(sound.GetPosition()), "position", ToJson(sound.GetPosition())},
         {"rate", FormatFrequency(sound), "rate",
             {{"hertz", sound.GetFrequency()}, {"canChange", sound.GetChgFrequency()}}},
