@@ -110,6 +110,7 @@ void ExpectLeftAlone(bool isRendered, bool isThreadSet)
         [&] { channel->SetGain(0.5F); }, [&] { channel->SetCone(10, 20, 0.5F); },
         [&] { channel->SetMinMaxDistance(1, 10, true); }, [&] { channel->SetPosition(place); },
         [&] { channel->SetDirection(place); }, [&] { channel->SetFrequency(32000); },
+        [&] { channel->SetLowPass(0.5F); }, [&] { channel->SetPitch(1.5F); },
         [&] { channel->SetFXEnvReverbSourceProperties(&properties); }, [&] { channel->Play(); },
         [&] { driver.BeginUpdate(40); }, [&] { driver.SetListenerPosition(place); },
         [&] { driver.SetListenerOrientation(place, up); }, [&] { driver.SetRolloffFactor(0.5F); },

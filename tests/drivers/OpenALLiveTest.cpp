@@ -81,6 +81,8 @@ protected:
             [&] { channel->SetFrequency(static_cast<unsigned long>(100 + Draw(99901))); },
             [&] { channel->FadeOut(Draw(100)); },
             [&] { channel->SetGain(0.01F * static_cast<float>(Draw(100))); },
+            [&] { channel->SetLowPass(0.01F * static_cast<float>(Draw(101))); },
+            [&] { channel->SetPitch(0.5F + 0.01F * static_cast<float>(Draw(151))); },
             [&] {
                 channel->SetPosition({static_cast<float>(Draw(20)), 0, 1});
             },
