@@ -1,7 +1,6 @@
-// What a host hears of calls that fail, and definitions that come from its own object.
+// What a host hears of calls that fail.
 
 #include "tests/instances/WithResources.h"
-#include "tests/support/MemorySource.h"
 #include "tests/support/MessageLog.h"
 #include "tests/support/SoundTest.h"
 
@@ -69,20 +68,6 @@ TEST_F(Reasons, AreToldForStartsOfTheSystem)
     EXPECT_EQ(log.Take(),
         options + "N sound driver 'HarmonetRecording" + dynamicLibrarySuffix + "' is open\n" +
             "N option MaxSound=30: nothing has asked for an option of this name so far\n");
-}
-
-TEST_F(Reasons, AreNotNeededForDefinitionsFromTheHostsOwnObject)
-{
-    const auto source = std::make_shared<MemorySource>();
-    source->files["sub/a.wav"] = BuildWave({2000});
-    const std::string_view text = "*SOUND_DEFINITION { *FILE sub/a.wav\n *LOOPING true }";
-    source->files["horn.sound"] = {text.begin(), text.end()};
-    ASSERT_TRUE(database.AddFolder("pak", source));
-    const int id = group->Play2DSound("horn.sound", &database, 0, 0, 0);
-    ASSERT_NE(id, 0);
-    Step(50);
-    EXPECT_EQ(Playing(), Ids{id});
-    EXPECT_EQ(group->GetRemainLength(id), 0xFFFFFFFFu);
 }
 
 } // namespace
