@@ -137,7 +137,7 @@ TEST_F(Variation, IsTheSameOnEveryPlatform)
         EXPECT_EQ(Sound::GetState(id).fileName, PString(row.file));
         EXPECT_EQ(group->GetSoundGain(id), row.gain);
         EXPECT_EQ(group->GetFrequency(id), row.hz) << "the rate of the file is 1000 Hz";
-        EXPECT_EQ(TakeLog({("c" + std::to_string(ChannelOf(id)) + " SetFrequency").c_str()}).size(), 1u);
+        EXPECT_EQ(TakeLog({("c" + std::to_string(ChannelOf(id)) + " SetFrequency").c_str()}).size(), 1U);
     }
 }
 
@@ -149,12 +149,12 @@ TEST_F(Variation, OfGainAndRateStaysWithinWhatASoundCanHave)
         "*FREQUENCY_RANGE 1.5 2\n*MAX_INSTANCES 1\n*POLYLINE {\n*NUM_ADD_SOUNDS 2\n*ANGLE 20\n*POINT -9 0 3\n"
         "*POINT 9 0 3\n}");
     EXPECT_EQ(group->GetSoundGain(Start("loud.sound")), 1.0F);
-    EXPECT_EQ(group->GetFrequency(Start("fast.sound")), 100000u);
+    EXPECT_EQ(group->GetFrequency(Start("fast.sound")), 100000U);
     // What the game asks for counts, as for any sound.
     const int own = group->New2DSound("fast.sound", &database);
     EXPECT_TRUE(group->SetFrequency(own, 500));
     EXPECT_TRUE(group->StartSound(own, Sound::StartImmediately));
-    EXPECT_EQ(group->GetFrequency(own), 500u);
+    EXPECT_EQ(group->GetFrequency(own), 500U);
     // All sources of a line play at one rate, and a line counts as one.
     const int line = StartAt(0.0F, "line.sound");
     Step(40);
@@ -164,8 +164,8 @@ TEST_F(Variation, OfGainAndRateStaysWithinWhatASoundCanHave)
         rates.insert(Find(static_cast<int>(head->GetSourceID(i)))->GetFrequency());
     }
     EXPECT_EQ(head->GetNumSounds(), 3);
-    ASSERT_EQ(rates.size(), 1u);
-    EXPECT_GE(*rates.begin(), 1500u);
+    ASSERT_EQ(rates.size(), 1U);
+    EXPECT_GE(*rates.begin(), 1500U);
     const int next = StartAt(0.0F, "line.sound");
     EXPECT_EQ(Alive({line, next}), Ids{next});
 }
