@@ -64,11 +64,20 @@ SoundReader::SoundReader(std::string newShown, const SF_INFO& newInfo, SNDFILE* 
 
 std::size_t SoundReader::Read(float* out, std::size_t frames)
 {
-    const sf_count_t got = sf_readf_float(file.get(), out, static_cast<sf_count_t>(frames));
-    if (sf_error(file.get()) != SF_ERR_NO_ERROR) {
-        throw ToolError("'" + shown + "' is damaged: " + sf_strerror(file.get()), ExitCode::BadInput);
+    if (!damage.empty()) {
+        return 0;
     }
+    const sf_count_t got = sf_readf_float(file.get(), out, static_cast<sf_count_t>(frames));
     framesRead += got;
+    if (sf_error(file.get()) != SF_ERR_NO_ERROR) {
+        damage = sf_strerror(file.get());
+    }
+    const bool isEnd = got < static_cast<sf_count_t>(frames);
+    if (isEnd && framesRead == 0 && info.frames > 0) {
+        throw ToolError("'" + shown + "' is damaged: nothing of its sound can be decoded" +
+                (damage.empty() ? "" : " (" + damage + ")"),
+            ExitCode::BadInput);
+    }
     return static_cast<std::size_t>(got);
 }
 
@@ -96,6 +105,14 @@ std::vector<int> SoundReader::GetChannelMap() const
 
 std::string SoundReader::DescribeMissing() const
 {
+    if (!damage.empty()) {
+        return "'" + shown + "' is cut off or damaged after " + std::to_string(framesRead) +
+            " sample frames, which are all that is taken (" + damage + ")";
+    }
+    if (info.frames == SF_COUNT_MAX) {
+        return "'" + shown + "' is cut off: its end is missing after " + std::to_string(framesRead) +
+            " sample frames";
+    }
     if (framesRead < info.frames) {
         return "'" + shown + "' is cut off: it holds " + std::to_string(framesRead) + " of " +
             std::to_string(info.frames) + " sample frames";

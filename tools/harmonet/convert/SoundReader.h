@@ -21,6 +21,7 @@ public:
 
     int GetChannels() const override { return info.channels; }
     int GetRateHz() const override { return info.samplerate; }
+    /// Ends where the file is damaged. Throws a ToolError when nothing before that can be decoded.
     std::size_t Read(float* out, std::size_t frames) override;
 
     bool IsMpegLayer3() const;
@@ -43,6 +44,7 @@ private:
     SF_INFO info;
     std::unique_ptr<SNDFILE, Close> file;
     std::int64_t framesRead = 0;
+    std::string damage; ///< What the decoder could not go on for; empty for none.
 };
 
 } // namespace Tool
