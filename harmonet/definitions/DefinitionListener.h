@@ -1,6 +1,7 @@
 #pragma once
 
 #include "harmonet/Export.h"
+#include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/PString.h"
 
 namespace Quon
@@ -41,6 +42,10 @@ struct DefinitionRemark
     double least = 0.0;
     double most = 0.0;
 };
+
+/// The remark in words, without file and line, such as "*GAIN: expected a number, got 'loud'; the reading
+/// stops here". Throws std::bad_alloc without memory.
+HARMONET_API EngineString DescribeRemark(const DefinitionRemark& remark);
 
 /// Hears what the reading of sound definitions comes across, for a tool or a development build of a game:
 /// the library itself passes faults over in silence. Set with SoundDefResource::SetListener(), which does not

@@ -24,7 +24,8 @@ TEST_F(Reasons, AreToldForStartsThatFail)
         "takes its ending\n");
     EXPECT_EQ(group->Play2DSound("bad.sound", &database, 0, 0, 0), 0);
     EXPECT_EQ(log.Take(),
-        "W definition 'bad.sound' of owner 'sounds', line 3: *GAIN: expected a number, got 'loud'\n"
+        "W definition 'bad.sound' of owner 'sounds', line 3: *GAIN: expected a number, got 'loud'; the "
+        "reading stops here\n"
         "E definition 'bad.sound' of owner 'sounds': no sound file is named by *FILE\n"
         "E resource 'bad.sound' of owner 'sounds' cannot be loaded\n");
     system.SetMaxAudibleSounds(0);

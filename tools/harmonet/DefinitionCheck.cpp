@@ -7,7 +7,6 @@
 #include "tools/harmonet/Format.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <memory>
 
@@ -20,26 +19,9 @@ namespace
 using Quon::DefinitionFault;
 using Keys = Quon::HarmonetStrings;
 
-constexpr const char* stops = "; the reading stops here";
-constexpr const char* passedOver = " and is passed over";
-
 std::string ToString(const Quon::PString& text)
 {
     return std::string(text.GetView());
-}
-
-std::string ExplainUnknown(const Quon::PString& keyword)
-{
-    const std::string text = ToString(keyword);
-    std::string hint;
-    if (text == "*SET_FREQUENCY") {
-        hint = " (it is spelt " + ToString(Keys::set_frquency) + ")";
-    }
-    else if (std::any_of(
-                 text.begin(), text.end(), [](unsigned char letter) { return std::islower(letter); })) {
-        hint = " (keywords are written in capitals)";
-    }
-    return text + " is unknown here" + hint + passedOver;
 }
 
 /// What a sound does without a value of that keyword that is out of range; null if it takes the value.
@@ -55,15 +37,6 @@ const char* ExplainIgnored(const Quon::PString& keyword)
         return "there is no variation";
     }
     return keyword == Keys::maxInstances || keyword == Keys::minInterval ? "there is no limit" : nullptr;
-}
-
-std::string ExplainUnreadable(const Quon::DefinitionRemark& remark)
-{
-    const std::string begin = ToString(remark.keyword) + " needs " + remark.text;
-    if (!remark.found) {
-        return begin + ", and nothing stands there" + stops;
-    }
-    return begin + ", and '" + remark.found + "' is none" + stops;
 }
 
 int TryToOpen(const Quon::PString& owner, const Quon::PString& name)
@@ -145,46 +118,9 @@ bool DefinitionCheck::IsError(const Quon::DefinitionRemark& remark) const
 
 std::string DefinitionCheck::Explain(const Quon::DefinitionRemark& remark) const
 {
-    const std::string keyword = ToString(remark.keyword);
-    switch (remark.fault) {
-    case DefinitionFault::NoDefinition:
-        return "there is no " + ToString(Keys::soundDefinition) + " with a block";
-    case DefinitionFault::NoFile:
-        return "no sound file is named by " + ToString(Keys::file);
-    case DefinitionFault::OutsideDefinition:
-        return keyword + " stands outside the definition" + passedOver;
-    case DefinitionFault::UnknownKeyword:
-        return ExplainUnknown(remark.keyword);
-    case DefinitionFault::LeftOver:
-        return "behind " + keyword + " stands more than it takes, which is passed over";
-    case DefinitionFault::Unreadable:
-        return ExplainUnreadable(remark);
-    case DefinitionFault::Refused:
-        return keyword + ' ' + FormatNumber(remark.value) + " is below " + FormatNumber(remark.least) + stops;
-    case DefinitionFault::OutOfRange:
-        return ExplainOutOfRange(remark);
-    case DefinitionFault::RateDropped:
-        return "a sound with effects cannot change its rate; the rate asked for is given up";
-    case DefinitionFault::NoBlock:
-        return keyword + " has no block" + stops;
-    case DefinitionFault::TooFewPoints:
-        return "a line needs two points" + std::string(stops);
-    case DefinitionFault::Lost:
-        return keyword + " is lost, since the reading has stopped before it";
-    case DefinitionFault::Text:
-        break;
-    }
-    return remark.text;
-}
-
-std::string DefinitionCheck::ExplainOutOfRange(const Quon::DefinitionRemark& remark) const
-{
-    std::string text = ToString(remark.keyword) + ' ' + FormatNumber(remark.value) + " is outside " +
-        FormatNumber(remark.least) + " to " + FormatNumber(remark.most);
-    if (!lastBlock.IsEmpty()) {
-        return text;
-    }
-    if (const char* instead = ExplainIgnored(remark.keyword)) {
+    std::string text(Quon::DescribeRemark(remark));
+    const char* const instead = ExplainIgnored(remark.keyword);
+    if (remark.fault == DefinitionFault::OutOfRange && lastBlock.IsEmpty() && instead) {
         text += std::string(" and is ignored: ") + instead;
     }
     return text;

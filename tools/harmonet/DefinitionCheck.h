@@ -24,7 +24,6 @@ private:
     void OnRemark(const Quon::DefinitionRemark& remark) override;
 
     std::string Explain(const Quon::DefinitionRemark& remark) const;
-    std::string ExplainOutOfRange(const Quon::DefinitionRemark& remark) const;
     bool IsError(const Quon::DefinitionRemark& remark) const;
     void AddError(int line, const std::string& text) { findings.push_back({line, true, text}); }
     void AddWarning(int line, const std::string& text) { findings.push_back({line, false, text}); }
