@@ -14,6 +14,8 @@ SoundTrace::~SoundTrace()
     SndKernel::Detach(*this);
 }
 
+SoundTrace* SndKernel::trace = nullptr;
+
 void SndKernel::Attach(SoundTrace* newTrace)
 {
     trace = newTrace;

@@ -353,7 +353,7 @@ private:
     StartClock startClock;
     DefinitionStates definitions;
     const Task* task = nullptr;
-    static inline SoundTrace* trace = nullptr;
+    static SoundTrace* trace;
     EngineVector<std::uint32_t> newcomers; ///< The rows of the sounds started during the running update.
 };
 

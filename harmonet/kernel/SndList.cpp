@@ -17,6 +17,8 @@ bool IsAfter(std::uint32_t serial, std::uint32_t other)
 
 } // namespace
 
+std::uint32_t SndList::lastSerial = 0;
+
 SndList::Entry SndList::Enter(std::uint32_t row, ListID id)
 {
     SoundRow& entered = SoundRows::At(row);

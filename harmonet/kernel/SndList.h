@@ -68,7 +68,7 @@ private:
     EngineVector<Entry> added; ///< Since then, by sorted insertion into a list in order.
     std::size_t count = 0;
     bool isInOrder = true;
-    static inline std::uint32_t lastSerial = 0;
+    static std::uint32_t lastSerial;
 };
 
 } // namespace Quon

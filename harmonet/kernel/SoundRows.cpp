@@ -23,6 +23,14 @@ T* Grow(T* old, std::uint32_t count, std::uint32_t newCapacity)
 
 } // namespace
 
+SoundRow** SoundRows::chunks = nullptr;
+void** SoundRows::blocks = nullptr;
+std::uint32_t* SoundRows::useCounts = nullptr;
+std::uint32_t SoundRows::numChunks = 0;
+std::uint32_t SoundRows::capacity = 0;
+std::uint32_t SoundRows::firstFree = noRow;
+std::uint32_t SoundRows::numUsed = 0;
+
 std::uint32_t SoundRows::Take(SndBase& sound)
 {
     if (firstFree == noRow) {

@@ -40,14 +40,15 @@ private:
 
     static void AddChunk();
 
-    // Without a destructor: a sound may outlive the static objects.
-    static inline SoundRow** chunks = nullptr;
-    static inline void** blocks = nullptr; ///< In which the chunks lie, aligned.
-    static inline std::uint32_t* useCounts = nullptr; ///< Of the rows of each chunk.
-    static inline std::uint32_t numChunks = 0;
-    static inline std::uint32_t capacity = 0; ///< Of the three arrays.
-    static inline std::uint32_t firstFree = noRow; ///< The free rows are chained through samplesLeft.
-    static inline std::uint32_t numUsed = 0;
+    // Without a destructor: a sound may outlive the static objects. Not inline: on Windows each library and
+    // program that includes this would have variables of its own.
+    static SoundRow** chunks;
+    static void** blocks; ///< In which the chunks lie, aligned.
+    static std::uint32_t* useCounts; ///< Of the rows of each chunk.
+    static std::uint32_t numChunks;
+    static std::uint32_t capacity; ///< Of the three arrays.
+    static std::uint32_t firstFree; ///< The free rows are chained through samplesLeft.
+    static std::uint32_t numUsed;
 };
 
 inline SoundRow& SndBase::Row() const
