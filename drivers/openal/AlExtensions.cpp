@@ -39,6 +39,7 @@ bool AlExtensions::LoadForDevice(ALCdevice* device)
     if (!alIsExtensionPresent("AL_EXT_FLOAT32") || !alIsExtensionPresent("AL_SOFT_deferred_updates")) {
         return false;
     }
+    version = GetSoftVersion();
     if (alcIsExtensionPresent(device, "ALC_SOFT_device_clock")) {
         LoadFromDevice(getInteger64v, device, "alcGetInteger64vSOFT");
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "drivers/openal/SoftVersion.h"
+
 #include <AL/al.h>
 #include <AL/alc.h>
 #include <AL/alext.h>
@@ -18,6 +20,8 @@ struct AlExtensions
     LPALDEFERUPDATESSOFT deferUpdates = nullptr;
     LPALPROCESSUPDATESSOFT processUpdates = nullptr;
     LPALCGETINTEGER64VSOFT getInteger64v = nullptr; ///< Null where there is no clock of the device.
+
+    SoftVersion version = SoftVersion::New;
 
     /// OpenAL itself, and what needs no device and no context. False if any of it is missing.
     bool LoadGlobal();

@@ -40,6 +40,7 @@ int EfxFunctions::Load()
         LoadFunction(filterf, "alFilterf") && LoadFunction(genSlots, "alGenAuxiliaryEffectSlots") &&
         LoadFunction(deleteSlots, "alDeleteAuxiliaryEffectSlots") &&
         LoadFunction(sloti, "alAuxiliaryEffectSloti") && LoadFunction(slotf, "alAuxiliaryEffectSlotf");
+    version = GetSoftVersion();
     ALCint sends = 0;
     alcGetIntegerv(device, ALC_MAX_AUXILIARY_SENDS, 1, &sends);
     return isComplete && sends > 0 && HasReverb(*this) ? sends : 0;

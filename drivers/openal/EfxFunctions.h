@@ -1,5 +1,7 @@
 #pragma once
 
+#include "drivers/openal/SoftVersion.h"
+
 #include <AL/al.h>
 #include <AL/alc.h>
 #include <AL/efx.h>
@@ -23,6 +25,7 @@ struct EfxFunctions
     LPALDELETEAUXILIARYEFFECTSLOTS deleteSlots = nullptr;
     LPALAUXILIARYEFFECTSLOTI sloti = nullptr;
     LPALAUXILIARYEFFECTSLOTF slotf = nullptr;
+    SoftVersion version = SoftVersion::New;
 
     /// How many effects one source can be sent to; 0 if any of the functions is missing, or the reverb, which
     /// a user's configuration can exclude. Needs a ContextScope.

@@ -66,18 +66,29 @@ void OfflineRenderer::RenderSlice(std::uint64_t left, bool isFirst, Channels cha
 {
     while (left > 0) {
         voices.Tick(device.GetTime());
-        const bool isChanging = isFirst || IsAnythingChanging(channels);
+        const auto largest = static_cast<std::uint64_t>(GetLargestBlock(isFirst, channels));
         isFirst = false;
-        const int perSecond = voices.IsAnyFading() ? fallsPerSecond
-            : isChanging                           ? blocksPerSecond
-                                                   : steadyBlocksPerSecond;
-        const auto largest = static_cast<std::uint64_t>(rate / perSecond);
         // Even blocks: one of a few sample frames would be no time for a change of gain.
         const std::uint64_t blocks = (left + largest - 1) / largest;
         const std::uint64_t sampleFrames = (left + blocks - 1) / blocks;
         RenderBlock(static_cast<int>(sampleFrames), channels);
         left -= sampleFrames;
     }
+}
+
+// OpenAL goes over to a new gain within the block, or in a newer version within the beginning of it. Then the
+// gain of a fade is a straight line if the block is no longer than that.
+int OfflineRenderer::GetLargestBlock(bool isFirst, Channels channels) const
+{
+    const bool isFading = voices.IsAnyFading();
+    const bool isChanging = IsAnythingChanging(channels);
+    if ((isFading || isChanging) && device.GetSoftVersion() == SoftVersion::New) {
+        return gainRampFrames;
+    }
+    return rate /
+        (isFading                       ? fallsPerSecond
+                : isFirst || isChanging ? blocksPerSecond
+                                        : steadyBlocksPerSecond);
 }
 
 bool OfflineRenderer::IsAnythingChanging(Channels channels) const

@@ -37,6 +37,7 @@ public:
 
 private:
     bool IsAnythingChanging(Channels channels) const;
+    int GetLargestBlock(bool isFirst, Channels channels) const;
     void RenderSlice(std::uint64_t left, bool isFirst, Channels channels);
     void RenderBlock(int sampleFrames, Channels channels);
 

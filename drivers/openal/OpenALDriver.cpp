@@ -210,6 +210,7 @@ void OpenALDriver::SetRolloffFactor(float factor)
     }
     listener.rolloffFactor = std::clamp(factor, 0.0F, std::numeric_limits<float>::max());
     const ContextScope scope(device);
+    acoustics.GetOwnRooms().SetRolloffFactor(listener.rolloffFactor);
     for (const auto& channel : channels) {
         channel->OnRolloffChanged();
     }

@@ -47,6 +47,12 @@ public:
     /// Whether positional sounds are worked out for two ears. All others are to be kept out of that.
     bool IsHrtfOn() const { return session && session->IsHrtfOn(); }
 
+    /// Which OpenAL Soft mixes for it.
+    SoftVersion GetSoftVersion() const
+    {
+        return session ? session->GetExtensions().version : SoftVersion::New;
+    }
+
     /// Mixes the next `sampleFrames` of a loopback device into `stereo`. After a short block the device
     /// itself can be up to three sample frames ahead. Task thread.
     void Render(float* stereo, int sampleFrames);

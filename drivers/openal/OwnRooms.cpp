@@ -92,6 +92,14 @@ void OwnRooms::GiveBack(const ReverbSlot* slot, bool isCutOff, std::int64_t now,
     }
 }
 
+void OwnRooms::SetRolloffFactor(float factor)
+{
+    const std::scoped_lock lock(mutex);
+    for (Place& place : places) {
+        place.slot.SetSourceRolloff(factor);
+    }
+}
+
 bool OwnRooms::IsChanging()
 {
     const std::scoped_lock lock(mutex);

@@ -29,6 +29,9 @@ public:
     const ReverbSlot* Take(const FXEnvReverb& room);
     void GiveBack(const ReverbSlot* slot, bool isCutOff, std::int64_t now, std::int64_t ticksPerSecond);
 
+    /// The factor of the sources' rolloff with distance, which the rooms share.
+    void SetRolloffFactor(float factor);
+
     void Tick(std::int64_t time);
 
     /// Whether a room is being left.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "drivers/openal/SoftVersion.h"
 #include "harmonet/definitions/FXRecords.h"
 
 namespace Quon
@@ -33,8 +34,9 @@ float ToGain(float hundredths);
 /// weaker: by 16 dB at 0.4 s. What is made up for is what white noise showed in the octave around 500 Hz,
 /// rendered with OpenAL Soft 1.19 at decay times of 0.1 to 20 s, a ratio at high frequencies of 0.83, no
 /// reflections and densities of 60 and 100 %; the lines get shorter with the density, and the loss in dB goes
-/// by its fourth root. Levels count from a decay time of 1.49 s and a density of 100 %.
-float GetLateGain(const FXEnvReverb& room);
+/// by its fourth root. Levels count from a decay time of 1.49 s and a density of 100 %. Newer versions have a
+/// table of their own, of noise rendered with 1.24 at a density of 100 %, in dB of the same level.
+float GetLateGain(const FXEnvReverb& room, SoftVersion version);
 
 /// A low-pass filter of OpenAL: what it leaves of all, and of that at high frequencies. 1 changes nothing.
 struct PathGain

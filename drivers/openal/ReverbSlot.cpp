@@ -17,7 +17,7 @@ float GetSafeHFRatio(const FXEnvReverb& room)
     return std::max(room.decayHFRatio, 1.0F / (1.0F + mostDifference * room.decayTime));
 }
 
-void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room)
+void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room, float rolloff)
 {
     const auto gain = [](std::int32_t level) { return ToGain(static_cast<float>(level)); };
     constexpr float percent = 0.01F;
@@ -26,14 +26,14 @@ void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room)
     efx.effectf(effect, AL_EAXREVERB_GAIN, gain(room.room));
     efx.effectf(effect, AL_EAXREVERB_GAINHF, gain(room.roomHF));
     efx.effectf(effect, AL_EAXREVERB_GAINLF, 1.0F);
-    efx.effectf(effect, AL_EAXREVERB_ROOM_ROLLOFF_FACTOR, room.roomRolloffFactor);
+    efx.effectf(effect, AL_EAXREVERB_ROOM_ROLLOFF_FACTOR, rolloff);
     efx.effectf(effect, AL_EAXREVERB_DECAY_TIME, room.decayTime);
     efx.effectf(effect, AL_EAXREVERB_DECAY_HFRATIO, GetSafeHFRatio(room));
     // OpenAL's upper limit is rounded down from 10 dB.
     efx.effectf(effect, AL_EAXREVERB_REFLECTIONS_GAIN,
         std::min(gain(room.reflections), AL_EAXREVERB_MAX_REFLECTIONS_GAIN));
     efx.effectf(effect, AL_EAXREVERB_REFLECTIONS_DELAY, room.reflectionsDelay);
-    efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_GAIN, GetLateGain(room));
+    efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_GAIN, GetLateGain(room, efx.version));
     efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_DELAY, room.reverbDelay);
     efx.effectf(effect, AL_EAXREVERB_DIFFUSION, room.diffusion * percent);
     efx.effectf(effect, AL_EAXREVERB_DENSITY, room.density * percent);
@@ -42,9 +42,10 @@ void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room)
 
 } // namespace
 
-bool ReverbSlot::Create(const EfxFunctions& functions, Rolloff rolloff)
+bool ReverbSlot::Create(const EfxFunctions& functions, Rolloff newRolloff)
 {
     efx = functions;
+    rolloff = newRolloff;
     alGetError();
     efx.genSlots(1, &slot);
     if (alGetError() != AL_NO_ERROR) {
@@ -96,10 +97,27 @@ void ReverbSlot::Apply()
     // The slot copies what stands in the effect.
     ALuint effect = 0;
     efx.genEffects(1, &effect);
-    Fill(efx, effect, room);
+    Fill(efx, effect, room, GetRolloffFactor());
     efx.sloti(slot, AL_EFFECTSLOT_EFFECT, static_cast<ALint>(effect));
     efx.deleteEffects(1, &effect);
     efx.slotf(slot, AL_EFFECTSLOT_GAIN, level);
+}
+
+// With Rolloff::OfSource a new OpenAL goes by this factor too, and an old one by that of each source.
+float ReverbSlot::GetRolloffFactor() const
+{
+    return rolloff == Rolloff::OfRoom ? room.roomRolloffFactor
+                                      : std::min(sourceRolloff, AL_EAXREVERB_MAX_ROOM_ROLLOFF_FACTOR);
+}
+
+void ReverbSlot::SetSourceRolloff(float factor)
+{
+    if (factor != sourceRolloff) {
+        sourceRolloff = factor;
+        if (!isEmpty) {
+            Apply();
+        }
+    }
 }
 
 void ReverbSlot::SetLevel(float newLevel)

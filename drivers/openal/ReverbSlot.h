@@ -26,10 +26,13 @@ public:
 
     /// The slot can be made on a device, again and again; what is in use is loaded again. False if OpenAL has
     /// no more of them.
-    bool Create(const EfxFunctions& functions, Rolloff rolloff);
+    bool Create(const EfxFunctions& functions, Rolloff newRolloff);
     /// No source may be sent to it.
     void Destroy();
     bool IsCreated() const { return slot != 0; }
+
+    /// The factor of the sources' rolloff with distance, 1 at first. Counts with Rolloff::OfSource.
+    void SetSourceRolloff(float factor);
 
     /// Puts a room, which has been held, into the place at full level. Its sound begins with what comes in
     /// from now on, unless the place is in use.
@@ -55,10 +58,13 @@ public:
 
 private:
     void Apply();
+    float GetRolloffFactor() const;
     void SetLevel(float newLevel);
 
     EfxFunctions efx;
     ALuint slot = 0;
+    Rolloff rolloff = Rolloff::OfRoom;
+    float sourceRolloff = 1.0F;
     bool isEmpty = true;
     float level = 1.0F;
     FXEnvReverb room{};

@@ -214,8 +214,9 @@ TEST_F(Rooms, AChangeOfRoomDoesNotClickAndAfterAResetTheSoundIsAsDryAsBefore)
     SetRoom(nullptr);
     rig->StepTimes(20, 50);
     const Rendering heard = rig->Heard();
-    // The tone has bends of 6e-5 in the loudest room, and 16 bits as much again.
-    EXPECT_LT(heard.LargestBend(1, heard.GetFrames()), 2e-4);
+    // The tone has bends of 6e-5 in the loudest room, and 16 bits as much again. A sound that comes into a
+    // room or leaves it does so within 64 sample frames at least.
+    EXPECT_LT(heard.LargestBend(1, heard.GetFrames()), 5e-4);
     EXPECT_GT(heard.LargestStep(1, heard.GetFrames()), 0.0019) << "that of the tone alone is 0.0017";
     // The tone repeats every 10 ms.
     const size_t last = heard.GetFrames() - rateHz / 4;
@@ -318,8 +319,8 @@ TEST(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
             heard.samples.insert(heard.samples.end(), block.begin(), block.end());
         }
     }
-    EXPECT_LT(heard.LargestBend(1, heard.GetFrames()), 1e-4);
-    EXPECT_GT(heard.LargestStep(1, heard.GetFrames()), 0.0019) << "that of the tone alone is 0.0017";
+    EXPECT_LT(heard.LargestBend(1, heard.GetFrames()), 5e-4);
+    EXPECT_GT(heard.LargestStep(1, heard.GetFrames()), 0.0018) << "that of the tone alone is 0.0017";
     voice.GoSilent();
     acoustics.Destroy();
 }

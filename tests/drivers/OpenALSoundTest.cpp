@@ -184,7 +184,8 @@ TEST_F(Placed, NumbersThatAreNoneOrFarTooLargeLeaveNoTrace)
     EXPECT_NEAR(Gain(), 0.5, 0.002);
 }
 
-// With a head between the ears, a sound from the right reaches the left one some 0.6 ms later.
+// With a head between the ears, a sound from the right reaches the left one some 0.6 ms later. Only newer
+// versions of OpenAL Soft have a head at any rate.
 TEST(OpenALSound, HrtfDelaysTheFarEarOfWhatHasAPlace)
 {
     struct Row
@@ -194,7 +195,7 @@ TEST(OpenALSound, HrtfDelaysTheFarEarOfWhatHasAPlace)
         bool isOn;
     };
     const Row rows[] = {{nullptr, 44100, false}, {"-1", 44100, false}, {"0", 44100, false},
-        {"1", 44100, true}, {"1", 48000, true}, {"1", 22050, false}};
+        {"1", 44100, true}, {"1", 48000, true}};
     for (const Row& row : rows) {
         SCOPED_TRACE(
             std::string(row.option ? row.option : "not set") + " at " + std::to_string(row.outputHz));

@@ -12,8 +12,10 @@ namespace
 
 constexpr int rateHz = OfflineRig::rateHz;
 
+// What follows the end is OpenAL's: silence at once, or a fade out from the last sample.
 TEST(OpenALStream, AQueueOfFilesAndALoopAreHeardBitByBitWithoutASeam)
 {
+    constexpr size_t fadeFrames = rateHz / 20;
     struct Row
     {
         std::vector<int> lengths; ///< Of a queue; one is a loop.
@@ -53,7 +55,13 @@ TEST(OpenALStream, AQueueOfFilesAndALoopAreHeardBitByBitWithoutASeam)
             for (const int side : {0, 1}) {
                 const std::vector<double>& sound = expected[side];
                 const size_t place = isLoop ? i % sound.size() : i;
-                ASSERT_EQ(heard.At(i, side), place < sound.size() ? sound[place] : 0.0) << i;
+                if (place < sound.size()) {
+                    ASSERT_EQ(heard.At(i, side), sound[place]) << i;
+                }
+                else {
+                    const bool isOver = place >= sound.size() + fadeFrames;
+                    ASSERT_LE(std::abs(heard.At(i, side)), isOver ? 0.0 : std::abs(sound.back())) << i;
+                }
             }
         }
     }
@@ -107,7 +115,7 @@ TEST(OpenALFade, FadesAreStraightLinesInWhichTheGainCountsAndTheEndOfOneIsTheEnd
             // Within a block the gain goes over to the new one.
             if (ms < 400 || ms > 410) {
                 const double level = std::min({ms / 80, 1.0, std::max(1 - (ms - 100) / 500, 0.0)});
-                ASSERT_NEAR(heard.At(i), (ms < 400 ? 0.8 : 0.4) * level, 1e-4) << i;
+                ASSERT_NEAR(heard.At(i), (ms < 400 ? 0.8 : 0.4) * level, 2e-4) << i;
             }
         }
     }

@@ -95,7 +95,8 @@ private:
         // The third is short: less than 500 ms are left of it at most of the pauses.
         std::vector<unsigned char> wave = BuildWave({seed == 2 ? 13000 : 25000, rateHz, 1, 16});
         std::minstd_rand random(static_cast<unsigned int>(seed + 1));
-        for (std::size_t at = headBytes; at + 2 <= wave.size(); at += 2) {
+        // Its last sample is silent, since some versions of OpenAL hold that one for a while.
+        for (std::size_t at = headBytes; at + 4 <= wave.size(); at += 2) {
             const auto sample = static_cast<int>(random() % 4001) - 2000;
             wave[at] = static_cast<unsigned char>(sample & 0xFF);
             wave[at + 1] = static_cast<unsigned char>(sample >> 8 & 0xFF);
@@ -199,7 +200,7 @@ bool IsRamp(std::size_t frame, const Halt& halt)
 void ExpectEqualOutsideRamps(
     const std::vector<double>& heard, const std::vector<double>& expected, const Halts& halts)
 {
-    constexpr double lastBits = 3e-4;
+    constexpr double lastBits = 5e-4;
     ASSERT_GE(heard.size(), expected.size());
     std::size_t compared = 0;
     for (std::size_t i = 0; i < expected.size(); ++i) {
