@@ -6,21 +6,8 @@
 #include <cerrno>
 #include <cstring>
 
-#ifdef _WIN32
-#include <fcntl.h>
-#include <io.h>
-#endif
-
 namespace Tool
 {
-
-std::FILE* UseBinary(std::FILE* stream)
-{
-#ifdef _WIN32
-    _setmode(_fileno(stream), _O_BINARY);
-#endif
-    return stream;
-}
 
 void CopyStream(std::FILE* from, const std::string& fromName, std::FILE* to, const std::string& toName)
 {

@@ -6,9 +6,6 @@
 namespace Tool
 {
 
-/// The standard stream, which from here on takes and gives bytes as they are, on every platform.
-std::FILE* UseBinary(std::FILE* stream);
-
 /// Copies all that is left in one stream to another and flushes that. The names are those in the ToolError
 /// that is thrown when a stream fails.
 void CopyStream(std::FILE* from, const std::string& fromName, std::FILE* to, const std::string& toName);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdio>
+
 namespace Tool
 {
 
@@ -25,5 +27,15 @@ bool IsTerminal();
 
 /// Whether standard input comes from a terminal, at which somebody types.
 bool IsInputTerminal();
+
+/// The standard stream, which from here on takes and gives bytes as they are, on every platform.
+std::FILE* UseBinary(std::FILE* stream);
+
+/// From here on a reader that closes our output shows as an error of the write and no longer ends the
+/// program.
+void IgnoreClosedPipes();
+
+/// Whether a write to the standard output that failed for this reason, a value of errno, had no reader.
+bool IsClosedPipe(int reason);
 
 } // namespace Tool

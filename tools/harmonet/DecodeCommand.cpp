@@ -3,6 +3,7 @@
 #include "tools/harmonet/Commands.h"
 #include "tools/harmonet/EngineOptions.h"
 #include "tools/harmonet/Output.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/SoundData.h"
 #include "tools/harmonet/ToolError.h"
 #include "tools/harmonet/Verbose.h"
@@ -72,7 +73,7 @@ ExitCode RunDecode(const DecodeArguments& arguments)
     const Quon::SndFileService service(*os.GetOptions());
     const FileArguments files({arguments.input});
     std::error_code error;
-    if (std::filesystem::equivalent(arguments.input, arguments.output, error)) {
+    if (std::filesystem::equivalent(ToPath(arguments.input), ToPath(arguments.output), error)) {
         throw ToolError("input and output are the same file", ExitCode::BadArguments);
     }
 

@@ -3,6 +3,7 @@
 #include "harmonet/engine/PluginRegistry.h"
 #include "harmonet/kernel/HarmonetStrings.h"
 #include "harmonet/kernel/QuonGetPlugins.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <filesystem>
@@ -22,7 +23,7 @@ constexpr int lookupMode = 2;
 fs::path Canonical(const std::string& shown)
 {
     std::error_code error;
-    fs::path path = fs::canonical(shown, error);
+    fs::path path = fs::canonical(ToPath(shown), error);
     if (error) {
         throw ToolError("cannot reach '" + shown + "': " + error.message(), ExitCode::NoInput);
     }
@@ -79,10 +80,11 @@ DefinitionFile::DefinitionFile(const std::string& path, const std::string& newRo
     if (name.empty() || *name.begin() == "..") {
         throw ToolError("'" + path + "' does not lie below '" + root + "'", ExitCode::BadArguments);
     }
-    if (!database.AddFolder(Quon::PString(owner.c_str()), folder.string().c_str())) {
-        throw ToolError("'" + folder.string() + "' is no folder", ExitCode::NoInput);
+    if (!database.AddFolder(Quon::PString(owner.c_str()), ToText(folder).c_str())) {
+        throw ToolError("'" + ToText(folder) + "' is no folder", ExitCode::NoInput);
     }
-    const Quon::Resource* found = database.Lookup(Quon::PString(name.generic_string().c_str()), lookupMode);
+    const Quon::Resource* found =
+        database.Lookup(Quon::PString(ToText(name.generic_u8string()).c_str()), lookupMode);
     resource = dynamic_cast<const Quon::SoundDefResource*>(found);
     if (!resource) {
         throw ToolError("'" + path + "' cannot be read", ExitCode::NoInput);
@@ -112,11 +114,11 @@ bool DefinitionFile::Load()
 std::string DefinitionFile::GetSoundPath() const
 {
     const std::string name(resource->GetFileName().GetView());
-    fs::path folder = root;
+    fs::path folder = ToPath(root);
     if (root.empty() && !IsFromStream()) {
-        folder = fs::path(input.GetPath()).parent_path();
+        folder = ToPath(input.GetPath()).parent_path();
     }
-    return name.empty() ? "" : (folder / name).string();
+    return name.empty() ? "" : ToText(folder / ToPath(name));
 }
 
 bool DefinitionFile::IsFromStream() const

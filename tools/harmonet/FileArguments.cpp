@@ -2,6 +2,7 @@
 
 #include "harmonet/engine/File.h"
 #include "tools/harmonet/Format.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ namespace fs = std::filesystem;
 fs::path Canonical(const std::string& shown)
 {
     std::error_code error;
-    fs::path path = fs::canonical(shown, error);
+    fs::path path = fs::canonical(ToPath(shown), error);
     if (error == std::errc::no_such_file_or_directory) {
         throw ToolError("there is no file '" + shown + "'", ExitCode::NoInput);
     }
@@ -62,13 +63,13 @@ FileArguments::FileArguments(const std::vector<std::string>& paths)
     for (const fs::path& path : found) {
         root = CommonFolder(root, path.parent_path());
     }
-    if (!Quon::File::AddRoot(Quon::PString(), root.string().c_str())) {
-        throw ToolError("cannot reach the folder '" + root.string() + "'", ExitCode::NoInput);
+    if (!Quon::File::AddRoot(Quon::PString(), ToText(root).c_str())) {
+        throw ToolError("cannot reach the folder '" + ToText(root) + "'", ExitCode::NoInput);
     }
 
     for (std::size_t i = 0; i < paths.size(); ++i) {
         files.push_back(
-            {paths[i], Quon::PString(found[i].lexically_relative(root).generic_string().c_str())});
+            {paths[i], Quon::PString(ToText(found[i].lexically_relative(root).generic_u8string()).c_str())});
         CheckReadable(files.back());
     }
 }

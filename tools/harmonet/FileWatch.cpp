@@ -1,5 +1,7 @@
 #include "tools/harmonet/FileWatch.h"
 
+#include "tools/harmonet/PathText.h"
+
 namespace Tool
 {
 
@@ -41,9 +43,9 @@ FileWatch::State FileWatch::Look(const std::string& path)
 {
     std::error_code error;
     State state;
-    state.time = std::filesystem::last_write_time(path, error);
+    state.time = std::filesystem::last_write_time(ToPath(path), error);
     if (!error) {
-        state.size = std::filesystem::file_size(path, error);
+        state.size = std::filesystem::file_size(ToPath(path), error);
     }
     return error ? State() : state;
 }

@@ -1,5 +1,6 @@
 #include "tools/harmonet/FolderFiles.h"
 
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@ namespace fs = std::filesystem;
 
 bool IsHidden(const fs::path& path)
 {
-    return path.filename().string().starts_with('.');
+    return ToText(path.filename()).starts_with('.');
 }
 
 } // namespace
@@ -42,7 +43,7 @@ std::vector<fs::path> FindFiles(const fs::path& folder, const fs::path& excluded
     }
     if (error) {
         throw ToolError(
-            "cannot read the folder '" + folder.string() + "': " + error.message(), ExitCode::NoInput);
+            "cannot read the folder '" + ToText(folder) + "': " + error.message(), ExitCode::NoInput);
     }
     std::sort(files.begin(), files.end());
     return files;

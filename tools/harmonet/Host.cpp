@@ -3,6 +3,7 @@
 #include "harmonet/definitions/SndFXList.h"
 #include "harmonet/engine/TaskList.h"
 #include "tools/harmonet/EngineOptions.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/QuietErrors.h"
 #include "tools/harmonet/ToolError.h"
 
@@ -27,7 +28,7 @@ constexpr float soundStepSeconds = 0.041F;
 
 void CheckWritable(const std::string& path)
 {
-    if (!path.empty() && !std::ofstream(std::filesystem::path(path), std::ios::app)) {
+    if (!path.empty() && !std::ofstream(ToPath(path), std::ios::app)) {
         throw ToolError("cannot write to '" + path + "'", ExitCode::NoOutput);
     }
 }
@@ -84,7 +85,7 @@ void Host::CheckInputs(const std::vector<std::string>& inputs)
     }
     for (const std::string& input : inputs) {
         std::error_code ignored;
-        if (std::filesystem::equivalent(input, output.GetText(), ignored)) {
+        if (std::filesystem::equivalent(ToPath(input), ToPath(output.GetText()), ignored)) {
             throw ToolError("'" + input + "' is played and rendered into; these cannot be the same file",
                 ExitCode::BadArguments);
         }

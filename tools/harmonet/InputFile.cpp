@@ -2,6 +2,8 @@
 
 #include "harmonet/engine/HostFile.h"
 #include "tools/harmonet/BinaryStream.h"
+#include "tools/harmonet/Console.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <cerrno>
@@ -39,7 +41,7 @@ InputFile::InputFile(const std::string& newShown, const std::string& nameForStre
         return;
     }
     folder = std::make_unique<TemporaryFolder>();
-    path = (folder->GetPath() / nameForStream).string();
+    path = ToText(folder->GetPath() / nameForStream);
     KeepStandardInput(path);
 }
 

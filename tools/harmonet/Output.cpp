@@ -1,9 +1,10 @@
 #include "tools/harmonet/Output.h"
 
+#include "tools/harmonet/Console.h"
+
 #include <nlohmann/json.hpp>
 
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstring>
 
@@ -16,13 +17,6 @@ namespace
 constexpr const char* standardOutput = "the standard output";
 
 } // namespace
-
-void IgnoreClosedPipes()
-{
-#ifdef SIGPIPE
-    std::signal(SIGPIPE, SIG_IGN);
-#endif
-}
 
 void Print(std::string_view text)
 {
@@ -46,7 +40,7 @@ void FlushOutput()
 
 ToolError WriteError(const std::string& what, int reason)
 {
-    if (reason == EPIPE) {
+    if (IsClosedPipe(reason)) {
         return ToolError("whoever read " + what + " has closed it", ExitCode::ClosedPipe);
     }
     return ToolError("cannot write to " + what + ": " + std::strerror(reason), ExitCode::NoOutput);

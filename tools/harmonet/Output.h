@@ -13,10 +13,6 @@ namespace Tool
 // The two standard streams as the commands use them: answers go to the output, and what went wrong goes to
 // the error stream. Both throw a ToolError when the output takes no more.
 
-/// From here on a reader that closes our output shows as an error of the write and no longer ends the
-/// program.
-void IgnoreClosedPipes();
-
 void Print(std::string_view text);
 
 /// A value as one line of JSON. Text that is no UTF-8, such as a file name, is mended.

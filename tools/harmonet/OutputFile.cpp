@@ -2,8 +2,10 @@
 
 #include "harmonet/engine/HostFile.h"
 #include "tools/harmonet/BinaryStream.h"
+#include "tools/harmonet/Console.h"
 #include "tools/harmonet/InputFile.h"
 #include "tools/harmonet/Output.h"
+#include "tools/harmonet/PathText.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -23,8 +25,8 @@ constexpr const char* partEnding = ".part";
 std::string Target(const std::string& shown)
 {
     std::error_code error;
-    const fs::path target = fs::canonical(shown, error);
-    return error ? shown : target.string();
+    const fs::path target = fs::canonical(ToPath(shown), error);
+    return error ? shown : ToText(target);
 }
 
 struct Close
@@ -32,7 +34,7 @@ struct Close
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-bool IsDevice(const std::string& path)
+bool IsDevice(const fs::path& path)
 {
     std::error_code error;
     return fs::exists(path, error) && !fs::is_regular_file(path, error);
@@ -45,10 +47,10 @@ OutputFile::OutputFile(const std::string& newShown)
 {
     if (shown == standardStream) {
         folder = std::make_unique<TemporaryFolder>();
-        path = (folder->GetPath() / "output").string();
+        path = ToText(folder->GetPath() / "output");
     }
     else {
-        path = IsDevice(shown) ? shown : Target(shown) + partEnding;
+        path = IsDevice(ToPath(shown)) ? shown : Target(shown) + partEnding;
     }
 }
 
@@ -56,7 +58,7 @@ OutputFile::~OutputFile()
 {
     std::error_code ignored;
     if (!path.empty() && path != shown) {
-        fs::remove(path, ignored);
+        fs::remove(ToPath(path), ignored);
     }
 }
 
@@ -72,7 +74,7 @@ void OutputFile::Commit()
     }
     else if (path != shown) {
         std::error_code error;
-        fs::rename(path, Target(shown), error);
+        fs::rename(ToPath(path), ToPath(Target(shown)), error);
         if (error) {
             throw ToolError("cannot write to " + GetShown() + ": " + error.message(), ExitCode::NoOutput);
         }

@@ -1,6 +1,7 @@
 #include "tools/harmonet/PlayList.h"
 
 #include "tools/harmonet/DefinitionCheck.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/SoundData.h"
 #include "tools/harmonet/ToolError.h"
 
@@ -56,9 +57,9 @@ PlayList::PlayList(const std::vector<std::string>& paths, const std::string& new
     std::vector<std::string> plain;
     for (const std::string& path : paths) {
         std::error_code ignored;
-        const bool isName = !fs::exists(path, ignored) && IsBelowRoot(path);
+        const bool isName = !fs::exists(ToPath(path), ignored) && IsBelowRoot(path);
         if (DefinitionFile::IsDefinitionName(path)) {
-            AddDefinition(isName ? (fs::path(root) / path).string() : path, path, isChecked);
+            AddDefinition(isName ? ToText(ToPath(root) / ToPath(path)) : path, path, isChecked);
         }
         else if (isName) {
             AddResource(path);
@@ -75,7 +76,7 @@ PlayList::PlayList(const std::vector<std::string>& paths, const std::string& new
 bool PlayList::IsBelowRoot(const std::string& name) const
 {
     std::error_code ignored;
-    return !root.empty() && fs::is_regular_file(fs::path(root) / name, ignored);
+    return !root.empty() && fs::is_regular_file(ToPath(root) / ToPath(name), ignored);
 }
 
 void PlayList::AddFiles(const std::vector<std::string>& paths)
@@ -113,7 +114,7 @@ void PlayList::AddResource(const std::string& name)
     }
     found->ReleaseReference();
     items.push_back({name, Quon::PString(name.c_str()), &resources});
-    read.push_back((fs::path(root) / name).string());
+    read.push_back(ToText(ToPath(root) / ToPath(name)));
 }
 
 } // namespace Tool

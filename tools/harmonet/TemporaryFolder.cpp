@@ -1,5 +1,6 @@
 #include "tools/harmonet/TemporaryFolder.h"
 
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <random>
@@ -25,7 +26,7 @@ TemporaryFolder::TemporaryFolder()
         }
     }
     throw ToolError(
-        "cannot make a folder for temporary files in '" + parent.string() + "'", ExitCode::NoOutput);
+        "cannot make a folder for temporary files in '" + ToText(parent) + "'", ExitCode::NoOutput);
 }
 
 TemporaryFolder::~TemporaryFolder()

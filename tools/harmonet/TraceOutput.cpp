@@ -2,6 +2,7 @@
 
 #include "harmonet/kernel/SoundSystem.h"
 #include "tools/harmonet/Output.h"
+#include "tools/harmonet/PathText.h"
 
 #include <cerrno>
 
@@ -31,14 +32,14 @@ TraceOutput::TraceOutput(const std::string& tracePath, const std::string& timeli
 {
     if (!tracePath.empty()) {
         traceFile.emplace(tracePath);
-        traceStream.open(traceFile->GetPath(), std::ios::binary);
+        traceStream.open(ToPath(traceFile->GetPath()), std::ios::binary);
         Check(traceStream, *traceFile);
         trace = std::make_unique<Trace::TraceWriter>(traceStream);
         fanout.Add(*trace);
     }
     if (!timelinePath.empty()) {
         timelineFile.emplace(timelinePath);
-        Check(std::ofstream(timelineFile->GetPath(), std::ios::binary), *timelineFile);
+        Check(std::ofstream(ToPath(timelineFile->GetPath()), std::ios::binary), *timelineFile);
         timeline = std::make_unique<Trace::Timeline>();
         fanout.Add(*timeline);
     }
@@ -55,7 +56,7 @@ void TraceOutput::Commit()
         Close(traceStream, *traceFile);
     }
     if (timeline) {
-        std::ofstream stream(timelineFile->GetPath(), std::ios::binary);
+        std::ofstream stream(ToPath(timelineFile->GetPath()), std::ios::binary);
         timeline->WritePage(stream);
         Close(stream, *timelineFile);
     }

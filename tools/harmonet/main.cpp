@@ -26,6 +26,8 @@ constexpr const char* exitCodes =
 
 void AddCommands(CLI::App& program, Tool::Action& action)
 {
+    // Else what begins with a slash is an option there, and no path.
+    program.allow_windows_style_options(false);
     program.set_version_flag("--version", "harmonet " HARMONET_VERSION);
     program.require_subcommand(1);
     program.footer(exitCodes);

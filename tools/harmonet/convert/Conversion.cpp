@@ -1,6 +1,7 @@
 #include "tools/harmonet/convert/Conversion.h"
 
 #include "tools/harmonet/Format.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 #include "tools/harmonet/convert/ChannelMixer.h"
 #include "tools/harmonet/convert/Loudness.h"
@@ -81,7 +82,7 @@ std::string ConversionSettings::ToText() const
 
 bool StaysMpeg(const std::string& inputName, const ConversionSettings& settings)
 {
-    std::string ending = std::filesystem::path(inputName).extension().string();
+    std::string ending = ToText(ToPath(inputName).extension());
     std::transform(ending.begin(), ending.end(), ending.begin(),
         [](unsigned char letter) { return static_cast<char>(std::tolower(letter)); });
     return ending == ".mp3" && !settings.ChangesSound();

@@ -1,6 +1,7 @@
 #include "tools/harmonet/convert/ConversionPlan.h"
 
 #include "tools/harmonet/FolderFiles.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <filesystem>
@@ -20,21 +21,22 @@ ConversionJob MakeJob(
     ConversionJob job;
     job.input = input;
     job.staysMpeg = StaysMpeg(input, settings);
-    job.output = fs::path(output).replace_extension(job.staysMpeg ? ".mp3" : ".wav").string();
+    job.output = ToText(fs::path(output).replace_extension(job.staysMpeg ? ".mp3" : ".wav"));
     job.isFound = isFound;
     return job;
 }
 
 void AddInput(const std::string& input, const ConversionSettings& settings, ConversionPlan& plan)
 {
-    const fs::path folder = plan.folder;
-    if (!IsFolder(input)) {
-        const fs::path name = input == standardStream ? "stdin" : fs::path(input).filename();
+    const fs::path folder = ToPath(plan.folder);
+    const fs::path path = ToPath(input);
+    if (!IsFolder(path)) {
+        const fs::path name = input == standardStream ? "stdin" : path.filename();
         plan.jobs.push_back(MakeJob(input, folder / name, settings, false));
         return;
     }
-    for (const fs::path& file : FindFiles(input, folder)) {
-        plan.jobs.push_back(MakeJob(file.string(), folder / file.lexically_relative(input), settings, true));
+    for (const fs::path& file : FindFiles(path, folder)) {
+        plan.jobs.push_back(MakeJob(ToText(file), folder / file.lexically_relative(path), settings, true));
     }
 }
 
@@ -42,14 +44,14 @@ void CheckOutputs(const ConversionPlan& plan)
 {
     std::map<fs::path, std::string> inputs;
     for (const ConversionJob& job : plan.jobs) {
-        const auto [place, isFirst] = inputs.emplace(fs::path(job.output).lexically_normal(), job.input);
+        const auto [place, isFirst] = inputs.emplace(ToPath(job.output).lexically_normal(), job.input);
         if (!isFirst) {
             throw ToolError(
                 "'" + place->second + "' and '" + job.input + "' would both become '" + job.output + "'",
                 ExitCode::BadArguments);
         }
         std::error_code ignored;
-        if (fs::equivalent(job.input, job.output, ignored)) {
+        if (fs::equivalent(ToPath(job.input), ToPath(job.output), ignored)) {
             throw ToolError("'" + job.input + "' would be written to itself", ExitCode::BadArguments);
         }
     }
@@ -73,8 +75,9 @@ ConversionPlan PlanConversions(
     const std::vector<std::string>& inputs, const std::string& output, const ConversionSettings& settings)
 {
     ConversionPlan plan;
-    const bool isIntoFolder = inputs.size() > 1 || IsFolder(inputs.front()) || IsFolder(output) ||
-        output.ends_with('/') || output.ends_with(static_cast<char>(fs::path::preferred_separator));
+    const bool isIntoFolder = inputs.size() > 1 || IsFolder(ToPath(inputs.front())) ||
+        IsFolder(ToPath(output)) || output.ends_with('/') ||
+        output.ends_with(static_cast<char>(fs::path::preferred_separator));
     if (isIntoFolder) {
         if (output == standardStream) {
             throw ToolError("several files need a folder to go to", ExitCode::BadArguments);

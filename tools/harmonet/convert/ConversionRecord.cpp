@@ -1,5 +1,6 @@
 #include "tools/harmonet/convert/ConversionRecord.h"
 
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <filesystem>
@@ -20,8 +21,9 @@ constexpr const char* recordName = ".harmonet-convert.json";
 Json Stamp(const std::string& path)
 {
     std::error_code error;
-    const auto bytes = fs::file_size(path, error);
-    const auto time = error ? fs::file_time_type() : fs::last_write_time(path, error);
+    const fs::path file = ToPath(path);
+    const auto bytes = fs::file_size(file, error);
+    const auto time = error ? fs::file_time_type() : fs::last_write_time(file, error);
     return error ? Json() : Json{bytes, time.time_since_epoch().count()};
 }
 
@@ -34,8 +36,8 @@ ConversionRecord::ConversionRecord(const std::string& folder, const ConversionSe
     if (folder.empty()) {
         return;
     }
-    path = (fs::path(folder) / recordName).string();
-    std::ifstream file{fs::path(path)};
+    path = ToText(ToPath(folder) / recordName);
+    std::ifstream file{ToPath(path)};
     Json read = Json::parse(file, nullptr, false);
     if (read.is_object()) {
         entries = std::move(read);
@@ -44,13 +46,13 @@ ConversionRecord::ConversionRecord(const std::string& folder, const ConversionSe
 
 Json ConversionRecord::Describe(const ConversionJob& job) const
 {
-    return {{"input", fs::path(job.input).lexically_normal().string()}, {"inputStamp", Stamp(job.input)},
+    return {{"input", ToText(ToPath(job.input).lexically_normal())}, {"inputStamp", Stamp(job.input)},
         {"outputStamp", Stamp(job.output)}, {"settings", settingsText}};
 }
 
 std::string ConversionRecord::NameOf(const ConversionJob& job) const
 {
-    return fs::path(job.output).lexically_relative(fs::path(path).parent_path()).generic_string();
+    return ToText(ToPath(job.output).lexically_relative(ToPath(path).parent_path()).generic_u8string());
 }
 
 bool ConversionRecord::IsUpToDate(const ConversionJob& job) const
@@ -71,7 +73,7 @@ void ConversionRecord::Save() const
     }
     constexpr int indent = 1;
     OutputFile output(path);
-    std::ofstream file{fs::path(output.GetPath())};
+    std::ofstream file{ToPath(output.GetPath())};
     file << entries.dump(indent, ' ', false, Json::error_handler_t::replace) << '\n';
     file.close();
     if (!file) {

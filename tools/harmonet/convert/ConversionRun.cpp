@@ -1,6 +1,7 @@
 #include "tools/harmonet/convert/ConversionRun.h"
 
 #include "tools/harmonet/Interrupt.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/convert/ConversionRecord.h"
 #include "tools/harmonet/convert/ConversionReport.h"
 
@@ -17,13 +18,13 @@ namespace fs = std::filesystem;
 void MakeFolder(const std::string& output)
 {
     std::error_code error;
-    const fs::path folder = fs::path(output).parent_path();
+    const fs::path folder = ToPath(output).parent_path();
     if (!folder.empty()) {
         fs::create_directories(folder, error);
     }
     if (error) {
         throw ToolError(
-            "cannot make the folder '" + folder.string() + "': " + error.message(), ExitCode::NoOutput);
+            "cannot make the folder '" + ToText(folder) + "': " + error.message(), ExitCode::NoOutput);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "tools/harmonet/convert/Diagnosis.h"
 
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 #include "tools/harmonet/convert/SoundReader.h"
 
@@ -14,14 +15,14 @@ namespace
 /// A name for the converted file that is not that of the file.
 std::string SuggestOutput(const std::string& path, const char* ending)
 {
-    const std::filesystem::path file = path;
+    const std::filesystem::path file = ToPath(path);
     if (path == standardStream) {
         return standardStream;
     }
     if (file.extension() != ending) {
-        return std::filesystem::path(file).replace_extension(ending).string();
+        return ToText(std::filesystem::path(file).replace_extension(ending));
     }
-    return (file.parent_path() / (file.stem().string() + "-converted" + ending)).string();
+    return ToText(file.parent_path() / ToPath(ToText(file.stem()) + "-converted" + ending));
 }
 
 } // namespace

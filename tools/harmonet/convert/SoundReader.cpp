@@ -1,5 +1,6 @@
 #include "tools/harmonet/convert/SoundReader.h"
 
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <array>
@@ -22,7 +23,7 @@ std::string FormatName(SNDFILE* file, int format)
 void CheckIsFile(const InputFile& input)
 {
     std::error_code error;
-    const auto status = std::filesystem::status(input.GetPath(), error);
+    const auto status = std::filesystem::status(ToPath(input.GetPath()), error);
     if (status.type() == std::filesystem::file_type::not_found) {
         throw ToolError("there is no file '" + input.GetShown() + "'", ExitCode::NoInput);
     }

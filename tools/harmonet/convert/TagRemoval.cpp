@@ -1,5 +1,6 @@
 #include "tools/harmonet/convert/TagRemoval.h"
 
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/ToolError.h"
 
 #include <mpegfile.h>
@@ -13,10 +14,11 @@ void CopyWithoutTags(const InputFile& input, const OutputFile& output)
 {
     namespace fs = std::filesystem;
     std::error_code error;
-    fs::copy_file(input.GetPath(), output.GetPath(), fs::copy_options::overwrite_existing, error);
+    fs::copy_file(
+        ToPath(input.GetPath()), ToPath(output.GetPath()), fs::copy_options::overwrite_existing, error);
     // The copy of a file that may only be read may only be read too.
     if (!error) {
-        fs::permissions(output.GetPath(), fs::perms::owner_write, fs::perm_options::add, error);
+        fs::permissions(ToPath(output.GetPath()), fs::perms::owner_write, fs::perm_options::add, error);
     }
     if (error) {
         throw ToolError("cannot write to " + output.GetShown() + ": " + error.message(), ExitCode::NoOutput);

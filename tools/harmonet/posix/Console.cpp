@@ -1,5 +1,8 @@
 #include "tools/harmonet/Console.h"
 
+#include <cerrno>
+#include <csignal>
+
 #include <unistd.h>
 
 namespace Tool
@@ -22,6 +25,21 @@ bool IsTerminal()
 bool IsInputTerminal()
 {
     return isatty(STDIN_FILENO) != 0;
+}
+
+std::FILE* UseBinary(std::FILE* stream)
+{
+    return stream;
+}
+
+void IgnoreClosedPipes()
+{
+    std::signal(SIGPIPE, SIG_IGN);
+}
+
+bool IsClosedPipe(int reason)
+{
+    return reason == EPIPE;
 }
 
 } // namespace Tool

@@ -3,6 +3,7 @@
 #include "tools/harmonet/FolderFiles.h"
 #include "tools/harmonet/Output.h"
 #include "tools/harmonet/OutputFile.h"
+#include "tools/harmonet/PathText.h"
 #include "tools/harmonet/convert/ChannelMixer.h"
 #include "tools/harmonet/convert/Loudness.h"
 #include "tools/harmonet/convert/SoundReader.h"
@@ -69,7 +70,8 @@ void Measure(const Quon::SoundDefResource& sound, const std::string& path, Json&
 
 Json Describe(const std::string& path, const PreviewArguments& arguments)
 {
-    Json record = {{"name", fs::path(path).lexically_relative(arguments.folder).generic_string()}};
+    Json record = {
+        {"name", ToText(ToPath(path).lexically_relative(ToPath(arguments.folder)).generic_u8string())}};
     record["findings"] = Json::array();
     try {
         DefinitionFile file(path, arguments.root);
@@ -92,7 +94,7 @@ Json Describe(const std::string& path, const PreviewArguments& arguments)
 void Write(const std::string& page, const std::string& path)
 {
     OutputFile output(path);
-    std::ofstream file(fs::path(output.GetPath()), std::ios::binary);
+    std::ofstream file(ToPath(output.GetPath()), std::ios::binary);
     file << page;
     file.close();
     if (!file) {
@@ -106,11 +108,11 @@ ExitCode RunPreview(const PreviewArguments& arguments)
     const DefinitionHost host;
     Json records = Json::array();
     std::size_t withRemarks = 0;
-    for (const fs::path& file : FindFiles(arguments.folder, "")) {
-        if (!DefinitionFile::IsDefinitionName(file.string())) {
+    for (const fs::path& file : FindFiles(ToPath(arguments.folder), "")) {
+        if (!DefinitionFile::IsDefinitionName(ToText(file))) {
             continue;
         }
-        records.push_back(Describe(file.string(), arguments));
+        records.push_back(Describe(ToText(file), arguments));
         withRemarks += records.back().contains("error") || !records.back()["findings"].empty();
     }
     if (records.empty()) {

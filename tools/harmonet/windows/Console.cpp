@@ -1,11 +1,14 @@
 #include "tools/harmonet/Console.h"
 
+#include <cerrno>
 #include <string>
 #include <vector>
 
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <fcntl.h>
+#include <io.h>
 #include <shellapi.h>
 #include <timeapi.h>
 
@@ -90,6 +93,24 @@ bool IsInputTerminal()
 {
     DWORD mode = 0;
     return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode) != 0;
+}
+
+std::FILE* UseBinary(std::FILE* stream)
+{
+    _setmode(_fileno(stream), _O_BINARY);
+    return stream;
+}
+
+void IgnoreClosedPipes()
+{
+    // Windows has no signal for it.
+}
+
+bool IsClosedPipe(int reason)
+{
+    // The C library has no number of its own for what the system says of a pipe without a reader.
+    const bool isPipe = GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) == FILE_TYPE_PIPE;
+    return reason == EPIPE || (reason == EINVAL && isPipe);
 }
 
 } // namespace Tool
