@@ -1,15 +1,13 @@
-// Hosts include <windows.h> in front of our headers or behind them, with UNICODE or without. This file is
+// Hosts include <windows.h> before our headers or after them, with UNICODE or without. This file is
 // compiled in each of the four ways, and has to mean the same things in all of them; PART names the way.
 
 #if defined(WINDOWS_FIRST)
-#include <mmsystem.h>
 #include <windows.h>
 #endif
 
 #include "all_headers.h"
 
 #if !defined(WINDOWS_FIRST)
-#include <mmsystem.h>
 #include <windows.h>
 #endif
 
@@ -25,10 +23,10 @@ bool PART()
     }
     catch (const FileEx& exception) {
         Quon::Sound sound;
-        Vector3 position;
+        const Vector3 position{0.0F, 0.0F, 0.0F};
         const bool isHost =
             GetModuleHandle(nullptr) != nullptr && CreateFile != nullptr && PlaySound != nullptr;
-        return isHost && !sound.SetSoundPosition(1, position) &&
+        return isHost && sound.GetRemainLength(1) == 0 && position.x == 0.0F &&
             std::strcmp(exception.GetMessage(), exception.what()) == 0 &&
             std::string(exception.GetFile()).find("File") != std::string::npos;
     }
