@@ -27,6 +27,7 @@ int SndBase::NextSoundID()
 SndBase::SndBase(bool music)
     : rowNumber(SoundRows::Take(*this))
     , soundID(NextSoundID())
+    , rowHead(&SoundRows::At(rowNumber))
 {
     if (music) {
         AddFlags(FlagMusic);
@@ -36,6 +37,7 @@ SndBase::SndBase(bool music)
 SndBase::SndBase(const SndBase& other)
     : rowNumber(SoundRows::Take(*this))
     , soundID(NextSoundID())
+    , rowHead(&SoundRows::At(rowNumber))
     , fileName(other.fileName)
     , substName(other.substName)
     , definitionName(other.definitionName)

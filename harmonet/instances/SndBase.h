@@ -46,6 +46,12 @@ enum SndFlags : std::uint32_t
     FlagPlaying = 0x40000000 ///< Has started.
 };
 
+/// What a sound has at hand of its row in the kernel's table (SoundRow).
+struct SoundRowHead
+{
+    std::uint32_t flags = 0; ///< SndFlags.
+};
+
 /// The length in milliseconds of what has no end, or of what is not known yet.
 inline constexpr unsigned long unknownLength = 0xFFFFFFFF;
 
@@ -189,7 +195,7 @@ public:
     /// The owning `Music`; null for any other sound.
     Music* GetParentMusic() const { return IsMusic() ? static_cast<Music*>(parent) : nullptr; }
     void SetParentMusic(Music* newParent) { parent = newParent; }
-    std::uint32_t GetSndFlags() const;
+    std::uint32_t GetSndFlags() const { return rowHead->flags; }
     bool HasAnyFlag(std::uint32_t mask) const { return (GetSndFlags() & mask) != 0; }
     const PString& GetFileName() const { return fileName; }
     void SetFileName(const PString& name);
@@ -240,8 +246,16 @@ public:
     bool IsImmediately() const { return HasAnyFlag(FlagImmediately); }
     bool IsDistLTMax() const { return HasAnyFlag(FlagDistLTMax); }
     bool IsDistGTMax() const { return HasAnyFlag(FlagDistGTMax); }
-    void SetDistLTMax();
-    void SetDistGTMax();
+    void SetDistLTMax()
+    {
+        AddFlags(FlagDistLTMax);
+        ClearFlags(FlagDistGTMax);
+    }
+    void SetDistGTMax()
+    {
+        AddFlags(FlagDistGTMax);
+        ClearFlags(FlagDistLTMax);
+    }
     bool IsPolyline() const { return HasAnyFlag(FlagPolyline); }
     bool IsChgFrequency() const { return HasAnyFlag(FlagChgFrequency); }
     bool IsDisableMicFX() const { return HasAnyFlag(FlagDisableMicFX); }
@@ -252,10 +266,10 @@ public:
     void SetIsPlaying(bool on) { SetFlags(FlagPlaying, on); }
     /// Whether the driver is making it heard, be it fading out.
     bool IsAudible() const { return sndChannel || fadeOutChannel; }
-    void AddFlags(std::uint32_t mask);
-    void ClearFlags(std::uint32_t mask);
+    void AddFlags(std::uint32_t mask) { rowHead->flags |= mask; }
+    void ClearFlags(std::uint32_t mask) { rowHead->flags &= ~mask; }
     /// Overwrites the whole word.
-    void ResetFlags(std::uint32_t flags);
+    void ResetFlags(std::uint32_t flags) { rowHead->flags = flags; }
 
     /// Why it is heard or not, as last decided, and for how many milliseconds of the kernel's time that has
     /// been so.
@@ -374,6 +388,7 @@ private:
 
     const std::uint32_t rowNumber; ///< Of Row().
     int soundID;
+    SoundRowHead* const rowHead; ///< Row() itself.
     SndFile* sndFile = nullptr; ///< Behind the sound's place in time while that is counted.
     SndChannel* sndChannel = nullptr;
     SndChannel* fadeOutChannel = nullptr;

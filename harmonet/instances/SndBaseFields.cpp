@@ -9,38 +9,6 @@
 namespace Quon
 {
 
-std::uint32_t SndBase::GetSndFlags() const
-{
-    return Row().flags;
-}
-
-void SndBase::AddFlags(std::uint32_t mask)
-{
-    Row().flags |= mask;
-}
-
-void SndBase::ClearFlags(std::uint32_t mask)
-{
-    Row().flags &= ~mask;
-}
-
-void SndBase::ResetFlags(std::uint32_t flags)
-{
-    Row().flags = flags;
-}
-
-void SndBase::SetDistLTMax()
-{
-    AddFlags(FlagDistLTMax);
-    ClearFlags(FlagDistGTMax);
-}
-
-void SndBase::SetDistGTMax()
-{
-    AddFlags(FlagDistGTMax);
-    ClearFlags(FlagDistLTMax);
-}
-
 void SndBase::SetFadeIn(int ms)
 {
     fadeDuration = ms;

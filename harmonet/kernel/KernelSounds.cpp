@@ -92,22 +92,22 @@ bool SndKernel::PlaySound(SndBase* sound)
     sound->SetStateTime(waitingStateTimeMs);
     // One that has been chosen, and is about to get its channel, is not put back among those that wait.
     if (!IsListed(*sound)) {
-        MarkStarted(*sound);
+        MarkStarted(*sound, false);
         Insert(*sound, ListID::Waiting);
         TraceChange(*sound);
     }
     return true;
 }
 
-// An update that is running leaves the sound to the next one.
-void SndKernel::MarkStarted(SndBase& sound)
+// An update that is running leaves the sound to the next one. `isNow` says that it is to have a channel at
+// once: the machine's clock, which takes longer to read than all the rest, is not asked then.
+void SndKernel::MarkStarted(SndBase& sound, bool isNow)
 {
     sound.startSerial = ++startCounter;
     sound.startedAt = clockMs;
-    const StartMoment moment =
-        startClock.GetMoment(GetGatheredMicroseconds(), sound.IsImmediately() ? 0 : sound.delay);
-    sound.startGameTime = moment.game;
-    sound.startMachineTime = moment.machine;
+    const int delay = sound.IsImmediately() ? 0 : sound.delay;
+    sound.startGameTime = startClock.GetGameTime(GetGatheredMicroseconds(), delay);
+    sound.startMachineTime = isNow ? StartClock::now : StartClock::GetMachineTime(delay);
     sound.Row().SetMark(RowNewcomer, takesNewcomers);
     if (takesNewcomers) {
         newcomers.push_back(sound.rowNumber);
@@ -145,7 +145,7 @@ bool SndKernel::StartImmediately(SndBase& sound)
 {
     // It may wait already, and a sound is on one list at most.
     Unlist(sound);
-    MarkStarted(sound);
+    MarkStarted(sound, true);
     const bool competes = sound.HasAnyFlag(FlagCompete);
     if (!sound.Is3D()) {
         return competes ? StartChannel(&sound) : StartNow(sound);
@@ -289,8 +289,8 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
         channel->SetFrequency(sound.newFrequency);
     }
     if (isBeginning) {
-        const StartMoment moment = {sound.startGameTime, sound.startMachineTime};
-        channel->SetStartTime(startClock.GetGameTime(moment, updating), startClock.GetAge(moment));
+        channel->SetStartTime(startClock.GetSinceUpdate(sound.startGameTime, updating),
+            StartClock::GetAge(sound.startMachineTime));
     }
     SetUpChannel(sound, *channel);
     channel->Play();
@@ -308,8 +308,8 @@ void SndKernel::EnterPlaying(SndBase& sound)
 
 bool SndKernel::StartMusic(SndBase& instance)
 {
-    MarkStarted(instance);
     const bool waits = instance.IsPaused() || instance.Row().list == ListID::Paused;
+    MarkStarted(instance, !waits);
     return Traced(instance, waits ? HoldMusic(instance) : StartNow(instance));
 }
 

@@ -30,7 +30,7 @@ void SndKernel::UnregisterSound(SndBase* sound)
     if (sound->tablePlace == SndBase::noTablePlace) {
         return;
     }
-    if (SndBase* moved = soundTable.Remove(sound->soundID, sound->tablePlace)) {
+    if (SndBase* moved = soundTable.Remove(sound->rowNumber, sound->tablePlace)) {
         moved->tablePlace = sound->tablePlace;
     }
     sound->tablePlace = SndBase::noTablePlace;
@@ -92,13 +92,13 @@ void SndKernel::NoteLength(const SndBase& sound)
     }
 }
 
-unsigned long SndKernel::GetOwnLength(const SndBase& sound)
+std::uint32_t SndKernel::GetOwnLength(const SndBase& sound)
 {
-    return sound.sndFile ? sound.sndFile->GetSoundLength() : sound.soundLength;
+    return sound.sndFile ? static_cast<std::uint32_t>(sound.sndFile->GetSoundLength()) : sound.soundLength;
 }
 
 // The length of the sounds with these names that stand on a list, but for one of them; none without any.
-std::optional<unsigned long> SndKernel::FindLikeLength(std::uint32_t number, const SndBase* except)
+std::optional<std::uint32_t> SndKernel::FindLikeLength(std::uint32_t number, const SndBase* except)
 {
     if (number == NameIndex::none) {
         return {};

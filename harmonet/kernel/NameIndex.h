@@ -2,11 +2,9 @@
 
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/PString.h"
+#include "harmonet/kernel/HashIndex.h"
 
 #include <cstdint>
-#include <functional>
-#include <unordered_map>
-#include <utility>
 
 namespace Quon
 {
@@ -18,14 +16,15 @@ namespace Quon
 class NameIndex
 {
 public:
-    static constexpr std::uint32_t none = 0xFFFFFFFF;
+    static constexpr std::uint32_t none = HashIndex::none;
 
     struct Name
     {
-        std::pair<const void*, const void*> key;
+        const void* file;
+        const void* owner;
         std::uint32_t numUsers;
         std::uint32_t numListed;
-        unsigned long lengthMs; ///< Of those that are listed.
+        std::uint32_t lengthMs; ///< Of those that are listed.
         bool isUniform; ///< They all have that length.
     };
 
@@ -37,27 +36,14 @@ public:
     const Name& At(std::uint32_t number) const { return names[number]; }
 
     // A sound with that number comes onto a list, has got another length there, and leaves.
-    void Enter(std::uint32_t number, unsigned long lengthMs);
-    void SetLength(std::uint32_t number, unsigned long lengthMs);
+    void Enter(std::uint32_t number, std::uint32_t lengthMs);
+    void SetLength(std::uint32_t number, std::uint32_t lengthMs);
     void Leave(std::uint32_t number) { --names[number].numListed; }
 
 private:
-    using Key = std::pair<const void*, const void*>;
-    struct Hash
-    {
-        std::size_t operator()(const Key& key) const
-        {
-            constexpr std::size_t spread = 0x9E3779B9;
-            const std::hash<const void*> hash;
-            return hash(key.first) * spread + hash(key.second);
-        }
-    };
-    using Numbers = std::unordered_map<Key, std::uint32_t, Hash, std::equal_to<>,
-        EngineAllocator<std::pair<const Key, std::uint32_t>>>;
-
     EngineVector<Name> names;
     EngineVector<std::uint32_t> freeNumbers;
-    Numbers numbers;
+    HashIndex index;
 };
 
 } // namespace Quon

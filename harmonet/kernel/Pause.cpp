@@ -87,7 +87,7 @@ void SndKernel::Pause(SndBase& sound)
 void SndKernel::StartPaused(SndBase& sound, std::uint16_t mark)
 {
     SoundRow& row = sound.Row();
-    MarkStarted(sound);
+    MarkStarted(sound, false);
     row.SetMark(RowWasHeard | RowWasWaiting, false);
     row.SetMark(mark, true);
     sound.SetStateTime(waitingStateTimeMs);

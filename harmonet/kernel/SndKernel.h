@@ -280,7 +280,7 @@ private:
     bool IsLongEnough(const SndBase& sound) const;
     void EnterPlaying(SndBase& sound);
     void PlayOnChannel(SndBase& sound, SndFile* file);
-    void MarkStarted(SndBase& sound);
+    void MarkStarted(SndBase& sound, bool isNow);
     std::int64_t GetGatheredMicroseconds() const;
     void ForgetNewcomers();
     bool StartImmediately(SndBase& sound);
@@ -301,8 +301,8 @@ private:
     void ChangeReason(SoundRow& row, SoundReason reason);
     bool EmulateOrDelete(SndBase& sound);
     void DeleteUnheard(SndBase& sound);
-    std::optional<unsigned long> FindLikeLength(std::uint32_t number, const SndBase* except);
-    static unsigned long GetOwnLength(const SndBase& sound);
+    std::optional<std::uint32_t> FindLikeLength(std::uint32_t number, const SndBase* except);
+    static std::uint32_t GetOwnLength(const SndBase& sound);
     void OnChannelEnded(SndChannel* channel);
     void OnFileChanged(const SndFileChange& change);
     SndBase* FindByChannel(const SndChannel* channel);

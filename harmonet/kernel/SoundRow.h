@@ -52,9 +52,8 @@ struct UpdateStep
 
 /// What a full update reads and writes of a sound, in one cache line. The rows lie together (SoundRows); the
 /// sound object, which knows its row, is the rest.
-struct alignas(64) SoundRow
+struct alignas(64) SoundRow : SoundRowHead
 {
-    std::uint32_t flags = 0; ///< SndFlags.
     std::int32_t priority = 0;
     float distSqr = 0.0F;
     float multiplier = 1.0F;

@@ -53,7 +53,7 @@ private:
 
 inline SoundRow& SndBase::Row() const
 {
-    return SoundRows::At(rowNumber);
+    return static_cast<SoundRow&>(*rowHead);
 }
 
 } // namespace Quon

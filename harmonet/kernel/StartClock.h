@@ -6,18 +6,14 @@
 namespace Quon
 {
 
-/// When a sound is to begin: in game time, and by the clock of the machine. In microseconds.
-struct StartMoment
-{
-    std::int64_t game = 0;
-    std::int64_t machine = 0;
-};
-
 /// The game time of the sound system between its full updates, for drivers that keep the time between two
-/// starts. A plain value of the kernel's.
+/// starts; beside it the clock of the machine. In microseconds. A plain value of the kernel's.
 class StartClock
 {
 public:
+    /// In place of a machine time: there is nothing to wait for.
+    static constexpr std::int64_t now = 0;
+
     /// A full update begins, so long after the last one.
     void BeginUpdate(unsigned long elapsedMs)
     {
@@ -25,30 +21,32 @@ public:
         update += static_cast<std::int64_t>(elapsedMs) * microsecondsPerMs;
     }
 
-    /// The moment `delayMs` from now. `gathered` has passed since the last full update; 0 during one.
-    StartMoment GetMoment(std::int64_t gathered, int delayMs) const
+    /// The game time `delayMs` from now. `gathered` has passed since the last full update; 0 during one.
+    std::int64_t GetGameTime(std::int64_t gathered, int delayMs) const
     {
-        const std::int64_t delay = delayMs > 0 ? delayMs * microsecondsPerMs : 0;
-        return {update + gathered + delay, GetMachineTime() + delay};
+        return update + gathered + ToMicroseconds(delayMs);
+    }
+    static std::int64_t GetMachineTime(int delayMs)
+    {
+        const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
+        return std::chrono::duration_cast<std::chrono::microseconds>(sinceStart).count() +
+            ToMicroseconds(delayMs);
     }
 
-    /// The game time now; `gathered` as above.
-    std::int64_t GetNow(std::int64_t gathered) const { return update + gathered; }
-    /// What SndChannel::SetStartTime() is to be told of it.
-    std::int64_t GetGameTime(const StartMoment& moment, bool isUpdating) const
+    /// What SndChannel::SetStartTime() needs of a game time.
+    std::int64_t GetSinceUpdate(std::int64_t gameTime, bool isUpdating) const
     {
-        return moment.game - (isUpdating ? previousUpdate : update);
+        return gameTime - (isUpdating ? previousUpdate : update);
     }
-    std::int64_t GetAge(const StartMoment& moment) const { return GetMachineTime() - moment.machine; }
+    /// How long ago that machine time was.
+    static std::int64_t GetAge(std::int64_t machineTime)
+    {
+        return machineTime != now ? GetMachineTime(0) - machineTime : 0;
+    }
 
 private:
     static constexpr std::int64_t microsecondsPerMs = 1000;
-
-    static std::int64_t GetMachineTime()
-    {
-        const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();
-        return std::chrono::duration_cast<std::chrono::microseconds>(sinceStart).count();
-    }
+    static std::int64_t ToMicroseconds(int ms) { return ms > 0 ? ms * microsecondsPerMs : 0; }
 
     std::int64_t update = 0; ///< The game time of the last full update,
     std::int64_t previousUpdate = 0; ///< and of the one before.
