@@ -15,11 +15,11 @@ Particle::Particle(const Particle& other)
     : Element(other)
     , ITree<Particle>(other)
     , position(other.position)
-    , boundingCenter(other.boundingCenter)
-    , particleName(other.particleName)
-    , boundingRadius(other.boundingRadius)
-    , orientation(other.orientation)
     , boundingSphereStale(other.boundingSphereStale)
+    , boundingCenter(other.boundingCenter)
+    , boundingRadius(other.boundingRadius)
+    , particleName(other.particleName)
+    , orientation(other.orientation)
 {
 }
 
@@ -114,6 +114,11 @@ void Particle::ResetChildGlobalBoundingCenters() const
 
 void Particle::RecalculateGlobalBoundingCenter() const
 {
+    // Mostly the node alone is stale.
+    if (globalPositionStale && (parent == nullptr || !parent->globalPositionStale)) {
+        UpdateGlobalPosition();
+        return;
+    }
     UpdateGlobal();
 }
 
@@ -165,14 +170,6 @@ void Particle::RemoveAllChildren()
     }
 }
 
-const Vector3& Particle::GetGlobalPosition() const
-{
-    if (globalPositionStale) {
-        RecalculateGlobalBoundingCenter();
-    }
-    return globalPosition;
-}
-
 void Particle::LocalToGlobal(Quaternion& localOrientation) const
 {
     UpdateGlobal();
@@ -191,11 +188,7 @@ void Particle::MarkMoved() const
 
 void Particle::UpdateGlobal() const
 {
-    // Mostly the node alone is stale.
-    if (globalPositionStale && (parent == nullptr || !parent->globalPositionStale)) {
-        UpdateGlobalPosition();
-    }
-    // Else from the highest stale node downwards, as each is only as good as the one above it. A tree that is
+    // From the highest stale node downwards, as each is only as good as the one above it. A tree that is
     // deeper than the table is worked off in several rounds: neither the stack nor the heap pays for depth.
     constexpr std::size_t tableLength = 64;
     std::array<const Particle*, tableLength> chain;
@@ -215,11 +208,10 @@ void Particle::UpdateGlobalPosition() const
 {
     if (parent != nullptr) {
         parent->UpdateGlobalOrientation();
-        // Most parents are not turned.
-        const Quaternion& turn = parent->globalOrientation;
-        const bool isTurned = turn.w != 1.0F || turn.x != 0.0F || turn.y != 0.0F || turn.z != 0.0F;
-        globalPosition = parent->globalPosition +
-            (isTurned || !std::isfinite(LengthSquared(position)) ? Rotate(turn, position) : position);
+        // Most parents are not turned. A position that is not finite is spread by the rotation all the same.
+        const bool isTurned = parent->globallyTurned || !std::isfinite(LengthSquared(position));
+        globalPosition =
+            parent->globalPosition + (isTurned ? Rotate(parent->globalOrientation, position) : position);
     }
     else {
         globalPosition = position;
@@ -238,6 +230,8 @@ void Particle::UpdateGlobalOrientation() const
     if (parent != nullptr) {
         globalOrientation = Normalized(parent->globalOrientation * globalOrientation);
     }
+    const Quaternion& turn = globalOrientation;
+    globallyTurned = turn.w != 1.0F || turn.x != 0.0F || turn.y != 0.0F || turn.z != 0.0F;
     globalOrientationStale = false;
 }
 

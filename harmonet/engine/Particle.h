@@ -78,7 +78,13 @@ public:
     const Vector3& GetPosition() const { return position; }
     const Quaternion& GetOrientation() const { return orientation; }
     /// In world units, brought up to date first.
-    const Vector3& GetGlobalPosition() const;
+    const Vector3& GetGlobalPosition() const
+    {
+        if (globalPositionStale) {
+            RecalculateGlobalBoundingCenter();
+        }
+        return globalPosition;
+    }
 
     /// Turns an orientation in this node's space into one in the world; the result has length 1.
     void LocalToGlobal(Quaternion& localOrientation) const;
@@ -88,13 +94,24 @@ public:
     virtual void OnParentDestroyed();
 
 protected:
-    // What moving a node needs stands first, beside the link to the parent.
+    // What moving a node and asking where it is needs stands first, beside the link to the parent.
     Vector3 position;
+    mutable Vector3 globalPosition;
+    mutable bool globalPositionStale = true;
+    mutable bool boundingSphereStale = false;
+
+private:
+    /// Worked out when it is asked for: a node without children is moved far more often than it is asked.
+    /// While a node's global position is valid, so is the global orientation of its parent.
+    mutable bool globalOrientationStale = true;
+    mutable bool globallyTurned = false; ///< The global orientation is a rotation.
+
+protected:
     /// The sphere around the node and all below it, its centre in the parent's space. Nodes are not drawn or
     /// culled here: whoever needs the sphere works it out anew when the flag is set, and clears the flag.
     mutable Vector3 boundingCenter;
-    PString particleName;
     mutable float boundingRadius = 0.0F;
+    PString particleName;
     Quaternion orientation;
 
 private:
@@ -105,17 +122,6 @@ private:
     void UpdateGlobalOrientation() const;
 
     mutable Quaternion globalOrientation;
-
-protected:
-    // What a derived node looks at most often stands last, beside the members of the derived node.
-    mutable Vector3 globalPosition;
-    mutable bool globalPositionStale = true;
-    mutable bool boundingSphereStale = false;
-
-private:
-    /// Worked out when it is asked for: a node without children is moved far more often than it is asked.
-    /// While a node's global position is valid, so is the global orientation of its parent.
-    mutable bool globalOrientationStale = true;
 };
 
 } // namespace Quon

@@ -144,14 +144,15 @@ void Snd3D::Play(SndFile* file)
     SndBase::Play(file);
 }
 
+void SndBase::UpdatePlace(SoundRow& row)
+{
+    static_cast<Snd3D*>(row.sound)->UpdatePlace();
+}
+
 void Snd3D::UpdatePlace()
 {
-    if (globalPositionStale) {
-        RecalculateGlobalBoundingCenter();
-    }
     SoundRow& row = Row();
-    row.place = globalPosition;
-    row.SetMark(RowPlaceKnown | RowPlaced, true);
+    row.SetPlace(GetGlobalPosition());
     if (theKernel) {
         theKernel->GetDoppler().Follow(motion, row.place);
     }
@@ -173,7 +174,7 @@ void Snd3D::UpdatePitch(SndChannel& channel, bool isNew)
         return;
     }
     if (!Row().HasMark(RowPlaceKnown)) {
-        Snd3D::UpdatePlace();
+        UpdatePlace();
     }
     const Vector3 velocity = IsMovable() ? effect.GetVelocity(motion) : Vector3();
     const float pitch = effect.CalcPitch(Row().place, velocity, doppler);
@@ -185,10 +186,11 @@ void Snd3D::UpdatePitch(SndChannel& channel, bool isNew)
 
 void Snd3D::CalcDistSqr(const Vector3& listener)
 {
-    if (!Row().HasMark(RowPlaceKnown)) {
-        Snd3D::UpdatePlace();
+    SoundRow& row = Row();
+    if (!row.HasMark(RowPlaceKnown)) {
+        UpdatePlace();
     }
-    MeasureDistance(Row(), listener);
+    MeasureDistance(row, listener);
 }
 
 float Snd3D::CalcLevel(const Vector3* listener) const

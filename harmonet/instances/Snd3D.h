@@ -56,11 +56,12 @@ public:
     /// lacks capEnvReverbSource.
     bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties) override;
     bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* properties) override;
-    void UpdatePlace() override;
     float CalcLevel(const Vector3* listener) const override;
     /// The node's velocity counts unless the sound is not movable. A sound along a line has none of it, since
     /// its sources jump.
     void UpdatePitch(SndChannel& channel, bool isNew) override;
+    /// Works out the place in the world, so that the next CalcDistSqr() has it.
+    void UpdatePlace();
 
     /// Moves the source and turns the cone to where the node now is. The direction follows only while the
     /// cone is in use, so that a plain source costs one call. Needs a channel.

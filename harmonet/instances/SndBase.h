@@ -100,9 +100,6 @@ public:
     /// These two are for positional sounds; here they return false.
     virtual bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties);
     virtual bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* properties);
-    /// Works out the place in the world, so that the next CalcDistSqr() has it. Does nothing for a sound that
-    /// has no place.
-    virtual void UpdatePlace();
     /// How loud the sound is at the listener, null for none: its output gain, attenuated by its distance, and
     /// 0 where it is cut out. Cones, fades and effects do not count. Moves and measures nothing.
     virtual float CalcLevel(const Vector3* listener) const;
@@ -351,6 +348,8 @@ protected:
 private:
     friend class SndKernel;
 
+    /// Of a positional sound: asks its node where it is.
+    static void UpdatePlace(SoundRow& row);
     bool AddEffect(SndFX effect, const void* record, unsigned long size, long quality);
     void NotifyEnd();
     void NotifyMusicBegin();

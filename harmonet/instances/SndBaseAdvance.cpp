@@ -148,9 +148,7 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
         return false;
     }
     SoundRow& row = Row();
-    if (!row.HasMark(RowCounted)) {
-        StartCounting();
-    }
+    StartCounting();
     if (row.HasMark(RowCounted)) {
         const std::uint32_t samples = row.CalcSamples(step);
         if (row.CountSamples(samples)) {
@@ -166,8 +164,12 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
     return !hasRunOut;
 }
 
+// Of an emulated sound, if it can be done.
 void SndBase::StartCounting()
 {
+    if (Row().HasMark(RowCounted) || !IsPlaying() || IsAudible() || !sndFile) {
+        return;
+    }
     const bool mayGoRound = IsLooping() && sndFile->GetNext();
     if (!IsCountable(*sndFile) || mayGoRound || HasAnyFlag(FlagFadeOut)) {
         return;

@@ -107,8 +107,6 @@ float SndBase::GetMultiplier() const
 
 void SndBase::CalcDistSqr(const Vector3&) {}
 
-void SndBase::UpdatePlace() {}
-
 void SndBase::UpdatePitch(SndChannel&, bool) {}
 
 float SndBase::GetDistSqr() const

@@ -74,16 +74,14 @@ void SndKernel::Allocate()
 std::size_t SndKernel::GatherContenders(ListID id)
 {
     constexpr std::uint32_t mostStateTime = 0xFFFF;
-    const std::span<const SndList::Entry> entries = GetList(id).Compact();
     const std::size_t first = contenders.size();
-    contenders.resize(first + entries.size());
+    contenders.resize(first + static_cast<std::size_t>(GetList(id).GetCount()));
     Contender* contender = contenders.data() + first;
-    for (const SndList::Entry& entry : entries) {
-        const SoundRow& row = entry.GetRow();
+    GetList(id).Compact([&](const SoundRow& row) {
         *contender++ = {row.priority, row.distSqr, row.nameNumber,
             static_cast<std::uint16_t>(std::min(row.stateTimeMs, mostStateTime)), GetTraits(row)};
-    }
-    return entries.size();
+    });
+    return contenders.size() - first;
 }
 
 // Gives the sounds of a list, of which `first` is the first contender, what was decided about each, and puts

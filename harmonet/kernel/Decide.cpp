@@ -3,6 +3,7 @@
 #include "harmonet/kernel/Importance.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace Quon
 {
@@ -125,29 +126,34 @@ private:
     std::uint32_t best = Decision::nobody;
 };
 
-// Leaves the keys with the weighted distances.
+// The most important first, by priority and plain distance.
+void RankPlainly(std::span<const Contender> contenders, Decision& decision)
+{
+    std::uint64_t* key = decision.keys.data();
+    std::uint32_t lastName = 0;
+    for (const Contender& contender : contenders) {
+        *key++ = ~ImportanceKey(contender.priority, contender.distSqr);
+        lastName = std::max(lastName, contender.name);
+    }
+    decision.lossesByName.assign(lastName + std::size_t{1}, 0);
+    decision.sort.Sort(decision.ranking, decision.keys, 0);
+}
+
+// In that order a sound has lost to all like sounds before it. Leaves the keys with the weighted distances.
 void RateDuplicates(std::span<const Contender> contenders, Decision& decision)
 {
+    std::uint32_t* const lossesByName = decision.lossesByName.data();
+    float* const multipliers = decision.multipliers.data();
     std::uint64_t* const keys = decision.keys.data();
-    for (std::size_t number = 0; number < contenders.size(); ++number) {
-        const Contender& contender = contenders[number];
-        keys[number] = ~ImportanceKey(contender.priority, contender.distSqr);
-        if (contender.name >= decision.lossesByName.size()) {
-            decision.lossesByName.resize(contender.name + 1);
-        }
-        decision.lossesByName[contender.name] = 0;
-    }
-    decision.sort.Sort(decision.ranking, decision.keys, 0);
-    // With the most important first, a sound has lost to all like sounds before it.
     for (const ImportanceSort::Item& item : decision.ranking) {
         const Contender& contender = contenders[item.number];
-        const std::uint32_t losses = decision.lossesByName[contender.name]++;
+        const std::uint32_t losses = lossesByName[contender.name]++;
         while (decision.factors.size() <= losses) {
             decision.factors.push_back(
                 decision.factors.empty() ? 1.0F : decision.factors.back() * duplicateFactor);
         }
         const float multiplier = decision.factors[losses];
-        decision.multipliers[item.number] = multiplier;
+        multipliers[item.number] = multiplier;
         keys[item.number] = ImportanceKey(contender.priority, WeightDistance(contender.distSqr, multiplier));
     }
 }
@@ -165,9 +171,13 @@ void ProtectYoung(Allocation& allocation, std::span<const ImportanceSort::Item> 
 void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
 {
     Decision& decision = allocation.decision;
-    const std::uint64_t bar =
-        lastWinner != Decision::nobody ? allocation.KeyOf(lastWinner) : ~std::uint64_t{0};
-    for (std::uint32_t number = 0; number < allocation.contenders.size(); ++number) {
+    const bool anyWon = lastWinner != Decision::nobody;
+    const std::int32_t priority =
+        anyWon ? allocation.contenders[lastWinner].priority : std::numeric_limits<std::int32_t>::max();
+    const float distance = anyWon
+        ? WeightDistance(allocation.contenders[lastWinner].distSqr, decision.multipliers[lastWinner])
+        : 0.0F;
+    for (std::size_t number = 0; number < allocation.contenders.size(); ++number) {
         const Contender& contender = allocation.contenders[number];
         SoundReason& reason = decision.reasons[number];
         if (reason != SoundReason::None) {
@@ -178,10 +188,9 @@ void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
             continue;
         }
         // Without branches: what comes next is like a throw of dice.
-        constexpr int priorityShift = 32;
-        const std::uint64_t plainKey = ImportanceKey(contender.priority, contender.distSqr);
-        const bool isLower = plainKey >> priorityShift < bar >> priorityShift;
-        const bool isDuplicate = (plainKey > bar) & (decision.multipliers[number] > 1.0F);
+        const bool isLower = !anyWon | (contender.priority < priority);
+        const bool isNearer = (contender.priority > priority) | (contender.distSqr < distance);
+        const bool isDuplicate = isNearer & (decision.multipliers[number] > 1.0F);
         const SoundReason lostToEqual =
             isDuplicate ? SoundReason::LostAsDuplicate : SoundReason::LostByDistance;
         reason = isLower ? SoundReason::LostByPriority : lostToEqual;
@@ -226,6 +235,7 @@ void Decide(
     decision.multipliers.resize(contenders.size());
     decision.keys.resize(contenders.size());
     decision.reasons.assign(contenders.size(), SoundReason::None);
+    RankPlainly(contenders, decision);
     RateDuplicates(contenders, decision);
     Allocation allocation{contenders, decision};
 

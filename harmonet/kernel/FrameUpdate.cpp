@@ -89,7 +89,7 @@ void SndKernel::RunFullUpdate(float seconds)
         doppler.FollowListener(step.listener);
     }
 
-    UpdatePlaces();
+    UpdatePlaces(step);
     int due = CountDownDelays(step.listener);
     UpdateEmulated(step);
     UpdatePlaying(step);
@@ -125,12 +125,21 @@ Vector3 SndKernel::UpdateListener()
 
 // Nodes are asked in the order in which they mostly lie in memory, and not in the order of the lists. This
 // changes nothing but what the rows know: a sound that an observer moves later is asked again.
-void SndKernel::UpdatePlaces()
+void SndKernel::UpdatePlaces(UpdateStep& step)
 {
-    SoundRows::ForEach([](SoundRow& row) {
-        if (row.HasAnyFlag(Flag3D) && !row.HasMark(RowPlaceKnown)) {
-            row.sound->UpdatePlace();
+    step.onlyCounts = true;
+    SoundRows::ForEach([&step](SoundRow& row) {
+        if (row.IsUnplaced()) {
+            SndBase::UpdatePlace(row);
         }
+        if (row.list != ListID::Emulated) {
+            return;
+        }
+        if (!row.HasMark(RowCounted)) {
+            row.sound->StartCounting();
+        }
+        step.onlyCounts = step.onlyCounts && (row.IsHeldBack() || row.CanCount(step));
+        step.anyMoved = step.anyMoved || row.HasMark(RowMoved);
     });
 }
 
@@ -150,32 +159,20 @@ int SndKernel::CountDownDelays(const Vector3& listener)
     return due;
 }
 
-// What UpdateRow() does about a virtual sound that it takes no more for than the row: nearly every one. False
-// when it takes more.
-inline bool SndKernel::UpdateAlone(SoundRow& row, const UpdateStep& step)
-{
-    if (row.HasAnyFlag(FlagPolyline | FlagInPause) || !row.HasMark(RowCounted)) {
-        return false;
-    }
-    if (row.HasAnyFlag(Flag3D)) {
-        if (!row.HasMark(RowPlaceKnown)) {
-            return false;
-        }
-        if (step.listenerMoved || row.HasMark(RowMoved)) {
-            MeasureDistance(row, step.listener);
-        }
-        row.SetMark(RowMoved, false);
-    }
-    return row.CountOn(step);
-}
-
 // From the tail, so that the head of a sound along a line, which counts as near, comes before its sources and
 // can release them in the same update.
 void SndKernel::UpdateEmulated(const UpdateStep& step)
 {
+    if (GetList(ListID::Emulated).IsEmpty()) {
+        return;
+    }
+    if (step.onlyCounts) {
+        CountEmulated(step);
+        return;
+    }
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::PassOver);
     while (SoundRow* row = walk.Next()) {
-        if (UpdateAlone(*row, step) || UpdateRow(*row, step)) {
+        if (UpdateVirtual(*row, step)) {
             row->AddStateTime(elapsed);
             continue;
         }
@@ -187,11 +184,69 @@ void SndKernel::UpdateEmulated(const UpdateStep& step)
     }
 }
 
+// Where no observer can be called, the order makes no difference: that in which the rows lie is the fastest.
+void SndKernel::CountEmulated(const UpdateStep& step)
+{
+    if (step.listenerMoved || step.anyMoved) {
+        GetList(ListID::Emulated).ForgetOrder();
+    }
+    SoundRows::ForEach([&](SoundRow& row) {
+        if (row.list != ListID::Emulated) {
+            return;
+        }
+        if (!row.IsHeldBack()) {
+            // What stands still keeps its range, which may have been set otherwise.
+            if ((step.listenerMoved || row.HasMark(RowMoved)) && row.HasAnyFlag(Flag3D)) {
+                row.Measure(step.listener);
+            }
+            row.SetMark(RowMoved, false);
+            Count(row, step);
+        }
+        row.AddStateTime(elapsed);
+    });
+}
+
+void SndKernel::Count(SoundRow& row, const UpdateStep& step)
+{
+    const std::uint32_t samples = row.CalcSamples(step);
+    if (!row.CountSamples(samples)) {
+        row.sound->CountLoop(samples);
+    }
+}
+
+// What SndUpdate() does, mostly with the row alone. False when the sound has ended.
+bool SndKernel::UpdateVirtual(SoundRow& row, const UpdateStep& step)
+{
+    if (row.IsHeldBack() || row.IsUnplaced() || !row.CanCount(step)) {
+        return row.sound->SndUpdate(step.seconds, step.listener, step.listenerMoved);
+    }
+    if (row.HasAnyFlag(Flag3D)) {
+        if (step.listenerMoved || row.HasMark(RowMoved)) {
+            MeasureDistance(row, step.listener);
+        }
+        row.SetMark(RowMoved, false);
+    }
+    Count(row, step);
+    return true;
+}
+
+// The same for a sound that has a channel.
+bool SndKernel::UpdateHeard(SoundRow& row, const UpdateStep& step)
+{
+    if (row.HasAnyFlag(FlagPolyline) || (row.HasMark(RowMoved) && row.HasAnyFlag(Flag3D))) {
+        return row.sound->SndUpdate(step.seconds, step.listener, step.listenerMoved);
+    }
+    if (step.listenerMoved && row.HasAnyFlag(Flag3D) && !row.IsHeldBack()) {
+        MeasureDistance(row, step.listener);
+    }
+    return true;
+}
+
 void SndKernel::UpdatePlaying(const UpdateStep& step)
 {
     SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::PassOver);
     while (SoundRow* row = walk.Next()) {
-        if (!UpdateRow(*row, step)) {
+        if (!UpdateHeard(*row, step)) {
             SndBase* sound = row->sound;
             Unlist(*sound);
             delete sound;
@@ -205,38 +260,6 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
             row->flags = (row->flags | FlagDistLTMax) & ~FlagDistGTMax;
         }
     }
-}
-
-// What SndUpdate() does, with as little of the sound as is needed: mostly the row alone. False when the sound
-// has ended.
-bool SndKernel::UpdateRow(SoundRow& row, const UpdateStep& step)
-{
-    const bool isHeard = row.list == ListID::Playing;
-    if (row.HasAnyFlag(FlagPolyline) || (isHeard && row.HasMark(RowMoved) && row.HasAnyFlag(Flag3D))) {
-        return row.sound->SndUpdate(step.seconds, step.listener, step.listenerMoved);
-    }
-    if (row.HasAnyFlag(Flag3D)) {
-        if (row.HasAnyFlag(FlagInPause)) {
-            return true;
-        }
-        if (step.listenerMoved || row.HasMark(RowMoved)) {
-            if (row.HasMark(RowPlaceKnown)) {
-                MeasureDistance(row, step.listener);
-            }
-            else {
-                row.sound->CalcDistSqr(step.listener);
-            }
-        }
-        row.SetMark(RowMoved, false);
-    }
-    if (isHeard || row.CountOn(step)) {
-        return true;
-    }
-    if (row.HasMark(RowCounted) && row.HasAnyFlag(FlagLooping)) {
-        row.sound->CountLoop(row.CalcSamples(step));
-        return true;
-    }
-    return row.sound->SndBase::SndUpdate(step.seconds, step.listener, step.listenerMoved);
 }
 
 void SndKernel::UpdatePitches()

@@ -18,11 +18,12 @@ constexpr std::uint64_t ImportanceKey(std::int32_t priority, float distance)
 {
     constexpr std::uint32_t signBit = 0x80000000;
     constexpr int wordBits = 32;
-    // The bits of a float as an integer that is in the order of the values; adding 0 turns -0 into 0.
-    const auto bits = std::bit_cast<std::uint32_t>(distance + 0.0F);
-    const std::uint32_t ascending = (bits & signBit) != 0 ? ~bits : bits | signBit;
+    // The bits of a float, negative ones turned round, are an integer in the order of the values; adding 0
+    // turns -0 into 0.
+    const auto bits = std::bit_cast<std::int32_t>(distance + 0.0F);
+    const auto descending = static_cast<std::uint32_t>(bits ^ (~(bits >> 31) & 0x7FFFFFFF));
     const std::uint32_t high = static_cast<std::uint32_t>(priority) ^ signBit;
-    return static_cast<std::uint64_t>(high) << wordBits | static_cast<std::uint32_t>(~ascending);
+    return static_cast<std::uint64_t>(high) << wordBits | descending;
 }
 
 } // namespace Quon

@@ -29,13 +29,15 @@ void SortByComparison(std::span<Item> items, Keys keys, std::uint32_t first)
 
 void SortEqualDigits(std::span<Item> items, Keys keys, std::uint32_t first)
 {
-    for (std::size_t begin = 0, end = 1; begin < items.size(); begin = end++) {
+    for (std::size_t end = 1; end < items.size(); ++end) {
+        if (items[end].digits != items[end - 1].digits) {
+            continue;
+        }
+        const std::size_t begin = end - 1;
         while (end < items.size() && items[end].digits == items[begin].digits) {
             ++end;
         }
-        if (end - begin > 1) {
-            SortByComparison(items.subspan(begin, end - begin), keys, first);
-        }
+        SortByComparison(items.subspan(begin, end - begin), keys, first);
     }
 }
 

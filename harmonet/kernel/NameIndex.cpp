@@ -12,8 +12,8 @@ std::uint32_t HashOf(const void* file, const void* owner)
 {
     constexpr std::uint64_t spread = 0x9E3779B97F4A7C15;
     constexpr int highWord = 32;
-    const std::uint64_t both = reinterpret_cast<std::uintptr_t>(file) * spread +
-        reinterpret_cast<std::uintptr_t>(owner);
+    const std::uint64_t both =
+        reinterpret_cast<std::uintptr_t>(file) * spread + reinterpret_cast<std::uintptr_t>(owner);
     return static_cast<std::uint32_t>(both * spread >> highWord);
 }
 
@@ -50,7 +50,8 @@ void NameIndex::GiveUp(std::uint32_t number)
     if (--names[number].numUsers > 0) {
         return;
     }
-    index.Remove(number, [this](std::uint32_t other) { return HashOf(names[other].file, names[other].owner); });
+    index.Remove(
+        number, [this](std::uint32_t other) { return HashOf(names[other].file, names[other].owner); });
     freeNumbers.push_back(number);
     constexpr std::size_t fewNames = 64;
     if (freeNumbers.size() == names.size() && names.size() > fewNames) {
@@ -62,9 +63,8 @@ std::uint32_t NameIndex::Find(const PString& fileName, const PString& substName)
 {
     const void* const file = fileName.GetIdentity();
     const void* const owner = substName.GetIdentity();
-    return index.Find(HashOf(file, owner), [&](std::uint32_t number) {
-        return names[number].file == file && names[number].owner == owner;
-    });
+    return index.Find(HashOf(file, owner),
+        [&](std::uint32_t number) { return names[number].file == file && names[number].owner == owner; });
 }
 
 void NameIndex::Enter(std::uint32_t number, std::uint32_t lengthMs)

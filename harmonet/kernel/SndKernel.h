@@ -244,11 +244,13 @@ private:
     }
     void TraceEnd(SndBase& sound);
     Vector3 UpdateListener();
-    void UpdatePlaces();
+    static void UpdatePlaces(UpdateStep& step);
     int CountDownDelays(const Vector3& listener);
     void UpdateEmulated(const UpdateStep& step);
-    bool UpdateRow(SoundRow& row, const UpdateStep& step);
-    static bool UpdateAlone(SoundRow& row, const UpdateStep& step);
+    void CountEmulated(const UpdateStep& step);
+    static void Count(SoundRow& row, const UpdateStep& step);
+    static bool UpdateVirtual(SoundRow& row, const UpdateStep& step);
+    static bool UpdateHeard(SoundRow& row, const UpdateStep& step);
     void UpdatePlaying(const UpdateStep& step);
     void LeavePlaying(SndBase& sound, SoundReason reason);
     int ApplyPauses(const UpdateStep& step);
@@ -363,14 +365,10 @@ extern SndKernel* theKernel;
 /// Works out a sound's distance to the listener from its place, and whether it is in range.
 inline void MeasureDistance(SoundRow& row, const Vector3& listener)
 {
-    const float distSqr = row.CalcDistSqr(listener);
-    if (distSqr != row.distSqr) {
-        if (theKernel) {
-            theKernel->ForgetOrder(row);
-        }
-        row.distSqr = distSqr;
+    if (theKernel && row.CalcDistSqr(listener) != row.distSqr) {
+        theKernel->ForgetOrder(row);
     }
-    row.UpdateRange();
+    row.Measure(listener);
 }
 
 } // namespace Quon

@@ -38,13 +38,18 @@ SndList::Entry SndList::Enter(std::uint32_t row, ListID id)
 
 void SndList::DropStale()
 {
-    constexpr auto isStale = [](const Entry& entry) { return entry.IsStale(); };
-    std::erase_if(order, isStale);
-    std::erase_if(added, isStale);
+    std::erase_if(order, [](const Entry& entry) { return entry.IsStale(); });
+    DropStaleAdded();
+}
+
+void SndList::DropStaleAdded()
+{
+    std::erase_if(added, [](const Added& other) { return other.entry.IsStale(); });
 }
 
 // Ahead of Enter(): a sound that says that it is listed is.
-void SndList::MakeRoom(EngineVector<Entry>& entries)
+template<class T>
+void SndList::MakeRoom(EngineVector<T>& entries)
 {
     constexpr std::size_t fewEntries = 16;
     if (entries.size() == entries.capacity()) {
@@ -61,13 +66,14 @@ void SndList::Append(std::uint32_t row, ListID id)
 
 void SndList::InsertSorted(std::uint32_t row, ListID id)
 {
-    MakeRoom(isInOrder ? added : order);
-    const Entry entry = Enter(row, id);
+    const std::uint64_t key = SoundRows::At(row).GetKey();
     if (isInOrder) {
-        added.push_back(entry);
+        MakeRoom(added);
+        added.push_back({key, Enter(row, id)});
         return;
     }
-    const std::uint64_t key = entry.GetRow().GetKey();
+    MakeRoom(order);
+    const Entry entry = Enter(row, id);
     const auto place = std::ranges::find_if(
         order, [key](const Entry& other) { return !other.IsStale() && other.GetRow().GetKey() >= key; });
     order.insert(place, entry);
@@ -117,25 +123,24 @@ void SndList::Merge()
         DropStale();
     }
     else {
-        std::erase_if(added, [](const Entry& entry) { return entry.IsStale(); });
+        DropStaleAdded();
     }
     // Of equals the latest is the first.
-    std::ranges::sort(added, [](const Entry& left, const Entry& right) {
-        const std::uint64_t leftKey = left.GetRow().GetKey();
-        const std::uint64_t rightKey = right.GetRow().GetKey();
-        return leftKey != rightKey ? leftKey < rightKey : IsAfter(left.serial, right.serial);
+    std::ranges::sort(added, [](const Added& left, const Added& right) {
+        return left.key != right.key ? left.key < right.key
+                                     : IsAfter(left.entry.serial, right.entry.serial);
     });
     std::size_t end = order.size();
     order.resize(end + added.size());
     std::size_t gap = order.size();
     for (; !added.empty(); added.pop_back()) {
-        const std::size_t place = FindPlace(end, added.back().GetRow().GetKey());
+        const std::size_t place = FindPlace(end, added.back().key);
         gap -= end - place;
         std::move_backward(order.begin() + static_cast<std::ptrdiff_t>(place),
             order.begin() + static_cast<std::ptrdiff_t>(end),
             order.begin() + static_cast<std::ptrdiff_t>(gap + (end - place)));
         end = place;
-        order[--gap] = added.back();
+        order[--gap] = added.back().entry;
     }
 }
 

@@ -41,7 +41,21 @@ public:
 
     /// All entries from the head, stale ones among them. Valid until the list changes.
     std::span<const Entry> GetEntries();
-    /// The same without stale ones.
+    /// The same without stale ones; calls `visit` for the row of each.
+    template<class Visit>
+    std::span<Entry> Compact(Visit visit)
+    {
+        Merge();
+        auto end = order.begin();
+        for (const Entry& entry : order) {
+            if (const SoundRow& row = entry.GetRow(); row.serial == entry.serial) {
+                *end++ = entry;
+                visit(row);
+            }
+        }
+        order.erase(end, order.end());
+        return order;
+    }
     std::span<Entry> Compact();
     /// The entries that Compact() gave have been put in order.
     void SetInOrder() { isInOrder = true; }
@@ -60,12 +74,20 @@ public:
 private:
     Entry Enter(std::uint32_t row, ListID id);
     void DropStale();
-    static void MakeRoom(EngineVector<Entry>& entries);
+    void DropStaleAdded();
+    template<class T>
+    static void MakeRoom(EngineVector<T>& entries);
     void Merge();
     std::size_t FindPlace(std::size_t end, std::uint64_t key) const;
 
     EngineVector<Entry> order;
-    EngineVector<Entry> added; ///< Since then, by sorted insertion into a list in order.
+    struct Added
+    {
+        std::uint64_t key;
+        Entry entry;
+    };
+    /// Since then, by sorted insertion into a list in order: whatever changes a key asks for the merge first.
+    EngineVector<Added> added;
     std::size_t count = 0;
     bool isInOrder = true;
     static std::uint32_t lastSerial;

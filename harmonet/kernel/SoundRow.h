@@ -48,6 +48,8 @@ struct UpdateStep
     std::uint32_t minEmulationMs; ///< With less than this left, and the step, a virtual sound ends.
     Vector3 listener;
     bool listenerMoved;
+    bool onlyCounts = false; ///< All that the step takes for the virtual sounds is counting.
+    bool anyMoved = false; ///< One of them has moved.
 };
 
 /// What a full update reads and writes of a sound, in one cache line. The rows lie together (SoundRows); the
@@ -89,6 +91,12 @@ struct alignas(64) SoundRow : SoundRowHead
         stateTimeMs = static_cast<std::uint32_t>(sum < most ? sum : most);
     }
 
+    void SetPlace(const Vector3& newPlace)
+    {
+        place = newPlace;
+        SetMark(RowPlaceKnown | RowPlaced, true);
+    }
+
     float CalcDistSqr(const Vector3& listener) const
     {
         const float x = place.x - listener.x;
@@ -98,8 +106,10 @@ struct alignas(64) SoundRow : SoundRowHead
         return std::isnan(squared) ? std::numeric_limits<float>::infinity() : squared;
     }
 
-    void UpdateRange()
+    /// Takes its distance from its place, and whether it is in range. Lists are no longer in order then.
+    void Measure(const Vector3& listener)
     {
+        distSqr = CalcDistSqr(listener);
         // On the squared distance: about 1 % of the distance itself. Between the two limits a sound stays as
         // it is, so that one at the edge does not flip at each update.
         constexpr float outerBand = 1.02F;
@@ -115,21 +125,20 @@ struct alignas(64) SoundRow : SoundRowHead
 
     std::uint32_t CalcSamples(const UpdateStep& step) const { return rateHz * step.ms / 1000U; }
 
-    /// Moves a counted virtual sound on. False, and nothing has changed, when it takes more than counting: it
-    /// is not counted, comes to the end of its file, or may have too little left.
-    bool CountOn(const UpdateStep& step)
+    bool IsUnplaced() const { return HasAnyFlag(Flag3D) && !HasMark(RowPlaceKnown); }
+    bool IsHeldBack() const { return (flags & (Flag3D | FlagInPause)) == (Flag3D | FlagInPause); }
+
+    /// Whether a step takes no more for this virtual sound than counting: it neither ends, nor comes to the
+    /// end of its file, nor may have too little left.
+    bool CanCount(const UpdateStep& step) const
     {
-        if (!HasMark(RowCounted)) {
-            return false;
+        if (!HasMark(RowCounted) || HasAnyFlag(FlagPolyline | FlagLooping)) {
+            return HasMark(RowCounted) && !HasAnyFlag(FlagPolyline);
         }
-        if (!HasAnyFlag(FlagLooping)) {
-            const std::uint64_t leftMs = std::uint64_t{1000} * static_cast<std::uint32_t>(samplesLeft);
-            const std::uint64_t neededMs = std::uint64_t{step.minEmulationMs} + step.ms + 1;
-            if (HasMark(RowOwnRate) || leftMs < neededMs * rateHz) {
-                return false;
-            }
-        }
-        return CountSamples(CalcSamples(step));
+        const std::uint64_t leftMs = std::uint64_t{1000} * static_cast<std::uint32_t>(samplesLeft);
+        const std::uint64_t neededMs = std::uint64_t{step.minEmulationMs} + step.ms + 1;
+        return !HasMark(RowOwnRate) && leftMs >= neededMs * rateHz &&
+            CalcSamples(step) < static_cast<std::uint32_t>(samplesLeft);
     }
     bool CountSamples(std::uint32_t samples)
     {

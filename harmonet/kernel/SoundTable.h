@@ -26,9 +26,8 @@ public:
     /// The sound with that id, or null.
     SndBase* Find(int id) const
     {
-        const std::uint32_t row = index.Find(Spread(id), [id](std::uint32_t number) {
-            return SoundRows::At(number).sound->GetSoundID() == id;
-        });
+        const std::uint32_t row = index.Find(Spread(id),
+            [id](std::uint32_t number) { return SoundRows::At(number).sound->GetSoundID() == id; });
         return row != HashIndex::none ? SoundRows::At(row).sound : nullptr;
     }
     /// Calls `visit` for every sound. The table must not change meanwhile.

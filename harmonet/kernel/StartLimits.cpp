@@ -27,7 +27,7 @@ bool SndKernel::AdmitStart(SndBase& sound)
     DefinitionState& definition = *sound.limitedBy;
     const SoundLimits& limits = definition.limits;
     const int id = sound.GetSoundID();
-    const std::int64_t now = startClock.GetNow(GetGatheredMicroseconds());
+    const std::int64_t now = startClock.GetGameTime(GetGatheredMicroseconds(), 0);
     if (definition.lastStart && now - *definition.lastStart < limits.minIntervalMs * microsecondsPerMs) {
         ReportNotStarted(sound, definition, "less than ", limits.minIntervalMs,
             " ms have passed since the last start of a sound");
