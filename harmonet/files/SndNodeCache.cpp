@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <functional>
+#include <iterator>
 #include <limits>
 #include <utility>
 
@@ -40,11 +41,13 @@ SndFile* SndNodeCache::OpenSound(const PString& substName, const PString& fileNa
         if (file == nullptr) {
             return nullptr;
         }
-        node->priority = std::max(node->priority, priority);
+        const int highest = std::max(node->priority, priority);
         if (node->holdCount == 0) {
             Unlink(node);
+            node->priority = highest;
             Insert(node);
         }
+        node->priority = highest;
     }
     else {
         file = OpenMiss(substName, fileName, node);
@@ -63,6 +66,9 @@ std::unique_ptr<SndNode> SndNodeCache::MakeNode(
     SndFile& file, const PString& substName, const PString& fileName)
 {
     auto node = std::make_unique<SndNode>();
+    if (runs.capacity() <= nodeCount) {
+        runs.reserve(2 * (nodeCount + 1));
+    }
     node->format = file;
     node->fileType = file.FileType();
     node->fileName = fileName;
@@ -217,6 +223,7 @@ void SndNodeCache::Enter(SndNode* node)
     node->nextInBucket = bucket;
     bucket = node;
     node->cached = true;
+    ++nodeCount;
 }
 
 void SndNodeCache::Leave(SndNode* node)
@@ -227,6 +234,7 @@ void SndNodeCache::Leave(SndNode* node)
     }
     *link = std::exchange(node->nextInBucket, nullptr);
     node->cached = false;
+    --nodeCount;
 }
 
 // What is in use goes when its last reader closes.
@@ -238,12 +246,20 @@ void SndNodeCache::Drop(SndNode* node)
     }
 }
 
+// The first run of that priority or a higher one.
+EngineVector<SndNodeCache::Run>::iterator SndNodeCache::FindRun(int priority)
+{
+    return std::ranges::lower_bound(runs, priority, {}, &Run::priority);
+}
+
+// After the last node of no higher priority.
 void SndNodeCache::Insert(SndNode* node)
 {
-    SndNode* place = sentinel.prev;
-    while (place != &sentinel && place->priority > node->priority) {
-        place = place->prev;
+    auto run = FindRun(node->priority);
+    if (run == runs.end() || run->priority != node->priority) {
+        run = runs.insert(run, {node->priority, run != runs.begin() ? std::prev(run)->last : &sentinel});
     }
+    SndNode* const place = std::exchange(run->last, node);
     node->prev = place;
     node->next = place->next;
     node->next->prev = node;
@@ -253,6 +269,14 @@ void SndNodeCache::Insert(SndNode* node)
 
 void SndNodeCache::Unlink(SndNode* node)
 {
+    const auto run = FindRun(node->priority);
+    if (run->last == node) {
+        run->last = node->prev;
+        const bool isAlone = node->prev == &sentinel || node->prev->priority != node->priority;
+        if (isAlone) {
+            runs.erase(run);
+        }
+    }
     node->prev->next = node->next;
     node->next->prev = node->prev;
     node->next = nullptr;

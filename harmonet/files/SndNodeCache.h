@@ -66,13 +66,22 @@ private:
     void Drop(SndNode* node);
     void Insert(SndNode* node);
     void Unlink(SndNode* node);
-    static std::unique_ptr<SndNode> MakeNode(
-        SndFile& file, const PString& substName, const PString& fileName);
+    std::unique_ptr<SndNode> MakeNode(SndFile& file, const PString& substName, const PString& fileName);
     SndFile* OpenMiss(const PString& substName, const PString& fileName, SndNode*& node);
     unsigned long EvictBytes(unsigned long bytes);
 
+    /// Where the nodes of one priority end on the list.
+    struct Run
+    {
+        int priority;
+        SndNode* last;
+    };
+    EngineVector<Run>::iterator FindRun(int priority);
+
     SndNode sentinel; ///< Head of the circular list: links to itself when the cache is empty.
     std::array<SndNode*, bucketCount> buckets{}; ///< The index: chains by names.
+    EngineVector<Run> runs; ///< In order of priority. Has room for all nodes, so that Insert() cannot fail.
+    std::size_t nodeCount = 0; ///< Held ones included.
     std::uint32_t serial;
     int count = 0;
     unsigned long limit = 0;

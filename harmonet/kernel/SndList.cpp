@@ -127,8 +127,7 @@ void SndList::Merge()
     }
     // Of equals the latest is the first.
     std::ranges::sort(added, [](const Added& left, const Added& right) {
-        return left.key != right.key ? left.key < right.key
-                                     : IsAfter(left.entry.serial, right.entry.serial);
+        return left.key != right.key ? left.key < right.key : IsAfter(left.entry.serial, right.entry.serial);
     });
     std::size_t end = order.size();
     order.resize(end + added.size());
