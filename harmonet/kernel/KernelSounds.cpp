@@ -56,19 +56,8 @@ bool SndKernel::PlaySound(SndBase* sound)
         ReportNotStarted(*sound, "the sound system or all its sounds are being stopped");
         return false;
     }
-    if (!sound->sndFile) {
-        UseName(*sound);
-        if (const auto length = FindLikeLength(sound->Row().nameNumber, sound)) {
-            sound->SetSoundLength(*length);
-        }
-        else {
-            SndFile* file = OpenFileOf(*sound);
-            if (!file) {
-                return false;
-            }
-            sound->TakeFile(file);
-            sound->SetSoundLength(file->GetSoundLength());
-        }
+    if (!sound->sndFile && !FindLength(*sound)) {
+        return false;
     }
     const bool competes = sound->HasAnyFlag(FlagCompete);
     if (competes) {
@@ -97,6 +86,22 @@ bool SndKernel::PlaySound(SndBase* sound)
         TraceChange(*sound);
     }
     return true;
+}
+
+// From a like sound, or else from the file, which is then open.
+bool SndKernel::FindLength(SndBase& sound)
+{
+    UseName(sound);
+    if (const auto length = FindLikeLength(sound.Row().nameNumber, &sound)) {
+        sound.SetSoundLength(*length);
+        return true;
+    }
+    SndFile* file = OpenFileOf(sound);
+    if (file) {
+        sound.TakeFile(file);
+        sound.SetSoundLength(file->GetSoundLength());
+    }
+    return file != nullptr;
 }
 
 // An update that is running leaves the sound to the next one. `isNow` says that it is to have a channel at
@@ -219,13 +224,8 @@ void SndKernel::BeginFadeIn(const SndBase& sound, SndChannel& channel)
 
 bool SndKernel::StartChannel(SndBase* sound)
 {
-    if (!driver) {
-        return false;
-    }
-    if (!sound->fadeOutChannel && GetAudibleCount() >= maxAudible && !sound->IsMusic()) {
-        return false;
-    }
-    if (sound->Is3D() && !activeMicrophone) {
+    const bool isFull = !sound->fadeOutChannel && GetAudibleCount() >= maxAudible && !sound->IsMusic();
+    if (!driver || isFull || (sound->Is3D() && !activeMicrophone)) {
         return false;
     }
     SndFile* file = sound->GetSndFile();

@@ -303,6 +303,7 @@ private:
     void ChangeReason(SoundRow& row, SoundReason reason);
     bool EmulateOrDelete(SndBase& sound);
     void DeleteUnheard(SndBase& sound);
+    bool FindLength(SndBase& sound);
     std::optional<std::uint32_t> FindLikeLength(std::uint32_t number, const SndBase* except);
     static std::uint32_t GetOwnLength(const SndBase& sound);
     void OnChannelEnded(SndChannel* channel);
