@@ -204,6 +204,13 @@ void SndBase::CatchUpFile() const
 void SndBase::CountLoop(std::uint32_t samples)
 {
     SoundRow& row = Row();
+    // As a file is moved: a step of the whole length is none.
+    if (!sndFile->HasLoopRegion()) {
+        samples %= static_cast<std::uint32_t>(countedSamples);
+        if (row.CountSamples(samples)) {
+            return;
+        }
+    }
     samples -= static_cast<std::uint32_t>(row.samplesLeft);
     row.samplesLeft = 0;
     if (samples == 0) {
