@@ -28,6 +28,7 @@ enum class DefinitionFault
 /// One remark on a definition. All it refers to is valid during the call that hands it over.
 struct DefinitionRemark
 {
+    /// What is wrong.
     DefinitionFault fault;
     /// Counted from 1; 0 for a remark on the file as a whole.
     int line;
@@ -62,6 +63,7 @@ public:
     /// which it stands, empty for the definition itself. Does nothing here.
     virtual void OnKeyword(const PString& block, const PString& keyword, int line);
 
+    /// Something is wrong, or was passed over.
     virtual void OnRemark(const DefinitionRemark& remark) = 0;
 };
 

@@ -13,19 +13,19 @@ namespace Quon
 /// One keyword in the block of an effect: which field of the record it fills.
 struct EffectField
 {
-    const PString& keyword;
+    const PString& keyword; ///< Asterisk included.
     std::size_t offset; ///< Of the field in the record, in bytes.
     bool isInt; ///< A 32-bit signed integer; else a 32-bit float.
-    double least; ///< The range that the effect works in. The reading stores any value.
-    double most;
+    double least; ///< Minimum of the range that the effect works in. The reading stores any value.
+    double most; ///< Maximum of that range.
 };
 
 /// What a sound definition can say about one effect.
 struct HARMONET_API EffectKeywords
 {
     const PString& keyword; ///< Opens the effect's block.
-    SndFX effect;
-    std::span<const EffectField> fields;
+    SndFX effect; ///< Which effect that is.
+    std::span<const EffectField> fields; ///< The keywords in its block.
 
     /// The field of that keyword, or null.
     const EffectField* FindField(const PString& fieldKeyword) const;

@@ -6,11 +6,10 @@
 namespace Quon
 {
 
-// Ready-made acoustics of 27 places, for Microphone::SetFXEnvReverb() and
-// Sound::SetFXEnvReverbListenerProperties(). They are plain data that the game may change, and a change is
-// seen by whoever uses them afterwards. fxEnvReverbDefault is also what an environmental reverb of a sound
-// definition starts with; it has the values of fxEnvReverbGeneric and is an object of its own.
-
+/// Ready-made acoustics of 27 places, for Microphone::SetFXEnvReverb() and
+/// Sound::SetFXEnvReverbListenerProperties(). They are plain data that the game may change, and a change is
+/// seen by whoever uses them afterwards. fxEnvReverbDefault is also what an environmental reverb of a sound
+/// definition starts with; it has the values of fxEnvReverbGeneric and is an object of its own.
 HARMONET_API extern FXEnvReverb fxEnvReverbDefault;
 HARMONET_API extern FXEnvReverb fxEnvReverbGeneric;
 HARMONET_API extern FXEnvReverb fxEnvReverbPaddedCell;

@@ -10,6 +10,7 @@ namespace Quon
 /// SndFXEnvReverb alone a 32-bit signed word, the quality of the reverb, stands between head and record.
 struct SndFXDesc
 {
+    /// Which effect.
     SndFX effect;
     std::uint32_t size; ///< Bytes from the end of this head to the next entry.
 
@@ -48,6 +49,7 @@ public:
     SndFXDesc* GetFXDesc(SndFX effect);
     const SndFXDesc* GetFXDesc(SndFX effect) const;
 
+    /// The number of entries.
     unsigned long GetNumEffects() const;
 
     /// The first entry, or null for an empty list. The next one begins 8 + its `size` bytes later.
@@ -73,6 +75,7 @@ private:
 /// The parameters with which each effect starts, by SndFX from 0 to 8, and the size of its record in bytes.
 struct SndFXDefault
 {
+    /// The defaults, and their size in bytes.
     const void* record;
     unsigned long size;
 };

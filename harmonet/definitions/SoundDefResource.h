@@ -28,6 +28,7 @@ class BlockReader;
 class HARMONET_API SoundDefResource : public SoundResource
 {
 public:
+    /// With the defaults of all settings, not loaded. A ResourceDatabase makes these objects.
     SoundDefResource(const PString& newName, const ResourceDatabase* database);
     ~SoundDefResource() override;
 

@@ -22,6 +22,7 @@ class Sound;
 class HARMONET_API SoundResource : public Resource
 {
 public:
+    /// With the defaults of all settings, not loaded. A ResourceDatabase makes these objects.
     SoundResource(const PString& newName, const ResourceDatabase* database);
     SoundResource(const SoundResource&) = delete;
     SoundResource& operator=(const SoundResource&) = delete;
@@ -91,6 +92,7 @@ protected:
     /// Frees the points of the line.
     void FreePolyline() const;
 
+    /// The settings, each as its getter says.
     mutable bool cutout : 1;
     mutable bool looping : 1;
     mutable bool chgFrequency : 1;

@@ -8,13 +8,12 @@
 #include <string>
 #include <vector>
 
-/// The memory of the whole system. Every object and buffer that crosses a library border comes from here, so
-/// that the library that frees it need not be the one that made it, and so that a host can count what lives.
-/// All of it may be called from any thread.
-
 namespace Quon
 {
 
+/// The memory of the whole system. Every object and buffer that crosses a library border comes from here, so
+/// that the library that frees it need not be the one that made it, and so that a host can count what lives.
+/// All of it may be called from any thread.
 class HARMONET_ENGINE_API Alloc
 {
 public:
@@ -37,6 +36,7 @@ public:
 class Allocated
 {
 public:
+    /// The operators of C++, on Alloc.
     static void* operator new(std::size_t bytes) { return Take(bytes); }
     static void* operator new[](std::size_t bytes) { return Take(bytes); }
     static void* operator new(std::size_t, void* place) noexcept { return place; }
@@ -64,14 +64,17 @@ template<class T>
 class EngineAllocator
 {
 public:
+    /// What the standard library asks of an allocator.
     using value_type = T;
 
+    /// All allocators are equal and hold nothing.
     EngineAllocator() noexcept = default;
     template<class U>
     EngineAllocator(const EngineAllocator<U>&) noexcept
     {
     }
 
+    /// Room for `count` elements, not constructed. Throws std::bad_alloc.
     T* allocate(std::size_t count)
     {
         static_assert(alignof(T) <= alignof(std::max_align_t), "Alloc gives the fundamental alignment only");
@@ -83,8 +86,10 @@ public:
         return static_cast<T*>(Alloc::New(static_cast<unsigned int>(count * elementBytes)));
     }
 
+    /// Takes back a block that allocate() gave.
     void deallocate(T* block, std::size_t) noexcept { Alloc::Delete(block); }
 
+    /// Always true: each can free what another has allocated.
     template<class U>
     bool operator==(const EngineAllocator<U>&) const noexcept
     {
@@ -92,9 +97,11 @@ public:
     }
 };
 
+/// A std::vector on Alloc.
 template<class T>
 using EngineVector = std::vector<T, EngineAllocator<T>>;
 
+/// A std::string on Alloc.
 using EngineString = std::basic_string<char, std::char_traits<char>, EngineAllocator<char>>;
 
 } // namespace Quon

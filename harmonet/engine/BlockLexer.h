@@ -5,15 +5,14 @@
 #include <array>
 #include <string_view>
 
-/// Cuts the text of a BlockReader into its parts; the text form is told there. Internal to the engine, owned
-/// by the reader.
-
 namespace Quon
 {
 
 class BlockReaderListener;
 class File;
 
+/// Cuts the text of a BlockReader into its parts; the text form is told there. Internal to the engine, owned
+/// by the reader.
 class BlockLexer : public Allocated
 {
 public:

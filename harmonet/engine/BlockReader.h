@@ -6,6 +6,50 @@
 
 #include <memory>
 
+namespace Quon
+{
+
+/// Hears what a reader passes over, for a tool that reports on a file. Called from inside the reader's
+/// operations; it must not use the reader.
+class HARMONET_ENGINE_API BlockReaderListener
+{
+public:
+    /// A keyword that was ignored, or of which something was left unread.
+    struct Skipped
+    {
+        /// Asterisk included.
+        const PString& keyword;
+        /// Line of the keyword, counted from 1.
+        int line;
+        /// Values left behind in its line.
+        int valueCount;
+        /// It has a block that nobody entered.
+        bool hasBlock;
+        /// Something of it was asked for, be it in vain. False for a keyword that was ignored altogether.
+        bool wasAsked;
+        /// It stands behind the place where the reading of its block ended. False for one that Next() gave
+        /// out.
+        bool isBehindEnd;
+        /// How many blocks it stands in; 0 at the top level of the file.
+        int depth;
+    };
+
+    BlockReaderListener() = default;
+    BlockReaderListener(const BlockReaderListener&) = default;
+    BlockReaderListener& operator=(const BlockReaderListener&) = default;
+    virtual ~BlockReaderListener();
+
+    /// Something was skipped.
+    virtual void OnSkipped(const Skipped& skipped) = 0;
+
+    /// A read operation found no value of its kind: \p wanted names the kind, \p found is the text that
+    /// stands there, or null if the line has no further value.
+    virtual void OnUnreadable(const PString& keyword, int line, const char* wanted, const char* found) = 0;
+
+    /// Something in the text form is wrong.
+    virtual void OnFault(int line, const char* fault) = 0;
+};
+
 /// Reads a text file as a tree of keywords, each with its values and an optional block below it. Whoever
 /// loads such a file makes a reader beside the open file; the readers of the inner blocks belong to it. One
 /// thread at a time.
@@ -34,52 +78,10 @@
 ///   (text without a keyword, a brace too many) is passed over too. The end of the file ends all open blocks.
 /// - A word or text longer than `maxTokenLength` bytes cannot be read, as a keyword or as a value. Blocks
 ///   below `maxDepth` cannot be entered; they are passed over, however deep.
-
-namespace Quon
-{
-
-/// Hears what a reader passes over, for a tool that reports on a file. Called from inside the reader's
-/// operations; it must not use the reader.
-class HARMONET_ENGINE_API BlockReaderListener
-{
-public:
-    /// A keyword that was ignored, or of which something was left unread.
-    struct Skipped
-    {
-        const PString& keyword;
-        /// Line of the keyword, counted from 1.
-        int line;
-        /// Values left behind in its line.
-        int valueCount;
-        /// It has a block that nobody entered.
-        bool hasBlock;
-        /// Something of it was asked for, be it in vain. False for a keyword that was ignored altogether.
-        bool wasAsked;
-        /// It stands behind the place where the reading of its block ended. False for one that Next() gave
-        /// out.
-        bool isBehindEnd;
-        /// How many blocks it stands in; 0 at the top level of the file.
-        int depth;
-    };
-
-    BlockReaderListener() = default;
-    BlockReaderListener(const BlockReaderListener&) = default;
-    BlockReaderListener& operator=(const BlockReaderListener&) = default;
-    virtual ~BlockReaderListener();
-
-    virtual void OnSkipped(const Skipped& skipped) = 0;
-
-    /// A read operation found no value of its kind: \p wanted names the kind, \p found is the text that
-    /// stands there, or null if the line has no further value.
-    virtual void OnUnreadable(const PString& keyword, int line, const char* wanted, const char* found) = 0;
-
-    /// Something in the text form is wrong.
-    virtual void OnFault(int line, const char* fault) = 0;
-};
-
 class HARMONET_ENGINE_API BlockReader : public Allocated
 {
 public:
+    /// The limits of the text form, in bytes and in blocks.
     static constexpr int maxTokenLength = 4095;
     static constexpr int maxDepth = 64;
 

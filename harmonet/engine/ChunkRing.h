@@ -18,10 +18,13 @@ class ChunkRing
     static_assert(std::is_trivially_copyable_v<T>);
 
 public:
+    /// A part of the list: `count` entries, and the links of the ring.
     struct Chunk : Allocated
     {
+        /// The ring of chunks; a single one links to itself.
         Chunk* next;
         Chunk* previous;
+        /// How many of the entries are in use, from the first on.
         int count;
         T entries[chunkSize];
     };
@@ -35,6 +38,7 @@ public:
     class Place
     {
     public:
+        /// False after the last entry, where the others must not be called.
         bool IsValid() const { return chunk && index < chunk->count; }
         T& operator*() const { return chunk->entries[index]; }
         T* operator->() const { return &chunk->entries[index]; }
@@ -69,8 +73,11 @@ public:
         int index;
     };
 
+    /// Whether there is no entry.
     bool IsEmpty() const { return !first; }
+    /// The first chunk; null for an empty list.
     Chunk* GetFirst() const { return first; }
+    /// The first entry, or the end of an empty list.
     Place GetBegin() const { return Place(*this, first, 0); }
 
     /// Appends behind the last entry, in a new chunk if the last one is full; returns the chunk.
@@ -121,6 +128,7 @@ public:
         return isLast ? nullptr : &chunk->entries[index];
     }
 
+    /// Removes all entries and frees all chunks.
     void Clear()
     {
         while (first) {

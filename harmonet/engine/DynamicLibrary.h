@@ -2,9 +2,6 @@
 
 #include "harmonet/engine/Alloc.h"
 
-/// A library that is loaded at run time. OS::CreateDynamicLibrary() makes one; the caller owns it and deletes
-/// it. Task thread only.
-
 namespace Quon
 {
 
@@ -17,6 +14,8 @@ constexpr const char* dynamicLibrarySuffix = ".dylib";
 constexpr const char* dynamicLibrarySuffix = ".so";
 #endif
 
+/// A library that is loaded at run time. OS::CreateDynamicLibrary() makes one; the caller owns it and deletes
+/// it. Task thread only.
 class HARMONET_ENGINE_API DynamicLibrary : public Allocated
 {
 public:

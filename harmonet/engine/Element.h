@@ -2,14 +2,13 @@
 
 #include "harmonet/engine/Alloc.h"
 
-/// What a display can be asked to draw. This engine has no display: the class only holds the place of the
-/// operation that nodes of a drawing engine have.
-
 namespace Quon
 {
 
 class Display;
 
+/// What a display can be asked to draw. This engine has no display: the class only holds the place of the
+/// operation that nodes of a drawing engine have.
 class HARMONET_ENGINE_API Element : public Allocated
 {
 public:

@@ -4,8 +4,6 @@
 
 #include <exception>
 
-/// What the engine throws, and the handler that a host puts around the code that may throw it.
-
 // <windows.h> has a macro of this name.
 #if defined(_WIN32)
 #pragma push_macro("GetMessage")
@@ -15,10 +13,12 @@
 namespace Quon
 {
 
-/// The place and the text are not copied: they must live as long as the exception, as literals do.
+/// What the engine throws. The place and the text are not copied: they must live as long as the exception, as
+/// literals do.
 class HARMONET_ENGINE_API Exception : public std::exception
 {
 public:
+    /// `newFile` and `newLine` are where it is raised.
     Exception(const char* newFile, int newLine, const char* newMessage);
     Exception(const Exception&) = default;
     Exception& operator=(const Exception&) = default;
@@ -26,6 +26,7 @@ public:
 
     /// The source file that raised it.
     const char* GetFile() const { return file; }
+    /// The line in that file, and what has happened.
     int GetLine() const { return line; }
     const char* GetMessage() const { return message; }
 #if defined(_WIN32)
@@ -59,6 +60,7 @@ public:
     ~FileEx() override;
 };
 
+/// Runs a function and catches what it throws.
 class HARMONET_ENGINE_API ExceptionHandler
 {
 public:

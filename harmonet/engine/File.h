@@ -7,22 +7,13 @@
 #include <cstdint>
 #include <memory>
 
-/// Reading a file below one of the roots that the host has opened to the system.
-///
-/// File names come from definitions, and those from outside. So a name is always looked up below an owner,
-/// which stands for a root that the host has given with AddRoot(): a folder, or a source of the host's own
-/// (FileSource.h). A name that would leave the root is refused. A name may contain folders, separated by `/`
-/// or `\`.
-///
-/// A File belongs to whoever made it. Seek(), Read() and Size() may be called from any thread, one at a time;
-/// the rest is for the task thread.
-
 namespace Quon
 {
 
 class FileSource;
 class SourceFile;
 
+/// What an offset counts from.
 enum class FileSeek
 {
     Start = 0,
@@ -33,6 +24,8 @@ enum class FileSeek
 /// What tells one state of a file from another without reading it.
 struct FileStamp
 {
+    /// When it was last changed, its size in bytes, and a number of the file itself, which
+    /// is another one after the file has been replaced. 0 for what is not known.
     std::int64_t modifiedNs = 0;
     std::uint64_t size = 0;
     std::uint64_t identity = 0;
@@ -40,6 +33,15 @@ struct FileStamp
     bool operator==(const FileStamp&) const = default;
 };
 
+/// Reading a file below one of the roots that the host has opened to the system.
+///
+/// File names come from definitions, and those from outside. So a name is always looked up below an owner,
+/// which stands for a root that the host has given with AddRoot(): a folder, or a source of the host's own
+/// (FileSource.h). A name that would leave the root is refused. A name may contain folders, separated by `/`
+/// or `\`.
+///
+/// A File belongs to whoever made it. Seek(), Read() and Size() may be called from any thread, one at a time;
+/// the rest is for the task thread.
 class HARMONET_ENGINE_API File : public Allocated
 {
 public:
@@ -72,6 +74,7 @@ public:
         NotListed = 11,
     };
 
+    /// The only mode of Open().
     static constexpr unsigned long modeRead = 16;
 
     /// What Seek() returns when it fails.
@@ -125,6 +128,7 @@ public:
     /// FileEx if the system does not tell, which is always so when nothing is open.
     unsigned long Size() const;
 
+    /// Whether a file is open.
     bool IsOpen() const { return handle != closedHandle || sourceFile != nullptr; }
 
     /// What one of the codes above means, as the end of a sentence that begins with the file: "is not there".

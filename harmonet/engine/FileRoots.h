@@ -7,12 +7,11 @@
 #include <memory>
 #include <mutex>
 
-/// The roots that the host has given, and the one place where a file name becomes a path of the operating
-/// system, or a name in a source of the host's. Internal to the engine; any thread may call it.
-
 namespace Quon
 {
 
+/// The roots that the host has given, and the one place where a file name becomes a path of the operating
+/// system, or a name in a source of the host's. Internal to the engine; any thread may call it.
 class FileRoots
 {
 public:

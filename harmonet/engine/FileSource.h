@@ -8,6 +8,7 @@
 #include <memory>
 #include <string_view>
 
+/// \file
 /// Files that do not lie in a folder: in a pak, in a patch, in memory. A host derives from both classes here
 /// and gives a source to File::AddRoot(), or to ResourceDatabase::AddFolder() for resources. From then on all
 /// that is opened below that owner comes from the source, definitions and sounds of every kind.

@@ -1,11 +1,10 @@
 #pragma once
 
-/// The node of an intrusive double list. A class becomes an element by deriving from it; the list's head is a
-/// plain IListNode. Nobody owns anybody: a node that dies must have been unlinked. One thread at a time.
-
 namespace Quon
 {
 
+/// The node of an intrusive double list. A class becomes an element by deriving from it; the list's head is a
+/// plain IListNode. Nobody owns anybody: a node that dies must have been unlinked. One thread at a time.
 class IListNode
 {
 public:
@@ -25,6 +24,7 @@ public:
     // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned.
     IListNode& operator=(const IListNode&) { return *this; }
 
+    /// Whether it is on a list; for a head, whether the list has elements.
     bool IsLinked() const { return next != this; }
 
     /// Enters this node in front of \p place. The node must not be on a list.
@@ -45,6 +45,7 @@ public:
         previous = this;
     }
 
+    /// The neighbours in the ring; the node itself if it is not linked.
     IListNode* next;
     IListNode* previous;
 };

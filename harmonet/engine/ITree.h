@@ -1,12 +1,11 @@
 #pragma once
 
-/// The links of a node in a tree of T, where T derives from ITree<T>. The links own nothing: a node that dies
-/// must have been taken out, and its children too. None of the operations recurses, so that no depth is too
-/// deep. One thread at a time.
-
 namespace Quon
 {
 
+/// The links of a node in a tree of T, where T derives from ITree<T>. The links own nothing: a node that dies
+/// must have been taken out, and its children too. None of the operations recurses, so that no depth is too
+/// deep. One thread at a time.
 template<class T>
 class ITree
 {
@@ -86,6 +85,7 @@ private:
     T* nextSibling = nullptr;
 
 protected:
+    /// Null at the root.
     T* parent = nullptr;
 };
 

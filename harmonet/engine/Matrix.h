@@ -2,20 +2,22 @@
 
 #include "harmonet/engine/Vector.h"
 
-/// Matrices as plain records, written row by row. Row i is where the matrix takes axis i: a vector stands to
-/// the left of the matrix.
-
 namespace Quon
 {
 
+/// A 3 by 3 matrix, a plain record written row by row. Row i is where the matrix takes axis i: a vector
+/// stands to the left of the matrix.
 struct Matrix3
 {
+    /// Where the axes X, Y and Z are taken.
     Vector3 rows[3];
 };
 
-/// Rows 0 to 2 hold the images of the axes in their first three columns, row 3 the translation.
+/// A rotation and a translation. Rows 0 to 2 hold the images of the axes in their first three columns, row 3
+/// the translation.
 struct Matrix4
 {
+    /// Row and column.
     float m[4][4];
 };
 

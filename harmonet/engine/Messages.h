@@ -7,20 +7,12 @@
 #include <string_view>
 #include <type_traits>
 
-/// The reasons that a false, a null or a 0 leaves out: which file was not found, which option was not
-/// understood, why a driver did not open. A host asks for them with OS::SetMessageHook(). Without a hook a
-/// failure costs one test more, and no text is built.
-///
-/// Whoever plugs into the library can write messages too: a driver or a tool calls Report().
-///
-/// *Thread.* The task thread only, for writing as for the hook. A driver keeps what it finds on a thread of
-/// its own until BeginUpdate() or EndUpdate().
-
 namespace Quon
 {
 
 class OS;
 
+/// How serious a message is.
 enum class MessageLevel
 {
     /// For information: everything is as it was asked for.
@@ -36,6 +28,14 @@ enum class MessageLevel
 /// the names in it are. It must not throw. What it causes by calling the library is not reported.
 using MessageHook = void (*)(MessageLevel level, const char* text, void* user);
 
+/// The reasons that a false, a null or a 0 leaves out: which file was not found, which option was not
+/// understood, why a driver did not open. A host asks for them with OS::SetMessageHook(). Without a hook a
+/// failure costs one test more, and no text is built.
+///
+/// Whoever plugs into the library can write messages too: a driver or a tool calls Report().
+///
+/// *Thread.* The task thread only, for writing as for the hook. A driver keeps what it finds on a thread of
+/// its own until BeginUpdate() or EndUpdate().
 class HARMONET_ENGINE_API Messages
 {
 public:

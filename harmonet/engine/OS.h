@@ -5,13 +5,12 @@
 #include "harmonet/engine/Messages.h"
 #include "harmonet/engine/Options.h"
 
-/// The host, as the library sees it: its configuration and its way to load libraries. The host makes one
-/// before anything else and keeps it while the sound system runs. The first one also makes the store of
-/// interned strings. Task thread only.
-
 namespace Quon
 {
 
+/// The host, as the library sees it: its configuration and its way to load libraries. The host makes one
+/// before anything else and keeps it while the sound system runs. The first one also makes the store of
+/// interned strings. Task thread only.
 class HARMONET_ENGINE_API OS : public Allocated
 {
 public:

@@ -6,15 +6,14 @@
 #include <list>
 #include <string_view>
 
+namespace Quon
+{
+
 /// The engine's configuration: texts by key, from a file, from the command line and by call. It belongs to
 /// the OS object. Keys are compared case by case. Task thread only.
 ///
 /// The text form has one option a line, `Key = Value`. Blanks around key and value do not count; a value in
 /// double quotes keeps its blanks. Lines that are empty or begin with `#` or `//` are passed over.
-
-namespace Quon
-{
-
 class HARMONET_ENGINE_API Options : public Allocated
 {
 public:

@@ -6,13 +6,12 @@
 #include <string_view>
 #include <utility>
 
-/// An immutable, shared string. Equal texts are one node in the PStringCache, so that comparing is comparing
-/// two pointers, and copying is raising a count. Each object belongs to one thread at a time; different
-/// objects that share a text may be used on different threads.
-
 namespace Quon
 {
 
+/// An immutable, shared string. Equal texts are one node in the PStringCache, so that comparing is comparing
+/// two pointers, and copying is raising a count. Each object belongs to one thread at a time; different
+/// objects that share a text may be used on different threads.
 class HARMONET_ENGINE_API PString
 {
 public:
@@ -27,6 +26,7 @@ public:
     /// The same for text that need not end in a zero.
     explicit PString(std::string_view text);
 
+    /// Copies share the text.
     PString(const PString& other)
         : node(other.node)
     {
@@ -37,6 +37,7 @@ public:
     {
     }
 
+    /// Copies share the text.
     PString& operator=(const PString& other)
     {
         PString copy(other);
@@ -44,6 +45,7 @@ public:
         return *this;
     }
 
+    /// Copies share the text.
     PString& operator=(PString&& other) noexcept
     {
         PString taken(std::move(other));
@@ -66,6 +68,7 @@ public:
         return string;
     }
 
+    /// Compares two pointers.
     bool operator==(const PString& other) const { return node == other.node; }
 
     /// Zero-terminated, valid as long as any string with this text lives; null for the empty string.
@@ -77,6 +80,7 @@ public:
         return node != nullptr ? std::string_view(node->GetText(), node->length) : std::string_view();
     }
 
+    /// Whether it is the empty string.
     bool IsEmpty() const { return node == nullptr; }
 
     /// Equal for two strings exactly when their texts are equal.
@@ -94,11 +98,16 @@ private:
 
 } // namespace Quon
 
+// Doxygen 1.9 does not find the scope of a specialisation that is declared outside its namespace.
+/// \cond
+/// Hashes the identity of the text: strings with the same text have the same hash.
 template<>
 struct std::hash<Quon::PString>
 {
+    /// The hash of that text; it differs between two runs of a program.
     std::size_t operator()(const Quon::PString& string) const noexcept
     {
         return std::hash<const void*>()(string.GetIdentity());
     }
 };
+/// \endcond

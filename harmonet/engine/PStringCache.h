@@ -7,24 +7,25 @@
 #include <mutex>
 #include <string_view>
 
-/// The store of all interned texts: one node for each text that somebody holds. There is one such store in a
-/// process, made together with the first OS object or the first PString that has a text, and it lives until
-/// the engine library is unloaded. Any thread may call it.
-
 namespace Quon
 {
 
+/// The store of all interned texts: one node for each text that somebody holds. There is one such store in a
+/// process, made together with the first OS object or the first PString that has a text, and it lives until
+/// the engine library is unloaded. Any thread may call it.
 class HARMONET_ENGINE_API PStringCache : public Allocated
 {
 public:
     /// One text. Its characters stand behind the node in the same block of memory, closed by a zero.
     struct Node
     {
+        /// The characters of the text.
         const char* GetText() const { return reinterpret_cast<const char*>(this + 1); }
 
         /// Publishes nothing; it only decides who frees the node. Raised from at least 1 without a lock,
         /// taken from 1 to 0 only under the cache's mutex.
         std::atomic<std::uint32_t> references;
+        /// Hash and length in bytes of the text.
         std::uint32_t hash;
         std::uint32_t length;
         /// The next node of the same bucket, guarded by the cache's mutex.

@@ -6,18 +6,17 @@
 #include "harmonet/engine/Quaternion.h"
 #include "harmonet/engine/Vector.h"
 
+namespace Quon
+{
+
+struct Matrix4;
+
 /// A node of the scene graph. It has a place and an orientation in its parent's space, and works out where
 /// that is in the world when somebody asks. Whoever makes a node owns it; the tree owns none, and nodes may
 /// die in any order. Task thread only.
 ///
 /// A node is stale when it, or a node above it, has been moved, turned or put elsewhere in the tree since its
 /// global position was last worked out. Numbers are not checked: NaN and infinity go where they are sent.
-
-namespace Quon
-{
-
-struct Matrix4;
-
 class HARMONET_ENGINE_API Particle : public Element, public ITree<Particle>
 {
 public:
@@ -37,6 +36,7 @@ public:
     /// What kind of node this is; 0 for a plain one.
     virtual int GetID() const;
 
+    /// The name by which Add() and a sound find the node. It need not be unique.
     virtual void SetName(const PString& newName);
 
     /// Each marks the node and all below it as stale, also if the value is the old one, and the spheres above
@@ -73,6 +73,7 @@ public:
     /// Makes all children roots.
     virtual void RemoveAllChildren();
 
+    /// As set by SetName(); empty at first.
     const PString& GetName() const { return particleName; }
     /// In the parent's space.
     const Vector3& GetPosition() const { return position; }
@@ -94,24 +95,30 @@ public:
     virtual void OnParentDestroyed();
 
 protected:
-    // What moving a node and asking where it is needs stands first, beside the link to the parent.
+    // What moving a node and asking where it is needs comes first, beside the link to the parent.
+    /// In the parent's space.
     Vector3 position;
+    /// The position in the world, valid while `globalPositionStale` is not set.
     mutable Vector3 globalPosition;
+    /// Set when the position, or the sphere, has to be computed again.
     mutable bool globalPositionStale = true;
     mutable bool boundingSphereStale = false;
 
 private:
-    /// Worked out when it is asked for: a node without children is moved far more often than it is asked.
-    /// While a node's global position is valid, so is the global orientation of its parent.
+    /// Computed on demand: a node without children is moved far more often than it is queried. While a node's
+    /// global position is valid, so is the global orientation of its parent.
     mutable bool globalOrientationStale = true;
     mutable bool globallyTurned = false; ///< The global orientation is a rotation.
 
 protected:
     /// The sphere around the node and all below it, its centre in the parent's space. Nodes are not drawn or
-    /// culled here: whoever needs the sphere works it out anew when the flag is set, and clears the flag.
+    /// culled here: whoever needs the sphere computes it when the flag is set, and clears the flag.
     mutable Vector3 boundingCenter;
+    /// Of the sphere, in world units.
     mutable float boundingRadius = 0.0F;
+    /// As set by SetName().
     PString particleName;
+    /// In the parent's space.
     Quaternion orientation;
 
 private:

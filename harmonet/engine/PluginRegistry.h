@@ -4,19 +4,20 @@
 
 #include <list>
 
-/// The one list of all plug-in types of the process, in the order in which they were made. It holds a
-/// reference on each. Task thread only.
-
 namespace Quon
 {
 
 class PluginType;
 
+/// The one list of all plug-in types of the process, in the order in which they were made. It holds a
+/// reference on each. Task thread only.
 class HARMONET_ENGINE_API PluginRegistry
 {
 public:
+    /// The list of types.
     using Types = std::list<const PluginType*, EngineAllocator<const PluginType*>>;
 
+    /// The one registry, made at the first call.
     static PluginRegistry& Get();
 
     /// Enters a type and takes a reference on it. PluginType's constructor does this.

@@ -4,13 +4,12 @@
 
 #include <atomic>
 
-/// What a plug-in library adds to the engine: reference-counted objects that stand in the PluginRegistry.
-/// They are made with `new`; the registry holds the first reference, and the last one given back deletes the
-/// object.
-
 namespace Quon
 {
 
+/// What a plug-in library adds to the engine: reference-counted objects that stand in the PluginRegistry.
+/// They are made with `new`; the registry holds the first reference, and the last one given back deletes the
+/// object.
 class HARMONET_ENGINE_API PluginSystemBase : public Allocated
 {
 public:
@@ -28,6 +27,7 @@ protected:
     virtual ~PluginSystemBase();
 };
 
+/// The base of plug-in types: counts the references, and enters itself in the registry.
 class HARMONET_ENGINE_API PluginType : public PluginSystemBase
 {
 public:

@@ -3,19 +3,19 @@
 #include "harmonet/engine/Export.h"
 #include "harmonet/engine/Vector.h"
 
-/// Orientations: a plain record of four floats with the operations that the scene graph needs.
-///
-/// A unit quaternion q turns a vector v into q v q*. So it takes the X axis to
-/// (1 - 2yy - 2zz, 2xy + 2wz, 2xz - 2wy), the Y axis to (2xy - 2wz, 1 - 2xx - 2zz, 2yz + 2wx) and the Z axis
-/// to (2xz + 2wy, 2yz - 2wx, 1 - 2xx - 2yy).
-
 namespace Quon
 {
 
 struct Matrix3;
 
+/// Orientations: a plain record of four floats with the operations that the scene graph needs.
+///
+/// A unit quaternion q turns a vector v into q v q*. So it takes the X axis to
+/// (1 - 2yy - 2zz, 2xy + 2wz, 2xz - 2wy), the Y axis to (2xy - 2wz, 1 - 2xx - 2zz, 2yz + 2wx) and the Z axis
+/// to (2xz + 2wy, 2yz - 2wx, 1 - 2xx - 2yy).
 struct HARMONET_ENGINE_API Quaternion
 {
+    /// The identity unless set otherwise.
     float x = 0.0F;
     float y = 0.0F;
     float z = 0.0F;

@@ -5,11 +5,6 @@
 #include "harmonet/engine/PString.h"
 #include "harmonet/engine/Result.h"
 
-/// Something that was read from a file and is shared by name. A ResourceDatabase owns it; users hold a
-/// reference and, while they read its content, a lock. Derived classes fill themselves in Load() or
-/// LoadTxt(). Since users see resources as const, so are all operations, and content is mutable. Task thread
-/// only.
-
 namespace Quon
 {
 
@@ -17,6 +12,10 @@ class ResourceDatabase;
 class ResourceObserver;
 class ResourceTypeBase;
 
+/// Something that was read from a file and is shared by name. A ResourceDatabase owns it; users hold a
+/// reference and, while they read its content, a lock. Derived classes fill themselves in Load() or
+/// LoadTxt(). Since users see resources as const, so are all operations, and content is mutable. Task thread
+/// only.
 class HARMONET_ENGINE_API Resource : public Allocated
 {
 public:
@@ -96,6 +95,7 @@ public:
     /// The resource that stands for this one; null, as here, if it stands for itself.
     virtual const Resource* GetRedirection() const;
 
+    /// The name by which the database knows it.
     const PString& GetName() const { return resourceName; }
 
     /// The owner, in the sense of File, of the folder in which the file was found; empty if it was not found.
@@ -104,15 +104,18 @@ public:
     /// Marks the resource as used just now, so that its database keeps it for a while.
     void Touch() const { touched = true; }
 
+    /// Takes a reference. While one is held the database keeps the resource.
     void AddReference() const { ++references; }
 
     /// Gives one reference back; after the last the resource is touched. True if it was the last. A resource
     /// that its database has left behind, because somebody still held it, is deleted with the last.
     bool ReleaseReference() const;
 
+    /// The references and locks that are held now, and whether the content is loaded.
     int GetReferenceCount() const { return references; }
     int GetLockCount() const { return locks; }
     bool IsLoaded() const { return loaded; }
+    /// As set by SetPriority().
     float GetPriority() const { return priority; }
 
 private:

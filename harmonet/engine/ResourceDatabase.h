@@ -7,10 +7,6 @@
 #include <memory>
 #include <unordered_map>
 
-/// Finds resources by name in the folders that the host has given, and keeps them. The host owns it and
-/// outlives with it the sounds that use it; a resource that somebody still holds when it goes lives on until
-/// it is released. Task thread only.
-
 namespace Quon
 {
 
@@ -18,6 +14,9 @@ class FileSource;
 class Resource;
 class ResourceTypeBase;
 
+/// Finds resources by name in the folders that the host has given, and keeps them. The host owns it and
+/// outlives with it the sounds that use it; a resource that somebody still holds when it goes lives on until
+/// it is released. Task thread only.
 class HARMONET_ENGINE_API ResourceDatabase : public Allocated
 {
 public:

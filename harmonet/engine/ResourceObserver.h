@@ -2,14 +2,13 @@
 
 #include "harmonet/engine/Export.h"
 
-/// Whoever wants to hear when a resource's content comes and goes. The observer is not owned by the resource
-/// and must be removed before it dies. Task thread only.
-
 namespace Quon
 {
 
 class Resource;
 
+/// Whoever wants to hear when a resource's content comes and goes. The observer is not owned by the resource
+/// and must be removed before it dies. Task thread only.
 class HARMONET_ENGINE_API ResourceObserver
 {
 public:

@@ -6,16 +6,15 @@
 
 #include <string_view>
 
-/// A kind of resource: it says which file names it takes, and makes the objects for them. Plug-in libraries
-/// derive from it, make one object of each kind with `new` and leave it to the plug-in registry. Task thread
-/// only.
-
 namespace Quon
 {
 
 class Resource;
 class ResourceDatabase;
 
+/// A kind of resource: it says which file names it takes, and makes the objects for them. Plug-in libraries
+/// derive from it, make one object of each kind with `new` and leave it to the plug-in registry. Task thread
+/// only.
 class HARMONET_ENGINE_API ResourceTypeBase : public PluginType
 {
 public:
@@ -32,6 +31,8 @@ public:
     /// Makes a resource that has no file behind it. This one makes none and gives null.
     virtual Resource* CreateOnTheFly(const PString& name, const ResourceDatabase* database) const;
 
+    /// The ending of the file names, and the identifiers of this type and of the family that it
+    /// belongs to.
     const PString& GetName() const { return typeName; }
     const UId& GetTypeID() const { return typeID; }
     const UId& GetCommonID() const { return commonID; }

@@ -2,12 +2,11 @@
 
 #include "harmonet/engine/FileSource.h"
 
-/// One open file of a FileSource, with the checks and the positions that NativeFile leaves to the operating
-/// system. Internal to the engine; the thread rules are those of File.
-
 namespace Quon
 {
 
+/// One open file of a FileSource, with the checks and the positions that NativeFile leaves to the operating
+/// system. Internal to the engine; the thread rules are those of File.
 class SourceFile : public Allocated
 {
 public:

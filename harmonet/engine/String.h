@@ -2,11 +2,10 @@
 
 #include "harmonet/engine/Alloc.h"
 
-/// A text that can be changed, owned by whoever holds the object. One thread at a time.
-
 namespace Quon
 {
 
+/// A text that can be changed, owned by whoever holds the object. One thread at a time.
 class HARMONET_ENGINE_API String
 {
 public:
@@ -26,6 +25,7 @@ public:
     /// Replaces the text; null makes it empty.
     void Set(const char* newText);
 
+    /// Makes the text empty.
     void Clear() { text.clear(); }
 
 private:

@@ -4,13 +4,12 @@
 
 #include <mutex>
 
-/// Locks between the task thread and a driver's thread. Each is a member of what it guards and dies with it.
-/// Both kinds are re-entrant: the thread that holds one may lock it again and unlocks it as often. The names
-/// are labels without an effect, and null will do.
-
 namespace Quon
 {
 
+/// Locks between the task thread and a driver's thread. Each is a member of what it guards and dies with it.
+/// Both kinds are re-entrant: the thread that holds one may lock it again and unlocks it as often. The names
+/// are labels without an effect, and null will do.
 class HARMONET_ENGINE_API SyncObject : public Allocated
 {
 public:
@@ -32,6 +31,7 @@ public:
 class HARMONET_ENGINE_API CriticalSection : public SyncObject
 {
 public:
+    /// Not locked. The name is a label without an effect.
     explicit CriticalSection(const char* name);
     ~CriticalSection() override;
 
@@ -47,6 +47,7 @@ private:
 class HARMONET_ENGINE_API Mutex : public SyncObject
 {
 public:
+    /// Locked by the calling thread if `owned`.
     Mutex(bool owned, const char* name);
     ~Mutex() override;
 
@@ -61,6 +62,7 @@ private:
 class SyncLock
 {
 public:
+    /// Waits for the lock.
     explicit SyncLock(SyncObject& newObject)
         : object(newObject)
     {

@@ -4,17 +4,17 @@
 #include "harmonet/engine/IListNode.h"
 #include "harmonet/engine/PString.h"
 
-/// A piece of work that the host runs once per game frame through the TaskList. Whoever makes a task owns it.
-/// All of it runs on the thread on which the host drives the list, the task thread.
-
 namespace Quon
 {
 
 class OS;
 
+/// A piece of work that the host runs once per game frame through the TaskList. Whoever makes a task owns it.
+/// All of it runs on the thread on which the host drives the list, the task thread.
 class HARMONET_ENGINE_API Task : public Allocated, public IListNode
 {
 public:
+    /// What Update() returns.
     enum UpdateCode
     {
         /// The task goes on.
@@ -34,6 +34,7 @@ public:
     /// Leaves the list. A task may be deleted at any moment, also by itself or another task during an update.
     virtual ~Task();
 
+    /// The name given to the constructor.
     virtual const PString& GetName() const;
 
     /// For a task that has something to prepare. True on success; this one does nothing.
@@ -46,6 +47,7 @@ public:
     /// UpdateContinue.
     virtual UpdateCode Update(float seconds) = 0;
 
+    /// Whether the list updates the task. A task that is not active keeps its place.
     void SetActive(bool newActive) { active = newActive; }
     bool IsActive() const { return active; }
 

@@ -6,18 +6,18 @@
 
 #include <list>
 
-/// The one list of all tasks of the process. The host calls Update() once per game frame; the thread on which
-/// it does so is the task thread, and everything here belongs to it.
-
 namespace Quon
 {
 
 class OS;
 class Task;
 
+/// The one list of all tasks of the process. The host calls Update() once per game frame; the thread on which
+/// it does so is the task thread, and everything here belongs to it.
 class HARMONET_ENGINE_API TaskList
 {
 public:
+    /// The one list, made at the first call.
     static TaskList& Get();
 
     /// Updates the active tasks in their order, each with the seconds since its last update.

@@ -5,11 +5,10 @@
 #include <array>
 #include <cstdint>
 
-/// A 128-bit identifier by which plug-in types are told apart for good: a plain value.
-
 namespace Quon
 {
 
+/// A 128-bit identifier by which plug-in types are told apart for good: a plain value.
 class HARMONET_ENGINE_API UId
 {
 public:
@@ -22,6 +21,7 @@ public:
 
     bool operator==(const UId&) const = default;
 
+    /// Whether it is the zero identifier.
     bool IsZero() const { return *this == UId(); }
 
     /// The 16 bytes in the order of the text.

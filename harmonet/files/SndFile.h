@@ -32,6 +32,7 @@ struct SndNode;
 class HARMONET_API SndFile : public SoundFormat, public Allocated
 {
 public:
+    /// What kind of data a reader has open.
     enum Snd_FileType
     {
         FileNone = 0, ///< No data open.
@@ -55,6 +56,7 @@ public:
     static void SetSndFileCache(SndFileCache* cache);
     static SndFileCache* sndFileCache;
 
+    /// With nothing open.
     SndFile();
     /// Copies every field as it stands, without counting references: a copy must not be closed as well as
     /// its source.
@@ -118,6 +120,7 @@ public:
     /// has to, and skips; a reader whose skip is not enough for that overrides it. Allocates nothing.
     virtual void SeekTo(int sample);
 
+    /// What kind of data is open.
     Snd_FileType FileType() const { return fileType; }
     /// Bytes of sound data; of an MPEG stream the whole file.
     unsigned long Size() const { return size; }
@@ -183,7 +186,9 @@ protected:
     unsigned long CalcRemainLength(Snd_FileType type) const;
     unsigned long CalcCurrentLength(Snd_FileType type) const;
 
-    // What moving a sound on without hearing it reads stands together, in front, right behind the format.
+    // What moving a virtual sound on reads comes first, together, right after the format.
+    /// The fields of a reader, each as its getter above says; `data` and `dataOffset` are where the sound
+    /// data begin, in memory and in the file.
     Snd_FileType fileType = FileNone;
     int currentSample = 0;
     unsigned long size = 0;

@@ -22,6 +22,7 @@ struct WaveFormatEx
 
 static_assert(sizeof(WaveFormatEx) == 18);
 
+/// The wave tags: PCM, Microsoft ADPCM and MPEG Layer III.
 inline constexpr std::uint16_t waveTagPcm = 1;
 inline constexpr std::uint16_t waveTagAdpcm = 2;
 inline constexpr std::uint16_t waveTagMpegLayer3 = 85;

@@ -45,6 +45,7 @@ public:
     Music();
     /// The observers stay with the handle to which they were added, and hear of the pieces that it starts.
     Music(const Music& other);
+    /// Steers the same piece as `other` from now on; the piece that it steered before plays on.
     Music& operator=(const Music& other);
     /// As Stop(), with what there is to tell of that; then tells the observers OnMusicShutDown(). Nothing can
     /// be started with the handle meanwhile.

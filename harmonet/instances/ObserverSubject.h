@@ -52,6 +52,7 @@ public:
         }
     }
 
+    /// Whether the observer has been added.
     virtual bool HasObserver(const Observer* observer) const
     {
         const Entry* entry = Find(observer);

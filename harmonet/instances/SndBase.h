@@ -153,10 +153,10 @@ public:
     static void SetCompareUsingMultiplier(bool use);
     static bool useMultiplier;
 
-    // Effects. A setter returns false while the sound plays, since effects are fixed when it starts; else it
-    // stores the record and gives up any change of rate, which no sound with effects can have. A getter asks
-    // the channel for the live values and answers with the stored record when there are none; false when
-    // there is no record either. `quality` is the quality word of an environmental reverb.
+    /// Effects. A setter returns false while the sound plays, since effects are fixed when it starts; else it
+    /// stores the record and gives up any change of rate, which no sound with effects can have. A getter asks
+    /// the channel for the live values and answers with the stored record when there are none; false when
+    /// there is no record either. `quality` is the quality word of an environmental reverb.
     bool SetFXEnvReverbListenerProperties(const FXEnvReverb* record, long quality);
     bool GetFXEnvReverbListenerProperties(FXEnvReverb* record);
     bool SetFXChorus(const FXChorus* record);
@@ -184,7 +184,7 @@ public:
     /// The list itself, without a copy of the block.
     SndFXList GetThisFXList() const { return fxList; }
 
-    // The fields. Each of these reads or writes one and does nothing else.
+    /// The fields. Each of these reads or writes one and does nothing else.
     int GetSoundID() const { return soundID; }
     /// The owning group; null for music or when there is none.
     Sound* GetParentSound() const { return IsMusic() ? nullptr : static_cast<Sound*>(parent); }
@@ -233,6 +233,7 @@ public:
     SndChannel* GetFadeOutChannel() const { return fadeOutChannel; }
     void SetFadeOutChannel(SndChannel* channel) { fadeOutChannel = channel; }
 
+    /// The flags of SndFlags, one each.
     bool Is3D() const { return HasAnyFlag(Flag3D); }
     bool IsFadeIn() const { return HasAnyFlag(FlagFadeIn); }
     bool IsMusic() const { return HasAnyFlag(FlagMusic); }
@@ -290,6 +291,7 @@ public:
     class Telling
     {
     public:
+        /// Marks it.
         explicit Telling(SndBase& newSound)
             : sound(newSound)
             , before(newSound.beingTold)
@@ -330,6 +332,7 @@ protected:
     /// Turns a list that belongs to another instance into one of this sound's own, which may be changed.
     void OwnFXList();
 
+    /// Sets or clears the flags in the mask.
     void SetFlags(std::uint32_t mask, bool on) { on ? AddFlags(mask) : ClearFlags(mask); }
     /// The live record of the channel, or the stored one.
     template<class Record>
@@ -430,6 +433,7 @@ private:
     std::uint32_t pausedSince = 0; ///< and when that was on the kernel's clock.
 
 protected:
+    /// The effects. The block is this sound's own unless FlagSharedFXList is set.
     SndFXList fxList;
 
 private:

@@ -11,8 +11,8 @@ class CandidateList;
 /// How many sources a line has beside the first, and how many degrees they are to lie apart.
 struct SourceLimits
 {
-    unsigned int numAddSounds;
-    float minAngle;
+    unsigned int numAddSounds; ///< Sources beside the first.
+    float minAngle; ///< Degrees.
 };
 
 /// What becomes of the numbers that are asked of a line: at most seven more sources, fewer than there are of
@@ -38,7 +38,7 @@ public:
     /// One straight piece of the line.
     struct Segment
     {
-        Vector3 start;
+        Vector3 start; ///< In the world.
         Vector3 direction; ///< Along the piece, of length 1.
         float length; ///< World units, at least `shortest`.
     };
@@ -46,8 +46,8 @@ public:
     /// A place for a source.
     struct SoundPoint
     {
-        Segment* segment;
-        Vector3 position;
+        Segment* segment; ///< The piece on which it lies.
+        Vector3 position; ///< In the world.
         float distance; ///< From the listener.
     };
 
@@ -85,6 +85,7 @@ public:
 
     /// Forgets a source; those behind it move up. Nothing for a rank that there is not.
     void RemoveSnd(int index);
+    /// The sources that there are now, and the id of one.
     int GetNumSounds() const { return static_cast<int>(soundIDs.size()); }
     unsigned int GetSourceID(int index) const { return soundIDs[static_cast<std::size_t>(index)]; }
     /// Stores the places of the sources that are not in pause, the nearest first, and at most `most`.
@@ -100,7 +101,7 @@ public:
     /// Gives the sources the effects of the head, as they now are.
     void ShareFX();
 
-    // These go to the sources and the head, and do nothing without a kernel.
+    /// These go to the sources and the head, and do nothing without a kernel.
     void SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout) override;
     /// That of the loudest source, or before there is one that of the head.
     float CalcLevel(const Vector3* listener) const override;

@@ -73,7 +73,8 @@ public:
         StartImmediately = 0x08,
         /// CatSound() stays allowed while the sound plays.
         StartQueued = 0x10,
-        /// SetFrequency() stays allowed while the sound plays, and the listener's effects do not apply.
+        /// SetFrequency() stays allowed while the sound plays, and the listener's effects do not apply. To
+        /// keep these, call SetFrequency() before StartSound() instead.
         /// Ignored for a sound with effects. Has no effect on a sound along a line; set it in the resource.
         StartChgFrequency = 0x20,
         /// The listener's effects do not apply. Has no effect on a sound along a line; set it in the
@@ -96,11 +97,12 @@ public:
     // Creation. Each returns the id of the new sound, or 0. A definition with variation chooses file, gain
     // and rate here. A file is opened when the sound starts, so that a missing one shows there.
 
+    /// A non-positional sound.
     int New2DSound(const PString& name, const ResourceDatabase* db);
     /// On a block of bare PCM, which is not copied: it must stay valid until OnBufferFree() reports it, or
     /// until the sound is gone after DeleteSound(). 0 for anything but PCM, and the block stays the caller's.
     int New2DSound(void* data, unsigned long size, WaveFormatEx* format);
-    /// A sound along a line, if the resource has one.
+    /// A positional sound; one along a line if the resource has a line.
     int New3DSound(const PString& name, const ResourceDatabase* db);
     int New3DSound(void* data, unsigned long size, WaveFormatEx* format);
     /// A sound along the line through the given points, in world units; position and line of the resource are
@@ -115,11 +117,13 @@ public:
     // Playing in one call. Each returns the id of the started sound, or 0. A priority or delay of 0 leaves
     // the value as it stands. `flags` are StartFlags; `delay` is in milliseconds.
 
+    /// A non-positional sound.
     int Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay);
     int Play2DSound(void* data, unsigned long size, WaveFormatEx* format, int flags, int priority, int delay);
-    /// Hangs the sound below the node called `nodeName` in the scene below `parent`.
+    /// A positional sound. Hangs it below the node called `nodeName` in the scene below `parent`.
     int Play3DSound(Particle* parent, const PString& nodeName, const PString& name,
         const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay);
+    /// The same at a place, with the identity as its orientation unless one is given.
     int Play3DSound(const Vector3& position, const Quaternion& orientation, const PString& name,
         const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay);
     int Play3DSound(const Vector3& position, const PString& name, const ResourceDatabase* db, int flags,
@@ -133,7 +137,7 @@ public:
     bool StartSound(int id, int flags);
     /// Ends the sound; the observers are told and blocks of memory reported.
     void StopSound(int id);
-    /// Ends the sound without a word: no observer is told, and the caller has its memory back at once.
+    /// Ends the sound without notifying observers; the caller has its memory back at once.
     void DeleteSound(int id);
     /// Pauses a sound: time stands still for it, whatever it does. A delay does not count down, fades stay
     /// where they are, no end and no file of its queue comes, and its channel is free for others. What was
@@ -148,7 +152,7 @@ public:
     void ResumeSound(int id);
     /// Whether the sound, its group or everything is paused.
     bool IsSoundPaused(int id) const;
-    /// Falls silent over `ms` milliseconds and ends. Without a channel, and along a line, the sound ends at
+    /// Fades out over `ms` milliseconds and ends. Without a channel, and along a line, the sound ends at
     /// once, and the result is false.
     bool FadeOutSound(int id, unsigned int ms);
     /// Appends a file behind the sound, before the start, or during play if it was started with StartQueued.
@@ -192,10 +196,12 @@ public:
     /// the resource. Ignored once the sound runs, and for a sound along a line, which has that of its
     /// resource.
     void SetSoundLoopRegion(int id, int start, int end);
-    /// Each time the sound gets a channel it rises from silence over `ms` milliseconds. Has no effect on a
+    /// Each time the sound gets a channel it fades in over `ms` milliseconds. Has no effect on a
     /// sound along a line.
     void SetSoundFadeIn(int id, int ms);
-    /// 100 to 100000 Hz, or 0 for the file's own rate; anything else is refused. While a
+    /// 100 to 100000 Hz, or 0 for the file's own rate; anything else is refused, and so is a sound with
+    /// effects. A sound that plays takes it if it was started with StartChgFrequency, if its resource allows
+    /// it, or if this was called before the start; in the last two cases the listener's effects stay. While a
     /// sound along a line runs, its sources refuse unless its resource allows a change of rate.
     bool SetFrequency(int id, unsigned long hz);
     unsigned long GetFrequency(int id);
@@ -208,7 +214,8 @@ public:
     /// For positional sounds, those along a line included; world units.
     void SetSoundMinMaxDistance(int id, float minDistance, float maxDistance, bool cutout);
 
-    // These are for positional sounds that are not along a line.
+    /// These are for positional sounds that are not along a line. The place is in world units, in the space
+    /// of the node to which the sound is attached. The angles are in degrees, the gain is linear.
     void SetSoundCone(int id, float inner, float outer, float coneGain);
     /// How much of the Doppler effect the sound has, beside SoundSystem::SetDopplerFactor(): a factor,
     /// clamped to 0.0 to 10.0; NaN changes nothing. At the start it is 1.0; 0.0 for any other sound.
@@ -231,7 +238,7 @@ public:
     /// the id in it is 0 if there is no such sound.
     static SoundState GetState(int id);
 
-    // Effects of one sound: see SndBase.
+    /// Effects of one sound: see SndBase.
     bool SetFXEnvReverbListenerProperties(int id, const FXEnvReverb* record, long quality);
     bool GetFXEnvReverbListenerProperties(int id, FXEnvReverb* record);
     bool SetFXEnvReverbSourceProperties(int id, const FXEnvReverbSourceProperties* record);
@@ -255,6 +262,7 @@ public:
 
     // The group.
 
+    /// The gain of the group.
     float GetGain() const { return gain; }
     /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. Sounds that are heard follow at once.
     void SetGain(float newGain);

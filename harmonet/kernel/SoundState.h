@@ -36,16 +36,16 @@ enum class SoundPhase : std::uint8_t
 struct SoundState
 {
     int id = 0; ///< 0 for no sound.
-    SoundKind kind = SoundKind::NonPositional;
-    SoundPhase phase = SoundPhase::Prepared;
+    SoundKind kind = SoundKind::NonPositional; ///< What kind of sound.
+    SoundPhase phase = SoundPhase::Prepared; ///< How far it has got.
     SoundReason reason = SoundReason::None; ///< DescribeReason() has the words.
     bool hasChannel = false; ///< For a line: one of its sources has.
-    bool isFadingOut = false;
-    bool isLooping = false;
+    bool isFadingOut = false; ///< It ends when the fade has ended.
+    bool isLooping = false; ///< It has no end.
     bool isCutOut = false; ///< Not audible beyond `maxDistance`.
     PString definition; ///< Name of the resource; empty for a plain file and for memory.
     PString fileName; ///< Empty for memory.
-    int priority = 0;
+    int priority = 0; ///< Greater is more important.
     int delayMs = 0; ///< Still to wait before it may start.
     float distance = 0.0F; ///< To the listener, in world units; 0 for what is not positional.
     float maxDistance = 0.0F; ///< World units; 0 for what is not positional.

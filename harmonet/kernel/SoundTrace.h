@@ -24,10 +24,10 @@ struct UpdateRecord
     std::uint32_t elapsedMs = 0; ///< Since the one before.
     std::chrono::nanoseconds cost{0}; ///< Wall clock, with the driver's part and what observers did.
     int numHeard = 0; ///< Sounds that hold a channel.
-    int numVirtual = 0;
-    int numWaiting = 0;
+    int numVirtual = 0; ///< Sounds that run without one.
+    int numWaiting = 0; ///< Sounds that have been started and have not had a turn yet.
     int maxAudible = 0; ///< The limit of audible sounds.
-    bool hasListener = false;
+    bool hasListener = false; ///< Whether a Microphone is active.
     Vector3 listener{0.0F, 0.0F, 0.0F}; ///< Its place in the world.
 };
 
@@ -57,6 +57,7 @@ public:
     virtual void OnEnd(const SoundState&) {}
     /// An observer's notification is about to run. It comes for groups without observers too.
     virtual void OnNotice(SoundNotice, int /*soundID*/, const PString& /*fileName*/) {}
+    /// A full update has ended.
     virtual void OnUpdate(const UpdateRecord&) {}
 };
 

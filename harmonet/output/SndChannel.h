@@ -140,6 +140,7 @@ public:
     virtual void SetPitch(float factor);
 
 protected:
+    /// As the getters say.
     int type = 0;
     SndFile* sndFile = nullptr;
     CriticalSection chanLock;

@@ -30,9 +30,9 @@ enum SndDriverEvent : int
 /// The data of the event SndFileChanged.
 struct SndFileChange
 {
-    SndChannel* channel;
-    SndFile* newFile;
-    SndFile* oldFile;
+    SndChannel* channel; ///< Which channel.
+    SndFile* newFile; ///< What it plays from now on.
+    SndFile* oldFile; ///< What it played before.
 };
 
 /// Takes an event, its data and the user value of SetCallback(). The result has no meaning and is 0.

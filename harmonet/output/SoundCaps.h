@@ -11,8 +11,8 @@ namespace Quon
 /// The library reads one flag, capEnvReverbSource; the others pass through to the host unread.
 struct SoundCaps
 {
-    std::uint8_t low = 0;
-    std::uint8_t high = 0;
+    std::uint8_t low = 0; ///< Flags 0x0001 to 0x0080.
+    std::uint8_t high = 0; ///< Flags 0x0100 to 0x8000.
 
     /// The 16 flags as one number, `high` above `low`.
     unsigned int GetFlags() const { return static_cast<unsigned int>(high) << 8 | low; }

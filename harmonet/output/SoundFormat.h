@@ -26,6 +26,7 @@ public:
     int GetSoundSamples() const { return soundSamples; }
 
 protected:
+    /// As the getters say.
     int bytesPerSample = 0;
     int sampleFrequency = 0;
     int channels = 0;
