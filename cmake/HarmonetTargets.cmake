@@ -25,16 +25,9 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT WIN32)
     add_link_options(-Wl,-Bsymbolic-functions)
 endif()
 
-# The tests look inside the library; a build without them shows what a user of the library sees.
-if(HARMONET_BUILD_TESTS)
-    set(CMAKE_CXX_VISIBILITY_PRESET default)
-    if(MINGW)
-        add_link_options(-Wl,--export-all-symbols)
-    endif()
-else()
-    set(CMAKE_CXX_VISIBILITY_PRESET hidden)
-    set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
-endif()
+# What the libraries export is marked in their headers, with and without tests.
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
 # One room of the library: an object library named harmonet_<room> that the shared library is linked from.
 function(harmonet_room room)

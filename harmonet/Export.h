@@ -2,7 +2,9 @@
 
 /// HARMONET_API marks what a user of the library, or an output driver, may link to.
 ///
-/// Everything else is hidden in the shared library.
+/// HARMONET_INTERNAL_API marks what the library's own tests, fuzzers and benchmarks link to besides. No
+/// installed header declares it, and it can change at any time. Everything else is hidden in the shared
+/// library, which is the same with and without tests.
 #if defined(_WIN32)
 #if defined(HARMONET_BUILDING_LIBRARY)
 #define HARMONET_API __declspec(dllexport)
@@ -12,3 +14,4 @@
 #else
 #define HARMONET_API __attribute__((visibility("default")))
 #endif
+#define HARMONET_INTERNAL_API HARMONET_API

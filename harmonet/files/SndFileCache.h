@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/IListNode.h"
 #include "harmonet/engine/PString.h"
@@ -12,7 +13,7 @@ class SndFileHandle;
 
 /// The list of open files: one SndFileHandle for each file in use, so that all readers that stream from one
 /// file share one handle of the operating system. The kernel owns one such list. Task thread only.
-class SndFileCache : public Allocated
+class HARMONET_INTERNAL_API SndFileCache : public Allocated
 {
 public:
     SndFileCache() = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/File.h"
 #include "harmonet/engine/IListNode.h"
@@ -12,7 +13,7 @@ namespace Quon
 class SndFileCache;
 
 /// One open file that any number of readers share. Made and counted by SndFileCache, on the task thread.
-class SndFileHandle : public Allocated, private IListNode
+class HARMONET_INTERNAL_API SndFileHandle : public Allocated, private IListNode
 {
 public:
     /// Closes the file.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/PString.h"
 #include "harmonet/files/SndFile.h"
@@ -10,7 +11,7 @@ namespace Quon
 
 /// The sound data of one file in memory, as they stand in the file. Made by SndNodeCache; shared, read-only,
 /// by all readers that are open on it. Task thread only, but for the bytes themselves.
-struct SndNode : Allocated
+struct HARMONET_INTERNAL_API SndNode : Allocated
 {
     SndNode() = default;
     SndNode(const SndNode&) = delete;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/PString.h"
 #include "harmonet/files/SndNode.h"
@@ -16,7 +17,7 @@ namespace Quon
 ///
 /// The list is in order of priority, and of last use among equals; its head is the first to be dropped. Data
 /// that are held stand on no list and cost the budget nothing. An index finds data by their names.
-class SndNodeCache : public Allocated
+class HARMONET_INTERNAL_API SndNodeCache : public Allocated
 {
 public:
     SndNodeCache();

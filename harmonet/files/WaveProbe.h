@@ -1,5 +1,7 @@
 #pragma once
 
+#include "harmonet/Export.h"
+
 namespace Quon
 {
 
@@ -11,7 +13,7 @@ struct WaveFormatEx;
 
 /// FileWav for PCM and FileAdpcm for ADPCM by the first "fmt " chunk of a wave file; FileNone for anything
 /// else. Lets FileEx through.
-int ProbeWave(SndFileHandle* handle);
+HARMONET_INTERNAL_API int ProbeWave(SndFileHandle* handle);
 
 /// The same by the format's tag alone; null is FileNone.
 int ProbeFormat(const WaveFormatEx* format);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/instances/SoundReason.h"
 #include "harmonet/kernel/ImportanceSort.h"
@@ -85,7 +86,7 @@ struct Decision
 /// important eligible sound, of equals the first.
 ///
 /// *Eligible* is who is in range, settled, and neither in pause, delayed, a newcomer nor the head of a line.
-void Decide(
+HARMONET_INTERNAL_API void Decide(
     std::span<const Contender> contenders, const ContenderCounts& counts, int limit, Decision& decision);
 
 } // namespace Quon

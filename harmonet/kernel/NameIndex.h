@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/PString.h"
 #include "harmonet/kernel/HashIndex.h"
@@ -13,7 +14,7 @@ namespace Quon
 /// each pair of names, how many such sounds stand on its lists, and their length. Names are told apart by
 /// identity. A number is in use for as long as sounds use it; then its memory is used again. Task thread
 /// only.
-class NameIndex
+class HARMONET_INTERNAL_API NameIndex
 {
 public:
     static constexpr std::uint32_t none = HashIndex::none;

@@ -67,6 +67,11 @@ int HandleDriverEvent(int event, void* data, void* user)
 
 SndKernel* theKernel = nullptr;
 
+SndKernel* GetRunningKernel()
+{
+    return theKernel;
+}
+
 SoundOptions::SoundOptions()
 {
     format.SetFormat(defaultBytesPerSample, defaultSampleFrequency, 0, defaultChannels);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/kernel/Decide.h"
 #include "harmonet/kernel/DefinitionState.h"
@@ -64,7 +65,7 @@ struct SoundOptions
 /// delete other sounds. So nothing here walks a list or the table by itself while it ends or starts sounds: a
 /// SoundWalk visits those that stood there when it began and still exist. A sound that is started during an
 /// update is dealt with at the next one.
-class SndKernel : public Allocated
+class HARMONET_INTERNAL_API SndKernel : public Allocated
 {
 public:
     SndKernel();
@@ -362,6 +363,9 @@ private:
 
 /// The running kernel, or null while the sound system is stopped.
 extern SndKernel* theKernel;
+
+/// The same, for the tests.
+HARMONET_INTERNAL_API SndKernel* GetRunningKernel();
 
 /// Works out a sound's distance to the listener from its place, and whether it is in range.
 inline void MeasureDistance(SoundRow& row, const Vector3& listener)

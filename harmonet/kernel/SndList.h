@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/kernel/SoundRows.h"
 
@@ -15,7 +16,7 @@ namespace Quon
 /// A sound that leaves only loses its entry's serial, by which whoever meets the entry later sees that it is
 /// stale. While the list is in order, sounds that come are gathered and merged when the order is asked for.
 /// What sounds are compared by changes between sorts; the kernel says so with ForgetOrder().
-class SndList
+class HARMONET_INTERNAL_API SndList
 {
 public:
     struct Entry

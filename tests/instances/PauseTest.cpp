@@ -14,7 +14,7 @@ namespace
 class PauseTest : public SoundTest
 {
 protected:
-    int CountPaused() const { return theKernel->GetList(ListID::Paused).GetCount(); }
+    int CountPaused() const { return GetRunningKernel()->GetList(ListID::Paused).GetCount(); }
 
     const PString file = WriteWave("a.wav", {2000});
     const PString brief = WriteWave("b.wav", {300});

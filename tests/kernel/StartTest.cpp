@@ -46,13 +46,13 @@ TEST_F(StartTest, TheFirstNameThatWorksWins)
         recording.refuseOpen = false;
         EXPECT_EQ(Start(), row.starts);
         EXPECT_EQ(TakeLog(), row.starts ? openedLines : Lines());
-        EXPECT_EQ(theKernel != nullptr, row.starts);
+        EXPECT_EQ(GetRunningKernel() != nullptr, row.starts);
         system.Done();
         EXPECT_EQ(TakeLog(), row.starts ? Lines{"Delete"} : Lines());
         recording.refuseOpen = true;
         SndKernel kernel;
         EXPECT_EQ(kernel.Init(&os, false), row.codeIfNoneOpens);
-        EXPECT_EQ(theKernel, nullptr);
+        EXPECT_EQ(GetRunningKernel(), nullptr);
         EXPECT_EQ(TakeLog(), row.starts ? refusedLines : Lines());
     }
     recording.giveNoDriver = true;
@@ -76,7 +76,7 @@ TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
     EXPECT_FALSE(Start());
     EXPECT_FALSE(other.Init(&os, false));
     other.Done();
-    EXPECT_NE(theKernel, nullptr);
+    EXPECT_NE(GetRunningKernel(), nullptr);
     EXPECT_EQ(TakeLog(), Lines());
     system.Done();
 
@@ -86,7 +86,7 @@ TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
     }
     EXPECT_TRUE(Start());
     EXPECT_EQ(TakeLog({"Open", "SetMax"}), (Lines{"Open 2 22050 2 0 500 0", "SetMaxChannels 24"}));
-    EXPECT_EQ(theKernel->GetOptions().cacheSize, 1000000);
+    EXPECT_EQ(GetRunningKernel()->GetOptions().cacheSize, 1000000);
     EXPECT_FALSE(SndFile::sndFileCache->IsMpegStandard());
     system.Done();
 
@@ -136,7 +136,7 @@ TEST_F(StartTest, TheSystemStartsAgainAndIdsGoOn)
             system.Done();
         }
         EXPECT_EQ(TakeLog(), (Lines{"c1 Stop", "Delete"}));
-        EXPECT_EQ(theKernel, nullptr);
+        EXPECT_EQ(GetRunningKernel(), nullptr);
         Step(40);
         EXPECT_EQ(TakeLog(), Lines());
         EXPECT_FALSE(group.StartSound(id, 0));

@@ -51,8 +51,8 @@ MemoryBlock& SoundTest::NewBlock(const std::string& name, const PcmForm& form)
 Ids SoundTest::GetIds(ListID id)
 {
     Ids ids;
-    theKernel->GetList(id).ForEach([&](const SndBase& sound) { ids.push_back(sound.GetSoundID()); });
-    EXPECT_EQ(static_cast<int>(ids.size()), theKernel->GetList(id).GetCount());
+    GetRunningKernel()->GetList(id).ForEach([&](const SndBase& sound) { ids.push_back(sound.GetSoundID()); });
+    EXPECT_EQ(static_cast<int>(ids.size()), GetRunningKernel()->GetList(id).GetCount());
     return ids;
 }
 
@@ -73,7 +73,7 @@ Ids SoundTest::Waiting() const
 
 SndBase* SoundTest::Find(int id) const
 {
-    return theKernel ? theKernel->FindSound(id) : nullptr;
+    return GetRunningKernel() ? GetRunningKernel()->FindSound(id) : nullptr;
 }
 
 int SoundTest::ChannelOf(int id) const

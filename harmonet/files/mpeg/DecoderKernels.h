@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/files/mpeg/DecoderTables.h"
 #include "harmonet/files/mpeg/SideInfo.h"
 
@@ -64,11 +65,11 @@ struct DecoderKernels
 };
 
 /// For any processor of the build: vectors of four, or plain loops where the compiler has no vector types.
-const DecoderKernels& BaselineKernels();
+HARMONET_INTERNAL_API const DecoderKernels& BaselineKernels();
 /// Plain loops, as for a compiler without vector types. Not selected where there is better.
-const DecoderKernels& PlainKernels();
+HARMONET_INTERNAL_API const DecoderKernels& PlainKernels();
 /// Null where the compiler or the processor has no AVX2, FMA and BMI2.
-const DecoderKernels* Avx2Kernels();
+HARMONET_INTERNAL_API const DecoderKernels* Avx2Kernels();
 /// The fastest of these that this processor runs.
 const DecoderKernels& SelectKernels();
 

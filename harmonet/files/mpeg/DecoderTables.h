@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/files/mpeg/HuffmanTables.h"
 #include "harmonet/files/mpeg/SideInfo.h"
@@ -69,7 +70,7 @@ struct SynthesisTables
     float middle[16];
 };
 
-struct DecoderTables : Allocated
+struct HARMONET_INTERNAL_API DecoderTables : Allocated
 {
     DecoderTables();
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/files/mpeg/BitReader.h"
 #include "harmonet/files/mpeg/SideInfo.h"
 #include "harmonet/files/mpeg/StandardTables.h"
@@ -15,20 +16,20 @@ inline constexpr int frameHeaderBytes = 4;
 inline constexpr int maxSideInfoBytes = 32;
 
 /// The four bytes at the start of a frame as one number.
-unsigned LoadFrameHeader(const unsigned char* bytes);
+HARMONET_INTERNAL_API unsigned LoadFrameHeader(const unsigned char* bytes);
 /// Eleven bits of ones, with which a frame begins.
 bool HasFrameSync(unsigned headerBits);
 /// The fields, whatever they hold.
-FrameHeader SplitFrameHeader(unsigned headerBits);
+HARMONET_INTERNAL_API FrameHeader SplitFrameHeader(unsigned headerBits);
 /// Layer III of MPEG-1 or MPEG-2, with a bitrate and a rate from the tables: what is played.
 bool IsPlayable(const FrameHeader& header);
 
 /// These need a playable header.
 int BitrateKbps(const FrameHeader& header);
-int SampleRateHz(const FrameHeader& header);
+HARMONET_INTERNAL_API int SampleRateHz(const FrameHeader& header);
 int SideInfoBytes(const FrameHeader& header);
 /// The bytes of the frame behind its header.
-int FrameBytes(const FrameHeader& header);
+HARMONET_INTERNAL_API int FrameBytes(const FrameHeader& header);
 int FrameSamples(const FrameHeader& header);
 /// `byStandard`, here and below, stands for the rules of the standard where this library has its own.
 const BandTable& BandsOf(const FrameHeader& header, bool byStandard);

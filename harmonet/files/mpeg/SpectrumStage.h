@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/files/mpeg/DecoderKernels.h"
 #include "harmonet/files/mpeg/DecoderTables.h"
 #include "harmonet/files/mpeg/SideInfo.h"
@@ -24,7 +25,7 @@ struct RequantiseInput
 /// `xr`, 576 of them; both arrays are padded. Long blocks go line by line; short blocks are put in the order
 /// of the hybrid transform on the way: in a band of width n that begins at line 3b, line i of window w stands
 /// at 3b + 3i + w. Returns how far the spectrum reaches.
-SpectrumLimits Requantise(const DecoderTables& tables, const DecoderKernels& kernels,
+HARMONET_INTERNAL_API SpectrumLimits Requantise(const DecoderTables& tables, const DecoderKernels& kernels,
     const RequantiseInput& input, const float* lines, float* xr);
 
 } // namespace Quon
