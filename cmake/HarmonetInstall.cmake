@@ -1,5 +1,6 @@
-# What `cmake --install` lays down: the two libraries, the output drivers beside them, the public headers, and a
-# package for find_package(Harmonet) with the targets Harmonet::harmonet and Harmonet::engine.
+# What `cmake --install` installs: the two libraries, the output drivers in harmonet/ beside them, the public headers,
+# and a package for find_package(Harmonet) with the targets Harmonet::harmonet and Harmonet::engine, and for writers of
+# drivers Harmonet::driver_common.
 
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
@@ -7,12 +8,21 @@ include(PublicHeaders)
 set(package_folder "${CMAKE_INSTALL_LIBDIR}/cmake/Harmonet")
 
 set_target_properties(harmonet_engine PROPERTIES EXPORT_NAME engine)
-install(TARGETS harmonet harmonet_engine EXPORT HarmonetTargets)
+set_target_properties(harmonet_driver_common PROPERTIES EXPORT_NAME driver_common)
+install(TARGETS harmonet harmonet_engine harmonet_driver_common EXPORT HarmonetTargets)
 install(EXPORT HarmonetTargets NAMESPACE Harmonet:: DESTINATION "${package_folder}")
 
 foreach(header IN LISTS HARMONET_PUBLIC_HEADERS)
     cmake_path(GET header PARENT_PATH folder)
     install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/${folder}")
+endforeach()
+foreach(header IN LISTS HARMONET_DRIVER_HEADERS)
+    install(FILES "${PROJECT_SOURCE_DIR}/${header}" DESTINATION "${HARMONET_DRIVER_INCLUDES}/drivers/common")
+endforeach()
+foreach(driver harmonet_null harmonet_openal)
+    if(TARGET ${driver})
+        install(TARGETS ${driver} LIBRARY DESTINATION "${HARMONET_DRIVER_FOLDER}" COMPONENT drivers)
+    endif()
 endforeach()
 
 configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/HarmonetConfig.cmake.in"
@@ -20,10 +30,6 @@ configure_package_config_file("${PROJECT_SOURCE_DIR}/cmake/HarmonetConfig.cmake.
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/HarmonetConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/HarmonetConfig.cmake" "${PROJECT_BINARY_DIR}/HarmonetConfigVersion.cmake"
     DESTINATION "${package_folder}")
-
-# A host that builds us as part of itself links to the same names.
-add_library(Harmonet::harmonet ALIAS harmonet)
-add_library(Harmonet::engine ALIAS harmonet_engine)
 
 # The package for Windows is the same in an archive, with the papers, and with the run-time libraries of the compiler
 # beside the library.

@@ -10,12 +10,14 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-# Beside the engine library, where drivers are looked for.
+# The folder harmonet/ beside the engine library, where drivers are looked for.
 if(WIN32)
-    set(HARMONET_DRIVER_FOLDER "${CMAKE_INSTALL_BINDIR}")
+    set(HARMONET_DRIVER_FOLDER "${CMAKE_INSTALL_BINDIR}/harmonet")
 else()
-    set(HARMONET_DRIVER_FOLDER "${CMAKE_INSTALL_LIBDIR}")
+    set(HARMONET_DRIVER_FOLDER "${CMAKE_INSTALL_LIBDIR}/harmonet")
 endif()
+# The headers for writers of drivers, which other users do not have in their include path.
+set(HARMONET_DRIVER_INCLUDES "${CMAKE_INSTALL_INCLUDEDIR}/harmonet-drivers")
 set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
 # Nobody puts functions of his own in the place of the library's while a program is loaded, so that a call
@@ -37,13 +39,11 @@ function(harmonet_room room)
     target_link_libraries(harmonet_${room} PUBLIC harmonet_engine)
 endfunction()
 
-# An output driver: a module whose file name is the name that the option "Sound" gives. It is installed beside
-# the engine library, which is where a driver is found without further ado.
+# An output driver: a module whose file name is the name that the option "Sound" gives.
 function(harmonet_driver target name)
     add_library(${target} MODULE ${ARGN})
-    set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME "${name}")
+    set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME "${name}" INSTALL_RPATH "$ORIGIN/..")
     target_link_libraries(${target} PRIVATE harmonet)
-    install(TARGETS ${target} LIBRARY DESTINATION "${HARMONET_DRIVER_FOLDER}" COMPONENT drivers)
 endfunction()
 
 # A test program test_<name>; each of its tests is known to CTest by its own name, or the program as a whole

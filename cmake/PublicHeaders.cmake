@@ -72,3 +72,11 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/output/SndDriver.h
     harmonet/output/SoundCaps.h
     harmonet/output/SoundFormat.h)
+
+# What a writer of an output driver may include besides; it comes with the target Harmonet::driver_common.
+set(HARMONET_DRIVER_HEADERS
+    drivers/common/DriverChannel.h
+    drivers/common/DriverExport.h
+    drivers/common/FileSteps.h
+    drivers/common/QueueReader.h
+    drivers/common/SampleClock.h)

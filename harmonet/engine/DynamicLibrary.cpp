@@ -69,6 +69,7 @@ EngineVector<EngineString> DynamicLibrary::Places() const
     }
     const EngineString own = NativeLibrary::GetOwnFolder();
     if (!own.empty()) {
+        places.push_back(own + "harmonet/");
         places.push_back(own);
     }
     return places;

@@ -26,11 +26,12 @@ public:
 
     /// Loads the library of that file name, and closes first what the object still holds.
     ///
-    /// A name without a folder is looked for in the host's driver folders, then beside the engine library,
-    /// and what lies there and cannot be loaded is passed over; if there is no such file, the platform's
-    /// loader looks by its own rules. A name with a folder is taken as it stands. A file that is no library,
-    /// or only the first part of one, is refused. False if nothing could be loaded; then the object holds
-    /// nothing. May block on the disk, and runs the code that the library has for its start.
+    /// A name without a folder is looked for in the host's driver folders, then in the folder `harmonet`
+    /// beside the engine library, then beside that library, and what cannot be loaded is skipped; if there is
+    /// no such file, the platform's loader looks by its own rules. A name with a folder is taken as it
+    /// stands. A file that is no library, or only the first part of one, is refused. False if nothing could
+    /// be loaded; then the object holds nothing. May block on the disk, and runs the code that the library
+    /// has for its start.
     virtual bool Open(const char* name);
 
     /// Unloads the library; does nothing if there is none. No code, object or text of it may be used

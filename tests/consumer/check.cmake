@@ -1,7 +1,6 @@
 # Builds the consumer project against the installed library and nothing else, and runs it. The library is that of
 # the build tree BUILT, which is installed below the folder WORK; or that of the archive PACKAGE, which is unpacked
-# there. Optional: COMPILER, or a
-# TOOLCHAIN file that says more than that, and an EMULATOR to run what was built.
+# there. Optional: COMPILER, or a TOOLCHAIN file that says more than that, and an EMULATOR to run what was built.
 cmake_path(ABSOLUTE_PATH WORK)
 set(prefix "${WORK}/installed")
 set(project "${CMAKE_CURRENT_LIST_DIR}/project")
@@ -36,7 +35,7 @@ run(${CMAKE_COMMAND} --build "${WORK}/build")
 # Where libraries are looked for beside the program, that is where they go.
 file(GLOB libraries "${prefix}/bin/*.dll")
 if(libraries)
-    file(COPY ${libraries} DESTINATION "${WORK}/build")
+    file(COPY ${libraries} "${prefix}/bin/harmonet" DESTINATION "${WORK}/build")
 endif()
 file(GLOB consumer "${WORK}/build/consumer" "${WORK}/build/consumer.exe")
 run(${EMULATOR} "${consumer}")
