@@ -35,6 +35,7 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetOpenAL");
     os.GetOptions()->Set("OpenALRender", (folder / "demo.wav").string().c_str());
+    os.GetOptions()->Set("SoundFrequency", "44100");
     os.GetOptions()->Set("MaxSounds", channels);
     QuonGetPlugins();
     Quon::ResourceDatabase database;

@@ -47,6 +47,12 @@ Json ToJson(const Quon::Vector3& place)
     return {Rounded(place.x), Rounded(place.y), Rounded(place.z)};
 }
 
+std::string FormatGain(float gain)
+{
+    const bool isIgnored = gain < 0.0F || gain > 1.0F;
+    return FormatNumber(gain) + (isIgnored ? ", out of range and ignored: the sound plays at gain 1" : "");
+}
+
 std::string FormatFrequency(const Quon::SoundDefResource& sound)
 {
     const std::string rate =
@@ -166,7 +172,7 @@ std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
         {"looping", Yes(sound.GetLooping()), "looping", sound.GetLooping()},
         {"loop region", FormatLoopRegion(sound), "loopRegion",
             {{"start", sound.GetLoopStart()}, {"end", sound.GetLoopEnd()}}},
-        {"gain", FormatNumber(sound.GetGain()), "gain", Rounded(sound.GetGain())},
+        {"gain", FormatGain(sound.GetGain()), "gain", Rounded(sound.GetGain())},
         {"low-pass", FormatNumber(sound.GetLowPass()), "lowPass", Rounded(sound.GetLowPass())},
         {"delay", std::to_string(sound.GetDelay()) + " ms", "delayMs", sound.GetDelay()},
         {"distances",
