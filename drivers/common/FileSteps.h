@@ -12,9 +12,9 @@ class SndFile;
 /// One step of a channel from a file of its queue to the next.
 struct FileStep
 {
-    SndFile* oldFile;
-    SndFile* newFile;
-    std::int64_t position; ///< Sample frames of the channel's stream that stand before the new file's first.
+    SndFile* oldFile; ///< The file that was read to its end.
+    SndFile* newFile; ///< The file that is read from now on.
+    std::int64_t position; ///< Sample frames of the channel's stream before the new file's first.
     std::int64_t oldEnd; ///< And before the end of the old one: fewer, if effects made sound in between.
 };
 
@@ -26,6 +26,7 @@ struct FileStep
 class FileSteps
 {
 public:
+    /// The steps from the oldest to the newest.
     bool IsEmpty() const { return steps.empty(); }
     const FileStep& GetOldest() const { return steps.front(); }
     auto begin() const { return steps.begin(); }

@@ -18,6 +18,7 @@ class SndFile;
 class QueueReader
 {
 public:
+    /// What a read has given.
     enum class Result
     {
         Data, ///< Sample frames of one file stand in the buffer, in the format that the file has now.

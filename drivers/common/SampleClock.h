@@ -24,6 +24,7 @@ public:
     /// What is left over, as a part of a sample frame.
     double GetRemainder() const { return static_cast<double>(thousandths) / 1000.0; }
 
+    /// Drops the remainder.
     void Reset() { thousandths = 0; }
 
 private:

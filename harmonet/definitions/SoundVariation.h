@@ -27,12 +27,13 @@ enum class SoundStealing : std::uint8_t
 struct SoundVariation
 {
     EngineVector<PString> variants; ///< Sound files besides SoundResource::GetFileName().
-    VariantOrder order = VariantOrder::Random;
-    float minGainDb = 0.0F; ///< Added to the gain; the sum is at most a gain of 1.
-    float maxGainDb = 0.0F;
-    float minFrequencyFactor = 1.0F; ///< By which the rate is multiplied.
-    float maxFrequencyFactor = 1.0F;
+    VariantOrder order = VariantOrder::Random; ///< How the next one is chosen.
+    float minGainDb = 0.0F; ///< Minimum of what is added to the gain; the sum is at most a gain of 1.
+    float maxGainDb = 0.0F; ///< Maximum of that.
+    float minFrequencyFactor = 1.0F; ///< Minimum of the factor on the rate.
+    float maxFrequencyFactor = 1.0F; ///< Maximum of that.
 
+    /// Whether two starts can differ, in gain, in rate, or in anything.
     bool VariesGain() const { return minGainDb != 0.0F || maxGainDb != 0.0F; }
     bool VariesFrequency() const { return minFrequencyFactor != 1.0F || maxFrequencyFactor != 1.0F; }
     bool VariesAnything() const { return !variants.empty() || VariesGain() || VariesFrequency(); }
@@ -42,9 +43,10 @@ struct SoundVariation
 struct SoundLimits
 {
     int maxInstances = 0; ///< Sounds that run at once; 0 for any number.
-    SoundStealing stealing = SoundStealing::Oldest;
+    SoundStealing stealing = SoundStealing::Oldest; ///< Which sound gives way when there are too many.
     int minIntervalMs = 0; ///< Between two starts.
 
+    /// Whether a start can be refused.
     bool LimitsAnything() const { return maxInstances > 0 || minIntervalMs > 0; }
 };
 
