@@ -1,5 +1,6 @@
 #include "drivers/openal/ReverbRecords.h"
 
+#include "drivers/openal/effects/Defaults.h"
 #include "drivers/openal/effects/Units.h"
 
 #include <algorithm>
@@ -19,10 +20,6 @@ constexpr std::int32_t silence = -10000;
 constexpr FXEnvReverb fallback = {
     -1000, -100, 0.0F, 1.49F, 0.83F, -2602, 0.007F, 200, 0.011F, 100.0F, 100.0F, 5000.0F};
 
-// Of AL_EAXREVERB_REFLECTIONS_GAIN, 3.16, and of AL_EAXREVERB_LATE_REVERB_GAIN, 10.
-constexpr std::int32_t loudestReflections = 1000;
-constexpr std::int32_t loudestReverb = 2000;
-
 /// The late reverb of OpenAL in steady noise by its decay time, in dB of the one at 1.49 s in version 1.19.
 struct LateLevel
 {
@@ -37,9 +34,9 @@ constexpr LateLevel newLateLevels[] = {{0.1F, 4.4F}, {0.5F, 4.4F}, {1.0F, 4.2F},
     {2.91F, 3.2F}, {4.32F, 2.6F}, {7.24F, 1.7F}, {10.0F, 1.1F}, {17.23F, 0.1F}, {20.0F, -0.2F}};
 constexpr float loudestLateGain = 10.0F;
 
-std::int32_t HoldLevel(std::int32_t level, std::int32_t loudest = 0)
+std::int32_t HoldLevel(std::int32_t level)
 {
-    return std::clamp(level, silence, loudest);
+    return std::clamp(level, silence, std::int32_t{0});
 }
 
 /// Something in the way: `all` of its level from high frequencies, a part of it from the low ones.
@@ -75,20 +72,11 @@ auto GetFields(const FXEnvReverb& room)
 
 FXEnvReverb HoldReverb(const FXEnvReverb& wanted)
 {
-    FXEnvReverb held = wanted;
-    held.room = HoldLevel(wanted.room);
-    held.roomHF = HoldLevel(wanted.roomHF);
-    held.roomRolloffFactor = Hold(wanted.roomRolloffFactor, 0.0F, 10.0F, fallback.roomRolloffFactor);
-    held.decayTime = Hold(wanted.decayTime, 0.1F, 20.0F, fallback.decayTime);
-    held.decayHFRatio = Hold(wanted.decayHFRatio, 0.1F, 2.0F, fallback.decayHFRatio);
-    held.reflections = HoldLevel(wanted.reflections, loudestReflections);
-    held.reflectionsDelay = Hold(wanted.reflectionsDelay, 0.0F, 0.3F, fallback.reflectionsDelay);
-    held.reverb = HoldLevel(wanted.reverb, loudestReverb);
-    held.reverbDelay = Hold(wanted.reverbDelay, 0.0F, 0.1F, fallback.reverbDelay);
-    held.diffusion = Hold(wanted.diffusion, 0.0F, 100.0F, fallback.diffusion);
-    held.density = Hold(wanted.density, 0.0F, 100.0F, fallback.density);
-    held.hfReference = Hold(wanted.hfReference, 1000.0F, 20000.0F, fallback.hfReference);
-    return held;
+    FXEnvReverb clamped = ClampToRanges(SndFXEnvReverb, wanted, fallback);
+    // Of AL_EAXREVERB_HFREFERENCE.
+    constexpr float lowestReferenceHz = 1000.0F;
+    clamped.hfReference = std::max(clamped.hfReference, lowestReferenceHz);
+    return clamped;
 }
 
 bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other)

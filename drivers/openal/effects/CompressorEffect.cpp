@@ -14,17 +14,6 @@ namespace Quon
 namespace
 {
 
-FXCompressor HoldCompressor(const FXCompressor& wanted)
-{
-    const auto& fallback = GetDefault<FXCompressor>(SndFXCompressor);
-    return {Hold(wanted.gain, -60.0F, 60.0F, fallback.gain),
-        Hold(wanted.attack, 0.01F, 500.0F, fallback.attack),
-        Hold(wanted.release, 50.0F, 3000.0F, fallback.release),
-        Hold(wanted.threshold, -60.0F, 0.0F, fallback.threshold),
-        Hold(wanted.ratio, 1.0F, 100.0F, fallback.ratio),
-        Hold(wanted.predelay, 0.0F, 4.0F, fallback.predelay)};
-}
-
 float GetStep(float timeConstantMs, int rateHz)
 {
     return static_cast<float>(-std::expm1(-1.0 / ToSampleFrames(timeConstantMs, rateHz)));
@@ -45,7 +34,7 @@ constexpr std::size_t pieceFrames = 64;
 } // namespace
 
 CompressorEffect::CompressorEffect(const FXCompressor& wanted, const PcmLayout& pcmLayout)
-    : EffectWith(HoldCompressor(wanted), pcmLayout)
+    : EffectWith(ClampToRanges(SndFXCompressor, wanted), pcmLayout)
     , gain(ToFactor(parameters.gain))
     , threshold(ToFactor(parameters.threshold))
     , slope(1.0F / parameters.ratio - 1.0F)

@@ -11,16 +11,14 @@ namespace Quon
 namespace
 {
 
-FXDistortion HoldDistortion(const FXDistortion& wanted, int rateHz)
+FXDistortion ClampDistortion(const FXDistortion& wanted, int rateHz)
 {
-    const auto& fallback = GetDefault<FXDistortion>(SndFXDistortion);
-    const float highestHz = std::min(8000.0F, GetHighestFilterHz(rateHz));
-    const auto holdHz = [highestHz](
-                            float hz, float fallbackHz) { return Hold(hz, 100.0F, highestHz, fallbackHz); };
-    return {Hold(wanted.gain, -60.0F, 0.0F, fallback.gain), Hold(wanted.edge, 0.0F, 100.0F, fallback.edge),
-        holdHz(wanted.postEQCenterFrequency, fallback.postEQCenterFrequency),
-        holdHz(wanted.postEQBandwidth, fallback.postEQBandwidth),
-        holdHz(wanted.preLowpassCutoff, fallback.preLowpassCutoff)};
+    FXDistortion clamped = ClampToRanges(SndFXDistortion, wanted);
+    const float highestHz = GetHighestFilterHz(rateHz);
+    clamped.postEQCenterFrequency = std::min(clamped.postEQCenterFrequency, highestHz);
+    clamped.postEQBandwidth = std::min(clamped.postEQBandwidth, highestHz);
+    clamped.preLowpassCutoff = std::min(clamped.preLowpassCutoff, highestHz);
+    return clamped;
 }
 
 float GetBend(float edgePercent)
@@ -34,7 +32,7 @@ float GetBend(float edgePercent)
 } // namespace
 
 DistortionEffect::DistortionEffect(const FXDistortion& wanted, const PcmLayout& pcmLayout)
-    : EffectWith(HoldDistortion(wanted, pcmLayout.rateHz), pcmLayout)
+    : EffectWith(ClampDistortion(wanted, pcmLayout.rateHz), pcmLayout)
     , gain(ToFactor(parameters.gain))
     , bend(GetBend(parameters.edge))
     , lowPass(BiquadFactors::MakeLowPass(parameters.preLowpassCutoff, layout.rateHz))

@@ -11,18 +11,6 @@ namespace Quon
 namespace
 {
 
-FXEcho HoldEcho(const FXEcho& wanted)
-{
-    const auto& fallback = GetDefault<FXEcho>(SndFXEcho);
-    constexpr float shortestMs = 1.0F;
-    constexpr float longestMs = 2000.0F;
-    return {Hold(wanted.wetDryMix, 0.0F, 100.0F, fallback.wetDryMix),
-        Hold(wanted.feedback, 0.0F, 100.0F, fallback.feedback),
-        Hold(wanted.leftDelay, shortestMs, longestMs, fallback.leftDelay),
-        Hold(wanted.rightDelay, shortestMs, longestMs, fallback.rightDelay),
-        std::clamp(wanted.panDelay, 0, 1)};
-}
-
 int CountDelay(float ms, int rateHz)
 {
     return std::max(static_cast<int>(std::lround(ToSampleFrames(ms, rateHz))), 1);
@@ -31,7 +19,7 @@ int CountDelay(float ms, int rateHz)
 } // namespace
 
 EchoEffect::EchoEffect(const FXEcho& wanted, const PcmLayout& pcmLayout)
-    : EffectWith(HoldEcho(wanted), pcmLayout)
+    : EffectWith(ClampToRanges(SndFXEcho, wanted), pcmLayout)
     , wetPart(ToPart(parameters.wetDryMix))
     , feedback(ToPart(parameters.feedback))
     , delays{CountDelay(parameters.leftDelay, layout.rateHz),

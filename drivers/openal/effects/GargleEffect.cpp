@@ -14,17 +14,17 @@ enum WaveShape
     Square = 1
 };
 
-FXGargle HoldGargle(const FXGargle& wanted, int rateHz)
+FXGargle ClampGargle(const FXGargle& wanted, int rateHz)
 {
-    const int fastest = std::clamp(rateHz / 2, 1, 1000);
-    return {
-        std::clamp(wanted.rateHz, 1, fastest), std::clamp<std::int32_t>(wanted.waveShape, Triangle, Square)};
+    FXGargle clamped = ClampToRanges(SndFXGargle, wanted);
+    clamped.rateHz = std::min(clamped.rateHz, std::max(rateHz / 2, 1));
+    return clamped;
 }
 
 } // namespace
 
 GargleEffect::GargleEffect(const FXGargle& wanted, const PcmLayout& pcmLayout)
-    : EffectWith(HoldGargle(wanted, pcmLayout.rateHz), pcmLayout)
+    : EffectWith(ClampGargle(wanted, pcmLayout.rateHz), pcmLayout)
     , oscillator(parameters.rateHz, layout.rateHz)
 {
 }

@@ -11,19 +11,17 @@ namespace
 
 constexpr double semitonesPerOctave = 12.0;
 
-FXParamEq HoldParamEq(const FXParamEq& wanted, int rateHz)
+FXParamEq ClampParamEq(const FXParamEq& wanted, int rateHz)
 {
-    const auto& fallback = GetDefault<FXParamEq>(SndFXParamEq);
-    const float highestHz = std::min(16000.0F, GetHighestFilterHz(rateHz));
-    return {Hold(wanted.center, 80.0F, highestHz, fallback.center),
-        Hold(wanted.bandwidth, 1.0F, 36.0F, fallback.bandwidth),
-        Hold(wanted.gain, -15.0F, 15.0F, fallback.gain)};
+    FXParamEq clamped = ClampToRanges(SndFXParamEq, wanted);
+    clamped.center = std::min(clamped.center, GetHighestFilterHz(rateHz));
+    return clamped;
 }
 
 } // namespace
 
 ParamEqEffect::ParamEqEffect(const FXParamEq& wanted, const PcmLayout& pcmLayout)
-    : EffectWith(HoldParamEq(wanted, pcmLayout.rateHz), pcmLayout)
+    : EffectWith(ClampParamEq(wanted, pcmLayout.rateHz), pcmLayout)
     , peak(BiquadFactors::MakePeak(
           parameters.center, parameters.bandwidth / semitonesPerOctave, parameters.gain, layout.rateHz))
 {

@@ -57,17 +57,6 @@ private:
     std::array<DelayLine, Effect::maxChannels> lines;
 };
 
-/// The record of a chorus or a flanger with every field held to its range.
-template<class Record>
-Record HoldSweep(const Record& wanted, const Record& fallback, float longestDelayMs)
-{
-    return {Hold(wanted.wetDryMix, 0.0F, 100.0F, fallback.wetDryMix),
-        Hold(wanted.depth, 0.0F, 100.0F, fallback.depth),
-        Hold(wanted.feedback, -99.0F, 99.0F, fallback.feedback),
-        Hold(wanted.frequency, 0.0F, 10.0F, fallback.frequency), std::clamp(wanted.waveform, 0, 1),
-        Hold(wanted.delay, 0.0F, longestDelayMs, fallback.delay), std::clamp(wanted.phase, 0, 4)};
-}
-
 /// What the record of a chorus or a flanger says, which must be held to its ranges.
 template<class Record>
 SweptDelay::Settings ToSettings(const Record& record)

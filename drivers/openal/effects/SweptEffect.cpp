@@ -5,19 +5,13 @@
 namespace Quon
 {
 
-namespace
-{
-constexpr float longestChorusDelayMs = 20.0F;
-constexpr float longestFlangerDelayMs = 4.0F;
-} // namespace
-
 ChorusEffect::ChorusEffect(const FXChorus& wanted, const PcmLayout& pcmLayout)
-    : SweptEffect(HoldSweep(wanted, GetDefault<FXChorus>(SndFXChorus), longestChorusDelayMs), pcmLayout)
+    : SweptEffect(ClampToRanges(SndFXChorus, wanted), pcmLayout)
 {
 }
 
 FlangerEffect::FlangerEffect(const FXFlanger& wanted, const PcmLayout& pcmLayout)
-    : SweptEffect(HoldSweep(wanted, GetDefault<FXFlanger>(SndFXFlanger), longestFlangerDelayMs), pcmLayout)
+    : SweptEffect(ClampToRanges(SndFXFlanger, wanted), pcmLayout)
 {
 }
 

@@ -6,7 +6,7 @@
 namespace Quon
 {
 
-/// `value`, or `fallback` if it is no number, held to a range. If the range is empty, its upper end counts.
+/// `value`, or `fallback` if it is NaN, clamped to a range. If the range is empty, its upper end counts.
 inline float Hold(float value, float lowest, float highest, float fallback)
 {
     return std::min(std::max(std::isnan(value) ? fallback : value, lowest), highest);

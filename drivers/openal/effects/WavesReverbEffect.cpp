@@ -12,15 +12,6 @@ namespace Quon
 namespace
 {
 
-FXWavesReverb HoldWavesReverb(const FXWavesReverb& wanted)
-{
-    const auto& fallback = GetDefault<FXWavesReverb>(SndFXWavesReverb);
-    return {Hold(wanted.inGain, -96.0F, 0.0F, fallback.inGain),
-        Hold(wanted.reverbMix, -96.0F, 0.0F, fallback.reverbMix),
-        Hold(wanted.reverbTime, 0.001F, 3000.0F, fallback.reverbTime),
-        Hold(wanted.highFreqRTRatio, 0.001F, 0.999F, fallback.highFreqRTRatio)};
-}
-
 /// A short decay is that of a small room; in a large one it would be over before the first echo.
 double GetSize(const FXWavesReverb& parameters)
 {
@@ -57,7 +48,7 @@ WavesReverbEffect::Diffuser::Diffuser(const FXWavesReverb& parameters, int rateH
 }
 
 WavesReverbEffect::WavesReverbEffect(const FXWavesReverb& wanted, const PcmLayout& pcmLayout)
-    : EffectWith(HoldWavesReverb(wanted), pcmLayout)
+    : EffectWith(ClampToRanges(SndFXWavesReverb, wanted), pcmLayout)
     , dryGain(GetDryGain(parameters))
     , wetGain(ToFactor(parameters.inGain + parameters.reverbMix))
     , diffusers{Diffuser(parameters, layout.rateHz), Diffuser(parameters, layout.rateHz)}
