@@ -1,5 +1,5 @@
-# How Harmonet's targets are made. Everything that runs lands in one folder, bin/, so that the programs find
-# the libraries and the output drivers beside themselves without being installed.
+# Functions that define Harmonet's targets. All programs and libraries are built into one folder, bin/, so that the
+# programs find the libraries and drivers without being installed.
 
 include(GNUInstallDirs)
 
@@ -20,8 +20,7 @@ endif()
 set(HARMONET_DRIVER_INCLUDES "${CMAKE_INSTALL_INCLUDEDIR}/harmonet-drivers")
 set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
-# Nobody puts functions of his own in the place of the library's while a program is loaded, so that a call
-# inside a library need not go through the table where that could be done.
+# Symbols are not interposed at load time, so a call inside a library need not go through the procedure linkage table.
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT WIN32)
     add_compile_options(-fno-semantic-interposition)
     add_link_options(-Wl,-Bsymbolic-functions)
@@ -46,8 +45,8 @@ function(harmonet_driver target name)
     target_link_libraries(${target} PRIVATE harmonet)
 endfunction()
 
-# A test program test_<name>; each of its tests is known to CTest by its own name, or the program as a whole
-# where starting it is slow (HARMONET_TEST_EACH_PROGRAM). Those in HARMONET_THREADED_TESTS make up the target
+# A test program test_<name>. Each of its tests is registered with CTest by its own name, or the program as a whole where
+# starting it is slow (HARMONET_TEST_EACH_PROGRAM). Those in HARMONET_THREADED_TESTS make up the target
 # threaded_tests and carry the label "threaded", and those of them in HARMONET_LIVE_TESTS "threaded_live".
 function(harmonet_test name)
     add_executable(test_${name} ${ARGN})
@@ -68,9 +67,9 @@ function(harmonet_test name)
     endif()
 endfunction()
 
-# An interface target for headers that are the same for every platform, such as OpenAL's, in a cross build:
-# `folder` is copied from the machine that builds, alone, since what lies beside it is that machine's own. There
-# is no target if the machine has no such folder.
+# For cross builds: an interface target for headers that are the same on every platform, such as OpenAL's. Only `folder` is
+# copied from the build machine, since the folders beside it belong to that machine. Without such a folder there is no
+# target.
 function(harmonet_host_headers target folder)
     find_path(HARMONET_HOST_HEADERS_${folder} "${folder}" PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH)
     if(HARMONET_HOST_HEADERS_${folder})
