@@ -1,9 +1,10 @@
 #include "examples/scene/Report.h"
 
+#include <nlohmann/json.hpp>
+
 #include <algorithm>
 #include <cstdio>
 #include <fstream>
-#include <iomanip>
 
 namespace Scene
 {
@@ -68,23 +69,19 @@ void PrintTable(const SoundHistory& history)
 
 void WriteJson(const SoundHistory& history, const std::filesystem::path& path)
 {
+    nlohmann::ordered_json sounds = nlohmann::ordered_json::array();
+    for (const auto& [id, entry] : history.GetEntries()) {
+        nlohmann::ordered_json changes = nlohmann::ordered_json::array();
+        for (const SoundHistory::Change& change : entry.changes) {
+            changes.push_back(
+                {{"seconds", Seconds(change.atMs)}, {"state", SoundHistory::GetName(change.state)}});
+        }
+        sounds.push_back({{"id", id}, {"file", entry.file}, {"changes", changes}});
+    }
     std::ofstream out;
     out.exceptions(std::ios::failbit | std::ios::badbit);
     out.open(path);
-    out << std::fixed << std::setprecision(3) << "[";
-    const char* between = "\n";
-    for (const auto& [id, entry] : history.GetEntries()) {
-        out << between << R"(  {"id": )" << id << R"(, "file": ")" << entry.file << R"(", "changes": [)";
-        const char* comma = "";
-        for (const SoundHistory::Change& change : entry.changes) {
-            out << comma << R"({"seconds": )" << Seconds(change.atMs) << R"(, "state": ")"
-                << SoundHistory::GetName(change.state) << "\"}";
-            comma = ", ";
-        }
-        out << "]}";
-        between = ",\n";
-    }
-    out << "\n]\n";
+    out << sounds.dump(2) << '\n';
     out.close();
 }
 
