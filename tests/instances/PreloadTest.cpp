@@ -62,7 +62,7 @@ protected:
         EXPECT_EQ(file->ReadSamples(pcm, 1), 1);
     }
 
-    SndNodeCache& Cache() const { return *theKernel->GetDataCache(); }
+    SndNodeCache& Cache() const { return *GetRunningKernel()->GetDataCache(); }
 
     const std::shared_ptr<MemorySource> source = std::make_shared<MemorySource>();
 };
