@@ -18,8 +18,10 @@ public:
     ObserverLinks(const ObserverLinks&) = delete;
     ObserverLinks& operator=(const ObserverLinks&) = delete;
 
+    /// The observer has been added to that list.
     void Join(ObserverSubject<Observer>& subject) { subjects.Append(&subject); }
 
+    /// It has been removed from that list.
     void Leave(ObserverSubject<Observer>& subject)
     {
         auto place = subjects.GetBegin();
