@@ -1,6 +1,6 @@
 #pragma once
 
-/// HARMONET_API marks what a user of the library, or an output driver, may link to.
+/// HARMONET_API marks the symbols that users of the library and output drivers may link to.
 ///
 /// HARMONET_INTERNAL_API marks what the library's own tests, fuzzers and benchmarks link to besides. No
 /// installed header declares it, and it can change at any time. Everything else is hidden in the shared

@@ -9,13 +9,12 @@ namespace Quon
 
 class SoundFormat;
 
-/// The lowest and the highest playback rate that a channel takes, in Hz.
+/// The minimum and maximum playback rate of a channel, in Hz.
 inline constexpr unsigned long minRateHz = 100;
 inline constexpr unsigned long maxRateHz = 100000;
 
-/// The part of a channel that is the same in every driver: the places that nobody calls, and the answer "ask
-/// the sound" to every question for the live values of an effect. A driver that applies an effect overrides
-/// its getter. Task thread only.
+/// The part of a channel that is the same in every driver: the spare operations, and getters that report no
+/// live values of effects. A driver that applies an effect overrides its getter. Task thread only.
 class DriverChannel : public SndChannel
 {
 public:
@@ -36,20 +35,21 @@ public:
     bool GetFXWavesReverb(FXWavesReverb*) override { return false; }
 };
 
-/// Whether a driver takes sound data of this form: 1 to 4 bytes per sample, 1 to 64 channels, a rate of 1 to
-/// 768 000 Hz. Anything else comes from a broken or hostile file and gets no channel.
+/// Whether a driver plays sound data of this format: 1 to 4 bytes per sample, 1 to 64 channels, a rate of 1
+/// to 768 000 Hz. Anything else comes from a broken or hostile file and gets no channel.
 bool IsPlayable(const SoundFormat& format);
 
-/// Writes the message for sound data that are not playable; null, no data at all, has none. Task thread.
+/// Writes the message for sound data that are not playable; null, which means no data, writes none. Task
+/// thread.
 void ReportUnplayable(const SoundFormat* format);
 
-/// Whether SetFrequency() takes this rate; 0 stands for the file's own.
+/// Whether SetFrequency() accepts this rate; 0 means the file's own.
 inline bool IsRateAccepted(unsigned long hz)
 {
     return hz == 0 || (hz >= minRateHz && hz <= maxRateHz);
 }
 
-/// The time that `sampleFrames` last at `rateHz`, in milliseconds, truncated; 0 without a rate or frames.
+/// The duration of `sampleFrames` at `rateHz`, in milliseconds, truncated; 0 without a rate or sample frames.
 unsigned long ToMilliseconds(std::int64_t sampleFrames, int rateHz);
 
 } // namespace Quon

@@ -9,20 +9,20 @@ namespace Quon
 
 class SndFile;
 
-/// One step of a channel from a file of its queue to the next.
+/// A channel's transition from one file of its queue to the next.
 struct FileStep
 {
     SndFile* oldFile; ///< The file that was read to its end.
     SndFile* newFile; ///< The file that is read from now on.
     std::int64_t position; ///< Sample frames of the channel's stream before the new file's first.
-    std::int64_t oldEnd; ///< And before the end of the old one: fewer, if effects made sound in between.
+    std::int64_t oldEnd; ///< And before the end of the old file: fewer if effects sounded in between.
 };
 
-/// The steps that a channel has taken and not reported to the library yet, oldest first.
+/// The steps of a channel that have not been reported to the library yet, oldest first.
 ///
-/// A driver reads ahead: it steps to the next file when it reads from it and reports the step when it is
-/// heard. In between the old file still belongs to the sound. Owned by a channel; whoever shares it brings
-/// the lock. Allocates only when more steps are outstanding than ever before.
+/// A driver reads ahead: it steps to the next file when it reads from it and reports the step when it becomes
+/// audible. In between the old file still belongs to the sound. Owned by a channel, which must lock it if it
+/// is shared. Allocates only when more steps are outstanding than ever before.
 class FileSteps
 {
 public:
@@ -32,15 +32,16 @@ public:
     auto begin() const { return steps.begin(); }
     auto end() const { return steps.end(); }
     void Add(const FileStep& step) { steps.push_back(step); }
-    /// The oldest step is reported now.
+    /// Removes the oldest step, which is being reported.
     void DropOldest();
     void Clear();
 
-    /// Where the channel's `sndFile` has to stand when the channel is given back, so that the library finds
-    /// the whole chain after it: the file that was left by the oldest step, or `current` if there is none.
+    /// Returns the file that the channel's `sndFile` must be set to when the channel is returned, so that the
+    /// library finds the whole chain after it: the file before the oldest step, or `current` if there is
+    /// none.
     SndFile* GetOldestFile(SndFile* current) const;
 
-    /// Where in the stream the file of GetOldestFile() begins.
+    /// The position in the stream at which the file of GetOldestFile() begins.
     std::int64_t GetReportedPosition() const { return reportedPosition; }
 
 private:

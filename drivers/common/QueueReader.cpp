@@ -13,8 +13,8 @@ namespace
 
 constexpr int maxEmptyPasses = 2;
 
-// A stream can change its form in the middle of a read, but only to one of at most two channels of 16 bits:
-// its reader writes the new form at once, and the buffer must have room for it.
+// A stream can change its format in the middle of a read, but only to at most two channels of 16 bits: its
+// reader writes the new format at once, and the buffer must have room for it.
 int GetBufferFrames(const SoundFormat& format, int bytes)
 {
     return bytes / (std::max(format.GetChannels(), 2) * std::max(format.GetBytesPerSample(), 2));
@@ -46,7 +46,7 @@ QueueReader::Result QueueReader::Read(
                 return Result::Data;
             }
             const int given = std::clamp(file->ReadSamples(buffer, asked), 0, asked);
-            // Not at the first short read: a stream that changes its form ends a read at the change.
+            // Not at the first short read: a stream that changes its format ends a read at the change.
             fileOver = given == 0;
             if (given > 0) {
                 passGaveData = true;

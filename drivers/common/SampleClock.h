@@ -5,14 +5,14 @@
 namespace Quon
 {
 
-/// Turns steps of milliseconds into whole sample frames and keeps what is left over for the next step, so
-/// that the frames of any number of uneven steps add up to the floor of the exact sum. Owned by whoever
-/// counts; one thread.
+/// Converts steps of milliseconds to whole sample frames and keeps the remainder for the next step, so that
+/// the sample frames of any number of uneven steps add up to the floor of the exact sum. One thread at a
+/// time.
 class SampleClock
 {
 public:
-    /// The sample frames that are due after `elapsedMs` more milliseconds at `rateHz`. The rate may differ
-    /// from step to step: the remainder is kept as a part of a sample frame.
+    /// Returns the sample frames due after `elapsedMs` more milliseconds at `rateHz`. The rate may differ
+    /// from step to step: the remainder is kept as a fraction of a sample frame.
     std::uint64_t Advance(std::uint32_t elapsedMs, std::uint32_t rateHz)
     {
         thousandths += std::uint64_t{elapsedMs} * rateHz;
@@ -21,7 +21,7 @@ public:
         return sampleFrames;
     }
 
-    /// What is left over, as a part of a sample frame.
+    /// The remainder as a fraction of a sample frame.
     double GetRemainder() const { return static_cast<double>(thousandths) / 1000.0; }
 
     /// Drops the remainder.

@@ -60,12 +60,12 @@ unsigned long NullChannel::GetRemainLength()
 {
     const SyncLock lock(chanLock);
     const SndFile* const file = GetSndFile();
-    // A file that has been left but not yet reported is the one that the library asks about: nothing is left.
+    // While a step is unreported, the library still asks about the old file, which has nothing left.
     if (state == State::Free || !file || !steps.IsEmpty()) {
         return 0;
     }
-    // What comes after the end of a loop region counts as left, so that the place in the file follows from
-    // it.
+    // Data after the end of a loop region count as left, so that the position in the file can be computed
+    // from it.
     const int afterLoop = looping ? file->GetSoundSamples() - file->GetPassEnd() : 0;
     return ToMilliseconds(reader.GetFramesLeft(*this) + afterLoop, file->GetSampleFrequency());
 }
@@ -101,7 +101,7 @@ void NullChannel::Advance(std::uint32_t elapsedMs, std::span<unsigned char> scra
     Pull(CutLongStep(clock.Advance(heardMs, rateHz), rateHz), scratch);
 }
 
-// After a long halt of the host a loop need not be read through many times to end where it would.
+// After a long halt of the host, skip whole passes of a loop: they end at the same position.
 std::uint64_t NullChannel::CutLongStep(std::uint64_t sampleFrames, std::uint32_t rateHz) const
 {
     const SndFile* const file = GetSndFile();
@@ -119,7 +119,7 @@ std::uint64_t NullChannel::CutLongStep(std::uint64_t sampleFrames, std::uint32_t
 
 void NullChannel::Pull(std::uint64_t sampleFrames, std::span<unsigned char> scratch)
 {
-    // With nothing more to read the last round moves on from a file that has just come to its end.
+    // With nothing more to read, the last round advances from a file that has just reached its end.
     while (true) {
         const int wanted =
             static_cast<int>(std::min<std::uint64_t>(sampleFrames, std::numeric_limits<int>::max()));

@@ -11,20 +11,20 @@
 namespace Quon
 {
 
-/// A voice that nobody hears: it reads its file at the rate of the sound, in time with the updates, and
-/// throws the PCM away. Owned by the NullDriver, used again and again; task thread only.
+/// A voice without output: it reads its file at the rate of the sound, in time with the updates, and discards
+/// the PCM. Owned and reused by the NullDriver; task thread only.
 ///
-/// It reads nothing ahead, so its file stands exactly where a listener would be. A step to the next file is
-/// due as soon as the last sample frame of the old one has been read. Gain, position and the like have no
-/// effect and are not kept. Every channel can change its rate.
+/// It does not read ahead, so its file's position is exactly the playback position. A step to the next file
+/// is due as soon as the last sample frame of the old one has been read. Gain, position and the like have no
+/// effect and are not stored. Every channel can change its rate.
 class NullChannel final : public DriverChannel
 {
 public:
     void Play() override;
     void Stop() override;
-    /// The sound of a fade-in is the same as without one.
+    /// A fade-in has no effect.
     void FadeIn(int) override {}
-    /// A time of 0 or less ends the channel at the next EndUpdate().
+    /// A duration of 0 or less ends the channel at the next EndUpdate().
     void FadeOut(int ms) override;
     void SkipFade(int ms) override;
     unsigned long GetRemainLength() override;
@@ -33,24 +33,24 @@ public:
     void SetMinMaxDistance(float, float, bool) override {}
     void SetCone(float, float, float) override {}
     void SetDirection(const Vector3&) override {}
-    /// Takes 100 to 100 000 Hz, and 0 for the file's own rate.
+    /// Accepts 100 to 100 000 Hz, and 0 for the file's own rate.
     bool SetFrequency(unsigned long hz) override;
     unsigned long GetFrequency() override;
 
     bool IsFree() const { return state == State::Free; }
 
-    /// Makes a free channel ready to play `file`.
+    /// Prepares a free channel to play `file`.
     void Prepare(unsigned int flags, SndFile* file);
 
-    /// Plays on for `elapsedMs`. `scratch` takes the PCM that is read.
+    /// Plays for `elapsedMs`. `scratch` receives the PCM that is read.
     void Advance(std::uint32_t elapsedMs, std::span<unsigned char> scratch);
 
-    /// Gives the oldest step to another file that has not been reported. After true the step counts as
-    /// reported, so the event has to follow at once.
+    /// Takes the oldest unreported step to another file. If it returns true, the step counts as reported, so
+    /// the caller must report the event at once.
     bool TakeChange(SndFileChange& change);
 
-    /// Whether the channel has come to its end. After true it waits for Release(), which has to follow the
-    /// event.
+    /// Whether the channel has reached its end. If it returns true, the channel waits for Release(), which
+    /// must follow the event.
     bool TakeEnd();
     void Release();
 
@@ -58,7 +58,7 @@ private:
     enum class State
     {
         Free,
-        Ready, ///< Made, but not yet told to play.
+        Ready, ///< Prepared, but Play() has not been called.
         Playing,
         Ending ///< The end is being reported.
     };

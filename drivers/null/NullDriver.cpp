@@ -36,8 +36,8 @@ void NullDriver::BeginUpdate(unsigned long elapsedMs)
     }
 }
 
-// A callback may stop channels and start new ones, so the walks go by number and look at each channel as it
-// is when its turn comes.
+// A callback may stop channels and start new ones, so iterate by index and check each channel's current
+// state.
 void NullDriver::EndUpdate()
 {
     for (std::size_t i = 0; i < channels.size(); ++i) {

@@ -9,23 +9,23 @@
 namespace Quon
 {
 
-/// An output that makes no sound and takes no time of its own: its clock is the time that BeginUpdate() is
-/// given. For servers without sound and for tests: the same files, calls and times give the same reads and
-/// the same events, always. It needs no thread and no device. Task thread only.
+/// An output without sound and without a clock: time is what BeginUpdate() is given. For servers without
+/// sound and for tests: the same files, calls and times always produce the same reads and events. It needs no
+/// thread and no device. Task thread only.
 ///
-/// BeginUpdate() plays all channels on; EndUpdate() reports, first all changes of file and then all ends,
-/// each in the order of the channels, of which a new sound takes the first free one. A sound whose data have
-/// run out and are appended to in between goes on instead of ending.
+/// BeginUpdate() advances all channels; EndUpdate() reports first all changes of file and then all ends, each
+/// in the order of the channels, of which a new sound takes the first free one. If data are appended to an
+/// exhausted sound in between, it continues instead of ending.
 ///
-/// Channels are made when they are first needed, up to the number of SetMaxChannels(), and kept. Before that
-/// call there are none. It has no effects, and no capability.
+/// Channels are created when first needed, up to the number of SetMaxChannels(), and kept. Before that call
+/// there are none. The driver has no effects and no capabilities.
 class NullDriver final : public SndDriver
 {
 public:
     bool Open(OS* os, const SoundFormat* format, int streamLength, bool driverFlag) override;
     void SetCallback(SndDriverCallback newCallback, void* newUser) override;
     void SetMaxChannels(int count) override;
-    /// Times of 2^32 ms and more count as the largest below.
+    /// Times of 2^32 ms and more are clamped to the largest value below.
     void BeginUpdate(unsigned long elapsedMs) override;
     void EndUpdate() override;
     bool GetCaps(SoundCaps& caps) override;
@@ -38,7 +38,7 @@ public:
     float GetRolloffFactor() override { return rolloffFactor; }
     bool SetFXEnvReverb(const FXEnvReverb*, long, unsigned int) override { return false; }
     void ResetFXEnvReverb(unsigned int) override {}
-    /// Null beyond the number of channels, and for a file of no playable format.
+    /// Returns null if all channels are in use, or the file's format is not playable.
     SndChannel* CreateChannel(unsigned int flags, SndFile* file, SndFXList fx) override;
 
 private:

@@ -43,7 +43,7 @@ bool Acoustics::SetRoom(const FXEnvReverb* newRoom)
         return false;
     }
     const ContextScope scope(device);
-    room.Set(HoldReverb(*newRoom), device.GetTime(), device.GetTicksPerSecond());
+    room.Set(ClampReverb(*newRoom), device.GetTime(), device.GetTicksPerSecond());
     return true;
 }
 

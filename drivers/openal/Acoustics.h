@@ -11,11 +11,11 @@ namespace Quon
 
 class OutputDevice;
 
-/// All that the driver does with OpenAL's effects extension: the listener's room, the rooms of single sounds,
-/// and the filters on the ways there. Owned by the driver, used by its channels.
+/// The driver's use of OpenAL's effects extension: the listener's room, the rooms of single sounds, and the
+/// filters on the paths into them. Owned by the driver, used by its channels.
 ///
-/// What has been set is kept here and not in OpenAL: on a device that is opened anew Create() makes all of it
-/// again, and then each channel's SourceAcoustics has to be bound to its new source.
+/// The settings are stored here and not in OpenAL: on a newly opened device Create() restores all of them,
+/// and then each channel's SourceAcoustics must be bound to its new source.
 class Acoustics
 {
 public:
@@ -24,27 +24,28 @@ public:
     {
     }
 
-    /// To be called when a driver begins without a device: until there is one, all can be set that OpenAL has
-    /// as a rule.
+    /// Call it when a driver starts without a device: until there is one, everything that OpenAL normally
+    /// supports can be set.
     void Expect();
-    /// To be called when a device is open. False, and everything here does nothing, if it has no effects
-    /// extension or no send. Needs a ContextScope.
+    /// Call it when a device is open. If the device has no effects extension or no send, it returns false and
+    /// everything here does nothing. Needs a ContextScope.
     bool Create();
-    /// Before the device closes, after all its sources are gone. All can be set as before, for the next
-    /// device. Needs a ContextScope.
+    /// Call it before the device closes, after all its sources have been deleted. Settings can still be made,
+    /// for the next device. Needs a ContextScope.
     void Destroy();
 
-    /// How many reverbs a source can be sent to: 0 if nothing of this is to be had.
+    /// The number of reverbs that a source can be sent to; 0 if effects are not available.
     int GetSendCount() const { return sendCount; }
 
-    /// The listener's room. False, and nothing changes, without the extension or a record. Task thread.
+    /// Sets the listener's room. Returns false and changes nothing without the extension or a record. Task
+    /// thread.
     bool SetRoom(const FXEnvReverb* newRoom);
     void ResetRoom();
 
-    /// Lets the rooms change with time. Needs a ContextScope; the thread that pumps.
+    /// Advances the changes of rooms to `time`. Needs a ContextScope; pumping thread.
     void Tick(std::int64_t time);
 
-    /// Whether a room is being left or another one entered.
+    /// Whether a change of rooms is in progress.
     bool IsChanging() { return sendCount > 0 && (room.IsChanging() || ownRooms.IsChanging()); }
 
     Room& GetRoom() { return room; }
@@ -54,7 +55,7 @@ public:
 
 private:
     const OutputDevice& device;
-    /// Can change with the device. Publishes what Create() has made.
+    /// Can change with the device. Publishes the objects that Create() has created.
     std::atomic<int> sendCount = 0;
     SourceFilters filters;
     Room room;

@@ -9,7 +9,7 @@
 namespace Quon
 {
 
-/// The functions of OpenAL Soft that have to be asked for by name. A plain table, filled once when the driver
+/// The functions of OpenAL Soft that must be queried by name. A plain table, filled once when the driver
 /// opens and then only read, from any thread.
 struct AlExtensions
 {
@@ -19,13 +19,15 @@ struct AlExtensions
     LPALCRENDERSAMPLESSOFT renderSamples = nullptr;
     LPALDEFERUPDATESSOFT deferUpdates = nullptr;
     LPALPROCESSUPDATESSOFT processUpdates = nullptr;
-    LPALCGETINTEGER64VSOFT getInteger64v = nullptr; ///< Null where there is no clock of the device.
+    LPALCGETINTEGER64VSOFT getInteger64v = nullptr; ///< Null if the device has no clock.
 
     SoftVersion version = SoftVersion::New;
 
-    /// OpenAL itself, and what needs no device and no context. False if any of it is missing.
+    /// Loads OpenAL itself and the functions that need neither device nor context. Returns false if any is
+    /// missing.
     bool LoadGlobal();
-    /// What needs a device with a current context. False if any but the clock is missing.
+    /// Loads the functions that need a device with a current context. Returns false if any but the clock is
+    /// missing.
     bool LoadForDevice(ALCdevice* device);
 };
 

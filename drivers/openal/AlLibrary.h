@@ -3,11 +3,11 @@
 namespace Quon
 {
 
-/// Makes the functions of al.h and alc.h callable. A build that links to OpenAL Soft has them from the start;
-/// one that does not, as on Windows, loads the library at the first call that finds it: beside the engine
-/// library, or where the platform looks for libraries of a program. False if there is none; then no function
-/// of OpenAL may be called. A library that was loaded stays until the process ends, since it may have threads
-/// of its own. Task thread.
+/// Makes the functions of al.h and alc.h callable. In a build that links to OpenAL Soft they always are.
+/// Otherwise, as on Windows, the first successful call loads the library from beside the engine library, or
+/// from where the platform searches a program's libraries. Returns false if there is none; no function of
+/// OpenAL may be called then. A loaded library stays until the process ends, since it may have its own
+/// threads. Task thread.
 bool LoadAlLibrary();
 
 } // namespace Quon

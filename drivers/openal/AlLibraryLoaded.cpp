@@ -1,5 +1,5 @@
-// The functions of OpenAL that the driver calls, each of which hands over to the one of the same name in the
-// library that was loaded. A further one that the driver comes to use is added to the list below.
+// The functions of OpenAL that the driver calls, each of which forwards to the one of the same name in the
+// loaded library. Add further functions to the list below.
 
 #include "drivers/openal/AlLibrary.h"
 
@@ -59,7 +59,8 @@ namespace
 
 constexpr const char* libraryName = "OpenAL32.dll";
 
-/// The addresses in the library. Written by LoadAlLibrary() before any function is called, then only read.
+/// The addresses in the library. Written by LoadAlLibrary() before any function is called, and only read
+/// afterwards.
 struct Functions
 {
 #define HARMONET_AL_MEMBER(RESULT, NAME, PARAMETERS, ARGUMENTS) decltype(&::NAME) NAME = nullptr;
@@ -89,7 +90,7 @@ bool FindAll(DynamicLibrary& library)
     return areThere;
 }
 
-/// Never destroyed, so that the library stays.
+/// Never destroyed, so that the library stays loaded.
 DynamicLibrary& GetLibrary()
 {
     alignas(DynamicLibrary) static std::byte place[sizeof(DynamicLibrary)];

@@ -7,7 +7,7 @@ namespace Quon
 
 namespace
 {
-// For a device that does not tell when it mixes.
+// For a device that does not report when it mixes.
 constexpr std::int64_t presumedSettleTime = nanosecondsPerSecond / 10;
 } // namespace
 
@@ -32,7 +32,7 @@ bool AlSession::CreateContext(std::span<const ALCint> attributes, Hrtf hrtf)
     if (!device || !TryContext(attributes, hrtf)) {
         return false;
     }
-    // A device that cannot do it, at this rate for one, does something else for headphones instead.
+    // A device without HRTF, for example at this rate, would apply another headphone mode instead.
     if (hrtf == Hrtf::On && !AskHrtf()) {
         alcDestroyContext(context);
         if (!TryContext(attributes, Hrtf::Off)) {
@@ -77,7 +77,7 @@ std::int64_t AlSession::GetMixClock() const
     return clock;
 }
 
-// Two periods: a change can come just after the device has begun to mix one.
+// Two periods: a change can come just after the device has started to mix one.
 std::int64_t AlSession::AskSettleTime() const
 {
     ALCint periodsPerSecond = 0;

@@ -11,39 +11,38 @@
 namespace Quon
 {
 
-/// One open device of OpenAL with the one context that the driver makes on it; both are closed with the
-/// object. Owned by the OutputDevice. Opening leaves the contexts of the process and of the thread as they
-/// were.
+/// One open OpenAL device with the driver's only context on it; the destructor closes both. Owned by the
+/// OutputDevice. Opening does not change the current contexts of the process and the thread.
 class AlSession : public Allocated
 {
 public:
-    /// Takes `openedDevice` over; null will do, and then no context can be made. The functions of
+    /// Takes ownership of `openedDevice`. It may be null; no context can be created then. The functions of
     /// `globalExtensions` must be loaded.
     AlSession(ALCdevice* openedDevice, const AlExtensions& globalExtensions);
     AlSession(const AlSession&) = delete;
     AlSession& operator=(const AlSession&) = delete;
-    /// The context may not be current any more.
+    /// The context must not be current any more.
     ~AlSession();
 
-    /// Makes the context with these pairs of attribute and value, and with HRTF as it is asked for. Where
-    /// HRTF is asked for and cannot be had the context is made without. False if there can be no context, or
-    /// if OpenAL lacks what the driver needs.
+    /// Creates the context with these pairs of attribute and value and the requested HRTF mode. If HRTF is
+    /// requested but not available, the context is created without it. Returns false if no context can be
+    /// created, or if OpenAL lacks a function that the driver needs.
     bool CreateContext(std::span<const ALCint> attributes, Hrtf hrtf);
 
     ALCdevice* GetDevice() const { return device; }
     ALCcontext* GetContext() const { return context; }
     const AlExtensions& GetExtensions() const { return extensions; }
 
-    /// Whether positional sounds are worked out for two ears.
+    /// Whether positional sounds are rendered with HRTF.
     bool IsHrtfOn() const { return hrtfOn; }
 
     /// The rate at which the device mixes, in Hz.
     int GetRateHz() const { return rateHz; }
 
-    /// Grows, in nanoseconds, as the device mixes. A setting made at one value has been heard in full when
-    /// the value has grown by GetSettleTime().
+    /// A clock in nanoseconds that advances as the device mixes. A setting has taken full effect when the
+    /// clock has advanced by GetSettleTime() since it was made.
     std::int64_t GetMixClock() const;
-    /// Whether that is a clock of the device; otherwise it is the machine's.
+    /// Whether that is the device's clock; otherwise it is the machine's.
     bool HasMixClock() const { return extensions.getInteger64v != nullptr; }
     std::int64_t GetSettleTime() const { return settleTime; }
 

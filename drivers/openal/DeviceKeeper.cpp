@@ -30,7 +30,7 @@ void DeviceKeeper::NoticeLoss()
     if (!device.HasSession() || device.IsConnected()) {
         return;
     }
-    std::unique_ptr<AlSession> lost; // Closed last, with no lock held.
+    std::unique_ptr<AlSession> lost; // Closed at the end, without holding a lock.
     const ContextScope scope(device);
     voices.GoSilent();
     acoustics.Destroy();

@@ -15,12 +15,12 @@ class OpenALChannel;
 class OutputDevice;
 class VoicePool;
 
-/// Sees to it that a live output has a device: notices when the device goes away, lets all voices run on in
-/// silence, and looks for another, on which it makes everything again. Owned by the Feeder and used by its
-/// thread alone, with no ContextScope.
+/// Keeps a live output supplied with a device: detects the loss of the device, lets all voices continue in
+/// silence, and looks for another device, on which it restores everything. Owned by the Feeder and used by
+/// its thread alone, without a ContextScope.
 ///
-/// The slow parts, opening and closing, are done with no lock held. The task thread has to wait while the
-/// voices change over, which is some calls of OpenAL for each.
+/// The slow parts, opening and closing, are done without holding a lock. The task thread must wait while the
+/// voices switch devices, which takes a few OpenAL calls per voice.
 class DeviceKeeper : public Allocated
 {
 public:
@@ -28,15 +28,15 @@ public:
 
     DeviceKeeper(OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics);
 
-    /// Who has to be told. Before all else.
+    /// Sets the channels to notify. Call it before any other function.
     void SetChannels(Channels allChannels) { channels = allChannels; }
 
-    /// Goes over to silence if the device has gone. Once a round, before the channels are pumped.
+    /// Switches to silence if the device is lost. Called once per round, before the channels are pumped.
     void NoticeLoss();
 
-    /// Without a device, looks for one: at once after the loss, each second for half a minute, then every
-    /// five seconds, since a machine that has none may write a complaint each time. With the device that has
-    /// been found `catchUp` is called, to pump the channels up to the present, and all voices go over to it.
+    /// Looks for a device if there is none: at once after the loss, each second for half a minute, then every
+    /// five seconds, since OpenAL may print an error each time on a machine without one. When a device is
+    /// found, `catchUp` is called to pump the channels up to the present, and all voices switch to it.
     void LookForDevice(const std::function<void()>& catchUp);
 
 private:

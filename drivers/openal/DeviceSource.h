@@ -5,22 +5,22 @@
 namespace Quon
 {
 
-/// Where a live output gets its device from: the only questions that the driver has for the machine. A driver
-/// is given one and does not own it; a test can take its place and play a machine whose sound card comes and
-/// goes.
+/// The source of a live output's device. A driver receives one and does not own it; a test can override it to
+/// simulate a machine whose device comes and goes.
 class DeviceSource
 {
 public:
     virtual ~DeviceSource() = default;
 
-    /// The machine's default device, or null; the caller closes it. Can take a while. From one thread at a
-    /// time: the task thread when the driver opens, and the driver's own later.
+    /// Opens the machine's default device; the caller closes it. Returns null on failure. Can take a while.
+    /// Called by one thread at a time: the task thread when the driver opens, and the driver's own thread
+    /// later.
     virtual ALCdevice* Open();
 
-    /// Whether a device that Open() gave is still there. An OpenAL that cannot tell says that it is.
+    /// Whether a device returned by Open() is still connected. Returns true if OpenAL cannot determine it.
     virtual bool IsConnected(ALCdevice* device);
 
-    /// The machine itself.
+    /// The source for the real machine.
     static DeviceSource& GetMachine();
 };
 

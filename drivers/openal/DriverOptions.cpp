@@ -18,7 +18,7 @@ constexpr const char* resamplingOption = "OpenALResampling";
 constexpr const char* handoverFadeOption = "OpenALHandoverFade";
 constexpr const char* startTimesOption = "OpenALKeepStartTimes";
 constexpr const char* renderThreadsOption = "OpenALRenderThreads";
-constexpr int mostRenderThreads = 16;
+constexpr int maxRenderThreads = 16;
 constexpr int longestHandoverFadeMs = 100;
 
 int ReadInt(const Options& options, const char* name, int standard)
@@ -61,7 +61,7 @@ DriverOptions ReadOptions(const OS* os)
     if (!options) {
         return read;
     }
-    // A path can hold anything but the end of a line.
+    // A path can contain any character except a line break.
     options->SetSeperators(renderOption, "\n");
     read.isRendered = options->GetNext(renderOption, read.renderPath);
     read.hrtf = ReadHrtf(*options);
@@ -70,7 +70,7 @@ DriverOptions ReadOptions(const OS* os)
     read.handoverFadeMs =
         std::clamp(ReadInt(*options, handoverFadeOption, read.handoverFadeMs), 0, longestHandoverFadeMs);
     read.renderThreads =
-        std::clamp(ReadInt(*options, renderThreadsOption, read.renderThreads), 1, mostRenderThreads);
+        std::clamp(ReadInt(*options, renderThreadsOption, read.renderThreads), 1, maxRenderThreads);
     read.keepsStartTimes = ReadInt(*options, startTimesOption, 1) != 0;
     return read;
 }

@@ -7,7 +7,7 @@ namespace Quon
 
 class OS;
 
-/// Whether positional sounds are worked out for two ears, for headphones ("head-related transfer function").
+/// Whether positional sounds are rendered binaurally, with a head-related transfer function, for headphones.
 enum class Hrtf
 {
     DeviceDefault,
@@ -15,30 +15,30 @@ enum class Hrtf
     On
 };
 
-/// How sounds are converted to the rate of the output.
+/// The quality of the conversion to the output's rate.
 enum class RateGrade
 {
-    Fast, ///< By OpenAL's mixer, in a straight line between sample frames.
-    Good, ///< By libsoxr, with a clean band up to 0.9 of the lower half rate.
-    Best ///< The same with its best filter.
+    Fast, ///< By OpenAL's mixer, with linear interpolation.
+    Good, ///< By libsoxr, with a passband up to 0.9 of the lower Nyquist frequency.
+    Best ///< By libsoxr, with its best filter.
 };
 
-/// What the engine's options tell this driver. A plain value, read once when the driver opens.
+/// The engine's options for this driver. A plain value, read once when the driver opens.
 struct DriverOptions
 {
     bool isRendered = false; ///< "OpenALRender" names a file.
     String renderPath;
     Hrtf hrtf = Hrtf::DeviceDefault; ///< "OpenALHRTF": 0 off, 1 on, anything else the device's default.
-    bool fallback = false; ///< "OpenALFallback" is 1: a machine without a device will do.
+    bool fallback = false; ///< "OpenALFallback" is 1: also open without a device.
     RateGrade rateGrade = RateGrade::Good; ///< "OpenALResampling": 0 fast, 1 good, 2 best.
-    /// "OpenALHandoverFade", 0 to 100: how long a sound that is displaced fades out, and one that comes back
-    /// fades in.
+    /// "OpenALHandoverFade", 0 to 100: the duration of the fade-out of a displaced sound, and of the fade-in
+    /// of a resumed one.
     int handoverFadeMs = 30;
-    int renderThreads = 2; ///< "OpenALRenderThreads", 1 to 16: what reads and decodes for a rendered file.
+    int renderThreads = 2; ///< "OpenALRenderThreads", 1 to 16: threads that read and decode.
     bool keepsStartTimes = true; ///< Unless "OpenALKeepStartTimes" is 0.
 };
 
-/// All defaults without an OS or without options.
+/// Returns the defaults if there is no OS or it has no options.
 DriverOptions ReadOptions(const OS* os);
 
 } // namespace Quon

@@ -28,7 +28,7 @@ bool HasReverb(const EfxFunctions& efx)
 
 int EfxFunctions::Load()
 {
-    // Within a ContextScope that is the device of the thread's own context.
+    // Within a ContextScope this is the device of the thread's own context.
     ALCdevice* const device = alcGetContextsDevice(alcGetCurrentContext());
     if (!device || !alcIsExtensionPresent(device, ALC_EXT_EFX_NAME)) {
         return 0;

@@ -9,8 +9,8 @@
 namespace Quon
 {
 
-/// The functions of OpenAL's effects extension, which have to be asked for by name. A plain table, filled
-/// when a device is opened and then only read, from any thread.
+/// The functions of OpenAL's effects extension, which must be queried by name. A plain table, filled when a
+/// device is opened and then only read, from any thread.
 struct EfxFunctions
 {
     LPALGENEFFECTS genEffects = nullptr;
@@ -27,8 +27,8 @@ struct EfxFunctions
     LPALAUXILIARYEFFECTSLOTF slotf = nullptr;
     SoftVersion version = SoftVersion::New;
 
-    /// How many effects one source can be sent to; 0 if any of the functions is missing, or the reverb, which
-    /// a user's configuration can exclude. Needs a ContextScope.
+    /// Loads the functions and returns the number of effects that one source can be sent to; 0 if any
+    /// function is missing, or the reverb, which a user's configuration can exclude. Needs a ContextScope.
     int Load();
 };
 

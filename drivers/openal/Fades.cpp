@@ -5,13 +5,13 @@
 namespace Quon
 {
 
-void Rise::Start(double newDurationMs)
+void FadeInRamp::Start(double newDurationMs)
 {
     durationMs = std::max(newDurationMs, 0.0);
     elapsedMs = 0.0;
 }
 
-void Rise::Apply(std::span<float> pcm, int channels, double rateHz)
+void FadeInRamp::Apply(std::span<float> pcm, int channels, double rateHz)
 {
     if (durationMs == 0.0) {
         return;
@@ -30,14 +30,14 @@ void Rise::Apply(std::span<float> pcm, int channels, double rateHz)
     }
 }
 
-void Fall::Start(std::int64_t now, std::int64_t newLength)
+void FadeOutRamp::Start(std::int64_t now, std::int64_t newLength)
 {
     isRunning = true;
     begin = now;
     length = std::max<std::int64_t>(newLength, 0);
 }
 
-float Fall::GetLevel(std::int64_t time) const
+float FadeOutRamp::GetLevel(std::int64_t time) const
 {
     if (!isRunning) {
         return 1.0F;

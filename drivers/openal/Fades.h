@@ -6,43 +6,41 @@
 namespace Quon
 {
 
-/// A rise from silence to full level over a given time, in a straight line, worked into PCM before it is
-/// queued. One thread at a time.
-class Rise
+/// A linear fade-in from silence to full level, applied to PCM before it is queued. One thread at a time.
+class FadeInRamp
 {
 public:
-    /// Begins a rise of so many milliseconds; 0 or less is none.
+    /// Starts a fade-in of `newDurationMs`; 0 or less means none.
     void Start(double newDurationMs);
     void Cancel() { durationMs = 0.0; }
-    /// So many milliseconds of the rise are over.
+    /// Skips the first `ms` milliseconds of the fade-in.
     void Skip(double ms) { elapsedMs = ms; }
 
-    /// Scales the next sample frames, of `channels` samples each, that are to be heard at `rateHz`.
+    /// Scales the next sample frames, of `channels` samples each, that will be played at `rateHz`.
     void Apply(std::span<float> pcm, int channels, double rateHz);
 
 private:
-    double durationMs = 0.0; ///< 0: no rise.
+    double durationMs = 0.0; ///< 0: no fade-in.
     double elapsedMs = 0.0;
 };
 
-/// A fall from full level to silence, in a straight line, as a function of time in ticks of any length. A
-/// plain value.
-class Fall
+/// A linear fade-out from full level to silence as a function of time, in ticks of any length. A plain value.
+class FadeOutRamp
 {
 public:
-    /// Begins a fall at `now`. A `length` of 0 or less has fallen at once.
+    /// Starts a fade-out at `now`. With a length of 0 or less it is complete at once.
     void Start(std::int64_t now, std::int64_t newLength);
     void Cancel() { isRunning = false; }
-    /// So much of the length is over.
+    /// Skips the first `ticks` of the fade-out.
     void Skip(std::int64_t ticks) { begin -= ticks; }
 
-    /// Whether there is a fall, also one that is over.
+    /// Whether there is a fade-out, including a completed one.
     bool IsRunning() const { return isRunning; }
 
-    /// Whether there is a fall and it is over.
+    /// Whether there is a completed fade-out.
     bool IsOver(std::int64_t now) const { return isRunning && now >= begin + length; }
 
-    /// The factor at a time, 1 without a fall.
+    /// The gain factor at a time; 1 without a fade-out.
     float GetLevel(std::int64_t time) const;
 
 private:

@@ -21,7 +21,7 @@ constexpr std::int64_t tailMicroseconds = 60000;
 constexpr int blocksAhead = 5;
 static_assert(blocksAhead < Voice::bufferCount);
 
-// The last block goes in when the first of them has been heard.
+// The last block is queued when the first one has been played.
 PumpTargets MakeTargets(int readAheadMs)
 {
     const std::int64_t whole = std::int64_t{std::clamp(readAheadMs, minReadAheadMs, maxReadAheadMs)} * 1000;
@@ -83,8 +83,8 @@ void Feeder::Run()
     FinishFades();
 }
 
-// Before the output closes, the sounds that were stopped last fall silent. The thread may not wait for a
-// device that has stopped mixing.
+// Before the output closes, the sounds stopped last fade out. The thread must not wait for a device that has
+// stopped mixing.
 void Feeder::FinishFades()
 {
     const FeederScope scope(device);
@@ -94,7 +94,7 @@ void Feeder::FinishFades()
     }
 }
 
-// False when the thread is to end.
+// Returns false when the thread is to end.
 bool Feeder::WaitForRound()
 {
     std::unique_lock lock(mutex);

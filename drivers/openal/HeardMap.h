@@ -8,9 +8,9 @@
 namespace Quon
 {
 
-/// Which sample frame of a sound's stream is heard at a sample frame of what is queued: the two differ where
-/// the rate is converted, by silence before the sound, and by a change of rate in the middle. Owned by a
-/// channel, under its mutex for the output. Allocates until it has seen the deepest queue.
+/// Maps sample frames of the queue to sample frames of the sound's stream: the two differ by rate conversion,
+/// by silence before the sound, and by a change of rate in the middle. Owned by a channel and guarded by its
+/// output mutex. Allocates until it has reached the longest queue.
 class HeardMap
 {
 public:
@@ -21,13 +21,13 @@ public:
         end = {};
     }
 
-    /// A block was queued: its sample frames from number `queued` on, which follow what was queued before,
-    /// begin at `stream`.
+    /// Records a queued block: its sample frames begin at number `queued`, which follows the previous block,
+    /// and at `stream`.
     void Add(std::int64_t queued, double stream) { marks.push_back({queued, stream}); }
-    /// And all that is queued now ends here.
+    /// Records the end of everything queued so far.
     void SetEnd(std::int64_t queued, double stream) { end = {queued, stream}; }
 
-    /// The sample frame of the stream at a sample frame of the queue.
+    /// Returns the sample frame of the stream at a sample frame of the queue.
     double At(std::int64_t queued) const
     {
         if (marks.empty()) {
@@ -48,7 +48,7 @@ public:
         return from.stream + share * (to.stream - from.stream);
     }
 
-    /// Forgets what is over once `queued` is heard.
+    /// Drops the marks that are not needed from `queued` on.
     void DropBefore(std::int64_t queued)
     {
         const auto kept = std::find_if(

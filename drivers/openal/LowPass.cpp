@@ -11,13 +11,13 @@ namespace
 {
 
 constexpr double cornerHz = 1000.0;
-/// A filter cannot lie above half of the rate, nor close to it.
+/// The corner frequency must be well below half the rate.
 constexpr double highestCorner = 0.4;
 constexpr double rampsPerSecond = 20.0;
-/// So long the filter runs before it is heard.
+/// Time for which the filter runs before its output is used.
 constexpr double settleSeconds = 0.003;
 constexpr double damping = std::numbers::sqrt2;
-/// What is left of a sound that has gone silent and would become slow to compute with.
+/// Residues of a silent sound below this are cleared, since denormals would be slow to compute with.
 constexpr double inaudible = 1e-20;
 
 } // namespace

@@ -7,16 +7,17 @@
 namespace Quon
 {
 
-/// Tells what a device would mix at a time of the machine if it mixed without steps. A device mixes a period
-/// at once, some 20 ms, and not at even times; what is placed by its clock alone is off by as much.
+/// Estimates the mix position of a device at a time of the machine as if it mixed continuously. A device
+/// mixes a period of about 20 ms at once, at uneven times; sounds placed by its clock alone are off by as
+/// much.
 ///
-/// The two clocks run side by side, and the device's lags least just after it has mixed: the greatest
-/// distance seen is the true one. It is forgotten after some seconds, since the clocks drift. A plain value;
-/// nanoseconds.
+/// The two clocks run in parallel, and the device's lag is smallest just after it has mixed: the largest
+/// difference observed is the true one. It is discarded after some seconds, since the clocks drift. A plain
+/// value; nanoseconds.
 class MixTimeline
 {
 public:
-    /// The device's clock was at `mixed` at the time `now`.
+    /// Records that the device's clock was at `mixed` at the time `now`.
     void Observe(std::int64_t now, std::int64_t mixed)
     {
         if (now - begun > windowLength) {
@@ -27,7 +28,7 @@ public:
         present = std::max(present, mixed - now);
     }
 
-    /// What the device's clock would be at a time of the machine. After a first Observe().
+    /// The device's clock at a time of the machine. Needs a first Observe().
     std::int64_t ToMixed(std::int64_t time) const { return time + std::max(before, present); }
 
     void Reset() { *this = MixTimeline(); }

@@ -12,8 +12,8 @@ namespace Quon
 namespace
 {
 constexpr std::int64_t microsecondsPerSecond = 1000000;
-constexpr std::int64_t leastMicroseconds = 5000;
-/// What a sound that is displaced fades out with, at most.
+constexpr std::int64_t minBlockMicroseconds = 5000;
+/// The maximum data read ahead for the fade-out of a displaced sound.
 constexpr std::int64_t heldMicroseconds = 110000;
 constexpr int slicesPerSecond = 20;
 constexpr int fallsPerSecond = 200;
@@ -41,17 +41,17 @@ bool OfflineRenderer::Open(const char* path, int rateHz)
 void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
 {
     std::uint64_t left = clock.Advance(elapsedMs, static_cast<std::uint32_t>(rate));
-    // The frames of this call are short of its time by what is left over after it; sounds that begin in it
-    // began after the call before.
+    // The sample frames of this call are shorter than its time by the remainder after it; sounds that begin
+    // in it began after the previous call.
     device.SetRenderedFraction(fraction);
     fraction = clock.GetRemainder();
-    // What has been set since the last call takes hold within the first block.
+    // Settings made since the last call take effect within the first block.
     bool isFirst = true;
     while (left > 0) {
         const auto largest = static_cast<std::uint64_t>(rate / slicesPerSecond) + 1;
         const std::uint64_t slices = (left + largest - 1) / largest;
         const std::uint64_t slice = (left + slices - 1) / slices;
-        // To the end of the next one, which then finds all that it needs; and what a sound fades out with.
+        // To the end of the next slice, which then finds all that it needs, plus the data for a fade-out.
         crew.Begin(channels, 2 * microsecondsPerSecond / slicesPerSecond + heldMicroseconds);
         RenderSlice(slice, isFirst, channels);
         crew.Finish();
@@ -68,7 +68,7 @@ void OfflineRenderer::RenderSlice(std::uint64_t left, bool isFirst, Channels cha
         voices.Tick(device.GetTime());
         const auto largest = static_cast<std::uint64_t>(GetLargestBlock(isFirst, channels));
         isFirst = false;
-        // Even blocks: one of a few sample frames would be no time for a change of gain.
+        // Blocks of equal size: one of a few sample frames would be too short for a change of gain.
         const std::uint64_t blocks = (left + largest - 1) / largest;
         const std::uint64_t sampleFrames = (left + blocks - 1) / blocks;
         RenderBlock(static_cast<int>(sampleFrames), channels);
@@ -100,10 +100,10 @@ bool OfflineRenderer::IsAnythingChanging(Channels channels) const
 
 void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)
 {
-    // Rounded up, or a block could be one sample frame short.
+    // Rounded up; otherwise a block could be one sample frame short.
     const std::int64_t blockMicroseconds = (sampleFrames * microsecondsPerSecond + rate - 1) / rate;
     const PumpTargets ahead = {
-        blockMicroseconds, leastMicroseconds, 2 * blockMicroseconds, blockMicroseconds};
+        blockMicroseconds, minBlockMicroseconds, 2 * blockMicroseconds, blockMicroseconds};
     const std::int64_t blockEnd = device.GetTime() + sampleFrames;
     acoustics.Tick(blockEnd);
     voices.Tick(blockEnd);

@@ -10,29 +10,28 @@
 namespace Quon
 {
 
-/// Renders the output into a WAV file, as fast as it can: each call adds exactly the time that it is told.
-/// Over any number of calls the sample frames add up to the floor of the whole time. Owned by the driver;
-/// task thread.
+/// Renders the output to a WAV file as fast as possible: each call adds exactly the given time. Over any
+/// number of calls the sample frames add up to the floor of the total time. Owned by the driver; task thread.
 ///
-/// Blocks of at most 40 ms are mixed at a time; of 10 ms at the begin of a call, and while a sound fades or a
-/// room changes; and of 5 ms while a sound is falling silent. Beside the mixing other threads read and decode
-/// ahead: to the end of the next 50 ms, and what a sound needs to fade out after it.
+/// Blocks of at most 40 ms are mixed at a time; of 10 ms at the beginning of a call, and while a sound fades
+/// or a room changes; and of 5 ms while a stopped sound fades out. During mixing other threads read and
+/// decode ahead: to the end of the next 50 ms, plus the data for a fade-out after it.
 class OfflineRenderer : public Allocated
 {
 public:
     using Channels = std::span<const std::unique_ptr<OpenALChannel>>;
 
-    /// `threads` read and decode, the calling one among them.
+    /// `threads` is the number of threads that read and decode, including the calling one.
     OfflineRenderer(
         OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int threads);
 
-    /// False if the file cannot be made.
+    /// Returns false if the file cannot be created.
     bool Open(const char* path, int rateHz);
 
-    /// Needs a FeederScope. The file is whole afterwards.
+    /// Needs a FeederScope. The file is complete afterwards.
     void Render(std::uint32_t elapsedMs, Channels channels);
 
-    /// Whether the file has ended before the sound.
+    /// Whether the file has ended before the output.
     bool HasLostOutput() const { return !sink.IsOpen(); }
 
 private:
@@ -46,7 +45,7 @@ private:
     Acoustics& acoustics;
     int rate = 0;
     SampleClock clock;
-    double fraction = 0.0; ///< Left over by the clock at the end of the last call.
+    double fraction = 0.0; ///< Remainder of the clock at the end of the last call.
     WavSink sink;
     EngineVector<float> block;
     ReadCrew crew;

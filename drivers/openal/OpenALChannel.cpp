@@ -17,9 +17,9 @@ namespace
 
 constexpr std::int64_t microsecondsPerMillisecond = 1000;
 constexpr std::int64_t nanosecondsPerMicrosecond = 1000;
-/// A live sound is queued by another thread, which takes its time.
+/// A live sound is queued by another thread, with a delay.
 constexpr std::int64_t feederMicroseconds = 10000;
-/// A fade ends with the block that is mixed then.
+/// A fade ends with the block mixed at that time.
 constexpr int lastBlockMs = 10;
 
 } // namespace
@@ -63,7 +63,7 @@ bool OpenALChannel::Prepare(unsigned int flags, SndFile* file, const SndFXList& 
     convertedHz = feed.IsConverting() ? feed.GetBlockHz() : 0;
     playback = {};
     start = {};
-    isDry = false;
+    isExhausted = false;
     gain = 1.0F;
     isCutOut = false;
     fadeOut.Cancel();
@@ -79,7 +79,7 @@ void OpenALChannel::Play()
             start.time = GetSteadyNanoseconds();
         }
         {
-            // The sound may have gone to where it begins after the channel was made.
+            // The sound may have moved to its start position after the channel was created.
             const SyncLock lock(chanLock);
             const std::scoped_lock outputLock(outputMutex);
             UpdateFileEnd();
@@ -174,7 +174,7 @@ unsigned long OpenALChannel::GetRemainLength()
     }
     const std::int64_t end = steps.IsEmpty() ? fileEnd : steps.GetOldest().oldEnd;
     std::int64_t left = end - static_cast<std::int64_t>(GetStreamHeard());
-    // What is read can be a pass or more of a loop ahead of what is heard.
+    // Reading can be one or more passes of a loop ahead of playback.
     if (passLength > 0 && left > 0) {
         left -= std::min((left - 1) / passLength, wraps) * passLength;
     }
@@ -252,7 +252,7 @@ bool OpenALChannel::SetFrequency(unsigned long hz)
     const std::scoped_lock outputLock(outputMutex);
     playback.hz = hz;
     ApplySpeed();
-    // What is queued may not last until the next round now.
+    // The queue may not last until the next round now.
     WakeFeeder();
     return true;
 }
@@ -357,13 +357,13 @@ bool OpenALChannel::TakeEnd()
         const ContextScope scope(services.device);
         const std::scoped_lock outputLock(outputMutex);
         hasFaded = fadeOut.IsOver(services.device.GetTime());
-        const bool hasRunOut = isDry && steps.IsEmpty() && !voice->IsPlaying();
+        const bool hasRunOut = isExhausted && steps.IsEmpty() && !voice->IsPlaying();
         if (!hasFaded && !hasRunOut) {
             return false;
         }
     }
-    // A file may have been appended since the queue was last looked at. Of a queue that has run out nothing
-    // is being read, so the lock is free.
+    // A file may have been appended since the queue was last checked. An exhausted queue is not being read,
+    // so the lock is free.
     const SyncLock lock(chanLock);
     if (!hasFaded && !feed.GetReader().GetReader().IsAtEnd(*this)) {
         return false;

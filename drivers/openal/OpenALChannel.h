@@ -19,23 +19,23 @@ class OutputDevice;
 class Voice;
 class VoicePool;
 
-/// How far a channel is to read ahead of what is heard, in microseconds.
+/// How far a channel reads ahead of playback, in microseconds.
 struct PumpTargets
 {
-    std::int64_t target; ///< Blocks are queued until that much is ahead.
-    std::int64_t minBlock; ///< And each is at least that long,
-    std::int64_t maxBlock; ///< and at most that.
-    std::int64_t tailTarget; ///< Of effects that sound after the end: what is appended then waits that long.
+    std::int64_t target; ///< Blocks are queued until this much is ahead.
+    std::int64_t minBlock; ///< Minimum length of a block.
+    std::int64_t maxBlock; ///< Maximum length of a block.
+    std::int64_t tailTarget; ///< For the tail of effects; a file appended meanwhile waits that long.
 };
 
-/// The listener, as far as channels have to know of it. Task thread only.
+/// The listener's properties that channels need. Task thread only.
 struct Listener
 {
     Vector3 position;
     float rolloffFactor = 1.0F;
 };
 
-/// What a channel uses of its driver. All of it outlives the channel.
+/// The driver's services for a channel. All of them outlive the channel.
 struct ChannelServices
 {
     const DriverOptions& options;
@@ -44,66 +44,67 @@ struct ChannelServices
     VoicePool& voices;
     Acoustics& acoustics;
     const Listener& listener;
-    Feeder* feeder; ///< Null when the output is rendered by call.
+    Feeder* feeder; ///< Null if the output is rendered to a file.
 };
 
-/// One sound on the OpenAL output. Owned by the driver, in a fixed number, and used again and again.
+/// One sound on the OpenAL output. Owned by the driver, in a fixed number, and reused.
 ///
-/// The task thread makes all calls; beside it one thread pumps: it reads from the file, queues what it has
-/// read and carries out fades, with Pump(). Three kinds of members follow from that. Those of the task thread
-/// alone need no lock. Those of reading are under the channel's lock, which is held while a file is read.
-/// Those of the output are under `outputMutex`, which is not, so that setting a gain or asking for the
-/// remaining time never waits for the disk. The channel's lock is taken first, then a ContextScope, then the
-/// mutex.
+/// The task thread makes all calls except those of one pumping thread, which reads from the file, queues the
+/// data and performs fades, with Pump(). The members form three groups. Those used by the task thread alone
+/// need no lock. Those for reading are guarded by the channel's lock, which is held while a file is read.
+/// Those for the output are guarded by `outputMutex`, which is not, so that setting a gain or querying the
+/// remaining time never waits for the disk. The channel's lock is acquired first, then a ContextScope, then
+/// the mutex.
 ///
-/// The sound's insert effects work on what is read, before it is queued. When there is nothing more to read
-/// they sound on, until they have fallen by 60 dB or for 3 s, and only then the channel ends; the remaining
-/// length is 0 meanwhile. Stop() cuts that off.
+/// The sound's insert effects are applied to the data before they are queued. At the end of the data their
+/// tail follows, until it has decayed by 60 dB or for 3 s, and only then the channel ends; the remaining
+/// length is 0 meanwhile. Stop() cuts the tail off.
 ///
-/// A step to the next file is reported when the last sample frame before it has been heard. Stop() and the
-/// end of a fade put the files back to what was heard: `sndFile` to the oldest file that has not been
-/// reported as left, so that whoever owns the chain finds all of it, and each file to its first sample frame
-/// that has not been heard. So a sound that runs on without a channel is where time says.
+/// A step to the next file is reported when the last sample frame before it has been played. Stop() and the
+/// end of a fade reset the files to the playback position: `sndFile` to the oldest file whose step has not
+/// been reported, so that the owner of the chain finds all of it, and each file to its first sample frame
+/// that has not been played. A sound that continues as a virtual voice is thus at the right position.
 ///
-/// A channel that is stopped within an update has been taken from its sound, which fades out over the
-/// handover fade; one that is stopped between two updates was stopped by the game and falls silent over the
-/// next block that is mixed. Both use nothing but what has been read already.
+/// A channel stopped within an update has been taken from its sound, which fades out over the handover fade;
+/// one stopped between two updates was stopped by the game and fades out over the next block that is mixed.
+/// Both use only data that have been read already.
 class OpenALChannel final : public DriverChannel
 {
 public:
     explicit OpenALChannel(const ChannelServices& channelServices);
 
     void Play() override;
-    /// Waits for a read that is going on, and puts the files back; see above.
+    /// Waits for a read in progress and resets the files; see above.
     void Stop() override;
     void FadeIn(int ms) override;
-    /// A time of 0 or less ends the channel at the next update.
+    /// A duration of 0 or less ends the channel at the next update.
     void FadeOut(int ms) override;
     void SkipFade(int ms) override;
-    /// Counts by what the device has mixed, which is some milliseconds ahead of the ear.
+    /// Based on what the device has mixed, which is some milliseconds ahead of the audible output.
     unsigned long GetRemainLength() override;
-    /// Held to 0.0 to 1.0; what is no number is ignored.
+    /// Clamped to 0.0..1.0; NaN is ignored.
     void SetGain(float newGain) override;
-    /// These are ignored on a channel that is not positional, and so are values that are no numbers.
+    /// These are ignored on a non-positional channel, as is NaN.
     void SetPosition(const Vector3& newPosition) override;
     void SetMinMaxDistance(float minDistance, float maxDistance, bool cutout) override;
     void SetCone(float innerAngle, float outerAngle, float outerGain) override;
     void SetDirection(const Vector3& direction) override;
-    /// Takes 100 to 100 000 Hz, and 0 for the file's own rate, on every channel without insert effects; heard
-    /// after what is queued, or with the grade "fast" at once.
+    /// Accepts 100 to 100 000 Hz, and 0 for the file's own rate, on every channel without insert effects.
+    /// Takes effect after the queued data, or at once with the grade "fast".
     bool SetFrequency(unsigned long hz) override;
     unsigned long GetFrequency() override;
 
-    /// The way into the listener's room and the direct one, of a positional sound, where OpenAL has effects.
-    /// The getter tells those that are applied, each held to its range; false if none have been set.
+    /// Sets the direct path of a positional sound and its path into the listener's room, if OpenAL has
+    /// effects. The getter returns the applied properties, each clamped to its range; false if none have been
+    /// set.
     bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* wanted) override;
     bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* record) override;
-    /// The room that the sound brought with it, as it is applied. False if it has none, or if there was none
-    /// left when the sound started; it plays without then.
+    /// The sound's own room as it is applied. False if it has none, or if no room was available when the
+    /// sound started; it plays without one then.
     bool GetFXEnvReverbListenerProperties(FXEnvReverb* record) override;
 
-    /// These tell the parameters that are applied, each held to its range. False if the sound does not have
-    /// the effect. They wait for a read that is going on.
+    /// These return the applied parameters, each clamped to its range. False if the sound does not have the
+    /// effect. They wait for a read in progress.
     bool GetFXChorus(FXChorus* record) override { return GetParameters(record); }
     bool GetFXFlanger(FXFlanger* record) override { return GetParameters(record); }
     bool GetFXEcho(FXEcho* record) override { return GetParameters(record); }
@@ -113,11 +114,11 @@ public:
     bool GetFXGargle(FXGargle* record) override { return GetParameters(record); }
     bool GetFXWavesReverb(FXWavesReverb* record) override { return GetParameters(record); }
 
-    /// Heard after what is queued, with a ramp of 50 ms. Clamped to 0.0 to 1.0; NaN is ignored.
+    /// Takes effect after the queued data, with a ramp of 50 ms. Clamped to 0.0..1.0; NaN is ignored.
     void SetLowPass(float gainHF) override;
 
-    /// Held to 0.5 to 2.0, and the rate that comes of it to 100 to 100 000 Hz; NaN is ignored. Heard after
-    /// what is queued, with a glide of 50 ms, or with the grade "fast" at once.
+    /// Clamped to 0.5..2.0, and the resulting rate to 100..100 000 Hz; NaN is ignored. Takes effect after the
+    /// queued data, with a glide of 50 ms, or at once with the grade "fast".
     void SetPitch(float factor) override;
 
     void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds) override;
@@ -126,65 +127,63 @@ public:
 
     bool IsFree() const { return state == State::Free; }
 
-    /// Makes a free channel ready to play `file` with the effects of the list, which is copied. False, and it
-    /// stays free, if there is no voice for it.
+    /// Prepares a free channel to play `file` with the effects of the list, which is copied. Returns false
+    /// and leaves the channel free if no voice is available.
     bool Prepare(unsigned int flags, SndFile* file, const SndFXList& effects);
 
-    /// Follows a change of the listener's position or of the rolloff factor.
+    /// Handles a change of the listener's position or of the rolloff factor.
     void OnListenerMoved();
     void OnRolloffChanged();
 
-    /// Gives the oldest step to another file that has been heard and not reported. After true the step counts
-    /// as reported, so the event has to follow at once.
+    /// Takes the oldest unreported step to another file that has become audible. If it returns true, the step
+    /// counts as reported, so the caller must report the event at once.
     bool TakeChange(SndFileChange& change);
 
-    /// Whether the channel has come to its end. After true it waits for Release(), which has to follow the
-    /// event.
+    /// Whether the channel has reached its end. If it returns true, the channel waits for Release(), which
+    /// must follow the event.
     bool TakeEnd();
     void Release() { state = State::Free; }
 
-    // For the thread that pumps.
+    // For the pumping thread.
 
-    /// Whether the sound fades out, or is on its way into another room.
+    /// Whether the sound fades out or changes rooms.
     bool IsChanging();
 
-    /// The device has gone or come; the voice has changed already. Needs a ContextScope.
+    /// Called when the device has been lost or found, after the voice has changed. Needs a ContextScope.
     void OnDeviceChanged();
 
-    /// Reads and queues what is missing, plays on, and sets the level of a fade to what it is to be at `time`
-    /// on the device's clock. If `mayWait` is false and the channel's lock is taken, it does nothing this
-    /// time.
+    /// Reads and queues missing data, continues playback, and sets the level of a fade for `time` on the
+    /// device's clock. Does nothing if `mayWait` is false and the channel's lock is held elsewhere.
     void Pump(const PumpTargets& ahead, std::int64_t time, bool mayWait);
 
-    /// Reads a sound that has begun so many microseconds ahead of what is queued. Any thread, without a
-    /// ContextScope.
+    /// Reads a sound that has begun `microseconds` ahead of the queue. Any thread, without a ContextScope.
     void ReadAhead(std::int64_t microseconds);
 
 private:
     enum class State
     {
         Free,
-        Ready, ///< Made, but not yet told to play.
+        Ready, ///< Prepared, but Play() has not been called.
         Playing,
         Ending ///< The end is being reported.
     };
 
-    /// The next block: how many sample frames, and how they are played.
+    /// The size of the next block in sample frames, and how it is played.
     struct Wanted
     {
         int sampleFrames;
         Playback playback;
-        std::int64_t missing; ///< In all, for this block and further ones.
+        std::int64_t missing; ///< In total, for this block and further ones.
     };
 
     template<class Record>
     bool GetParameters(Record* record);
 
-    /// When the first sample frame is to be heard.
+    /// The time at which the first sample frame is to be played.
     struct Start
     {
-        bool isKept = false; ///< The game has told when it asked for the sound.
-        std::int64_t time = 0; ///< Of the machine, in nanoseconds; when Play() was called if it is not kept.
+        bool isKept = false; ///< SetStartTime() has been called.
+        std::int64_t time = 0; ///< On the machine's clock, in nanoseconds; the time of Play() if not kept.
         std::int64_t delay = 0; ///< In microseconds from Play(), for a rendered output.
     };
 
@@ -193,7 +192,7 @@ private:
     void PumpRound(const PumpTargets& ahead, std::int64_t time);
     void StartRound(std::int64_t time);
     Wanted CountWanted(const PumpTargets& ahead);
-    void QueueBlock(int sampleFrames, bool ranDry);
+    void QueueBlock(int sampleFrames, bool exhausted);
     void AppendToVoice(int sampleFrames);
     void TakeSteps();
     void UpdateFileEnd();
@@ -219,30 +218,30 @@ private:
     DistanceRange range;
     Cone cone;
 
-    // Under the channel's lock.
+    // Guarded by the channel's lock.
     PcmFeed feed;
 
-    /// Whether there is anything to pump. Tells the pumping thread which channels it can pass over; what it
-    /// then finds it looks at again under the lock. Publishes nothing.
+    /// Whether there is anything to pump. Lets the pumping thread skip channels; it checks again under the
+    /// lock. Publishes no other data.
     std::atomic<bool> isPumped = false;
 
-    std::mutex outputMutex; ///< Guards all that follows.
-    Voice* voice = nullptr; ///< Present in every state but Free and Ending.
+    std::mutex outputMutex; ///< Guards all members below.
+    Voice* voice = nullptr; ///< Set in every state but Free and Ending.
     SourceAcoustics acoustics;
     HeardMap heardMap;
     FileSteps steps;
-    std::int64_t fileEnd = 0; ///< Where the file that is read now ends, in sample frames of the stream.
+    std::int64_t fileEnd = 0; ///< End of the file being read, in sample frames of the stream.
     int passLength = 0; ///< Sample frames of a loop; 0 without one.
     int afterLoop = 0; ///< Sample frames of the file after the end of the loop.
-    std::int64_t wraps = 0; ///< How often the loop has begun anew before `fileEnd`.
+    std::int64_t wraps = 0; ///< Number of restarts of the loop before `fileEnd`.
     int fileRateHz = 0; ///< Of the stream.
-    int convertedHz = 0; ///< Of what is queued, if that is converted; otherwise 0.
+    int convertedHz = 0; ///< Of the queued data, if converted; otherwise 0.
     Playback playback;
     Start start;
-    bool isDry = false; ///< The last look at the queue found nothing to read.
+    bool isExhausted = false; ///< The last check of the queue found nothing to read.
     float gain = 1.0F;
     bool isCutOut = false;
-    Fall fadeOut;
+    FadeOutRamp fadeOut;
 };
 
 } // namespace Quon

@@ -1,4 +1,4 @@
-// How a channel is fed: what the thread that pumps does, and how far the sound has got.
+// Feeding a channel: the work of the pumping thread, and the playback position.
 
 #include "drivers/openal/OpenALChannel.h"
 #include "drivers/openal/OutputDevice.h"
@@ -17,17 +17,18 @@ namespace
 
 constexpr double microsecondsPerSecond = 1e6;
 constexpr std::int64_t nanosecondsPerMicrosecond = 1000;
-// The resampler looks some sample frames ahead, and a source that finds none there falls short of its end.
+// The resampler looks some sample frames ahead; a source without them ends too early.
 constexpr int resamplerFrames = 64;
 
-std::int64_t ToFrames(std::int64_t microseconds, double rateHz)
+std::int64_t CountSampleFrames(std::int64_t microseconds, double rateHz)
 {
     return static_cast<std::int64_t>(static_cast<double>(microseconds) * rateHz / microsecondsPerSecond);
 }
 
 int ToBlockFrames(std::int64_t microseconds, double rateHz)
 {
-    return static_cast<int>(std::min<std::int64_t>(ToFrames(microseconds, rateHz), PcmFeed::maxBlockFrames));
+    return static_cast<int>(
+        std::min<std::int64_t>(CountSampleFrames(microseconds, rateHz), PcmFeed::maxBlockFrames));
 }
 
 } // namespace
@@ -47,7 +48,7 @@ void OpenALChannel::Pump(const PumpTargets& ahead, std::int64_t time, bool mayWa
 bool OpenALChannel::IsChanging()
 {
     const std::scoped_lock outputLock(outputMutex);
-    return voice && (fadeOut.IsRunning() || acoustics.IsBehind());
+    return voice && (fadeOut.IsRunning() || acoustics.IsOutdated());
 }
 
 void OpenALChannel::PumpRound(const PumpTargets& ahead, std::int64_t time)
@@ -56,18 +57,18 @@ void OpenALChannel::PumpRound(const PumpTargets& ahead, std::int64_t time)
     if (!feed.GetReader().HasBegun()) {
         BeginSound();
     }
-    // A disk that is slower than the sound never gets the target read. Stop() must not wait for more than the
-    // read that is going on, nor other channels for more than a few.
+    // With a disk slower than the sound the target is never reached. Stop() must wait for the current read
+    // only, and other channels for a few at most.
     for (int blocks = 0; isPumped && blocks < Voice::bufferCount; ++blocks) {
         const Wanted wanted = CountWanted(ahead);
         if (wanted.sampleFrames == 0) {
             break;
         }
         const int given = feed.Fill(*this, wanted.sampleFrames, wanted.playback);
-        const bool ranDry = given < wanted.sampleFrames;
-        QueueBlock(given, ranDry);
-        // To ask OpenAL again would cost more than it could tell.
-        if (ranDry || wanted.missing <= given) {
+        const bool exhausted = given < wanted.sampleFrames;
+        QueueBlock(given, exhausted);
+        // Querying OpenAL again would cost more than it could gain.
+        if (exhausted || wanted.missing <= given) {
             break;
         }
     }
@@ -83,9 +84,10 @@ void OpenALChannel::ReadAhead(std::int64_t microseconds)
         return;
     }
     std::unique_lock outputLock(outputMutex);
-    const std::int64_t frames = ToFrames(microseconds, GetPlayedHz()) + RateConverter::lookahead;
+    const std::int64_t sampleFrames =
+        CountSampleFrames(microseconds, GetPlayedHz()) + RateConverter::lookahead;
     outputLock.unlock();
-    feed.ReadAhead(*this, frames);
+    feed.ReadAhead(*this, sampleFrames);
     outputLock.lock();
     TakeSteps();
 }
@@ -94,22 +96,22 @@ void OpenALChannel::BeginSound()
 {
     feed.Begin(*this);
     const std::scoped_lock outputLock(outputMutex);
-    // A stream tells its rate for certain only once it has been read from.
+    // The rate of a stream is certain only after a read.
     fileRateHz = feed.GetReader().GetRateHz();
     ApplySpeed();
     PlaceStart();
 }
 
-// A source begins with the block that is mixed next. Silence puts its sound to where it belongs; what comes
-// back can also have missed its time.
+// A source begins with the next block that is mixed. Silence delays its sound to the right time; a resumed
+// sound can also be late.
 void OpenALChannel::PlaceStart()
 {
     const bool isReturn = !start.isKept && feed.GetReader().BeganInside();
     if (!services.feeder) {
-        const double frames =
+        const double sampleFrames =
             services.device.GetRenderedFraction() * GetSpeedHz() / services.device.GetRateHz() +
             static_cast<double>(start.delay) * GetSpeedHz() / microsecondsPerSecond;
-        feed.Delay(start.isKept ? static_cast<int>(frames) : 0);
+        feed.Delay(start.isKept ? static_cast<int>(sampleFrames) : 0);
     }
     else if (start.isKept || isReturn) {
         const std::int64_t wait = services.device.HasSession() ? services.device.GetMixLag(start.time)
@@ -126,12 +128,12 @@ void OpenALChannel::StartRound(std::int64_t time)
 {
     const std::scoped_lock outputLock(outputMutex);
     ApplyGain(time);
-    if (acoustics.IsBehind() && !services.voices.IsDeferred()) {
+    if (acoustics.IsOutdated() && !services.voices.IsDeferred()) {
         acoustics.Follow(voice->IsPlaying());
     }
-    // The sound broke off because it was not read in time, or comes back with another device. Where it goes
-    // on it would click.
-    if (voice->TakeReturn() || (!isDry && voice->GetFramesQueued() > 0 && !voice->IsPlaying())) {
+    // The sound was interrupted because it was not read in time, or it resumes on another device. Without a
+    // fade-in it would click.
+    if (voice->TakeReturn() || (!isExhausted && voice->GetFramesQueued() > 0 && !voice->IsPlaying())) {
         feed.SoftenNext();
     }
     voice->Reclaim();
@@ -142,9 +144,9 @@ OpenALChannel::Wanted OpenALChannel::CountWanted(const PumpTargets& ahead)
 {
     const std::scoped_lock outputLock(outputMutex);
     const double speedHz = GetSpeedHz();
-    const std::int64_t isAhead = voice->GetFramesAhead();
+    const std::int64_t sampleFramesAhead = voice->GetFramesAhead();
     const std::int64_t target = feed.GetReader().GetTailFrames() > 0 ? ahead.tailTarget : ahead.target;
-    const std::int64_t missing = ToFrames(target, speedHz) + resamplerFrames - isAhead;
+    const std::int64_t missing = CountSampleFrames(target, speedHz) + resamplerFrames - sampleFramesAhead;
     if (missing <= 0 || !voice->HasRoom() || fadeOut.IsOver(services.device.GetTime())) {
         return {0, playback, 0};
     }
@@ -153,11 +155,11 @@ OpenALChannel::Wanted OpenALChannel::CountWanted(const PumpTargets& ahead)
     return {static_cast<int>(std::clamp<std::int64_t>(missing, minBlock, maxBlock)), playback, missing};
 }
 
-void OpenALChannel::QueueBlock(int sampleFrames, bool ranDry)
+void OpenALChannel::QueueBlock(int sampleFrames, bool exhausted)
 {
     const std::scoped_lock outputLock(outputMutex);
     AppendToVoice(sampleFrames);
-    isDry = ranDry;
+    isExhausted = exhausted;
     TakeSteps();
 }
 
@@ -185,19 +187,19 @@ void OpenALChannel::UpdateFileEnd()
     wraps = feed.GetReader().GetWraps();
 }
 
-// A source that runs out in the middle of its fade would click.
+// A source that is starved during its fade would click.
 void OpenALChannel::QueueFadeOut(std::int64_t microseconds)
 {
     if (!voice->IsPlaying() || !voice->HasRoom()) {
         return;
     }
-    const std::int64_t missing = ToFrames(microseconds, GetSpeedHz()) - voice->GetFramesAhead();
+    const std::int64_t missing = CountSampleFrames(microseconds, GetSpeedHz()) - voice->GetFramesAhead();
     if (missing > 0) {
         AppendToVoice(feed.FillFromHeld(static_cast<int>(missing), playback));
     }
 }
 
-// How many sample frames of what is queued go by in a second.
+// The number of queued sample frames played per second.
 double OpenALChannel::GetSpeedHz() const
 {
     return convertedHz != 0 ? convertedHz : GetPlayedHz();
@@ -213,7 +215,7 @@ double OpenALChannel::GetStreamHeard() const
     return heardMap.At(voice->GetFramesHeard());
 }
 
-// A device mixes in steps. Between two of them time goes on, and the sound with it.
+// A device mixes in steps; the playback position advances between them.
 double OpenALChannel::GetStreamDue() const
 {
     const OutputDevice& device = services.device;
@@ -223,13 +225,13 @@ double OpenALChannel::GetStreamDue() const
     std::int64_t heard = 0;
     std::int64_t lag = 0;
     std::int64_t mixed = 0;
-    // Until the device has mixed nothing in between.
+    // Repeat until the device has not mixed in between.
     do {
         mixed = device.GetMixClock();
         heard = voice->GetFramesHeard();
         lag = device.GetMixLag(GetSteadyNanoseconds());
     } while (device.GetMixClock() != mixed && device.HasMixClock());
-    return heardMap.At(heard + ToFrames(lag / nanosecondsPerMicrosecond, GetSpeedHz()));
+    return heardMap.At(heard + CountSampleFrames(lag / nanosecondsPerMicrosecond, GetSpeedHz()));
 }
 
 } // namespace Quon

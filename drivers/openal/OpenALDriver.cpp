@@ -62,7 +62,7 @@ bool OpenALDriver::OpenRendered(int rateHz)
 {
     if (!device.OpenLoopback(rateHz, options.hrtf)) {
         Quon::Report(MessageLevel::Error, "OpenAL: no device to render with at ", rateHz,
-            " Hz; that takes OpenAL Soft with loopback devices");
+            " Hz; this requires OpenAL Soft with loopback devices");
         return false;
     }
     renderer = std::make_unique<OfflineRenderer>(device, voices, acoustics, options.renderThreads);
@@ -116,7 +116,7 @@ void OpenALDriver::BeginUpdate(unsigned long elapsedMs)
         std::min<unsigned long>(elapsedMs, std::numeric_limits<std::uint32_t>::max()));
     startTimes.BeginUpdate(ms);
     if (renderer) {
-        // Here this is the thread that pumps, and takes the locks of channels.
+        // Here this is the pumping thread, which acquires the locks of channels.
         const FeederScope scope(device);
         renderer->Render(ms, channels);
     }
@@ -139,8 +139,8 @@ void OpenALDriver::EndUpdate()
     isDeferring = false;
 }
 
-// A callback may stop channels and start new ones, so each channel is looked at as it is when its turn comes.
-// No lock is held meanwhile, and no context of ours is current.
+// A callback may stop channels and start new ones, so each channel's current state is checked. No lock is
+// held meanwhile, and no context of the driver is current.
 void OpenALDriver::ReportEvents()
 {
     for (const auto& channel : channels) {

@@ -12,8 +12,8 @@ namespace Quon
 
 namespace
 {
-// Beyond what any game plays at once, so that a sound that ends has a source to fade out on while the next
-// one already has another. Sources cost nothing until they play.
+// More than any game plays at once, so that an ending sound has a source to fade out on while the next one
+// already has another. Sources cost nothing until they play.
 constexpr ALCint wantedSources = 1024;
 constexpr int shortBlock = 128;
 constexpr int blockStep = 4;
@@ -59,8 +59,8 @@ bool OutputDevice::OpenLoopback(int rateHz, Hrtf newHrtf)
     return session->CreateContext(attributes, hrtf);
 }
 
-// OpenAL Soft 1.19 fades a room that has just been set in over 128 sample frames, four at a time, and runs
-// past its memory when shorter blocks leave fewer than four of them.
+// OpenAL Soft 1.19 fades a newly set room in over 128 sample frames, four at a time, and overruns its buffer
+// when shorter blocks leave fewer than four of them.
 void OutputDevice::Render(float* stereo, int sampleFrames)
 {
     renderedFrames += sampleFrames;

@@ -14,14 +14,14 @@ namespace Quon
 
 class DeviceSource;
 
-/// The OpenAL device and its context: either the default device of the machine or a loopback device that is
-/// rendered by call. Owned by the driver. A thread that calls OpenAL, through this class or a Voice, first
-/// makes the context its own with a ContextScope, the driver's own thread with a FeederScope: the context
-/// that is current for the whole process stays the host's. At its end no scope may be left.
+/// The OpenAL device and its context: either the machine's default device or a loopback device that renders
+/// on request. Owned by the driver. A thread that calls OpenAL, through this class or a Voice, must first
+/// make the context current for itself with a ContextScope, the driver's own thread with a FeederScope: the
+/// process-wide current context remains the host's. No scope may exist when the object is destroyed.
 ///
-/// A live output can be without a device, and change it. All operations work then too: settings are kept and
-/// given to the next device. The driver's own thread alone changes it, with the mutex locked, and a
-/// ContextScope locks it too. So the device stays the same within a scope.
+/// A live output can be without a device and can change it. All operations still work then: settings are
+/// stored and applied to the next device. Only the driver's own thread changes the device, with the mutex
+/// locked. A ContextScope locks the mutex too, so the device does not change within a scope.
 class OutputDevice
 {
 public:
@@ -29,22 +29,22 @@ public:
     OutputDevice(const OutputDevice&) = delete;
     OutputDevice& operator=(const OutputDevice&) = delete;
 
-    /// Opens the default device, asking for the given rate; it may get another one. False, without waiting,
-    /// when the OpenAL implementation lacks what the driver needs; and, if it `needsDevice`, when there is no
-    /// device.
+    /// Opens the default device and requests the given rate; the actual rate may differ. Returns false at
+    /// once if the OpenAL implementation lacks a function that the driver needs, or if `needsDevice` is true
+    /// and there is no device.
     bool OpenLive(int rateHz, Hrtf newHrtf, bool needsDevice);
 
-    /// Opens a loopback device of exactly this rate: stereo, in float and without a limiter, which hands out
-    /// what was put in bit by bit. HRTF is off unless it is asked for. False if it cannot be had.
+    /// Opens a loopback device of exactly this rate: stereo, float, without a limiter and bit-exact. HRTF is
+    /// off unless requested. Returns false if no such device can be opened.
     bool OpenLoopback(int rateHz, Hrtf newHrtf);
 
-    /// The rate of the output: the device's, or without one that which was asked for.
+    /// The rate of the output: the device's, or the requested one if there is no device.
     int GetRateHz() const { return session && session->GetRateHz() > 0 ? session->GetRateHz() : rate; }
 
     /// Whether there is a device.
     bool HasSession() const { return session != nullptr; }
 
-    /// Whether positional sounds are worked out for two ears. All others are to be kept out of that.
+    /// Whether positional sounds are rendered with HRTF. All others must bypass it.
     bool IsHrtfOn() const { return session && session->IsHrtfOn(); }
 
     /// Which OpenAL Soft mixes for it.
@@ -53,34 +53,34 @@ public:
         return session ? session->GetExtensions().version : SoftVersion::New;
     }
 
-    /// Mixes the next `sampleFrames` of a loopback device into `stereo`. After a short block the device
+    /// Renders the next `sampleFrames` of a loopback device to `stereo`. After a short block the device
     /// itself can be up to three sample frames ahead. Task thread.
     void Render(float* stereo, int sampleFrames);
 
-    /// The time by which fades go, in ticks of its own: the sample frames that the loopback device has
-    /// rendered, or the time of the machine. Of a loopback device, task thread only.
+    /// The clock for fades: the sample frames that the loopback device has rendered, or the machine's time,
+    /// in ticks of GetTicksPerSecond(). For a loopback device, task thread only.
     std::int64_t GetTime() const;
     std::int64_t GetTicksPerSecond() const;
 
-    /// Grows as the device mixes. A setting made at one value has been heard in full when the value has grown
-    /// by GetSettleTime(). Needs a device.
+    /// A clock that advances as the device mixes. A setting has taken full effect when the clock has advanced
+    /// by GetSettleTime() since it was made. Needs a device.
     std::int64_t GetMixClock() const;
     std::int64_t GetSettleTime() const { return loopback ? 1 : session->GetSettleTime(); }
 
-    /// Whether that goes by what the device mixes; otherwise by the time of the machine.
+    /// Whether that is based on the device's mixing; otherwise it is the machine's clock.
     bool HasMixClock() const { return loopback || session->HasMixClock(); }
 
-    /// The part of a sample frame by which the time of a loopback device is ahead of what it has rendered.
+    /// The fraction of a sample frame by which the time of a loopback device is ahead of its output.
     double GetRenderedFraction() const { return renderedFraction; }
     void SetRenderedFraction(double fraction) { renderedFraction = fraction; }
 
-    /// How far the device's clock lags behind what it would be if it mixed without steps, at a time of the
-    /// machine, which can lie in the future: in nanoseconds. 0 of a loopback device and without one.
+    /// The lag of the device's clock against continuous mixing, in nanoseconds, at a time of the machine,
+    /// which can be in the future. 0 for a loopback device and without a device.
     std::int64_t GetMixLag(std::int64_t time) const;
-    /// Looks at the clock. To be called every now and then.
+    /// Samples the clock. Call it regularly.
     void ObserveMixClock() const { GetMixLag(0); }
 
-    /// Settings of sources and listener made between these two take hold together.
+    /// Settings of sources and listener made between these two calls take effect together.
     void DeferUpdates();
     void ProcessUpdates();
 
@@ -90,20 +90,20 @@ public:
 
     // For the thread of a live output.
 
-    /// Whether the device is still there. Needs one.
+    /// Whether the device is still connected. Needs a device.
     bool IsConnected() const;
 
-    /// Another device as OpenLive() opens it, or null. Can take a while and locks nothing.
+    /// Opens another device as OpenLive() does; null on failure. Can take a while and locks nothing.
     std::unique_ptr<AlSession> MakeLiveSession() const;
 
-    /// Locked while the device is changed. Behind the locks of channels, before all others of the driver.
+    /// Locked while the device is changed. Acquired after the locks of channels and before all others of the
+    /// driver.
     std::recursive_mutex& GetMutex() const { return mutex; }
 
-    /// Puts another device in the place of the present one; null is none. Needs the mutex. Returns the one
-    /// that was there.
+    /// Replaces the device; null means none. Returns the previous one. Needs the mutex.
     std::unique_ptr<AlSession> Exchange(std::unique_ptr<AlSession> newSession);
 
-    /// Gives the listener's settings to a new device, whose context has to be current.
+    /// Applies the listener's settings to a new device, whose context must be current.
     void ApplyListener();
 
 private:
@@ -118,24 +118,24 @@ private:
     };
 
     DeviceSource& source;
-    AlExtensions extensions; ///< Without those of a device.
+    AlExtensions extensions; ///< Without the functions of a device.
     bool loopback = false;
     int rate = 0;
     Hrtf hrtf = Hrtf::DeviceDefault;
     std::int64_t renderedFrames = 0;
     double renderedFraction = 0.0;
-    std::array<float, 6> surplus{}; ///< Of a loopback device: up to three sample frames not yet given out.
+    std::array<float, 6> surplus{}; ///< For a loopback device: up to three rendered sample frames left.
     int surplusFrames = 0;
     ListenerSettings listener;
     mutable std::recursive_mutex mutex; ///< Recursive, since scopes can be nested.
     std::unique_ptr<AlSession> session; ///< Changed under the mutex.
     mutable std::mutex timelineMutex;
-    mutable MixTimeline timeline; ///< Under its mutex.
+    mutable MixTimeline timeline; ///< Guarded by its mutex.
 };
 
-/// Makes the device's context the calling thread's own, and gives the thread back what it had. This one is
-/// for the thread that pumps, which alone changes the device; others take a ContextScope. Does nothing
-/// without a device.
+/// Makes the device's context current for the calling thread, and restores the previous one at its end. For
+/// the pumping thread, which alone changes the device; other threads use a ContextScope. Does nothing without
+/// a device.
 class FeederScope
 {
 public:
@@ -150,7 +150,7 @@ private:
     ALCcontext* const mine; ///< `previous` if there is no device.
 };
 
-/// The same for any thread; the device does not change meanwhile. Taken behind the lock of a channel.
+/// The same for any thread; the device does not change meanwhile. Acquired after the lock of a channel.
 class ContextScope
 {
 public:

@@ -10,7 +10,7 @@ namespace
 
 constexpr std::int64_t cutOffMs = 50;
 
-/// How long a room can still be heard when nothing goes in any more.
+/// How long a room remains audible without input.
 std::int64_t GetRingMs(const FXEnvReverb& room)
 {
     const float longest = room.decayTime * std::max(room.decayHFRatio, 1.0F);

@@ -8,24 +8,25 @@
 namespace Quon
 {
 
-/// The rooms that single sounds bring with them. Owned by the Acoustics. Calls of OpenAL need a ContextScope.
+/// The rooms of single sounds. Owned by the Acoustics. OpenAL calls need a ContextScope.
 ///
-/// Sounds with the same room share it, so that all sources of a line cost one. A room rings out when its last
-/// sound is over, without keeping that sound's channel, and is cut off in 50 ms when that sound is stopped.
-/// Such a room is far away when its sound is, so that `roomRolloffFactor` means nothing here. There are as
-/// many as a processor can bear; a sound that finds none left plays without.
+/// Sounds with the same room share it, so that all sources of a line use one. A room decays after the end of
+/// its last sound, without keeping that sound's channel, and is faded out in 50 ms when that sound is
+/// stopped. Such a room is attenuated with the distance of its sound, so `roomRolloffFactor` has no effect
+/// here. The number of rooms is limited by their processor load; a sound plays without its room if none is
+/// left.
 class OwnRooms
 {
 public:
     static constexpr std::size_t maxRooms = 8;
 
-    /// Makes on a device the slots of the rooms in use; further ones follow when they are needed.
+    /// Creates the slots of the rooms in use on a device; further ones are created on demand.
     void Create(const EfxFunctions& functions);
-    /// Who has a room keeps it, for the next Create(). No source may be sent to the slots.
+    /// Rooms in use are kept for the next Create(). No source may be sent to the slots.
     void Destroy();
 
-    /// A slot with this room, which has been held, or null. Without a device it is one for the next. It stays
-    /// where it is until it is given back.
+    /// Returns a slot with this room, which must have been clamped, or null. Without a device it is created
+    /// on the next one. The address stays valid until the slot is returned.
     const ReverbSlot* Take(const FXEnvReverb& room);
     void GiveBack(const ReverbSlot* slot, bool isCutOff, std::int64_t now, std::int64_t ticksPerSecond);
 
@@ -34,7 +35,7 @@ public:
 
     void Tick(std::int64_t time);
 
-    /// Whether a room is being left.
+    /// Whether a room is being faded out.
     bool IsChanging();
 
 private:
@@ -50,7 +51,7 @@ private:
 
     EfxFunctions efx;
     bool isCreated = false;
-    std::mutex mutex; ///< Guards all of it.
+    std::mutex mutex; ///< Guards all members.
     std::array<Place, maxRooms> places;
 };
 

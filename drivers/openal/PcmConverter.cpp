@@ -30,7 +30,7 @@ struct Signed24
     static constexpr std::size_t size = 3;
     static float Read(const unsigned char* at)
     {
-        // In the upper three bytes, so that the sign is in its place.
+        // In the upper three bytes, so that the sign bit is in its place.
         const std::uint32_t bits =
             std::uint32_t{at[0]} << 8 | std::uint32_t{at[1]} << 16 | std::uint32_t{at[2]} << 24;
         return static_cast<float>(static_cast<std::int32_t>(bits)) / 2147483648.0F;

@@ -7,14 +7,14 @@ namespace Quon
 
 class SoundFormat;
 
-/// Turns interleaved PCM of the form `format`, which IsPlayable(), into floats from -1 to 1 for one or two
-/// channels. One byte per sample is unsigned, two to four are signed and little-endian. The least negative
-/// value of a form is exactly -1, so that 16 bits come back bit by bit.
+/// Convert interleaved PCM of a playable format (IsPlayable()) to floats from -1 to 1 for one or two
+/// channels. One byte per sample is unsigned, two to four are signed and little-endian. The minimum value of
+/// a format is exactly -1, so that 16-bit samples survive a round trip unchanged.
 ///
-/// For one channel all channels of the source are averaged. For two, one channel goes to both sides and two
-/// go through; of more, the first two are left and right and the rest goes to both sides at half level, all
-/// scaled so that a full signal on every channel stays full. `out` decides how many sample frames are turned,
-/// and `bytes` must hold as many. Pure functions; they allocate nothing.
+/// For one channel all channels of the source are averaged. For two, mono is copied to both sides and stereo
+/// is passed through. Of more channels, the first two are left and right and the others are mixed into both
+/// sides at half level, scaled so that full scale on every channel stays full scale. The size of `out`
+/// determines the number of sample frames; `bytes` must hold as many. Pure functions; they do not allocate.
 void ConvertToMono(std::span<const unsigned char> bytes, const SoundFormat& format, std::span<float> out);
 void ConvertToStereo(std::span<const unsigned char> bytes, const SoundFormat& format, std::span<float> out);
 

@@ -15,11 +15,11 @@ namespace
 
 constexpr double softeningMs = 5.0;
 constexpr int rateGlideMs = 10;
-/// The Doppler effect changes with each update, which is that long with frames of 60 Hz.
+/// The Doppler effect changes in each update, whose interval has this length with game frames at 60 Hz.
 constexpr int pitchGlideMs = 50;
-constexpr int leastRead = 64;
+constexpr int minRead = 64;
 
-/// Turns one channel at the beginning of `pcm` into two equal ones.
+/// Expands one channel at the beginning of `pcm` to two equal ones.
 void Spread(std::span<float> pcm)
 {
     for (std::size_t i = pcm.size() / 2; i-- > 0;) {
@@ -118,12 +118,12 @@ int PcmFeed::Make(SndChannel* channel, int wanted, const Playback& playback)
     return filled;
 }
 
-// False when there is no more, and no tail either.
+// Returns false if neither data nor tail are left.
 bool PcmFeed::ReadMore(SndChannel& channel, int missing, double playedHz)
 {
     const double ratio = IsConverting() ? playedHz / sound.outputHz : 1.0;
     const std::int64_t before = reader.GetStream().GetEnd();
-    const std::int64_t end = before + std::max(static_cast<int>(std::ceil(missing * ratio)), leastRead);
+    const std::int64_t end = before + std::max(static_cast<int>(std::ceil(missing * ratio)), minRead);
     if (!reader.ReadTo(channel, end)) {
         reader.ReadTailTo(end);
     }
@@ -133,9 +133,9 @@ bool PcmFeed::ReadMore(SndChannel& channel, int missing, double playedHz)
 int PcmFeed::Convert(bool isWhole, int begin, int end)
 {
     const std::span<float> place = GetPlace(begin, end);
-    const auto frames = static_cast<std::size_t>(end - begin);
+    const auto sampleFrames = static_cast<std::size_t>(end - begin);
     const auto width = static_cast<std::size_t>(reader.GetWidth());
-    const int given = converter.Convert(reader.GetStream(), isWhole, place.first(frames * width));
+    const int given = converter.Convert(reader.GetStream(), isWhole, place.first(sampleFrames * width));
     if (reader.GetWidth() < sound.outChannels) {
         Spread(GetPlace(begin, begin + given));
     }

@@ -10,85 +10,86 @@
 namespace Quon
 {
 
-/// How a sound is to be played.
+/// The playback parameters of a sound.
 struct Playback
 {
-    unsigned long hz = 0; ///< Sample frames a second; 0 for the sound's own rate.
-    float pitch = 1.0F; ///< The factor on that.
+    unsigned long hz = 0; ///< Sample frames per second; 0 for the sound's own rate.
+    float pitch = 1.0F; ///< Factor on the rate.
     float lowPass = 1.0F; ///< The gain of high frequencies.
 
-    /// Sample frames of a sound with that rate of its own that are played in a second.
+    /// Sample frames played per second by a sound with that rate of its own.
     double GetPlayedHz(int ownHz) const;
 };
 
-/// Makes the blocks of PCM that a channel queues: what is read of the sound, converted to the output's rate,
-/// with the low-pass and the fades in worked in. Owned by a channel; everything under the channel's lock.
+/// Produces the blocks of PCM that a channel queues: the sound's data, converted to the output's rate, with
+/// the low-pass and fade-ins applied. Owned by a channel and guarded by the channel's lock.
 ///
-/// With the grade "fast" blocks have the rate of the sound, and OpenAL converts them.
+/// With the grade "fast", blocks have the rate of the sound, and OpenAL converts them.
 ///
-/// A sound that begins in the middle of its file, one that comes back, fades in, since it would click; one
-/// that begins at its first sample frame is left as it is.
+/// A sound that resumes in the middle of its file fades in, since it would click; one that begins at its
+/// first sample frame is not changed.
 class PcmFeed
 {
 public:
-    /// The most sample frames of one block.
+    /// Maximum number of sample frames in a block.
     static constexpr int maxBlockFrames = 8192;
 
-    /// What a channel tells of a new sound.
+    /// A channel's description of a new sound.
     struct Sound
     {
         int outChannels; ///< 1 or 2.
         bool isLooping;
         int outputHz;
         RateGrade grade;
-        int returnFadeMs; ///< For a sound that comes back.
+        int returnFadeMs; ///< For a sound that resumes.
     };
 
-    /// Begins a new sound, with the insert effects among `effectList`, which is copied. Allocates for the
+    /// Starts a new sound, with the insert effects of `effectList`, which is copied. Allocates for the
     /// effects, and when a channel is used for the first time.
     void Start(const Sound& newSound, const SndFile& file, const SndFXList& effectList);
 
-    /// The sound is over: frees what it alone needed.
+    /// Ends the sound and frees its memory.
     void Finish();
 
-    /// The sound fades in over so many milliseconds from the next block on.
+    /// Fades the sound in over `ms` milliseconds from the next block on.
     void FadeIn(int ms) { fadeIn.Start(ms); }
     void SkipFadeIn(int ms) { fadeIn.Skip(ms); }
 
-    /// The next block fades in as that of a sound that was interrupted.
+    /// Fades the next block in after an interruption.
     void SoftenNext();
 
-    /// Reads the sound's first sample frames, so that its rate is certain. Once, before anything is made.
+    /// Reads the sound's first sample frames, so that its rate is certain. Call it once, before the first
+    /// block.
     void Begin(SndChannel& channel);
 
-    /// Puts silence before the first sample frame; or leaves out so many of the sound. Before the first
-    /// block.
+    /// Delay() inserts silence before the first sample frame; Skip() skips sample frames of the sound. Before
+    /// the first block.
     void Delay(int sampleFrames) { silence = sampleFrames; }
     void Skip(int sampleFrames) { converter.SkipTo(sampleFrames); }
 
-    /// Makes the next block, of `wanted` sample frames, at most maxBlockFrames, and returns how many it has.
-    /// Fewer than wanted means that the queue has run out,
-    /// and so has the tail. Allocates only as the reader and the converter do.
+    /// Produces the next block of `wanted` sample frames, at most maxBlockFrames, and returns its size. A
+    /// smaller size means that both queue and tail are exhausted. Allocates only if the reader or the
+    /// converter does.
     int Fill(SndChannel& channel, int wanted, const Playback& playback);
 
-    /// The same from what has been read already; fewer than wanted means that it did not suffice.
+    /// The same from data already read; a smaller size means that there was not enough.
     int FillFromHeld(int wanted, const Playback& playback);
 
-    /// Reads on until so many sample frames of the sound are ready beyond those that have been made.
+    /// Reads until `sampleFrames` of the sound are ready beyond those already used for blocks.
     void ReadAhead(SndChannel& channel, std::int64_t sampleFrames);
 
-    /// The block that was made, interleaved, and how many sample frames of silence it begins with.
+    /// The last block, interleaved, and the number of silent sample frames at its beginning.
     std::span<const float> GetBlock() const { return {block.data(), block.size()}; }
     int GetSilence() const { return blockSilence; }
-    /// The sample frame of the sound at the first one after the silence.
+    /// The sound's sample frame at the first one after the silence.
     double GetBlockBegin() const { return blockBegin; }
     int GetOutChannels() const { return sound.outChannels; }
 
-    /// Whether blocks have the rate of the output; otherwise that of the sound.
+    /// Whether blocks have the rate of the output; otherwise they have that of the sound.
     bool IsConverting() const { return sound.grade != RateGrade::Fast; }
     int GetBlockHz() const { return IsConverting() ? sound.outputHz : reader.GetRateHz(); }
 
-    /// The sample frame of the sound at the end of all that has been made.
+    /// The sound's sample frame at the end of the last block.
     double GetStreamPosition() const { return converter.GetPosition(); }
 
     const SoundReader& GetReader() const { return reader; }
@@ -104,10 +105,10 @@ private:
     SoundReader reader;
     RateConverter converter;
     LowPass lowPass;
-    float pitch = 1.0F; ///< Of the last block.
-    Rise fadeIn;
-    Rise softening;
-    int silence = 0; ///< Still to be made.
+    float pitch = 1.0F; ///< Pitch of the last block.
+    FadeInRamp fadeIn;
+    FadeInRamp softening;
+    int silence = 0; ///< Sample frames of silence still to be produced.
     int blockSilence = 0;
     double blockBegin = 0.0;
     EngineVector<float> block;

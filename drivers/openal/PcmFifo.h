@@ -9,9 +9,9 @@
 namespace Quon
 {
 
-/// PCM between the reading of a sound and its conversion to the output's rate: interleaved floats, addressed
-/// by the number of the sample frame in the sound's stream. Owned by a channel's feed; under the channel's
-/// lock. Allocates only when it has to hold more than ever before.
+/// Buffers PCM between the reading of a sound and its conversion to the output's rate: interleaved floats,
+/// addressed by sample frame number in the sound's stream. Owned by a channel's feed; guarded by the
+/// channel's lock. Allocates only to hold more than ever before.
 class PcmFifo
 {
 public:
@@ -26,14 +26,14 @@ public:
     }
 
     int GetWidth() const { return static_cast<int>(width); }
-    /// The oldest sample frame that is held, and the one after the newest.
+    /// The oldest sample frame in the buffer, and the one after the newest.
     std::int64_t GetBegin() const { return first; }
     std::int64_t GetEnd() const
     {
         return first + static_cast<std::int64_t>((samples.size() - dropped) / width);
     }
 
-    /// Room for more sample frames at the end, to be written at once. Invalidates all spans.
+    /// Adds room for sample frames at the end, which the caller must write at once. Invalidates all spans.
     std::span<float> Extend(int sampleFrames)
     {
         const std::size_t old = samples.size();
@@ -41,19 +41,19 @@ public:
         return std::span(samples).subspan(old);
     }
 
-    /// Takes the last sample frames away again.
+    /// Removes the last sample frames.
     void Shrink(int sampleFrames)
     {
         samples.resize(samples.size() - width * static_cast<std::size_t>(sampleFrames));
     }
 
-    /// The sample frames from number `begin` on, which must be held.
+    /// The sample frames from number `begin` on, which must be in the buffer.
     std::span<const float> From(std::int64_t begin) const
     {
         return std::span(samples).subspan(dropped + width * static_cast<std::size_t>(begin - first));
     }
 
-    /// Forgets all sample frames before number `begin`.
+    /// Drops all sample frames before number `begin`.
     void DropBefore(std::int64_t begin)
     {
         begin = std::min(begin, GetEnd());
@@ -73,7 +73,7 @@ private:
 
     std::size_t width = 1;
     EngineVector<float> samples;
-    std::size_t dropped = 0; ///< Samples at the beginning that are held no more.
+    std::size_t dropped = 0; ///< Dropped samples at the beginning.
     std::int64_t first = 0;
 };
 

@@ -13,12 +13,11 @@ namespace
 constexpr float maxCoordinate = 1e15F;
 constexpr float fullTurn = 360.0F;
 
-// A sound that was given no distances and no cone comes with zeros. These are what sounds have that are
-// defined in text.
+// A sound without distances and cone has zeros. These are the defaults of sounds defined in text.
 constexpr float defaultMinDistance = 10.0F;
 constexpr float defaultMaxDistance = 500.0F;
 
-float HoldDistance(float distance)
+float ClampDistance(float distance)
 {
     return std::clamp(distance, 0.0F, std::numeric_limits<float>::max());
 }
@@ -41,7 +40,7 @@ bool TakeDistances(float minDistance, float maxDistance, bool cutout, DistanceRa
     if (std::isnan(minDistance) || std::isnan(maxDistance)) {
         return false;
     }
-    taken = {HoldDistance(minDistance), HoldDistance(maxDistance), cutout};
+    taken = {ClampDistance(minDistance), ClampDistance(maxDistance), cutout};
     if (taken.minDistance == 0.0F && taken.maxDistance == 0.0F && !cutout) {
         taken = {defaultMinDistance, defaultMaxDistance, false};
     }

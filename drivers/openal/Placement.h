@@ -5,11 +5,10 @@
 namespace Quon
 {
 
-/// Checks and rules for what places a sound in the world. Pure functions; what comes in from a game can be
-/// any number, and what goes on to OpenAL has to be one that it can calculate with.
+/// Checks the positional settings of a sound. Pure functions; a game can pass any number, and OpenAL must
+/// receive one that it can compute with.
 
-/// A distance attenuation as the channel keeps it: `minDistance` and `maxDistance` are finite and not
-/// negative.
+/// A validated distance attenuation: `minDistance` and `maxDistance` are finite and not negative.
 struct DistanceRange
 {
     float minDistance = 0.0F;
@@ -17,8 +16,7 @@ struct DistanceRange
     bool cutout = false;
 };
 
-/// A cone as the channel keeps it: full angles from 0 to 360, the outer not below the inner, a gain from 0
-/// to 1.
+/// A validated cone: full angles from 0 to 360, the outer not below the inner, a gain from 0 to 1.
 struct Cone
 {
     float innerAngle = 360.0F;
@@ -26,16 +24,16 @@ struct Cone
     float outerGain = 1.0F;
 };
 
-/// Holds each coordinate within a range whose squares do not overflow. False, and no change, if one is no
-/// number.
+/// Clamps each coordinate to a range whose squares do not overflow. Returns false and changes nothing if one
+/// is NaN.
 bool TakePosition(const Vector3& position, Vector3& taken);
 
-/// Infinity becomes the largest number and what is negative 0. Distances of 0 without cutout are none, and
-/// become 10 and 500. False, and no change, if one is no number.
+/// Clamps infinity to the largest number and negative values to 0. Distances of 0 without cutout mean unset
+/// and become 10 and 500. Returns false and changes nothing if one is NaN.
 bool TakeDistances(float minDistance, float maxDistance, bool cutout, DistanceRange& taken);
 
-/// Holds the values within their ranges. A cone that is heard nowhere, of no angle and no gain, is none.
-/// False, and no change, if one is no number.
+/// Clamps the values to their ranges. A cone with angles and gain of 0 means unset. Returns false and changes
+/// nothing if one is NaN.
 bool TakeCone(float innerAngle, float outerAngle, float outerGain, Cone& taken);
 
 /// Whether a sound with cutout is silent because it is farther away than its maximum distance.

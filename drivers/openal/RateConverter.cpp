@@ -12,12 +12,12 @@ namespace Quon
 namespace
 {
 
-/// Cross-fades from one engine to the next in a second.
+/// The reciprocal of the duration of a cross-fade between engines, per second.
 constexpr int changesPerSecond = 100;
 constexpr int msPerSecond = 1000;
-/// What a new engine reads before the place from which it is heard, at a ratio of 1.
+/// Sample frames that a new engine reads before its output is used, at a ratio of 1.
 constexpr double memoryFrames = 512.0;
-/// What is held of the past for that: for the highest rates the memory is shorter.
+/// Past sample frames kept for that; at the highest rates the history is shorter.
 constexpr std::int64_t heldFrames = 1024;
 
 } // namespace
@@ -37,7 +37,7 @@ void RateConverter::Finish()
     engine = RateEngine();
     fading.clear();
     faded = 0;
-    unheard = 0;
+    discarded = 0;
 }
 
 int RateConverter::Convert(const PcmFifo& input, bool isWhole, std::span<float> out)
@@ -54,8 +54,8 @@ int RateConverter::Convert(const PcmFifo& input, bool isWhole, std::span<float> 
     else if (wantedHz != currentHz && grade != RateGrade::Fast && !engine.IsVariable()) {
         GoVariable(input, isWhole);
     }
-    SkipUnheard(input, isWhole);
-    if (unheard > 0) {
+    DiscardOutput(input, isWhole);
+    if (discarded > 0) {
         return 0;
     }
     if (engine.IsVariable() && wantedHz != currentHz) {
@@ -67,7 +67,7 @@ int RateConverter::Convert(const PcmFifo& input, bool isWhole, std::span<float> 
     return given;
 }
 
-// What is converted fast is left to the mixer.
+// The grade "fast" is left to the mixer.
 void RateConverter::MakeEngine()
 {
     const double inputHz = grade == RateGrade::Fast ? outputHz : wantedHz;
@@ -88,21 +88,21 @@ void RateConverter::GoVariable(const PcmFifo& input, bool isWhole)
     const auto wanted = static_cast<std::int64_t>(position - memoryFrames * std::max(ratio, 1.0));
     const std::int64_t begin = std::max(wanted, input.GetBegin());
     engine.StartVariable(begin, width, ratio, std::max<double>(maxRateHz, wantedHz) / outputHz);
-    unheard = static_cast<int>(std::lround((position - static_cast<double>(begin)) / ratio));
+    discarded = static_cast<int>(std::lround((position - static_cast<double>(begin)) / ratio));
 }
 
-void RateConverter::SkipUnheard(const PcmFifo& input, bool isWhole)
+void RateConverter::DiscardOutput(const PcmFifo& input, bool isWhole)
 {
     std::array<float, 512> scratch;
-    while (unheard > 0) {
-        const std::size_t frames = std::min<std::size_t>(
-            scratch.size() / static_cast<std::size_t>(width), static_cast<std::size_t>(unheard));
+    while (discarded > 0) {
+        const std::size_t sampleFrames = std::min<std::size_t>(
+            scratch.size() / static_cast<std::size_t>(width), static_cast<std::size_t>(discarded));
         const int given = engine.Convert(
-            input, isWhole, std::span(scratch).first(frames * static_cast<std::size_t>(width)));
+            input, isWhole, std::span(scratch).first(sampleFrames * static_cast<std::size_t>(width)));
         if (given == 0) {
             return;
         }
-        unheard -= given;
+        discarded -= given;
     }
 }
 

@@ -21,7 +21,7 @@ soxr_t Make(double inputHz, double outputHz, int width, unsigned long recipe, un
     const soxr_io_spec_t io = soxr_io_spec(SOXR_FLOAT32_I, SOXR_FLOAT32_I);
     const soxr_quality_spec_t quality = soxr_quality_spec(recipe, flags);
     soxr_runtime_spec_t runtime = soxr_runtime_spec(1);
-    // The smallest blocks: the least that has to be read before anything comes out.
+    // The smallest blocks: they minimise the input needed before the first output.
     runtime.log2_min_dft_size = 8;
     soxr_error_t error = nullptr;
     return soxr_create(inputHz, outputHz, static_cast<unsigned>(width), &error, &io, &quality, &runtime);
@@ -88,7 +88,7 @@ int RateEngine::Resample(const PcmFifo& input, bool isWhole, std::span<float> ou
         if (in.empty() && !isWhole && !isEnding) {
             break;
         }
-        // What comes after an end that libsoxr has been told of is for the next engine.
+        // After the end has been signalled to libsoxr, further data are for the next engine.
         isEnding = isEnding || in.empty();
         std::size_t taken = 0;
         std::size_t given = 0;
@@ -151,7 +151,7 @@ int RateEngine::Copy(const PcmFifo& input, std::span<float> out)
     return static_cast<int>(count / width);
 }
 
-// A fixed ratio is multiplied and not added up, so that the position stays exact.
+// A fixed ratio is multiplied instead of accumulated, so that the position stays exact.
 void RateEngine::Advance(int outputFrames)
 {
     if (!isVariable) {

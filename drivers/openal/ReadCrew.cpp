@@ -25,7 +25,7 @@ ReadCrew::~ReadCrew()
 void ReadCrew::Begin(Channels newChannels, std::int64_t newMicroseconds)
 {
     {
-        // One that has overslept the last round may still be looking for work.
+        // A thread that woke up late for the last round may still be looking for work.
         std::unique_lock lock(mutex);
         done.wait(lock, [this] { return working == 0; });
         channels = newChannels;

@@ -16,7 +16,7 @@ namespace
 
 constexpr std::int32_t silence = -10000;
 
-/// A room like any other. Not the library's default, which a game can change, and to anything.
+/// A generic room. Not the library's default, which a game can change to anything.
 constexpr FXEnvReverb fallback = {
     -1000, -100, 0.0F, 1.49F, 0.83F, -2602, 0.007F, 200, 0.011F, 100.0F, 100.0F, 5000.0F};
 
@@ -34,12 +34,13 @@ constexpr LateLevel newLateLevels[] = {{0.1F, 4.4F}, {0.5F, 4.4F}, {1.0F, 4.2F},
     {2.91F, 3.2F}, {4.32F, 2.6F}, {7.24F, 1.7F}, {10.0F, 1.1F}, {17.23F, 0.1F}, {20.0F, -0.2F}};
 constexpr float loudestLateGain = 10.0F;
 
-std::int32_t HoldLevel(std::int32_t level)
+std::int32_t ClampLevel(std::int32_t level)
 {
     return std::clamp(level, silence, std::int32_t{0});
 }
 
-/// Something in the way: `all` of its level from high frequencies, a part of it from the low ones.
+/// An obstacle attenuates high frequencies by `all` and low ones by the part `lowRatio` of it. GetLow() is
+/// the attenuation of all frequencies, GetHigh() the additional one of high frequencies.
 float GetLow(std::int32_t all, float lowRatio)
 {
     return static_cast<float>(all) * lowRatio;
@@ -50,7 +51,7 @@ float GetHigh(std::int32_t all, float lowRatio)
     return static_cast<float>(all) * (1.0F - lowRatio);
 }
 
-/// In dB; between two rows it goes by the loss in a second, which is what decays.
+/// In dB. Interpolates between two rows by the loss per second, which is what decays.
 float GetLateDecibels(std::span<const LateLevel> levels, float decaySeconds)
 {
     const auto after = std::find_if(levels.begin() + 1, levels.end() - 1,
@@ -70,7 +71,7 @@ auto GetFields(const FXEnvReverb& room)
 
 } // namespace
 
-FXEnvReverb HoldReverb(const FXEnvReverb& wanted)
+FXEnvReverb ClampReverb(const FXEnvReverb& wanted)
 {
     FXEnvReverb clamped = ClampToRanges(SndFXEnvReverb, wanted, fallback);
     // Of AL_EAXREVERB_HFREFERENCE.
@@ -84,12 +85,12 @@ bool IsSame(const FXEnvReverb& one, const FXEnvReverb& other)
     return GetFields(one) == GetFields(other);
 }
 
-FXEnvReverbSourceProperties HoldProperties(const FXEnvReverbSourceProperties& wanted)
+FXEnvReverbSourceProperties ClampProperties(const FXEnvReverbSourceProperties& wanted)
 {
-    return {HoldLevel(wanted.direct), HoldLevel(wanted.directHF), HoldLevel(wanted.room),
-        HoldLevel(wanted.roomHF), Hold(wanted.roomRolloffFactor, 0.0F, 10.0F, 0.0F),
-        HoldLevel(wanted.obstructionHF), Hold(wanted.obstructionLFRatio, 0.0F, 1.0F, 0.0F),
-        HoldLevel(wanted.occlusionHF), Hold(wanted.occlusionLFRatio, 0.0F, 1.0F, 0.0F)};
+    return {ClampLevel(wanted.direct), ClampLevel(wanted.directHF), ClampLevel(wanted.room),
+        ClampLevel(wanted.roomHF), ClampOr(wanted.roomRolloffFactor, 0.0F, 10.0F, 0.0F),
+        ClampLevel(wanted.obstructionHF), ClampOr(wanted.obstructionLFRatio, 0.0F, 1.0F, 0.0F),
+        ClampLevel(wanted.occlusionHF), ClampOr(wanted.occlusionLFRatio, 0.0F, 1.0F, 0.0F)};
 }
 
 float ToGain(float hundredths)

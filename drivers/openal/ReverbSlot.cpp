@@ -8,13 +8,13 @@ namespace Quon
 namespace
 {
 
-// OpenAL Soft 1.19 ends the process when high frequencies would decay by so much faster than the rest that
-// its filter has to close: by a difference of the reciprocal times in seconds of 7.92 or more, measured. Of
-// the presets one changes, by a hundredth.
+// OpenAL Soft 1.19 terminates the process if high frequencies decay so much faster than the others that its
+// filter has to close: if the reciprocal times in seconds differ by 7.92 or more (measured). This changes one
+// of the presets, by a hundredth.
 float GetSafeHFRatio(const FXEnvReverb& room)
 {
-    constexpr float mostDifference = 7.9F;
-    return std::max(room.decayHFRatio, 1.0F / (1.0F + mostDifference * room.decayTime));
+    constexpr float maxDifference = 7.9F;
+    return std::max(room.decayHFRatio, 1.0F / (1.0F + maxDifference * room.decayTime));
 }
 
 void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room, float rolloff)
@@ -77,15 +77,15 @@ void ReverbSlot::Load(const FXEnvReverb& newRoom)
 
 void ReverbSlot::Leave(std::int64_t begin, std::int64_t length, std::int64_t ticksPerSecond)
 {
-    // Longer than it takes any device to mix the last step of the fall.
+    // Longer than any device takes to mix the last step of the fade-out.
     constexpr std::int64_t lingerMs = 100;
-    fall.Start(begin, length);
+    fadeOut.Start(begin, length);
     linger = lingerMs * ticksPerSecond / 1000;
 }
 
 void ReverbSlot::Return()
 {
-    fall.Cancel();
+    fadeOut.Cancel();
     SetLevel(1.0F);
 }
 
@@ -94,7 +94,7 @@ void ReverbSlot::Apply()
     if (slot == 0) {
         return;
     }
-    // The slot copies what stands in the effect.
+    // The slot copies the effect's parameters.
     ALuint effect = 0;
     efx.genEffects(1, &effect);
     Fill(efx, effect, room, GetRolloffFactor());
@@ -135,15 +135,15 @@ void ReverbSlot::Tick(std::int64_t time)
     if (isEmpty) {
         return;
     }
-    if (level == 0.0F && fall.IsOver(time - linger)) {
+    if (level == 0.0F && fadeOut.IsOver(time - linger)) {
         isEmpty = true;
-        fall.Cancel();
+        fadeOut.Cancel();
         if (slot != 0) {
             efx.sloti(slot, AL_EFFECTSLOT_EFFECT, AL_EFFECT_NULL);
         }
         return;
     }
-    SetLevel(fall.GetLevel(time));
+    SetLevel(fadeOut.GetLevel(time));
 }
 
 } // namespace Quon

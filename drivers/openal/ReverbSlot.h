@@ -9,23 +9,24 @@
 namespace Quon
 {
 
-/// One reverb of OpenAL, to which any number of sources can be sent: a place for a room, empty at first.
+/// One OpenAL reverb, to which any number of sources can be sent: a slot for a room, initially empty.
 ///
-/// Owned by the listener's room or by those of the sounds, whose lock it is under; the calling thread brings
-/// a ContextScope. What stands in it is kept here, so that it can be made again on another device. An empty
-/// place costs next to nothing, a room some milliseconds of processor time for each second, also in silence.
+/// Owned by the listener's room or by those of the sounds, and guarded by the owner's lock; the calling
+/// thread needs a ContextScope. The settings are stored here, so that the slot can be recreated on another
+/// device. An empty slot costs almost nothing, a room some milliseconds of processor time per second, even in
+/// silence.
 class ReverbSlot
 {
 public:
-    /// How the sound of the room falls with the distance of what sounds in it.
+    /// How the level of the room falls with the distance of the source.
     enum class Rolloff
     {
-        OfRoom, ///< By the factors of the room and of the source, which can be 0.
+        OfRoom, ///< By the factors of the room and the source, which can be 0.
         OfSource ///< Like the source's direct sound.
     };
 
-    /// The slot can be made on a device, again and again; what is in use is loaded again. False if OpenAL has
-    /// no more of them.
+    /// Creates the slot on a device and loads its room if it is in use; can be called again for another
+    /// device. Returns false if OpenAL has no slots left.
     bool Create(const EfxFunctions& functions, Rolloff newRolloff);
     /// No source may be sent to it.
     void Destroy();
@@ -34,21 +35,21 @@ public:
     /// The factor of the sources' rolloff with distance, 1 at first. Counts with Rolloff::OfSource.
     void SetSourceRolloff(float factor);
 
-    /// Puts a room, which has been held, into the place at full level. Its sound begins with what comes in
-    /// from now on, unless the place is in use.
+    /// Loads a room, which must have been clamped, at full level. It starts without reverberation unless the
+    /// slot is in use.
     void Load(const FXEnvReverb& newRoom);
 
-    /// From the time `begin` on the room falls silent, over `length`, and when that has been heard the place
-    /// is empty. Times of the device, which has so many ticks in a second.
+    /// Fades the room out from `begin` over `length`, in ticks of the device's clock, which has
+    /// `ticksPerSecond`; when the fade-out has been played, the slot is empty.
     void Leave(std::int64_t begin, std::int64_t length, std::int64_t ticksPerSecond);
-    /// The room stays, after all.
+    /// Cancels Leave().
     void Return();
 
-    /// Sets the level to what it is to be at `time`.
+    /// Sets the level for `time`.
     void Tick(std::int64_t time);
 
-    /// Whether its level is on the way down, or will be.
-    bool IsLeaving() const { return !isEmpty && fall.IsRunning(); }
+    /// Whether it is being faded out, or will be.
+    bool IsLeaving() const { return !isEmpty && fadeOut.IsRunning(); }
 
     bool IsEmpty() const { return isEmpty; }
     const FXEnvReverb& GetRoom() const { return room; }
@@ -68,8 +69,8 @@ private:
     bool isEmpty = true;
     float level = 1.0F;
     FXEnvReverb room{};
-    Fall fall;
-    std::int64_t linger = 0; ///< From the end of the fall until the place is empty.
+    FadeOutRamp fadeOut;
+    std::int64_t linger = 0; ///< From the end of the fade-out until the slot is empty.
 };
 
 } // namespace Quon

@@ -53,7 +53,7 @@ void Room::Tick(std::int64_t time, std::int64_t ticksPerSecond)
     }
     if (isPending) {
         MoveOn(time, ticksPerSecond);
-        // Sounds go in at once.
+        // Sounds are sent into it at once.
         currentSince = never;
     }
 }
@@ -77,7 +77,7 @@ void Room::MoveOn(std::int64_t now, std::int64_t ticksPerSecond)
         isPending = false;
         return;
     }
-    // Nobody has been in this room yet.
+    // No sound has been sent into this room yet.
     if (wanted && left && now == currentSince) {
         left->Load(*wanted);
         isPending = false;

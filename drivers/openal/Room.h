@@ -10,31 +10,31 @@
 namespace Quon
 {
 
-/// The room that the listener is in. Owned by the Acoustics. Calls of OpenAL need a ContextScope.
+/// The listener's room. Owned by the Acoustics. OpenAL calls need a ContextScope.
 ///
-/// A change of room does not click and cuts nothing off: the new room stands in a slot of its own, into which
-/// the sounds go from then on, while the one that is left falls silent over a fifth of a second. A change
-/// that comes before that is over waits for it; of several the last one counts. Where OpenAL has one slot
-/// only, every change waits, and it is dry in between. Without a room nothing is computed.
+/// A change of room does not click and cuts nothing off: the new room has its own slot, into which the sounds
+/// are sent from then on, while the old room fades out over a fifth of a second. A change that comes before
+/// the end of the fade-out waits for it; of several, the last one is used. If OpenAL has only one slot, every
+/// change waits, and there is no reverb in between. Without a room nothing is computed.
 class Room
 {
 public:
-    /// Makes on a device what is there of the room. False if OpenAL has no slot left.
+    /// Creates the slots on a device and restores the room. Returns false if OpenAL has no slot left.
     bool Create(const EfxFunctions& functions);
-    /// What has been set stays, for the next Create(). No source may be sent to the slots.
+    /// The settings are kept for the next Create(). No source may be sent to the slots.
     void Destroy();
 
-    /// The listener goes into a room, which has been held; nothing means into the open. `now` on the device's
-    /// clock of GetTicksPerSecond().
+    /// Sets the room, which must have been clamped; nullopt means no room. `now` is on the device's clock, in
+    /// ticks of GetTicksPerSecond().
     void Set(const std::optional<FXEnvReverb>& newRoom, std::int64_t now, std::int64_t ticksPerSecond);
 
-    /// Lets time go on to `time`. Once a block or round.
+    /// Advances the change to `time`. Call it once per block or round.
     void Tick(std::int64_t time, std::int64_t ticksPerSecond);
 
-    /// Whether a change is not over yet.
+    /// Whether a change is in progress.
     bool IsChanging();
 
-    /// The slot into which sounds are to go now, or null. It stays where it is. Any thread.
+    /// The slot into which sounds are sent now, or null. Its address does not change. Any thread.
     const ReverbSlot* GetSlot() const { return current; }
 
 private:
@@ -42,14 +42,14 @@ private:
     void MoveOn(std::int64_t now, std::int64_t ticksPerSecond);
     ReverbSlot* FindEmpty();
 
-    std::mutex mutex; ///< Guards all that follows, but for reading the pointer.
+    std::mutex mutex; ///< Guards all members below; `current` may be read without it.
     std::array<ReverbSlot, 2> slots;
-    bool isSingle = false; ///< The device has given one slot only.
-    /// Null in the open. Publishes the slot's name, which changes only with the device.
+    bool isSingle = false; ///< The device has only one slot.
+    /// Null without a room. Publishes the slot's name, which changes only with the device.
     std::atomic<ReverbSlot*> current = nullptr;
     std::int64_t currentSince = 0; ///< The time at which it was set.
-    std::optional<FXEnvReverb> wanted; ///< What has been set last,
-    bool isPending = false; ///< and whether it is still to be done.
+    std::optional<FXEnvReverb> wanted; ///< The room that was set last.
+    bool isPending = false; ///< Whether it has not been applied yet.
 };
 
 } // namespace Quon

@@ -5,20 +5,20 @@
 namespace Quon
 {
 
-/// Counts the sample frames of a sound that runs on with no device to play it, by the time of the machine. A
-/// plain value; times are nanoseconds.
+/// Counts the sample frames of a sound that continues without a device, based on the machine's clock. A plain
+/// value; times are nanoseconds.
 class SilentClock
 {
 public:
-    /// Stands at `sampleFrames` at the time `now` and runs from there.
+    /// Starts at `sampleFrames` at the time `now`.
     void Start(std::int64_t sampleFrames, std::int64_t now, double framesPerSecond);
     void Stop() { isRunning = false; }
     bool IsRunning() const { return isRunning; }
 
-    /// Runs on at another speed.
+    /// Changes the speed.
     void SetSpeed(double framesPerSecond, std::int64_t now);
 
-    /// Where it stands, 0 when it does not run. It knows no end of the sound.
+    /// The current count; 0 if it does not run. It is not limited by the end of the sound.
     std::int64_t GetFrames(std::int64_t now) const;
 
 private:

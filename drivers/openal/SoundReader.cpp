@@ -13,7 +13,7 @@ namespace
 {
 constexpr std::size_t readBytes = 16384;
 static_assert(readBytes >= QueueReader::minBufferBytes);
-constexpr std::int64_t mostFramesAtOnce = 8192;
+constexpr std::int64_t maxSampleFramesAtOnce = 8192;
 } // namespace
 
 void SoundReader::Start(int outChannels, bool looping, const SndFile& file, const SndFXList& effectList)
@@ -36,7 +36,7 @@ void SoundReader::Start(int outChannels, bool looping, const SndFile& file, cons
 bool SoundReader::ReadTo(SndChannel& channel, std::int64_t end)
 {
     while (fifo.GetEnd() < end) {
-        const std::int64_t wanted = std::min(end - fifo.GetEnd(), mostFramesAtOnce);
+        const std::int64_t wanted = std::min(end - fifo.GetEnd(), maxSampleFramesAtOnce);
         if (!ReadPiece(channel, static_cast<int>(wanted))) {
             return false;
         }
@@ -44,7 +44,7 @@ bool SoundReader::ReadTo(SndChannel& channel, std::int64_t end)
     return true;
 }
 
-// False when the queue has run out.
+// Returns false when the queue is exhausted.
 bool SoundReader::ReadPiece(SndChannel& channel, int wanted)
 {
     SndFile* const before = channel.GetSndFile();
@@ -81,9 +81,9 @@ void SoundReader::NoticeData(const SndFile& file, int justRead)
     if (!hasBegun) {
         hasBegun = true;
         beganInside = begin != 0;
-        // The start samples may have been skipped after the channel was made.
+        // The start samples may have been skipped after the channel was created.
         filePosition = begin;
-        // A stream tells its rate for certain only once it has been read from.
+        // The rate of a stream is certain only after a read.
         rateHz = std::max(file.GetSampleFrequency(), 1);
         effects.SetRate(rateHz);
     }
@@ -100,7 +100,7 @@ bool SoundReader::ReadTailTo(std::int64_t end)
         return false;
     }
     while (fifo.GetEnd() < end && !isTailOver) {
-        const auto wanted = static_cast<int>(std::min(end - fifo.GetEnd(), mostFramesAtOnce));
+        const auto wanted = static_cast<int>(std::min(end - fifo.GetEnd(), maxSampleFramesAtOnce));
         const auto given = static_cast<int>(effects.ProcessTail(fifo.Extend(wanted)));
         fifo.Shrink(wanted - given);
         isTailOver = given < wanted;
@@ -137,7 +137,7 @@ void SoundReader::PutBackLoop(SndFile& file, std::int64_t unheard) const
         file.StepBack(static_cast<int>(unheard));
         return;
     }
-    // Whole passes are left out, but not the first one, which is longer if it began before the region.
+    // Whole passes are skipped, except the first one, which is longer if it began before the region.
     const std::int64_t passLength = std::max(passEnd - start, 1);
     std::int64_t before = unheard - readInPass;
     before -= std::min((before - 1) / passLength, wraps - 1) * passLength;

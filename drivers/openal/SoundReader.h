@@ -12,39 +12,39 @@ class SndChannel;
 class SndFile;
 class SoundFormat;
 
-/// Reads one sound: along the channel's files, as floats of one or two channels, through the sound's insert
-/// effects. Keeps what has been read until it is converted and queued. Owned by a channel's feed; everything
-/// under the channel's lock, from whatever thread.
+/// Reads one sound along the channel's files as floats of one or two channels and applies the sound's insert
+/// effects. Keeps the data until they are converted and queued. Owned by a channel's feed; guarded by the
+/// channel's lock, on any thread.
 ///
-/// All of a sound is one stream of sample frames, at the rate that its first file tells once it has been read
-/// from; the effects work at that rate. When there is nothing more to read the effects' tail follows. A file
-/// that is appended meanwhile goes on through the effects as they are; until then nothing of the tail belongs
-/// to a file.
+/// A sound is one stream of sample frames, at the rate of its first file after a read; the effects run at
+/// that rate. After the end of the data the effects' tail follows. A file appended meanwhile continues
+/// through the effects in their current state; until then the tail does not belong to any file.
 class SoundReader
 {
 public:
-    /// Begins a new sound, with the insert effects among `effectList`, which is copied. `outChannels` is 1 or
-    /// 2; a sound of one channel without effects stays at one. Allocates for the effects, and when a channel
-    /// is used for the first time.
+    /// Starts a new sound, with the insert effects of `effectList`, which is copied. `outChannels` is 1 or 2;
+    /// a mono sound without effects stays mono. Allocates for the effects, and when a channel is used for the
+    /// first time.
     void Start(int outChannels, bool looping, const SndFile& file, const SndFXList& effectList);
 
-    /// The sound is over: frees the effects.
+    /// Ends the sound and frees the effects.
     void Finish() { effects.Clear(); }
 
-    /// Reads until the stream's sample frame before number `end` is held. False when the queue has run out
-    /// before that. Allocates only to hold more than ever before, and for effects, once, at a first file that
-    /// told a wrong rate before it was read.
+    /// Reads until the stream's sample frames before number `end` are in the buffer. Returns false if the
+    /// queue is exhausted before that. Allocates only to hold more than ever before, and once for effects if
+    /// the first file reported a wrong rate before it was read.
     bool ReadTo(SndChannel& channel, std::int64_t end);
 
-    /// The same for the tail of the effects, once ReadTo() has given false. False when that is over too.
+    /// The same for the tail of the effects, after ReadTo() has returned false. Returns false when the tail
+    /// has ended too.
     bool ReadTailTo(std::int64_t end);
 
-    /// Forgets what is before a sample frame of the stream.
+    /// Drops the data before a sample frame of the stream.
     void DropBefore(std::int64_t begin) { fifo.DropBefore(begin); }
 
-    /// Whether something has been read; the rate is certain from then on.
+    /// Whether data have been read; the rate is certain from then on.
     bool HasBegun() const { return hasBegun; }
-    /// Whether that began in the middle of its file, as a sound does that comes back.
+    /// Whether reading began in the middle of the file, as for a sound that resumes.
     bool BeganInside() const { return beganInside; }
 
     const PcmFifo& GetStream() const { return fifo; }
@@ -53,18 +53,18 @@ public:
     const QueueReader& GetReader() const { return reader; }
     const EffectChain& GetEffects() const { return effects; }
 
-    /// The steps to further files, in sample frames of the stream. The channel takes them over.
+    /// The steps to further files, in sample frames of the stream. The channel takes them from here.
     FileSteps& GetSteps() { return steps; }
 
-    /// The sample frames of tail at the end of all that has been read; 0 if a file's stand there.
+    /// The sample frames of tail at the end of the data read; 0 if they end with a file's data.
     std::int64_t GetTailFrames() const { return tailFrames; }
-    /// How often a loop has begun anew.
+    /// Number of times that a loop has restarted.
     std::int64_t GetWraps() const { return wraps; }
-    /// Where the file's own sample frames end in the stream.
+    /// The position in the stream at which the file's own sample frames end.
     std::int64_t GetFileEnd() const { return fifo.GetEnd() - tailFrames; }
 
-    /// Puts the files back to where sample frame `heard` of the stream is the next: `steps` are those of the
-    /// stream that have not been reported. Returns the file that the channel is to stand at.
+    /// Resets the files so that sample frame `heard` of the stream is the next one. `unreported` are the
+    /// stream's unreported steps. Returns the file that the channel must be set to.
     SndFile* PutBack(const FileSteps& unreported, SndFile* current, std::int64_t heard) const;
 
 private:
@@ -81,8 +81,8 @@ private:
     bool hasBegun = false;
     bool beganInside = false;
     std::int64_t wraps = 0;
-    int passEnd = 0; ///< Where the pass of a loop before this one ended in the file.
-    int filePosition = 0; ///< Behind what has been read last.
+    int passEnd = 0; ///< End of the previous pass of a loop in the file.
+    int filePosition = 0; ///< After the last data read.
     std::int64_t tailFrames = 0;
     bool isTailOver = false;
     EngineVector<unsigned char> bytes;

@@ -43,13 +43,13 @@ void SourceAcoustics::Begin(ALuint newSource, bool isPositional, bool refusesRoo
     properties.reset();
     if (positional) {
         if (auto found = FindRecord<FXEnvReverbSourceProperties>(effects, SndFXEnvReverbSource)) {
-            properties = HoldProperties(*found);
+            properties = ClampProperties(*found);
         }
     }
     ownRoom = nullptr;
     if (acoustics.GetSendCount() > ownRoomSend) {
         if (auto found = FindRecord<FXEnvReverb>(effects, SndFXEnvReverb)) {
-            ownRoom = acoustics.GetOwnRooms().Take(HoldReverb(*found));
+            ownRoom = acoustics.GetOwnRooms().Take(ClampReverb(*found));
         }
     }
     Rebind(newSource);
@@ -86,7 +86,7 @@ bool SourceAcoustics::SetProperties(const FXEnvReverbSourceProperties* wanted)
     if (!wanted || !positional || acoustics.GetSendCount() == 0) {
         return false;
     }
-    properties = HoldProperties(*wanted);
+    properties = ClampProperties(*wanted);
     ApplyDirect();
     if (room && !isClosed) {
         ApplyRoomSend();

@@ -14,15 +14,15 @@ class Acoustics;
 class ReverbSlot;
 class SndFXList;
 
-/// How one sound is heard through the rooms: its direct path, its way into the listener's room, on send 0,
-/// and into a room of its own, on send 1. Owned by a channel, whose lock for its output it is under; calls of
-/// OpenAL need a ContextScope.
+/// The acoustic paths of one sound: its direct path, its path into the listener's room, on send 0, and into
+/// its own room, on send 1. Owned by a channel and guarded by its output mutex; OpenAL calls need a
+/// ContextScope.
 ///
-/// The sound's own room is a reverb of OpenAL like the listener's, and both are heard: the way into it starts
-/// at the sound and does not pass through the source properties, which tell of the listener's room.
+/// The sound's own room is an OpenAL reverb like the listener's, and both are audible. The path into it
+/// starts at the sound and is not filtered by the source properties, which apply to the listener's room.
 ///
-/// The way into the listener's room is changed over without a click: it is closed over one block that is
-/// mixed, and only then opened into the other room.
+/// The path into the listener's room is switched without a click: it is closed over one mixed block, and only
+/// then opened into the other room.
 class SourceAcoustics
 {
 public:
@@ -31,28 +31,29 @@ public:
     {
     }
 
-    /// Begins a sound, on a source that does not play. Only one that is `positional` has source properties
-    /// and, unless the sound refuses, a way into the listener's room.
+    /// Starts a sound on a source that does not play. Only a positional sound has source properties and,
+    /// unless it refuses, a path into the listener's room.
     void Begin(ALuint newSource, bool isPositional, bool refusesRoom, const SndFXList& effects);
 
-    /// The sound is over. Its own room rings out, or is cut off.
+    /// Ends the sound. Its own room decays, or is cut off.
     void End(bool isCutOff);
 
-    /// The source is another one, on another device perhaps: sets all of it there. 0 is none.
+    /// Applies all settings to another source, possibly on another device. 0 is none.
     void Rebind(ALuint newSource);
 
-    /// Sets the source properties, each held to its range. False, and nothing changes, where there are none.
+    /// Sets the source properties, each clamped to its range. Returns false and changes nothing if the sound
+    /// has none.
     bool SetProperties(const FXEnvReverbSourceProperties* wanted);
-    /// Those that are applied; false if none have been set.
+    /// The applied properties; false if none have been set.
     bool GetProperties(FXEnvReverbSourceProperties* record) const;
     /// The sound's own room; false if it has none.
     bool GetOwnRoom(FXEnvReverb* record) const;
 
-    /// Whether the listener's room is another one than the sound goes into.
-    bool IsBehind() const { return isClosed || room != GetTarget(); }
+    /// Whether the sound is not yet sent into the listener's current room.
+    bool IsOutdated() const { return isClosed || room != GetTarget(); }
 
-    /// Goes along with a change of the listener's room. Once a round of the thread that pumps while the sound
-    /// is behind, but not while settings are being held back.
+    /// Follows a change of the listener's room. Call it once per round of the pumping thread while
+    /// IsOutdated(), but not while settings are deferred.
     void Follow(bool isPlaying);
 
 private:
@@ -66,9 +67,9 @@ private:
     bool entersRoom = false;
     std::optional<FXEnvReverbSourceProperties> properties;
     const ReverbSlot* ownRoom = nullptr;
-    const ReverbSlot* room = nullptr; ///< Into which the sound goes now,
-    bool isClosed = false; ///< unless the way there is closed,
-    std::int64_t closedSince = 0; ///< on the device's mix clock.
+    const ReverbSlot* room = nullptr; ///< The room into which the sound is sent.
+    bool isClosed = false; ///< The path into it is closed.
+    std::int64_t closedSince = 0; ///< When it was closed, on the device's mix clock.
 };
 
 } // namespace Quon

@@ -9,16 +9,16 @@ namespace Quon
 {
 
 /// Sets the paths of OpenAL sources: the direct one, and those into reverbs. Owned by the Acoustics; any
-/// thread with a ContextScope. All does nothing without a device or for source 0.
+/// thread with a ContextScope. All functions do nothing without a device or for source 0.
 ///
-/// OpenAL takes a filter by value, so one that is filled anew each time does for all sources.
+/// OpenAL copies a filter, so one filter that is set each time serves all sources.
 class SourceFilters
 {
 public:
     bool Create(const EfxFunctions& functions);
     void Destroy();
 
-    /// No path into a reverb, nothing that goes by OpenAL's own rules for rooms.
+    /// Removes all paths into reverbs and disables OpenAL's automatic filters.
     void Begin(ALuint source, int sendCount);
 
     void SetDirect(ALuint source, const PathGain& path);
@@ -27,11 +27,11 @@ public:
     void SetRoomRolloff(ALuint source, float factor);
 
 private:
-    /// Needs the mutex until OpenAL has taken the filter.
+    /// Needs the mutex until OpenAL has copied the filter.
     ALuint Fill(const PathGain& path);
 
     EfxFunctions efx;
-    std::mutex mutex; ///< Guards what stands in the filter.
+    std::mutex mutex; ///< Guards the filter's parameters.
     ALuint filter = 0;
 };
 

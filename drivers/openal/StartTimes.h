@@ -5,27 +5,26 @@
 namespace Quon
 {
 
-/// How long sounds wait between the moment at which the game asks for them and the one at which they are
-/// heard, so that it is the same for all and rhythm is kept. Owned by the driver; task thread.
+/// The delay between the time at which the game requests a sound and the time at which it is played. It is
+/// the same for all sounds, so that rhythm is kept. Owned by the driver; task thread.
 ///
-/// The library takes sounds in at full updates, which are 40 ms or more apart, so that without this a sound
-/// would be heard at the update after it was asked for. The latency is the longest usual time between two
-/// updates: a sound is heard as long after an update as it was asked for after the update before. It rises as
-/// soon as updates are farther apart, a single long one excepted, and falls when they have been closer
-/// together for 2 s.
+/// The library starts sounds in full updates, which are 40 ms or more apart, so without this a sound would
+/// begin at the update after its request. The latency is the longest usual time between two updates: a sound
+/// is played as long after an update as it was requested after the previous one. It rises as soon as updates
+/// are farther apart, except for a single long one, and falls when they have been closer together for 2 s.
 class StartTimes
 {
 public:
-    /// An update begins, so long after the last one.
+    /// Begins an update, `elapsedMs` after the last one.
     void BeginUpdate(std::uint32_t elapsedMs);
     void EndUpdate() { isUpdating = false; }
 
-    /// How long after now, in game time, a sound is to be heard that was asked for so long after the last
-    /// update; during an update, so long after the one before. In microseconds, not negative.
+    /// The time from now, in game time, until a sound is to be played that was requested `askedMicroseconds`
+    /// after the last update, or, during an update, after the previous one. In microseconds, not negative.
     std::int64_t GetDelay(std::int64_t askedMicroseconds) const;
 
-    /// From a moment at which the game asks to the one at which the sound is heard, in microseconds. 0
-    /// outside an update: sounds that are started there begin at once.
+    /// The time from a request to playback, in microseconds. 0 outside an update: sounds started there begin
+    /// at once.
     std::int64_t GetLatency() const { return isUpdating ? latencyMs * microsecondsPerMs : 0; }
 
 private:
@@ -34,8 +33,8 @@ private:
     bool isUpdating = false;
     std::int64_t elapsed = 0; ///< Between the two last updates.
     std::int64_t latencyMs = 0;
-    std::int64_t longest = 0; ///< Since the latency was last looked at,
-    std::int64_t watchedMs = 0; ///< and how long that is.
+    std::int64_t longest = 0; ///< Maximum since the latency was last checked.
+    std::int64_t watchedMs = 0; ///< Time since that check.
 };
 
 } // namespace Quon

@@ -8,7 +8,7 @@ namespace Quon
 
 constexpr std::int64_t nanosecondsPerSecond = 1000000000;
 
-/// The time of the machine, in nanoseconds from any beginning. Never goes back. Any thread.
+/// The machine's monotonic time in nanoseconds since an unspecified epoch. Any thread.
 inline std::int64_t GetSteadyNanoseconds()
 {
     const auto sinceStart = std::chrono::steady_clock::now().time_since_epoch();

@@ -10,8 +10,8 @@ namespace Quon
 
 namespace
 {
-// After a halt of the whole program for longer, as in a debugger, a silent sound lags behind.
-constexpr double mostCatchUpSeconds = 10.0;
+// After a longer halt of the whole program, as in a debugger, a silent sound is late.
+constexpr double maxCatchUpSeconds = 10.0;
 } // namespace
 
 Voice::~Voice()
@@ -60,7 +60,7 @@ void Voice::GoSilent()
     if (source == 0) {
         return;
     }
-    // The sources of a device that has gone are all stopped, and do not tell where.
+    // The sources of a lost device are all stopped and do not report their position.
     GetFramesAhead();
     if (framesQueued > 0) {
         clock.Start(lastSeen.sampleFrames, lastSeen.time, GetSpeed());
@@ -68,8 +68,8 @@ void Voice::GoSilent()
     DeleteSource();
 }
 
-// What was queued and dropped in silence cannot be heard any more. The new source passes over it, and the
-// sound goes on behind it at the right time.
+// Data queued and dropped in silence cannot be played any more. The new source skips them, and the sound
+// continues after them at the right time.
 void Voice::BridgeGap()
 {
     if (!clock.IsRunning()) {
@@ -112,7 +112,7 @@ void Voice::ApplySettings()
         return;
     }
     alSourcei(source, AL_SOURCE_RELATIVE, isPositional ? AL_FALSE : AL_TRUE);
-    // Without need it would silence the sound on a device of one channel.
+    // Set needlessly, it would silence the sound on a mono device.
     alSourcei(source, AL_DIRECT_CHANNELS_SOFT, !isPositional && bypassesHrtf ? AL_TRUE : AL_FALSE);
     alSourcef(source, AL_GAIN, gain);
     SetPitch(pitch);
@@ -175,7 +175,7 @@ void Voice::QueueOnSource(const float* pcm, int sampleFrames)
     if (state == AL_PLAYING) {
         return;
     }
-    // A stopped source would begin again with the oldest block, also if it stopped only just now.
+    // A stopped source would restart with the oldest block, even if it has only just stopped.
     if (state == AL_STOPPED) {
         KeepOnlyNewest();
     }
@@ -233,7 +233,7 @@ std::int64_t Voice::GetFramesHeard() const
         return clock.IsRunning() ? std::min(clock.GetFrames(GetSteadyNanoseconds()), framesQueued)
                                  : framesReturned;
     }
-    // The offset first: if the source still plays after that, it played while it was read.
+    // Read the offset first: if the source still plays afterwards, it was playing during the read.
     ALint offset = 0;
     alGetSourcei(source, AL_SAMPLE_OFFSET, &offset);
     switch (GetState()) {
@@ -250,9 +250,9 @@ std::int64_t Voice::GetFramesAhead()
 {
     const std::int64_t now = GetSteadyNanoseconds();
     if (source == 0) {
-        const auto most = static_cast<std::int64_t>(mostCatchUpSeconds * GetSpeed());
-        if (clock.IsRunning() && clock.GetFrames(now) > framesQueued + most) {
-            clock.Start(framesQueued + most, now, GetSpeed());
+        const auto maximum = static_cast<std::int64_t>(maxCatchUpSeconds * GetSpeed());
+        if (clock.IsRunning() && clock.GetFrames(now) > framesQueued + maximum) {
+            clock.Start(framesQueued + maximum, now, GetSpeed());
         }
         return clock.IsRunning() ? framesQueued - clock.GetFrames(now) : framesQueued - framesReturned;
     }
@@ -265,7 +265,7 @@ std::int64_t Voice::GetFramesAhead()
 
 void Voice::SetGain(float newGain)
 {
-    // A source that is set has to be worked out anew by the mixer, also to the same value.
+    // Setting a source makes the mixer recompute it, even for the same value.
     if (newGain == gain) {
         return;
     }

@@ -14,14 +14,13 @@
 namespace Quon
 {
 
-/// One source of OpenAL with the buffers that are queued on it. Made and owned by the VoicePool, lent to one
-/// channel at a time. It has no lock: the channel brings one, and the calling thread a scope of the device.
+/// One OpenAL source with its queued buffers. Created and owned by the VoicePool, lent to one channel at a
+/// time. It has no lock: the channel must hold its own, and the calling thread needs a scope of the device.
 ///
-/// It counts the sample frames that have been queued since Begin() and those of them that have been heard.
+/// It counts the sample frames queued since Begin(), and those of them that have been played.
 ///
-/// *Silence.* A voice can be without a source, when there is no device for it. It then lets what is queued go
-/// by at the speed of the time, and all else is as if it were heard; its settings it keeps for the next
-/// source.
+/// *Silence.* A voice has no source while there is no device for it. It then consumes its queue in real time,
+/// and everything else works as usual; its settings are kept for the next source.
 class Voice : public Allocated
 {
 public:
@@ -32,50 +31,50 @@ public:
     Voice& operator=(const Voice&) = delete;
     ~Voice();
 
-    /// Gets a source and its buffers, and goes on with it where the sound has got to. `bypassesHrtf` tells
-    /// that the device works sounds out for two ears, and what is not positional has to be kept out of that.
-    /// False when OpenAL has no more sources: the voice stays silent.
+    /// Creates a source and its buffers, and continues the sound at its current position. `bypassesHrtf`
+    /// means that the device uses HRTF, which non-positional sounds must bypass. Returns false if OpenAL has
+    /// no sources left: the voice stays silent.
     bool Create(bool bypassesHrtf);
 
-    /// Gives the source back and goes on in silence.
+    /// Deletes the source and continues in silence.
     void GoSilent();
 
     bool HasSource() const { return source != 0; }
 
-    /// Makes a stopped, empty voice ready for a new sound, with all settings at their beginning: gain and
-    /// pitch 1, no distance, no cone. A voice that is not positional is heard as it stands.
+    /// Prepares a stopped, empty voice for a new sound and resets all settings: gain and pitch 1, no
+    /// distance, no cone. A non-positional voice is not spatialised.
     void Begin(bool positional);
 
-    /// Stops at once, in the middle of whatever plays, and empties the queue.
+    /// Stops at once and empties the queue.
     void Halt();
 
     bool IsPlaying() const;
 
-    /// OpenAL's name of the source, 0 if there is none, for settings that are not made here. Begin() leaves
-    /// those as they are.
+    /// OpenAL's name of the source, 0 if there is none, for settings that are not made here. Begin() does not
+    /// change those.
     ALuint GetSource() const { return source; }
 
     /// Whether one more block can be queued.
     bool HasRoom() const { return queueLength < bufferCount; }
 
-    /// Queues a block of PCM, which is copied, and plays: from the start, or on from where the queue had run
-    /// dry. All blocks of one sound have one rate and one number of channels, 1 or 2. Needs room.
+    /// Queues a block of PCM, which is copied, and starts playback, or continues it after an underrun. All
+    /// blocks of one sound must have the same rate and number of channels, 1 or 2. Needs room.
     void Queue(const float* pcm, int sampleFrames, int channels, int rateHz);
 
-    /// Takes back the blocks that have been heard.
+    /// Unqueues the blocks that have been played.
     void Reclaim();
 
     std::int64_t GetFramesQueued() const { return framesQueued; }
     std::int64_t GetFramesHeard() const;
 
-    /// How far the queue is ahead of what is heard, in sample frames. Less than 0 in silence when more time
-    /// has gone by than was queued for: the sound has to catch up. To be asked about every 10 ms.
+    /// How far the queue is ahead of playback, in sample frames. Negative in silence if more time has passed
+    /// than was queued: the sound must catch up. Call it about every 10 ms.
     std::int64_t GetFramesAhead();
 
-    /// Whether the sound has got another source, or its first, in the middle. True once for each time.
+    /// Whether the sound has received a source in the middle of playback. Returns true once per event.
     bool TakeReturn();
 
-    /// In this version of OpenAL a change of gain is spread over the next block that is mixed.
+    /// OpenAL Soft applies a change of gain over the next block that is mixed.
     void SetGain(float newGain);
     float GetGain() const { return gain; }
     void SetPitch(float newPitch);
@@ -92,7 +91,7 @@ private:
         int sampleFrames = 0;
     };
 
-    /// Where a sound was heard last.
+    /// The last known playback position.
     struct Sighting
     {
         std::int64_t sampleFrames = 0;
@@ -112,13 +111,13 @@ private:
 
     ALuint source = 0; ///< 0: silent.
     std::array<Block, bufferCount>
-        blocks; ///< A ring: the queue begins at `first`, behind it are free buffers.
+        blocks; ///< A ring: the queue begins at `first`, followed by the free buffers.
     int first = 0;
     int queueLength = 0; ///< 0 in silence.
     std::int64_t framesQueued = 0;
     std::int64_t framesReturned = 0;
-    int rate = 0; ///< Of the sound that is queued,
-    int width = 1; ///< and its channels.
+    int rate = 0; ///< Of the queued sound.
+    int width = 1; ///< Channels of the queued sound.
     Sighting lastSeen;
     SilentClock clock; ///< Runs in silence, from the first block on.
     bool hasReturned = false;

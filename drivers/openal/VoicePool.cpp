@@ -99,7 +99,7 @@ void VoicePool::Retire(Voice* voice, std::int64_t fadeTicks)
         return;
     }
     Fading entry = {voice, voice->GetGain(), {}, notYet};
-    entry.fall.Start(device.GetTime(), fadeTicks);
+    entry.fadeOut.Start(device.GetTime(), fadeTicks);
     if (fadeTicks <= 0) {
         voice->SetGain(0.0F);
     }
@@ -121,8 +121,8 @@ void VoicePool::Tick(std::int64_t time)
             Free(entry.voice);
             continue;
         }
-        entry.voice->SetGain(entry.gain * entry.fall.GetLevel(time));
-        if (!wasSilent && entry.fall.IsOver(time)) {
+        entry.voice->SetGain(entry.gain * entry.fadeOut.GetLevel(time));
+        if (!wasSilent && entry.fadeOut.IsOver(time)) {
             entry.since = now;
         }
         fading[kept++] = entry;

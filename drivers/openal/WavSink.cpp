@@ -18,7 +18,7 @@ constexpr std::uint32_t bytesPerSample = 2;
 constexpr std::uint64_t maxDataBytes = 0xFFFFFFFFU - headBytes - 3;
 constexpr std::size_t piece = 1024;
 
-/// Puts little-endian numbers and texts one behind the other.
+/// Appends little-endian numbers and texts.
 class HeadWriter
 {
 public:

@@ -8,26 +8,26 @@
 namespace Quon
 {
 
-/// Writes a WAV file of 16 bits and two channels as the sound is rendered. Owned by the driver; one thread.
+/// Writes a 16-bit stereo WAV file while the output is rendered. Owned by the driver; one thread.
 ///
-/// Write() gathers; Commit() writes the data out first and then the sizes in the file's head, and hands both
-/// to the system. So the file is whole after each Commit(), and a process that ends at any other moment
-/// leaves behind it the file of the last one. What the system itself loses, with the power, is not seen to.
+/// Write() buffers; Commit() writes first the data and then the sizes in the file's header, and flushes both
+/// to the system. The file is thus complete after each Commit(), and a process that ends at any other time
+/// leaves the file of the last one. Losses by the system itself, such as in a power failure, are not handled.
 ///
-/// A file ends at 4 GiB, and one that cannot be written on (a full disk) ends at the last Commit(): what
-/// comes after that is dropped, and IsOpen() is false.
+/// A file ends at 4 GiB, and one that cannot grow (disk full) ends at the last Commit(): later data are
+/// dropped, and IsOpen() returns false.
 class WavSink
 {
 public:
-    /// Makes or empties the file `path`, a path of the operating system. False if that fails.
+    /// Creates or truncates the file `path`, a native path. Returns false on failure.
     bool Open(const char* path, int rateHz);
 
-    /// Adds interleaved stereo. Full scale is -1 to 1: what is beyond it is clipped, the rest rounded.
+    /// Adds interleaved stereo. Full scale is -1 to 1: values beyond it are clipped, all others rounded.
     void Write(std::span<const float> stereo);
 
     void Commit();
 
-    /// Whether all that has been written is in the file, or can still get there.
+    /// Whether all data written are in the file or can still be written to it.
     bool IsOpen() const { return file != nullptr; }
 
 private:
@@ -43,7 +43,7 @@ private:
     std::uint64_t dataBytes = 0;
 };
 
-/// The 16-bit value of a sample: clipped, and rounded to the nearest. What is no number gives 0.
+/// Converts a sample to 16 bits, clipped and rounded to nearest. NaN becomes 0.
 std::int16_t ToSigned16(float sample);
 
 } // namespace Quon

@@ -11,7 +11,7 @@ namespace
 {
 
 constexpr const char* stops = "; the reading stops here";
-constexpr const char* passedOver = " and is passed over";
+constexpr const char* ignored = " and is ignored";
 
 template<class... Parts>
 EngineString Join(const Parts&... parts)
@@ -21,7 +21,7 @@ EngineString Join(const Parts&... parts)
     return text;
 }
 
-// The two mistakes that are made most.
+// The two most common mistakes.
 const char* HintFor(std::string_view keyword)
 {
     const auto isSmall = [](char letter) { return letter >= 'a' && letter <= 'z'; };
@@ -35,7 +35,7 @@ EngineString DescribeUnreadable(const DefinitionRemark& remark)
 {
     return remark.found
         ? Join(remark.keyword, ": expected ", remark.text, ", got '", remark.found, "'", stops)
-        : Join(remark.keyword, ": expected ", remark.text, ", and nothing stands there", stops);
+        : Join(remark.keyword, ": expected ", remark.text, ", got nothing", stops);
 }
 
 } // namespace
@@ -51,27 +51,27 @@ EngineString DescribeRemark(const DefinitionRemark& remark)
     case DefinitionFault::NoDefinition:
         return "there is no *SOUND_DEFINITION with a block";
     case DefinitionFault::NoFile:
-        return "no sound file is named by *FILE";
+        return "*FILE does not name a sound file";
     case DefinitionFault::OutsideDefinition:
-        return Join(keyword, " stands outside the definition", passedOver);
+        return Join(keyword, " is outside the definition", ignored);
     case DefinitionFault::UnknownKeyword:
-        return Join(keyword, " is unknown here", HintFor(keyword.GetView()), passedOver);
+        return Join(keyword, " is unknown here", HintFor(keyword.GetView()), ignored);
     case DefinitionFault::LeftOver:
-        return Join("after ", keyword, " stands more than it takes, which is passed over");
+        return Join(keyword, ": extra values are ignored");
     case DefinitionFault::Unreadable:
         return DescribeUnreadable(remark);
     case DefinitionFault::Refused:
-        return Join(keyword, " ", remark.value, " is below ", remark.least, stops);
+        return Join(keyword, " ", remark.value, " is below ", remark.minimum, stops);
     case DefinitionFault::OutOfRange:
-        return Join(keyword, " ", remark.value, " is outside ", remark.least, " to ", remark.most);
+        return Join(keyword, " ", remark.value, " is outside ", remark.minimum, " to ", remark.maximum);
     case DefinitionFault::RateDropped:
-        return "a sound with effects cannot change its rate; the rate asked for is dropped";
+        return "a sound with effects cannot change its rate; the requested rate is ignored";
     case DefinitionFault::NoBlock:
         return Join(keyword, " has no block", stops);
     case DefinitionFault::TooFewPoints:
         return Join("a line needs two points", stops);
     case DefinitionFault::Lost:
-        return Join(keyword, " is lost, since the reading has stopped before it");
+        return Join(keyword, " is lost: the reading stopped before it");
     case DefinitionFault::Text:
         break;
     }

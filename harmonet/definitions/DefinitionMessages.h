@@ -6,13 +6,13 @@
 namespace Quon
 {
 
-/// While it lives, the remarks on one definition become messages, each with the name of the file and the
-/// line, as well as going to the listener that was there before. It lives during one load, in the place of
-/// that listener. Internal to the definitions.
+/// During its lifetime, turns the remarks on one definition into messages with file name and line, and also
+/// forwards them to the previous listener. It replaces that listener during one load. Internal to the
+/// definitions.
 class DefinitionMessages final : public DefinitionListener
 {
 public:
-    /// `listenerPlace` is where the listener is kept. Without a message hook nothing is changed.
+    /// `listenerPlace` is the variable that holds the listener. Does nothing without a message hook.
     DefinitionMessages(DefinitionListener*& listenerPlace, const PString& newOwner, const char* newName);
     ~DefinitionMessages() override;
 

@@ -8,7 +8,7 @@ namespace
 
 DefinitionFault ToFault(const BlockReaderListener::Skipped& skipped)
 {
-    if (skipped.isBehindEnd) {
+    if (skipped.isAfterEnd) {
         return DefinitionFault::Lost;
     }
     if (skipped.wasAsked) {
@@ -41,10 +41,10 @@ void DefinitionReport::OnFault(DefinitionFault fault) const
 }
 
 void DefinitionReport::CheckRange(const PString& keyword, const BlockReader& reader, double value,
-    double least, double most, DefinitionFault fault) const
+    double minimum, double maximum, DefinitionFault fault) const
 {
-    if (listener && !(value >= least && value <= most)) {
-        listener->OnRemark({fault, reader.GetLine(), keyword, nullptr, nullptr, value, least, most});
+    if (listener && !(value >= minimum && value <= maximum)) {
+        listener->OnRemark({fault, reader.GetLine(), keyword, nullptr, nullptr, value, minimum, maximum});
     }
 }
 

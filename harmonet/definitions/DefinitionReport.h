@@ -6,8 +6,8 @@
 namespace Quon
 {
 
-/// Puts what the reading of a definition comes across into remarks, for a listener that need not be there.
-/// Cheap to make where it is needed. Internal to the definitions.
+/// Turns the findings of reading a definition into remarks for an optional listener. Cheap to construct where
+/// it is needed. Internal to the definitions.
 class DefinitionReport final : public BlockReaderListener
 {
 public:
@@ -18,16 +18,16 @@ public:
 
     bool IsWanted() const { return listener != nullptr; }
 
-    /// A keyword that a reader has given out in that line.
+    /// A keyword that a reader has returned on that line.
     void OnKeyword(const PString& block, const PString& keyword, int line) const;
     void OnFault(DefinitionFault fault, const PString& keyword, int line) const;
     /// A fault of the file as a whole.
     void OnFault(DefinitionFault fault) const;
     /// A value that is none of the words that the keyword takes. The reading stops there.
     void OnUnreadableWord(const PString& keyword, int line, const char* wanted, const char* found) const;
-    /// Remarks on a value that lies outside its range.
-    void CheckRange(const PString& keyword, const BlockReader& reader, double value, double least,
-        double most, DefinitionFault fault = DefinitionFault::OutOfRange) const;
+    /// Remarks on a value out of range.
+    void CheckRange(const PString& keyword, const BlockReader& reader, double value, double minimum,
+        double maximum, DefinitionFault fault = DefinitionFault::OutOfRange) const;
 
     void OnSkipped(const Skipped& skipped) override;
     void OnUnreadable(const PString& keyword, int line, const char* wanted, const char* found) override;
@@ -35,7 +35,7 @@ public:
 
 private:
     DefinitionListener* listener;
-    int unreadableLine = 0; ///< The last value that could not be read stands here, and has its remark.
+    int unreadableLine = 0; ///< Line of the last unreadable value, which already has its remark.
 };
 
 } // namespace Quon

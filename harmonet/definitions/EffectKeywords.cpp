@@ -19,7 +19,7 @@ enum Kind : bool
     Int = true
 };
 
-// The ranges are those of the DirectX 8 effects whose records these are.
+// The ranges are those of the corresponding DirectX 8 effects.
 
 constexpr EffectField envReverbFields[] = {
     {Keys::room, offsetof(FXEnvReverb, room), Int, -10000, 0},

@@ -5,8 +5,8 @@
 namespace Quon
 {
 
-/// The effects that a sound can carry. The value is also the effect's bit number in the mask of
-/// SoundSystem::EnableResourceFX() and its place in the table of defaults.
+/// The effects of a sound. The value is also the effect's bit number in the mask of
+/// SoundSystem::EnableResourceFX() and its index in the table of defaults.
 enum SndFX : std::uint32_t
 {
     SndFXEnvReverb = 0,
@@ -18,16 +18,17 @@ enum SndFX : std::uint32_t
     SndFXParamEq = 6,
     SndFXGargle = 7,
     SndFXWavesReverb = 8,
-    /// The source side of an environmental reverb. It has no bit in the mask, and no definition names it.
+    /// The source side of an environmental reverb. It has no bit in the mask and cannot be used in
+    /// definitions.
     SndFXEnvReverbSource = 9
 };
 
-/// How many effects a definition can name and the mask can turn off: SndFXEnvReverb to SndFXWavesReverb.
+/// Number of effects that definitions can use and the mask can disable: SndFXEnvReverb to SndFXWavesReverb.
 inline constexpr unsigned int numResourceFX = 9;
 
 // The records are plain structures of 32-bit fields, laid out like the DirectX 8 effect parameter structures
-// named with them and in the same units. The library stores and copies them and looks at no field; what a
-// driver makes of a value out of range is the driver's affair.
+// named with them and in the same units. The library stores and copies them without reading any field; the
+// handling of values out of range is up to the driver.
 
 /// DSFXChorus.
 struct FXChorus
@@ -125,16 +126,16 @@ struct FXEnvReverb
     float hfReference; ///< Hz, 20 to 20000.
 };
 
-/// The I3DL2 source properties. The library passes the nine words on without reading them; the names say what
-/// a driver is to read in them.
+/// The I3DL2 source properties. The library passes the nine words on without reading them; the names tell a
+/// driver how to interpret them.
 struct FXEnvReverbSourceProperties
 {
     std::int32_t direct; ///< Hundredths of a decibel, on the direct path.
     std::int32_t directHF; ///< Hundredths of a decibel, on the direct path's high frequencies.
-    std::int32_t room; ///< Hundredths of a decibel, on the way into the room.
-    std::int32_t roomHF; ///< Hundredths of a decibel, on that way's high frequencies.
+    std::int32_t room; ///< Hundredths of a decibel, on the path into the room.
+    std::int32_t roomHF; ///< Hundredths of a decibel, on that path's high frequencies.
     float roomRolloffFactor; ///< Factor.
-    std::int32_t obstructionHF; ///< Hundredths of a decibel: something stands between, in the same room.
+    std::int32_t obstructionHF; ///< Hundredths of a decibel: an obstacle in the same room.
     float obstructionLFRatio; ///< Part of it that low frequencies suffer, 0.0 to 1.0.
     std::int32_t occlusionHF; ///< Hundredths of a decibel: the source is in another room.
     float occlusionLFRatio; ///< Part of it that low frequencies suffer, 0.0 to 1.0.

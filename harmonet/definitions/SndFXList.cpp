@@ -11,7 +11,7 @@ namespace Quon
 namespace
 {
 
-/// What stands at the start of a block.
+/// The header of a block.
 struct BlockHead
 {
     std::uint32_t size;
@@ -47,7 +47,7 @@ SndFXDesc* GetNextDesc(SndFXDesc* desc)
     return reinterpret_cast<SndFXDesc*>(reinterpret_cast<unsigned char*>(desc + 1) + desc->size);
 }
 
-// Writes the parameters into an entry whose head stands.
+// Writes the parameters into an entry whose header is complete.
 void StoreRecord(SndFXDesc* desc, const void* record, unsigned long size, long quality)
 {
     auto* body = reinterpret_cast<unsigned char*>(desc + 1);
@@ -81,7 +81,7 @@ void SndFXList::AddFX(SndFX effect, const void* record, unsigned long size, long
     desc->effect = effect;
     desc->size = static_cast<std::uint32_t>(size);
     StoreRecord(desc, record, size, quality);
-    // Only now: the record may come from the old block.
+    // Freed last: the record may point into the old block.
     Alloc::Delete(block);
     block = grown;
 }

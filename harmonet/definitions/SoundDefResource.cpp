@@ -27,8 +27,8 @@ constexpr int maxFrequencyHz = 100000;
 constexpr std::size_t coordinatesPerPoint = 3;
 constexpr std::size_t minPoints = 2;
 
-constexpr double mostFloat = std::numeric_limits<float>::max();
-constexpr double mostInt = std::numeric_limits<int>::max();
+constexpr double maxFloat = std::numeric_limits<float>::max();
+constexpr double maxInt = std::numeric_limits<int>::max();
 
 template<class Store>
 bool ReadFlag(BlockReader& reader, Store store)
@@ -76,7 +76,7 @@ public:
             std::memcpy(bytes + field.offset, &number, sizeof number);
         }
         const double value = field.isInt ? whole : number;
-        report.CheckRange(field.keyword, reader, value, field.least, field.most);
+        report.CheckRange(field.keyword, reader, value, field.minimum, field.maximum);
         return true;
     }
 
@@ -91,22 +91,22 @@ private:
 
 DefinitionListener* SoundDefResource::listener = nullptr;
 
-/// The reading of a definition's own block.
+/// The state of reading a definition's own block.
 struct SoundDefResource::Reading
 {
     const SoundDefResource& sound;
     BlockReader& reader;
     const PString& keyword; ///< The one being read.
-    int line = 0; ///< Of that keyword.
+    int line = 0; ///< Its line.
     const DefinitionReport& report;
     bool hasFile = false;
 
-    bool ReadFloat(float& value, double least, double most)
+    bool ReadFloat(float& value, double minimum, double maximum)
     {
         if (!reader.ReadFloat(value)) {
             return false;
         }
-        report.CheckRange(keyword, reader, value, least, most);
+        report.CheckRange(keyword, reader, value, minimum, maximum);
         return true;
     }
 
@@ -115,12 +115,12 @@ struct SoundDefResource::Reading
         if (!reader.ReadInt(value)) {
             return false;
         }
-        report.CheckRange(keyword, reader, value, 0, mostInt);
+        report.CheckRange(keyword, reader, value, 0, maxInt);
         return true;
     }
 };
 
-/// A keyword with a value. `read` takes the value; false ends the reading.
+/// A keyword with a value. `read` reads the value; if it returns false, reading ends.
 struct SoundDefResource::Setting
 {
     const PString& keyword;
@@ -153,7 +153,7 @@ Result SoundDefResource::LoadTxt(const ResourceDatabase*, char* path) const
     File file;
     const Result opened = file.Open(GetOwnerName(), path, File::modeRead);
     if (!opened.IsOk()) {
-        // A file of no bytes cannot be opened, but it is read like any other without a definition.
+        // An empty file cannot be opened, but is handled like any other file without a definition.
         if (opened.GetCode() == File::Empty) {
             Init();
             report.OnFault(DefinitionFault::NoDefinition);
@@ -171,9 +171,9 @@ Result SoundDefResource::LoadTxt(const ResourceDatabase*, char* path) const
     reader.Init(file);
     Init();
     const bool isRead = ReadDataTxt(&reader);
-    // Nothing behind the definition counts, but whoever wrote it may want to know.
-    PString passedOver;
-    while (report.IsWanted() && reader.Next(passedOver)) {
+    // Anything after the definition is ignored, but its author may want to know.
+    PString ignored;
+    while (report.IsWanted() && reader.Next(ignored)) {
     }
     file.Close();
     return Result(isRead ? Loaded : LoadFailed);
@@ -232,8 +232,8 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
         {Keys::gain, [](R r) { return r.ReadFloat(r.sound.gain, 0, 1); }},
         {Keys::lowPass, [](R r) { return r.ReadFloat(r.sound.lowPass, 0, 1); }},
         {Keys::delay, [](R r) { return r.sound.ReadDelay(r.reader); }},
-        {Keys::minDistance, [](R r) { return r.ReadFloat(r.sound.minDistance, 0, mostFloat); }},
-        {Keys::maxDistance, [](R r) { return r.ReadFloat(r.sound.maxDistance, 0, mostFloat); }},
+        {Keys::minDistance, [](R r) { return r.ReadFloat(r.sound.minDistance, 0, maxFloat); }},
+        {Keys::maxDistance, [](R r) { return r.ReadFloat(r.sound.maxDistance, 0, maxFloat); }},
         {Keys::cutout, [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.cutout = on; }); }},
         {Keys::innerConeAngle, [](R r) { return r.ReadFloat(r.sound.innerConeAngle, 0, 360); }},
         {Keys::outerConeAngle, [](R r) { return r.ReadFloat(r.sound.outerConeAngle, 0, 360); }},
@@ -254,7 +254,7 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
     return nullptr;
 }
 
-// A sound with effects cannot change its rate, in whichever order the keywords stand.
+// A sound with effects cannot change its rate, whatever the order of the keywords.
 void SoundDefResource::PreferEffects(const Reading& reading) const
 {
     if (fxList.GetNumEffects() == 0 || !(chgFrequency || variation.VariesFrequency())) {
@@ -280,7 +280,7 @@ bool SoundDefResource::ReadFrequency(BlockReader& reader) const
         frequency = hz;
         chgFrequency = true;
     }
-    // 0 asks for the rate of the file, which it has.
+    // 0 selects the rate of the file, which is the default.
     if (hz != 0) {
         DefinitionReport(listener).CheckRange(Keys::frequency, reader, hz, minFrequencyHz, maxFrequencyHz);
     }
@@ -295,7 +295,7 @@ bool SoundDefResource::ReadDelay(BlockReader& reader) const
     if (delay >= 0) {
         return true;
     }
-    DefinitionReport(listener).CheckRange(Keys::delay, reader, delay, 0, mostInt, DefinitionFault::Refused);
+    DefinitionReport(listener).CheckRange(Keys::delay, reader, delay, 0, maxInt, DefinitionFault::Refused);
     delay = 0;
     return false;
 }
@@ -361,7 +361,7 @@ bool SoundDefResource::ReadNumAddSounds(BlockReader& reader) const
         return true;
     }
     DefinitionReport(listener).CheckRange(
-        Keys::num_add_sounds, reader, numAddSounds, 0, mostInt, DefinitionFault::Refused);
+        Keys::num_add_sounds, reader, numAddSounds, 0, maxInt, DefinitionFault::Refused);
     numAddSounds = 0;
     return false;
 }

@@ -8,7 +8,7 @@ namespace Quon
 
 class BlockReader;
 
-/// A sound as a designer defines it: the settings of a `SoundResource`, read from a text.
+/// A sound definition: the settings of a `SoundResource`, read from a text file.
 ///
 ///     *SOUND_DEFINITION
 ///     {
@@ -17,14 +17,13 @@ class BlockReader;
 ///         *FX_ECHO { *FEEDBACK 30 }
 ///     }
 ///
-/// The text form is that of `BlockReader`. A keyword that is not known where it stands is passed over, one
-/// that is missing leaves its default, and the order matters in one point: a value that cannot be read ends
-/// the reading, what was read so far stays, and a definition that has not named its "*FILE" by then does not
-/// load. Nothing is clamped or scaled, but for variation and limits, where a number out of range counts as
-/// the default.
+/// `BlockReader` describes the syntax. A keyword that is unknown in its block is ignored, and a missing one
+/// keeps its default. The order matters in one point: a value that cannot be read ends the reading, the
+/// settings read so far are kept, and a definition without a "*FILE" up to there does not load. No value is
+/// clamped or scaled, except that for variation and limits a number out of range is replaced by the default.
 ///
-/// The database owns it and loads it. The keywords exist once `SoundSystem::Init` or `HarmonetStrings::Init`
-/// has run; before that every definition fails to load.
+/// The database owns it and loads it. The keywords exist after `SoundSystem::Init` or
+/// `HarmonetStrings::Init`; before that every definition fails to load.
 class HARMONET_API SoundDefResource : public SoundResource
 {
 public:
@@ -33,23 +32,22 @@ public:
     ~SoundDefResource() override;
 
     using SoundResource::Load;
-    /// Answers 6 and does nothing: a definition is a text.
+    /// Does nothing and returns 6, since a definition is a text.
     Result Load(const ResourceDatabase* database, char* path) const override;
-    /// Reads the definition of that name below the folder of GetOwnerName(). 0, or 1 if the file cannot be
-    /// opened, and then the settings but effects and line stay as they were; or 1 if it holds no definition
-    /// or the definition's file name is not among what could be read.
+    /// Reads the definition of that name below the folder of GetOwnerName(). Returns 0 on success. Returns 1
+    /// if the file cannot be opened; the settings other than effects and line are then unchanged. Also
+    /// returns 1 if the file holds no definition, or the definition's file name was not read.
     Result LoadTxt(const ResourceDatabase* database, char* path) const override;
 
-    /// Reads the first definition of a text into the settings. True if the last "*FILE" that was met had a
-    /// value.
+    /// Reads the first definition of a text into the settings. Returns true if the last "*FILE" had a value.
     virtual bool ReadDataTxt(BlockReader* reader) const;
 
-    /// Sets who hears of what is wrong with the definitions that are loaded from now on, null for nobody, and
-    /// returns the one before. Not owned. For the thread that loads resources.
+    /// Sets the listener that receives remarks on definitions loaded from now on, null for none, and returns
+    /// the previous one. The listener is not owned. Call it on the thread that loads resources.
     static DefinitionListener* SetListener(DefinitionListener* newListener);
 
 protected:
-    /// These read the block behind the last keyword of `reader`. False, with no points or without adding the
+    /// These read the block of the last keyword of `reader`. They return false, and set no points or add no
     /// effect, if a value in it could not be read; a line also needs two points.
     bool ReadPolyline(BlockReader* reader) const;
     bool ReadFXParam(BlockReader* reader, SndFX effect) const;

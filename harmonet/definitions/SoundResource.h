@@ -13,12 +13,12 @@ namespace Quon
 class Music;
 class Sound;
 
-/// What a sound is in the resource database: how one sound is to be played, and the name of its file. It
-/// plays nothing and holds no sound data.
+/// A sound in the resource database: the settings for playing it and the name of its file. It does not play
+/// the sound and holds no sound data.
 ///
-/// This class stands for a plain sound file, with the defaults below; SoundDefResource reads them from a
-/// text. The database owns it. Whoever wants the settings takes a reference, locks, reads, unlocks and
-/// releases; they are valid between lock and unlock. Cannot be copied.
+/// This class represents a plain sound file with the default settings below; SoundDefResource reads them from
+/// a text. The database owns it. To read the settings, add a reference, lock, read, unlock and release; they
+/// are valid between lock and unlock. Cannot be copied.
 class HARMONET_API SoundResource : public Resource
 {
 public:
@@ -31,11 +31,12 @@ public:
     using Resource::Load;
     /// Sets the defaults, and `path` as the name of the sound file, which is not opened. Always succeeds.
     Result Load(const ResourceDatabase* database, char* path) const override;
-    /// The same, through Load().
+    /// Same as Load().
     Result LoadTxt(const ResourceDatabase* database, char* path) const override;
 
-    /// Called for a sound or piece of music that has just been set up from this resource, which is locked.
-    /// These do nothing and return true; the result is ignored. A derived resource can act on the new sound.
+    /// Called for a sound or piece of music after it has been set up from this resource, which is locked. The
+    /// defaults do nothing and return true; the result is ignored. A derived resource can change the new
+    /// sound.
     virtual bool ApplySoundSettings(Sound* sound, int soundID) const;
     virtual bool ApplyMusicSettings(Music* music) const;
 
@@ -50,7 +51,7 @@ public:
     float GetGain() const { return gain; }
     /// Linear gain of the high frequencies. Default 1.0.
     float GetLowPass() const { return lowPass; }
-    /// How much of the Doppler effect the sound has, a factor. Default 1.0.
+    /// Factor on the sound's Doppler effect. Default 1.0.
     float GetDoppler() const { return doppler; }
     /// Degrees. Default 180.0 for both: no cone.
     float GetInnerConeAngle() const { return innerConeAngle; }
@@ -62,32 +63,32 @@ public:
     float GetMaxDistance() const { return maxDistance; }
     /// Name of the sound file below the folder of GetOwnerName().
     PString& GetFileName() const { return fileName; }
-    /// Hz; 0, the default, for the file's own rate.
+    /// Hz; 0, the default, selects the file's own rate.
     int GetFrequency() const { return frequency; }
     /// Milliseconds before the sound starts.
     int GetDelay() const { return delay; }
     const Vector3& GetPosition() const { return position; }
     /// Additional sources of a sound along a line.
     int GetNumAddSounds() const { return numAddSounds; }
-    /// Degrees: the least angle between two of its sources, as seen from the listener. Default 45.0.
+    /// Degrees: the minimum angle between two of its sources, as seen from the listener. Default 45.0.
     float GetMinAngle() const { return minAngle; }
-    /// The points of the line, owned by the resource; null and 0 for a sound that is none.
+    /// The points of the line, owned by the resource; null and 0 for a sound that is not along a line.
     int GetNumPoints() const { return numPoints; }
     const Vector3* GetPolyline() const { return polyline; }
-    /// The loop region of a sound that loops, in sample frames; 0 and 0, the default, for the whole file, and
-    /// an end of 0 for the file's.
+    /// The loop region of a looping sound, in sample frames; 0 and 0, the default, select the whole file, and
+    /// an end of 0 that of the file.
     int GetLoopStart() const { return loopStart; }
     int GetLoopEnd() const { return loopEnd; }
-    /// The effects; the block is the resource's.
+    /// The effects; the resource owns the block.
     const SndFXList GetFXList() const { return fxList; }
-    /// What differs from start to start; nothing by default.
+    /// The variation between starts; none by default.
     const SoundVariation& GetVariation() const { return variation; }
-    /// How many run at once and how closely starts follow; no limits by default.
+    /// The maximum number of instances and the minimum interval of starts; no limits by default.
     const SoundLimits& GetLimits() const { return limits; }
 
 protected:
-    /// Sets the defaults of all settings but the file name and the effects. The points are dropped without
-    /// being freed: that is the caller's affair.
+    /// Sets the defaults of all settings except the file name and the effects. The points are dropped without
+    /// being freed; the caller must free them.
     virtual void Init() const;
     /// Frees the points of the line.
     void FreePolyline() const;

@@ -8,22 +8,22 @@
 namespace Quon
 {
 
-/// Which of its files a sound takes at a start.
+/// The order in which a sound's files are selected at its starts.
 enum class VariantOrder : std::uint8_t
 {
-    Random, ///< At random, and never the same twice in a row.
-    Sequence ///< In turn, in the order in which they stand in the definition.
+    Random, ///< Random, without immediate repetition.
+    Sequence ///< One after the other, in the order of the definition.
 };
 
-/// Which sound gives way when a definition has as many instances as it may have.
+/// The sound that is dropped when a definition has reached its maximum number of instances.
 enum class SoundStealing : std::uint8_t
 {
-    Oldest, ///< The one that was started first.
-    Quietest, ///< The one of the lowest level at the listener; the new one, if that is it.
-    None ///< The new one, which does not start.
+    Oldest, ///< The sound started first.
+    Quietest, ///< The sound with the lowest level at the listener, which can be the new one.
+    None ///< The new sound, which does not start.
 };
 
-/// What differs from start to start of one definition.
+/// The variation between the starts of one definition.
 struct SoundVariation
 {
     EngineVector<PString> variants; ///< Sound files besides SoundResource::GetFileName().
@@ -39,12 +39,12 @@ struct SoundVariation
     bool VariesAnything() const { return !variants.empty() || VariesGain() || VariesFrequency(); }
 };
 
-/// How often one definition may be heard. Counts and times are those of the whole game, whatever the group.
+/// Limits the sounds of one definition. They apply to the whole game, across groups.
 struct SoundLimits
 {
-    int maxInstances = 0; ///< Sounds that run at once; 0 for any number.
+    int maxInstances = 0; ///< Maximum number of running sounds; 0 for no limit.
     SoundStealing stealing = SoundStealing::Oldest; ///< Which sound gives way when there are too many.
-    int minIntervalMs = 0; ///< Between two starts.
+    int minIntervalMs = 0; ///< Minimum time between two starts.
 
     /// Whether a start can be refused.
     bool LimitsAnything() const { return maxInstances > 0 || minIntervalMs > 0; }

@@ -16,9 +16,9 @@ namespace
 
 using Keys = HarmonetStrings;
 
-constexpr double mostDecibels = 60.0;
-constexpr double leastFrequencyFactor = 0.1;
-constexpr double mostFrequencyFactor = 10.0;
+constexpr double maxDecibels = 60.0;
+constexpr double lowestFrequencyFactor = 0.1;
+constexpr double highestFrequencyFactor = 10.0;
 
 // In the order of the enumerations.
 constexpr const char* orderWords[] = {"random", "sequence"};
@@ -36,10 +36,10 @@ bool VariationReader::Read(const PString& keyword, BlockReader& reader, bool& is
     }
     else if (keyword == Keys::gainRange) {
         isRead = ReadRange(
-            keyword, reader, -mostDecibels, mostDecibels, 0.0F, variation.minGainDb, variation.maxGainDb);
+            keyword, reader, -maxDecibels, maxDecibels, 0.0F, variation.minGainDb, variation.maxGainDb);
     }
     else if (keyword == Keys::frequencyRange) {
-        isRead = ReadRange(keyword, reader, leastFrequencyFactor, mostFrequencyFactor, 1.0F,
+        isRead = ReadRange(keyword, reader, lowestFrequencyFactor, highestFrequencyFactor, 1.0F,
             variation.minFrequencyFactor, variation.maxFrequencyFactor);
     }
     else if (keyword == Keys::maxInstances) {
@@ -67,7 +67,7 @@ bool VariationReader::ReadVariant(BlockReader& reader)
     return true;
 }
 
-// A range with a number out of bounds is none.
+// A range with a number out of bounds is ignored.
 bool VariationReader::ReadRange(const PString& keyword, BlockReader& reader, double least, double most,
     float normal, float& minimum, float& maximum) const
 {
@@ -109,7 +109,7 @@ bool VariationReader::ReadWord(const PString& keyword, BlockReader& reader, cons
         value = static_cast<Value>(found - std::begin(words));
         return true;
     }
-    // A missing value has its remark from the reader.
+    // The reader has already reported a missing value.
     if (isThere) {
         const char* shown = text.GetText();
         report.OnUnreadableWord(keyword, reader.GetLine(), wanted, shown ? shown : "");

@@ -9,8 +9,7 @@ namespace Quon
 class BlockReader;
 class DefinitionReport;
 
-/// The keywords of a definition that say what differs from start to start and how often it may be heard.
-/// Internal to the definitions.
+/// The keywords of a definition for its variation between starts and its limits. Internal to the definitions.
 class VariationReader
 {
 public:
@@ -21,8 +20,8 @@ public:
     {
     }
 
-    /// Reads the values of that keyword. `isRead` is false if one of them could not be read, which ends the
-    /// reading of the definition. Returns whether the keyword is one of these.
+    /// Reads the values of that keyword. Sets `isRead` to false if one of them could not be read, which ends
+    /// the reading of the definition. Returns whether the keyword is one of these.
     bool Read(const PString& keyword, BlockReader& reader, bool& isRead);
 
 private:

@@ -11,7 +11,7 @@ namespace Quon
 namespace
 {
 
-/// Publishes nothing: it is only ever counted and shown.
+/// Publishes no other data: a plain counter.
 std::atomic<std::size_t> liveBlocks{0};
 
 // Set while no other thread allocates.

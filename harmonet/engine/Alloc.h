@@ -11,28 +11,31 @@
 namespace Quon
 {
 
-/// The memory of the whole system. Every object and buffer that crosses a library border comes from here, so
-/// that the library that frees it need not be the one that made it, and so that a host can count what lives.
-/// All of it may be called from any thread.
+/// The memory allocator of the whole system. Every object and buffer that crosses a library boundary is
+/// allocated here, so that one library can free what another has allocated, and so that a host can count live
+/// blocks. All functions are thread-safe.
 class HARMONET_ENGINE_API Alloc
 {
 public:
-    /// Gives a block of at least \p bytes bytes, aligned for every fundamental type, with undefined content.
+    /// Returns a block of at least \p bytes bytes, aligned for every fundamental type, with undefined
+    /// content.
     ///
-    /// Never gives null: throws std::bad_alloc when the system has no memory. A size of 0 gives a block too.
+    /// Never returns null: throws std::bad_alloc when the system is out of memory. A size of 0 also returns a
+    /// block.
     static void* New(unsigned int bytes);
 
-    /// Takes back a block that New() gave. Null is ignored.
+    /// Frees a block returned by New(). Null is ignored.
     static void Delete(void* block);
 
-    /// How many blocks New() has given that Delete() has not taken back, in all libraries together.
+    /// Returns the number of blocks, in all libraries together, that New() has returned and Delete() has not
+    /// freed.
     static std::size_t LiveBlocks();
 };
 
-/// Empty base of a class whose objects come from Alloc when they are made with `new`.
+/// Empty base class that makes `new` allocate the objects of a class with Alloc.
 ///
-/// A single object or array of 4 GiB or more is refused with std::bad_alloc. Types that need more than the
-/// fundamental alignment cannot be made this way: the operators for them are deleted.
+/// A single object or array of 4 GiB or more throws std::bad_alloc. Over-aligned types are not supported: the
+/// operators for them are deleted.
 class Allocated
 {
 public:
@@ -57,9 +60,9 @@ private:
     }
 };
 
-/// Lets the containers of the standard library take their memory from Alloc.
+/// An allocator for standard containers that uses Alloc.
 ///
-/// A request of 4 GiB or more is refused with std::bad_alloc.
+/// A request of 4 GiB or more throws std::bad_alloc.
 template<class T>
 class EngineAllocator
 {
@@ -77,8 +80,8 @@ public:
     /// Room for `count` elements, not constructed. Throws std::bad_alloc.
     T* allocate(std::size_t count)
     {
-        static_assert(alignof(T) <= alignof(std::max_align_t), "Alloc gives the fundamental alignment only");
-        // NOLINTNEXTLINE(bugprone-sizeof-expression): an element may well be a pointer.
+        static_assert(alignof(T) <= alignof(std::max_align_t), "Alloc provides fundamental alignment only");
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): an element may be a pointer.
         constexpr std::size_t elementBytes = sizeof(T);
         if (count > std::numeric_limits<unsigned int>::max() / elementBytes) {
             throw std::bad_alloc();

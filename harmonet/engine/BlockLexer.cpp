@@ -15,7 +15,7 @@ bool IsLineEnd(int character)
     return character == '\n' || character == '\r';
 }
 
-/// Blanks and all control characters, among them the zero that would cut a text short.
+/// Blanks and all control characters, including the zero, which would truncate a text.
 bool IsBlank(int character)
 {
     return (character >= 0 && character <= ' ' && !IsLineEnd(character)) || character == 0x7F;
@@ -68,7 +68,7 @@ void BlockLexer::Fault(int faultLine, const char* fault) const
     }
 }
 
-/// The character \p ahead places behind the next one, as an unsigned byte, or `endOfFile`.
+/// The character \p ahead places after the next one, as an unsigned byte, or `endOfFile`.
 int BlockLexer::PeekCharacter(std::size_t ahead)
 {
     if (position + ahead >= filled) {
@@ -77,7 +77,7 @@ int BlockLexer::PeekCharacter(std::size_t ahead)
     return position + ahead < filled ? static_cast<unsigned char>(buffer[position + ahead]) : endOfFile;
 }
 
-/// Moves what is left to the front and reads on behind it.
+/// Moves the remaining bytes to the front and reads more after them.
 void BlockLexer::Refill()
 {
     std::copy(buffer.begin() + position, buffer.begin() + filled, buffer.begin());
@@ -148,11 +148,11 @@ void BlockLexer::ReadQuoted()
     while (PeekCharacter() != '"') {
         const int character = PeekCharacter();
         if (character == endOfFile || IsLineEnd(character)) {
-            Fault(token.line, "a text has no closing quote in its line");
+            Fault(token.line, "a text has no closing quote on its line");
             token.kind = Kind::Broken;
             return;
         }
-        // A zero would cut the text short.
+        // A zero would truncate the text.
         Append(character != 0 ? static_cast<char>(character) : ' ');
         TakeCharacter();
     }
@@ -160,7 +160,7 @@ void BlockLexer::ReadQuoted()
     FinishText(Kind::Quoted);
 }
 
-/// Keeps what fits; what does not is only counted, and only so far that it shows.
+/// Stores characters that fit and counts the others, up to the first that does not fit.
 void BlockLexer::Append(char character)
 {
     if (textLength < text.size() - 1) {

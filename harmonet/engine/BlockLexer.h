@@ -11,18 +11,17 @@ namespace Quon
 class BlockReaderListener;
 class File;
 
-/// Cuts the text of a BlockReader into its parts; the text form is told there. Internal to the engine, owned
-/// by the reader.
+/// The tokenizer of BlockReader, which documents the syntax. Internal to the engine; owned by the reader.
 class BlockLexer : public Allocated
 {
 public:
     enum class Kind
     {
-        /// First in its line or behind a brace, beginning with an asterisk.
+        /// The first word in its line or after a brace, beginning with an asterisk.
         Keyword,
         Word,
         Quoted,
-        /// A word or quoted text that cannot be read; the listener has been told.
+        /// A word or quoted text that cannot be read; the listener has been notified.
         Broken,
         OpenBrace,
         CloseBrace,
@@ -32,10 +31,10 @@ public:
     struct Token
     {
         Kind kind = Kind::End;
-        /// Nothing stands before it in its line but braces, so that it is no value of a keyword.
+        /// Only braces precede it on its line, so it is not a value of a keyword.
         bool isFirst = false;
         int line = 0;
-        /// Valid until the next token is looked at; a zero stands behind it.
+        /// Zero-terminated; valid until the next token is read.
         std::string_view text;
 
         bool IsValue() const
@@ -48,11 +47,11 @@ public:
 
     void SetListener(BlockReaderListener* newListener) { listener = newListener; }
 
-    /// The token that comes next. It stays next until Take().
+    /// Returns the next token without consuming it; Take() does that.
     const Token& Peek();
     void Take() { isPeeked = false; }
 
-    /// Tells the listener, if there is one.
+    /// Notifies the listener, if there is one.
     void Fault(int line, const char* fault) const;
 
 private:
@@ -84,7 +83,7 @@ private:
     bool isAtStart = true;
     int line = 1;
 
-    /// The text of the token and a zero.
+    /// The zero-terminated text of the token.
     std::array<char, 4096> text;
     std::size_t textLength = 0;
 };

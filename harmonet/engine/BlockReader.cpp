@@ -16,7 +16,7 @@ namespace
 using Kind = BlockLexer::Kind;
 using Token = BlockLexer::Token;
 
-/// The whole word as a number. A plus sign is taken, which from_chars does not know.
+/// Parses the whole word as a number. A plus sign, which from_chars does not support, is accepted.
 template<class Number>
 bool ParseNumber(std::string_view word, Number& value)
 {
@@ -56,8 +56,7 @@ bool ParseBool(std::string_view word, bool& value)
 
 } // namespace
 
-/// What the readers of one tree share: the tokens, the depth at which the reading stands, and the last
-/// keyword.
+/// The state shared by the readers of one tree: the tokens, the current depth, and the last keyword.
 class BlockReader::Text : public Allocated
 {
 public:
@@ -73,30 +72,30 @@ public:
         listener = newListener;
     }
 
-    /// Moves on to the next keyword of the current block; false if the block or the file ends.
+    /// Advances to the next keyword of the current block; returns false at the end of the block or the file.
     bool FindKeyword();
-    /// Passes over what is left of the last keyword.
-    void LeaveKeyword(bool isBehindEnd);
-    /// Enters the block that comes next, if one does and there is room below.
+    /// Skips the rest of the last keyword.
+    void LeaveKeyword(bool isAfterEnd);
+    /// Enters the block if one comes next and the maximum depth is not exceeded.
     bool EnterBlock();
-    /// Passes over what is left of the current block and leaves it.
+    /// Skips the rest of the current block and leaves it.
     void LeaveBlock();
 
-    /// Returns how many there were.
+    /// Returns their number.
     int SkipValues();
-    void Report(int valueCount, bool hasBlock, bool isBehindEnd) const;
+    void Report(int valueCount, bool hasBlock, bool isAfterEnd) const;
     void ReportUnreadable(const char* wanted, const Token& token) const;
 
     BlockLexer lexer;
     BlockReaderListener* listener;
     int depth = 0;
-    /// There is a last keyword, and the reading still stands behind it.
+    /// Whether there is a last keyword, and the position is still after it.
     bool hasKeyword = false;
-    /// Something of the last keyword was asked for.
+    /// Whether a read of the last keyword was attempted.
     bool wasAsked = false;
     PString keyword;
     int keywordLine = 0;
-    /// The line of the last keyword that was given out.
+    /// The line of the last keyword returned.
     int givenLine = 0;
 
 private:
@@ -132,7 +131,7 @@ bool BlockReader::Text::FindKeyword()
     }
 }
 
-/// Passes over what belongs to no keyword.
+/// Skips tokens that do not belong to a keyword.
 void BlockReader::Text::SkipStray(const Token& token)
 {
     switch (token.kind) {
@@ -156,7 +155,7 @@ void BlockReader::Text::SkipStray(const Token& token)
     }
 }
 
-void BlockReader::Text::LeaveKeyword(bool isBehindEnd)
+void BlockReader::Text::LeaveKeyword(bool isAfterEnd)
 {
     if (!std::exchange(hasKeyword, false)) {
         return;
@@ -167,7 +166,7 @@ void BlockReader::Text::LeaveKeyword(bool isBehindEnd)
         SkipBlock();
     }
     if (valueCount > 0 || hasBlock || !wasAsked) {
-        Report(valueCount, hasBlock, isBehindEnd);
+        Report(valueCount, hasBlock, isAfterEnd);
     }
 }
 
@@ -213,7 +212,7 @@ int BlockReader::Text::SkipValues()
     return count;
 }
 
-/// Passes over the block whose opening brace comes next. A count and no recursion: no depth is too deep.
+/// Skips the block whose opening brace comes next. Counts instead of recursing, so the depth is unlimited.
 void BlockReader::Text::SkipBlock()
 {
     long long open = 0;
@@ -235,10 +234,10 @@ void BlockReader::Text::NoteEnd()
     }
 }
 
-void BlockReader::Text::Report(int valueCount, bool hasBlock, bool isBehindEnd) const
+void BlockReader::Text::Report(int valueCount, bool hasBlock, bool isAfterEnd) const
 {
     if (listener != nullptr) {
-        listener->OnSkipped({keyword, keywordLine, valueCount, hasBlock, wasAsked, isBehindEnd, depth});
+        listener->OnSkipped({keyword, keywordLine, valueCount, hasBlock, wasAsked, isAfterEnd, depth});
     }
 }
 
@@ -356,7 +355,7 @@ int BlockReader::GetLine() const
     return text != nullptr ? text->givenLine : 0;
 }
 
-/// The reading stands in this reader's block, and not in one below it or outside.
+/// Whether the position is in this reader's block, and not in an inner or outer one.
 bool BlockReader::IsCurrent() const
 {
     return text != nullptr && text->depth == depth;

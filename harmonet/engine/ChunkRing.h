@@ -8,10 +8,10 @@
 namespace Quon
 {
 
-/// A list of plain entries in a ring of chunks, each with room for `chunkSize` of them.
+/// A list of plain entries in a ring of chunks of `chunkSize` entries each.
 ///
-/// Appending moves no existing entry, so that a place in the list stays valid while entries are appended.
-/// Empty chunks are freed at once; an empty list owns no memory. Not for several threads.
+/// Appending does not move existing entries, so a `Place` stays valid while entries are appended. Empty
+/// chunks are freed at once; an empty list owns no memory. Not thread-safe.
 template<class T, int chunkSize>
 class ChunkRing
 {
@@ -34,7 +34,7 @@ public:
     ChunkRing& operator=(const ChunkRing&) = delete;
     ~ChunkRing() { Clear(); }
 
-    /// A place in the list: an entry, or behind the last one.
+    /// A position in the list: an entry, or the end.
     class Place
     {
     public:
@@ -43,7 +43,8 @@ public:
         T& operator*() const { return chunk->entries[index]; }
         T* operator->() const { return &chunk->entries[index]; }
 
-        /// To the next entry. The count of the chunk is read anew each time, for entries can be appended.
+        /// Advances to the next entry. Reads the chunk's count each time, since entries can be appended
+        /// meanwhile.
         void MoveOn()
         {
             ++index;
@@ -80,7 +81,7 @@ public:
     /// The first entry, or the end of an empty list.
     Place GetBegin() const { return Place(*this, first, 0); }
 
-    /// Appends behind the last entry, in a new chunk if the last one is full; returns the chunk.
+    /// Appends after the last entry, in a new chunk if the last one is full; returns the chunk.
     Chunk* Append(const T& entry)
     {
         if (!first || first->previous->count == chunkSize) {
@@ -91,7 +92,7 @@ public:
         return last;
     }
 
-    /// Takes the entry out; those behind it in its chunk move forward. The place is then the next entry.
+    /// Removes the entry; later entries of its chunk move forward. \p place then refers to the next entry.
     void Erase(Place& place)
     {
         Chunk* chunk = place.chunk;
@@ -110,9 +111,9 @@ public:
         place.SettleAtChunkEnd();
     }
 
-    /// Takes the entry out of its chunk; the last entry of the list moves into its place, so that all chunks
-    /// but the last stay full, if no entry has been taken out with Erase(). The entry must be there. Returns
-    /// the entry that has moved, or null.
+    /// Removes the entry from its chunk and moves the last entry of the list into its place, so that all
+    /// chunks but the last stay full, unless Erase() has been used. The entry must exist. Returns the moved
+    /// entry, or null.
     T* EraseUnordered(Chunk* chunk, const T& entry)
     {
         int index = 0;

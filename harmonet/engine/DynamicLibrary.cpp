@@ -27,12 +27,12 @@ bool DynamicLibrary::Open(const char* name)
     }
     if (std::string_view(name).find_first_of(NativeLibrary::GetSeparators()) != std::string_view::npos) {
         if (!NativeLibrary::Exists(name)) {
-            Report(MessageLevel::Warning, "library '", name, "' is not there");
+            Report(MessageLevel::Warning, "library '", name, "' does not exist");
         }
         return OpenFile(name);
     }
-    // The loader is asked last, and not about a file that was found and refused: it could find the same one
-    // by a path of its own and would not look at it as closely.
+    // The loader comes last, and not for a file that was found and refused: it could find the same file on
+    // its own search path and would not check it as closely.
     bool isRefused = false;
     for (const EngineString& place : Places()) {
         const EngineString path = place + name;
@@ -58,7 +58,7 @@ bool DynamicLibrary::GetSymbol(void** address, const char* name)
     return *address != nullptr;
 }
 
-/// The folders to look in, each with a separator at its end.
+/// The folders to search, each with a trailing separator.
 EngineVector<EngineString> DynamicLibrary::Places() const
 {
     EngineVector<EngineString> places;
@@ -81,7 +81,7 @@ bool DynamicLibrary::OpenFile(const EngineString& path)
         return Load(path.c_str());
     }
     if (NativeLibrary::Exists(path.c_str())) {
-        Report(MessageLevel::Warning, "library '", path, "' is no library, or only the first part of one");
+        Report(MessageLevel::Warning, "library '", path, "' is not a library, or is truncated");
     }
     return false;
 }

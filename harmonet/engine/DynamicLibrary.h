@@ -5,7 +5,7 @@
 namespace Quon
 {
 
-/// What the file name of a loadable library ends with on this platform.
+/// The extension of loadable libraries on this platform.
 #if defined(_WIN32)
 constexpr const char* dynamicLibrarySuffix = ".dll";
 #elif defined(__APPLE__)
@@ -14,17 +14,17 @@ constexpr const char* dynamicLibrarySuffix = ".dylib";
 constexpr const char* dynamicLibrarySuffix = ".so";
 #endif
 
-/// A library that is loaded at run time. OS::CreateDynamicLibrary() makes one; the caller owns it and deletes
+/// A library that is loaded at run time. OS::CreateDynamicLibrary() creates one; the caller owns and deletes
 /// it. Task thread only.
 class HARMONET_ENGINE_API DynamicLibrary : public Allocated
 {
 public:
-    /// \p newFolders are looked through first for a name without a folder, in their order.
+    /// \p newFolders are searched first, in their order, for a name without a folder.
     explicit DynamicLibrary(const EngineVector<EngineString>& newFolders);
     DynamicLibrary(const DynamicLibrary&) = delete;
     DynamicLibrary& operator=(const DynamicLibrary&) = delete;
 
-    /// Loads the library of that file name, and closes first what the object still holds.
+    /// Loads the library of that file name, after closing the current one.
     ///
     /// A name without a folder is looked for in the host's driver folders, then in the folder `harmonet`
     /// beside the engine library, then beside that library, and what cannot be loaded is skipped; if there is
@@ -34,15 +34,15 @@ public:
     /// has for its start.
     virtual bool Open(const char* name);
 
-    /// Unloads the library; does nothing if there is none. No code, object or text of it may be used
+    /// Unloads the library; does nothing if there is none. Its code, objects and texts must not be used
     /// afterwards.
     virtual void Close();
 
-    /// Stores the address of the symbol, valid until Close(). False, and null stored, if the library has no
-    /// such symbol or none is open.
+    /// Stores the address of the symbol, valid until Close(). Returns false and stores null if the library
+    /// has no such symbol or none is open.
     virtual bool GetSymbol(void** address, const char* name);
 
-    /// Closes.
+    /// Same as Close().
     virtual ~DynamicLibrary();
 
 private:

@@ -7,8 +7,8 @@ namespace Quon
 
 class Display;
 
-/// What a display can be asked to draw. This engine has no display: the class only holds the place of the
-/// operation that nodes of a drawing engine have.
+/// Something that a display can draw. This engine has no display: the class only reserves the operation that
+/// the nodes of a rendering engine have.
 class HARMONET_ENGINE_API Element : public Allocated
 {
 public:
@@ -17,7 +17,7 @@ public:
     Element& operator=(const Element&) = default;
     virtual ~Element();
 
-    /// Draws nothing here.
+    /// The default draws nothing.
     virtual void Render(Display* display);
 };
 

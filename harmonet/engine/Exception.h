@@ -24,13 +24,13 @@ public:
     Exception& operator=(const Exception&) = default;
     ~Exception() override;
 
-    /// The source file that raised it.
+    /// The source file that threw it.
     const char* GetFile() const { return file; }
     /// The line in that file, and what has happened.
     int GetLine() const { return line; }
     const char* GetMessage() const { return message; }
 #if defined(_WIN32)
-    /// What the macro makes of the name in code that includes <windows.h>.
+    /// GetMessage() is renamed to this by the macro in code that includes <windows.h>.
     const char* GetMessageA() const
     {
         return message;
@@ -41,7 +41,7 @@ public:
     }
 #endif
 
-    /// The same as GetMessage().
+    /// Same as GetMessage().
     const char* what() const noexcept override;
 
 private:
@@ -50,7 +50,7 @@ private:
     const char* message;
 };
 
-/// A file could not tell what it was asked.
+/// A property of a file could not be determined.
 class HARMONET_ENGINE_API FileEx : public Exception
 {
 public:
@@ -64,11 +64,11 @@ public:
 class HARMONET_ENGINE_API ExceptionHandler
 {
 public:
-    /// What Main() returns when an exception ended the function.
+    /// The result of Main() when an exception has ended the function.
     static constexpr int failed = -1;
 
-    /// Runs function(argument) and returns its result. An exception that leaves the function ends here: its
-    /// message and place go to the standard error stream, and the result is `failed`. Any thread.
+    /// Runs function(argument) and returns its result. An exception that leaves the function is caught: its
+    /// message and location are written to the standard error stream, and the result is `failed`. Any thread.
     static int Main(int (*function)(void*), void* argument);
 };
 

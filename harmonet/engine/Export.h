@@ -1,7 +1,7 @@
 #pragma once
 
-/// HARMONET_ENGINE_API marks what the host, the sound library and the output drivers may link to of the
-/// engine services.
+/// HARMONET_ENGINE_API marks the symbols of the engine services that the host, the sound library and the
+/// output drivers may link to.
 #if defined(_WIN32)
 #if defined(HARMONET_BUILDING_ENGINE)
 #define HARMONET_ENGINE_API __declspec(dllexport)

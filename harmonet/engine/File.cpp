@@ -17,7 +17,7 @@ namespace Quon
 namespace
 {
 
-/// Where the exception of Size() says that it comes from; hosts look for this place.
+/// The source file that the exception of Size() reports; hosts check for it.
 constexpr const char* sizeFailedFile = "..\\..\\..\\Inc\\File";
 constexpr int sizeFailedLine = 2467;
 
@@ -139,23 +139,23 @@ const char* File::DescribeCode(int openCode)
 {
     switch (openCode) {
     case NoRoot:
-        return "has no root: none was added for its owner, or the folder is gone";
+        return "has no root: none was added for its owner, or its folder no longer exists";
     case BadName:
-        return "has a name that no file can have";
+        return "has an invalid name";
     case OutsideRoot:
-        return "lies outside its root";
+        return "is outside its root";
     case NotFound:
-        return "is not there";
+        return "does not exist";
     case NotAFile:
         return "is not a regular file";
     case NotReadable:
-        return "may not be read";
+        return "cannot be read: access is denied";
     case Empty:
         return "is empty";
     case TooLarge:
         return "has 2 GiB or more";
     case NotListed:
-        return "cannot be listed: its source does not tell what it holds";
+        return "cannot be listed: its source does not support it";
     default:
         return "cannot be opened";
     }

@@ -13,7 +13,7 @@ namespace Quon
 namespace
 {
 
-/// A name as sources get it: parts separated by `/`, without those that mean nothing.
+/// Normalises a name for sources: parts separated by `/`, without empty and `.` parts.
 EngineString PlainName(std::string_view name)
 {
     EngineString plain;
@@ -41,7 +41,7 @@ bool FileRoots::Add(const PString& owner, const char* folder)
     const EngineString canonical = folder != nullptr ? NativePath::FindFolder(folder) : EngineString();
     if (canonical.empty()) {
         Report(MessageLevel::Error, "folder '", folder != nullptr ? folder : "",
-            "', which is to be a root, is not there");
+            "' cannot be a root: it does not exist");
         return false;
     }
     const std::lock_guard lock(mutex);

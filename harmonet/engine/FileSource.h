@@ -9,21 +9,22 @@
 #include <string_view>
 
 /// \file
-/// Files that do not lie in a folder: in a pak, in a patch, in memory. A host derives from both classes here
-/// and gives a source to File::AddRoot(), or to ResourceDatabase::AddFolder() for resources. From then on all
-/// that is opened below that owner comes from the source, definitions and sounds of every kind.
+/// Files that are not in a folder, but for example in an archive, in a patch or in memory. A host derives
+/// from both classes here and passes a source to File::AddRoot(), or to ResourceDatabase::AddFolder() for
+/// resources. From then on all files of that owner, both definitions and sounds, are opened through the
+/// source.
 ///
-/// *Threads.* The task thread opens files. An output driver may read an open file from a thread of its own;
-/// each FileStream is used by one thread at a time, but two streams of one source can be used by two threads
-/// at once. A source whose streams share something, such as one open archive, guards it with a mutex.
+/// *Threads.* The task thread opens files. An output driver may read an open file on its own thread. Each
+/// FileStream is used by one thread at a time, but two streams of one source can be used by two threads
+/// concurrently. A source whose streams share state, such as one open archive, must guard it with a mutex.
 ///
 /// *Rules.* No operation may throw, call back into the library, or wait for the task thread.
 
 namespace Quon
 {
 
-/// One open file of a source, with a position of its own that begins at 0. The File that opened it owns it
-/// and deletes it, on the thread that closes the file.
+/// One open file of a source, with its own position, initially 0. The File that opened it owns it and deletes
+/// it, on the thread that closes the file.
 class HARMONET_ENGINE_API FileStream
 {
 public:
@@ -32,20 +33,21 @@ public:
     FileStream& operator=(const FileStream&) = delete;
     virtual ~FileStream();
 
-    /// The length in bytes, asked once after the file was opened; -1 if it is unknown, and File::Size() then
-    /// throws.
+    /// Returns the length in bytes, or -1 if it is unknown; File::Size() then throws. Called once after
+    /// opening.
     virtual std::int64_t GetSize() = 0;
 
-    /// Moves to \p position, which lies below GetSize(). Called only where reading does not go on from where
-    /// the last read ended. False if that is not possible; the next read seeks again.
+    /// Moves to \p position, which is below GetSize(). Called only if the next read does not start where the
+    /// last one ended. Returns false on failure; the next read then seeks again.
     virtual bool Seek(std::int64_t position) = 0;
 
-    /// Reads up to \p bytes bytes, never beyond GetSize(), and moves on by their number, which is the result.
-    /// Fewer than asked for are asked for again; 0 is a failure, and the caller takes the file to end here.
+    /// Reads up to \p bytes bytes, never beyond GetSize(), advances by their number and returns it. After a
+    /// short read the caller requests the rest again. 0 is a failure; the caller then treats the file as
+    /// ending here.
     virtual std::size_t Read(void* buffer, std::size_t bytes) = 0;
 };
 
-/// Where a root's files are. Owned together by the roots and by each File that it has opened.
+/// The files of a root. Shared ownership: the roots and each File opened from it own it.
 class HARMONET_ENGINE_API FileSource
 {
 public:
@@ -54,22 +56,22 @@ public:
     FileSource& operator=(const FileSource&) = delete;
     virtual ~FileSource();
 
-    /// Opens the file of that name: stores the stream and returns File::Opened, or returns the code that says
-    /// why not, mostly File::NotFound.
+    /// Opens the file of that name: stores the stream and returns File::Opened, or returns the code of the
+    /// failure, usually File::NotFound.
     ///
-    /// The name has been checked. It is relative and its parts, none of which is empty, `.` or `..`, are
-    /// separated by `/`, whatever was written. It ends with a zero, and is valid during the call. A file of 0
-    /// bytes, or of 2 GiB or more, is refused after it was opened, as one in a folder is.
+    /// The name has been validated. It is relative; its parts are separated by `/`, whatever the original
+    /// separator, and none is empty, `.` or `..`. It is zero-terminated and valid during the call. A file of
+    /// 0 bytes, or of 2 GiB or more, is refused after opening, as one in a folder is.
     virtual Result Open(std::string_view name, std::unique_ptr<FileStream>& stream) = 0;
 
-    /// Tells the state of a file without opening it, with the same codes. A ResourceDatabase finds its
-    /// resources this way and loads those whose stamp has changed again. This one opens the file, asks for
-    /// its size, and leaves the other fields 0.
+    /// Reads the stamp of a file without opening it, with the same codes. A ResourceDatabase finds its
+    /// resources with it and reloads those whose stamp has changed. The default opens the file, queries its
+    /// size and leaves the other fields 0.
     virtual Result GetStamp(std::string_view name, FileStamp& stamp);
 
     /// Adds the names of all files whose names begin with \p folder and a `/`, or of all files if it is
-    /// empty, in any order. The names are written as Open() gets them, from the root on. For a folder that
-    /// the source does not have it answers File::NotFound. This one answers File::NotListed: what is in the
+    /// empty, in any order. The names are relative to the root, in the form that Open() receives. Returns
+    /// File::NotFound for a folder that does not exist. The default returns File::NotListed: what is in the
     /// source can then be opened by name, and not be asked for as a folder.
     virtual Result List(std::string_view folder, EngineVector<EngineString>& names);
 };

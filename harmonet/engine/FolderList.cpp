@@ -11,7 +11,7 @@ namespace
 
 namespace fs = std::filesystem;
 
-// Where links to folders cannot be told from folders, one that leads back up ends here.
+// If links to folders cannot be distinguished from folders, a link to a parent ends here.
 constexpr int maxDepth = 32;
 
 fs::path ToPath(const EngineString& text)
@@ -47,7 +47,7 @@ Result Add(const EngineString& folder, const EngineString& prefix, EngineVector<
             entry.disable_recursion_pending();
         }
         if (entry->is_regular_file(ignored)) {
-            // By its text: a path with a prefix of the system's own is not taken apart on all platforms.
+            // As text: not all platforms can split a path with a system-specific prefix.
             const std::u8string path = entry->path().generic_u8string();
             const auto name =
                 path.begin() + static_cast<std::ptrdiff_t>(path.find_first_not_of(u8'/', rootLength));

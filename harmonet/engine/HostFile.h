@@ -7,9 +7,9 @@
 namespace Quon
 {
 
-/// Opens a file of the operating system as std::fopen() does, by a path in UTF-8 on every platform. For files
-/// that the host names itself, such as a file of options or one to be written; what a definition names goes
-/// through File. Returns null on failure; the caller closes it with std::fclose(). Any thread.
+/// Opens a native file like std::fopen(), with a path in UTF-8 on every platform. For files named by the host
+/// itself, such as an options file or an output file; files named by definitions are opened through File.
+/// Returns null on failure. The caller closes the file with std::fclose(). Any thread.
 HARMONET_ENGINE_API std::FILE* OpenHostFile(const char* path, const char* mode);
 
 } // namespace Quon

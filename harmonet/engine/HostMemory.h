@@ -7,21 +7,22 @@
 namespace Quon
 {
 
-/// Lets a host bring the memory of the whole system: all that Alloc gives out comes from here.
+/// Lets a host provide the memory of the whole system: Alloc takes all of its memory from here.
 ///
-/// When there is no memory, Alloc throws std::bad_alloc, and the operations of the engine let it pass and
-/// leave everything as it was. The sound library catches it where an operation can answer false, null or 0.
+/// When memory runs out, Alloc throws std::bad_alloc. The engine's operations propagate it and leave the
+/// state unchanged. The sound library catches it wherever an operation can return false, null or 0.
 class HARMONET_ENGINE_API HostMemory
 {
 public:
-    /// Gives that many bytes, at least 1, aligned for every fundamental type, or null if there are none.
+    /// Returns a block of \p bytes bytes, at least 1, aligned for every fundamental type, or null if memory
+    /// runs out.
     using TakeFunction = void* (*)(std::size_t bytes);
-    /// Takes back what the function above gave; never null.
+    /// Frees a block returned by the function above; never null.
     using GiveFunction = void (*)(void* block);
 
-    /// Takes all memory from these functions instead of malloc() and free(); a null goes back to those. The
-    /// functions may be called from any thread. A block goes back through the functions of the moment: set
-    /// them before anything else of the system is used, and while no other thread uses it.
+    /// Allocates all memory with these functions instead of malloc() and free(); null restores those. The
+    /// functions must be thread-safe. A block is freed with the functions set at that time: set them before
+    /// anything else of the system is used, and while no other thread uses it.
     static void SetFunctions(TakeFunction take, GiveFunction give);
 };
 

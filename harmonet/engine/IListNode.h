@@ -3,20 +3,21 @@
 namespace Quon
 {
 
-/// The node of an intrusive double list. A class becomes an element by deriving from it; the list's head is a
-/// plain IListNode. Nobody owns anybody: a node that dies must have been unlinked. One thread at a time.
+/// The node of an intrusive doubly linked list. A class becomes an element by deriving from it; the list's
+/// head is a plain IListNode. Nodes do not own each other: unlink a node before it is destroyed. One thread
+/// at a time.
 class IListNode
 {
 public:
-    /// A fresh node links to itself; so does the head of an empty list.
+    /// A new node links to itself, as does the head of an empty list.
     IListNode()
         : next(this)
         , previous(this)
     {
     }
 
-    /// The place in a list belongs to the node and not to its value: a copy stands on no list, and assigning
-    /// leaves both nodes where they are.
+    /// The position in a list is not part of the node's value: a copy is in no list, and assignment does not
+    /// move either node.
     IListNode(const IListNode&)
         : IListNode()
     {
@@ -27,7 +28,7 @@ public:
     /// Whether it is on a list; for a head, whether the list has elements.
     bool IsLinked() const { return next != this; }
 
-    /// Enters this node in front of \p place. The node must not be on a list.
+    /// Inserts this node before \p place. The node must not be in a list.
     void LinkBefore(IListNode& place)
     {
         next = &place;
@@ -36,7 +37,7 @@ public:
         place.previous = this;
     }
 
-    /// Takes this node off its list; does nothing if it is on none.
+    /// Removes this node from its list; does nothing if it is in none.
     void Unlink()
     {
         next->previous = previous;

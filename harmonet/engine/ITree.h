@@ -3,28 +3,27 @@
 namespace Quon
 {
 
-/// The links of a node in a tree of T, where T derives from ITree<T>. The links own nothing: a node that dies
-/// must have been taken out, and its children too. None of the operations recurses, so that no depth is too
-/// deep. One thread at a time.
+/// The links of a node in a tree of T, where T derives from ITree<T>. The links do not own nodes: unlink a
+/// node and its children before it is destroyed. No operation is recursive, so the depth is unlimited. One
+/// thread at a time.
 template<class T>
 class ITree
 {
 public:
     /// Null at the root.
     T* GetParent() const { return parent; }
-    /// The children in the order in which they were added; null behind the last.
+    /// The children in the order in which they were added; null after the last.
     T* GetFirstChild() const { return firstChild; }
     T* GetNextSibling() const { return nextSibling; }
 
-    /// The place in the tree belongs to the node and not to its value: a copy stands alone, and assigning
-    /// leaves both nodes where they are.
+    /// The position in the tree is not part of the node's value: a copy has no parent or children, and
+    /// assignment does not move either node.
     ITree() = default;
     ITree(const ITree&) {}
     // NOLINTNEXTLINE(bugprone-unhandled-self-assignment): nothing is assigned.
     ITree& operator=(const ITree&) { return *this; }
 
-    /// The node that comes after this one when the tree below \p top is walked with parents before their
-    /// children and children in their order; null behind the last.
+    /// The node after this one in a pre-order traversal of the tree below \p top; null after the last.
     T* GetNextBelow(const T* top) const
     {
         if (firstChild != nullptr) {
@@ -40,7 +39,7 @@ public:
         return nullptr;
     }
 
-    /// This node stands somewhere below \p other, or is it.
+    /// Whether this node is \p other or one of its descendants.
     bool IsBelow(const T* other) const
     {
         const ITree* node = this;
@@ -53,7 +52,7 @@ public:
 protected:
     ~ITree() = default;
 
-    /// Appends \p child, which has no parent, behind the other children.
+    /// Appends \p child, which must not have a parent, after the other children.
     void LinkChild(T* child)
     {
         ITree* links = child;
@@ -63,7 +62,7 @@ protected:
         lastChild = child;
     }
 
-    /// Takes \p child, which is one of this node's, out.
+    /// Removes \p child, which must be a child of this node.
     void UnlinkChild(T* child)
     {
         ITree* links = child;

@@ -1,9 +1,9 @@
 #pragma once
 
-/// What differs between compilers where numbers are processed several at a time: the vector types, their
-/// operations that no operator names, and forced inlining. No other file of the library uses an extension for
-/// these. A compiler without vector types gets `PlainLanes` in their place, with the same operators; so does
-/// any compiler with HARMONET_PLAIN_LANES defined.
+/// The compiler-dependent parts of vectorised code: the vector types, their operations that are not
+/// operators, and forced inlining. No other file of the library uses extensions for these. A compiler without
+/// vector types uses `PlainLanes` instead, with the same operators; so does any compiler with
+/// HARMONET_PLAIN_LANES defined.
 
 #include <cstddef>
 
@@ -18,8 +18,8 @@
 namespace Quon
 {
 
-/// `count` numbers in plain loops, for any compiler. An aggregate: `PlainLanes<float, 4>{1, 2, 3, 4}`. A
-/// number beside an operator stands for that number in every lane.
+/// `count` numbers, processed in plain loops, for any compiler. An aggregate: `PlainLanes<float, 4>{1, 2, 3,
+/// 4}`. A scalar operand is used in every lane.
 template<class Number, int count>
 struct PlainLanes
 {
@@ -117,7 +117,7 @@ HARMONET_ALWAYS_INLINE PlainLanes<float, count> Maximum(
     return PlainLanes<float, count>::Each(a, b, [](float x, float y) { return x > y ? x : y; });
 }
 
-/// Truncates towards zero. Each lane has to fit in an int.
+/// Truncates towards zero. Each lane must fit in an int.
 template<int count>
 HARMONET_ALWAYS_INLINE PlainLanes<int, count> ToInts(const PlainLanes<float, count>& value)
 {

@@ -11,7 +11,8 @@ namespace Quon
 namespace
 {
 
-/// Atomic, so that a test on another thread reads a whole pointer; all else is the task thread's.
+/// Atomic, so that AreWanted() can be called from other threads; everything else is used on the task thread
+/// only.
 std::atomic<MessageHook> theHook = nullptr;
 void* theUser = nullptr;
 const OS* theOwner = nullptr;
@@ -27,7 +28,7 @@ bool Messages::AreWanted()
 void Messages::Write(MessageLevel level, const char* text)
 {
     const MessageHook hook = theHook.load(std::memory_order_relaxed);
-    // A hook that plays a sound which cannot be played would come back here without end.
+    // A hook that plays an unplayable sound would recurse endlessly.
     if (hook == nullptr || text == nullptr || std::exchange(isWriting, true)) {
         return;
     }

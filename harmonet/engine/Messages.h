@@ -15,37 +15,38 @@ class OS;
 /// How serious a message is.
 enum class MessageLevel
 {
-    /// For information: everything is as it was asked for.
+    /// Information only; nothing was ignored or replaced.
     Note = 0,
-    /// Something was passed over or replaced, and the operation goes on: an option takes its default, the
+    /// Something was ignored or replaced, and the operation continues: an option takes its default, or the
     /// next driver is tried.
     Warning = 1,
     /// The operation has failed.
     Error = 2,
 };
 
-/// Takes one message: a sentence without a line break at its end, valid during the call, in UTF-8 as far as
-/// the names in it are. It must not throw. What it causes by calling the library is not reported.
+/// Receives one message: a sentence without a trailing line break, valid during the call, in UTF-8 if the
+/// names in it are. It must not throw. Messages caused by calls that it makes into the library are not
+/// reported.
 using MessageHook = void (*)(MessageLevel level, const char* text, void* user);
 
-/// The reasons that a false, a null or a 0 leaves out: which file was not found, which option was not
-/// understood, why a driver did not open. A host asks for them with OS::SetMessageHook(). Without a hook a
-/// failure costs one test more, and no text is built.
+/// Messages that explain a result of false, null or 0: which file was not found, which option is invalid, why
+/// a driver did not open. A host receives them through OS::SetMessageHook(). Without a hook a failure costs
+/// one additional test, and no text is built.
 ///
-/// Whoever plugs into the library can write messages too: a driver or a tool calls Report().
+/// Code that plugs into the library can write messages too: a driver or a tool calls Report().
 ///
-/// *Thread.* The task thread only, for writing as for the hook. A driver keeps what it finds on a thread of
-/// its own until BeginUpdate() or EndUpdate().
+/// *Thread.* Messages are written, and the hook is called, on the task thread only. A driver that detects
+/// something on its own thread must defer the message to BeginUpdate() or EndUpdate().
 class HARMONET_ENGINE_API Messages
 {
 public:
-    /// Whether there is a hook. Whoever has to look for a reason first asks this before.
+    /// Whether there is a hook. Check this before determining a reason that takes extra work.
     static bool AreWanted();
 
-    /// Hands the message to the hook, if there is one.
+    /// Passes the message to the hook, if there is one.
     static void Write(MessageLevel level, const char* text);
 
-    /// Appends a text, a string of any kind here, or a number.
+    /// Appends a text, a string of any of the engine's types, or a number.
     template<class Part>
     static void Append(EngineString& text, const Part& part)
     {
@@ -66,14 +67,14 @@ public:
 private:
     friend class OS;
 
-    /// The last one that was set counts. A null hook takes the owner's away.
+    /// The hook set last is used. A null hook removes the owner's hook.
     static void SetHook(const OS* owner, MessageHook hook, void* user);
     static void AppendWhole(EngineString& text, long long number);
     static void AppendNumber(EngineString& text, double number);
 };
 
-/// Writes a message that is put together from texts and numbers, if there is a hook. No part may be a null
-/// pointer. A message for which there is no memory is lost.
+/// Writes a message composed of texts and numbers, if there is a hook. No part may be a null pointer. The
+/// message is dropped if memory runs out.
 template<class... Parts>
 void Report(MessageLevel level, const Parts&... parts)
 {

@@ -13,23 +13,22 @@ namespace Quon::NativeLibrary
 /// The characters that separate the folders of a path.
 std::string_view GetSeparators();
 
-/// The folder in which the engine library lies, with a separator at its end; empty if the loader does not
-/// tell.
+/// The folder of the engine library, with a trailing separator; empty if it cannot be determined.
 EngineString GetOwnFolder();
 
-/// Something has this path, whatever it is.
+/// Whether anything exists at this path.
 bool Exists(const char* path);
 
 /// Loads a library, runs its initialisation, and returns its handle, or null. A name without a folder is
-/// searched for by the platform's own rules. Shows no message.
+/// searched by the platform's own rules. Does not show message boxes.
 void* Load(const char* path);
 
-/// Why the last Load() failed, in words of the platform. Right after it only.
+/// The platform's description of why the last Load() failed. Call it right after Load() only.
 EngineString DescribeFailure();
 
 void Unload(void* handle);
 
-/// Null if the library has no such symbol.
+/// Returns null if the library has no such symbol.
 void* FindSymbol(void* handle, const char* name);
 
 } // namespace Quon::NativeLibrary

@@ -8,8 +8,8 @@
 namespace Quon
 {
 
-/// The host, as the library sees it: its configuration and its way to load libraries. The host makes one
-/// before anything else and keeps it while the sound system runs. The first one also makes the store of
+/// The host's services for the library: its configuration and the loading of libraries. The host creates one
+/// before anything else and keeps it while the sound system runs. The first one also creates the cache of
 /// interned strings. Task thread only.
 class HARMONET_ENGINE_API OS : public Allocated
 {
@@ -22,17 +22,16 @@ public:
     /// The configuration, never null, owned by this object.
     Options* GetOptions() const;
 
-    /// A new object that holds no library yet and belongs to the caller. It knows the driver folders added so
-    /// far.
+    /// Returns a new object without a library, owned by the caller. It uses the driver folders added so far.
     virtual DynamicLibrary* CreateDynamicLibrary() const;
 
-    /// Adds a folder in which output drivers are looked for, behind those added before. A path of the
-    /// operating system; it need not exist yet. Null and "" are ignored.
+    /// Adds a folder in which output drivers are searched, after those added before. A native path; it need
+    /// not exist yet. Null and "" are ignored.
     void AddDriverFolder(const char* folder);
 
-    /// Sets who hears why something fails or was passed over (Messages.h), in all libraries of the process:
-    /// the hook that was set last counts, whichever object it was set on. Null is nobody, as at the start. To
-    /// hear of everything, set it before the options. It stays until the end of this object.
+    /// Sets the hook that receives the reasons of failures (Messages.h), in all libraries of the process. The
+    /// hook set last is used, whichever object it was set on. Null, the initial value, means none. To receive
+    /// all messages, set it before the options. It is removed when this object is destroyed.
     void SetMessageHook(MessageHook hook, void* user = nullptr);
 
 private:

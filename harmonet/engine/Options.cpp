@@ -45,7 +45,7 @@ bool IsIdle(std::string_view line)
     return line.empty() || line.starts_with('#') || line.starts_with("//");
 }
 
-/// False if the file cannot be read or is too long.
+/// Returns false if the file cannot be read or is too long.
 bool ReadWhole(const char* path, EngineString& content)
 {
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
@@ -161,7 +161,7 @@ bool Options::Get(const char* key, int& value, int defaultValue) const
     const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), read);
     if (error != std::errc() || end != number.data() + number.size()) {
         Report(MessageLevel::Warning, "option ", key, "=", entry->text,
-            ": expected a whole number of 32 bits; it takes the default ", defaultValue);
+            ": expected a 32-bit integer; using the default ", defaultValue);
         return false;
     }
     value = read;
@@ -210,7 +210,7 @@ void Options::ReportUnread() const
     for (const Entry& entry : entries) {
         if (entry.isSet && !entry.wasRead) {
             Report(MessageLevel::Note, "option ", entry.key, "=", entry.text,
-                ": nothing has asked for an option of this name so far");
+                ": no option of this name has been read so far");
         }
     }
 }

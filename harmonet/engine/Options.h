@@ -9,11 +9,11 @@
 namespace Quon
 {
 
-/// The engine's configuration: texts by key, from a file, from the command line and by call. It belongs to
-/// the OS object. Keys are compared case by case. Task thread only.
+/// The engine's configuration: texts by key, read from a file or the command line or set by calls. Owned by
+/// the OS object. Keys are case-sensitive. Task thread only.
 ///
-/// The text form has one option a line, `Key = Value`. Blanks around key and value do not count; a value in
-/// double quotes keeps its blanks. Lines that are empty or begin with `#` or `//` are passed over.
+/// The text format has one option per line, `Key = Value`. Blanks around key and value are ignored; a value
+/// in double quotes keeps its blanks. Empty lines and lines that begin with `#` or `//` are skipped.
 class HARMONET_ENGINE_API Options : public Allocated
 {
 public:
@@ -22,42 +22,44 @@ public:
     Options(const Options&) = delete;
     Options& operator=(const Options&) = delete;
 
-    /// Sets an option; a value that stood there is replaced. A null text takes the option away. A walk of
-    /// GetNext() over this key begins anew.
+    /// Sets an option and replaces an earlier value. A null text removes the option. Restarts the iteration
+    /// of GetNext() over this key.
     void Set(const char* key, const char* text);
 
-    /// Sets the option that `Key=Value` names. False, and no change, if there is no `=` or no key before it.
+    /// Sets the option given as `Key=Value`. Returns false and changes nothing if there is no `=` or no key
+    /// before it.
     bool SetFromText(const char* keyAndValue);
 
-    /// Reads a file of options, \p path being a path of the operating system. False if the file cannot be
-    /// read, is larger than a mebibyte, or holds a line that is no option; the good lines are set all the
-    /// same. The line that failed first is stored in \p badLine, which may be null: 0 if the file could not
-    /// be read.
+    /// Reads an options file from the native path \p path. Returns false if the file cannot be read, is
+    /// larger than 1 MiB, or contains an invalid line; valid lines are still set. Stores the number of the
+    /// first invalid line in \p badLine, which may be null; 0 if the file could not be read.
     bool ReadFile(const char* path, int* badLine = nullptr);
 
-    /// Sets what stands behind each `--option` as SetFromText() does; `--option=Key=Value` will do as well.
-    /// All other arguments are left to the program, also what follows `--`. False if one of the options was
-    /// no option; the good ones are set all the same.
+    /// Sets the argument after each `--option` with SetFromText(); `--option=Key=Value` is accepted too. All
+    /// other arguments, and everything after `--`, are ignored. Returns false if one of the options is
+    /// invalid; valid ones are still set.
     bool ReadCommandLine(int argumentCount, const char* const* arguments);
 
-    /// Sets \p value to the option's integer, or to the default if the option is not set or is not wholly a
-    /// decimal number of 32 bits with sign. True if it was the option's.
+    /// Sets \p value to the option's integer, or to the default if the option is not set or is not a signed
+    /// 32-bit decimal number. Returns true if the option's value was used.
     bool Get(const char* key, int& value, int defaultValue) const;
 
-    /// Sets \p value to the option's text, or to the default (null: empty) if the option is not set. True if
-    /// it was the option's.
+    /// Sets \p value to the option's text, or to the default (null: empty) if the option is not set. Returns
+    /// true if the option's value was used.
     bool Get(const char* key, String& value, const char* defaultValue) const;
 
-    /// Declares that the value of the key, set already or later, is a list separated by any of the characters
-    /// of \p separators, and makes GetNext() begin with the first item. Null or "" makes it one item again.
+    /// Declares that the value of the key, whether set already or later, is a list separated by any of the
+    /// characters in \p separators, and restarts GetNext() at the first item. Null or "" makes it a single
+    /// item again.
     void SetSeperators(const char* key, const char* separators);
 
-    /// Gives the next item of the list without blanks around it; empty items are passed over. False behind
-    /// the last, \p value being unchanged, and so until SetSeperators() or Set() begins anew.
+    /// Returns the next item of the list in \p value, without surrounding blanks; empty items are skipped.
+    /// After the last item it returns false and leaves \p value unchanged, until SetSeperators() or Set()
+    /// restarts it.
     bool GetNext(const char* key, String& value) const;
 
-    /// Writes a note (Messages.h) for each option that is set and that nobody has asked for yet: its name may
-    /// be misspelt. SoundSystem::Init() does this at its end.
+    /// Writes a note (Messages.h) for each option that is set but has not been read yet: its name may be
+    /// misspelt. SoundSystem::Init() calls it at its end.
     void ReportUnread() const;
 
 private:
@@ -71,7 +73,7 @@ private:
         mutable std::size_t walkPosition = 0;
     };
 
-    /// The entry, if it is set, noted as read; else null.
+    /// Returns the entry and marks it as read; null if it is not set.
     const Entry* Read(std::string_view key) const;
     Entry& FindOrAdd(std::string_view key);
     bool SetFromLine(std::string_view line);

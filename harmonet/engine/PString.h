@@ -9,21 +9,21 @@
 namespace Quon
 {
 
-/// An immutable, shared string. Equal texts are one node in the PStringCache, so that comparing is comparing
-/// two pointers, and copying is raising a count. Each object belongs to one thread at a time; different
-/// objects that share a text may be used on different threads.
+/// An immutable, shared string. Equal texts share one node in the PStringCache, so a comparison compares two
+/// pointers and a copy increments a count. One object may be used by one thread at a time; different objects
+/// that share a text may be used on different threads.
 class HARMONET_ENGINE_API PString
 {
 public:
-    /// The empty string.
+    /// Constructs the empty string.
     PString() = default;
 
-    /// The string of that text, compared case by case. Null and "" give the empty string. Interning takes the
-    /// cache's lock, and allocates for a text that nobody holds yet. Once the cache has ended every text
-    /// gives the empty string.
+    /// Constructs the string of that text; comparisons are case-sensitive. Null and "" yield the empty
+    /// string. Interning takes the cache's lock, and allocates if the text is not in the cache. After the
+    /// cache has been destroyed every text yields the empty string.
     PString(const char* text);
 
-    /// The same for text that need not end in a zero.
+    /// The same for text without a terminating zero.
     explicit PString(std::string_view text);
 
     /// Copies share the text.
@@ -60,7 +60,7 @@ public:
         }
     }
 
-    /// Makes a string of a node whose reference the caller hands over.
+    /// Constructs a string from a node and takes over the caller's reference.
     static PString Adopt(PStringCache::Node* node)
     {
         PString string;
@@ -71,10 +71,10 @@ public:
     /// Compares two pointers.
     bool operator==(const PString& other) const { return node == other.node; }
 
-    /// Zero-terminated, valid as long as any string with this text lives; null for the empty string.
+    /// Zero-terminated, valid while any string with this text exists; null for the empty string.
     const char* GetText() const { return node != nullptr ? node->GetText() : nullptr; }
 
-    /// The text, without characters for the empty string.
+    /// The text; an empty view for the empty string.
     std::string_view GetView() const
     {
         return node != nullptr ? std::string_view(node->GetText(), node->length) : std::string_view();
@@ -83,11 +83,11 @@ public:
     /// Whether it is the empty string.
     bool IsEmpty() const { return node == nullptr; }
 
-    /// Equal for two strings exactly when their texts are equal.
+    /// Equal for two strings if and only if their texts are equal.
     const void* GetIdentity() const { return node; }
 
-    /// The engine's one cache; null before it has been made and after it has ended. A string that goes while
-    /// it is null leaves its node alone.
+    /// The engine's only cache; null before it is created and after it is destroyed. A string that is
+    /// destroyed while it is null does not touch its node.
     static PStringCache* cache;
 
 private:

@@ -45,7 +45,7 @@ void FreeNode(PStringCache::Node* node)
     Alloc::Delete(node);
 }
 
-/// Makes the one cache, and ends it when the engine library is unloaded.
+/// Creates the only cache, and destroys it when the engine library is unloaded.
 struct CacheLife
 {
     CacheLife() { PString::cache = new PStringCache; }
@@ -119,7 +119,7 @@ void PStringCache::Destroy(Node* node)
             return;
         }
     }
-    // It may be the last. Create() gives references out under the lock alone, so that under the lock a count
+    // It may be the last reference. Create() adds references only under the lock, so under the lock a count
     // of 0 stays 0.
     const std::lock_guard lock(mutex);
     if (node->references.fetch_sub(1, std::memory_order_acq_rel) > 1) {

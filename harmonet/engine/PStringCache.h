@@ -10,20 +10,20 @@
 namespace Quon
 {
 
-/// The store of all interned texts: one node for each text that somebody holds. There is one such store in a
-/// process, made together with the first OS object or the first PString that has a text, and it lives until
-/// the engine library is unloaded. Any thread may call it.
+/// The cache of all interned texts: one node for each text in use. There is one cache per process, created
+/// with the first OS object or the first non-empty PString; it exists until the engine library is unloaded.
+/// Thread-safe.
 class HARMONET_ENGINE_API PStringCache : public Allocated
 {
 public:
-    /// One text. Its characters stand behind the node in the same block of memory, closed by a zero.
+    /// One text. Its zero-terminated characters follow the node in the same block of memory.
     struct Node
     {
         /// The characters of the text.
         const char* GetText() const { return reinterpret_cast<const char*>(this + 1); }
 
-        /// Publishes nothing; it only decides who frees the node. Raised from at least 1 without a lock,
-        /// taken from 1 to 0 only under the cache's mutex.
+        /// Publishes no other data; it only decides who frees the node. Incremented from at least 1 without a
+        /// lock, decremented from 1 to 0 only under the cache's mutex.
         std::atomic<std::uint32_t> references;
         /// Hash and length in bytes of the text.
         std::uint32_t hash;
@@ -34,20 +34,20 @@ public:
 
     PStringCache();
 
-    /// Frees all nodes, also those that are still held: whoever holds one must not touch it any more.
+    /// Frees all nodes, including those still referenced, which must not be accessed any more.
     ~PStringCache();
 
     PStringCache(const PStringCache&) = delete;
     PStringCache& operator=(const PStringCache&) = delete;
 
-    /// Gives the node of the zero-terminated \p text and takes a reference on it, for the caller to give up
-    /// with Destroy(). A null or empty text gives null, which serves as the empty string.
+    /// Returns the node of the zero-terminated \p text with an added reference, which the caller releases
+    /// with Destroy(). Returns null for a null or empty text; null represents the empty string.
     Node* Create(const unsigned char* text);
 
-    /// The same for text that has no zero behind it. What follows an inner zero is left out.
+    /// The same for text without a terminating zero. Characters after an embedded zero are ignored.
     Node* Create(std::string_view text);
 
-    /// Takes one more reference on a node that the caller holds already. Null is ignored. Takes no lock.
+    /// Adds a reference to a node that the caller already holds. Null is ignored. Lock-free.
     static void AddReference(Node* node)
     {
         if (node != nullptr) {
@@ -55,14 +55,14 @@ public:
         }
     }
 
-    /// Gives up one reference; the last one frees the node. Null is ignored. Takes the lock only for the
+    /// Releases one reference; the last one frees the node. Null is ignored. Takes the lock only for the
     /// last.
     void Destroy(Node* node);
 
-    /// How many texts are held at this moment.
+    /// Number of texts currently in the cache.
     std::size_t GetCount() const;
 
-    /// The one store, made at the first call; null again once the engine library is on its way out.
+    /// The only cache, created at the first call; null again while the engine library is being unloaded.
     static PStringCache* Get();
 
 private:

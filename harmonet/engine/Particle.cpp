@@ -59,7 +59,7 @@ void Particle::SetName(const PString& newName)
 
 void Particle::SetPosition(const Vector3& newPosition)
 {
-    // A sphere that a broken number has spoiled is made good by the first sound one.
+    // A sphere with an invalid number is repaired by the first valid one.
     const Vector3 offset = boundingCenter - position;
     boundingCenter = newPosition + (std::isfinite(LengthSquared(offset)) ? offset : Vector3());
     position = newPosition;
@@ -114,7 +114,7 @@ void Particle::ResetChildGlobalBoundingCenters() const
 
 void Particle::RecalculateGlobalBoundingCenter() const
 {
-    // Mostly the node alone is stale.
+    // Usually only this node is stale.
     if (globalPositionStale && (parent == nullptr || !parent->globalPositionStale)) {
         UpdateGlobalPosition();
         return;
@@ -203,12 +203,12 @@ void Particle::UpdateGlobal() const
     }
 }
 
-// The parent's global position is valid.
+// The parent's global position must be valid.
 void Particle::UpdateGlobalPosition() const
 {
     if (parent != nullptr) {
         parent->UpdateGlobalOrientation();
-        // Most parents are not turned. A position that is not finite is spread by the rotation all the same.
+        // Most parents are not rotated. A position that is not finite is spread by the rotation all the same.
         const bool isTurned = parent->globallyTurned || !std::isfinite(LengthSquared(position));
         globalPosition =
             parent->globalPosition + (isTurned ? Rotate(parent->globalOrientation, position) : position);
@@ -220,7 +220,7 @@ void Particle::UpdateGlobalPosition() const
     globalOrientationStale = true;
 }
 
-// This node's global position is valid.
+// This node's global position must be valid.
 void Particle::UpdateGlobalOrientation() const
 {
     if (!globalOrientationStale) {

@@ -11,64 +11,65 @@ namespace Quon
 
 struct Matrix4;
 
-/// A node of the scene graph. It has a place and an orientation in its parent's space, and works out where
-/// that is in the world when somebody asks. Whoever makes a node owns it; the tree owns none, and nodes may
-/// die in any order. Task thread only.
+/// A node of the scene graph. It has a position and an orientation in its parent's space, and computes its
+/// world position on demand. A node is owned by its creator, not by the tree, and nodes may be destroyed in
+/// any order. Task thread only.
 ///
-/// A node is stale when it, or a node above it, has been moved, turned or put elsewhere in the tree since its
-/// global position was last worked out. Numbers are not checked: NaN and infinity go where they are sent.
+/// A node is stale if it, or one of its ancestors, has been moved, rotated or reparented since its global
+/// position was last computed. Numbers are not checked: NaN and infinity are propagated.
 class HARMONET_ENGINE_API Particle : public Element, public ITree<Particle>
 {
 public:
-    /// A root without a name, at the origin, not turned, with a bounding sphere that is a point.
+    /// Constructs a root without a name, at the origin, with identity orientation and a bounding sphere of
+    /// radius 0.
     Particle();
 
-    /// Copies name, place, orientation and bounding sphere. The place in the tree is not copied: the new node
-    /// is a root without children, and a node that is assigned to keeps its parent and children and becomes
+    /// Copies name, position, orientation and bounding sphere, but not the position in the tree: the new node
+    /// is a root without children. A node that is assigned to keeps its parent and children and becomes
     /// stale.
     Particle(const Particle& other);
     Particle& operator=(const Particle& other);
 
-    /// Leaves the parent. The children become roots and stale; they stay where they are in their own space,
-    /// unless OnParentDestroyed() does something about it.
+    /// Removes the node from its parent. The children become stale roots; they keep their local position
+    /// unless OnParentDestroyed() changes it.
     ~Particle() override;
 
-    /// What kind of node this is; 0 for a plain one.
+    /// Returns the node type; 0 for a plain node.
     virtual int GetID() const;
 
     /// The name by which Add() and a sound find the node. It need not be unique.
     virtual void SetName(const PString& newName);
 
-    /// Each marks the node and all below it as stale, also if the value is the old one, and the spheres above
-    /// it.
+    /// Each marks the node and its descendants as stale, even if the value is unchanged, and the spheres
+    /// above it.
     virtual void SetPosition(const Vector3& newPosition);
-    /// Leaves z as it is.
+    /// Keeps z.
     virtual void SetPositionXY(const Vector2& newPosition);
     virtual void SetOrientation(const Quaternion& newOrientation);
     /// Sets orientation and position from the rows of \p frame.
     virtual void SetReferenceFrame(const Matrix4& frame);
 
-    /// Called on every node whose global position has become stale. Sets the stale flag and nothing else; an
-    /// override sets it too, and must not change the tree.
+    /// Called on every node whose global position has become stale. Only sets the stale flag; an override
+    /// must set it too, and must not change the tree.
     virtual void ResetGlobalBoundingCenter() const;
     /// Marks the bounding spheres of all nodes above as stale.
     virtual void ResetParentSpheres() const;
     /// Calls ResetGlobalBoundingCenter() on all nodes below.
     virtual void ResetChildGlobalBoundingCenters() const;
 
-    /// Works out the global position, of the stale nodes above too, and clears the stale flags.
+    /// Computes the global position, also of stale ancestors, and clears the stale flags.
     virtual void RecalculateGlobalBoundingCenter() const;
 
-    /// Adds \p child as the last child of this node. It leaves its old parent, and all that hangs below it
-    /// comes along. False, and no change, if \p child is null or this node stands below it.
+    /// Adds \p child, with all its descendants, as the last child of this node, and removes it from its old
+    /// parent. Returns false and changes nothing if \p child is null or an ancestor of this node.
     virtual bool Add(Particle* child);
-    /// The same for the first node of that name, this one included, in a walk with parents before children;
-    /// the empty name is this node. False also if there is no such node.
+    /// The same for the first node of that name in a pre-order traversal that begins with this node; the
+    /// empty name is this node. Also returns false if there is no such node.
     virtual bool Add(const PString& nodeName, Particle* child);
 
-    /// Takes this node, with all below it, off its parent; a root stays as it is.
+    /// Removes this node, with its descendants, from its parent; does nothing for a root.
     virtual void Remove();
-    /// Takes a child off this node. False, and no change, if it is not a child of this node.
+    /// Removes a child from this node. Returns false and changes nothing if it is not a child of this node.
     virtual bool Remove(Particle* child);
     /// Makes all children roots.
     virtual void RemoveAllChildren();
@@ -78,7 +79,7 @@ public:
     /// In the parent's space.
     const Vector3& GetPosition() const { return position; }
     const Quaternion& GetOrientation() const { return orientation; }
-    /// In world units, brought up to date first.
+    /// In world units; recomputed first if stale.
     const Vector3& GetGlobalPosition() const
     {
         if (globalPositionStale) {
@@ -87,11 +88,11 @@ public:
         return globalPosition;
     }
 
-    /// Turns an orientation in this node's space into one in the world; the result has length 1.
+    /// Transforms an orientation from this node's space to world space; the result has length 1.
     void LocalToGlobal(Quaternion& localOrientation) const;
 
-    /// The parent is about to go, and this node to become a root. An override must not change the tree. The
-    /// default does nothing.
+    /// The parent is about to be destroyed, and this node becomes a root. An override must not change the
+    /// tree. The default does nothing.
     virtual void OnParentDestroyed();
 
 protected:
@@ -122,7 +123,7 @@ protected:
     Quaternion orientation;
 
 private:
-    /// The node has come to stand elsewhere in the tree.
+    /// Marks the node as moved within the tree.
     void MarkMoved() const;
     void UpdateGlobal() const;
     void UpdateGlobalPosition() const;

@@ -26,7 +26,7 @@ void PluginRegistry::Add(const PluginType& type)
 
 void PluginRegistry::ReleaseAll()
 {
-    // Off the list first, so that nobody meets a type that is going.
+    // Removed from the list first, so that no type is found while it is being released.
     Types going;
     going.swap(types);
     for (const PluginType* type : going) {

@@ -9,8 +9,8 @@ namespace Quon
 
 class PluginType;
 
-/// The one list of all plug-in types of the process, in the order in which they were made. It holds a
-/// reference on each. Task thread only.
+/// The list of all plug-in types of the process, in the order of their creation. It holds a reference to
+/// each. Task thread only.
 class HARMONET_ENGINE_API PluginRegistry
 {
 public:
@@ -20,11 +20,11 @@ public:
     /// The one registry, made at the first call.
     static PluginRegistry& Get();
 
-    /// Enters a type and takes a reference on it. PluginType's constructor does this.
+    /// Adds a type and a reference to it. Called by PluginType's constructor.
     void Add(const PluginType& type);
 
-    /// Gives all types up. A host calls this before it unloads the libraries whose types stand here, since
-    /// their code goes with them, and behind the resource databases that use them.
+    /// Releases all types. A host calls this before it unloads the libraries that define the types, since
+    /// their code is unloaded too, and after the resource databases that use them have been destroyed.
     void ReleaseAll();
 
     /// Valid until the list changes.

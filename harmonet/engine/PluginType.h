@@ -7,9 +7,9 @@
 namespace Quon
 {
 
-/// What a plug-in library adds to the engine: reference-counted objects that stand in the PluginRegistry.
-/// They are made with `new`; the registry holds the first reference, and the last one given back deletes the
-/// object.
+/// The base of reference-counted objects that a plug-in library adds to the engine through the
+/// PluginRegistry. Create them with `new`; the registry holds the first reference, and releasing the last one
+/// deletes the object.
 class HARMONET_ENGINE_API PluginSystemBase : public Allocated
 {
 public:
@@ -20,7 +20,7 @@ public:
     /// Any thread.
     virtual void AddReference() const = 0;
 
-    /// The last reference deletes the object. Any thread.
+    /// Releasing the last reference deletes the object. Any thread.
     virtual void ReleaseReference() const = 0;
 
 protected:
@@ -35,12 +35,12 @@ public:
     void ReleaseReference() const override;
 
 protected:
-    /// Enters the object in the registry, which takes a reference.
+    /// Adds the object to the registry, which takes a reference.
     PluginType();
     ~PluginType() override;
 
 private:
-    /// Publishes nothing; it only decides who deletes the object.
+    /// Publishes no other data; it only decides who deletes the object.
     mutable std::atomic<int> references{0};
 };
 

@@ -12,7 +12,7 @@ namespace Quon
 namespace
 {
 
-/// In double, where no float overflows when it is squared.
+/// In double, so that squaring a float cannot overflow.
 double LengthSquared(const Quaternion& q)
 {
     const double x = q.x;
@@ -41,8 +41,8 @@ void Quaternion::Set(const Matrix3& rotation)
     const Vector3& up = rotation.rows[1];
     const Vector3& back = rotation.rows[2];
 
-    // For a true rotation these are four times the squares of the fields. The largest is at least 1 for any
-    // matrix, as the four sum to 4, so that the root and the quotients below are safe.
+    // For a rotation matrix these are four times the squares of the fields. The largest is at least 1 for any
+    // matrix, since their sum is 4, so the root and the quotients below are safe.
     const double fourWW = 1.0 + right.x + up.y + back.z;
     const double fourXX = 1.0 + right.x - up.y - back.z;
     const double fourYY = 1.0 - right.x + up.y - back.z;
@@ -71,7 +71,7 @@ void Quaternion::Set(const Matrix3& rotation)
         fields = {fourXZ, fourYZ, fourZZ, fourWZ};
     }
 
-    // All four hold the wanted fields times the same factor, which normalising takes away.
+    // All four hold the fields times the same factor, which normalisation removes.
     const double lengthSquared =
         fields[0] * fields[0] + fields[1] * fields[1] + fields[2] * fields[2] + fields[3] * fields[3];
     *this = HasDirection(lengthSquared)
@@ -90,7 +90,7 @@ Quaternion operator*(const Quaternion& outer, const Quaternion& inner)
 Quaternion Normalized(const Quaternion& q)
 {
     const double lengthSquared = LengthSquared(q);
-    // Most orientations are of unit length already, as exactly as floats can be.
+    // Most orientations already have unit length within float precision.
     constexpr double rounding = 1.2e-7;
     if (std::abs(lengthSquared - 1.0) < rounding) {
         return q;

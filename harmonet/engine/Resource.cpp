@@ -77,7 +77,7 @@ void Resource::RemoveObserver(const ResourceObserver* observer) const
     if (observer == nullptr || found == observers.end()) {
         return;
     }
-    // While observers are told the places must not move.
+    // During a notification the entries must not move.
     if (notifications > 0) {
         *found = nullptr;
     }
@@ -162,7 +162,7 @@ bool Resource::ReleaseReference() const
 
 Result Resource::LoadContent(const ResourceDatabase* database) const
 {
-    // The state before the load: a change during it is then seen as one.
+    // The stamp before the load, so that a change during it is detected.
     FileStamp stamp;
     File::GetStamp(ownerName, resourceName.GetText(), stamp);
 
@@ -182,7 +182,7 @@ Result Resource::LoadContent(const ResourceDatabase* database) const
         outdated = false;
         loadedStamp = stamp;
         OnLoad();
-        TellObservers([this](const ResourceObserver& observer) { observer.OnResourceLoaded(*this); });
+        NotifyObservers([this](const ResourceObserver& observer) { observer.OnResourceLoaded(*this); });
     }
     return result;
 }
@@ -193,7 +193,7 @@ void Resource::GiveUpContent() const
     if (!loaded) {
         return;
     }
-    TellObservers([this](const ResourceObserver& observer) { observer.OnResourceUnloaded(*this); });
+    NotifyObservers([this](const ResourceObserver& observer) { observer.OnResourceUnloaded(*this); });
     loaded = false;
     Unload();
 }
@@ -220,10 +220,10 @@ void Resource::SetType(const ResourceTypeBase* newType)
 }
 
 template<class Notice>
-void Resource::TellObservers(Notice notice) const
+void Resource::NotifyObservers(Notice notice) const
 {
     ++notifications;
-    // By index, and only as far as the list goes now: an observer may add others.
+    // By index, and only up to the current size: an observer may add others.
     const std::size_t count = observers.size();
     for (std::size_t i = 0; i < count; ++i) {
         if (observers[i] != nullptr) {

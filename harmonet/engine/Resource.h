@@ -12,103 +12,101 @@ class ResourceDatabase;
 class ResourceObserver;
 class ResourceTypeBase;
 
-/// Something that was read from a file and is shared by name. A ResourceDatabase owns it; users hold a
-/// reference and, while they read its content, a lock. Derived classes fill themselves in Load() or
-/// LoadTxt(). Since users see resources as const, so are all operations, and content is mutable. Task thread
-/// only.
+/// An object that is read from a file and shared by name. A ResourceDatabase owns it; users hold a reference
+/// and, while they read its content, a lock. Derived classes read their content in Load() or LoadTxt(). Users
+/// access resources as const, so all operations are const and the content is mutable. Task thread only.
 class HARMONET_ENGINE_API Resource : public Allocated
 {
 public:
-    /// The codes of Lock() and the load operations; a derived class may give others of its own.
+    /// The results of Lock() and the load operations; a derived class may add its own.
     enum LoadCode
     {
         Loaded = 0,
         /// The file could not be opened or read.
         LoadFailed = 1,
-        /// The content cannot be loaded by this entry; another one may do.
+        /// This load operation does not support the content; another one may.
         OtherEntry = 6,
     };
 
-    /// \p database, which may be null, tells where the file is; the resource does not keep the pointer.
+    /// \p database, which may be null, is used to find the file; the resource does not store the pointer.
     Resource(const PString& newName, const ResourceDatabase* database);
 
-    /// A resource has an identity and is not copied: a derived class that is copied gets a fresh one of the
-    /// same name and place, which nobody holds and which is not loaded.
+    /// A resource has an identity that is not copied: copying a derived class constructs a new resource of
+    /// the same name and location that has no references and is not loaded.
     Resource(const Resource& other);
     Resource& operator=(const Resource&) = delete;
 
-    /// Makes sure that the content is loaded and holds it until Unlock(). Locks are counted.
+    /// Loads the content if necessary and keeps it until Unlock(). Locks are counted.
     ///
-    /// With a code other than 0 nothing is locked: it is the one that the load gave, and the next call tries
-    /// again. Blocks on the disk when it has to load. The flags are for derived classes; this one ignores
-    /// them.
+    /// A result other than 0 is that of the load; nothing is locked then, and the next call tries again.
+    /// Blocks on the disk if it has to load. The flags are for derived classes; the default ignores them.
     virtual Result Lock(const ResourceDatabase* database, unsigned long flags) const;
-    /// The same without flags.
+    /// Same as above without flags.
     virtual Result Lock(const ResourceDatabase* database) const;
 
-    /// Gives one lock back; more than were taken are ignored. After the last, content whose file has changed
-    /// in the meantime is given up, and the next Lock() loads it again.
+    /// Releases one lock; excess calls are ignored. After the last, content whose file has changed is
+    /// unloaded, and the next Lock() loads it again.
     virtual void Unlock() const;
 
-    /// How much the content is worth keeping; kept for whoever asks.
+    /// How important it is to keep the content. Only stored, for users that query it.
     virtual void SetPriority(float newPriority) const;
 
-    /// Observers are told in the order in which they came, one added twice is told twice. They may be added
-    /// and removed while they are told.
+    /// Observers are notified in the order in which they were added; one added twice is notified twice. They
+    /// may be added and removed during a notification.
     virtual void AddObserver(const ResourceObserver* observer) const;
     virtual void RemoveObserver(const ResourceObserver* observer) const;
 
     virtual ~Resource();
 
-    /// For a resource of which there can be several with the same content; this one has none and gives null.
+    /// For resources that can have several instances with the same content. The default returns null.
     virtual Resource* CreateInstance(const PString& name) const;
 
-    /// Fills the resource from an open file. This one answers OtherEntry; the engine does not call it by
-    /// itself.
+    /// Loads the resource from an open file. The default returns OtherEntry; the engine itself does not call
+    /// it.
     virtual Result Load(File& file, bool isBinary) const;
 
-    /// Fills the resource from the file of that name below GetOwnerName(). These answer OtherEntry.
+    /// Loads the resource from the file of that name below GetOwnerName(). The defaults return OtherEntry.
     ///
-    /// Load() is called first and LoadTxt() if it answers OtherEntry; a type that says that its files are
-    /// text goes to LoadTxt() at once. A class that overrides one overload of Load() says `using
+    /// Load() is called first, and LoadTxt() if it returns OtherEntry; for a type whose files are text,
+    /// LoadTxt() is called directly. A class that overrides one overload of Load() needs `using
     /// Resource::Load;`.
     virtual Result Load(const ResourceDatabase* database, char* path) const;
     virtual Result LoadTxt(const ResourceDatabase* database, char* path) const;
 
-    /// The content is given up, before it is loaded again or the resource dropped by its database.
+    /// Unloads the content, before it is loaded again or the resource is dropped by its database.
     virtual void Unload() const;
-    /// The content has been loaded.
+    /// Called after the content has been loaded.
     virtual void OnLoad() const;
 
-    /// Entries for file formats made of sections and keys, and for resources made of others. This engine has
-    /// neither and calls none of them; they do nothing, or answer OtherEntry.
+    /// Entry points for file formats made of sections and keys, and for resources composed of others. This
+    /// engine has neither and does not call them; they do nothing or return OtherEntry.
     virtual Result LoadSectionBegin(int section, const char* sectionName) const;
     virtual Result LoadSectionEnd(int section, const char* sectionName) const;
     virtual Result LoadKey(const ResourceDatabase* database, int key, char* text) const;
     virtual void ReleaseChildren() const;
     virtual void CaptureChildren() const;
 
-    /// Bytes of the object, and of what it holds beside itself. This one answers 0.
+    /// Bytes of the object and of the memory it owns. The default returns 0.
     virtual unsigned long CalculateSize() const;
     virtual unsigned long CalculateDataSize() const;
 
-    /// The resource that stands for this one; null, as here, if it stands for itself.
+    /// The resource that replaces this one; null, the default, if there is none.
     virtual const Resource* GetRedirection() const;
 
     /// The name by which the database knows it.
     const PString& GetName() const { return resourceName; }
 
-    /// The owner, in the sense of File, of the folder in which the file was found; empty if it was not found.
+    /// The owner (see File) of the folder in which the file was found; empty if it was not found.
     const PString& GetOwnerName() const { return ownerName; }
 
-    /// Marks the resource as used just now, so that its database keeps it for a while.
+    /// Marks the resource as recently used, so that its database keeps it for a while.
     void Touch() const { touched = true; }
 
     /// Takes a reference. While one is held the database keeps the resource.
     void AddReference() const { ++references; }
 
-    /// Gives one reference back; after the last the resource is touched. True if it was the last. A resource
-    /// that its database has left behind, because somebody still held it, is deleted with the last.
+    /// Releases one reference; after the last the resource is touched. Returns true if it was the last. A
+    /// resource that was still referenced when its database was destroyed is deleted with the last.
     bool ReleaseReference() const;
 
     /// The references and locks that are held now, and whether the content is loaded.
@@ -123,15 +121,15 @@ private:
 
     Result LoadContent(const ResourceDatabase* database) const;
     void GiveUpContent() const;
-    /// The file is another one by now.
+    /// Called when the file has changed.
     void NoteChange() const;
     void SetType(const ResourceTypeBase* newType);
     template<class Notice>
-    void TellObservers(Notice notice) const;
+    void NotifyObservers(Notice notice) const;
 
     PString resourceName;
     PString ownerName;
-    /// Null if no database found a type for the name. Held by a reference.
+    /// Null if no database found a type for the name. Holds a reference.
     const ResourceTypeBase* type = nullptr;
 
     mutable EngineVector<const ResourceObserver*> observers;
@@ -141,10 +139,10 @@ private:
     mutable int locks = 0;
     mutable float priority = 0.0F;
     mutable bool loaded = false;
-    /// The file has changed while the content was locked.
+    /// Whether the file has changed while the content was locked.
     mutable bool outdated = false;
     mutable bool touched = false;
-    /// The database is gone, and the last reference deletes the object.
+    /// Whether the database has been destroyed, so that the last reference deletes the object.
     mutable bool leftBehind = false;
 };
 

@@ -60,7 +60,7 @@ const Resource* ResourceDatabase::Lookup(const PString& name, int) const
     if (type == nullptr || !FindOwner(name, owner)) {
         return nullptr;
     }
-    // The place comes first: once there is a resource, nothing can fail any more.
+    // Insert the entry first: after the resource has been created, nothing can fail.
     const auto place = resources.emplace(name, nullptr).first;
     Resource* resource = nullptr;
     try {
@@ -89,7 +89,7 @@ bool ResourceDatabase::List(const char* folder, EngineVector<PString>& names) co
     for (const PString& owner : owners) {
         const Result listed = File::List(owner, folder, files);
         isListed = isListed || listed.IsOk();
-        // What one of them does not have another may; any other reason is told.
+        // A folder missing in one root may exist in another; any other error is returned.
         code = listed.IsOk() || listed.GetCode() == File::NotFound ? code : listed.GetCode();
     }
     std::sort(files.begin(), files.end());
@@ -109,7 +109,7 @@ bool ResourceDatabase::List(const char* folder, EngineVector<PString>& names) co
 
 void ResourceDatabase::ReloadChanged()
 {
-    // Whoever hears of a change may look other resources up, so that the table is not walked meanwhile.
+    // Observers may look up other resources, so do not notify them while iterating over the table.
     EngineVector<const Resource*> changed;
     for (const auto& [name, resource] : resources) {
         FileStamp stamp;
@@ -167,7 +167,7 @@ bool ResourceDatabase::FindOwner(const PString& name, PString& owner) const
     for (const PString& candidate : owners) {
         FileStamp stamp;
         const int code = File::GetStamp(candidate, name.GetText(), stamp).GetCode();
-        // A file that will not open is there all the same; Lock() tells what is wrong with it.
+        // A file that cannot be opened still exists; Lock() reports the error.
         if (code == File::Opened || code == File::Empty || code == File::TooLarge) {
             owner = candidate;
             return true;

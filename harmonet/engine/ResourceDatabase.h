@@ -14,8 +14,8 @@ class FileSource;
 class Resource;
 class ResourceTypeBase;
 
-/// Finds resources by name in the folders that the host has given, and keeps them. The host owns it and
-/// outlives with it the sounds that use it; a resource that somebody still holds when it goes lives on until
+/// Finds resources by name in the folders that the host has added, and caches them. The host owns it, and it
+/// must outlive the sounds that use it; a resource that is still referenced when it is destroyed exists until
 /// it is released. Task thread only.
 class HARMONET_ENGINE_API ResourceDatabase : public Allocated
 {
@@ -24,42 +24,40 @@ public:
     ResourceDatabase(const ResourceDatabase&) = delete;
     ResourceDatabase& operator=(const ResourceDatabase&) = delete;
 
-    /// Gives the resource of that name, a file name below one of the folders, with a reference taken on it,
-    /// which the caller gives back with Resource::ReleaseReference(). The same name gives the same object. It
+    /// Returns the resource of that name, a file name below one of the folders, with an added reference,
+    /// which the caller releases with Resource::ReleaseReference(). The same name returns the same object. It
     /// is not loaded yet; Resource::Lock() does that.
     ///
-    /// The folders are looked through in the order in which they were added. The type is the registered one
-    /// with the longest ending that fits, the first registered among equals. Null if there is no such file or
-    /// no type for it. All values of \p mode mean the same here. Asks the disk only for a name that is not
-    /// known yet.
+    /// The folders are searched in the order in which they were added. The type is the registered one with
+    /// the longest matching extension, the first registered among equals. Returns null if there is no such
+    /// file or no type for it. \p mode is ignored. Accesses the disk only for a name that is not known yet.
     virtual const Resource* Lookup(const PString& name, int mode) const;
 
     virtual ~ResourceDatabase();
 
-    /// Adds a folder, a path of the operating system, and makes it the root of \p owner for File. An owner
-    /// that has a folder here already gets the new one in its place. False, and no change, if there is no
-    /// such folder.
+    /// Adds a folder, a native path, and makes it the root of \p owner for File. It replaces a folder that
+    /// the owner already has here. Returns false and changes nothing if there is no such folder.
     bool AddFolder(const PString& owner, const char* folder);
 
-    /// The same with a source of the host's own instead of a folder (FileSource.h). False only for null.
+    /// The same with a custom source instead of a folder (FileSource.h). Returns false only for null.
     bool AddFolder(const PString& owner, std::shared_ptr<FileSource> source);
 
-    /// Adds the names of all resources whose files lie in that folder, or below it, of any folder that was
-    /// added here; "" for all there are. Each stands there once, and Lookup() finds it; none is made. False,
-    /// with a message, if none has that folder, or one cannot be listed: a source of the host's own need not
-    /// tell what it holds (FileSource::List()). The names from the others are there all the same. Blocks on
-    /// the disk.
+    /// Adds the names of all resources whose files are in that folder, or below it, in any folder that was
+    /// added here; "" means all. Each name is added once and can be passed to Lookup(); no resource is
+    /// created. Returns false and writes a message if none has that folder, or one cannot be listed, since a
+    /// custom source need not support it (FileSource::List()). The names from the others are still added.
+    /// Blocks on the disk.
     bool List(const char* folder, EngineVector<PString>& names) const;
 
-    /// Looks at the files of all resources. One that has changed is loaded again at the next Lock(), or after
-    /// the last Unlock() if it is locked now. A resource whose file is gone keeps its content while it is
-    /// held. Blocks on the disk.
+    /// Checks the files of all resources. A changed one is unloaded, at once or after the last Unlock() if it
+    /// is locked, and loaded again at the next Lock(). A resource whose file no longer exists keeps its
+    /// content while it is held. Blocks on the disk.
     void ReloadChanged();
 
-    /// Drops the resources that nobody holds and that have not been used since the last call.
+    /// Drops the resources that are not referenced and have not been used since the last call.
     void DropUnused();
 
-    /// How many resources are kept at this moment.
+    /// Number of resources currently cached.
     std::size_t GetCount() const { return resources.size(); }
 
 private:
@@ -70,9 +68,9 @@ private:
 
     bool AddOwner(const PString& owner);
     static void Delete(Resource* resource);
-    /// The type for that file name, or null.
+    /// Returns the type for that file name, or null.
     static const ResourceTypeBase* FindType(const PString& name);
-    /// The owner of the first folder that has the file; false if none has.
+    /// Finds the owner of the first folder that contains the file; returns false if none does.
     bool FindOwner(const PString& name, PString& owner) const;
 
     std::list<PString, EngineAllocator<PString>> owners;

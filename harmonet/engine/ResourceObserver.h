@@ -7,8 +7,8 @@ namespace Quon
 
 class Resource;
 
-/// Whoever wants to hear when a resource's content comes and goes. The observer is not owned by the resource
-/// and must be removed before it dies. Task thread only.
+/// Receives a notification when a resource's content is loaded or unloaded. The resource does not own the
+/// observer, which must be removed before it is destroyed. Task thread only.
 class HARMONET_ENGINE_API ResourceObserver
 {
 public:
@@ -17,10 +17,10 @@ public:
     ResourceObserver& operator=(const ResourceObserver&) = default;
     virtual ~ResourceObserver();
 
-    /// The resource has been loaded, the first time or again.
+    /// The resource has been loaded or reloaded.
     virtual void OnResourceLoaded(const Resource& resource) const = 0;
 
-    /// What the resource holds is no longer valid: its file has changed, or it is about to go.
+    /// The content is no longer valid: the file has changed, or the resource is about to be destroyed.
     virtual void OnResourceUnloaded(const Resource& resource) const = 0;
 };
 

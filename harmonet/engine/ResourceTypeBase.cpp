@@ -19,7 +19,7 @@ bool IsSame(std::string_view a, std::string_view b)
         [](char left, char right) { return LowerCase(left) == LowerCase(right); });
 }
 
-/// \p text is \p ending, or ends with a point and \p ending.
+/// Whether \p text is \p ending, or ends with a dot and \p ending.
 bool EndsWith(std::string_view text, std::string_view ending)
 {
     if (text.size() <= ending.size()) {

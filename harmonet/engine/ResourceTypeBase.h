@@ -12,23 +12,23 @@ namespace Quon
 class Resource;
 class ResourceDatabase;
 
-/// A kind of resource: it says which file names it takes, and makes the objects for them. Plug-in libraries
-/// derive from it, make one object of each kind with `new` and leave it to the plug-in registry. Task thread
-/// only.
+/// A resource type: it determines which file names it handles and creates the objects for them. Plug-in
+/// libraries derive from it and create one object per type with `new`; the plug-in registry owns it. Task
+/// thread only.
 class HARMONET_ENGINE_API ResourceTypeBase : public PluginType
 {
 public:
-    /// Enters the type in the plug-in registry. \p newName is the ending of the file names that it takes,
-    /// without the point before it, and may itself contain points.
+    /// Adds the type to the plug-in registry. \p newName is the extension of the file names it handles,
+    /// without the leading dot; it may contain dots.
     ResourceTypeBase(const PString& newName, const UId& newTypeID, const UId& newCommonID);
 
-    /// Makes a resource of that name, not loaded yet. The caller owns it.
+    /// Creates a resource of that name that is not loaded yet. The caller owns it.
     virtual Resource* Create(const PString& name, const ResourceDatabase* database) const = 0;
 
-    /// Bytes of an object that Create() makes.
+    /// Size in bytes of the objects that Create() creates.
     virtual int GetSize() const = 0;
 
-    /// Makes a resource that has no file behind it. This one makes none and gives null.
+    /// Creates a resource without a file. The default returns null.
     virtual Resource* CreateOnTheFly(const PString& name, const ResourceDatabase* database) const;
 
     /// The ending of the file names, and the identifiers of this type and of the family that it
@@ -37,12 +37,12 @@ public:
     const UId& GetTypeID() const { return typeID; }
     const UId& GetCommonID() const { return commonID; }
 
-    /// The file name ends with a point and the type's name, or is the type's name, in any case of ASCII
-    /// letters.
+    /// Whether the file name is the type's name or ends with a dot and the type's name, ignoring the case of
+    /// ASCII letters.
     bool Takes(std::string_view fileName) const;
 
-    /// The files are text, whose content goes straight to Resource::LoadTxt(). So are those of a type named
-    /// "txt", or ending in ".txt"; the resources of the others are asked by Resource::Load() first.
+    /// Whether the files are text and are loaded with Resource::LoadTxt(). This holds for a type named "txt"
+    /// or with a name that ends in ".txt"; resources of other types are loaded with Resource::Load() first.
     bool IsText() const;
 
 protected:

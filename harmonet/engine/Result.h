@@ -3,8 +3,8 @@
 namespace Quon
 {
 
-/// What an operation of the engine has to say about its success: a code, of which 0 is success. What the
-/// other codes mean is told by the class that gives them.
+/// The result of an engine operation: a code, of which 0 is success. The class that returns it defines the
+/// other codes.
 class Result
 {
 public:

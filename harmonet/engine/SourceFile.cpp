@@ -48,8 +48,8 @@ Result SourceFile::GetStamp(FileSource& source, std::string_view name, FileStamp
     if (!told.IsOk()) {
         return told;
     }
-    constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    const Result judged = JudgeSize(static_cast<std::int64_t>(std::min(found.size, most)));
+    constexpr auto maximum = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+    const Result judged = JudgeSize(static_cast<std::int64_t>(std::min(found.size, maximum)));
     if (judged.IsOk()) {
         stamp = found;
     }
@@ -88,7 +88,7 @@ std::size_t SourceFile::Read(void* buffer, std::size_t bytes)
         const std::size_t asked = wanted - done;
         const std::size_t got = stream->Read(static_cast<char*>(buffer) + done, asked);
         if (got == 0 || got > asked) {
-            // Where a stream stands that has failed is not known.
+            // After a failure the position of the stream is unknown.
             streamPosition = positionUnknown;
             position += static_cast<std::int64_t>(done);
             return done;

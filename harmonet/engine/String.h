@@ -5,11 +5,11 @@
 namespace Quon
 {
 
-/// A text that can be changed, owned by whoever holds the object. One thread at a time.
+/// A mutable text with value semantics. One thread at a time.
 class HARMONET_ENGINE_API String
 {
 public:
-    /// Empty.
+    /// Constructs the empty string.
     String() = default;
 
     /// Zero-terminated and never null; valid until the text changes.
@@ -18,8 +18,8 @@ public:
     /// In bytes, without the zero at the end.
     unsigned int GetLength() const { return static_cast<unsigned int>(text.size()); }
 
-    /// Inserts \p inserted, which may be part of this string, so that it begins at \p position; a position
-    /// behind the end appends. Null inserts nothing.
+    /// Inserts \p inserted, which may be part of this string, at \p position; a position beyond the end
+    /// appends. Null is ignored.
     void Ins(const char* inserted, unsigned int position);
 
     /// Replaces the text; null makes it empty.

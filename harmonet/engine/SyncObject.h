@@ -7,9 +7,9 @@
 namespace Quon
 {
 
-/// Locks between the task thread and a driver's thread. Each is a member of what it guards and dies with it.
-/// Both kinds are re-entrant: the thread that holds one may lock it again and unlocks it as often. The names
-/// are labels without an effect, and null will do.
+/// Locks between the task thread and a driver's thread. Each is a member of the object that it guards. Both
+/// types are recursive: the thread that holds one may lock it again and must unlock it as often. The names
+/// are labels without effect and may be null.
 class HARMONET_ENGINE_API SyncObject : public Allocated
 {
 public:
@@ -17,17 +17,17 @@ public:
     SyncObject(const SyncObject&) = delete;
     SyncObject& operator=(const SyncObject&) = delete;
 
-    /// Waits at most \p timeoutMs milliseconds for the lock, without limit if it is negative; 0 only tries.
-    /// False if the time is up. Does not allocate.
+    /// Waits at most \p timeoutMs milliseconds for the lock, indefinitely if it is negative; 0 only tries.
+    /// Returns false on timeout. Does not allocate.
     virtual bool Lock(int timeoutMs) = 0;
 
-    /// Gives the lock back. Only the thread that holds it may call this.
+    /// Releases the lock. Only the thread that holds it may call this.
     virtual void Unlock() = 0;
 
     virtual ~SyncObject();
 };
 
-/// The lock of one object within the process.
+/// A lock within one process.
 class HARMONET_ENGINE_API CriticalSection : public SyncObject
 {
 public:
@@ -42,8 +42,7 @@ private:
     std::recursive_timed_mutex mutex;
 };
 
-/// Works as CriticalSection; it can also begin in the hands of the thread that makes it. It is not shared
-/// between processes.
+/// Same as CriticalSection, but the creating thread can own it initially. It is not shared between processes.
 class HARMONET_ENGINE_API Mutex : public SyncObject
 {
 public:
@@ -58,7 +57,7 @@ private:
     std::recursive_timed_mutex mutex;
 };
 
-/// Holds a lock, without limit of waiting, for as long as it lives.
+/// Holds a lock during its lifetime; the constructor waits without a limit.
 class SyncLock
 {
 public:

@@ -15,7 +15,7 @@ Task::Task(const PString& newName, float newOrder, bool newActive)
 
 Task::~Task()
 {
-    // A list that has ended before its tasks has let go of them.
+    // A list destroyed before its tasks has unlinked them.
     if (IsLinked()) {
         TaskList::Get().Leave(*this);
     }

@@ -9,41 +9,42 @@ namespace Quon
 
 class OS;
 
-/// A piece of work that the host runs once per game frame through the TaskList. Whoever makes a task owns it.
-/// All of it runs on the thread on which the host drives the list, the task thread.
+/// A piece of work that the host runs once per game frame through the TaskList. A task is owned by its
+/// creator. All functions are called on the thread that updates the list, the task thread.
 class HARMONET_ENGINE_API Task : public Allocated, public IListNode
 {
 public:
     /// What Update() returns.
     enum UpdateCode
     {
-        /// The task goes on.
+        /// The task continues.
         UpdateContinue = 0,
-        /// The task leaves the list; it is not updated any more.
+        /// The task is removed from the list and not updated any more.
         UpdateStop = 1,
     };
 
-    /// Enters the task in the list, from which it is updated from the list's next update on.
+    /// Adds the task to the list; it is first updated in the list's next update.
     ///
-    /// Tasks run in ascending \p newOrder, those of equal order by age, the oldest first. A task made with
-    /// \p newActive false stands in the list and is not updated until SetActive(true).
+    /// Tasks run in ascending \p newOrder; among equal values, older tasks run first. A task constructed with
+    /// \p newActive false is in the list but is not updated until SetActive(true).
     Task(const PString& newName, float newOrder, bool newActive);
     Task(const Task&) = delete;
     Task& operator=(const Task&) = delete;
 
-    /// Leaves the list. A task may be deleted at any moment, also by itself or another task during an update.
+    /// Removes the task from the list. A task may be deleted at any time, even by itself or another task
+    /// during an update.
     virtual ~Task();
 
     /// The name given to the constructor.
     virtual const PString& GetName() const;
 
-    /// For a task that has something to prepare. True on success; this one does nothing.
+    /// For tasks that need initialisation. Returns true on success; the default does nothing.
     virtual bool Init(OS* os);
 
-    /// For a task that has something to give back while it lives on; this one does nothing.
+    /// For tasks that release something before their destruction; the default does nothing.
     virtual void Done();
 
-    /// Does the work. \p seconds have passed since the last call. A task that deletes itself here returns
+    /// Does the work. \p seconds is the time since the last call. A task that deletes itself here must return
     /// UpdateContinue.
     virtual UpdateCode Update(float seconds) = 0;
 
@@ -51,7 +52,7 @@ public:
     void SetActive(bool newActive) { active = newActive; }
     bool IsActive() const { return active; }
 
-    /// The time that TaskList::SetMinimumStep() holds back, in seconds: it is part of the next update.
+    /// The time that TaskList::SetMinimumStep() has deferred, in seconds: it becomes part of the next update.
     double GetGatheredSeconds() const { return gatheredSeconds; }
 
 private:
@@ -60,10 +61,11 @@ private:
     PString taskName;
     float order;
     bool active;
-    /// Held back until this much time has gathered.
+    /// Updates are deferred until this much time has accumulated.
     float minimumStepSeconds = 0.0F;
     double gatheredSeconds = 0.0;
-    /// The number of the list's update during which the task was made, so that it is not run in that one.
+    /// The number of the list's update during which the task was created, so that it does not run in that
+    /// one.
     unsigned long bornInUpdate = 0;
 };
 

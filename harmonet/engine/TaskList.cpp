@@ -23,15 +23,14 @@ TaskList::~TaskList()
     }
 }
 
-/// Goes through the tasks in their order. What the visitor does may take any task off the list, and enter new
-/// ones.
+/// Visits the tasks in their order. The visitor may remove any task from the list and add new ones.
 template<class Visitor>
 void TaskList::Walk(Visitor visit)
 {
     if (upcoming != nullptr) {
         return;
     }
-    // An exception that passes through must not leave the list as if it were still walked.
+    // An exception must not leave the list in the state of a running iteration.
     struct Finish
     {
         IListNode*& upcoming;
@@ -65,7 +64,7 @@ void TaskList::UpdateTask(Task& task, float seconds)
     if (task.gatheredSeconds < task.minimumStepSeconds) {
         return;
     }
-    // What does not fit into the float stays for the next time, so that no time is lost over a long run.
+    // The rounding error is kept for the next update, so that no time is lost over a long run.
     const float step = static_cast<float>(task.gatheredSeconds);
     task.gatheredSeconds -= step;
     if (task.Update(step) == Task::UpdateStop) {
@@ -101,7 +100,7 @@ void TaskList::Done()
 
 void TaskList::Enter(Task& task)
 {
-    // From the end, where the new task belongs behind those of its order.
+    // From the end: the new task is inserted after those of equal order.
     IListNode* before = head.previous;
     while (before != &head && static_cast<Task*>(before)->order > task.order) {
         before = before->previous;

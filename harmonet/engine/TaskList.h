@@ -12,8 +12,8 @@ namespace Quon
 class OS;
 class Task;
 
-/// The one list of all tasks of the process. The host calls Update() once per game frame; the thread on which
-/// it does so is the task thread, and everything here belongs to it.
+/// The list of all tasks of the process. The host calls Update() once per game frame. The thread that does so
+/// is the task thread; all functions here must be called on it.
 class HARMONET_ENGINE_API TaskList
 {
 public:
@@ -22,16 +22,16 @@ public:
 
     /// Updates the active tasks in their order, each with the seconds since its last update.
     ///
-    /// Tasks may be made and deleted during the update: a new one is first updated the next time, one that is
-    /// gone is not. A call from inside an update does nothing. Negative and non-finite seconds count as 0.
+    /// Tasks may be created and deleted during the update: a new one is first updated in the next update. A
+    /// recursive call does nothing. Negative and non-finite seconds count as 0.
     void Update(float seconds);
 
-    /// Holds the tasks of that name back, those there are and those to come: their seconds are gathered until
-    /// at least \p seconds have come together, and are then passed on in one update. 0 or less ends that. A
-    /// task that counts whole milliseconds of its own wants a step somewhat longer than what it waits for.
+    /// Defers the updates of present and future tasks of that name: their time is accumulated until it is at
+    /// least \p seconds, and is then passed in one update. 0 or less ends that. For a task that counts whole
+    /// milliseconds, choose a step slightly longer than the time it waits for.
     void SetMinimumStep(const PString& taskName, float seconds);
 
-    /// Calls Task::Init() on all tasks in their order. True if each gave true.
+    /// Calls Task::Init() on all tasks in their order. Returns true if all calls did.
     bool Init(OS* os);
 
     /// Calls Task::Done() on all tasks in their order, as a host does before it ends. The tasks stay in the
@@ -59,7 +59,7 @@ private:
     void Walk(Visitor visit);
 
     IListNode head;
-    /// The node that the running walk goes to next; a task that leaves moves it on. Null outside a walk.
+    /// The next node of the running iteration; a task that is removed advances it. Null outside an iteration.
     IListNode* upcoming = nullptr;
     std::list<MinimumStep, EngineAllocator<MinimumStep>> minimumSteps;
     unsigned long updateNumber = 0;

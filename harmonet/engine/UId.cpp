@@ -10,7 +10,7 @@ namespace
 
 constexpr std::string_view form = "XXXXXXXX-XXXX-XXXX-XXXX-XXXXXXXXXXXX";
 
-/// -1 for what is no hexadecimal digit.
+/// Returns -1 for anything but a hexadecimal digit.
 int DigitValue(char character)
 {
     if (character >= '0' && character <= '9') {

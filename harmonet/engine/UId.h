@@ -8,15 +8,15 @@
 namespace Quon
 {
 
-/// A 128-bit identifier by which plug-in types are told apart for good: a plain value.
+/// A 128-bit identifier of a plug-in type: a plain value.
 class HARMONET_ENGINE_API UId
 {
 public:
-    /// The zero identifier.
+    /// Constructs the zero identifier.
     UId() = default;
 
-    /// Reads the form "6B7E2180-3F4C-41A7-8C2D-5E19A07C33D1", letters in either case. Any other text, and
-    /// null, give the zero identifier.
+    /// Parses the form "6B7E2180-3F4C-41A7-8C2D-5E19A07C33D1", with letters in either case. Any other text,
+    /// and null, yield the zero identifier.
     explicit UId(const char* text);
 
     bool operator==(const UId&) const = default;

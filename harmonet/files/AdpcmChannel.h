@@ -6,27 +6,27 @@
 namespace Quon
 {
 
-/// The weights, in 256ths, of the last sample and of the one before in the prediction of the next.
+/// The weights, in 256ths, of the last two samples in the prediction of the next one.
 struct AdpcmCoefPair
 {
     std::int32_t coef1;
     std::int32_t coef2;
 };
 
-/// Where one channel stands in its block.
+/// The state of one channel within its block.
 struct AdpcmChannelState
 {
     std::uint32_t predictor; ///< Index of the channel's coefficient pair.
-    std::int32_t delta; ///< What one step of a code is worth.
+    std::int32_t delta; ///< The value of one code step.
     std::int32_t sample1; ///< The newest sample.
-    std::int32_t sample2; ///< The one before.
+    std::int32_t sample2; ///< The sample before it.
 };
 
-/// One channel at work: the state and the coefficients side by side, for a loop to hold in registers. Belongs
-/// to the function that decodes.
+/// The decoder of one channel: state and coefficients together, so that a loop can keep them in registers.
+/// Local to the decoding function.
 ///
-/// The delta grows up to threefold with each large code. Codes that no encoder writes could drive it out of
-/// its type: it stops at `maxDelta`, from where every large code takes the sample to its limit.
+/// The delta grows up to threefold with each large code. Codes that no encoder writes could overflow it: it
+/// is clamped to `maxDelta`, at which every large code clamps the sample.
 class AdpcmChannel
 {
 public:
@@ -39,21 +39,20 @@ public:
     {
     }
 
-    /// Takes the next code, 0 to 15, and gives the sample.
+    /// Decodes the next code, 0 to 15, and returns the sample.
     int Decode(unsigned code)
     {
         const CodeEntry& entry = entries[code];
-        // The code's share goes under the shift with the rest: it has no bits there to lose, and the sum is
-        // ready before the last sample is.
+        // The code's share is added before the shift: it has no bits to lose there, and the sum is available
+        // before the last sample is.
         const std::int64_t share = sample2 * coef2 + delta * entry.share;
         const std::int64_t grown = delta * entry.adaptation;
         std::int64_t value = (sample1 * coef1 + share) >> 8;
         delta = grown < minDelta << 8 ? minDelta : grown >> 8;
         if (value != static_cast<std::int16_t>(value)) [[unlikely]] {
             value = std::clamp<std::int64_t>(value, minSample, maxSample);
-            // Here and nowhere else: a step that takes the delta past its limit, 2^22, is worth more than
-            // 2^23 in the sample, and a prediction from 16-bit coefficients cannot bring that back into
-            // range.
+            // The only place to clamp: a step that takes the delta past its limit, 2^22, changes the sample
+            // by more than 2^23, and a prediction from 16-bit coefficients cannot bring that back into range.
             delta = std::min(delta, maxDelta);
         }
         sample2 = sample1;
@@ -73,7 +72,7 @@ private:
     {
         std::int32_t share; ///< The code as a signed number, in 256ths.
         std::int32_t
-            adaptation; ///< What becomes of the delta, in 256ths: less after small steps, more after large.
+            adaptation; ///< Factors of the delta, in 256ths: below 1 after small steps, above after large.
     };
 
     static constexpr std::int64_t minDelta = 16;

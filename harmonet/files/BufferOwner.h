@@ -5,9 +5,9 @@ namespace Quon
 
 class Sound;
 
-/// Tells the owner of a sound that a block of memory that game code lent to it is no longer in use.
+/// Notifies the owner of a sound that a block of memory lent by game code is no longer in use.
 ///
-/// The readers know of `Sound` only that it exists; the room in which `Sound` lives defines this function.
+/// The readers only have a forward declaration of `Sound`; the room of `Sound` defines this function.
 void NotifyBufferFree(Sound& owner, unsigned int soundID, void* buffer);
 
 } // namespace Quon

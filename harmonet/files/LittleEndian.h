@@ -7,7 +7,7 @@
 namespace Quon
 {
 
-/// Numbers as they stand in wave files, lowest byte first, at any address and on any machine.
+/// Little-endian numbers of wave files, at any address and on any machine.
 inline std::uint16_t LoadLittle16(const unsigned char* bytes)
 {
     return static_cast<std::uint16_t>(bytes[0] | bytes[1] << 8);

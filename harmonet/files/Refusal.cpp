@@ -48,7 +48,7 @@ EngineString DescribePcm(const WaveFormatEx& format)
         return "states 0 channels";
     }
     if (format.bitsPerSample < 8) {
-        return Join("has ", format.bitsPerSample, " bits per sample, and 8 are the minimum");
+        return Join("has ", format.bitsPerSample, " bits per sample; the minimum is 8");
     }
     if (format.samplesPerSecond == 0 || format.samplesPerSecond > std::numeric_limits<int>::max()) {
         return Join("states a rate of ", format.samplesPerSecond, " Hz");
@@ -66,12 +66,12 @@ EngineString DescribeFormat(const WaveFormatEx& format)
             format.samplesPerSecond, " Hz, blocks of ", format.blockAlign,
             " bytes, or coefficients that do not fit their chunk");
     case waveTagMpegLayer3:
-        return "holds MPEG Layer III without a frame that can be decoded";
+        return "holds MPEG Layer III without a decodable frame";
     case waveTagFloat:
-        return Join("holds ", format.bitsPerSample, "-bit float samples, and only whole numbers are read");
+        return Join("holds ", format.bitsPerSample, "-bit float samples; only integer samples are supported");
     default:
         return Join("has the format tag ", format.formatTag, " (", NameFormatTag(format.formatTag),
-            "), and only PCM (1), Microsoft ADPCM (2) and MPEG Layer III (85) are read");
+            "); only PCM (1), Microsoft ADPCM (2) and MPEG Layer III (85) are supported");
     }
 }
 
@@ -81,15 +81,14 @@ EngineString DescribeWave(SndFileHandle& handle)
     RiffWalk walk(handle);
     while (walk.Next()) {
         if (walk.Is("data")) {
-            return hasFormat ? "is a RIFF/WAVE file that is damaged"
-                             : "has its data chunk ahead of its format chunk";
+            return hasFormat ? "is a damaged RIFF/WAVE file" : "has its data chunk before its format chunk";
         }
         if (!walk.Is("fmt ")) {
             continue;
         }
         if (walk.GetSize() < RiffWalk::minFormatBytes || walk.GetSize() > RiffWalk::maxFormatBytes) {
-            return Join("has a format chunk of ", walk.GetSize(), " bytes, and only ",
-                RiffWalk::minFormatBytes, " to ", RiffWalk::maxFormatBytes, " are read");
+            return Join("has a format chunk of ", walk.GetSize(), " bytes; only ", RiffWalk::minFormatBytes,
+                " to ", RiffWalk::maxFormatBytes, " are supported");
         }
         hasFormat = true;
         EngineString reason = DescribeFormat(walk.ReadFormat());
@@ -100,7 +99,7 @@ EngineString DescribeWave(SndFileHandle& handle)
     return hasFormat ? "has no data chunk" : "is a RIFF/WAVE file without a format chunk";
 }
 
-/// What begins with these bytes, of the kinds that are met where a sound was meant; null for all others.
+/// Identifies common non-sound content by its first bytes; null for all others.
 const char* NameContent(std::string_view begin)
 {
     struct Kind
@@ -133,12 +132,12 @@ EngineString DescribeBareStream(const unsigned char* head, std::size_t bytes)
     constexpr int layer3 = 1;
     const int version = head[1] >> 3 & 3;
     if ((head[1] >> 1 & 3) != layer3) {
-        return "is MPEG audio of another layer than III";
+        return "is MPEG audio of a layer other than III";
     }
     if (version == 0) {
-        return "is MPEG-2.5 audio, and only MPEG-1 and MPEG-2 are read";
+        return "is MPEG-2.5 audio; only MPEG-1 and MPEG-2 are supported";
     }
-    return "begins like MPEG Layer III and has no frame that can be decoded";
+    return "begins like MPEG Layer III but has no decodable frame";
 }
 
 } // namespace
@@ -159,18 +158,18 @@ EngineString DescribeRefusal(SndFileHandle& handle)
 EngineString DescribeRefusal(const WaveFormatEx* format, const void* data, unsigned long bytes)
 {
     if (format == nullptr) {
-        return "comes without a format";
+        return "has no format";
     }
     if (format->formatTag != waveTagPcm) {
         return Join("has the format tag ", format->formatTag, " (", NameFormatTag(format->formatTag),
-            "), and memory is played as PCM (1) only");
+            "); only PCM (1) is supported in memory");
     }
     EngineString reason = DescribePcm(*format);
     if (!reason.empty()) {
         return reason;
     }
     return data == nullptr ? Join("is null with a size of ", bytes, " bytes")
-                           : Join("has ", bytes, " bytes, and less than 4 GiB are played");
+                           : Join("has ", bytes, " bytes; the size must be below 4 GiB");
 }
 
 } // namespace Quon

@@ -26,7 +26,7 @@ constexpr std::uint32_t ToNumber(const char (&id)[5])
         static_cast<std::uint32_t>(id[2]) << 16 | static_cast<std::uint32_t>(id[3]) << 24;
 }
 
-/// Whether anybody who walks a file asks for a chunk with this head.
+/// Whether any user of RiffWalk needs a chunk with this header.
 bool HasMeaning(const unsigned char* head)
 {
     const std::uint32_t id = LoadLittle32(head);
@@ -48,13 +48,13 @@ RiffWalk::RiffWalk(SndFileHandle& newHandle)
 bool RiffWalk::Next()
 {
     while (isWave) {
-        PassOver();
+        SkipIrrelevant();
         if (nextOffset + chunkHeadBytes > fileBytes) {
             break;
         }
         chunkOffset = nextOffset;
         unsigned char head[chunkHeadBytes];
-        // A file that has shrunk since its length was asked would otherwise be walked to its former end.
+        // Otherwise a file that has shrunk since its length was queried would be read to its former end.
         if (!Fetch(head, chunkHeadBytes, chunkOffset)) {
             break;
         }
@@ -68,7 +68,7 @@ bool RiffWalk::Next()
     return false;
 }
 
-void RiffWalk::PassOver()
+void RiffWalk::SkipIrrelevant()
 {
     if (nextOffset < windowOffset || nextOffset - windowOffset > windowBytes) {
         return;
@@ -78,7 +78,7 @@ void RiffWalk::PassOver()
     const unsigned char* head = begin + (nextOffset - windowOffset);
     while (end - head >= chunkHeadBytes && !HasMeaning(head)) {
         const std::uint64_t size = PaddedSize(LoadLittle32(head + sizeof chunkId));
-        // A branch of its own lets the processor go on before the size has been loaded.
+        // A separate branch lets the processor continue before the size has been loaded.
         if (size == 0) {
             head += chunkHeadBytes;
             continue;
@@ -101,7 +101,7 @@ void RiffWalk::ReadContent(unsigned char* buffer, int bytes)
     Fetch(buffer, bytes, GetContentOffset());
 }
 
-/// Whether all the bytes were there; those that were not are 0.
+/// Returns whether all bytes were available; missing ones are 0.
 bool RiffWalk::Fetch(unsigned char* buffer, int bytes, std::uint64_t offset)
 {
     const auto wanted = static_cast<std::uint64_t>(bytes);

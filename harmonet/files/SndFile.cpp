@@ -23,7 +23,7 @@ namespace Quon
 namespace
 {
 
-/// One use of a shared open file, given back at the end of the scope unless a reader has taken it over.
+/// One use of a shared open file, released at the end of the scope unless a reader has taken it.
 class HandleUse
 {
 public:
@@ -44,8 +44,8 @@ private:
     SndFileHandle* handle;
 };
 
-/// Opens a reader with what `open` is given, which stays the caller's if that fails, by a false or by an
-/// exception. Returns the reader, or null.
+/// Opens a reader with `open`. If that returns false or throws, the caller keeps the arguments of `open`.
+/// Returns the reader, or null.
 template<class Open>
 SndFile* OpenReader(std::unique_ptr<SndFile> file, void (SndFile::*abandon)(), Open open)
 {
@@ -79,10 +79,10 @@ std::unique_ptr<SndFile> MakeReader(int fileType)
     }
 }
 
-/// What the file is by its content, whatever its name.
+/// Detects the file type from the content.
 int Probe(SndFileHandle* handle)
 {
-    // Both probes begin with the format tag, and a file can hold millions of chunks ahead of it.
+    // Both probes need the format tag, and a file can hold millions of chunks before it.
     const int formatTag = FindFormatTag(*handle);
     const int waveType = ProbeTag(formatTag);
     return waveType != SndFile::FileNone ? waveType : ProbeMpeg(handle, formatTag);
@@ -163,7 +163,7 @@ void SndFile::CloseFile(unsigned int soundID, Sound* owner)
         }
         handle = nullptr;
     }
-    // Everything is cleared before anybody hears of it: a handler may come back to this object.
+    // Clear everything before the notification: a handler may call this object again.
     unsigned char* const block = data;
     SndNode* const usedNode = node;
     Abandon();
@@ -208,7 +208,7 @@ unsigned char* SndFile::Load()
     if (size == 0 || handle == nullptr || data != nullptr) {
         return data;
     }
-    // The size is what the file says of itself: no memory is taken on its word.
+    // The size is only stated by the file: do not allocate memory before checking it.
     const std::uint64_t end = std::uint64_t{dataOffset} + size;
     if (size > static_cast<unsigned long>(std::numeric_limits<int>::max()) ||
         end > handle->GetFile().Size()) {
@@ -239,7 +239,7 @@ unsigned char* SndFile::CopyData(unsigned long& bytes) const
     if (bytes > static_cast<unsigned long>(std::numeric_limits<int>::max())) {
         return nullptr;
     }
-    // One byte for none, since null is a failure.
+    // Allocate at least one byte, since null means failure.
     auto* const block =
         static_cast<unsigned char*>(Alloc::New(static_cast<unsigned int>(std::max(bytes, 1UL))));
     const int count = static_cast<int>(bytes);
@@ -311,7 +311,7 @@ int SndFile::Read(unsigned char* buffer, int bytes, int position)
         std::memcpy(buffer, data + start, count);
         return static_cast<int>(count);
     }
-    // No file reaches beyond 2 GiB, and an unsigned long need not.
+    // Files end below 2 GiB, and an unsigned long may have 32 bits.
     const std::uint64_t offset = dataOffset + start;
     if (handle == nullptr || offset > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) {
         return 0;
@@ -347,8 +347,8 @@ int SndFile::GetQueueLength()
 
 void SndFile::DeleteQueue(unsigned int soundID, Sound* owner)
 {
-    // The chain is cut off first and turned round: the last file goes first, and what an owner appends in
-    // answer stands behind this file and not behind one that is on its way out.
+    // Cut the chain off first and reverse it: the last file is deleted first, and a file that an owner
+    // appends in response follows this file and not one about to be deleted.
     SndFile* reversed = nullptr;
     while (next != nullptr) {
         SndFile* const file = next;

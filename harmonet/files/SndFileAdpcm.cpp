@@ -18,7 +18,7 @@ namespace
 
 constexpr int pcmBytesPerSample = 2;
 
-/// Where decoded samples go: one behind the other into the caller's buffer.
+/// Stores decoded samples consecutively in the caller's buffer.
 struct PcmStore
 {
     void Put(int sample)
@@ -30,7 +30,7 @@ struct PcmStore
     unsigned char* place;
 };
 
-/// Where samples go that are decoded only for the state behind them.
+/// Discards samples that are decoded only for the state after them.
 struct PcmDrop
 {
     void Put(int) {}
@@ -220,7 +220,7 @@ int SndFileAdpcm::DecodeSkip(int samples)
             ++done;
         }
         else if (count - done >= blockRemaining) {
-            // The next block starts afresh: nobody needs the state at the end of this one.
+            // The next block has its own state, so that of this one is not needed.
             done += blockRemaining;
             blockRemaining = 0;
         }

@@ -54,7 +54,7 @@ void SndFileCache::ReadOptions(const Options& options)
     int value = 0;
     options.Get("MpegStandard", value, 0);
     if (value != 0 && value != 1) {
-        Report(MessageLevel::Warning, "option MpegStandard=", value, ": expected 0 or 1; it takes 0");
+        Report(MessageLevel::Warning, "option MpegStandard=", value, ": expected 0 or 1; using 0");
     }
     SetMpegStandard(value == 1);
 }

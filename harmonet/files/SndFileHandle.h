@@ -12,7 +12,7 @@ namespace Quon
 
 class SndFileCache;
 
-/// One open file that any number of readers share. Made and counted by SndFileCache, on the task thread.
+/// One open file shared by any number of readers. Created and counted by SndFileCache, on the task thread.
 class HARMONET_INTERNAL_API SndFileHandle : public Allocated, private IListNode
 {
 public:
@@ -21,9 +21,8 @@ public:
     SndFileHandle(const SndFileHandle&) = delete;
     SndFileHandle& operator=(const SndFileHandle&) = delete;
 
-    /// Reads up to `bytes` bytes that stand `offset` bytes from the start of the file, and returns how many
-    /// there were; 0 when the file does not reach that far. Safe from several threads at once: a seek and
-    /// its read are one step under the handle's mutex.
+    /// Reads up to `bytes` bytes at `offset` from the start of the file, and returns the number read; 0
+    /// beyond the end of the file. Thread-safe: a seek and its read are one step under the handle's mutex.
     int ReadAt(void* buffer, int bytes, unsigned long offset);
 
     /// The file itself, for its length.
@@ -37,13 +36,13 @@ private:
 
     SndFileHandle(SndFileCache& newList, const PString& newSubstName, const PString& newFileName);
 
-    SndFileCache& list; ///< Where this stands.
+    SndFileCache& list; ///< The list that contains this handle.
     PString fileName;
-    PString foldedName; ///< By which the list finds it.
+    PString foldedName; ///< Key for look-ups in the list.
     PString substName;
     File file;
     int useCount = 1;
-    Mutex mutex; ///< Keeps a seek of `file` and the read behind it together.
+    Mutex mutex; ///< Makes a seek of `file` and the following read atomic.
 };
 
 } // namespace Quon

@@ -9,26 +9,26 @@ namespace Quon
 class Options;
 class SndFileCache;
 
-/// Lets SndFile open files while no sound system runs: for tools and loaders that want sound data and no
-/// sound. Whoever makes one keeps it for as long as there are readers that were opened meanwhile.
+/// Lets SndFile open files while no sound system runs, for tools and loaders that need sound data but no
+/// output. The object must outlive all readers that were opened through it.
 ///
-/// Where files can be opened already, as while the sound system runs, it changes nothing. A sound system that
-/// starts while it lives takes over, and when that one ends, files can be opened no more; readers that are
-/// open go on all the same. Task thread only.
+/// If files can already be opened, for example because the sound system runs, it has no effect. A sound
+/// system that starts during its lifetime replaces it, and after that system has ended no files can be
+/// opened; open readers continue to work. Task thread only.
 class HARMONET_API SndFileService : public Allocated
 {
 public:
     SndFileService();
-    /// The same with options for the readers that open meanwhile: "MpegStandard" (docs/formats.md). While
-    /// files can be opened already, they are left aside.
+    /// Same as the default constructor, with options for the readers that are opened: "MpegStandard"
+    /// (docs/formats.md). The options are ignored if files can already be opened.
     explicit SndFileService(const Options& options);
     SndFileService(const SndFileService&) = delete;
     SndFileService& operator=(const SndFileService&) = delete;
-    /// Closes all files that were opened meanwhile.
+    /// Closes all files that were opened through it.
     ~SndFileService();
 
 private:
-    SndFileCache* files = nullptr; ///< Owned; null where there was a list already.
+    SndFileCache* files = nullptr; ///< Owned; null if a list existed already.
 };
 
 } // namespace Quon

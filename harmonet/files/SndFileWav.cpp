@@ -111,8 +111,7 @@ int SndFileWav::SkipSamples(int samples)
     if (fileType != FileWav) {
         return 0;
     }
-    // Mostly all is there, and nothing has to be divided: an update comes here for each sound that is not
-    // heard.
+    // Usually all is available, and no division is needed: updates call this for virtual sounds.
     const auto bytes = static_cast<std::int64_t>(size);
     const bool isAllThere = std::int64_t{soundSamples} * BytesPerFrame() <= bytes;
     const std::int64_t end = isAllThere ? soundSamples : bytes / BytesPerFrame();

@@ -5,12 +5,11 @@
 namespace Quon
 {
 
-/// The reader of PCM: wave files, and blocks of bare samples in the caller's memory. It hands out the samples
-/// as they are stored, of any width that is a whole number of bytes. Ownership and threads as for every
-/// SndFile.
+/// The reader of PCM: wave files, and blocks of raw samples in the caller's memory. It delivers the samples
+/// as stored, of any width in whole bytes. Ownership and threads as for every SndFile.
 ///
 /// A file or format with zero channels, a rate of 0 or of 2^31 Hz and more, or fewer than 8 bits per sample
-/// is refused. More sample frames than an int can count are cut to that number.
+/// is refused. The number of sample frames is clamped to the maximum of an int.
 class HARMONET_API SndFileWav : public SndFile
 {
 public:
@@ -18,10 +17,10 @@ public:
     bool OpenMemory(void* newData, unsigned long newSize, WaveFormatEx* format) override;
     bool Open(SndNode* newNode) override;
     bool OpenHandle(SndFileHandle* newHandle) override;
-    /// Null: the format in the node says all there is to say.
+    /// Returns null: the format in the node is sufficient.
     void* CreateNodeInfo() override;
     int ReadSamples(unsigned char* buffer, int samples) override;
-    /// Touches neither the file nor a buffer: a file that is shorter than it states is not noticed here.
+    /// Accesses neither the file nor a buffer: a file shorter than stated is not detected here.
     int SkipSamples(int samples) override;
     void Rewind() override;
     unsigned long GetRemainLength() override;

@@ -91,7 +91,7 @@ SndFile* SndNodeCache::OpenMiss(const PString& substName, const PString& fileNam
     if (size >= freeBytes) {
         return file.release();
     }
-    // The data come last: what can fail for want of memory leaves the reader on its file.
+    // Load the data last: if memory runs out before, the reader stays on its file.
     auto made = MakeNode(*file, substName, fileName);
     made->size = size;
     made->data = file->Load();
@@ -135,7 +135,7 @@ void SndNodeCache::Release(SndNode* node)
     if (--node->holdCount > 0) {
         return;
     }
-    // By the rule for what is new, but nothing else is dropped for it.
+    // Uses the rule for new data, but drops nothing for it.
     if (node->size < freeBytes) {
         freeBytes -= node->size;
         Insert(node);
@@ -202,7 +202,7 @@ SndNode*& SndNodeCache::BucketOf(const PString& substName, const PString& folded
 {
     constexpr std::size_t spread = 31;
     const std::hash<PString> hash;
-    // The identities are addresses, whose lowest bits are all alike.
+    // The identities are addresses, whose lowest bits are all equal.
     const std::size_t mixed = (hash(foldedName) * spread + hash(substName)) / alignof(std::max_align_t);
     return buckets[(mixed ^ mixed / bucketCount) % bucketCount];
 }
@@ -237,7 +237,7 @@ void SndNodeCache::Leave(SndNode* node)
     --nodeCount;
 }
 
-// What is in use goes when its last reader closes.
+// Data in use are deleted when their last reader closes.
 void SndNodeCache::Drop(SndNode* node)
 {
     Leave(node);

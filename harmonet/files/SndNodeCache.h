@@ -13,44 +13,44 @@ namespace Quon
 {
 
 /// Keeps the coded bytes of recently played files in memory, up to a budget in bytes, so that playing a sound
-/// again touches no disk and parses no header. The kernel owns one. Task thread only.
+/// again neither accesses the disk nor parses a header. The kernel owns one. Task thread only.
 ///
-/// The list is in order of priority, and of last use among equals; its head is the first to be dropped. Data
-/// that are held stand on no list and cost the budget nothing. An index finds data by their names.
+/// The list is sorted by priority, and by last use among equals; its head is dropped first. Held data are on
+/// no list and do not count towards the budget. An index finds data by name.
 class HARMONET_INTERNAL_API SndNodeCache : public Allocated
 {
 public:
     SndNodeCache();
     SndNodeCache(const SndNodeCache&) = delete;
     SndNodeCache& operator=(const SndNodeCache&) = delete;
-    /// As Clear().
+    /// Same as Clear().
     ~SndNodeCache();
 
-    /// The budget. For an empty cache.
+    /// Sets the budget. The cache must be empty.
     void SetLimit(unsigned long bytes);
-    /// A new reader of that file, which the caller owns: on the cached bytes if they are there or fit the
-    /// budget, else on the file. Null if the file cannot be opened.
+    /// Returns a new reader of that file, which the caller owns: on the cached bytes if they exist or fit the
+    /// budget, otherwise on the file. Null if the file cannot be opened.
     SndFile* OpenSound(const PString& substName, const PString& fileName, int priority);
-    /// Loads a file, unless it is there already, and holds it until Release(): its data are not dropped, and
-    /// cost the budget nothing. Holds are counted. Null if it cannot be opened or read.
+    /// Loads a file, unless it is already cached, and holds it until Release(): its data are not dropped and
+    /// do not count towards the budget. Holds are counted. Returns null if it cannot be opened or read.
     SndNode* Hold(const PString& substName, const PString& fileName);
-    /// Ends a hold. After the last the data are idle ones, or are dropped if they do not fit the budget.
+    /// Ends a hold. After the last one the data become idle, or are dropped if they do not fit the budget.
     void Release(SndNode* node);
-    /// A new reader of a file that is held, which the caller owns; null for any other file.
+    /// Returns a new reader of a held file, which the caller owns; null for any other file.
     SndFile* OpenHeld(const PString& substName, const PString& fileName);
 
     /// Drops idle data, the least important first, until at least `bytes` are free or none is left; returns
     /// the bytes freed.
     int Evict(int bytes);
-    /// Drops everything, held or not. Data in use leave the cache at once and live until their last reader
-    /// closes.
+    /// Drops everything, held or not. Data in use are removed from the cache at once and exist until their
+    /// last reader closes.
     void Flush();
-    /// Flush(), and no budget any more.
+    /// Calls Flush() and sets the budget to 0.
     void Clear();
 
-    /// Which cache this is, of all there have been in the process.
+    /// Identifies this cache among all that have existed in the process.
     std::uint32_t GetSerial() const { return serial; }
-    /// The files on the list.
+    /// Number of files on the list.
     int GetCount() const { return count; }
     unsigned long GetFreeBytes() const { return freeBytes; }
     unsigned long GetLimit() const { return limit; }
@@ -60,10 +60,10 @@ private:
 
     SndNode*& BucketOf(const PString& substName, const PString& foldedName);
     SndNode* Find(const PString& substName, const PString& fileName);
-    /// These put data into the index and take them out.
+    /// Add data to the index and remove them.
     void Enter(SndNode* node);
     void Leave(SndNode* node);
-    /// Takes data out of the cache, for good.
+    /// Removes data from the cache permanently.
     void Drop(SndNode* node);
     void Insert(SndNode* node);
     void Unlink(SndNode* node);

@@ -5,8 +5,8 @@
 namespace Quon
 {
 
-/// What a wave file says of its data: laid out like the content of its "fmt " chunk, little-endian, without
-/// the extension that some formats have behind it. Game code fills one in for a sound in memory.
+/// The format record of a wave file, laid out like the content of its "fmt " chunk, little-endian, without
+/// the extension that some formats append. Game code fills one in for a sound in memory.
 #pragma pack(push, 1)
 struct WaveFormatEx
 {
@@ -16,7 +16,7 @@ struct WaveFormatEx
     std::uint32_t averageBytesPerSecond; ///< Not read.
     std::uint16_t blockAlign; ///< Bytes of an ADPCM block; otherwise not read.
     std::uint16_t bitsPerSample; ///< Divided by 8 this gives the bytes of one sample of one channel.
-    std::uint16_t extraSize; ///< Bytes behind this record; not read for PCM and ADPCM.
+    std::uint16_t extraSize; ///< Bytes after this record; not read for PCM and ADPCM.
 };
 #pragma pack(pop)
 

@@ -13,7 +13,7 @@ inline bool IsFinite(const Vector3& vector)
     return std::isfinite(vector.x) && std::isfinite(vector.y) && std::isfinite(vector.z);
 }
 
-// Where a rotation takes the three axes: the columns of the rotation matrix of a unit quaternion.
+// The images of the three axes under a rotation: the columns of the rotation matrix of a unit quaternion.
 
 inline Vector3 ImageOfX(const Quaternion& q)
 {

@@ -21,7 +21,7 @@ void CandidateList::Add(const SndPolyline::SoundPoint& point)
     ++count;
 }
 
-// The choice of places seldom looks at all of them, so that a heap does less than a sort.
+// The selection rarely visits all candidates, so a heap is cheaper than a sort.
 void CandidateList::Arrange()
 {
     left = outside.empty() ? std::span(inside, static_cast<std::size_t>(count)) : std::span(outside);

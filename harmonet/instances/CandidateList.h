@@ -8,16 +8,16 @@
 namespace Quon
 {
 
-/// The places that a sound along a line could take in one update, given out from the nearest on. Up to 1000
-/// stand in the object itself, which is made on the stack, so that an update allocates nothing; only more
-/// take memory from the heap.
+/// The candidate positions of a sound along a line in one update, returned nearest first. Up to 1000 are
+/// stored in the object itself, which is created on the stack, so that an update does not allocate; only more
+/// need the heap.
 class CandidateList
 {
 public:
     void Add(const SndPolyline::SoundPoint& point);
 
-    /// Ends the adding. Then TakeNearest() gives one after the other, those at the same distance in the order
-    /// in which they were added; null behind the last.
+    /// Ends the adding. Afterwards TakeNearest() returns one after the other, those at equal distance in the
+    /// order in which they were added; null after the last.
     void Arrange();
     const SndPolyline::SoundPoint* TakeNearest();
 
@@ -32,9 +32,9 @@ private:
 
     static constexpr int numInside = 1000;
     Candidate inside[numInside];
-    EngineVector<Candidate> outside; ///< Takes all of them once there are more.
+    EngineVector<Candidate> outside; ///< Holds all candidates once there are more.
     int count = 0;
-    std::span<Candidate> left; ///< A heap with the nearest in front.
+    std::span<Candidate> left; ///< A heap with the nearest first.
 };
 
 } // namespace Quon

@@ -7,8 +7,8 @@
 namespace Quon
 {
 
-// The approximate length of a vector, without a square root. It is right to about 0.1 % and exact for two
-// components of which one is 0. A component above about 1e19 gives infinity, or what is no number.
+// The approximate length of a vector, without a square root. The error is about 0.1 %; it is exact for two
+// components of which one is 0. A component above about 1e19 yields infinity or NaN.
 
 inline float FastLength(float x, float y)
 {

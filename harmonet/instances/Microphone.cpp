@@ -17,7 +17,7 @@ namespace
 
 constexpr int nodeID = 15;
 
-// Squared length of front × top, at or below which the two count as parallel.
+// The two count as parallel if the squared length of front × top is not above this.
 constexpr float parallelLimit = 1e-8F;
 
 SndDriver* GetDriver()
@@ -137,7 +137,7 @@ void Microphone::SetOrientation(const Quaternion& newOrientation)
     ResetChildGlobalBoundingCenters();
 }
 
-// The sphere's centre lies in the parent's space, so that it turns with the node.
+// The sphere's centre is in the parent's space, so it must rotate with the node.
 void Microphone::TurnBoundingSphere(const Quaternion& newOrientation)
 {
     if (boundingSphereStale) {

@@ -7,51 +7,52 @@
 namespace Quon
 {
 
-/// The listener: a node of the scene graph that can hang below the camera or a character. At most one
-/// microphone is active at a time; without one no positional sound is heard. The active one carries its
-/// position and orientation to the driver, and the rolloff factor and the acoustics of the room.
+/// The listener: a node of the scene graph, which can be attached to the camera or a character. At most one
+/// microphone is active at a time; without one no positional sound is audible. The active microphone sends
+/// its position and orientation, the rolloff factor and the room's acoustics to the driver.
 ///
-/// A position or orientation that is not finite does not go to the driver, which goes on with the last one.
+/// A position or orientation that is not finite is not sent to the driver, which keeps the last one.
 ///
-/// Belongs to the game; may outlive the sound system and may be destroyed at any time. Task thread only.
+/// Owned by the game. It may outlive the sound system and may be destroyed at any time. Task thread only.
 class HARMONET_API Microphone : public Particle
 {
 public:
-    /// Building a microphone does not activate it.
+    /// Constructs an inactive microphone.
     Microphone();
-    /// Copy the node and all fields, `active` included; but the copy is not the one that the sound system
-    /// listens through, whatever IsActive() says of it.
+    /// Copies the node and all fields, `active` included. The copy never becomes the sound system's listener
+    /// by that, whatever its IsActive() returns.
     Microphone(const Microphone& other) = default;
     Microphone& operator=(const Microphone& other) = default;
-    /// The sound system goes on without a listener if this was the active one.
+    /// If this microphone is active, the sound system continues without a listener.
     ~Microphone() override;
 
-    /// The type of node.
+    /// Returns the node type.
     int GetID() const override;
 
-    /// Makes this the listener; position, orientation and room go to the driver at once. Nothing without a
-    /// running sound system.
+    /// Makes this microphone the listener and sends its position, orientation and room to the driver at once.
+    /// Does nothing without a running sound system.
     void Activate();
     bool IsActive() const { return active; }
 
     using Particle::SetOrientation;
-    /// Looks along `front`, with `top` as a hint of what is up; neither needs unit length. Where the two are
-    /// parallel, right is (1, 0, 0) and up (0, 1, 0). A front without a direction (zero, or not finite)
-    /// changes nothing.
+    /// Turns to `front`, with `top` as an up hint; neither needs unit length. If the two are parallel, right
+    /// is (1, 0, 0) and up is (0, 1, 0). A front without a direction (zero or not finite) is ignored.
     void SetOrientation(const Vector3& front, const Vector3& top);
     void SetOrientation(const Quaternion& newOrientation) override;
 
-    /// How fast sounds lose gain with distance. The driver keeps it, for all microphones; 1.0 without one.
+    /// How fast gain falls with distance. The driver stores it for all microphones; the getter returns 1.0
+    /// without a driver.
     void SetRolloffFactor(float factor);
     float GetRolloffFactor() const;
 
-    /// The room: a record, its quality, and a number that the driver gets unread. An active microphone passes
-    /// it on at once and returns the driver's answer; any other keeps it until it is activated and returns
-    /// true. False without a running sound system, and nothing is stored.
+    /// Sets the room: a record, its quality, and a number that is passed to the driver as it is. An active
+    /// microphone sends the room to the driver at once and returns the driver's result; an inactive one
+    /// stores it until it is activated and returns true. Without a running sound system it returns false and
+    /// stores nothing.
     bool SetFXEnvReverb(const FXEnvReverb* reverb, long quality, unsigned int argument);
-    /// No room any more. The driver hears of it if this microphone is active.
+    /// Removes the room. The driver is notified if this microphone is active.
     void ResetFXEnvReverb(unsigned int argument);
-    /// Fills in the room that was asked for; false when there is none, or the driver has refused it.
+    /// Fills in the requested room. False if there is none or the driver has refused it.
     bool GetFXEnvReverb(FXEnvReverb* reverb);
 
 private:

@@ -36,7 +36,7 @@ void SndBase::NotifyMusicBegin()
     }
 }
 
-// Of a piece that has begun.
+// Only for a piece that has begun.
 void SndBase::NotifyMusicEnd()
 {
     const Music* music = GetParentMusic();
@@ -61,7 +61,7 @@ Music::~Music()
 {
     closing = true;
     Stop();
-    // It is being told of others, perhaps, and would be too late.
+    // A delivery may already be running, so the pending notifications would come too late.
     if (notices) {
         notices->Deliver();
     }
@@ -69,7 +69,7 @@ Music::~Music()
 
 void Music::AddObserver(MusicObserver* observer)
 {
-    // One that comes back from its OnMusicShutDown() would keep the address of what is gone.
+    // An observer added in its OnMusicShutDown() would keep a dangling pointer.
     if (closing || !observer) {
         return;
     }
@@ -88,12 +88,12 @@ void Music::RemoveObserver(MusicObserver* observer)
 
 Music& Music::operator=(const Music& other)
 {
-    // The piece that is left behind must not look for its gain in a handle that can go before it.
+    // The old piece must not read its gain from a handle that may be destroyed first.
     SndBase* left = soundID != other.soundID ? FindLive() : nullptr;
     if (left && left->GetParentMusic() == this) {
         left->SetParentMusic(nullptr);
     }
-    // Nor stay paused, since nobody could resume it.
+    // Nor must it stay paused, since it could not be resumed.
     if (left && left->GetParentMusic() == nullptr) {
         left->SetPaused(false);
     }
@@ -144,7 +144,7 @@ bool Music::Play(const PString& name, const ResourceDatabase* db, const Settings
     }
     SndBase* instance = FindLive();
     if (instance && instance->HoldsChannel()) {
-        Report(MessageLevel::Error, "music '", name, "' is not started: this Music object plays already");
+        Report(MessageLevel::Error, "music '", name, "' is not started: it is already playing");
         return false;
     }
     const bool isNew = !instance;
@@ -159,7 +159,7 @@ bool Music::Play(const PString& name, const ResourceDatabase* db, const Settings
         return StartPiece(*instance, isNew, name, db, settings);
     }
     catch (const std::bad_alloc&) {
-        // It ends, whether it stands in the table or has not got that far.
+        // End it, whether it is in the table or not yet.
         const bool isAdopted = soundID == id;
         if (!isAdopted || (theKernel && theKernel->FindSound(id) == instance)) {
             delete instance;
@@ -190,7 +190,7 @@ bool Music::StartPiece(
               : StartFile(instance, isNew, name, settings);
 }
 
-// The piece that the instance has carried so far is over for whoever started it.
+// Reports to the handle that started the instance's previous piece that it is replaced.
 void Music::GiveWay(const SndBase& instance)
 {
     const Music* starter = instance.GetParentMusic();
@@ -216,7 +216,7 @@ bool Music::StartResource(
         return theKernel && theKernel->FindSound(id) == &instance;
     };
     TakenResource resource(name, db, lookupMode);
-    // Whoever heard of the load may have ended the piece, or used the handle for another.
+    // An observer of the load may have ended the piece, or used the handle for another.
     if (!theKernel || FindLive() != (isNew ? nullptr : &instance)) {
         if (isNew || exists()) {
             delete &instance;
@@ -244,14 +244,14 @@ bool Music::StartResource(
     if (resource->GetLowPass() != instance.GetLowPass()) {
         instance.SetLowPass(resource->GetLowPass());
     }
-    // Whole: the mask of resource effects is for sound effects.
+    // Not filtered: the mask of resource effects applies to sound effects only.
     if (resource->GetFXList().GetNumEffects() > 0) {
         instance.SetCopyFXList(resource->GetFXList());
     }
     const std::uint32_t startsBefore = theKernel->GetStartSerial(instance);
     resource->ApplyMusicSettings(this);
     resource.Unlock();
-    // And so may the resource.
+    // The resource may have done so too.
     const bool isOurs = exists() && FindLive() == &instance;
     if (isOurs && theKernel->GetStartSerial(instance) == startsBefore) {
         return StartOrGiveUp(instance);

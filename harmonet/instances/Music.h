@@ -14,100 +14,102 @@ class PString;
 class ResourceDatabase;
 class SndBase;
 
-/// A handle for a piece of music: plays, fades and cross-fades one piece at a time, two while they
+/// A handle for a piece of music. It plays, fades and cross-fades one piece at a time, and two during a
 /// cross-fade.
 ///
 /// `name` is the name of a resource when there is a `db`, and the name of a file when `db` is null. A piece
-/// asks for a channel at once, goes past the limit of audible sounds and past the data cache, and no
-/// SoundObserver hears of it, but a MusicObserver does. Task thread only; works without a running sound
-/// system, where it does nothing and returns false or 0.
+/// requests a channel at once, ignores the limit of audible sounds, bypasses the data cache, and notifies
+/// each MusicObserver but no SoundObserver. Task thread only. Without a running sound system all operations
+/// do nothing and return false or 0.
 ///
-/// The game owns the handle; the piece ends with it. A handle that is copied steers the same piece, whose
-/// gain follows the handle that started it and which ends with the first of the two. A piece whose only
-/// handle is assigned another one plays on, without a gain of a handle, until StopAll().
+/// The game owns the handle, and the piece ends with it. A copied handle controls the same piece: its gain
+/// follows the handle that started it, and the piece ends with the first of the two handles that is
+/// destroyed. If the only handle of a piece is overwritten by assignment, the piece continues without a
+/// handle's gain until StopAll().
 class HARMONET_API Music
 {
 public:
-    /// How a piece is to be started.
+    /// Settings for starting a piece.
     struct Settings
     {
-        bool loop = false; ///< Adds to what the resource says.
-        int fadeMs = 0; ///< Over which it fades in, and with CrossFade() the old piece out.
-        /// Where it begins: milliseconds into the file, as GetPosition() gives them. Beyond its end the piece
-        /// ends as soon as it has begun, as one that has run out; a loop goes round.
+        bool loop = false; ///< A piece also loops if its resource says so.
+        int fadeMs = 0; ///< Duration of its fade-in, and in CrossFade() of the old piece's fade-out.
+        /// Start position in milliseconds of the file, as returned by GetPosition(). If it is beyond the end,
+        /// the piece ends as soon as it has begun, as if it had played to its end; a loop wraps around.
         unsigned long positionMs = 0;
         /// The loop region in sample frames, as for Sound::SetSoundLoopRegion(): if it loops, the piece plays
-        /// up to the end and goes on from the start. 0 and 0: that of the resource, or the whole file.
+        /// up to the end and continues at the start. 0 and 0 select that of the resource, or the whole file.
         int loopStart = 0;
         int loopEnd = 0;
     };
 
     Music();
-    /// The observers stay with the handle to which they were added, and hear of the pieces that it starts.
+    /// Observers stay with the handle to which they were added, and are notified of the pieces that it
+    /// starts.
     Music(const Music& other);
     /// Steers the same piece as `other` from now on; the piece that it steered before plays on.
     Music& operator=(const Music& other);
-    /// As Stop(), with what there is to tell of that; then tells the observers OnMusicShutDown(). Nothing can
-    /// be started with the handle meanwhile.
+    /// Calls Stop() and delivers its notifications, then calls the observers' OnMusicShutDown(). The handle
+    /// cannot start pieces meanwhile.
     ~Music();
 
-    /// An observer is in the list once, however often it is added. The list does not own it; an observer that
-    /// is destroyed leaves by itself. Null does nothing. Throws std::bad_alloc, and adds nobody.
+    /// Adding an observer twice has no further effect. Observers are not owned; an observer removes itself
+    /// when it is destroyed. Null is ignored. Throws std::bad_alloc and adds nothing if memory runs out.
     void AddObserver(MusicObserver* observer);
-    /// From here on the observer gets no call. Null does nothing.
+    /// The observer receives no further calls. Null is ignored.
     void RemoveObserver(MusicObserver* observer);
 
-    /// Ends the piece at once, and one that is fading out too.
+    /// Ends the piece at once, and also one that is fading out.
     void Stop();
-    /// Starts a piece. False, and nothing changes, while one plays. False also when the piece cannot be had;
-    /// one that was fading out then ends too. `loop` adds to what the resource says.
+    /// Starts a piece. While another plays it returns false and changes nothing. It also returns false if the
+    /// piece cannot be started; a piece that was fading out then ends too. A piece loops if `loop` is true or
+    /// its resource says so.
     bool Play(const PString& name, bool loop);
     bool Play(const PString& name, const ResourceDatabase* db, bool loop);
-    /// The same, rising from silence over `ms` milliseconds; 0 or less is a plain start. A piece that is
-    /// fading out goes on fading beside it, and the new one takes over its own gain and effects as far as it
-    /// has none of a resource; a resource's gain is heard on both at once. One that runs unheard is given up
-    /// for the new one.
+    /// Same as Play(), with a fade-in of `ms` milliseconds; 0 or less means none. A piece that is fading out
+    /// continues to fade, and the new one takes over its gain and effects unless it has some from a resource;
+    /// a resource's gain applies to both at once. A virtual piece is replaced by the new one.
     bool FadeIn(const PString& name, int ms, bool loop);
     bool FadeIn(const PString& name, const ResourceDatabase* db, int ms, bool loop);
-    /// The same, with all that can be asked for.
+    /// The same with all settings.
     bool Play(const PString& name, const ResourceDatabase* db, const Settings& settings);
-    /// The piece falls to silence over `ms` milliseconds and ends. False when there is no piece, or when it
-    /// was not heard, and it has then ended at once.
+    /// Fades the piece out over `ms` milliseconds and ends it. False if there is no piece, or if it was not
+    /// audible; it has then ended at once.
     bool FadeOut(int ms);
-    /// FadeOut() of the piece that plays, if any, and FadeIn() of the new one. A fade that runs already is
-    /// cut off. Do not cross-fade from a resource to the plain name of a file: the name is looked up with the
-    /// owner of the resource and not found, and both pieces end.
+    /// Fades out the current piece, if any, and fades in the new one. A fade that is already running is cut
+    /// off. Do not cross-fade from a resource to a plain file name: the name is looked up with the owner of
+    /// the resource and not found, and both pieces end.
     bool CrossFade(const PString& name, int ms, bool loop);
     bool CrossFade(const PString& name, const ResourceDatabase* db, int ms, bool loop);
     bool CrossFade(const PString& name, const ResourceDatabase* db, const Settings& settings);
 
-    /// Pauses the piece, what fades out beside it, and whatever is played with this handle until Resume():
-    /// time stands still for it, and it comes back at the same sample with a short ramp. Begins and ends in
-    /// the next full update. Paused, Play() makes a piece ready, and FadeOut() and CrossFade() end the old
-    /// one at once. See also Sound::PauseSound() and SoundSystem::PauseAll().
+    /// Pauses the current piece, a piece that is fading out, and all pieces played with this handle until
+    /// Resume(). Time stops for a paused piece, and it resumes at the same sample with a short ramp. A pause
+    /// begins and ends in the next full update. In a pause, Play() prepares a piece, and FadeOut() and
+    /// CrossFade() end the old one at once. See also Sound::PauseSound() and SoundSystem::PauseAll().
     void Pause() { SetPaused(true); }
     void Resume() { SetPaused(false); }
     bool IsPaused() const { return paused; }
-    /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. During a cross-fade the piece that fades out keeps
-    /// the gain it had.
+    /// Linear, clamped to 0.0..1.0; NaN is ignored. During a cross-fade the piece that fades out keeps its
+    /// gain.
     void SetGain(float newGain);
     float GetGain() const { return gain; }
-    /// Gain of the high frequencies of whatever is played with this handle, and of what fades out beside it:
-    /// see Sound::SetSoundLowPass().
+    /// Gain of the high frequencies of all pieces played with this handle, including one that fades out: see
+    /// Sound::SetSoundLowPass().
     void SetLowPass(float gainHF);
     float GetLowPass() const { return lowPass; }
-    /// Milliseconds still to come; unknownLength for a looping piece.
+    /// Milliseconds left to play; unknownLength for a looping piece.
     unsigned long GetRemainLength() const;
-    /// Where the piece is, in milliseconds from the start of its file; 0 without one. In a cross-fade that is
-    /// the piece that comes in.
+    /// The position of the piece in milliseconds from the start of its file; 0 without a piece. In a
+    /// cross-fade it is that of the new piece.
     unsigned long GetPosition() const;
-    /// Takes the piece there, exactly to the sample frame, by short ramps instead of a click. A loop whose
-    /// region ends before that place goes round it. What fades out beside the piece, a fade-in that runs and
-    /// a pause are not touched. False, and nothing changes, without a piece, for one that only fades out, and
-    /// for a position that is not before the end of the file. False also if the output has no channel for the
-    /// piece any more and it cannot go on as a virtual voice; it has then ended.
+    /// Moves the piece to a position, exact to the sample frame, with short ramps to avoid clicks. A position
+    /// beyond the end of a loop region wraps around. A piece that is fading out, a running fade-in and a
+    /// pause are not affected. Returns false and changes nothing without a piece, for one that only fades
+    /// out, and for a position at or beyond the end of the file. Also returns false if there is no channel
+    /// for the piece any more and it cannot continue as a virtual voice; it has ended then.
     bool SetPosition(unsigned long ms);
-    /// A snapshot for tools; the id in it is 0 if there is no piece.
+    /// Returns a snapshot for tools; its id is 0 if there is no piece.
     SoundState GetState() const;
 
 private:
@@ -115,7 +117,7 @@ private:
     friend class SndBase;
 
     SndBase* FindLive() const;
-    /// Throws when there is no memory.
+    /// Throws when out of memory.
     bool StartPiece(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase* db,
         const Settings& settings);
     static void GiveWay(const SndBase& instance);
@@ -125,7 +127,7 @@ private:
         const Settings& settings);
     void Adopt(SndBase& instance, bool isNew);
     bool StartOrGiveUp(SndBase& instance);
-    /// Deletes the instance, with what still fades out in it. False.
+    /// Deletes the instance and its fading channel. Returns false.
     bool GiveUp(SndBase& instance);
 
     int soundID = 0;

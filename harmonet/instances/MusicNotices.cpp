@@ -16,7 +16,7 @@ namespace
 int holdDepth = 0;
 bool isDelivering = false;
 
-// Keeps the kernel from being updated and from ending.
+// Prevents the kernel from being updated and from ending.
 class BusyScope
 {
 public:
@@ -89,7 +89,7 @@ void MusicNotices::Post(MusicNotice kind, const PString& fileName, int remaining
         pending.push_back({kind, fileName, remaining});
     }
     catch (const std::bad_alloc&) {
-        // It may come from a destructor.
+        // May be called from a destructor.
     }
 }
 
@@ -107,7 +107,7 @@ void MusicNotices::DeliverAll()
     if (std::exchange(isDelivering, true)) {
         return;
     }
-    // From the start each time: a handler can make and end handles.
+    // Restart from the beginning each time: a handler can create and destroy handles.
     for (MusicNotices* notices = first; notices;) {
         const bool hasTold = !notices->pending.empty();
         notices->Deliver();
@@ -144,7 +144,7 @@ void MusicNotices::NoteLoops()
 
 void MusicNotices::NoteLoop()
 {
-    // A sound that loses its channel, or gets one back, can be set back by the rounding of its position.
+    // Rounding can move the position of a sound back when it loses its channel or gets one again.
     constexpr unsigned long toleranceMs = 5;
     const SndBase* piece = music.FindLive();
     if (!piece || !piece->IsLooping() || !piece->IsPlaying() || piece->GetParentMusic() != &music) {

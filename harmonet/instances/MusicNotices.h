@@ -8,7 +8,7 @@
 namespace Quon
 {
 
-/// What there is to tell of a piece of music.
+/// The notifications of a piece of music.
 enum class MusicNotice
 {
     Begin,
@@ -18,24 +18,24 @@ enum class MusicNotice
     GivesWay
 };
 
-/// The observers of one `Music`, which owns this, and what they have yet to be told. Things are told once
-/// nobody is in the middle of anything: when the last SndBase::MusicHold goes. Task thread only.
+/// The observers of one `Music`, which owns this, and their pending notifications. These are delivered when
+/// no operation is in progress: when the last SndBase::MusicHold is destroyed. Task thread only.
 class MusicNotices final : public ObserverSubject<MusicObserver>, public Allocated
 {
 public:
     explicit MusicNotices(Music& newMusic);
-    /// Drops what has not been told, and tells the observers OnMusicShutDown().
+    /// Drops pending notifications and calls the observers' OnMusicShutDown().
     ~MusicNotices();
 
-    /// Without memory for it the notice is lost.
+    /// Adds a notification; it is dropped if memory runs out.
     void Post(MusicNotice kind, const PString& fileName, int remaining);
-    /// The piece is taken to another place, which is no loop.
+    /// Call it when the piece is moved to another position, so that this is not taken for a loop.
     void ForgetPosition() { lastPositionMs = 0; }
-    /// Tells what there is to tell.
+    /// Delivers the pending notifications.
     void Deliver();
-    /// The same for every `Music`. A call from inside a handler leaves it to the one that is under way.
+    /// The same for every `Music`. A call from a handler leaves the delivery to the running one.
     static void DeliverAll();
-    /// Posts for each piece that has gone round its loop since the last call.
+    /// Posts a notification for each piece that has restarted its loop since the last call.
     static void NoteLoops();
 
 private:
@@ -52,7 +52,7 @@ private:
     Music& music;
     EngineVector<Notice> pending;
     unsigned long lastPositionMs = 0;
-    MusicNotices* next; ///< Of all that exist.
+    MusicNotices* next; ///< Next in the list of all existing objects.
     static inline MusicNotices* first = nullptr;
 };
 

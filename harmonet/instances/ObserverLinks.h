@@ -8,8 +8,8 @@ namespace Quon
 template<class Observer>
 class ObserverSubject;
 
-/// In whose lists an observer counts as added, so that it can be destroyed at any time. A member of the
-/// observer; a copy of that starts without any.
+/// The subjects to which an observer has been added, so that it can be destroyed at any time. A member of the
+/// observer; the copy of an observer starts without links.
 template<class Observer>
 class ObserverLinks
 {
@@ -33,7 +33,7 @@ public:
         }
     }
 
-    /// Takes the observer whose member this is out of every list. Needs the complete ObserverSubject.
+    /// Removes the owning observer from every list. Needs the complete type ObserverSubject.
     void LeaveAll(Observer& observer)
     {
         while (!subjects.IsEmpty()) {

@@ -5,12 +5,12 @@
 namespace Quon
 {
 
-/// A list of observers that stays sound when an observer adds or removes observers, or destroys itself, while
-/// a notification is running.
+/// A list of observers that stays valid when an observer adds or removes observers, or destroys itself,
+/// during a notification.
 ///
-/// While a notification runs nothing leaves the list: a removal only marks the entry, and the entry goes when
-/// the outermost notification has finished. New entries are appended and move no other, so that an observer
-/// that is added during a notification receives it too. Observers are called in the order of adding.
+/// No entry is erased during a notification: a removal only marks its entry, which is erased after the
+/// outermost notification. New entries are appended without moving others, so an observer that is added
+/// during a notification receives it too. Observers are called in the order in which they were added.
 template<class Observer>
 class ObserverSubject
 {
@@ -19,8 +19,8 @@ public:
     ObserverSubject(const ObserverSubject&) = delete;
     ObserverSubject& operator=(const ObserverSubject&) = delete;
 
-    /// An observer is in the list once, however often it is added. The list does not own it; an observer that
-    /// is destroyed leaves by itself. Null does nothing.
+    /// Adding an observer twice has no further effect. The list does not own its observers; an observer
+    /// removes itself when it is destroyed. Null is ignored.
     virtual void AddObserver(Observer* observer)
     {
         if (!observer) {
@@ -33,12 +33,13 @@ public:
         if (entry.active) {
             return;
         }
-        // Active last: if memory runs out, the list holds nothing that it would call.
+        // Set active last: if memory runs out, the list has no entry that would be called.
         observer->links.Join(*this);
         entry.active = true;
     }
 
-    /// From here on the observer gets no call, also of a notification that is under way. Null does nothing.
+    /// The observer receives no further calls, not even from a notification that is already running. Null is
+    /// ignored.
     virtual void RemoveObserver(Observer* observer)
     {
         Entry* entry = Find(observer);
@@ -62,7 +63,7 @@ public:
 protected:
     ~ObserverSubject() = default;
 
-    /// Calls `tell` for each observer that counts as added, those that are added meanwhile included.
+    /// Calls `tell` for each active observer, including observers added during the notification.
     template<class Tell>
     void Notify(Tell tell)
     {

@@ -5,8 +5,8 @@
 namespace Quon
 {
 
-/// Runs an operation that answers false, 0 or null when it fails, and gives that answer too when there is no
-/// memory. The operation has put everything back by then.
+/// Runs an operation that returns false, 0 or null on failure, and returns the same when memory runs out. The
+/// operation must have restored the state before it throws.
 template<class Operation>
 auto OrNothing(Operation operation) -> decltype(operation())
 {

@@ -5,12 +5,12 @@
 namespace Quon
 {
 
-/// A sound effect that has no place in the world: a SndBase with nothing added.
+/// A non-positional sound effect: a SndBase without additions.
 class HARMONET_API Snd2D : public SndBase
 {
 public:
     Snd2D();
-    /// A new instance of the same sound that is not yet running.
+    /// Constructs a new instance of the same sound that has not started.
     Snd2D(const Snd2D& other);
     Snd2D& operator=(const Snd2D& other) = default;
     ~Snd2D() override;

@@ -54,7 +54,7 @@ Snd3D& Snd3D::operator=(const Snd3D& other)
 
 Snd3D::~Snd3D()
 {
-    // While the whole object is there: who hears of its end may still ask for its place.
+    // While the object is complete: an observer of its end may still query its position.
     Done();
 }
 
@@ -72,7 +72,7 @@ void Snd3D::ResetGlobalBoundingCenter() const
 
 void Snd3D::OnParentDestroyed()
 {
-    // The nodes above may have gone already, and their places with them.
+    // The ancestors may already have been destroyed.
     const Vector3 place = Row().HasMark(RowPlaced) ? globalPosition : GetGlobalPosition();
     Quaternion turned = orientation;
     GetParent()->LocalToGlobal(turned);
@@ -138,7 +138,7 @@ void Snd3D::Play(SndFile* file)
         }
         channel->SetMinMaxDistance(minDistance, GetMaxDistance(), GetCutout());
         UpdatePosition();
-        // The next update works out the distance anew.
+        // The next update recomputes the distance.
         SetHasMoved(true);
     }
     SndBase::Play(file);
@@ -178,7 +178,7 @@ void Snd3D::UpdatePitch(SndChannel& channel, bool isNew)
     }
     const Vector3 velocity = IsMovable() ? effect.GetVelocity(motion) : Vector3();
     const float pitch = effect.CalcPitch(Row().place, velocity, doppler);
-    if (pitch != sentPitch && (pitch == 1.0F || std::abs(pitch - sentPitch) > Doppler::leastShift)) {
+    if (pitch != sentPitch && (pitch == 1.0F || std::abs(pitch - sentPitch) > Doppler::minShift)) {
         sentPitch = pitch;
         channel.SetPitch(pitch);
     }
@@ -204,7 +204,7 @@ float Snd3D::CalcLevel(const Vector3* listener) const
     if (!IsFinite(way) || (GetCutout() && distance > maxDistance)) {
         return 0.0F;
     }
-    // The inverse distance, as the drivers attenuate. Without a minimum it is full gain.
+    // Inverse distance, as in the drivers' attenuation. Without a minimum it is full gain.
     const float nearest = std::max(minDistance, 0.0F);
     const float counted = std::min(distance, std::max(maxDistance, nearest));
     return counted > nearest && nearest > 0.0F ? GetOutputGain() * nearest / counted : GetOutputGain();

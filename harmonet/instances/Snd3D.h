@@ -7,12 +7,12 @@
 namespace Quon
 {
 
-/// A sound effect with a place in the world: a node of the scene graph, which can hang below any other node
-/// and follow it. The sound's position is the node's global position. Scene and driver share one coordinate
-/// system, so nothing is converted.
+/// A positional sound effect: a node of the scene graph, which can be attached to any other node and follow
+/// it. The sound's position is the node's global position. Scene and driver share one coordinate system, so
+/// nothing is converted.
 ///
-/// The node tells of a move by going stale; nothing is computed then, and the next full update picks it up. A
-/// position that is not finite counts as out of reach and does not go to the channel.
+/// A move only marks the node as stale; nothing is computed until the next full update handles it. A position
+/// that is not finite counts as out of reach and is not sent to the channel.
 class HARMONET_API Snd3D : public Particle, public SndBase
 {
 public:
@@ -20,30 +20,30 @@ public:
     using SndBase::operator delete;
 
     Snd3D();
-    /// A new instance of the same sound that is not yet running, with the cone, distances and axis of `other`
-    /// and a fresh node.
+    /// Constructs a new instance of the same sound that has not started, with the cone, distances and axis of
+    /// `other` and a new node.
     Snd3D(const Snd3D& other);
-    /// Copies the node's local data, and SndBase::operator=.
+    /// Copies the node's local data and calls SndBase::operator=.
     Snd3D& operator=(const Snd3D& other);
-    /// Ends the sound before the node leaves the scene.
+    /// Ends the sound before the node is removed from the scene.
     ~Snd3D() override;
 
-    /// The axis of the cone unless BindAxisToDirection() says otherwise: the negative Z axis.
+    /// The default axis of the cone: the negative Z axis.
     static constexpr int defaultAxis = -3;
 
-    /// The type of node.
+    /// Returns the node type.
     int GetID() const override;
     void ResetGlobalBoundingCenter() const override;
-    /// The sound stays where it was heard last, and turned as it was, now in world coordinates.
+    /// The sound keeps its last position and orientation, now in world coordinates.
     void OnParentDestroyed() override;
 
-    /// Which axis of the node is the direction of the cone: 1, 2, 3 for X, Y, Z and -1, -2, -3 for their
-    /// opposites; any other value counts as -3, the negative Z axis. Takes effect with the next update of the
-    /// position.
+    /// Selects the node's axis that is the direction of the cone: 1, 2, 3 for X, Y, Z and -1, -2, -3 for
+    /// their opposites; any other value means -3, the negative Z axis. Takes effect with the next update of
+    /// the position.
     virtual void BindAxisToDirection(int newAxis);
-    /// Full gain inside `inner`, `newConeGain` outside `outer`, both full angles in degrees. A channel hears
-    /// of it at once, also of a cone that is not in use: one whose inner angle is 180.0 or more, or whose
-    /// gain is 1.0 or more.
+    /// Full gain inside `inner`, `newConeGain` outside `outer`, both full angles in degrees. Sent to the
+    /// channel at once, even if the cone is not in use: its inner angle is 180.0 or more, or its gain is 1.0
+    /// or more.
     virtual void SetCone(float inner, float outer, float newConeGain);
     /// Range of the attenuation in world units. With `newCutout` the sound is not audible beyond the maximum.
     virtual void SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout);
@@ -51,33 +51,33 @@ public:
     void Play(SndFile* file) override;
     void CalcDistSqr(const Vector3& listener) override;
     bool SndUpdate(float seconds, const Vector3& listener, bool listenerMoved) override;
-    /// Stores the nine words, also while the sound plays, and hands them to the channel; its answer is the
-    /// result, true without a channel. False, and nothing is stored, without a kernel or when the driver
-    /// lacks capEnvReverbSource.
+    /// Stores the nine words, also while the sound plays, and sends them to the channel. Returns the
+    /// channel's result, or true without a channel. Returns false and stores nothing without a kernel or if
+    /// the driver lacks capEnvReverbSource.
     bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties) override;
     bool GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties* properties) override;
     float CalcLevel(const Vector3* listener) const override;
-    /// The node's velocity counts unless the sound is not movable. A sound along a line has none of it, since
-    /// its sources jump.
+    /// Uses the node's velocity unless the sound is not movable. A sound along a line has no Doppler effect,
+    /// since its sources jump.
     void UpdatePitch(SndChannel& channel, bool isNew) override;
     /// Works out the place in the world, so that the next CalcDistSqr() has it.
     void UpdatePlace();
 
-    /// Moves the source and turns the cone to where the node now is. The direction follows only while the
-    /// cone is in use, so that a plain source costs one call. Needs a channel.
+    /// Sends the node's position to the channel, and its direction if the cone is in use, so that a plain
+    /// source costs one call. Needs a channel.
     void UpdatePosition();
     void SetHasMoved(bool on);
-    /// How much of the Doppler effect the sound has: a factor, clamped to 0.0 to 10.0; NaN changes nothing.
+    /// Factor on the sound's Doppler effect, clamped to 0.0..10.0; NaN is ignored.
     void SetDoppler(float factor);
     float GetDoppler() const { return doppler; }
     bool GetCutout() const;
     float GetMinDistance() const { return minDistance; }
     float GetMaxDistance() const;
-    /// Stores the settings without telling a channel: for a sound that is being set up.
+    /// Store the settings without sending them to a channel: for a sound that is being set up.
     void InitCone(float inner, float outer, float newConeGain);
     void InitMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout);
 
-    /// The library only keeps and exports this value.
+    /// The library only stores this value for its users.
     static void SetSilence(float value) { silenceValue = value; }
     static float silenceValue;
 
@@ -91,7 +91,7 @@ private:
     float coneGain = 0.0F;
     int axis = defaultAxis;
     float doppler = 1.0F;
-    float sentPitch = 1.0F; ///< To the channel.
+    float sentPitch = 1.0F; ///< The last pitch sent to the channel.
     Motion motion; ///< While the Doppler effect is on.
 };
 

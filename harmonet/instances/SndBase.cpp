@@ -102,7 +102,7 @@ void SndBase::Done()
         return;
     }
     ended = true;
-    beingTold = true;
+    inNotification = true;
     LeaveLimits();
     NotifyEnd();
     if (theKernel) {
@@ -125,7 +125,7 @@ void SndBase::Done()
     }
 }
 
-// It counts no more, so that an observer that hears of its end can start another.
+// It does not count any more, so that an observer of its end can start another.
 void SndBase::LeaveLimits()
 {
     if (limitedBy) {
@@ -185,7 +185,7 @@ std::uint32_t SndBase::CalcQueueLength() const
     return length;
 }
 
-// What a channel held goes with its queue; blocks of memory are reported to the group.
+// Deletes a channel's file with its queue; blocks of memory are reported to the group.
 void SndBase::CloseAndDelete(SndFile* file)
 {
     if (!file) {
@@ -207,7 +207,7 @@ void SndBase::ReleaseFadeOutChannel()
         return;
     }
     channel->SetSndFile(nullptr);
-    Telling telling(*this);
+    NotificationScope notification(*this);
     CloseAndDelete(file);
 }
 
@@ -223,7 +223,7 @@ void SndBase::Play(SndFile* file)
             NotifyMusicBegin();
         }
         if (Sound* group = GetParentSound()) {
-            Telling telling(*this);
+            NotificationScope notification(*this);
             group->OnSoundBegin(soundID, fileName);
         }
     }
@@ -264,8 +264,8 @@ bool SndBase::HoldsChannel() const
     return sndChannel || (Row().list == ListID::Paused && Row().HasMark(RowWasHeard) && sndFile);
 }
 
-// Takes the sound off the driver, which puts the files back to what was heard, and keeps what has been heard
-// of its fade-in.
+// Takes the sound off the driver, which resets the files to the playback position, and stores the progress of
+// its fade-in.
 void SndBase::StopChannel()
 {
     if (sndChannel) {
@@ -275,7 +275,7 @@ void SndBase::StopChannel()
     }
 }
 
-// The same for what fades out, too.
+// The same, also for the channel that fades out.
 void SndBase::PauseOutput()
 {
     StopChannel();
@@ -299,8 +299,8 @@ bool SndBase::FadeOut(int ms)
     if (fadeOutChannel) {
         ReleaseFadeOutChannel();
     }
-    // The file is the fading channel's before the queue goes, so that a handler that hears of a freed block
-    // finds no queue to append to.
+    // Pass the file to the fading channel before deleting the queue, so that a handler of a freed block finds
+    // no queue to append to.
     SndChannel* channel = sndChannel;
     fadeOutChannel = channel;
     sndChannel = nullptr;
@@ -308,7 +308,7 @@ bool SndBase::FadeOut(int ms)
     fadingOut = {nullptr, GetChannelFlags(), GetOutputGain(), ms, theKernel ? theKernel->GetClockMs() : 0};
     TakeFile(nullptr);
     {
-        Telling telling(*this);
+        NotificationScope notification(*this);
         channel->Lock();
         if (SndFile* file = channel->GetSndFile()) {
             file->DeleteQueue(static_cast<unsigned int>(soundID), GetParentSound());
@@ -415,7 +415,7 @@ unsigned long SndBase::GetCurrentLength() const
     return sum < soundLength ? soundLength - sum : 0;
 }
 
-// What is left of `ms` for a sound that has not begun.
+// `ms` minus the start offset for a sound that has not begun.
 std::uint32_t SndBase::LessStartOffset(std::uint32_t ms) const
 {
     if (IsPlaying() || ms == unknownLength) {
@@ -463,9 +463,10 @@ unsigned int SndBase::GetChannelFlags() const
     return flags;
 }
 
-bool SndBase::IsBeingTold() const
+bool SndBase::IsInNotification() const
 {
-    return beingTold || (IsPolyline() && static_cast<const SndPolyline*>(this)->IsSourceBeingTold());
+    return inNotification ||
+        (IsPolyline() && static_cast<const SndPolyline*>(this)->IsSourceInNotification());
 }
 
 bool SndBase::operator<(const SndBase& other) const

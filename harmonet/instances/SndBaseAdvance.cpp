@@ -1,4 +1,4 @@
-// How a sound moves along its files without a channel: the start samples, and emulation.
+// Advancing a sound along its files without a channel: the start samples, and emulation.
 
 #include "harmonet/engine/Messages.h"
 #include "harmonet/files/SndFile.h"
@@ -29,8 +29,8 @@ int CountSamplesLeft(const SndFile& file)
     return std::max(file.GetSoundSamples() - file.GetCurrentSample(), 0);
 }
 
-// Whether a skip in this file is arithmetic and always ends where the file states. A wave can be shorter than
-// it says. An MPEG stream has to be read, and what it decodes later depends on the steps of the skip.
+// Whether a skip in this file is pure arithmetic and always ends at the stated length. A wave file can be
+// shorter than stated. An MPEG stream must be read, and its later output depends on the steps of the skip.
 bool IsCountable(const SndFile& file)
 {
     if (file.FileType() == SndFile::FileAdpcm) {
@@ -44,22 +44,22 @@ bool IsCountable(const SndFile& file)
 
 } // namespace
 
-// The next file of the queue takes the place of the current one, which is closed after that: a handler that
-// hears of its block can append to the file that the sound goes on with.
+// Replaces the current file by the next one of the queue, and closes it afterwards: a handler of its block
+// can append to the file that the sound continues with.
 void SndBase::StepToNextFile()
 {
     SndFile* passed = sndFile;
     TakeFile(passed->GetNext());
     passed->ClearQueue();
-    // Start samples are skipped when the channel is there already, and has the first file.
+    // Start samples are skipped after the channel has been created with the first file.
     if (sndChannel) {
         sndChannel->SetSndFile(sndFile);
     }
-    Telling telling(*this);
+    NotificationScope notification(*this);
     CloseAndDelete(passed);
 }
 
-// The driver has moved on: what lies before `newFile` goes.
+// The driver has advanced: deletes the files before `newFile`.
 void SndBase::MoveOnTo(SndFile* newFile)
 {
     SndFile* last = sndFile;
@@ -87,12 +87,12 @@ void SndBase::SkipSamples(int samples)
         SkipAlongQueue(samples);
     }
     else if (sndFile->GetSoundSamples() > 0) {
-        // In 64 bits, for the sum can pass 32.
+        // In 64 bits, since the sum can overflow 32 bits.
         sndFile->SeekTo(sndFile->WrapToLoop(std::int64_t{sndFile->GetCurrentSample()} + samples));
     }
 }
 
-// Where the sound begins in its files.
+// The start position of the sound in its files.
 int SndBase::TakeStartSamples()
 {
     std::int64_t samples = std::exchange(startSample, 0);
@@ -186,7 +186,7 @@ void SndBase::NoteRate()
     Row().SetMark(RowOwnRate, Row().rateHz != static_cast<std::uint32_t>(sndFile->GetSampleFrequency()));
 }
 
-// Brings the file to the sound's place in time.
+// Moves the file to the sound's playback position.
 void SndBase::CatchUpFile() const
 {
     SoundRow& row = Row();
@@ -200,7 +200,7 @@ void SndBase::CatchUpFile() const
     sndFile->SkipSamples(countedSamples - row.samplesLeft - sndFile->GetCurrentSample());
 }
 
-// Round the loop, which has no end, by at least as many as are left of the pass.
+// Advances around the loop, which has no end, by at least the rest of the pass.
 void SndBase::CountLoop(std::uint32_t samples)
 {
     SoundRow& row = Row();
@@ -223,7 +223,7 @@ void SndBase::CountLoop(std::uint32_t samples)
     row.SetMark(RowRewound, true);
 }
 
-// Milliseconds of the current file, as the file would say it.
+// Milliseconds left of the current file, as the file would report them.
 std::uint32_t SndBase::CalcFileRemain() const
 {
     const SoundRow& row = Row();
@@ -239,7 +239,8 @@ std::uint32_t SndBase::CalcFileRemain() const
     return static_cast<std::uint32_t>(std::min(seconds * msPerSecond, 4294967295.0));
 }
 
-// False when the sound has run out. A sound without a single sample in all its files ends here too.
+// Returns false when the sound has reached its end. A sound without any samples in all its files ends here
+// too.
 bool SndBase::AdvanceEmulated(std::uint32_t samples)
 {
     std::uint32_t total = 0;
@@ -267,7 +268,7 @@ bool SndBase::AdvanceLooping(int samples)
     return sndFile->SkipSamples(samples - skipped) == samples - skipped;
 }
 
-// Data that end before the region does end the pass.
+// Data that end before the region end the pass.
 bool SndBase::AdvanceInRegion(std::uint32_t samples)
 {
     const std::int64_t position = std::int64_t{sndFile->GetCurrentSample()} + samples;
@@ -296,7 +297,7 @@ bool SndBase::AdvanceAlongQueue(int samples)
         if (samples == 0) {
             return true;
         }
-        // A file that is passed over as a whole is not moved; the next step closes it.
+        // A file that is skipped completely is not moved; the next step closes it.
         const int inFile = sndFile->GetSoundSamples();
         const bool endsHere = samples < inFile;
         samples -= endsHere ? sndFile->SkipSamples(samples) : inFile;

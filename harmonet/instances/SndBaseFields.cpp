@@ -1,4 +1,4 @@
-// The fields of a sound that lie in its row, or that the kernel has to know about.
+// The fields of a sound that are stored in its row, or whose changes the kernel tracks.
 
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"

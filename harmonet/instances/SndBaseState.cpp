@@ -1,4 +1,4 @@
-// What tools see of a sound.
+// The state of a sound for tools.
 
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -47,7 +47,7 @@ SoundPhase PhaseOf(const SndBase& sound, ListID list)
     return SoundPhase::Prepared;
 }
 
-// Raising and lowering the counts of strings is what a snapshot costs most, and most are the same as before.
+// Reference counting of strings dominates the cost of a snapshot, and most strings are unchanged.
 void Assign(PString& to, const PString& from)
 {
     if (!(to == from)) {
@@ -77,13 +77,13 @@ const char* DescribeReason(SoundReason reason)
     case SoundReason::NoListener:
         return "no microphone is active";
     case SoundReason::Paused:
-        return "it is in pause";
+        return "it is paused";
     case SoundReason::Delayed:
         return "its delay is not over";
     case SoundReason::Settling:
         return "it has lost its channel, or has started, less than 200 ms ago";
     case SoundReason::TooShort:
-        return "it had no channel, and too little was left to run on";
+        return "it had no channel, and too little was left to continue as a virtual sound";
     case SoundReason::NotEmulated:
         return "it had no channel, and was started with StartNoEmulation";
     case SoundReason::Refused:
@@ -127,7 +127,7 @@ void SndBase::FillOwnState(SoundState& state) const
     state.reasonAgeMs = clockMs - reasonSince;
 }
 
-// The line is where its nearest source is, and heard if one of its sources is.
+// The line has the position of its nearest source, and is audible if one of its sources is.
 void SndPolyline::AddSourcesTo(SoundState& state) const
 {
     bool isPlaced = false;

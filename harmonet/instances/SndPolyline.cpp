@@ -1,4 +1,4 @@
-// A sound along a line: its geometry, and what it hands on to its sources.
+// A sound along a line: its geometry, and the settings that it forwards to its sources.
 
 #include "harmonet/instances/SndPolyline.h"
 
@@ -18,11 +18,11 @@ namespace Quon
 namespace
 {
 
-constexpr float otherGain = 0.5F; // Of the sources behind the first.
+constexpr float otherGain = 0.5F; // Of all sources but the first.
 constexpr float minDistanceSpacing = 0.5F;
 constexpr float maxDistanceSpacing = 0.01F;
 constexpr float minDistanceReach = 30.0F; // Of a sound without a cutout.
-// Of a sound that was given no distances: those of one that is defined in text.
+// Of a sound without distances: the defaults of a sound defined in text.
 constexpr float defaultMinDistance = 10.0F;
 constexpr float defaultMaxDistance = 500.0F;
 constexpr float infinity = std::numeric_limits<float>::infinity();
@@ -44,7 +44,7 @@ SndPolyline::SndPolyline(Snd3D& model)
 SndPolyline::~SndPolyline()
 {
     ForEachSource([](Snd3D& source, int) { delete &source; });
-    // Here already: an observer that is told may ask for the line's places.
+    // Called here: an observer may query the line's positions.
     Done();
     sourceFX.Clear();
 }
@@ -56,7 +56,7 @@ bool SndPolyline::Init(const Vector3* points, int numPoints, unsigned int* ids, 
     numActive = 0;
     activePoints.resize(numIds > 1 ? static_cast<std::size_t>(numIds) : 0);
     soundIDs.assign(ids, ids + numIds);
-    // From here on nothing throws, and the block is no longer the caller's.
+    // From here on nothing throws, and this object owns the block.
     Alloc::Delete(ids);
     SndPolyline::SetGain(GetGain());
     AddFlags(FlagPolyline | FlagLooping | FlagNotMovable);
@@ -77,8 +77,8 @@ void SndPolyline::InitSegments(const Vector3* points, int numPoints)
     }
     segments.reserve(static_cast<std::size_t>(std::max<std::ptrdiff_t>(end - first - 1, 1)));
     IncludeInBounds(*first);
-    const Vector3* kept = first; // Where the last piece ended.
-    const Vector3* before = first; // The point in front of the one that is looked at.
+    const Vector3* kept = first; // End of the last segment.
+    const Vector3* before = first; // The point before the current one.
     const Vector3* second = nullptr;
     for (const Vector3* point = first + 1; point != end; ++point) {
         if (!IsFinite(*point)) {
@@ -117,7 +117,7 @@ void SndPolyline::IncludeInBounds(const Vector3& point)
         std::max(boundsMax.x, point.x), std::max(boundsMax.y, point.y), std::max(boundsMax.z, point.z)};
 }
 
-// What is no number counts as 0. Without a spacing each piece has one candidate, its nearest point.
+// NaN counts as 0. Without a spacing each segment has one candidate, its nearest point.
 void SndPolyline::CalcReach()
 {
     float nearest = std::isnan(GetMinDistance()) ? 0.0F : GetMinDistance();
@@ -130,8 +130,8 @@ void SndPolyline::CalcReach()
     range = GetCutout() ? farthest : std::max(nearest * minDistanceReach, farthest);
     const int numSegments = static_cast<int>(segments.size());
     const double along = pointSpacing > 0.0F ? static_cast<double>(totalLength / pointSpacing) : 0.0;
-    const int most = std::numeric_limits<int>::max() - numSegments;
-    maxPoints = numSegments + (along < most ? static_cast<int>(along) : most);
+    const int maximum = std::numeric_limits<int>::max() - numSegments;
+    maxPoints = numSegments + (along < maximum ? static_cast<int>(along) : maximum);
 }
 
 Snd3D* SndPolyline::FindSource(int index) const
@@ -139,7 +139,7 @@ Snd3D* SndPolyline::FindSource(int index) const
     return static_cast<Snd3D*>(theKernel->FindSound(static_cast<int>(GetSourceID(index))));
 }
 
-/// From the last of the range to its first. A source that has gone is forgotten on the way.
+/// From the last of the range to its first. Sources that no longer exist are removed on the way.
 template<class Visit>
 void SndPolyline::ForEachSource(int first, int last, Visit visit)
 {
@@ -163,11 +163,11 @@ void SndPolyline::RemoveSnd(int index)
     }
 }
 
-bool SndPolyline::IsSourceBeingTold() const
+bool SndPolyline::IsSourceInNotification() const
 {
     for (int i = 0; theKernel && i < GetNumSounds(); ++i) {
         const Snd3D* source = FindSource(i);
-        if (source && source->IsBeingTold()) {
+        if (source && source->IsInNotification()) {
             return true;
         }
     }
@@ -273,7 +273,7 @@ void SndPolyline::BindAxisToDirection(int newAxis)
 
 bool SndPolyline::SndUpdate(float, const Vector3& listener, bool listenerMoved)
 {
-    // The line does not move: without a move of the listener nothing has changed.
+    // The line does not move: unless the listener has moved, nothing has changed.
     if (!listenerMoved) {
         return true;
     }
@@ -295,7 +295,7 @@ bool SndPolyline::IsInReach() const
         listenerMax.y >= boundsMin.y && listenerMin.z <= boundsMax.z && listenerMax.z >= boundsMin.z;
 }
 
-// Pauses the placed sources from that rank on.
+// Pauses the placed sources from that index on.
 void SndPolyline::PauseFrom(int first)
 {
     ForEachSource(first, numActive, [](Snd3D& source, int) { source.SetInPause(true); });
@@ -311,10 +311,10 @@ void SndPolyline::PlaceSources(int placed)
     });
 }
 
-int SndPolyline::GetPlaces(Vector3* places, int most) const
+int SndPolyline::GetPlaces(Vector3* places, int maxPlaces) const
 {
     int count = 0;
-    for (int i = 0; theKernel && i < GetNumSounds() && count < most; ++i) {
+    for (int i = 0; theKernel && i < GetNumSounds() && count < maxPlaces; ++i) {
         const Snd3D* source = FindSource(i);
         if (source && !source->GetInPause()) {
             places[count++] = source->GetGlobalPosition();

@@ -8,34 +8,34 @@ namespace Quon
 
 class CandidateList;
 
-/// How many sources a line has beside the first, and how many degrees they are to lie apart.
+/// The number of sources of a line beside the first, and their minimum angle in degrees.
 struct SourceLimits
 {
     unsigned int numAddSounds; ///< Sources beside the first.
     float minAngle; ///< Degrees.
 };
 
-/// What becomes of the numbers that are asked of a line: at most seven more sources, fewer than there are of
-/// that angle in a full turn, and none for an angle below 10 degrees. The sign of the angle does not matter,
-/// it counts modulo 180, and a little is taken off. What is no number counts as 0.
+/// Limits the numbers requested for a line: at most seven more sources, fewer than fit at that angle into a
+/// full turn, and none for an angle below 10 degrees. The sign of the angle is ignored, it is taken modulo
+/// 180, and it is reduced slightly. NaN counts as 0.
 HARMONET_API SourceLimits LimitSources(unsigned int numAddSounds, float minAngle);
 
-/// A sound that comes from a whole length of the world: a river, a road. It plays one sound through up to
-/// eight ordinary positional sounds, its sources. Each time the listener moves, the first source goes to the
-/// nearest point of the line, at full gain, and the others to further points at half gain, as long as they
-/// lie in clearly different directions. Distance, channels and emulation are those of the sources.
+/// A sound that is emitted along a line in the world, such as a river or a road. It plays one sound through
+/// up to eight ordinary positional sounds, its sources. Each time the listener moves, the first source moves
+/// to the nearest point of the line at full gain, and the others to further points at half gain if these lie
+/// in clearly different directions. Distance, channels and emulation are handled per source.
 ///
-/// This object is the head: it holds the line and the ids of its sources, stands for the whole towards game
-/// code and observers, and is never heard itself. The line is in world coordinates and does not move; the
-/// head's own node plays no role. A source that is not needed is in pause. Before the listener's first move
-/// all are.
+/// This object is the head: it holds the line and the ids of its sources, represents the whole line to game
+/// code and observers, and is never played itself. The line is in world coordinates and does not move; the
+/// head's own node has no effect. Unused sources are paused. All sources are paused until the listener first
+/// moves.
 ///
-/// `Sound` makes it, and the kernel owns it like any instance. It owns its sources in so far as they go with
-/// it; one that ends by itself is noticed at the next look. Task thread only.
+/// `Sound` creates it, and the kernel owns it like any instance. Its sources end with it; a source that ends
+/// on its own is detected at the next access. Task thread only.
 class HARMONET_API SndPolyline : public Snd3D
 {
 public:
-    /// One straight piece of the line.
+    /// One straight segment of the line.
     struct Segment
     {
         Vector3 start; ///< In the world.
@@ -43,7 +43,7 @@ public:
         float length; ///< World units, at least `shortest`.
     };
 
-    /// A place for a source.
+    /// A position for a source.
     struct SoundPoint
     {
         Segment* segment; ///< The piece on which it lies.
@@ -51,69 +51,69 @@ public:
         float distance; ///< From the listener.
     };
 
-    /// World units: what is shorter counts as no length.
+    /// World units; a shorter length counts as zero.
     static constexpr float shortest = 1.1920929e-07F;
 
-    /// Without sources and line.
+    /// Constructs a head without sources and line.
     SndPolyline();
-    /// A new instance of the same sound, without sources and line.
+    /// Constructs a new instance of the same sound, without sources and line.
     explicit SndPolyline(Snd3D& model);
     SndPolyline(const SndPolyline&) = delete;
     SndPolyline& operator=(const SndPolyline&) = delete;
-    /// Ends its sources without a word, then itself.
+    /// Ends its sources without notifying observers, then itself.
     ~SndPolyline() override;
 
     /// Sets up line and sources; always true. `ids`, a block from Alloc with the ids of positional sounds,
-    /// is taken over, unless there is no memory, which throws. `minAngle` in degrees is the least angle
-    /// between two sources, as seen from the listener. The distances must have been set.
+    /// becomes owned by this object, unless it throws because memory runs out. `minAngle` is the minimum
+    /// angle in degrees between two sources, seen from the listener. The distances must have been set.
     ///
-    /// Points that are not finite, or too far away to measure, are passed over, and so are those that
-    /// coincide with the one before. One place is a line too; without any the line is never heard. The same
-    /// goes for distances that leave nothing in reach; but 0 and 0 without a cutout are none set, and count
-    /// as 10 and 500.
+    /// Points that are not finite, too far away to measure, or equal to the point before are ignored. A
+    /// single position is a valid line; a line without positions is never audible. Neither is one whose
+    /// distances leave nothing in reach; but 0 and 0 without a cutout count as unset and become 10 and 500.
     bool Init(const Vector3* points, int numPoints, unsigned int* ids, int numIds, float minAngle);
 
-    /// The point of a piece that is nearest to the listener; returns its distance. `along` is its place along
-    /// the piece. For a piece out of reach the result is above the reach, and nothing is written.
+    /// Computes the point of a segment that is nearest to the listener and returns its distance. `along` is
+    /// its position along the segment. For a segment out of reach the result exceeds the reach, and nothing
+    /// is written.
     float CalcClosestPoint(Segment* segment, const Vector3& listener, Vector3& closest, float& along);
     /// Compares two SoundPoint by distance: -1, 0 or 1, ascending.
     static int CompDist(const void* left, const void* right);
-    /// Puts the sources where that listener is to hear them. SndUpdate() calls it.
+    /// Places the sources for this listener. Called by SndUpdate().
     void DistribSounds(const Vector3& listener);
-    /// Follows the listener if it has moved. False when no source is left.
+    /// Moves the sources if the listener has moved. False when no source is left.
     bool SndUpdate(float seconds, const Vector3& listener, bool listenerMoved) override;
 
-    /// Forgets a source; those behind it move up. Nothing for a rank that there is not.
+    /// Removes a source from the ids; later ones move up. An index out of range is ignored.
     void RemoveSnd(int index);
     /// The sources that there are now, and the id of one.
     int GetNumSounds() const { return static_cast<int>(soundIDs.size()); }
     unsigned int GetSourceID(int index) const { return soundIDs[static_cast<std::size_t>(index)]; }
-    /// Stores the places of the sources that are not in pause, the nearest first, and at most `most`.
-    /// Returns how many it stored.
-    int GetPlaces(Vector3* places, int most) const;
-    /// Adds to the head's own state where and how its sources are heard.
+    /// Stores at most `maxPlaces` positions of sources that are not paused, the nearest first, and returns
+    /// their number.
+    int GetPlaces(Vector3* places, int maxPlaces) const;
+    /// Adds the sources' position and state to the head's own state.
     void AddSourcesTo(SoundState& state) const;
-    /// A notification of one of the sources is running.
-    bool IsSourceBeingTold() const;
+    /// Whether a notification of one of the sources is running.
+    bool IsSourceInNotification() const;
 
-    /// Takes over the block of effects that the sources have been made with.
+    /// Takes ownership of the effect block that the sources were created with.
     void AdoptSourceFX(const SndFXList& newList) { sourceFX = newList; }
-    /// Gives the sources the effects of the head, as they now are.
+    /// Gives the sources the head's current effects.
     void ShareFX();
 
     /// These go to the sources and the head, and do nothing without a kernel.
     void SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout) override;
-    /// That of the loudest source, or before there is one that of the head.
+    /// The level of the loudest source, or of the head if no source is placed.
     float CalcLevel(const Vector3* listener) const override;
-    /// For the whole line: the first source gets the gain, the others half of it.
+    /// Sets the gain of the whole line: the first source gets it, the others half of it.
     virtual void SetGain(float newGain);
     void SetPaused(bool on);
     void SetLowPass(float gainHF);
     void SetPriority(int newPriority) override;
     void SetDelay(int ms) override;
-    /// False if any of them refuses.
+    /// False if any source refuses.
     bool SetFrequency(unsigned long hz) override;
-    /// To the sources alone.
+    /// Applies to the sources alone.
     void BindAxisToDirection(int newAxis) override;
 
 private:
@@ -141,22 +141,22 @@ private:
         ForEachSource(0, GetNumSounds(), visit);
     }
 
-    /// By rank: the first is the one of full gain, which stands nearest to the listener.
+    /// Ordered: the first source has full gain and is nearest to the listener.
     EngineVector<unsigned int> soundIDs;
     EngineVector<Segment> segments;
     float cosMinAngle = 1.0F;
-    int numActive = 0; ///< How many sources are placed; can exceed what is left of them.
+    int numActive = 0; ///< Number of placed sources; can exceed the number of remaining ones.
     EngineVector<SoundPoint> activePoints; ///< In the order of the sources. Empty for a single source.
-    float pointSpacing = 0.0F; ///< Least distance of candidates along the line.
-    int maxPoints = 0; ///< Most candidates.
+    float pointSpacing = 0.0F; ///< Minimum distance of candidates along the line.
+    int maxPoints = 0; ///< Maximum number of candidates.
     float totalLength = 0.0F;
-    float range = 0.0F; ///< How far from the line it can be heard.
+    float range = 0.0F; ///< Distance from the line at which it is audible.
     Vector3 boundsMin; ///< Box around the line.
     Vector3 boundsMax;
     Vector3 listenerMin; ///< Box of half size `range` around the listener.
     Vector3 listenerMax;
-    /// The block under the effect lists of the sources. None of them points at the head's own block, which
-    /// moves whenever an effect is added to it.
+    /// The block shared by the effect lists of the sources. They must not share the head's own block, which
+    /// is reallocated whenever an effect is added to it.
     SndFXList sourceFX;
 };
 

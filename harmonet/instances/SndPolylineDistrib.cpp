@@ -1,4 +1,4 @@
-// Where the sources of a sound along a line are to stand for a listener.
+// Distributes the sources of a sound along a line for a listener.
 
 #include "harmonet/instances/CandidateList.h"
 #include "harmonet/instances/FastLength.h"
@@ -18,7 +18,7 @@ namespace
 using Segment = SndPolyline::Segment;
 using SoundPoint = SndPolyline::SoundPoint;
 
-// Candidates lie densely near the listener and wide apart far from it.
+// Candidates are dense near the listener and sparse far from it.
 constexpr float spacingByDistance = 0.2F;
 
 Vector3 PointAlong(const Segment& segment, float along)
@@ -26,8 +26,8 @@ Vector3 PointAlong(const Segment& segment, float along)
     return segment.start + segment.direction * along;
 }
 
-/// How many candidates there may still be. One is kept back for the nearest point of each piece to come, so
-/// that a long first piece does not use up all.
+/// The number of candidates left. One is reserved for the nearest point of each remaining segment, so that a
+/// long first segment does not use up all.
 struct Budget
 {
     int points;
@@ -36,7 +36,7 @@ struct Budget
     bool AllowsMore() const { return points > pieces; }
 };
 
-/// A walk along one piece for further candidates.
+/// An iteration along one segment for further candidates.
 struct PieceWalk
 {
     Segment& segment;
@@ -50,7 +50,7 @@ struct PieceWalk
         float last = from;
         for (int k = 1; budget.AllowsMore(); ++k) {
             const float along = from + static_cast<float>(k) * step;
-            // Far out a step can be too small to get anywhere.
+            // For large coordinates a step can be too small to advance.
             if (along == last || !(along >= 0.0F && along < segment.length)) {
                 return;
             }
@@ -75,7 +75,7 @@ int SndPolyline::CompDist(const void* left, const void* right)
     return a < b ? -1 : a > b ? 1 : 0;
 }
 
-// The whole piece lies within its length of its start.
+// Every point of the segment is within its length of its start.
 bool SndPolyline::CanReach(const Segment& segment) const
 {
     const Vector3& start = segment.start;
@@ -88,7 +88,7 @@ bool SndPolyline::CanReach(const Segment& segment) const
 float SndPolyline::CalcClosestPoint(Segment* segment, const Vector3& listener, Vector3& closest, float& along)
 {
     if (!CanReach(*segment)) {
-        // Far above 1 the next number is farther away than that.
+        // For large numbers the next float is farther away than that.
         return std::max(range + 1.0F, std::nextafter(range, std::numeric_limits<float>::infinity()));
     }
     const float place = Dot(listener - segment->start, segment->direction);
@@ -117,18 +117,18 @@ void SndPolyline::DistribOne(const Vector3& listener)
         RemoveSnd(0);
         return;
     }
-    float least = std::numeric_limits<float>::infinity();
+    float nearestDistance = std::numeric_limits<float>::infinity();
     Vector3 nearest;
     for (Segment& segment : segments) {
         Vector3 closest;
         float along = 0.0F;
         const float distance = CalcClosestPoint(&segment, listener, closest, along);
-        if (distance < least) {
-            least = distance;
+        if (distance < nearestDistance) {
+            nearestDistance = distance;
             nearest = closest;
         }
     }
-    const bool isHeard = least < range;
+    const bool isHeard = nearestDistance < range;
     if (isHeard) {
         source->SetPosition(nearest);
     }
@@ -180,8 +180,8 @@ int SndPolyline::SelectPoints(const Vector3& listener, CandidateList& candidates
     return placed;
 }
 
-// Whether a candidate lies in another direction than all points that are placed. From a listener on the line
-// no direction can be told.
+// Whether a candidate's direction differs from those of all placed points. For a listener on the line there
+// is no direction.
 bool SndPolyline::IsApart(const SoundPoint& candidate, int placed, const Vector3& listener) const
 {
     const Vector3 direction = candidate.position - listener;

@@ -1,4 +1,4 @@
-// How a group makes its sounds, and how it ends.
+// Creation of a group's sounds, and the group's destruction.
 
 #include "harmonet/instances/Sound.h"
 
@@ -25,7 +25,7 @@ namespace
 
 constexpr int lookupMode = 2;
 
-// Of the rate of the definition, or else of the file when it is opened.
+// Applies to the rate of the definition, or otherwise to that of the file when it is opened.
 void ApplyFrequencyFactor(SndBase& sound, float factor)
 {
     sound.AddFlags(FlagChgFrequency);
@@ -37,7 +37,7 @@ void ApplyFrequencyFactor(SndBase& sound, float factor)
     }
 }
 
-// What a sound takes over from its resource whatever its kind.
+// The settings that any kind of sound takes from its resource.
 void ApplyCommonSettings(SndBase& sound, const SoundResource& resource, const SoundChoice& choice)
 {
     sound.SetDefinitionName(resource.GetName());
@@ -77,7 +77,7 @@ void ApplyPositionalSettings(Snd3D& sound, const SoundResource& resource)
     }
 }
 
-// Keeps the kernel from ending while observers are told, of which the trace hears first.
+// Prevents the kernel from ending during a notification, which is reported to the trace first.
 class NoticeScope
 {
 public:
@@ -128,7 +128,7 @@ Sound::~Sound()
 
 void Sound::AddObserver(SoundObserver* observer)
 {
-    // One that comes back from its OnShutDown() would keep the address of what is gone.
+    // An observer added in its OnShutDown() would keep a dangling pointer.
     if (hasShutDown || !observer) {
         return;
     }
@@ -183,14 +183,14 @@ bool Sound::CanMakeSounds() const
     if (theKernel && theKernel->AcceptsSounds() && !closing) {
         return true;
     }
-    Report(MessageLevel::Error, "a sound cannot be made: ",
+    Report(MessageLevel::Error, "a sound cannot be created: ",
         theKernel ? "the sound system or its group is being stopped" : "the sound system is not running");
     return false;
 }
 
 int Sound::AddSound(SndBase* instance)
 {
-    // Without memory for its place in the table it ends at once, and nobody has heard of it.
+    // If memory for its table entry runs out, it is deleted at once without notifications.
     std::unique_ptr<SndBase> owned(instance);
     theKernel->AddSound(instance);
     static_cast<void>(owned.release());
@@ -212,7 +212,7 @@ int Sound::Make2DSound(const PString& name, const ResourceDatabase* db)
         return AddSound(made.release());
     }
     TakenResource resource(name, *db, lookupMode);
-    // Whoever heard of the load may have ended the system.
+    // An observer of the load may have ended the system.
     if (!resource || !CanMakeSounds()) {
         return 0;
     }
@@ -243,7 +243,7 @@ int Sound::Make3DSound(const PString& name, const ResourceDatabase* db, bool ign
         return AddSound(made.release());
     }
     TakenResource resource(name, *db, lookupMode);
-    // Whoever heard of the load may have ended the system.
+    // An observer of the load may have ended the system.
     if (!resource || !CanMakeSounds()) {
         return 0;
     }
@@ -259,12 +259,12 @@ int Sound::Make3DSound(const PString& name, const ResourceDatabase* db, bool ign
     if (ignorePlacement || !resource->GetPolyline()) {
         return id;
     }
-    // While the resource still holds the points.
+    // While the resource is locked and still has the points.
     return NewPolylineSound(id, resource->GetPolyline(), static_cast<unsigned int>(resource->GetNumPoints()),
         static_cast<unsigned int>(std::max(resource->GetNumAddSounds(), 0)), resource->GetMinAngle());
 }
 
-// The resource's own code may have ended the sound meanwhile.
+// The resource's code may have ended the sound meanwhile.
 void Sound::NameData(int id, const PString& fileName, const PString& ownerName)
 {
     if (SndBase* sound = FindSound(id)) {

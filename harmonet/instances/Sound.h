@@ -24,28 +24,28 @@ class SndFile;
 class SndPolyline;
 class SoundResource;
 
-/// Through this object game code plays sound effects. A `Sound` is a group: it gives its sounds a gain, the
-/// observers and the axis of their cones. A game makes as many as it likes and keeps them where it likes.
+/// Game code plays sound effects through this object. A `Sound` is a group: its gain, its observers and its
+/// cone axis apply to all its sounds. A game may create any number of groups and owns them.
 ///
-/// Game code never holds a sound but its id, an integer. An id whose sound has ended, for whatever reason,
-/// finds nothing, and every call with it does nothing and returns its empty value (told with each operation;
-/// 0, false or nothing where it is not). Ids are never used twice in the life of the process; 0 is no sound.
+/// Game code refers to a sound by its id, an integer. Once a sound has ended, for whatever reason, its id is
+/// stale: every call with it does nothing and returns the value documented for no sound (0 or false unless
+/// stated otherwise). Ids are never reused during the life of the process; 0 is no sound.
 ///
-/// A sound that was started lives exactly as long as it runs, and nothing need be freed. A sound that was
-/// made (`New...`) but never started stays until StopSound(), DeleteSound() or the end of this object.
+/// A started sound exists until it ends, and need not be freed. A sound that was created (`New...`) but never
+/// started exists until StopSound(), DeleteSound() or the destruction of this object.
 ///
-/// An operation that answers false or 0 does so too when there is no memory for it, and has then made
-/// nothing; AddObserver() throws std::bad_alloc and adds nobody.
+/// An operation that returns false or 0 does so also when memory runs out, and then creates nothing;
+/// AddObserver() throws std::bad_alloc and adds nothing.
 ///
 /// `name` is the name of a resource when there is a `db`, and the name of a file when `db` is null.
 ///
-/// Task thread only. Works without a running sound system: every creation then returns 0. While the group is
-/// being destroyed, or the system shut down, an observer can make no new sound. Groups cannot be copied,
-/// since an observer has a link to one group only.
+/// Task thread only. Without a running sound system every creation returns 0. While the group is being
+/// destroyed, or the system shut down, an observer cannot create sounds. Groups cannot be copied, since an
+/// observer is linked to one group only.
 class HARMONET_API Sound : public ObserverSubject<SoundObserver>, public Allocated
 {
 public:
-    /// What can be set on a positional sound in the call that plays it.
+    /// Optional settings of a positional sound in the call that plays it.
     struct Settings
     {
         bool setCone = false; ///< Whether the next three apply.
@@ -58,18 +58,18 @@ public:
         bool cutout = false; ///< Not audible beyond the maximum distance.
     };
 
-    /// How a sound is to be started; other bits are ignored.
+    /// How to start a sound; other bits are ignored.
     enum StartFlags : int
     {
-        /// The sound has no end. Takes precedence over StartQueued; refused for a sound with a queue.
+        /// The sound loops. Takes precedence over StartQueued; refused for a sound with a queue.
         StartLooping = 0x01,
         /// The channel gets the position once, at the start.
         StartNotMovable = 0x02,
-        /// The sound ends instead of running on unheard. Ignored for a sound along a line.
+        /// The sound ends instead of becoming virtual. Ignored for a sound along a line.
         StartNoEmulation = 0x04,
-        /// The sound asks for a channel at once instead of competing at the next update; without one the
-        /// start fails. Do not combine it with a delay: the delay stays, and a sound that has lost its
-        /// channel cannot win one again. Mostly StartNowOrCompete is what a game wants.
+        /// The sound requests a channel at once instead of competing at the next update; without one the
+        /// start fails. Do not combine it with a delay: the delay is kept, and a sound that has lost its
+        /// channel cannot win one again. StartNowOrCompete is usually the better choice.
         StartImmediately = 0x08,
         /// CatSound() stays allowed while the sound plays.
         StartQueued = 0x10,
@@ -80,8 +80,8 @@ public:
         /// The listener's effects do not apply. Has no effect on a sound along a line; set it in the
         /// resource.
         StartDisableMicFX = 0x40,
-        /// As StartImmediately, but a sound that finds no channel competes at the next update by its
-        /// priority, and a delay is set to 0. Has no effect on a sound along a line.
+        /// Same as StartImmediately, but a sound without a channel competes at the next update by its
+        /// priority, and its delay is set to 0. Has no effect on a sound along a line.
         StartNowOrCompete = 0x88
     };
 
@@ -91,31 +91,32 @@ public:
 
     void AddObserver(SoundObserver* observer) override;
     void RemoveObserver(SoundObserver* observer) override;
-    /// Ends all sounds of this group, with their notifications, then tells the observers OnShutDown().
+    /// Ends all sounds of this group and notifies the observers of it, then calls their OnShutDown().
     virtual ~Sound();
 
-    // Creation. Each returns the id of the new sound, or 0. A definition with variation chooses file, gain
-    // and rate here. A file is opened when the sound starts, so that a missing one shows there.
+    // Creation. Each returns the id of the new sound, or 0. A definition with variation selects file, gain
+    // and rate here. The file is opened when the sound starts, so a missing file is reported there.
 
     /// A non-positional sound.
     int New2DSound(const PString& name, const ResourceDatabase* db);
-    /// On a block of bare PCM, which is not copied: it must stay valid until OnBufferFree() reports it, or
-    /// until the sound is gone after DeleteSound(). 0 for anything but PCM, and the block stays the caller's.
+    /// Creates a sound on a block of raw PCM. The block is not copied: it must stay valid until
+    /// OnBufferFree() reports it, or until DeleteSound() has deleted the sound. Returns 0 for any format but
+    /// PCM, and the caller keeps the block.
     int New2DSound(void* data, unsigned long size, WaveFormatEx* format);
     /// A positional sound; one along a line if the resource has a line.
     int New3DSound(const PString& name, const ResourceDatabase* db);
     int New3DSound(void* data, unsigned long size, WaveFormatEx* format);
-    /// A sound along the line through the given points, in world units; position and line of the resource are
-    /// ignored. It is heard through one source and up to `numAddSounds` more, seven at most, which lie in
-    /// directions at least `minAngle` degrees apart as seen from the listener (somewhat less, to leave room);
-    /// with an angle below 10 there is one source only. The sign of the angle does not matter, and it counts
-    /// modulo 180. Such a sound loops. It has one id, that of the whole line. 0 without points. A line that
-    /// starts while the listener stands still is silent until the listener moves.
+    /// Creates a sound along the line through the given points, in world units; position and line of the
+    /// resource are ignored. It plays through one source and up to `numAddSounds` more, seven at most, in
+    /// directions at least `minAngle` degrees apart as seen from the listener (slightly less, to leave room).
+    /// With an angle below 10 there is one source only. The sign of the angle is ignored, and it is taken
+    /// modulo 180. Such a sound loops. It has one id, that of the whole line. Returns 0 without points. A
+    /// line that starts while the listener does not move is silent until the listener moves.
     int New3DSound(const Vector3* points, unsigned int numPoints, const PString& name,
         const ResourceDatabase* db, unsigned int numAddSounds, float minAngle);
 
-    // Playing in one call. Each returns the id of the started sound, or 0. A priority or delay of 0 leaves
-    // the value as it stands. `flags` are StartFlags; `delay` is in milliseconds.
+    // Playing in one call. Each returns the id of the started sound, or 0. A priority or delay of 0 keeps the
+    // current value. `flags` are StartFlags; `delay` is in milliseconds.
 
     /// A non-positional sound.
     int Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay);
@@ -131,23 +132,25 @@ public:
 
     // Control of one sound.
 
-    /// False for a sound that runs already, a loop with a queue, or a sound that cannot be had; also where
-    /// the limits of its definition refuse it. By these another sound of the definition may end here. After a
-    /// false the sound may still exist, not started; DeleteSound() settles it.
+    /// Returns false for a sound that is already running, a loop with a queue, a sound that cannot be
+    /// started, or one refused by the limits of its definition. These limits may also end another sound of
+    /// the definition here. If it returns false, the sound may still exist, not started; DeleteSound()
+    /// deletes it.
     bool StartSound(int id, int flags);
-    /// Ends the sound; the observers are told and blocks of memory reported.
+    /// Ends the sound, notifies the observers and reports its blocks of memory.
     void StopSound(int id);
     /// Ends the sound without notifying observers; the caller has its memory back at once.
     void DeleteSound(int id);
-    /// Pauses a sound: time stands still for it, whatever it does. A delay does not count down, fades stay
-    /// where they are, no end and no file of its queue comes, and its channel is free for others. What was
-    /// heard comes back at the same sample, by the usual rules if channels are short, with a short ramp. A
-    /// sound is paused while it, its group (Pause()) or everything (SoundSystem::PauseAll()) is paused; each
-    /// of these is on or off and does not count calls.
+    /// Pauses a sound: time stops for it. A delay does not count down, fades do not progress, the sound
+    /// neither ends nor continues with the next file of its queue, and its channel is free for others. An
+    /// audible sound resumes at the same sample with a short ramp, by the usual rules if channels are short.
+    /// A sound is paused while it, its group (Pause()) or everything (SoundSystem::PauseAll()) is paused;
+    /// each of these is on or off and does not count calls.
     ///
     /// A pause begins and ends in the next full update, so go on calling TaskList::Update(). A paused sound
-    /// can be set up as one that runs without a channel. StopSound() and the like end it, and FadeOutSound()
-    /// ends it at once, since it is not heard. One that is started waits, along a line without its sources.
+    /// can be changed like a virtual sound. StopSound() and the like end it, and FadeOutSound() ends it at
+    /// once, since it is not audible. A sound that is started while paused waits; a line does so without its
+    /// sources.
     void PauseSound(int id);
     void ResumeSound(int id);
     /// Whether the sound, its group or everything is paused.
@@ -155,46 +158,45 @@ public:
     /// Fades out over `ms` milliseconds and ends. Without a channel, and along a line, the sound ends at
     /// once, and the result is false.
     bool FadeOutSound(int id, unsigned int ms);
-    /// Appends a file behind the sound, before the start, or during play if it was started with StartQueued.
-    /// False, and nothing is appended, for a looping sound, a file that cannot be opened, or one whose bytes
-    /// per sample, channels or rate are not those of the sound. Opens the file at once, with the channel's
-    /// lock held.
+    /// Appends a file to the sound's queue, before the start, or while it plays if it was started with
+    /// StartQueued. Returns false and appends nothing for a looping sound, a file that cannot be opened, or
+    /// one whose bytes per sample, channels or rate differ from the sound's. Opens the file at once, with the
+    /// channel's lock held.
     bool CatSound(int id, const PString& name, const ResourceDatabase* db);
-    /// Appends a block of PCM. After a false the block stays the caller's and is not reported.
+    /// Appends a block of PCM. If it returns false, the caller keeps the block and it is not reported.
     bool CatSound(int id, void* data, unsigned long size, WaveFormatEx* format);
-    /// How many files wait behind the current one.
+    /// Returns the number of files queued after the current one.
     int GetQueueLength(int id);
-    /// Hangs a positional sound that is not along a line below a node of the scene.
+    /// Attaches a positional sound that is not along a line to a node of the scene.
     bool AttachSound(int id, Particle* parent, const PString& nodeName);
 
     // Settings of one sound.
 
-    /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. For a sound along a line it is the gain of the
-    /// whole line.
+    /// Linear, clamped to 0.0..1.0; NaN is ignored. For a sound along a line it is the gain of the whole
+    /// line.
     void SetSoundGain(int id, float newGain);
     float GetSoundGain(int id) const;
-    /// Gain of the high frequencies: linear, clamped to 0.0 to 1.0; NaN changes nothing. 1.0, the default, is
-    /// no filter. Frequencies well below 1 kHz keep their level, and from 5 kHz on the gain applies; 0.0 is a
-    /// low-pass of 12 dB per octave above 1 kHz. Multiplied with those of the group and of everything. Can
-    /// change at any time and does not click.
+    /// Gain of the high frequencies: linear, clamped to 0.0..1.0; NaN is ignored. 1.0, the default, disables
+    /// the filter. Frequencies well below 1 kHz keep their level, and from 5 kHz on the gain applies; 0.0 is
+    /// a low-pass of 12 dB per octave above 1 kHz. Multiplied with those of the group and of everything. It
+    /// can change at any time without clicks.
     void SetSoundLowPass(int id, float gainHF);
     float GetSoundLowPass(int id) const;
     void SetSoundPriority(int id, int priority);
     /// The second argument is ignored.
     int GetSoundPriority(int id, int);
-    /// Milliseconds before the sound may start. Ignored once it runs, like the next one.
+    /// Milliseconds before the sound may start. Ignored once the sound runs, like SetSoundFadeIn().
     void SetSoundDelay(int id, int ms);
-    /// Where the sound begins: milliseconds into its data, the queue included; the lengths below count from
-    /// there. A sound that has no channel then begins there too. Beyond its end the sound ends as soon as it
-    /// has begun, as one that has run out; a loop goes round. Ignored once it runs, and for a sound along a
-    /// line.
+    /// Sets the start position in milliseconds of the sound's data, including the queue; the lengths below
+    /// count from there. A sound that starts without a channel begins there too. If the position is beyond
+    /// the end, the sound ends as soon as it has begun, as if it had played to its end; a loop wraps around.
+    /// Ignored once the sound runs, and for a sound along a line.
     void SetSoundStartOffset(int id, unsigned long ms);
-    /// What of the sound is a loop, if it loops (StartLooping, or the resource): it plays up to sample frame
-    /// `end`, which is not heard any more, and goes on from sample frame `start` without a gap. So a
-    /// beginning is heard once. An end of 0, or beyond the file, is its end; 0 and 0 is the whole file, as
-    /// without this call. A region that holds nothing counts as the whole file. Takes the place of that of
-    /// the resource. Ignored once the sound runs, and for a sound along a line, which has that of its
-    /// resource.
+    /// Sets the loop region of a sound that loops (StartLooping, or the resource): it plays up to, but not
+    /// including, sample frame `end` and continues at sample frame `start` without a gap, so an intro is
+    /// played once. An end of 0, or beyond the file, means the end of the file; 0 and 0 select the whole
+    /// file, as without this call. An empty region counts as the whole file. Replaces the resource's region.
+    /// Ignored once the sound runs, and for a sound along a line, which uses that of its resource.
     void SetSoundLoopRegion(int id, int start, int end);
     /// Each time the sound gets a channel it fades in over `ms` milliseconds. Has no effect on a
     /// sound along a line.
@@ -207,18 +209,18 @@ public:
     unsigned long GetFrequency(int id);
     /// Milliseconds; unknownLength until the file has been opened.
     unsigned long GetSoundLength(int id);
-    /// Milliseconds still to come, the queue included; unknownLength for a looping sound.
+    /// Milliseconds left to play, including the queue; unknownLength for a looping sound.
     unsigned long GetRemainLength(int id);
     /// Milliseconds already played.
     unsigned long GetCurrentLength(int id);
-    /// For positional sounds, those along a line included; world units.
+    /// For positional sounds, including those along a line; world units.
     void SetSoundMinMaxDistance(int id, float minDistance, float maxDistance, bool cutout);
 
     /// These are for positional sounds that are not along a line. The place is in world units, in the space
     /// of the node to which the sound is attached. The angles are in degrees, the gain is linear.
     void SetSoundCone(int id, float inner, float outer, float coneGain);
-    /// How much of the Doppler effect the sound has, beside SoundSystem::SetDopplerFactor(): a factor,
-    /// clamped to 0.0 to 10.0; NaN changes nothing. At the start it is 1.0; 0.0 for any other sound.
+    /// Factor on the sound's Doppler effect, in addition to SoundSystem::SetDopplerFactor(): clamped to
+    /// 0.0..10.0; NaN is ignored. Initially 1.0; the getter returns 0.0 for any other sound.
     void SetSoundDoppler(int id, float factor);
     float GetSoundDoppler(int id) const;
     void SetSoundPosition(int id, const Vector3& position);
@@ -227,15 +229,15 @@ public:
     void SetSoundOrientation(int id, const Quaternion& orientation);
     /// The node's local orientation; the identity for any other sound.
     Quaternion GetSoundOrientation(int id);
-    /// Which axis of the node is the direction of the cone, also for a sound along a line: see
+    /// Selects the node's axis that is the direction of the cone, also for a sound along a line: see
     /// Snd3D::BindAxisToDirection(). An axis of -3 does nothing.
     void BindSoundAxisToDirection(int id, int axis);
-    /// Where the sources of a sound along a line now are, the nearest to the listener first: stores up to
-    /// `most` places and returns how many. For drawing them; 0 for any other sound.
-    int GetSoundPlaces(int id, Vector3* places, int most) const;
+    /// Stores up to `maxPlaces` current positions of the sources of a sound along a line, the nearest to the
+    /// listener first, and returns their number. Meant for drawing them; returns 0 for any other sound.
+    int GetSoundPlaces(int id, Vector3* places, int maxPlaces) const;
 
-    /// A snapshot for tools: whether the sound is heard, and if not, why. For any sound, whatever its group;
-    /// the id in it is 0 if there is no such sound.
+    /// Returns a snapshot for tools: whether the sound is audible, and if not, why. Works for any sound,
+    /// whatever its group; the snapshot's id is 0 if there is no such sound.
     static SoundState GetState(int id);
 
     /// Effects of one sound: see SndBase.
@@ -264,19 +266,19 @@ public:
 
     /// The gain of the group.
     float GetGain() const { return gain; }
-    /// Linear, clamped to 0.0 to 1.0; NaN changes nothing. Sounds that are heard follow at once.
+    /// Linear, clamped to 0.0..1.0; NaN is ignored. Applied to audible sounds at once.
     void SetGain(float newGain);
-    /// The low-pass of all sounds of the group, those to come included: see SetSoundLowPass().
+    /// The low-pass of all sounds of the group, including those added later: see SetSoundLowPass().
     void SetLowPass(float gainHF);
     float GetLowPass() const { return lowPass; }
-    /// Pauses all sounds of the group, those to come included: see PauseSound().
+    /// Pauses all sounds of the group, including those added later: see PauseSound().
     void Pause() { SetPaused(true); }
     void Resume() { SetPaused(false); }
     bool IsPaused() const { return paused; }
-    /// The axis that new positional sounds get; those that exist keep theirs.
+    /// Sets the axis of new positional sounds; existing ones keep theirs.
     void BindAxisToDirection(int axis) { defaultAxis = axis; }
-    /// Milliseconds of a sound, without making one; 0 if its file cannot be opened. Of a definition with
-    /// variants that of its "*FILE".
+    /// Returns the length of a sound in milliseconds without creating it; 0 if its file cannot be opened. For
+    /// a definition with variants it is that of its "*FILE".
     static unsigned long CalcSoundLength(const PString& name, const ResourceDatabase* db);
 
 private:
@@ -289,13 +291,13 @@ private:
     void OnBufferFree(int soundID, void* buffer);
 
     int New3DSound(const PString& name, const ResourceDatabase* db, bool ignorePlacement);
-    // These throw when there is no memory, and have then made nothing.
+    // These throw when memory runs out, and have created nothing then.
     int Make2DSound(const PString& name, const ResourceDatabase* db);
     int Make3DSound(const PString& name, const ResourceDatabase* db, bool ignorePlacement);
     int MakePolyline(
         Snd3D& main, const Vector3* points, unsigned int numPoints, unsigned int numSources, float minAngle);
     bool AppendFile(int id, const PString& name, const ResourceDatabase* db);
-    /// Makes a positional sound that has just been made the main source of a line; returns the line's id.
+    /// Makes a newly created positional sound the main source of a line; returns the line's id.
     int NewPolylineSound(int soundID, const Vector3* points, unsigned int numPoints,
         unsigned int numAddSounds, float minAngle);
     bool StartPolyline(SndPolyline& line);
@@ -304,7 +306,7 @@ private:
     Snd3D* FindPlaced3D(int id) const;
     SndBase* FindForCat(int id) const;
     bool CanMakeSounds() const;
-    /// Enters the sound in the kernel's table, with this object as its parent; returns its id.
+    /// Adds the sound to the kernel's table with this object as its parent; returns its id.
     int AddSound(SndBase* instance);
     int AddMemorySound(std::unique_ptr<SndBase> instance, SndFile* file);
     void SetPaused(bool on);

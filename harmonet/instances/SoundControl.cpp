@@ -1,4 +1,4 @@
-// How a group starts, stops and continues its sounds.
+// Starting, stopping and continuing a group's sounds.
 
 #include "harmonet/definitions/SoundResource.h"
 #include "harmonet/engine/Messages.h"
@@ -81,7 +81,7 @@ void ReportRefused(int id, const char* what, const char* reason)
     Report(MessageLevel::Error, "sound ", id, " ", what, ": ", reason);
 }
 
-// A sound that was started without StartQueued has no place for more data.
+// A sound that was started without StartQueued does not accept more data.
 bool MayAppend(const SndBase& sound)
 {
     if (!sound.GetSndFile() && (sound.IsPlaying() || sound.GetFileName().IsEmpty())) {
@@ -111,7 +111,7 @@ bool OpenHead(SndBase& sound)
     return true;
 }
 
-// Takes over the file, or deletes it.
+// Takes ownership of the file, or deletes it on failure.
 bool Append(SndBase& sound, SndFile* file)
 {
     if (!file) {
@@ -119,7 +119,7 @@ bool Append(SndBase& sound, SndFile* file)
     }
     if (!HaveSameForm(*file, *sound.GetSndFile())) {
         ReportRefused(sound.GetSoundID(), notContinued,
-            "the data have another rate, width or number of channels than those it continues");
+            "the rate, sample size or number of channels of the data differs from the sound's");
         delete file;
         return false;
     }
@@ -142,8 +142,8 @@ bool Sound::StartSound(int id, int flags)
 bool Sound::StartSound(SndBase& sound, int flags)
 {
     const int id = sound.GetSoundID();
-    if (sound.IsBeingTold() || sound.IsPlaying() || sound.GetSndChannel()) {
-        ReportRefused(id, notStarted, "it plays already, or is ending");
+    if (sound.IsInNotification() || sound.IsPlaying() || sound.GetSndChannel()) {
+        ReportRefused(id, notStarted, "it is already playing, or is ending");
         return false;
     }
     if ((flags & StartLooping) && sound.HasAnyFlag(FlagQueued)) {
@@ -159,7 +159,7 @@ bool Sound::StartSound(SndBase& sound, int flags)
         return sound.IsPolyline() ? StartPolyline(static_cast<SndPolyline&>(sound))
                                   : theKernel->PlaySound(&sound);
     });
-    // The definition stays as long as the kernel, which does not go while observers are notified.
+    // The definition exists as long as the kernel, which is not deleted during a notification.
     if (definition && !isStarted) {
         SndKernel::CancelStart(*definition, id);
     }
@@ -169,7 +169,7 @@ bool Sound::StartSound(SndBase& sound, int flags)
 void Sound::StopSound(int id)
 {
     SndBase* sound = FindSound(id);
-    if (sound && !sound->IsBeingTold()) {
+    if (sound && !sound->IsInNotification()) {
         delete sound;
     }
 }
@@ -177,7 +177,7 @@ void Sound::StopSound(int id)
 void Sound::DeleteSound(int id)
 {
     SndBase* sound = FindSound(id);
-    if (!sound || sound->IsBeingTold()) {
+    if (!sound || sound->IsInNotification()) {
         return;
     }
     theKernel->UnregisterSound(sound);
@@ -226,7 +226,7 @@ bool Sound::IsSoundPaused(int id) const
 bool Sound::FadeOutSound(int id, unsigned int ms)
 {
     SndBase* sound = FindSound(id);
-    return sound && !sound->IsBeingTold() && sound->FadeOut(static_cast<int>(ms));
+    return sound && !sound->IsInNotification() && sound->FadeOut(static_cast<int>(ms));
 }
 
 int Sound::Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay)
@@ -283,8 +283,8 @@ int Sound::Play3DSound(const Vector3& position, const PString& name, const Resou
     });
 }
 
-// Sets up a sound that has just been made and starts it, or deletes it; returns its id or 0. The code of a
-// resource can have ended or started it already.
+// Sets up a new sound and starts it, or deletes it on failure; returns its id or 0. The resource's code may
+// already have ended or started it.
 template<class SetUp>
 int Sound::Play(int id, int flags, int priority, int delay, SetUp setUp)
 {
@@ -338,7 +338,7 @@ bool Sound::AppendFile(int id, const PString& name, const ResourceDatabase* db)
     PString ownerName;
     if (db) {
         TakenResource resource(name, *db, lookupMode);
-        // Whoever heard of the load may have ended the system, or the sound.
+        // An observer of the load may have ended the system, or the sound.
         if (!resource || !theKernel) {
             return false;
         }

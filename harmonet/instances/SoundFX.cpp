@@ -1,4 +1,4 @@
-// The effects of a group's sounds: each call finds the sound and hands the record on.
+// The effects of a group's sounds: each call finds the sound and forwards the record.
 
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/instances/Sound.h"

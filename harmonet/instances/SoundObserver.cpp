@@ -16,7 +16,7 @@ SoundObserver& SoundObserver::operator=(const SoundObserver& other)
     return *this;
 }
 
-// Not through `subject`, which names one group at most and, in a copy, perhaps one that is gone.
+// Not through `subject`, which refers to one group at most and may be dangling in a copy.
 SoundObserver::~SoundObserver()
 {
     links.LeaveAll(*this);

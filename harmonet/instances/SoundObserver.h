@@ -8,14 +8,13 @@ namespace Quon
 
 class PString;
 
-/// Base class of game code that wants to hear what becomes of the sounds of a `Sound`. The handlers do
-/// nothing here; override those that matter.
+/// Base class for game code that is notified about the sounds of a `Sound`. The default handlers do nothing;
+/// override the ones you need.
 ///
-/// The handlers are called on the task thread, out of the middle of other work. They may start, stop, fade
-/// and delete any other sounds, add and remove observers, and destroy the observer itself. They must not
-/// stop, delete or fade out the sound that they are being told about (such a call does nothing) and must not
-/// destroy the `Sound`. The sound system is neither updated nor ended from inside a handler: such a call does
-/// nothing either.
+/// The handlers are called on the task thread, from within other operations. They may start, stop, fade and
+/// delete any other sounds, add and remove observers, and destroy the observer itself. They must not stop,
+/// delete or fade out the sound of the notification (such a call does nothing) and must not destroy the
+/// `Sound`. A call from a handler that updates or ends the sound system does nothing either.
 class HARMONET_API SoundObserver
 {
 public:
@@ -23,27 +22,28 @@ public:
     /// Copies `subject` alone. The copy is in no list, and `subject` is not cleared when that `Sound` is
     /// destroyed.
     SoundObserver(const SoundObserver& other);
-    /// Copies `subject` alone. The observer stays in the lists in which it is.
+    /// Copies `subject` alone. The observer stays in its lists.
     SoundObserver& operator=(const SoundObserver& other);
 
-    /// Leaves every `Sound` to which it was added. An observer can be destroyed at any time.
+    /// Removes the observer from every `Sound` to which it was added. An observer can be destroyed at any
+    /// time.
     virtual ~SoundObserver();
     /// The `Sound` is being destroyed; the observer is no longer linked to it.
     virtual void OnShutDown();
-    /// The sound starts for the first time. Can come before the game has the id, from inside the call that
-    /// starts the sound. A sound that never started tells it at its end, right before OnSoundAbort(). The
-    /// name is empty for a sound in memory. The sources of a sound along a line call it too, under ids that
-    /// the game has not been given and that get no other notification.
+    /// The sound starts for the first time. Can be called before the game has the id, from within the call
+    /// that starts the sound. For a sound that never started it is called at its end, right before
+    /// OnSoundAbort(). The name is empty for a sound in memory. It is also called for the sources of a sound
+    /// along a line, with ids that the game does not know and that get no other notification.
     virtual void OnSoundBegin(int soundID, const PString& fileName);
-    /// The sound ends with something left, or never started. `remaining` is what was left in milliseconds,
-    /// the queue included; -1 for a looping sound, or when the length was not yet known. Called during an
-    /// update, a handler that starts a sound with StartImmediately can take the channel that the update has
-    /// given to another sound, which then ends.
+    /// The sound ends before its data, or never started. `remaining` is what was left in milliseconds, the
+    /// queue included; -1 for a looping sound, or when the length was not yet known. If a handler called
+    /// during an update starts a sound with StartImmediately, that sound can take the channel that the update
+    /// has assigned to another sound, which then ends.
     virtual void OnSoundAbort(int soundID, const PString& fileName, int remaining);
-    /// The sound ends and nothing of it was left.
+    /// The sound has played to its end.
     virtual void OnSoundEnd(int soundID, const PString& fileName);
-    /// The block of memory that was lent to a sound is no longer in use and may be freed or used again. Can
-    /// come while the lock of the sound's channel is held; the handler may append more data to that sound.
+    /// The sound no longer uses the block of memory, which may be freed or reused. Can be called while the
+    /// lock of the sound's channel is held; the handler may append more data to that sound.
     virtual void OnBufferFree(int soundID, void* buffer);
 
     /// The `Sound` to which this observer was last added. Null after it has been removed from any `Sound`, or

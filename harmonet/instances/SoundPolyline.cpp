@@ -1,4 +1,4 @@
-// How a group makes and starts sounds along a line.
+// Creating and starting a group's sounds along a line.
 
 #include "harmonet/engine/Messages.h"
 #include "harmonet/instances/OrNothing.h"
@@ -18,13 +18,13 @@ namespace Quon
 namespace
 {
 
-constexpr unsigned int mostAddSounds = 7;
+constexpr unsigned int maxAddSounds = 7;
 constexpr float minUsefulAngle = 10.0F;
 constexpr float halfTurn = 180.0F;
 constexpr float fullTurn = 360.0F;
 constexpr int samplesApart = 1000;
 
-// A little less than was asked for, so that sources need not stand at exact divisions of the circle.
+// Slightly less than requested, so that sources need not be at exact divisions of the circle.
 float EaseAngle(float angle)
 {
     struct Step
@@ -42,7 +42,7 @@ float EaseAngle(float angle)
 
 SourceLimits LimitSources(unsigned int numAddSounds, float minAngle)
 {
-    numAddSounds = std::min(numAddSounds, mostAddSounds);
+    numAddSounds = std::min(numAddSounds, maxAddSounds);
     float angle = std::isfinite(minAngle) ? std::fabs(minAngle) : 0.0F;
     if (angle < minUsefulAngle) {
         numAddSounds = 0;
@@ -50,9 +50,10 @@ SourceLimits LimitSources(unsigned int numAddSounds, float minAngle)
     else {
         angle = std::fmod(angle, halfTurn);
     }
-    const float most = angle > 0.0F ? std::trunc(fullTurn / angle) : std::numeric_limits<float>::infinity();
-    if (static_cast<float>(numAddSounds) >= most) {
-        numAddSounds = static_cast<unsigned int>(most) - 1;
+    const float maximum =
+        angle > 0.0F ? std::trunc(fullTurn / angle) : std::numeric_limits<float>::infinity();
+    if (static_cast<float>(numAddSounds) >= maximum) {
+        numAddSounds = static_cast<unsigned int>(maximum) - 1;
     }
     return {numAddSounds, EaseAngle(angle)};
 }
@@ -60,9 +61,9 @@ SourceLimits LimitSources(unsigned int numAddSounds, float minAngle)
 int Sound::New3DSound(const Vector3* points, unsigned int numPoints, const PString& name,
     const ResourceDatabase* db, unsigned int numAddSounds, float minAngle)
 {
-    constexpr unsigned int mostPoints = std::numeric_limits<int>::max();
-    if (!points || numPoints == 0 || numPoints > mostPoints) {
-        Report(MessageLevel::Error, "sound '", name, "' cannot be made along a line of ",
+    constexpr unsigned int maxPoints = std::numeric_limits<int>::max();
+    if (!points || numPoints == 0 || numPoints > maxPoints) {
+        Report(MessageLevel::Error, "sound '", name, "' cannot be created along a line of ",
             points ? numPoints : 0, " points");
         return 0;
     }
@@ -77,7 +78,7 @@ int Sound::NewPolylineSound(
     if (!main) {
         return 0;
     }
-    // The resource's own code has started it as it is.
+    // The resource's code has already started it.
     if (main->IsPlaying() || theKernel->IsListed(*main)) {
         return soundID;
     }
@@ -93,7 +94,7 @@ int Sound::NewPolylineSound(
 int Sound::MakePolyline(
     Snd3D& main, const Vector3* points, unsigned int numPoints, unsigned int numSources, float minAngle)
 {
-    // Deletes the copies, which nobody has heard of, should the line not come about.
+    // Deletes the unpublished copies if the line cannot be created.
     struct SourceIDs
     {
         Sound& group;
@@ -133,7 +134,7 @@ bool Sound::StartPolyline(SndPolyline& line)
     for (int i = 0; i < line.GetNumSounds(); ++i) {
         const int sourceID = static_cast<int>(line.GetSourceID(i));
         SndBase* source = FindSound(sourceID);
-        // It runs already if an earlier start has failed half-way.
+        // It is already running if an earlier start has failed half-way.
         if (!source || source->IsPlaying()) {
             continue;
         }
@@ -151,10 +152,11 @@ bool Sound::StartPolyline(SndPolyline& line)
     return theKernel->EmulateSound(&line);
 }
 
-int Sound::GetSoundPlaces(int id, Vector3* places, int most) const
+int Sound::GetSoundPlaces(int id, Vector3* places, int maxPlaces) const
 {
     const SndBase* sound = FindSound(id);
-    return sound && sound->IsPolyline() ? static_cast<const SndPolyline*>(sound)->GetPlaces(places, most) : 0;
+    return sound && sound->IsPolyline() ? static_cast<const SndPolyline*>(sound)->GetPlaces(places, maxPlaces)
+                                        : 0;
 }
 
 } // namespace Quon

@@ -34,7 +34,7 @@ bool IsSoundName(std::string_view name)
     return endsWith(".wav") || endsWith(".mp3");
 }
 
-// A file whose length the system does not tell is one that cannot be loaded.
+// A file whose length cannot be determined cannot be loaded.
 SndNode* Hold(SndNodeCache& cache, const PString& owner, const PString& fileName)
 {
     try {
@@ -119,7 +119,7 @@ bool SoundPreload::AddOne(const PString& name, const ResourceDatabase* db)
 bool SoundPreload::AddResource(const PString& name, const ResourceDatabase& db)
 {
     const TakenResource taken(name, db, lookupMode);
-    // Whoever heard of the load may have ended the system.
+    // An observer of the load may have ended the system.
     if (!taken || !IsCurrent()) {
         return false;
     }
@@ -137,7 +137,7 @@ bool SoundPreload::AddResource(const PString& name, const ResourceDatabase& db)
 
 bool SoundPreload::AddFile(const PString& owner, const PString& fileName)
 {
-    // What can fail for want of memory comes before the hold.
+    // Allocate before the hold.
     if (nodes.size() == nodes.capacity()) {
         nodes.reserve(2 * nodes.size() + 8);
     }

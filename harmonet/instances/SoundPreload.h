@@ -14,58 +14,59 @@ class Resource;
 class ResourceDatabase;
 struct SndNode;
 
-/// Sounds that a game loads when it chooses, as for a level, and keeps in memory until it releases them. No
-/// start of such a sound reads a file, be it a sound effect or music, from a definition or a plain file.
+/// A set of sounds that a game loads in advance, for example for a level, and keeps in memory until it
+/// releases them. Starting such a sound does not read a file, whether it is a sound effect or music, from a
+/// definition or a plain file.
 ///
-/// Definitions are parsed and kept, with all their variants. The data lie in the data cache as they stand in
-/// the file, so compressed sounds stay compressed. They are kept beside the option "SoundCacheSize", which
-/// bounds what is cached without being preloaded: a game can preload more than that, and the cache keeps its
-/// size. What several sets hold is in memory once.
+/// Definitions are parsed and kept, with all their variants. The data are in the data cache as stored in the
+/// file, so compressed sounds stay compressed. They do not count towards the option "SoundCacheSize", which
+/// limits only data that are not preloaded: a game can preload more than that without reducing the size of
+/// the cache. Data held by several sets are in memory once.
 ///
-/// Everything happens on the calling thread, which is the task thread, and blocks on the disk. A set belongs
-/// to the sound system that runs: when that stops, its data go, and the set is empty. It may outlive the
-/// system and the database.
+/// Task thread only; the calls block on the disk. A set belongs to the running sound system: when that stops,
+/// its data are freed and the set is empty. It may outlive the system and the database.
 class HARMONET_API SoundPreload : public Allocated
 {
 public:
-    /// How far an operation has got; what it refers to is valid during the call.
+    /// The progress of an operation; its references are valid during the call.
     struct Progress
     {
-        const PString& name; ///< What was dealt with last, loaded or not.
-        std::size_t done; ///< How many names, that one included.
-        std::size_t count; ///< Of so many.
+        const PString& name; ///< The last name processed, whether loaded or not.
+        std::size_t done; ///< Number of names processed, including that one.
+        std::size_t count; ///< Total number of names.
         std::uint64_t bytes; ///< GetBytes().
     };
-    /// Called after each name. False cancels the operation; what has been loaded stays. It must neither use
-    /// the set nor start or stop the sound system.
+    /// Called after each name. Returning false cancels the operation; sounds already loaded stay. It must
+    /// neither use the set nor start or stop the sound system.
     using ProgressCallback = bool (*)(const Progress& progress, void* user);
 
     SoundPreload() = default;
     SoundPreload(const SoundPreload&) = delete;
     SoundPreload& operator=(const SoundPreload&) = delete;
-    /// As Release().
+    /// Same as Release().
     ~SoundPreload();
 
     /// Sets the function that is notified of progress; null for none.
     void SetProgress(ProgressCallback newCallback, void* newUser);
 
-    /// Loads the sound of that name, with all the files it can play: the name of a resource if there is a
-    /// `db`, else that of a file. False if something could not be loaded, or the progress was cancelled; a
-    /// message tells what, and the rest is loaded. Loading what is loaded already changes nothing.
+    /// Loads the sound of that name with all files it can play: the name of a resource if there is a `db`,
+    /// otherwise that of a file. Returns false if something could not be loaded, or the operation was
+    /// cancelled; a message gives the reason, and everything else is loaded. Loading a sound again changes
+    /// nothing.
     bool Add(const PString& name, const ResourceDatabase* db);
-    /// Loads all sounds of a folder and of those below it; "" is everything there is. With a `db`, its
-    /// resources in all folders that were added to it (ResourceDatabase::List()); without, the files of the
-    /// root for plain file names that end with .wav or .mp3. False as above, or if the folder cannot be
-    /// listed. True for one without sounds.
+    /// Loads all sounds of a folder and its subfolders; "" means everything. With a `db`, these are its
+    /// resources in all folders added to it (ResourceDatabase::List()); without, the files with the
+    /// extensions .wav and .mp3 in the root for plain file names. Returns false as above, or if the folder
+    /// cannot be listed; true if it has no sounds.
     bool AddFolder(const char* folder, const ResourceDatabase* db);
 
     /// Releases everything. Data that fit into the free part of "SoundCacheSize" stay cached and can be
-    /// evicted like any; the rest is freed. Sounds that play go on.
+    /// evicted like any others; the rest is freed. Playing sounds continue.
     void Release();
 
     /// Bytes of sound data in memory through this set.
     std::uint64_t GetBytes() const;
-    /// How many sound files these are.
+    /// Number of these sound files.
     std::size_t GetFileCount() const;
 
 private:
@@ -77,7 +78,7 @@ private:
 
     ProgressCallback callback = nullptr;
     void* user = nullptr;
-    std::uint32_t cacheSerial = 0; ///< Of the cache that has the data; another one knows nothing of them.
+    std::uint32_t cacheSerial = 0; ///< Serial of the cache that holds the data.
     std::uint64_t bytes = 0;
     EngineVector<SndNode*> nodes; ///< Each held once.
     EngineVector<const Resource*> resources; ///< With a reference on each.

@@ -1,4 +1,4 @@
-// What a group sets on its sounds and asks of them.
+// Settings and queries of a group's sounds.
 
 #include "harmonet/engine/Messages.h"
 #include "harmonet/instances/SndPolyline.h"
@@ -121,9 +121,9 @@ bool Sound::SetFrequency(int id, unsigned long hz)
     }
     const bool isSet = (hz == 0 || (hz >= minFrequencyHz && hz <= maxFrequencyHz)) && sound->SetFrequency(hz);
     if (!isSet) {
-        Report(MessageLevel::Error, "sound ", id, " does not get the rate ", hz, " Hz: the range is ",
+        Report(MessageLevel::Error, "sound ", id, " cannot be set to ", hz, " Hz: the range is ",
             minFrequencyHz, " to ", maxFrequencyHz,
-            ", a sound with effects has none, and one that plays needs StartChgFrequency");
+            ", a sound with effects has a fixed rate, and a playing one needs StartChgFrequency");
     }
     return isSet;
 }

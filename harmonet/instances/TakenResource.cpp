@@ -7,19 +7,19 @@
 namespace Quon
 {
 
-// By way of the other constructor, so that the reference goes back if the load throws.
+// Delegates to the other constructor, so that the reference is released if the load throws.
 TakenResource::TakenResource(const PString& name, const ResourceDatabase& database, int mode)
     : TakenResource()
 {
     const Resource* resource = database.Lookup(name, mode);
     if (!resource) {
         Report(MessageLevel::Error, "resource '", name,
-            "' is not there: no folder has a file of this name, or no type of resource takes its ending");
+            "' does not exist: no folder has a file of this name, or no resource type has its extension");
         return;
     }
     sound = dynamic_cast<const SoundResource*>(resource);
     if (!sound) {
-        Report(MessageLevel::Error, "resource '", name, "' is no sound");
+        Report(MessageLevel::Error, "resource '", name, "' is not a sound");
         resource->ReleaseReference();
         return;
     }

@@ -7,23 +7,23 @@ class PString;
 class ResourceDatabase;
 class SoundResource;
 
-/// A sound's resource that has been looked up and locked. Unlocks it and gives the reference back at the end
-/// of its life. Task thread only.
+/// A sound's resource that has been looked up and locked. The destructor unlocks it and releases the
+/// reference. Task thread only.
 class TakenResource
 {
 public:
-    /// `mode` goes to ResourceDatabase::Lookup().
+    /// `mode` is passed to ResourceDatabase::Lookup().
     TakenResource(const PString& name, const ResourceDatabase& database, int mode);
     ~TakenResource();
     TakenResource(const TakenResource&) = delete;
     TakenResource& operator=(const TakenResource&) = delete;
 
-    /// False when there is no such resource, it is no sound, or it could not be loaded.
+    /// False if there is no such resource, it is not a sound, or it could not be loaded.
     explicit operator bool() const { return isLocked; }
     const SoundResource* operator->() const { return sound; }
     const SoundResource& operator*() const { return *sound; }
 
-    /// Unlocks ahead of time; the reference stays.
+    /// Unlocks early; the reference is kept.
     void Unlock();
 
 private:

@@ -1,4 +1,4 @@
-// How channels are shared out when more sounds ask for one than there may be: gather, decide, carry out.
+// Allocation of channels when more sounds compete than may be audible: gather, decide, apply.
 
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundWalk.h"
@@ -13,7 +13,7 @@ namespace
 
 constexpr ListID contenderLists[] = {ListID::Playing, ListID::Emulated, ListID::Waiting};
 
-// The traits are where the flags and marks are, but for one.
+// All traits but one have the same bits as the flags and marks.
 std::uint16_t GetTraits(const SoundRow& row)
 {
     constexpr std::uint32_t asFlags = TraitMusic | TraitInRange | TraitLine;
@@ -30,7 +30,7 @@ std::uint16_t GetTraits(const SoundRow& row)
 
 void SndKernel::Allocate()
 {
-    // The sorted insertions that follow compare with the multipliers, whoever has switched that off.
+    // The following sorted insertions must compare with the multipliers, even if that has been disabled.
     SndBase::SetCompareUsingMultiplier(true);
     contenders.clear();
     ContenderCounts counts{};
@@ -58,7 +58,7 @@ void SndKernel::Allocate()
     }
     TakeChosen();
 
-    // Running sounds that an exception keeps from being dealt with go back to the lists.
+    // If an exception is thrown, running sounds that have not been handled return to the lists.
     struct ChosenScope
     {
         ~ChosenScope() { kernel.GiveBackChosen(); }
@@ -70,22 +70,21 @@ void SndKernel::Allocate()
     EmulateWaiting();
 }
 
-// Appends the sounds of that list; returns how many.
+// Appends the sounds of that list; returns their number.
 std::size_t SndKernel::GatherContenders(ListID id)
 {
-    constexpr std::uint32_t mostStateTime = 0xFFFF;
+    constexpr std::uint32_t maxStateTime = 0xFFFF;
     const std::size_t first = contenders.size();
     contenders.resize(first + static_cast<std::size_t>(GetList(id).GetCount()));
     Contender* contender = contenders.data() + first;
     GetList(id).Compact([&](const SoundRow& row) {
         *contender++ = {row.priority, row.distSqr, row.nameNumber,
-            static_cast<std::uint16_t>(std::min(row.stateTimeMs, mostStateTime)), GetTraits(row)};
+            static_cast<std::uint16_t>(std::min(row.stateTimeMs, maxStateTime)), GetTraits(row)};
     });
     return contenders.size() - first;
 }
 
-// Gives the sounds of a list, of which `first` is the first contender, what was decided about each, and puts
-// them in order.
+// Applies the decisions to the sounds of a list, whose first contender is `first`, and sorts them.
 void SndKernel::TakeOver(ListID id, std::size_t first)
 {
     const std::span<SndList::Entry> entries = GetList(id).Compact();
@@ -103,7 +102,7 @@ void SndKernel::TakeOver(ListID id, std::size_t first)
     GetList(id).SetInOrder();
 }
 
-// The chosen leave their lists, and the best of the others move in front of their equals.
+// Removes the chosen sounds from their lists, and moves the best of the others before their equals.
 void SndKernel::TakeChosen()
 {
     for (const std::uint32_t row : decision.chosen) {
@@ -130,11 +129,11 @@ void SndKernel::GiveBackChosen()
     }
 }
 
-// Everything that is still on the playing list has lost. From the head: the least important goes first, so
-// that what an observer starts in answer does not compete with sounds that are about to go.
+// Every sound that is still on the playing list has lost. From the head: the least important is removed
+// first, so that a sound started by an observer does not compete with sounds about to be removed.
 void SndKernel::EmulateLosers()
 {
-    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::PassOver);
+    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
     while (const SoundRow* row = walk.Next()) {
         SndBase& sound = *row->sound;
         Unlist(sound);
@@ -142,7 +141,7 @@ void SndKernel::EmulateLosers()
             Insert(sound, ListID::Emulated);
         }
         else {
-            DeleteUnheard(sound);
+            DeleteInaudible(sound);
         }
     }
 }
@@ -161,11 +160,11 @@ void SndKernel::StartChosen()
     }
 }
 
-// What still waits has lost for now. A sound that may not be emulated is so here all the same, whatever its
-// length; only one that may has to have enough left.
+// Sounds that still wait have lost for now. A sound with StartNoEmulation becomes virtual here too, whatever
+// its length; any other must have enough left.
 void SndKernel::EmulateWaiting()
 {
-    SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::PassOver);
+    SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
     while (const SoundRow* row = walk.Next()) {
         if (row->HasMark(RowDelayed)) {
             continue;
@@ -174,7 +173,7 @@ void SndKernel::EmulateWaiting()
         Unlist(sound);
         const bool isWanted = !sound.IsEmulation() || IsLongEnough(sound);
         if (!isWanted || !EmulateSound(&sound)) {
-            DeleteUnheard(sound);
+            DeleteInaudible(sound);
         }
     }
 }

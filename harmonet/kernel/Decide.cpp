@@ -38,7 +38,7 @@ SoundReason WhyIneligible(const Contender& contender)
     return contender.traits & TraitInRange ? SoundReason::Settling : SoundReason::BeyondReach;
 }
 
-/// One decision under way.
+/// A decision in progress.
 struct Allocation
 {
     std::span<const Contender> contenders;
@@ -53,11 +53,11 @@ struct Allocation
     }
 };
 
-/// The eligible sounds of one list, the best first.
+/// Iterates over the eligible sounds of one list, the best first.
 class Candidates
 {
 public:
-    /// `newListed` are the contenders of the list that `newRanked` has in order.
+    /// `newListed` are the contenders of the list; `newRanked` is their sorted order.
     Candidates(const Allocation& newAllocation, std::span<const Contender> newListed,
         std::span<const ImportanceSort::Item> newRanked)
         : allocation(newAllocation)
@@ -102,7 +102,7 @@ private:
         return Decision::nobody;
     }
 
-    /// Goes to the next run of equals towards the head; false when there is none.
+    /// Moves to the next run of equals towards the head; returns false if there is none.
     bool BeginRun()
     {
         if (runBegin == 0) {
@@ -119,10 +119,10 @@ private:
 
     const Allocation& allocation;
     std::span<const ImportanceSort::Item> ranked; ///< The least important first.
-    std::size_t musicPlace; ///< Where to look for music, towards the tail.
+    std::size_t musicPlace; ///< Start of the search for music, towards the tail.
     std::size_t runBegin;
     std::size_t runEnd;
-    std::size_t place; ///< In the run at hand.
+    std::size_t place; ///< Position in the current run.
     std::uint32_t best = Decision::nobody;
 };
 
@@ -167,7 +167,7 @@ void ProtectYoung(Allocation& allocation, std::span<const ImportanceSort::Item> 
     }
 }
 
-/// Says why the others lost, measured by the least important of those that won.
+/// Sets the reasons of the losers, compared with the least important winner.
 void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
 {
     Decision& decision = allocation.decision;
@@ -187,7 +187,7 @@ void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
             reason = WhyIneligible(contender);
             continue;
         }
-        // Without branches: what comes next is like a throw of dice.
+        // Branchless: the outcome is unpredictable.
         const bool isLower = !anyWon | (contender.priority < priority);
         const bool isNearer = (contender.priority > priority) | (contender.distSqr < distance);
         const bool isDuplicate = isNearer & (decision.multipliers[number] > 1.0F);
@@ -197,7 +197,7 @@ void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
     }
 }
 
-/// The candidates merged until the limit is reached.
+/// Merges the candidates until the limit is reached.
 void ChooseBest(Allocation& allocation, std::span<Candidates, numContenderLists> lists, int limit)
 {
     Decision& decision = allocation.decision;

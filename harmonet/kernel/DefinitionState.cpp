@@ -13,19 +13,19 @@ namespace
 
 constexpr double decibelsPerDecade = 20.0;
 
-double Between(double least, double most, double part)
+double Between(double minimum, double maximum, double part)
 {
-    return least + (most - least) * part;
+    return minimum + (maximum - minimum) * part;
 }
 
 } // namespace
 
 unsigned long ScaleFrequency(int hz, float factor)
 {
-    constexpr double leastHz = 100.0;
-    constexpr double mostHz = 100000.0;
+    constexpr double minHz = 100.0;
+    constexpr double maxHz = 100000.0;
     const double scaled = std::round(static_cast<double>(hz) * static_cast<double>(factor));
-    return hz > 0 ? static_cast<unsigned long>(std::clamp(scaled, leastHz, mostHz)) : 0;
+    return hz > 0 ? static_cast<unsigned long>(std::clamp(scaled, minHz, maxHz)) : 0;
 }
 
 DefinitionState::DefinitionState(std::uint64_t seed, const PString& newName, const PString& owner)
@@ -52,7 +52,7 @@ PString DefinitionState::ChooseFile(const SoundResource& resource)
     if (count == 1) {
         return resource.GetFileName();
     }
-    // The definition may have been loaded again with fewer of them.
+    // The definition may have been reloaded with fewer files.
     if (lastFile && *lastFile >= count) {
         lastFile.reset();
     }
@@ -80,9 +80,9 @@ float DefinitionState::ChooseGain(const SoundResource& resource)
         return gain;
     }
     const double decibels = Between(variation.minGainDb, variation.maxGainDb, random.NextUnit());
-    // A gain out of range counts as 1, as everywhere.
+    // As everywhere, a gain out of range counts as 1.
     const double base = gain >= 0.0F && gain <= 1.0F ? static_cast<double>(gain) : 1.0;
-    // On a grid, since the last digit of a power differs from platform to platform.
+    // Rounded to a grid, since the last digit of a power differs between platforms.
     constexpr double grid = 65536.0;
     const double varied = base * std::pow(10.0, decibels / decibelsPerDecade);
     return static_cast<float>(std::min(std::round(varied * grid) / grid, 1.0));

@@ -15,10 +15,10 @@ namespace Quon
 
 class SoundResource;
 
-/// A rate times a factor, in whole Hz and clamped to what a sound can have, 100 to 100000; 0 for no rate.
+/// A rate times a factor, in whole Hz and clamped to the range of a sound, 100 to 100000; 0 for no rate.
 unsigned long ScaleFrequency(int hz, float factor);
 
-/// What a sound is to take of its definition at one start.
+/// The values that a definition selects for one start of a sound.
 struct SoundChoice
 {
     PString fileName;
@@ -26,7 +26,7 @@ struct SoundChoice
     float frequencyFactor = 1.0F; ///< For the rate of the definition or of the file.
 };
 
-/// What the kernel remembers of one sound definition from start to start. Task thread only.
+/// The kernel's state of one sound definition between starts. Task thread only.
 class DefinitionState : public Allocated
 {
 public:
@@ -35,10 +35,10 @@ public:
     const PString& GetName() const { return name; }
     SoundChoice Choose(const SoundResource& resource);
 
-    SoundLimits limits; ///< As of the last sound that was made.
-    EngineVector<int> running; ///< Ids of the sounds that count, in the order of their starts.
+    SoundLimits limits; ///< As of the last sound created.
+    EngineVector<int> running; ///< Ids of the counted sounds, in the order of their starts.
     std::optional<std::int64_t> lastStart; ///< Microseconds of game time.
-    std::optional<std::int64_t> startBefore; ///< The one before, for when that one fails.
+    std::optional<std::int64_t> startBefore; ///< The previous one, for the case that the last start fails.
     int lastStarted = 0; ///< The sound of that start.
     bool isGivingWay = false; ///< An instance is being ended for a new one.
 
@@ -50,19 +50,19 @@ private:
 
     const PString name;
     RandomSequence random;
-    std::optional<std::size_t> lastFile; ///< Which of the files was taken last.
+    std::optional<std::size_t> lastFile; ///< Index of the file selected last.
 };
 
-/// The states of all definitions that vary or have limits. Each has random numbers of its own, so that a
-/// start of one changes nothing for the others.
+/// The states of all definitions with variation or limits. Each has its own random numbers, so that a start
+/// of one does not affect the others.
 class DefinitionStates
 {
 public:
-    /// For an empty table.
+    /// The table must be empty.
     void SetSeed(std::uint64_t newSeed) { seed = newSeed; }
-    /// The state of a definition, made at the first call; stays until the end of this object.
+    /// Returns the state of a definition, created at the first call; it exists as long as this object.
     DefinitionState& Get(const SoundResource& resource);
-    /// What a start from that resource takes, which is what the resource says for one that varies nothing.
+    /// Selects the values for a start from that resource; without variation these are the resource's own.
     SoundChoice Choose(const SoundResource& resource);
 
 private:

@@ -12,8 +12,8 @@ namespace
 /// An octave down or up.
 constexpr float minPitch = 0.5F;
 constexpr float maxPitch = 2.0F;
-/// Of the speed of sound.
-constexpr float mostVelocity = 0.5F;
+/// Fractions of the speed of sound.
+constexpr float maxVelocity = 0.5F;
 constexpr float leapVelocity = 0.125F;
 
 } // namespace
@@ -63,11 +63,11 @@ float Doppler::CalcPitch(const Vector3& place, const Vector3& velocity, float ow
     if (!std::isfinite(share)) {
         return 1.0F;
     }
-    const float most = mostVelocity * speedOfSound;
+    const float most = maxVelocity * speedOfSound;
     const float away = std::clamp(Dot(way, GetVelocity(listener)) * share, -most, most);
     const float towards = std::clamp(Dot(way, velocity) * share, -most, most);
     const float pitch = (speedOfSound - away) / (speedOfSound - towards);
-    return std::abs(pitch - 1.0F) > leastShift ? std::clamp(pitch, minPitch, maxPitch) : 1.0F;
+    return std::abs(pitch - 1.0F) > minShift ? std::clamp(pitch, minPitch, maxPitch) : 1.0F;
 }
 
 } // namespace Quon

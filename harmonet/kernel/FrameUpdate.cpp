@@ -15,15 +15,15 @@ namespace
 
 constexpr unsigned long minUpdateMs = 40;
 
-// Seconds to whole milliseconds; what is no time at all, or NaN, counts as none.
-std::uint32_t ToMilliseconds(float seconds, double most)
+// Converts seconds to whole milliseconds; negative values and NaN become 0.
+std::uint32_t ToMilliseconds(float seconds, double maximum)
 {
     constexpr double msPerSecond = 1000.0;
     const double ms = static_cast<double>(seconds) * msPerSecond;
-    return ms > 0.0 ? static_cast<std::uint32_t>(std::fmin(ms, most)) : 0;
+    return ms > 0.0 ? static_cast<std::uint32_t>(std::fmin(ms, maximum)) : 0;
 }
 
-// Sets a flag for as long as the object lives, also when an exception passes through.
+// Sets a flag during its lifetime, even if an exception is thrown.
 class FlagScope
 {
 public:
@@ -123,8 +123,8 @@ Vector3 SndKernel::UpdateListener()
     return activeMicrophone->GetGlobalPosition();
 }
 
-// Nodes are asked in the order in which they mostly lie in memory, and not in the order of the lists. This
-// changes nothing but what the rows know: a sound that an observer moves later is asked again.
+// Queries the nodes in their approximate memory order instead of the order of the lists. This only updates
+// the rows: a sound that an observer moves later is queried again.
 void SndKernel::UpdatePlaces(UpdateStep& step)
 {
     step.onlyCounts = true;
@@ -143,7 +143,7 @@ void SndKernel::UpdatePlaces(UpdateStep& step)
     });
 }
 
-// Returns how many waiting sounds are due. Notifies nobody, so that a plain loop will do.
+// Returns the number of waiting sounds that are due. Notifies no observer, so a plain loop is safe.
 int SndKernel::CountDownDelays(const Vector3& listener)
 {
     int due = 0;
@@ -170,13 +170,13 @@ void SndKernel::UpdateEmulated(const UpdateStep& step)
         CountEmulated(step);
         return;
     }
-    SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::PassOver);
+    SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::SkipNewcomers);
     while (SoundRow* row = walk.Next()) {
         if (UpdateVirtual(*row, step)) {
             row->AddStateTime(elapsed);
             continue;
         }
-        // A line ends with its sources, and has no reason of its own.
+        // A line ends with its sources and has no separate reason.
         if (!row->HasAnyFlag(FlagPolyline)) {
             SetReason(*row, SoundReason::TooShort);
         }
@@ -244,7 +244,7 @@ bool SndKernel::UpdateHeard(SoundRow& row, const UpdateStep& step)
 
 void SndKernel::UpdatePlaying(const UpdateStep& step)
 {
-    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::PassOver);
+    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
     while (SoundRow* row = walk.Next()) {
         if (!UpdateHeard(*row, step)) {
             SndBase* sound = row->sound;
@@ -253,7 +253,7 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
             continue;
         }
         row->AddStateTime(elapsed);
-        if (const SoundReason reason = WhyUnheard(*row); reason != SoundReason::None) {
+        if (const SoundReason reason = WhyInaudible(*row); reason != SoundReason::None) {
             LeavePlaying(*row->sound, reason);
         }
         else {
@@ -281,7 +281,7 @@ void SndKernel::LeavePlaying(SndBase& sound, SoundReason reason)
 
 void SndKernel::StartEmulated()
 {
-    SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromHead, SoundWalk::PassOver);
+    SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
     while (SoundRow* row = walk.Next()) {
         if (row->HasAnyFlag(FlagPolyline)) {
             continue;
@@ -298,13 +298,13 @@ void SndKernel::StartEmulated()
 
 void SndKernel::StartWaiting()
 {
-    SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::PassOver);
+    SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
     while (SoundRow* row = walk.Next()) {
         if (row->HasMark(RowDelayed)) {
             SetReason(*row, SoundReason::Delayed);
             continue;
         }
-        const SoundReason reason = WhyUnheard(*row);
+        const SoundReason reason = WhyInaudible(*row);
         if (reason == SoundReason::None) {
             StartOrDelete(*row->sound);
             continue;
@@ -325,8 +325,8 @@ void SndKernel::StartOrDelete(SndBase& sound)
     delete &sound;
 }
 
-// Why a sound may have no channel, be it that it has one; None if it may.
-SoundReason SndKernel::WhyUnheard(const SoundRow& row) const
+// Returns why a sound, even one with a channel, may not have one; None if it may.
+SoundReason SndKernel::WhyInaudible(const SoundRow& row) const
 {
     if (row.HasAnyFlag(FlagInPause)) {
         return SoundReason::Paused;
@@ -337,7 +337,7 @@ SoundReason SndKernel::WhyUnheard(const SoundRow& row) const
     return row.HasAnyFlag(FlagDistGTMax) ? SoundReason::BeyondReach : SoundReason::None;
 }
 
-// The same for one that has lost its channel: it has to come well into its range.
+// The same for a sound that has lost its channel: it must be well inside its range.
 SoundReason SndKernel::WhyNotBack(const SoundRow& row) const
 {
     if (row.HasAnyFlag(FlagInPause)) {

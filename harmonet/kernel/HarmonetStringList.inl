@@ -1,5 +1,5 @@
-// The key strings of the library, as HARMONET_STRING(name, text). Included where that is defined; it is what
-// HarmonetStrings declares and makes, in this order.
+// The key strings of the library, as HARMONET_STRING(name, text). Define that macro before including this
+// file. HarmonetStrings declares and creates the strings in this order.
 #if !defined(HARMONET_STRING)
 #define HARMONET_STRING(name, text)
 #endif

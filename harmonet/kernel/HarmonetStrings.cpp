@@ -3,8 +3,8 @@
 namespace Quon
 {
 
-// Unloading the library destroys the strings from the last to the first; one that is destroyed after the
-// engine's string cache is gone leaves its text alone.
+// Unloading the library destroys the strings in reverse order; a string destroyed after the engine's string
+// cache does not touch its text.
 #define HARMONET_STRING(name, text) PString HarmonetStrings::name;
 #include "harmonet/kernel/HarmonetStringList.inl"
 

@@ -8,18 +8,19 @@ namespace Quon
 
 class SndKernel;
 
-/// The engine's task that keeps the sound system running: once per game frame it hands the time on to the
-/// kernel, which it owns. Made by SoundSystem::Init(); its name in the task list is "HarmonetTask".
+/// The engine task that runs the sound system: once per game frame it passes the elapsed time to the kernel,
+/// which it owns. Created by SoundSystem::Init(); its name in the task list is "HarmonetTask".
 class HARMONET_API HarmonetTask : public Task
 {
 public:
-    /// Takes over the kernel.
+    /// Takes ownership of the kernel.
     explicit HarmonetTask(SndKernel* newKernel);
-    /// As Done(), then leaves the task list.
+    /// Same as Done(), then removes the task from the task list.
     ~HarmonetTask() override;
 
     bool Init(OS* os) override;
-    /// Stops the sound system. The task stays and does nothing. Inside an observer's handler it does nothing.
+    /// Stops the sound system. The task remains in the list and does nothing. Does nothing when called from
+    /// an observer's handler.
     void Done() override;
     UpdateCode Update(float seconds) override;
 

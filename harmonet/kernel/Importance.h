@@ -6,14 +6,14 @@
 namespace Quon
 {
 
-/// The weighted squared distance. A distance of 0 stays 0, however great the weight.
+/// The weighted squared distance. A distance of 0 stays 0, whatever the weight.
 constexpr float WeightDistance(float distSqr, float multiplier)
 {
     return distSqr == 0.0F ? 0.0F : multiplier * distSqr;
 }
 
-/// How important a sound is, as a number: greater is more important, equal is equal. A higher priority comes
-/// first; of equal priorities the smaller distance does. This is the only place that states the order.
+/// The importance of a sound as a number: a greater key is more important. A higher priority comes first;
+/// among equal priorities, a smaller distance does. This is the only place that defines the order.
 constexpr std::uint64_t ImportanceKey(std::int32_t priority, float distance)
 {
     constexpr std::uint32_t signBit = 0x80000000;

@@ -65,7 +65,7 @@ void ImportanceSort::Sort(std::span<Item> items, Keys keys, std::uint32_t first)
     }
 }
 
-// Of the keys without the bits above either half that are the same in all of them.
+// Takes the digits from the keys without the leading bits of each half that are equal in all keys.
 ImportanceSort::Digits ImportanceSort::TakeDigits(std::span<Item> items, Keys keys, std::uint32_t first)
 {
     constexpr int wordBits = 32;
@@ -89,7 +89,7 @@ ImportanceSort::Digits ImportanceSort::TakeDigits(std::span<Item> items, Keys ke
     return {usedBits / 2, usedBits - usedBits / 2, usedBits == allBits};
 }
 
-// A stable sort by the lower digit, and then by the higher one.
+// Stable sorts by the lower digit and then by the higher one.
 void ImportanceSort::Scatter(std::span<Item> items, const Digits& digits)
 {
     const int lowBits = digits.lowBits;

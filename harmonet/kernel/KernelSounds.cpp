@@ -25,10 +25,10 @@ void ReportNotStarted(const SndBase& sound, const char* reason)
 }
 
 constexpr const char* tooFar =
-    "no microphone is active or the sound is beyond its maximum distance, and it cannot run on as a virtual "
-    "voice";
+    "no microphone is active or the sound is beyond its maximum distance, and it cannot continue as a "
+    "virtual voice";
 constexpr const char* noChannel =
-    "it needs a channel now, and all are taken, the driver has none for it, or no microphone is active";
+    "it needs a channel now, but all are in use, the driver has none for it, or no microphone is active";
 
 } // namespace
 
@@ -73,13 +73,13 @@ bool SndKernel::PlaySound(SndBase* sound)
         if (StartImmediately(*sound)) {
             return Traced(*sound, true);
         }
-        // Else it may be gone.
+        // Otherwise it may have been deleted.
         if (!competes) {
             return false;
         }
     }
     sound->SetStateTime(waitingStateTimeMs);
-    // One that has been chosen, and is about to get its channel, is not put back among those that wait.
+    // A chosen sound, which is about to get its channel, must not return to the waiting list.
     if (!IsListed(*sound)) {
         MarkStarted(*sound, false);
         Insert(*sound, ListID::Waiting);
@@ -104,7 +104,7 @@ bool SndKernel::FindLength(SndBase& sound)
     return file != nullptr;
 }
 
-// An update that is running leaves the sound to the next one. `isNow` says that it is to have a channel at
+// A running update ignores the sound until the next one. `isNow` says that it is to have a channel at
 // once: the machine's clock, which takes longer to read than all the rest, is not asked then.
 void SndKernel::MarkStarted(SndBase& sound, bool isNow)
 {
@@ -119,7 +119,7 @@ void SndKernel::MarkStarted(SndBase& sound, bool isNow)
     }
 }
 
-// During an update its time has been handed on already.
+// During an update its time has already been passed on.
 std::int64_t SndKernel::GetGatheredMicroseconds() const
 {
     if (updating) {
@@ -148,7 +148,7 @@ void SndKernel::ChangeReason(SoundRow& row, SoundReason reason)
 
 bool SndKernel::StartImmediately(SndBase& sound)
 {
-    // It may wait already, and a sound is on one list at most.
+    // It may already be waiting, and a sound is on one list at most.
     Unlist(sound);
     MarkStarted(sound, true);
     const bool competes = sound.HasAnyFlag(FlagCompete);
@@ -195,11 +195,11 @@ bool SndKernel::EmulateOrDelete(SndBase& sound)
     if (sound.IsEmulation() && IsLongEnough(sound) && EmulateSound(&sound)) {
         return true;
     }
-    DeleteUnheard(sound);
+    DeleteInaudible(sound);
     return false;
 }
 
-void SndKernel::DeleteUnheard(SndBase& sound)
+void SndKernel::DeleteInaudible(SndBase& sound)
 {
     const bool isRefused = sound.IsEmulation() && IsLongEnough(sound);
     SetReason(sound.Row(),
@@ -209,7 +209,7 @@ void SndKernel::DeleteUnheard(SndBase& sound)
     delete &sound;
 }
 
-// A sound that comes back from a pause goes on with its fade-in.
+// A sound that resumes from a pause continues its fade-in.
 void SndKernel::BeginFadeIn(const SndBase& sound, SndChannel& channel)
 {
     const auto passed = static_cast<int>(sound.fadeInPassed);
@@ -250,7 +250,7 @@ bool SndKernel::StartChannel(SndBase* sound)
         EnterPlaying(*sound);
     }
     catch (...) {
-        // Without memory for its place it has no channel, and the file is nobody's.
+        // If memory for its entry runs out, it has no channel, and the file has no owner.
         channel->Stop();
         sound->sndChannel = nullptr;
         if (isNewFile) {
@@ -274,7 +274,7 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
 {
     SetReason(sound.Row(), SoundReason::Won);
     SndChannel* channel = sound.sndChannel;
-    // A new channel stands at 1.0 already.
+    // A new channel already has a gain of 1.0.
     const float outputGain = sound.GetOutputGain();
     if (outputGain >= 0.0F && outputGain < 1.0F) {
         channel->SetGain(outputGain);
@@ -301,7 +301,7 @@ void SndKernel::EnterPlaying(SndBase& sound)
     if (sound.Row().list == ListID::Playing) {
         return;
     }
-    // Music that an observer starts anew can stand among the chosen.
+    // Music that an observer has restarted can be among the chosen sounds.
     Unlist(sound);
     Insert(sound, ListID::Playing);
 }
@@ -310,7 +310,7 @@ bool SndKernel::StartMusic(SndBase& instance)
 {
     const bool waits = instance.IsPaused() || instance.Row().list == ListID::Paused;
     MarkStarted(instance, !waits);
-    return Traced(instance, waits ? HoldMusic(instance) : StartNow(instance));
+    return Traced(instance, waits ? StartPausedMusic(instance) : StartNow(instance));
 }
 
 void SndKernel::GiveUpFile(SndBase& instance)
@@ -378,7 +378,7 @@ void SndKernel::DeleteListed(Matches matches)
         SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
         while (const SoundRow* row = walk.Next()) {
             SndBase* sound = row->sound;
-            if (!matches(*row) || sound->IsBeingTold()) {
+            if (!matches(*row) || sound->IsInNotification()) {
                 continue;
             }
             Unlist(*sound);
@@ -393,8 +393,8 @@ void SndKernel::StopAll()
     {
         const SndBase::MusicHold hold;
         DeleteListed([](const SoundRow&) { return true; });
-        // What observers have started in answer ends too. From here on they start nothing more, so that this
-        // comes to an end and nothing is left.
+        // Sounds that observers have started in response end too. From here on they cannot start any more, so
+        // this loop terminates and no sound is left.
         refusesSounds = true;
         DeleteAllSounds(0);
     }
@@ -449,7 +449,7 @@ void SndKernel::OnChannelEnded(SndChannel* channel)
         sound->fadeOutChannel = nullptr;
         SndFile* file = channel->GetSndFile();
         channel->SetSndFile(nullptr);
-        SndBase::Telling telling(*sound);
+        SndBase::NotificationScope notification(*sound);
         sound->CloseAndDelete(file);
     }
     if (!sound->IsAudible()) {
@@ -463,7 +463,7 @@ void SndKernel::OnFileChanged(const SndFileChange& change)
     if (!sound) {
         return;
     }
-    SndBase::Telling telling(*sound);
+    SndBase::NotificationScope notification(*sound);
     if (sound->sndChannel == change.channel) {
         sound->MoveOnTo(change.newFile);
     }

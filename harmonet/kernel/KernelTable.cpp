@@ -9,10 +9,10 @@ namespace Quon
 namespace
 {
 
-// Has a sound send a product anew without changing its own factor.
+// Makes a sound send a product again without changing its own factor.
 constexpr float applyAgain = -1.0F;
 
-// Whether a sound stands where a sound like it is looked for.
+// Whether a sound is on a list that is searched for like sounds.
 bool IsFindable(const SoundRow& row)
 {
     return row.list != ListID::None && row.list != ListID::Chosen;
@@ -97,7 +97,7 @@ std::uint32_t SndKernel::GetOwnLength(const SndBase& sound)
     return sound.sndFile ? static_cast<std::uint32_t>(sound.sndFile->GetSoundLength()) : sound.soundLength;
 }
 
-// The length of the sounds with these names that stand on a list, but for one of them; none without any.
+// The length of the listed sounds with these names, except `except`; nullopt if there is none.
 std::optional<std::uint32_t> SndKernel::FindLikeLength(std::uint32_t number, const SndBase* except)
 {
     if (number == NameIndex::none) {
@@ -110,7 +110,7 @@ std::optional<std::uint32_t> SndKernel::FindLikeLength(std::uint32_t number, con
     if (name.isUniform) {
         return name.lengthMs;
     }
-    // They differ, as the rest of a queue does: the first one counts.
+    // The lengths differ, as with the rest of a queue: use the first one.
     for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
         for (const SndList::Entry& entry : GetList(id).GetEntries()) {
             const SoundRow& row = entry.GetRow();
@@ -134,7 +134,7 @@ void SndKernel::DeleteFromTable(Matches matches)
     const std::size_t end = walkMemory.size();
     for (std::size_t place = begin; place < end; ++place) {
         SndBase* sound = soundTable.Find(static_cast<int>(walkMemory[place].row));
-        if (!sound || sound->IsBeingTold()) {
+        if (!sound || sound->IsInNotification()) {
             continue;
         }
         UnregisterSound(sound);

@@ -1,4 +1,4 @@
-// What the kernel shows of itself to tools: snapshots and the trace.
+// The kernel's interface for tools: snapshots and the trace.
 
 #include "harmonet/instances/Microphone.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -50,7 +50,7 @@ void SndKernel::RunTraced(float seconds)
     const Clock::time_point begin = Clock::now();
     RunFullUpdate(seconds);
     const std::chrono::nanoseconds cost = Clock::now() - begin;
-    // An observer can have taken it away.
+    // An observer may have detached it.
     if (!trace) {
         return;
     }

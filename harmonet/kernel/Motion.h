@@ -13,27 +13,26 @@ struct UpdateInterval
     double end = 0.0;
 };
 
-/// How fast a point moves, from where it was at the ends of full updates. A plain value, of a sound or of the
-/// listener; task thread only.
+/// Computes the velocity of a point from its positions at the ends of full updates. A plain value of a sound
+/// or the listener; task thread only.
 ///
-/// The velocity is smoothed over 150 ms, since a node that is moved by a fixed step of the game covers more
-/// in one interval than in the next. The first velocity, and one that is confirmed after a leap, counts at
-/// once.
+/// The velocity is smoothed over 150 ms, since a node moved in fixed steps of the game covers different
+/// distances in different intervals. The first velocity, and one confirmed after a leap, applies at once.
 ///
-/// A point that is put elsewhere does not move: a velocity that is far from both the one before and the
-/// smoothed one is a leap and counts as none, until the next interval confirms it.
+/// Relocating a point is not a motion: a velocity far from both the previous and the smoothed one is a leap
+/// and counts as 0 until the next interval confirms it.
 class HARMONET_API Motion
 {
 public:
-    /// The point is at `newPlace` at the end of the interval; a point that is not moved in an interval stands
-    /// still in it. Velocities that differ by more than `leap`, in world units per second, are not one
-    /// motion. A place that is not finite begins anew.
+    /// Records the point's position at the end of the interval; a point that is not moved in an interval has
+    /// no velocity in it. Velocities that differ by more than `leap`, in world units per second, do not
+    /// belong to one motion. A position that is not finite resets the motion.
     void MoveTo(const Vector3& newPlace, const UpdateInterval& interval, float leap);
 
     /// World units per second at the end of the interval.
     Vector3 GetVelocity(const UpdateInterval& interval) const;
 
-    /// When it was moved last; 0 at first.
+    /// The time of the last move; initially 0.
     double GetTime() const { return time; }
 
 private:
@@ -42,10 +41,10 @@ private:
 
     Vector3 place;
     Vector3 velocity; ///< Smoothed.
-    Vector3 last; ///< That of the last interval alone.
-    double time = 0.0; ///< Of `place`.
+    Vector3 last; ///< Velocity in the last interval alone.
+    double time = 0.0; ///< Time of `place`.
     bool isPlaced = false;
-    bool isMoving = false; ///< `velocity` counts; otherwise the next one does at once.
+    bool isMoving = false; ///< Whether `velocity` applies; otherwise the next one applies at once.
 };
 
 } // namespace Quon

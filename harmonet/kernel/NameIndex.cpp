@@ -23,7 +23,7 @@ std::uint32_t NameIndex::Use(const PString& fileName, const PString& substName)
 {
     std::uint32_t number = Find(fileName, substName);
     if (number == none) {
-        // What needs memory comes first, for the return of the number too.
+        // Allocations come first, including that for the return of the number.
         index.Reserve([this](std::uint32_t other) { return HashOf(names[other].file, names[other].owner); });
         if (freeNumbers.empty() && names.size() == names.capacity()) {
             constexpr std::size_t fewNames = 16;

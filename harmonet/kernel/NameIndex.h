@@ -10,10 +10,9 @@
 namespace Quon
 {
 
-/// What the kernel knows of like sounds, those with the same file and the same owner name: a small number for
-/// each pair of names, how many such sounds stand on its lists, and their length. Names are told apart by
-/// identity. A number is in use for as long as sounds use it; then its memory is used again. Task thread
-/// only.
+/// The kernel's index of like sounds, those with the same file and owner name: a small number for each pair
+/// of names, the count of such sounds on its lists, and their length. Names are compared by identity. A
+/// number is valid while sounds use it; then it is reused. Task thread only.
 class HARMONET_INTERNAL_API NameIndex
 {
 public:
@@ -26,17 +25,17 @@ public:
         std::uint32_t numUsers;
         std::uint32_t numListed;
         std::uint32_t lengthMs; ///< Of those that are listed.
-        bool isUniform; ///< They all have that length.
+        bool isUniform; ///< Whether all have that length.
     };
 
-    /// The number of these names, with one more user.
+    /// Returns the number of these names and adds a user.
     std::uint32_t Use(const PString& fileName, const PString& substName);
     void GiveUp(std::uint32_t number);
-    /// The number of these names, or none if nobody uses them.
+    /// Returns the number of these names, or none if they are not in use.
     std::uint32_t Find(const PString& fileName, const PString& substName) const;
     const Name& At(std::uint32_t number) const { return names[number]; }
 
-    // A sound with that number comes onto a list, has got another length there, and leaves.
+    // Record that a sound with that number is added to a list, changes its length there, and is removed.
     void Enter(std::uint32_t number, std::uint32_t lengthMs);
     void SetLength(std::uint32_t number, std::uint32_t lengthMs);
     void Leave(std::uint32_t number) { --names[number].numListed; }

@@ -1,4 +1,4 @@
-// Pause: time stands still for the sounds on the paused list.
+// Pause: time stops for the sounds on the paused list.
 
 #include "harmonet/files/SndFile.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -15,7 +15,7 @@ namespace Quon
 namespace
 {
 
-// Whether a sound was, or would have been, counted as due by this update.
+// Whether this update has counted the sound as due, or would have.
 bool IsDue(const SoundRow& row)
 {
     return row.list == ListID::Waiting && !row.HasMark(RowDelayed | RowNewcomer) &&
@@ -30,10 +30,10 @@ void SndKernel::SetAllPaused(bool on)
     NotePauses();
 }
 
-// Returns by how much the number of waiting sounds that are due has changed.
+// Returns the change in the number of due waiting sounds.
 int SndKernel::ApplyPauses(const UpdateStep& step)
 {
-    // What a handler pauses from here on is for the next update.
+    // Pauses made by handlers from here on are handled in the next update.
     if (!std::exchange(pausesChanged, false)) {
         return 0;
     }
@@ -41,7 +41,7 @@ int SndKernel::ApplyPauses(const UpdateStep& step)
         return MoveToPausedAndBack(step);
     }
     catch (...) {
-        // There was no memory: the next update goes on with it.
+        // Memory ran out: the next update continues.
         pausesChanged = true;
         throw;
     }
@@ -83,7 +83,7 @@ void SndKernel::Pause(SndBase& sound)
     SetReason(row, SoundReason::Paused);
 }
 
-// A sound that is started while it is paused. `mark` says what it is once it is not.
+// Starts a sound while it is paused. `mark` determines its state after the pause.
 void SndKernel::StartPaused(SndBase& sound, std::uint16_t mark)
 {
     SoundRow& row = sound.Row();
@@ -95,12 +95,12 @@ void SndKernel::StartPaused(SndBase& sound, std::uint16_t mark)
     Unlist(sound);
     Insert(sound, ListID::Paused);
     SetReason(row, SoundReason::Paused);
-    // The pause may have been ended before this update.
+    // The pause may have ended before this update.
     NotePauses();
 }
 
-// Music that is started while it is paused. A piece that fades out in the same instance is paused with it.
-bool SndKernel::HoldMusic(SndBase& instance)
+// Starts music while it is paused. A piece that fades out in the same instance is paused with it.
+bool SndKernel::StartPausedMusic(SndBase& instance)
 {
     SndFile* file = driver ? OpenFileOf(instance) : nullptr;
     if (!file) {
@@ -115,7 +115,7 @@ bool SndKernel::HoldMusic(SndBase& instance)
     return true;
 }
 
-// A sound that has not begun does so as much later as the pause was long.
+// Delays the start of a sound by the length of the pause.
 void SndKernel::DelayStart(SndBase& sound) const
 {
     constexpr std::int64_t microsecondsPerMs = 1000;
@@ -124,7 +124,7 @@ void SndKernel::DelayStart(SndBase& sound) const
     sound.startMachineTime += length;
 }
 
-// Returns 1 if the sound waits and is due, else 0.
+// Returns 1 if the sound is waiting and due, otherwise 0.
 int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
 {
     SoundRow& row = sound.Row();
@@ -154,8 +154,8 @@ int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
     return 1;
 }
 
-// Music has its channel back at once. Another sound goes back among those that have one, with the claim that
-// it had, and gets it with this update's decision.
+// Music gets its channel back at once. Any other sound returns to the playing list with its former claim and
+// gets a channel in this update's decision.
 void SndKernel::ResumeHeard(SndBase& sound)
 {
     SoundRow& row = sound.Row();
@@ -172,12 +172,12 @@ void SndKernel::ResumeHeard(SndBase& sound)
         }
         return;
     }
-    if (const SoundReason reason = WhyUnheard(row); reason != SoundReason::None) {
+    if (const SoundReason reason = WhyInaudible(row); reason != SoundReason::None) {
         LeavePlaying(sound, reason);
         return;
     }
     row.flags = (row.flags | FlagDistLTMax) & ~FlagDistGTMax;
-    // One that is protected goes past the limit, and its channel may be another's.
+    // A protected sound would exceed the limit, and its channel may be in use by another.
     sound.pausedStateMs = row.stateTimeMs;
     row.SetMark(RowReturns, true);
     sound.SetStateTime(std::max<unsigned long>(sound.GetStateTime(), settledMs));
@@ -191,14 +191,14 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
     SndFile* file = std::exchange(fade.file, nullptr);
     SndChannel* channel = driver->CreateChannel(fade.flags, file, sound.fxList);
     if (!channel) {
-        SndBase::Telling telling(sound);
+        SndBase::NotificationScope notification(sound);
         sound.CloseAndDelete(file);
         return;
     }
     if (fade.gain < 1.0F) {
         channel->SetGain(fade.gain);
     }
-    // Play() places what is at the sound's own channel, and begins what has not begun: that is the next
+    // Play() uses the sound's own channel and begins a piece that has not begun: both belong to the next
     // piece.
     SndFile* own = sound.sndFile;
     const bool hasBegun = sound.IsPlaying();
@@ -224,7 +224,7 @@ void SndKernel::StartReturned()
     if (!std::exchange(hasReturned, false)) {
         return;
     }
-    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::PassOver);
+    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
     while (const SoundRow* row = walk.Next()) {
         SndBase& sound = *row->sound;
         if (sound.IsAudible()) {

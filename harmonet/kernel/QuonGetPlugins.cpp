@@ -10,7 +10,7 @@ namespace Quon
 namespace
 {
 
-// The engine tells the kinds of resources apart by these, for good.
+// The permanent identifiers of the resource types.
 constexpr const char* commonID = "6B7E2180-3F4C-41A7-8C2D-5E19A07C33D1";
 constexpr const char* definitionID = "6B7E2191-3F4C-41A7-8C2D-5E19A07C33D1";
 constexpr const char* waveID = "6B7E2192-3F4C-41A7-8C2D-5E19A07C33D1";
@@ -19,7 +19,7 @@ constexpr const char* mpegID = "6B7E2194-3F4C-41A7-8C2D-5E19A07C33D1";
 template<class T>
 void Register(const char* name, const char* typeID)
 {
-    // The constructor enters the object in the registry.
+    // The constructor adds the object to the registry.
     new ResourceType<T>(PString(name), UId(typeID), UId(commonID));
 }
 

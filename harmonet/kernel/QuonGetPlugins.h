@@ -2,19 +2,19 @@
 
 #include "harmonet/Export.h"
 
-/// The door by which the library enters an engine. The host loads the library, looks this function up by its
-/// plain name and calls it once, before any resource is looked up; it needs no running sound system.
+/// The entry point of the library as a plug-in. The host loads the library, looks this function up by its
+/// undecorated name and calls it once, before any resource is looked up. No running sound system is needed.
 ///
-/// It enters four kinds of resources in the plug-in registry: "sound" and "sound.txt", which are sound
-/// definitions, and "wav" and "mp3", which are plain sound files. The registry owns them, and their code goes
-/// with the library: PluginRegistry::ReleaseAll() comes before the library is unloaded. A second call enters
-/// them a second time, to no effect but the memory. Task thread.
+/// It adds four resource types to the plug-in registry: "sound" and "sound.txt" for sound definitions, and
+/// "wav" and "mp3" for plain sound files. The registry owns them, but their code is part of the library: call
+/// PluginRegistry::ReleaseAll() before the library is unloaded. A second call adds them a second time, which
+/// only costs memory. Task thread only.
 extern "C" HARMONET_API void QuonGetPlugins();
 
 namespace Quon
 {
 
-/// For a host that looks the function up.
+/// The function's type, for a host that looks it up.
 using QuonGetPluginsFunction = void (*)();
 constexpr const char* quonGetPluginsSymbol = "QuonGetPlugins";
 

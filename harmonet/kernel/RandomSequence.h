@@ -23,13 +23,13 @@ public:
         state = Next() ^ hash;
     }
 
-    /// 0 to `count` - 1. `count` is not 0.
+    /// Returns 0 to `count` - 1. `count` must not be 0.
     std::uint32_t NextBelow(std::uint32_t count)
     {
         return static_cast<std::uint32_t>(((Next() >> 32) * count) >> 32);
     }
 
-    /// At least 0 and below 1, in steps of 2^-24, which a float holds.
+    /// Returns a number from 0 to below 1, in steps of 2^-24, which a float represents exactly.
     double NextUnit() { return static_cast<double>(Next() >> 40) * 0x1p-24; }
 
 private:

@@ -5,15 +5,15 @@
 namespace Quon
 {
 
-/// A kind of resource whose objects are of class T. Made with `new` and left to the plug-in registry, which
-/// owns it from then on. Task thread only.
+/// A resource type whose objects are of class T. Create it with `new`; the plug-in registry owns it from then
+/// on. Task thread only.
 template<class T>
 class ResourceType final : public ResourceTypeBase
 {
 public:
     using ResourceTypeBase::ResourceTypeBase;
 
-    /// A new T that is not loaded yet; the caller owns it.
+    /// Returns a new T that is not loaded yet; the caller owns it.
     Resource* Create(const PString& resourceName, const ResourceDatabase* database) const override
     {
         return new T(resourceName, database);

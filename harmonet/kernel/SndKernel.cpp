@@ -29,7 +29,7 @@ constexpr int defaultSampleFrequency = 22050;
 constexpr int defaultChannels = 2;
 constexpr int defaultSpeedOfSound = 343;
 
-// A sound that fades out and music may pass the limit of audible sounds.
+// Music and sounds that fade out may exceed the limit of audible sounds.
 constexpr int spareChannels = 4;
 
 enum StartCode
@@ -40,7 +40,7 @@ enum StartCode
     StartNotOpened = 3
 };
 
-// The option, or the default if it is not set, not a number or below the minimum.
+// Returns the option, or the default if it is not set, not a number or below the minimum.
 int ReadOption(const Options& hostOptions, const PString& key, int minimum, int defaultValue)
 {
     int value = defaultValue;
@@ -49,7 +49,7 @@ int ReadOption(const Options& hostOptions, const PString& key, int minimum, int 
         return value;
     }
     Report(MessageLevel::Warning, "option ", key, "=", value, ": the minimum is ", minimum,
-        "; it takes the default ", defaultValue);
+        "; using the default ", defaultValue);
     return defaultValue;
 }
 
@@ -104,8 +104,8 @@ int SndKernel::Init(OS* os, bool driverFlag)
     }
     maxAudible = options.maxSounds;
     driver->SetCallback(HandleDriverEvent, this);
-    constexpr int mostAudible = std::numeric_limits<int>::max() - spareChannels;
-    driver->SetMaxChannels(std::min(maxAudible, mostAudible) + spareChannels);
+    constexpr int audibleLimit = std::numeric_limits<int>::max() - spareChannels;
+    driver->SetMaxChannels(std::min(maxAudible, audibleLimit) + spareChannels);
     theKernel = this;
     dataCache = new SndNodeCache;
     dataCache->SetLimit(static_cast<unsigned long>(options.cacheSize));
@@ -166,12 +166,12 @@ int SndKernel::TryDriver(OS* os, const char* name, bool driverFlag)
     }
     void* symbol = nullptr;
     if (!soundLibrary->GetSymbol(&symbol, driverSymbol)) {
-        ReportDriver(name, "is no driver: it does not export CreateSoundDriver");
+        ReportDriver(name, "is not a driver: it does not export CreateSoundDriver");
         return StartNoDriver;
     }
     driver = reinterpret_cast<CreateSoundDriverFunction>(symbol)();
     if (!driver) {
-        ReportDriver(name, "cannot be made: its CreateSoundDriver gives null");
+        ReportDriver(name, "cannot be created: its CreateSoundDriver returns null");
         return StartNotOpened;
     }
     if (driver->Open(os, &options.format, options.streamLength, driverFlag)) {
@@ -184,7 +184,7 @@ int SndKernel::TryDriver(OS* os, const char* name, bool driverFlag)
     return StartNotOpened;
 }
 
-// The library goes after the driver, whose code it holds.
+// The library is closed after the driver is deleted, since it holds the driver's code.
 void SndKernel::CloseDriver()
 {
     delete driver;
@@ -211,7 +211,7 @@ void SndKernel::Done()
     delete dataCache;
     dataCache = nullptr;
     CloseDriver();
-    // A microphone can outlive the system, and must not pass for the listener of the next one.
+    // A microphone can outlive the system and must not be taken for the listener of the next one.
     if (activeMicrophone) {
         ClearMicrophone(activeMicrophone);
     }

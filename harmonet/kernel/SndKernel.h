@@ -36,130 +36,134 @@ struct SndFileChange;
 struct SoundState;
 enum class SoundNotice : std::uint8_t;
 
-/// The state time of a sound that waits: the time that protects a sound which has just changed between having
-/// a channel and being emulated does not hold it back.
+/// The state time of a waiting sound: it exceeds settledMs, so that a waiting sound is not treated as having
+/// just lost its channel.
 inline constexpr unsigned long waitingStateTimeMs = 1000;
 
-/// What the kernel reads from the engine's options when it starts. An option takes its default if it is not
-/// set, not a number of 32 bits or out of range: below 0, for the rate below 1.
+/// The engine options that the kernel reads at its start. An option takes its default if it is not set, not a
+/// 32-bit number or out of range (below 0; below 1 for the rate).
 struct SoundOptions
 {
     SoundOptions();
 
     int cacheSize = 1000000; ///< Bytes of sound data that the data cache may hold.
-    SoundFormat format; ///< Asked of the driver; only the rate can be configured.
-    int maxSounds = 20; ///< Limit of audible sounds at the start.
-    int seed = 0; ///< Of the random numbers by which definitions vary.
-    int minEmulationLength = 500; ///< Milliseconds: a sound with less left is not emulated. No option.
+    SoundFormat format; ///< Requested from the driver; only the rate is configurable.
+    int maxSounds = 20; ///< Initial limit of audible sounds.
+    int seed = 0; ///< Seed of the random variation of definitions.
+    int minEmulationLength = 500; ///< Milliseconds: a sound with less left is not emulated. Not an option.
     int streamLength = 500; ///< Milliseconds, for the driver.
 };
 
-/// The heart of the system: owns the output driver, the caches of sound data and every sound, and decides at
-/// each full update which of the running sounds are heard.
+/// The core of the system: owns the output driver, the caches of sound data and every sound, and decides in
+/// each full update which of the running sounds are audible.
 ///
-/// There is at most one that runs, `theKernel`; the task owns it. Private to the library. All of it is for
-/// the task thread, and there is no lock; a driver delivers its events on that thread, from inside its update
-/// calls.
+/// At most one kernel runs, `theKernel`; the task owns it. Private to the library. Task thread only, without
+/// locks; a driver reports its events on that thread, from within its update calls.
 ///
-/// *What observers do meanwhile.* Ending or starting a sound calls observers, and these may start, stop and
-/// delete other sounds. So nothing here walks a list or the table by itself while it ends or starts sounds: a
-/// SoundWalk visits those that stood there when it began and still exist. A sound that is started during an
-/// update is dealt with at the next one.
+/// *Observers.* Ending or starting a sound calls observers, which may start, stop and delete other sounds.
+/// Code that ends or starts sounds must therefore not iterate over a list or the table directly: a SoundWalk
+/// visits those that were there at its start and still exist. A sound started during an update is handled in
+/// the next one.
 class HARMONET_INTERNAL_API SndKernel : public Allocated
 {
 public:
     SndKernel();
     SndKernel(const SndKernel&) = delete;
     SndKernel& operator=(const SndKernel&) = delete;
-    /// Done(), and whatever is left.
+    /// Calls Done() and releases what is left.
     virtual ~SndKernel();
 
     // Start and end.
 
-    /// Reads the options and opens the first driver that will; on success this is `theKernel`. The result is
-    /// 0, or the code of the last attempt: 1, no name given or the library is no driver; 2, it could not be
-    /// loaded; 3, it made no driver or its driver did not open.
+    /// Reads the options and opens the first available driver; on success this becomes `theKernel`. Returns
+    /// 0, or the code of the last attempt: 1, no name was given or the library is not a driver; 2, the
+    /// library could not be loaded; 3, it created no driver or its driver did not open.
     int Init(OS* os, bool driverFlag);
-    /// Ends all sounds and releases everything. New sounds are refused from here on.
+    /// Ends all sounds and releases everything. New sounds are refused from then on.
     void Done();
     bool GetCaps(SoundCaps& driverCaps);
     SndDriver* GetDriver() const { return driver; }
     SndNodeCache* GetDataCache() const { return dataCache; }
     const SoundOptions& GetOptions() const { return options; }
-    /// Whether the driver takes the source side of an environmental reverb.
+    /// Whether the driver supports the source side of an environmental reverb.
     bool CanSetEnvReverbSource() const { return (caps.GetFlags() & capEnvReverbSource) != 0; }
 
     // The frame update.
 
-    /// Gathers time; once 40 ms have come together, runs one full update. While the kernel is busy it does
-    /// nothing: an observer that calls it has no time to add.
+    /// Accumulates time and runs one full update when it reaches 40 ms. Does nothing while the kernel is
+    /// busy, so a call from an observer adds no time.
     void Update(float seconds);
 
-    /// The task whose updates these are; what it has gathered has passed, too. Null for none.
+    /// Sets the task that updates the kernel; its deferred time counts as elapsed too. Null for none.
     void SetTask(const Task* newTask) { task = newTask; }
 
-    /// Whether an update runs or an observer is being told of a sound. The kernel must not go then.
+    /// Whether an update or a notification is running. The kernel must not be deleted then.
     bool IsBusy() const { return updating || noticeDepth > 0; }
-    /// These two stand around what tells observers; may be nested.
+    /// Bracket the notification of observers; may be nested.
     void BeginNotice() { ++noticeDepth; }
     void EndNotice() { --noticeDepth; }
 
     // Starting and ending sounds.
 
-    /// Starts a sound or queues it. On false the sound may have been deleted or live on, not started.
+    /// Starts a sound or adds it to the waiting list. If it returns false, the sound may have been deleted,
+    /// or exists but has not started.
     bool PlaySound(SndBase* sound);
-    /// Whether a sound may start by the limits of its definition; it counts from here on. Instances that give
-    /// way end here, with their notifications. False also when an observer has ended the sound meanwhile.
+    /// Applies the limits of the sound's definition: returns whether it may start, and counts it from then
+    /// on. Instances that it replaces end here, with their notifications. Also returns false if an observer
+    /// has ended the sound meanwhile.
     bool AdmitStart(SndBase& sound);
-    /// The start of an admitted sound has failed; the sound may be gone.
+    /// Undoes AdmitStart() after a failed start; the sound may have been deleted.
     static void CancelStart(DefinitionState& definition, int soundID);
     DefinitionStates& GetDefinitionStates() { return definitions; }
-    /// Gives a sound a channel and puts it on the playing list. On false nothing has changed.
+    /// Gives a sound a channel and adds it to the playing list. Returns false and changes nothing on failure.
     bool StartChannel(SndBase* sound);
-    /// Starts a sound without a channel and puts it on the emulated list. On false it is on no list.
+    /// Starts a sound without a channel and adds it to the emulated list. If it returns false, the sound is
+    /// on no list.
     bool EmulateSound(SndBase* sound);
-    /// StartChannel() for a piece of music, which passes neither the waiting list nor PlaySound().
+    /// StartChannel() for a piece of music, which bypasses the waiting list and PlaySound().
     bool StartMusic(SndBase& instance);
-    /// Prepares an instance without a `sndChannel` for another piece: it leaves its list, unless a fade-out
-    /// keeps it there, and closes what it has open.
+    /// Prepares an instance without a `sndChannel` for another piece: removes it from its list, unless a
+    /// fade-out keeps it there, and closes its files.
     void GiveUpFile(SndBase& instance);
-    /// Takes a running sound to another sample frame of its file; one that is heard goes on there on a
-    /// channel of its own. False if it could not go on and has ended.
+    /// Moves a running sound to another sample frame of its file; an audible sound continues there on a new
+    /// channel. Returns false if it could not continue and has ended.
     bool MoveTo(SndBase& sound, int sample);
-    /// Milliseconds of that file, from a like sound if there is one; 0 if it cannot be opened.
+    /// Returns the length of that file in milliseconds, from a like sound if there is one; 0 if it cannot be
+    /// opened.
     unsigned long GetLength(const PString& substName, const PString& fileName);
-    /// Ends every sound. What observers start in answer ends too, and in the end they can start nothing.
+    /// Ends every sound, including those that observers start in response; towards its end they cannot start
+    /// any.
     void StopAll();
     void StopAll2D();
     void StopAll3D();
-    /// Takes a driver's event. Always 0. An event for a channel that no sound holds is ignored.
+    /// Handles a driver's event; returns 0. An event for a channel without a sound is ignored.
     int OnDriverEvent(int event, void* data);
 
     // The sound table.
 
-    /// False while the kernel is going down, and while StopAll() is at its end: no sound may be made.
+    /// False during the shutdown of the kernel and at the end of StopAll(): no sound may be created then.
     bool AcceptsSounds() const { return !refusesSounds; }
-    /// Enters a new sound, which the kernel owns from here on.
+    /// Adds a new sound, which the kernel owns from then on.
     void AddSound(SndBase* sound);
     SndBase* FindSound(int id) const { return soundTable.Find(id); }
     void UnregisterSound(SndBase* sound);
-    /// Takes the sound off its list and out of the table.
+    /// Removes the sound from its list and from the table.
     void RemoveSound(SndBase* sound);
     /// Deletes all sounds of that group.
     void DeleteSounds(Sound* parent);
-    /// Kind 0: every sound; 2: those neither positional nor music; 3: the positional ones.
+    /// Kind 0: all sounds; 2: non-positional sounds except music; 3: positional sounds.
     void DeleteAllSounds(int kind);
-    /// Sends the sounds of a kind their output gain anew. Kind 0, Flag3D or FlagMusic.
+    /// Sends the output gain of all sounds of a kind again. The kind is 0, Flag3D or FlagMusic.
     void RefreshGains(int kind);
     void RefreshGains(Sound* parent);
 
     // Pause.
 
-    /// Pauses every sound, those to come included, or ends that; beside what is paused by itself or with its
-    /// group. All pauses begin and end in a full update, after its time has been counted.
+    /// Pauses or resumes every sound, including later ones; independent of the pauses of single sounds and
+    /// groups. All pauses begin and end in a full update, after its time has been counted.
     void SetAllPaused(bool on);
     bool IsAllPaused() const { return allPaused; }
-    /// A sound or a group was paused, or is not any more.
+    /// Records that a sound or a group was paused or resumed.
     void NotePauses() { pausesChanged = true; }
 
     // Listener and gains.
@@ -179,20 +183,20 @@ public:
     void SetSpeedOfSound(float speed) { doppler.SetSpeedOfSound(speed); }
     /// The low-pass of everything.
     void SetLowPass(float gainHF);
-    /// Sends the sounds of a group, or all for null, their output low-pass anew.
+    /// Sends the output low-pass of a group's sounds, or of all sounds if null, again.
     void RefreshLowPass(const Sound* parent);
     int GetMaxAudible() const { return maxAudible; }
     void SetMaxAudible(int count) { maxAudible = count; }
     unsigned long GetResourceFX() const { return resourceFX; }
     void SetResourceFX(unsigned long mask) { resourceFX = mask; }
 
-    // The lists, and what sounds tell of themselves.
+    // The lists, and changes that sounds report.
 
     SndList& GetList(ListID id) { return lists[static_cast<std::size_t>(id)]; }
     bool IsListed(const SndBase& sound) const { return sound.Row().list != ListID::None; }
     /// The sounds that hold a channel.
     int GetAudibleCount() const { return lists[static_cast<std::size_t>(ListID::Playing)].GetCount(); }
-    /// A sound's importance is about to change, or how all are compared.
+    /// Call it before a sound's importance, or the comparison of all sounds, changes.
     void ForgetOrder(const SoundRow& row)
     {
         if (SndList& list = GetList(row.list); list.IsInOrder()) {
@@ -200,30 +204,30 @@ public:
         }
     }
     void ForgetOrder();
-    /// These two stand around a change of a sound's names.
+    /// Bracket a change of a sound's names.
     void GiveUpName(SndBase& sound);
     void UseName(SndBase& sound);
-    /// A sound may have another length than before, as like sounds see it.
+    /// Records that the length of a sound, as used for like sounds, may have changed.
     void NoteLength(const SndBase& sound);
-    /// Which start of a sound this was; 0 before the first.
+    /// Serial number of the sound's start; 0 before the first.
     std::uint32_t GetStartSerial(const SndBase& sound) const { return sound.startSerial; }
-    /// Milliseconds of updates. Wraps around.
+    /// Milliseconds of full updates. Wraps around.
     std::uint32_t GetClockMs() const { return clockMs; }
     UpdateStep MakeStep(float seconds) const;
-    /// For walks over lists: see SoundWalk.
+    /// For SoundWalk.
     EngineVector<SndList::Entry>& GetWalkMemory() { return walkMemory; }
 
-    // What tools see.
+    // For tools.
 
-    /// Fills in as many as there is room for; returns how many sounds there are.
+    /// Fills in as many states as fit; returns the number of sounds.
     std::size_t Inspect(std::span<SoundState> states) const;
-    /// From here on all is reported to `newTrace`, which may be null, in place of the one before.
+    /// Replaces the trace by `newTrace`, which may be null.
     static void Attach(SoundTrace* newTrace);
     static void Detach(const SoundTrace& oldTrace);
     void TraceNotice(SoundNotice notice, int soundID, const PString& fileName);
 
 private:
-    /// The file of a sound that has none open: music streams, all else comes through the data cache.
+    /// Opens the file of a sound without an open one: music is streamed, other sounds use the data cache.
     SndFile* OpenFileOf(SndBase& sound);
     SndFile* OpenWholeFileOf(SndBase& sound);
 
@@ -235,7 +239,7 @@ private:
     void RunFullUpdate(float seconds);
     void RunTraced(float seconds);
     void TraceChange(SndBase& sound);
-    /// TraceChange() of a sound that has been started; returns whether it has.
+    /// Calls TraceChange() if the sound has been started; returns `isStarted`.
     bool Traced(SndBase& sound, bool isStarted)
     {
         if (isStarted) {
@@ -258,7 +262,7 @@ private:
     int MoveToPausedAndBack(const UpdateStep& step);
     void Pause(SndBase& sound);
     void StartPaused(SndBase& sound, std::uint16_t mark);
-    bool HoldMusic(SndBase& instance);
+    bool StartPausedMusic(SndBase& instance);
     void DelayStart(SndBase& sound) const;
     int Resume(SndBase& sound, const UpdateStep& step);
     void ResumeHeard(SndBase& sound);
@@ -287,13 +291,13 @@ private:
     std::int64_t GetGatheredMicroseconds() const;
     void ForgetNewcomers();
     bool StartImmediately(SndBase& sound);
-    /// StartChannel() for a sound that competes for no channel.
+    /// StartChannel() for a sound that does not compete for a channel.
     bool StartNow(SndBase& sound);
     static void BeginFadeIn(const SndBase& sound, SndChannel& channel);
-    /// The low-pass and the pitch of a new channel.
+    /// Sends the low-pass and the pitch to a new channel.
     static void SetUpChannel(SndBase& sound, SndChannel& channel);
     void UpdatePitches();
-    SoundReason WhyUnheard(const SoundRow& row) const;
+    SoundReason WhyInaudible(const SoundRow& row) const;
     SoundReason WhyNotBack(const SoundRow& row) const;
     void SetReason(SoundRow& row, SoundReason reason)
     {
@@ -303,7 +307,7 @@ private:
     }
     void ChangeReason(SoundRow& row, SoundReason reason);
     bool EmulateOrDelete(SndBase& sound);
-    void DeleteUnheard(SndBase& sound);
+    void DeleteInaudible(SndBase& sound);
     bool FindLength(SndBase& sound);
     std::optional<std::uint32_t> FindLikeLength(std::uint32_t number, const SndBase* except);
     static std::uint32_t GetOwnLength(const SndBase& sound);
@@ -318,7 +322,7 @@ private:
     void RefreshMatching(Matches matches);
     void Insert(SndBase& sound, ListID id);
     void Unlist(SndBase& sound);
-    /// Whether every list holds what the table holds, each sound once. For assertions.
+    /// Whether the lists and the table are consistent and each sound is listed at most once. For assertions.
     bool IsConsistent();
 
     SoundOptions options;
@@ -346,13 +350,13 @@ private:
 
     bool refusesSounds = false; ///< See AcceptsSounds().
     bool updating = false; ///< A full update is running.
-    bool takesNewcomers = false; ///< The running update has taken its bearings: see MarkStarted().
+    bool takesNewcomers = false; ///< The running update has passed its start: see MarkStarted().
     bool allPaused = false;
-    bool pausesChanged = false; ///< The next full update looks who is paused.
-    bool hasReturned = false; ///< Sounds without a channel are on the playing list, back from a pause.
-    std::uint32_t listenerMoves = 0; ///< Counts updates.
+    bool pausesChanged = false; ///< The next full update checks which sounds are paused.
+    bool hasReturned = false; ///< The playing list has sounds without a channel that resume from a pause.
+    std::uint32_t listenerMoves = 0; ///< Number of full updates with a moved listener.
     int noticeDepth = 0;
-    std::uint32_t startCounter = 0; ///< Counts starts.
+    std::uint32_t startCounter = 0; ///< Number of starts.
     std::uint32_t clockMs = 0;
     StartClock startClock;
     DefinitionStates definitions;
@@ -367,7 +371,7 @@ extern SndKernel* theKernel;
 /// The same, for the tests.
 HARMONET_INTERNAL_API SndKernel* GetRunningKernel();
 
-/// Works out a sound's distance to the listener from its place, and whether it is in range.
+/// Computes a sound's distance to the listener from its place, and whether it is in range.
 inline void MeasureDistance(SoundRow& row, const Vector3& listener)
 {
     if (theKernel && row.CalcDistSqr(listener) != row.distSqr) {

@@ -9,7 +9,7 @@ namespace Quon
 namespace
 {
 
-// The serials may wrap around.
+// Serials may wrap around.
 bool IsAfter(std::uint32_t serial, std::uint32_t other)
 {
     return static_cast<std::int32_t>(serial - other) > 0;
@@ -47,7 +47,7 @@ void SndList::DropStaleAdded()
     std::erase_if(added, [](const Added& other) { return other.entry.IsStale(); });
 }
 
-// Ahead of Enter(): a sound that says that it is listed is.
+// Before Enter(): a sound must not be marked as listed if adding its entry fails.
 template<class T>
 void SndList::MakeRoom(EngineVector<T>& entries)
 {
@@ -111,13 +111,14 @@ std::span<SndList::Entry> SndList::Compact()
     return order;
 }
 
-// From the most important to the least: each goes to its place, and what stands behind moves up once.
+// From the most to the least important: each is inserted at its position, and each later entry moves only
+// once.
 void SndList::Merge()
 {
     if (added.empty()) {
         return;
     }
-    // Those that have come and gone have no place. Of the others there are few stale ones then.
+    // Entries that were added and removed again get no position. Few of the others are stale then.
     constexpr std::size_t staleShare = 8;
     if (order.size() + added.size() - count > order.size() / staleShare) {
         DropStale();
@@ -125,7 +126,7 @@ void SndList::Merge()
     else {
         DropStaleAdded();
     }
-    // Of equals the latest is the first.
+    // Among equals the latest comes first.
     std::ranges::sort(added, [](const Added& left, const Added& right) {
         return left.key != right.key ? left.key < right.key : IsAfter(left.entry.serial, right.entry.serial);
     });
@@ -143,7 +144,7 @@ void SndList::Merge()
     }
 }
 
-// The first of the entries before `end` that is not stale and not less important; `end` if there is none.
+// Returns the first entry before `end` that is not stale and not less important; `end` if there is none.
 std::size_t SndList::FindPlace(std::size_t end, std::uint64_t key) const
 {
     std::size_t begin = 0;

@@ -10,12 +10,12 @@
 namespace Quon
 {
 
-/// A list of sounds by importance, the least important first: an array of row numbers. The list does not own
-/// its sounds. Task thread only.
+/// A list of sounds sorted by importance, the least important first: an array of row numbers. The list does
+/// not own its sounds. Task thread only.
 ///
-/// A sound that leaves only loses its entry's serial, by which whoever meets the entry later sees that it is
-/// stale. While the list is in order, sounds that come are gathered and merged when the order is asked for.
-/// What sounds are compared by changes between sorts; the kernel says so with ForgetOrder().
+/// Removing a sound only clears its serial, which marks the remaining entry as stale. While the list is in
+/// order, added sounds are collected and merged when the order is requested. The sort keys can change between
+/// sorts; the kernel reports it with ForgetOrder().
 class HARMONET_INTERNAL_API SndList
 {
 public:
@@ -32,15 +32,15 @@ public:
     int GetCount() const { return static_cast<int>(count); }
     bool IsInOrder() const { return isInOrder; }
 
-    /// These two take a sound that is on no list. `id` is this list's.
+    /// Add a sound that is on no list. `id` is this list's.
     void Append(std::uint32_t row, ListID id);
-    /// In front of the first sound, from the head, that is not less important: first among equals.
+    /// Inserts before the first sound, from the head, that is not less important: first among equals.
     void InsertSorted(std::uint32_t row, ListID id);
     void Remove(SoundRow& row);
-    /// The importance of a sound is about to change, so that the order may not hold any more.
+    /// Call it before the importance of a sound changes: the list may not be in order afterwards.
     void ForgetOrder();
 
-    /// All entries from the head, stale ones among them. Valid until the list changes.
+    /// All entries from the head, including stale ones. Valid until the list changes.
     std::span<const Entry> GetEntries();
     /// The same without stale ones; calls `visit` for the row of each.
     template<class Visit>
@@ -58,7 +58,7 @@ public:
         return order;
     }
     std::span<Entry> Compact();
-    /// The entries that Compact() gave have been put in order.
+    /// Records that the entries returned by Compact() have been sorted.
     void SetInOrder() { isInOrder = true; }
 
     /// Calls `visit` for every sound, from the head. The list must not change meanwhile.

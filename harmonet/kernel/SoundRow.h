@@ -11,65 +11,65 @@
 namespace Quon
 {
 
-/// Which of the kernel's lists a sound stands on: one at most.
+/// The kernel's lists; a sound is on one at most.
 enum class ListID : std::uint8_t
 {
     None,
     Playing, ///< It has a channel.
-    Emulated, ///< It runs without one.
-    Waiting, ///< It has been started and not yet dealt with.
+    Emulated, ///< It runs without a channel.
+    Waiting, ///< It has been started and not handled yet.
     Chosen, ///< During an allocation: it has won, and is about to get or keep its channel.
-    Paused ///< Time stands still for it.
+    Paused ///< Time is stopped for it.
 };
 inline constexpr std::size_t numLists = 6;
 
-/// What the kernel notes about a sound besides its flags.
+/// The kernel's marks of a sound, besides its flags.
 enum RowMarks : std::uint16_t
 {
     RowMoved = 0x0001, ///< Its node has moved since the last update.
-    RowPlaceKnown = 0x0002, ///< SoundRow::place is where its node is.
+    RowPlaceKnown = 0x0002, ///< SoundRow::place is up to date.
     RowCutout = 0x0004, ///< It is not audible beyond its maximum distance.
-    RowCounted = 0x0008, ///< SoundRow::samplesLeft counts, and its file stays behind.
-    RowRewound = 0x0010, ///< Counting has gone round the loop.
-    RowOwnRate = 0x0020, ///< Its rate is not that of its file.
-    RowPlaced = 0x0040, ///< Its place has been worked out before.
-    RowReturns = 0x0200, ///< On the playing list without a channel: it comes back from a pause.
-    RowWasHeard = 0x0400, ///< On the paused list: it had a channel, or is to have one at once.
-    RowWasWaiting = 0x0800, ///< On the paused list: it waited to be started.
+    RowCounted = 0x0008, ///< SoundRow::samplesLeft counts, and its file lags.
+    RowRewound = 0x0010, ///< Counting has passed the end of the loop.
+    RowOwnRate = 0x0020, ///< Its rate differs from that of its file.
+    RowPlaced = 0x0040, ///< Its place has been computed before.
+    RowReturns = 0x0200, ///< On the playing list without a channel: it resumes from a pause.
+    RowWasHeard = 0x0400, ///< On the paused list: it had a channel, or gets one at once.
+    RowWasWaiting = 0x0800, ///< On the paused list: it was waiting to start.
     RowDelayed = 0x1000, ///< Its delay is above 0.
     RowNewcomer = 0x2000 ///< It was started during the running update.
 };
 
-/// One step of a full update, as every sound gets it.
+/// One step of a full update, passed to every sound.
 struct UpdateStep
 {
     float seconds;
-    std::uint32_t ms; ///< By which a virtual sound moves on.
-    std::uint32_t minEmulationMs; ///< With less than this left, and the step, a virtual sound ends.
+    std::uint32_t ms; ///< Time by which a virtual sound advances.
+    std::uint32_t minEmulationMs; ///< A virtual sound with less than this plus the step left ends.
     Vector3 listener;
     bool listenerMoved;
     bool onlyCounts = false; ///< All that the step takes for the virtual sounds is counting.
     bool anyMoved = false; ///< One of them has moved.
 };
 
-/// What a full update reads and writes of a sound, in one cache line. The rows lie together (SoundRows); the
-/// sound object, which knows its row, is the rest.
+/// The data of a sound that a full update reads and writes, in one cache line. The rows are stored together
+/// (SoundRows); the sound object holds the rest and refers to its row.
 struct alignas(64) SoundRow : SoundRowHead
 {
     std::int32_t priority = 0;
     float distSqr = 0.0F;
     float multiplier = 1.0F;
     std::uint32_t stateTimeMs = 1000;
-    std::uint32_t nameNumber = 0xFFFFFFFF; ///< Of its file and owner name (NameIndex), or none.
-    std::uint32_t serial = 0; ///< Of its entry on the list; 0 on none. No two entries have the same.
+    std::uint32_t nameNumber = 0xFFFFFFFF; ///< Number of its file and owner name (NameIndex), or none.
+    std::uint32_t serial = 0; ///< Unique serial of its list entry; 0 if it is on no list.
     ListID list = ListID::None;
     SoundReason reason = SoundReason::None;
     std::uint16_t marks = RowMoved;
-    Vector3 place; ///< In the world.
+    Vector3 place; ///< World position.
     float maxDistance = 0.0F;
-    std::int32_t samplesLeft = 0; ///< Of the current file, from the sound's place in time on.
-    std::uint32_t rateHz = 0; ///< At which samplesLeft is counted.
-    SndBase* sound = nullptr; ///< Null for a row that is free.
+    std::int32_t samplesLeft = 0; ///< Left of the current file from the sound's playback position.
+    std::uint32_t rateHz = 0; ///< Rate of samplesLeft.
+    SndBase* sound = nullptr; ///< Null for a free row.
 
     bool HasAnyFlag(std::uint32_t mask) const { return (flags & mask) != 0; }
     bool HasMark(std::uint16_t mask) const { return (marks & mask) != 0; }
@@ -87,8 +87,8 @@ struct alignas(64) SoundRow : SoundRowHead
     void AddStateTime(unsigned long ms)
     {
         const std::uint64_t sum = stateTimeMs + std::uint64_t{ms};
-        constexpr std::uint64_t most = std::numeric_limits<std::uint32_t>::max();
-        stateTimeMs = static_cast<std::uint32_t>(sum < most ? sum : most);
+        constexpr std::uint64_t maximum = std::numeric_limits<std::uint32_t>::max();
+        stateTimeMs = static_cast<std::uint32_t>(sum < maximum ? sum : maximum);
     }
 
     void SetPlace(const Vector3& newPlace)
@@ -110,8 +110,8 @@ struct alignas(64) SoundRow : SoundRowHead
     void Measure(const Vector3& listener)
     {
         distSqr = CalcDistSqr(listener);
-        // On the squared distance: about 1 % of the distance itself. Between the two limits a sound stays as
-        // it is, so that one at the edge does not flip at each update.
+        // Factor on the squared distance: about 1 % of the distance itself. Between the two limits neither
+        // flag is set, so that a sound at the edge does not toggle in each update.
         constexpr float outerBand = 1.02F;
         flags &= ~(FlagDistLTMax | FlagDistGTMax);
         const float maxDistSqr = maxDistance * maxDistance;

@@ -45,7 +45,7 @@ std::uint32_t SoundRows::Take(SndBase& sound)
     return row;
 }
 
-// What still refers to the row as it was sees by the serial that it has gone.
+// The serial shows remaining references to the row that the sound no longer exists.
 void SoundRows::GiveBack(std::uint32_t row)
 {
     At(row) = SoundRow();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/Export.h"
 #include "harmonet/kernel/SoundRow.h"
 
 #include <cstdint>
@@ -7,18 +8,18 @@
 namespace Quon
 {
 
-/// The rows of all sounds that exist, whether the kernel knows them or not. A row stays at its address for as
-/// long as its sound lives, and its memory can be read for as long as there is a kernel. Task thread only.
-class SoundRows
+/// The rows of all existing sounds, whether added to the kernel or not. A row keeps its address while its
+/// sound exists, and its memory can be read while there is a kernel. Task thread only.
+class HARMONET_INTERNAL_API SoundRows
 {
 public:
-    /// A fresh row for the sound; returns its number.
+    /// Allocates a row for the sound; returns its number.
     static std::uint32_t Take(SndBase& sound);
     static void GiveBack(std::uint32_t row);
     static SoundRow& At(std::uint32_t row) { return chunks[row / chunkRows][row % chunkRows]; }
-    /// Frees the memory if there is no sound left.
+    /// Frees the memory if no sound exists.
     static void Trim();
-    /// Calls `visit` for every row in use, in the order in which they lie. Rows may come meanwhile.
+    /// Calls `visit` for every row in use, in memory order. Rows may be added meanwhile.
     template<class Visit>
     static void ForEach(Visit visit)
     {
@@ -40,8 +41,8 @@ private:
 
     static void AddChunk();
 
-    // Without a destructor: a sound may outlive the static objects. Not inline: on Windows each library and
-    // program that includes this would have variables of its own.
+    // Raw pointers without a destructor: a sound may outlive the static objects. Not inline: on Windows each
+    // library and program that includes this would have variables of its own.
     static SoundRow** chunks;
     static void** blocks; ///< In which the chunks lie, aligned.
     static std::uint32_t* useCounts; ///< Of the rows of each chunk.

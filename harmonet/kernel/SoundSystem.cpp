@@ -45,7 +45,7 @@ SoundSystem::~SoundSystem()
 bool SoundSystem::Init(OS* os, bool driverFlag)
 {
     if (theKernel) {
-        Report(MessageLevel::Error, "the sound system runs already");
+        Report(MessageLevel::Error, "the sound system is already running");
         return false;
     }
     try {
@@ -58,7 +58,7 @@ bool SoundSystem::Init(OS* os, bool driverFlag)
 
 bool SoundSystem::Start(OS* os, bool driverFlag)
 {
-    // The keys of the options are among them.
+    // They include the keys of the options.
     HarmonetStrings::Init();
     auto kernel = std::make_unique<SndKernel>();
     if (kernel->Init(os, driverFlag) != 0) {
@@ -66,7 +66,7 @@ bool SoundSystem::Start(OS* os, bool driverFlag)
     }
     auto made = std::make_unique<HarmonetTask>(kernel.get());
     static_cast<void>(kernel.release());
-    // A task that the engine has stopped by itself is still this object's.
+    // This object still owns a task that the engine has stopped.
     delete task;
     task = made.release();
     return true;

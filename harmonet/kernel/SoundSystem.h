@@ -15,52 +15,53 @@ class HarmonetTask;
 class OS;
 class SoundTrace;
 
-/// The front of the library for the host: starts and stops sound, sets the main gains, silences everything
-/// and limits the number of audible sounds.
+/// The library's interface for the host: starts and stops the sound system, sets the main gains, stops all
+/// sounds and limits the number of audible sounds.
 ///
-/// Any number of these objects may exist; there is one sound system, and all operations but Init() and Done()
-/// act on that one. While it is stopped they do nothing and return the empty value told with each. Everything
-/// is for the thread that runs the engine's tasks.
+/// Any number of these objects may exist, but there is one sound system, and all operations except Init() and
+/// Done() act on it. While it is stopped they do nothing and return the value documented for that case. Task
+/// thread only, which is the thread that runs the engine's tasks.
 class HARMONET_API SoundSystem
 {
 public:
-    /// What the output driver can do.
+    /// The capabilities of the output driver.
     using Caps = SoundCaps;
 
     SoundSystem();
     SoundSystem(const SoundSystem&) = delete;
     SoundSystem& operator=(const SoundSystem&) = delete;
-    /// As Done(). If that does nothing, the system runs until the engine ends its tasks.
+    /// Same as Done(). If that does nothing, the system runs until the engine ends its tasks.
     ~SoundSystem();
 
-    /// Starts the system: finds and opens an output driver, and enters a task that runs it. Needs the option
+    /// Starts the system: finds and opens an output driver, and adds a task that runs it. Requires the option
     /// "Sound", the names of driver libraries separated by commas; they are tried in order, and the first
-    /// that opens wins. "MaxSounds", "SoundCacheSize", "SoundFrequency" and "StreamLength" take their default
-    /// (20, 1000000, 22050, 500) if they are not set, not a number of 32 bits or out of range: below 0, for
-    /// the frequency below 1. "SoundSeed", default 0, seeds the random values by which definitions vary. `os`
-    /// must outlive the system. `driverFlag` goes to the driver. False, and the system stays stopped, when no
-    /// driver or no memory can be had; false also when the system runs already, which is left alone.
+    /// that opens is used. "MaxSounds", "SoundCacheSize", "SoundFrequency" and "StreamLength" take their
+    /// default (20, 1000000, 22050, 500) if they are not set, not a 32-bit number or out of range (below 0;
+    /// below 1 for the frequency). "SoundSeed", default 0, seeds the random variation of definitions. `os`
+    /// must outlive the system. `driverFlag` is passed to the driver. Returns false and leaves the system
+    /// stopped if no driver can be opened or memory runs out. Also returns false if the system is already
+    /// running, which is not affected.
     bool Init(OS* os, bool driverFlag);
-    /// Stops the system if this object has started it: ends all sounds, with their notifications, and
-    /// releases driver and files. What was an id finds nothing from then on. While it runs, no sound can be
-    /// made. Inside an observer's handler it does nothing, since that would take away what the handler was
-    /// called from.
+    /// Stops the system if this object has started it: ends all sounds, notifies their observers, and
+    /// releases driver and files. All ids are stale afterwards. No sound can be created while this function
+    /// runs. Does nothing when called from an observer's handler, since it would delete the caller of the
+    /// handler.
     void Done();
 
-    /// Asks the driver what it can do. False, with all flags clear, when there is no driver.
+    /// Queries the driver's capabilities. Returns false and clears all flags if there is no driver.
     bool GetCaps(Caps& caps);
-    /// Whether the driver has lost output for good: a file that is rendered into cannot take any more, since
-    /// the disk is full or the file as large as it can be. A sound card that can come back does not count.
-    /// False while the system is stopped.
+    /// Whether the driver has permanently lost its output: the output file cannot grow any more because the
+    /// disk is full or the file has its maximum size. A sound device that can return does not count. False
+    /// while the system is stopped.
     static bool HasLostOutput();
 
-    // Gains are linear factors and are clamped to 0.0 to 1.0; NaN changes nothing. A getter gives 0.0 while
-    // the system is stopped.
+    // Gains are linear factors and are clamped to 0.0..1.0; NaN is ignored. A getter returns 0.0 while the
+    // system is stopped.
 
-    /// The gain of the whole output; the driver keeps it.
+    /// The gain of the whole output; stored by the driver.
     static void SetMainGain(float gain);
     static float GetMainGain();
-    /// The gain of all sounds of a kind, heard at once.
+    /// The gain of all sounds of a kind; takes effect at once.
     static void Set2DMainGain(float gain);
     static float Get2DMainGain();
     static void Set3DMainGain(float gain);
@@ -68,63 +69,62 @@ public:
     static void SetMusicMainGain(float gain);
     static float GetMusicMainGain();
 
-    /// Gain of the high frequencies of all sounds and music, those to come included: see
-    /// Sound::SetSoundLowPass(). At the start it is 1.0.
+    /// Gain of the high frequencies of all sounds and music, including later ones: see
+    /// Sound::SetSoundLowPass(). Initially 1.0.
     static void SetLowPass(float gainHF);
     static float GetLowPass();
 
-    /// The Doppler effect of positional sounds: 0.0, the default, is off, 1.0 is as in nature; other values
-    /// exaggerate or reduce it. Clamped to 0.0 to 10.0; NaN changes nothing. Follows from how the nodes of
-    /// sounds and microphone move from update to update. In percent it is the option "SoundDoppler".
+    /// The Doppler effect of positional sounds: 0.0, the default, disables it, 1.0 is natural; other values
+    /// exaggerate or reduce it. Clamped to 0.0..10.0; NaN is ignored. It is computed from the motion of the
+    /// nodes of sounds and microphone between updates. The option "SoundDoppler" sets it in percent.
     static void SetDopplerFactor(float factor);
     static float GetDopplerFactor();
-    /// In world units per second, for the Doppler effect: 343.0 where a unit is a metre, which is the
-    /// default. Has to be above 0 and finite, or nothing changes. The option "SpeedOfSound".
+    /// The speed of sound for the Doppler effect, in world units per second. The default is 343.0, for units
+    /// of a metre. Values that are not finite or not above 0 are ignored. Also the option "SpeedOfSound".
     static void SetSpeedOfSound(float speed);
     static float GetSpeedOfSound();
 
-    /// Ends all sounds, music included; also what observers start in answer. Towards its end no sound can be
-    /// made.
+    /// Ends all sounds, including music and sounds that observers start in response. Towards its end no sound
+    /// can be created.
     static void StopAll();
-    /// Ends all sounds that are neither positional nor music.
+    /// Ends all non-positional sounds except music.
     static void StopAll2D();
     /// Ends all positional sounds.
     static void StopAll3D();
 
-    /// Pauses all sounds and music, those to come included, until ResumeAll(): see Sound::PauseSound(). What
-    /// is paused by itself or with its group stays so.
+    /// Pauses all sounds and music, including later ones, until ResumeAll(): see Sound::PauseSound(). A sound
+    /// that is also paused itself or with its group stays paused.
     static void PauseAll();
     static void ResumeAll();
     static bool IsAllPaused();
 
-    /// The limit of audible sounds, in force from the next full update. The driver is not told: beyond what
-    /// the option "MaxSounds" gave it at the start it may refuse channels. 2^31 and more silences all but
-    /// music, as 0 does.
+    /// Limits the number of audible sounds from the next full update on. The driver is not notified: above
+    /// the value that the option "MaxSounds" had at the start it may refuse channels. 0, and values of 2^31
+    /// and above, silence everything except music.
     void SetMaxAudibleSounds(unsigned int count);
     unsigned int GetMaxAudibleSounds();
 
-    /// Which effects new sounds take over from their resources: bit n stands for effect n of `SndFX`, 0 to 8.
-    /// All are enabled at the start. Sounds that exist keep theirs.
+    /// Selects which effects new sounds take from their resources: bit n is effect n of `SndFX`, 0 to 8. All
+    /// are enabled initially. Existing sounds keep theirs.
     void DisableResourceFX(unsigned long mask);
     void EnableResourceFX(unsigned long mask);
     unsigned long GetResourceFX();
 
     // For tools.
 
-    /// Takes a snapshot of each sound that exists, music, lines and their sources included, in no particular
-    /// order. Fills in as many of `states` as there are and returns how many sounds there are, which can be
-    /// more; 0 while the system is stopped. It allocates nothing and opens and moves no file, so that a debug
-    /// overlay can take it in each game frame. Call it with the same block again: what has not changed is the
-    /// cheaper.
+    /// Takes a snapshot of all existing sounds, including music, lines and their sources, in unspecified
+    /// order. Fills in up to `states.size()` entries and returns the number of sounds, which can be larger; 0
+    /// while the system is stopped. It does not allocate and does not open or move files, so a debug overlay
+    /// can call it in each game frame. Pass the same block each time: unchanged entries are cheaper.
     static std::size_t Inspect(std::span<SoundState> states);
-    /// Reports all that happens from here on to `trace`, also when the system is started anew. There is one
-    /// at a time; null ends it. It stays the caller's.
+    /// Reports all further events to `trace`, also after a restart of the system. There is one trace at a
+    /// time; null detaches it. The caller keeps ownership.
     static void SetTrace(SoundTrace* trace);
-    /// Milliseconds of full updates since the start of the system; wraps around at 2^32.
+    /// Milliseconds of full updates since the system was started; wraps around at 2^32.
     static std::uint32_t GetClockMs();
 
 private:
-    /// Init() of a stopped system. Throws when there is no memory, and the system stays stopped.
+    /// Init() of a stopped system. Throws when memory runs out, and the system stays stopped.
     bool Start(OS* os, bool driverFlag);
 
     HarmonetTask* task;

@@ -6,7 +6,7 @@ namespace Quon
 std::uint32_t SoundTable::Add(std::uint32_t row)
 {
     auto& bucket = buckets[BucketOf(SoundRows::At(row).sound->GetSoundID())];
-    // What needs memory comes first.
+    // Allocations come first.
     index.Reserve(HashOf);
     bucket.push_back(row);
     index.Add(row, HashOf(row));

@@ -8,8 +8,8 @@
 namespace Quon
 {
 
-/// The table of all sounds that exist, started or not, whichever list they are on, as row numbers. It finds a
-/// sound by its id, and it is what the bulk operations walk. Task thread only.
+/// The table of all existing sounds, started or not, whatever list they are on, as row numbers. It finds
+/// sounds by id, and bulk operations iterate over it. Task thread only.
 ///
 /// The sounds stand in 32 buckets by the low bits of their ids; ids are handed out in sequence and so spread
 /// evenly. Beside the buckets an index by id makes a look-up, an entry and a removal cost the same however
@@ -19,11 +19,11 @@ class SoundTable
 public:
     static constexpr std::size_t numBuckets = 32;
 
-    /// Enters a sound that is not in the table; returns its place.
+    /// Adds a sound that is not in the table; returns its place.
     std::uint32_t Add(std::uint32_t row);
     /// Takes the sound in that row out of its place, into which another may move: returns that one or null.
     SndBase* Remove(std::uint32_t row, std::uint32_t place);
-    /// The sound with that id, or null.
+    /// Returns the sound with that id, or null.
     SndBase* Find(int id) const
     {
         const std::uint32_t row = index.Find(Spread(id),
@@ -43,8 +43,8 @@ public:
 
 private:
     static std::size_t BucketOf(int id) { return static_cast<std::size_t>(id) & (numBuckets - 1); }
-    // Spread by the golden ratio: ids in sequence would fill the index without a gap, and closing one would
-    // then cost a walk over all of it.
+    // Distributed by the golden ratio: sequential ids would fill the index without gaps, and a removal would
+    // then have to scan all of it.
     static std::uint32_t Spread(int id)
     {
         constexpr std::uint32_t goldenRatio = 0x9E3779B1;

@@ -9,12 +9,12 @@ namespace Quon
 
 class SndKernel;
 
-/// A walk over one of the kernel's lists that stays sound whatever happens on the way, when observers start,
-/// stop and delete sounds. It visits the sounds that stood there when it began, in their order, and passes
-/// over those that have left the list meanwhile.
+/// An iteration over one of the kernel's lists that stays valid while observers start, stop and delete
+/// sounds. It visits the sounds that were on the list at its start, in their order, and skips those that have
+/// been removed meanwhile.
 ///
-/// It goes over a copy of the list's entries, whose serials tell what has left. The copies of nested walks
-/// lie behind one another in memory that the kernel keeps.
+/// It iterates over a copy of the list's entries, whose serials identify removed sounds. The copies of nested
+/// walks are stored one after the other in memory owned by the kernel.
 class SoundWalk
 {
 public:
@@ -24,10 +24,10 @@ public:
         FromTail
     };
 
-    /// What a walk does about sounds that were started during the running update.
+    /// How a walk treats sounds started during the running update.
     enum Newcomers
     {
-        PassOver, ///< They are for the next update.
+        SkipNewcomers, ///< Skip them; the next update handles them.
         Visit
     };
 
@@ -36,13 +36,13 @@ public:
     SoundWalk& operator=(const SoundWalk&) = delete;
     ~SoundWalk() { memory.resize(first); }
 
-    /// The next sound's row, or null at the end.
+    /// Returns the next sound's row, or null at the end.
     SoundRow* Next()
     {
         while (begin < end) {
             const SndList::Entry entry = memory[direction == FromHead ? begin++ : --end];
             SoundRow& row = entry.GetRow();
-            if (row.serial == entry.serial && !row.HasMark(passedOver)) {
+            if (row.serial == entry.serial && !row.HasMark(skippedMark)) {
                 return &row;
             }
         }
@@ -55,7 +55,7 @@ private:
     std::size_t begin;
     std::size_t end;
     const Direction direction;
-    const std::uint16_t passedOver; ///< The mark of those that are not visited, or none.
+    const std::uint16_t skippedMark; ///< The mark of sounds to skip, or none.
 };
 
 } // namespace Quon

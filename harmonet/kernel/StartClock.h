@@ -14,7 +14,7 @@ public:
     /// In place of a machine time: there is nothing to wait for.
     static constexpr std::int64_t now = 0;
 
-    /// A full update begins, so long after the last one.
+    /// Begins a full update, `elapsedMs` after the last one.
     void BeginUpdate(unsigned long elapsedMs)
     {
         previousUpdate = update;
@@ -48,8 +48,8 @@ private:
     static constexpr std::int64_t microsecondsPerMs = 1000;
     static std::int64_t ToMicroseconds(int ms) { return ms > 0 ? ms * microsecondsPerMs : 0; }
 
-    std::int64_t update = 0; ///< The game time of the last full update,
-    std::int64_t previousUpdate = 0; ///< and of the one before.
+    std::int64_t update = 0; ///< Game time of the last full update.
+    std::int64_t previousUpdate = 0; ///< Game time of the previous one.
 };
 
 } // namespace Quon

@@ -1,4 +1,4 @@
-// How many sounds of one definition run at once, and how closely their starts follow one another.
+// The limits of a definition: its number of instances and the interval of their starts.
 
 #include "harmonet/engine/Messages.h"
 #include "harmonet/instances/Microphone.h"
@@ -38,8 +38,7 @@ bool SndKernel::AdmitStart(SndBase& sound)
         return false;
     }
     if (!hasRoom) {
-        ReportNotStarted(
-            sound, definition, "as many sounds as may run at once, ", limits.maxInstances, ", run");
+        ReportNotStarted(sound, definition, "there are already ", limits.maxInstances, " running sounds");
         return false;
     }
     definition.running.push_back(id);
@@ -49,14 +48,14 @@ bool SndKernel::AdmitStart(SndBase& sound)
     return true;
 }
 
-// What an observer starts in answer to an end takes the room that has become free, and then the new sound
-// does not start: else the two could drive each other out for ever. For the same reason nothing gives way to
-// what is started meanwhile.
+// A sound that an observer starts in response to an end takes the free place, and then the new sound does not
+// start: otherwise the two could replace each other endlessly. For the same reason no sound is ended for one
+// started meanwhile.
 bool SndKernel::MakeRoom(SndBase& sound, DefinitionState& definition)
 {
     const auto isFull = [&definition] {
-        const int most = definition.limits.maxInstances;
-        return most > 0 && definition.running.size() >= static_cast<std::size_t>(most);
+        const int maximum = definition.limits.maxInstances;
+        return maximum > 0 && definition.running.size() >= static_cast<std::size_t>(maximum);
     };
     const int id = sound.GetSoundID();
     std::size_t mayEnd = definition.running.size();
@@ -89,7 +88,7 @@ SndBase* SndKernel::FindToGiveWay(const SndBase& newcomer, const DefinitionState
     float lowest = 0.0F;
     for (const int id : definition.running) {
         SndBase* const sound = FindSound(id);
-        if (!sound || sound->IsBeingTold()) {
+        if (!sound || sound->IsInNotification()) {
             continue;
         }
         const float level = takesQuietest ? CalcLevel(*sound) : 0.0F;

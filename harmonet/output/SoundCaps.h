@@ -5,16 +5,16 @@
 namespace Quon
 {
 
-/// What an output driver can do: 16 flags in two bytes, filled in by the driver. Known to users of the
-/// library as `SoundSystem::Caps`.
+/// The capabilities of an output driver: 16 flags in two bytes, filled in by the driver. Users of the library
+/// know it as `SoundSystem::Caps`.
 ///
-/// The library reads one flag, capEnvReverbSource; the others pass through to the host unread.
+/// The library reads one flag, capEnvReverbSource; the others are passed through to the host.
 struct SoundCaps
 {
     std::uint8_t low = 0; ///< Flags 0x0001 to 0x0080.
     std::uint8_t high = 0; ///< Flags 0x0100 to 0x8000.
 
-    /// The 16 flags as one number, `high` above `low`.
+    /// The 16 flags as one number, with `high` in the upper byte.
     unsigned int GetFlags() const { return static_cast<unsigned int>(high) << 8 | low; }
 
     /// Stores the lowest 16 bits of `flags`.

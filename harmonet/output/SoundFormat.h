@@ -5,15 +5,15 @@
 namespace Quon
 {
 
-/// The form of PCM sound: of what an output plays, and of what a reader of sound data hands out.
+/// The format of PCM sound: of the data an output plays or a reader of sound data delivers.
 ///
-/// A plain record that is copied by assignment. It says nothing about how the data are coded in a file.
+/// A plain record that is copied by assignment. It does not describe how the data are coded in a file.
 class HARMONET_API SoundFormat
 {
 public:
     SoundFormat() = default;
 
-    /// Sets all four values. Mind the order of the arguments: the length comes before the channels.
+    /// Sets all four values. Note the order of the arguments: the length comes before the channels.
     void SetFormat(int newBytesPerSample, int newSampleFrequency, int newSoundSamples, int newChannels);
 
     /// Bytes of one sample of one channel: 1 is unsigned, 2 and more are signed, all little-endian.

@@ -56,7 +56,7 @@ protected:
     SndFXList list;
 };
 
-TEST_F(FXLists, TheBlockIsSizeAndCountAndThenTheEntriesWithoutPadding)
+TEST_F(FXLists, TheBlockHasSizeCountAndUnpaddedEntries)
 {
     list.AddFX(SndFXChorus, &chorus, sizeof chorus, 0);
     EXPECT_EQ(GetWords(list).at(0), 44U);
@@ -77,7 +77,7 @@ TEST_F(FXLists, TheBlockIsSizeAndCountAndThenTheEntriesWithoutPadding)
     EXPECT_EQ(std::memcmp(list.GetFXDesc(SndFXEnvReverb)->GetRecord(), &fxEnvReverbCave, 48), 0);
 }
 
-TEST_F(FXLists, AnEffectThatIsThereIsOverwrittenInItsPlace)
+TEST_F(FXLists, AnExistingEffectIsOverwrittenInPlace)
 {
     list.AddFX(SndFXGargle, &gargle, sizeof gargle, 0);
     list.AddFX(SndFXEcho, &echo, sizeof echo, 0);
@@ -90,7 +90,7 @@ TEST_F(FXLists, AnEffectThatIsThereIsOverwrittenInItsPlace)
     EXPECT_EQ(words, (std::vector{52U, 2U, 7U, 8U, 70U, 0U}));
 }
 
-TEST_F(FXLists, TheMaskTakesOutItsEffectsAndKeepsTheOrderOfTheOthers)
+TEST_F(FXLists, TheMaskRemovesEffectsAndKeepsTheOrder)
 {
     list.AddFX(SndFXEcho, &echo, sizeof echo, 0);
     list.AddFX(SndFXEnvReverb, &fxEnvReverbForest, 52, 7);
@@ -111,7 +111,7 @@ TEST_F(FXLists, TheMaskTakesOutItsEffectsAndKeepsTheOrderOfTheOthers)
 }
 
 // A size that does not even hold the quality comes from a broken caller; the sanitizer watches the edges.
-TEST_F(FXLists, ARoomOfNoSizeStoresNothing)
+TEST_F(FXLists, AnEmptyRoomStoresNothing)
 {
     list.AddFX(SndFXEnvReverb, &fxEnvReverbCave, 2, 3);
     EXPECT_EQ(list.GetNumEffects(), 1U);

@@ -84,7 +84,7 @@ protected:
     Lines paper;
 };
 
-TEST_F(TextDocs, TheExamplesLoadAsTheyRead)
+TEST_F(TextDocs, ExamplesLoadAsDocumented)
 {
     EXPECT_EQ(Load(GetExample("## A definition from top to bottom")),
         "0: engine_loop.wav, looping 1, gain 0.8, delay 250, min 5, max 120, cutout 0, inner 60, outer 120, "
@@ -98,7 +98,7 @@ TEST_F(TextDocs, TheExamplesLoadAsTheyRead)
 }
 
 // Each row of a setting: the default, written into a definition, changes nothing.
-TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
+TEST_F(TextDocs, DefaultSettingsMatchTheLibrary)
 {
     int count = 0;
     for (const char* heading : {"## The sound", "### A sound with a place", "### Variation and limits"}) {
@@ -114,7 +114,7 @@ TEST_F(TextDocs, TheDefaultsOfTheSettingsAreThoseOfTheLibrary)
     EXPECT_EQ(count, 23);
 }
 
-TEST_F(TextDocs, EachEffectStandsThereWithItsFieldsTheirRangesAndDefaults)
+TEST_F(TextDocs, EveryEffectIsDocumentedWithRangesAndDefaults)
 {
     for (unsigned int effect = 0; effect < numResourceFX; ++effect) {
         const EffectKeywords& keywords = GetEffectKeywords(static_cast<SndFX>(effect));
@@ -131,7 +131,7 @@ TEST_F(TextDocs, EachEffectStandsThereWithItsFieldsTheirRangesAndDefaults)
             EXPECT_EQ(rows[i][0], field.keyword.GetView());
             EXPECT_EQ(rows[i][1], field.isInt ? "whole number" : "number");
             std::ostringstream range;
-            range << field.least << " to " << field.most;
+            range << field.minimum << " to " << field.maximum;
             EXPECT_TRUE((", " + rows[i][2]).ends_with(", " + range.str())) << rows[i][2];
             defaults += rows[i][0] + ' ' + rows[i][3] + '\n';
             const std::string number = ' ' + std::to_string(i + 1);

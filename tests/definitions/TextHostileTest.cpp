@@ -71,7 +71,7 @@ TEST_F(TextHostile, EveryTruncationLoadsOnceTheFileIsNamed)
     }
 }
 
-TEST_F(TextHostile, DamagedDefinitionsLeaveSaneSettings)
+TEST_F(TextHostile, DamagedDefinitionsLeaveValidSettings)
 {
     std::mt19937 random(20);
     const auto below = [&](std::size_t limit) { return random() % limit; };

@@ -32,7 +32,8 @@ public:
         }
         if (remark.fault == DefinitionFault::Refused || remark.fault == DefinitionFault::OutOfRange) {
             text += ": " + ToText(static_cast<float>(remark.value)) + " of " +
-                ToText(static_cast<float>(remark.least)) + " to " + ToText(static_cast<float>(remark.most));
+                ToText(static_cast<float>(remark.minimum)) + " to " +
+                ToText(static_cast<float>(remark.maximum));
         }
         remarks.push_back(text);
     }
@@ -94,7 +95,7 @@ TEST_F(TextSettings, EachKeywordReachesItsSetting)
     });
 }
 
-TEST_F(TextSettings, AFrequencyCountsFrom100To100000AndAsksForAChangingRateUnlessThereAreEffects)
+TEST_F(TextSettings, AFrequencyFrom100To100000AllowsRateChangesUnlessThereAreEffects)
 {
     CheckBlocks({
         {"*FREQUENCY 99\n*GAIN 0.5", "gain 0.5", {"3 *FREQUENCY out of range: 99 of 100 to 1e+05"}},
@@ -113,7 +114,7 @@ TEST_F(TextSettings, AFrequencyCountsFrom100To100000AndAsksForAChangingRateUnles
     });
 }
 
-TEST_F(TextSettings, ABadValueEndsTheReadingAndKeepsWhatCameBefore)
+TEST_F(TextSettings, ABadValueEndsTheReadAndKeepsEarlierSettings)
 {
     CheckBlocks({
         {"*DELAY 9\n*GAIN loud\n*LOOPING true\n*FX_ECHO { *DELAY 1 }", "delay 9",
@@ -131,7 +132,7 @@ TEST_F(TextSettings, ABadValueEndsTheReadingAndKeepsWhatCameBefore)
     });
 }
 
-TEST_F(TextSettings, AnEffectHasOneEntryInTheOrderOfItsFirstAppearance)
+TEST_F(TextSettings, AnEffectHasOneEntryInOrderOfFirstAppearance)
 {
     CheckBlocks({
         {"*FX_GARGLE\n*FX_ECHO", "gargle(20 0), echo(50 50 500 500 0)"},
@@ -175,7 +176,7 @@ TEST_F(TextSettings, WhatVariesAndItsLimitsAreReadAndWhatIsOutOfRangeIsLeftOut)
     });
 }
 
-TEST_F(TextSettings, ALineHasItsPointsInTheOrderOfTheTextAndNoneIfItFails)
+TEST_F(TextSettings, ALineHasItsPointsInOrderAndNoneAfterAnError)
 {
     const std::string good = "*POLYLINE {\n*POINT 0 0 0\n*POINT 1 0 0\n}\n";
     CheckBlocks({
@@ -194,7 +195,7 @@ TEST_F(TextSettings, ALineHasItsPointsInTheOrderOfTheTextAndNoneIfItFails)
     });
 }
 
-TEST_F(TextSettings, TheFileDecidesWhetherADefinitionLoads)
+TEST_F(TextSettings, ADefinitionLoadsIfItNamesAFile)
 {
     const Row rows[] = {
         {"*A 1\n*FILE x { *FILE a.wav }", "1: ", {"1 *A outside", "2 *FILE outside", "0 no definition"}},
@@ -220,14 +221,14 @@ TEST_F(TextSettings, TheFileDecidesWhetherADefinitionLoads)
     }
 }
 
-TEST_F(TextSettings, ALoadBeginsWithTheDefaultsExceptForTheFileName)
+TEST_F(TextSettings, ALoadResetsAllSettingsExceptTheFileName)
 {
     LoadBlock("*GAIN 0.5\n*LOOPING true\n*FX_GARGLE\n*POLYLINE { *ANGLE 1\n*POINT 0 0 0\n*POINT 1 0 0 }");
     EXPECT_EQ(Load("*SOUND_DEFINITION { *DELAY 5 }"), "1: a.wav, delay 5");
     EXPECT_EQ(Load(""), "1: a.wav");
 }
 
-TEST_F(TextSettings, AFileThatCannotBeOpenedTakesEffectsAndPointsAwayAndNothingElse)
+TEST_F(TextSettings, AFileThatCannotBeOpenedClearsOnlyEffectsAndPoints)
 {
     LoadBlock("*GAIN 0.5\n*FX_GARGLE\n*POLYLINE { *NUM_ADD_SOUNDS 2\n*POINT 0 0 0\n*POINT 1 0 0 }");
     std::string path = "a.sound.txt";

@@ -26,7 +26,7 @@ TEST_P(EveryDriver, ChannelsBeyondTheLimitAreRefusedUntilOneIsFree)
     }
 }
 
-TEST_P(EveryDriver, FilesOfNoPlayableFormAreRefused)
+TEST_P(EveryDriver, UnsupportedFormatsAreRefused)
 {
     const FormulaFile::Form forms[] = {{1000, 0, 1, 2}, {1000, -1, 1, 2}, {1000, 22050, 0, 2},
         {1000, 22050, 65535, 2}, {1000, 22050, 1, 0}, {1000, 22050, 1, 8}, {1000, 2000000000, 1, 2}};
@@ -35,7 +35,7 @@ TEST_P(EveryDriver, FilesOfNoPlayableFormAreRefused)
     }
 }
 
-TEST_P(EveryDriver, RatesBeyondTheRangeAreRefusedAndTheOldOneStays)
+TEST_P(EveryDriver, RatesOutOfRangeAreRefusedAndChangeNothing)
 {
     SndChannel* const channel = rig->Play(Make(1000));
     EXPECT_TRUE(channel->SetFrequency(100000));
@@ -49,7 +49,7 @@ TEST_P(EveryDriver, RatesBeyondTheRangeAreRefusedAndTheOldOneStays)
 
 // A read that comes short is not the end by itself: a coded stream that changes its channels half-way ends a
 // read at the change.
-TEST_P(EveryDriver, FilesAreReadAsFarAsTheirDataGoAndALoopWithoutDataEnds)
+TEST_P(EveryDriver, TruncatedFilesPlayTheirDataAndAnEmptyLoopEnds)
 {
     struct Row
     {
@@ -77,7 +77,7 @@ TEST_P(EveryDriver, FilesAreReadAsFarAsTheirDataGoAndALoopWithoutDataEnds)
     }
 }
 
-TEST_P(EveryDriver, EachStepOfAQueueAndItsEndAreReportedInTheUpdateInWhichTheyAreHeard)
+TEST_P(EveryDriver, QueueStepsAndEndsAreReportedInTheUpdateTheyAreHeard)
 {
     const std::vector<int> lengths = {5000, 1, 0, 12345, 0, 3, 3, 4000, 441};
     const std::vector<FormulaFile*> files = MakeQueue(lengths);
@@ -96,7 +96,7 @@ TEST_P(EveryDriver, EachStepOfAQueueAndItsEndAreReportedInTheUpdateInWhichTheyAr
     EXPECT_EQ(rig->TakeEvents(), events);
 }
 
-TEST_P(EveryDriver, RemainingLengthIsRightToTheMillisecondOverThreeFilesAndAtAnySpeed)
+TEST_P(EveryDriver, RemainingLengthIsExactOverThreeFilesAtAnySpeed)
 {
     for (const int speed : {1, 3}) {
         SCOPED_TRACE("speed " + std::to_string(speed));
@@ -116,7 +116,7 @@ TEST_P(EveryDriver, RemainingLengthIsRightToTheMillisecondOverThreeFilesAndAtAny
     }
 }
 
-TEST_P(EveryDriver, RemainingLengthOfALoopCountsToTheEndOfThePassThatIsHeard)
+TEST_P(EveryDriver, RemainingLengthOfALoopCountsToTheEndOfThePass)
 {
     SndChannel* const brief = rig->Play(Make(441), ChanLooping);
     SndChannel* const lengthy = rig->Play(Make(44100), ChanLooping);
@@ -127,7 +127,7 @@ TEST_P(EveryDriver, RemainingLengthOfALoopCountsToTheEndOfThePassThatIsHeard)
     }
 }
 
-TEST_P(EveryDriver, AFadeOutEndsAChannelAndTheNextSoundOnItHasNothingOfTheLast)
+TEST_P(EveryDriver, AFadeOutEndsAChannelAndLeavesNoState)
 {
     rig = GetParam()(1);
     SndChannel* const channel = rig->Play(Make(4410), ChanLooping);
@@ -146,7 +146,7 @@ TEST_P(EveryDriver, AFadeOutEndsAChannelAndTheNextSoundOnItHasNothingOfTheLast)
         rig->TakeEvents(), (std::vector<DriverEvent>{{SndChannelEnded, channel, nullptr, nullptr, 640}}));
 }
 
-TEST_P(EveryDriver, AFileAppendedAfterTheLastSampleFrameAndBeforeTheReportGoesOn)
+TEST_P(EveryDriver, AFileAppendedBeforeTheEndIsReportedContinues)
 {
     FormulaFile& first = Make(2000);
     FormulaFile& second = Make(2000);
@@ -167,7 +167,7 @@ TEST_P(EveryDriver, AFileAppendedAfterTheLastSampleFrameAndBeforeTheReportGoesOn
     EXPECT_EQ(second.GetFramesRead(), 2000);
 }
 
-TEST_P(EveryDriver, ACallbackMayStopOtherChannelsAndUseThemAnew)
+TEST_P(EveryDriver, ACallbackMayStopAndReuseOtherChannels)
 {
     FormulaFile& fresh = Make(44100);
     SndChannel* const first = rig->Play(Make(100));
@@ -182,7 +182,7 @@ TEST_P(EveryDriver, ACallbackMayStopOtherChannelsAndUseThemAnew)
     EXPECT_GE(fresh.GetFramesRead(), 1764);
 }
 
-TEST_P(EveryDriver, AfterStopNobodyTouchesTheFilesAndTheChainIsFoundFromItsOldestFile)
+TEST_P(EveryDriver, AfterStopFilesAreNotTouchedAndTheQueueIsReturned)
 {
     SndChannel* const other = rig->Play(*MakeQueue({100, 44100}).front());
     const std::vector<FormulaFile*> queue = MakeQueue({100, 44100});

@@ -15,7 +15,7 @@ std::unique_ptr<DriverRig> MakeNull(int maxChannels)
 INSTANTIATE_TEST_SUITE_P(
     , EveryDriver, testing::Values(MakeNull), [](const auto&) { return std::string("Null"); });
 
-TEST(NullDriver, AnHourOfUnevenStepsReadsEverySampleFrameThatIsDueAndNoMore)
+TEST(NullDriver, ReadsEveryDueSampleFrameOverAnHour)
 {
     const auto file = MakeFile({100 * 3600 * 1000, 11025}, Constant(0.0));
     const auto rig = MakeNull(1);
@@ -32,7 +32,7 @@ TEST(NullDriver, AnHourOfUnevenStepsReadsEverySampleFrameThatIsDueAndNoMore)
     }
 }
 
-TEST(NullDriver, ALoopIsNotReadThroughTimeAfterTimeAfterALongHalt)
+TEST(NullDriver, ALongHaltDoesNotReadALoopRepeatedly)
 {
     const auto file = MakeFile({1000, 10000}, Constant(0.0));
     const auto rig = MakeNull(1);

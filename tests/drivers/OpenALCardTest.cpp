@@ -66,7 +66,7 @@ protected:
     DriverRig rig{machine.MakeDriver()};
 };
 
-TEST_F(OpenALCard, SoundsThatAreStoppedAndTakenUpInTheMiddleOfAWaveDoNotClick)
+TEST_F(OpenALCard, StoppedAndResumedSoundsDoNotClick)
 {
     FormulaFile& file = rig.Make({100 * rateHz}, Sine(97, 0.8, rateHz));
     // With the longest read-ahead, so that a machine that is busy with other things breaks nothing off.
@@ -110,7 +110,7 @@ int CountGaps(const Rendering& heard, double risePerFrame, double tolerance = 64
     return gaps;
 }
 
-TEST_F(OpenALCard, ASlowDiskLeavesGapsAndLosesNothing)
+TEST_F(OpenALCard, ASlowDiskCausesUnderrunsWithoutLoss)
 {
     constexpr int length = 10 * rateHz;
     FormulaFile& slow = rig.Make({length}, [](int i, int) { return 0.25 + 0.25 * i / length; });
@@ -133,7 +133,7 @@ TEST_F(OpenALCard, ASlowDiskLeavesGapsAndLosesNothing)
 }
 
 // What is read ahead never gets to where it should be; Stop() waits for one read all the same.
-TEST_F(OpenALCard, ASoundWhoseDiskIsSlowerThanItselfCanBeStopped)
+TEST_F(OpenALCard, ASoundOnATooSlowDiskCanBeStopped)
 {
     constexpr int length = 10 * rateHz;
     FormulaFile& slow = rig.Make({length}, Constant(0.1));
@@ -145,7 +145,7 @@ TEST_F(OpenALCard, ASoundWhoseDiskIsSlowerThanItselfCanBeStopped)
     EXPECT_LT(slow.GetFramesRead(), length);
 }
 
-TEST_F(OpenALCard, NothingIsLostInAGameFrameOfTwoSecondsAndItsEventsComeInOneUpdate)
+TEST_F(OpenALCard, ALongGameFrameLosesNothingAndReportsInOneUpdate)
 {
     constexpr int length = 7 * rateHz / 10;
     FormulaFile* parts[3];
@@ -175,7 +175,7 @@ TEST_F(OpenALCard, NothingIsLostInAGameFrameOfTwoSecondsAndItsEventsComeInOneUpd
     EXPECT_NEAR(*std::max_element(heard.samples.begin(), heard.samples.end()), 0.5, 0.001);
 }
 
-TEST_F(OpenALCard, WithoutADeviceItOpensOnlyIfItIsToldToGoOnInSilenceOrToRender)
+TEST_F(OpenALCard, OpensWithoutADeviceOnlyForSilenceOrRendering)
 {
     // OpenAL cannot write to a folder: to it there is no card.
     fs::create_directory(cardPath);
@@ -191,7 +191,7 @@ TEST_F(OpenALCard, WithoutADeviceItOpensOnlyIfItIsToldToGoOnInSilenceOrToRender)
     EXPECT_EQ(rendered.Heard().GetFrames(), 44100U);
 }
 
-TEST_F(OpenALCard, RemainingLengthOnlyFallsWhileTheDeviceGoesAndComesBack)
+TEST_F(OpenALCard, RemainingLengthNeverGrowsWhileTheDeviceIsLost)
 {
     ASSERT_TRUE(rig.Open(rateHz, 4));
     SndChannel* const channel = rig.Play(rig.Make({3 * rateHz / 4}, Constant(0.1)));
@@ -211,7 +211,7 @@ TEST_F(OpenALCard, RemainingLengthOnlyFallsWhileTheDeviceGoesAndComesBack)
 }
 
 // The sound's height tells where in the sound one is.
-TEST_F(OpenALCard, WhenADeviceComesTheSoundIsHeardFromWhereItHasGotToAndWithItsSettings)
+TEST_F(OpenALCard, ANewDevicePlaysFromTheCurrentPositionWithAllSettings)
 {
     constexpr int length = 20 * rateHz;
     FormulaFile& ramp = rig.Make({length}, [](int i, int) { return 0.5 + 0.5 * i / length; });
@@ -237,7 +237,7 @@ TEST_F(OpenALCard, WhenADeviceComesTheSoundIsHeardFromWhereItHasGotToAndWithItsS
 }
 
 // Clicks with half a second between them, which a room fills.
-TEST_F(OpenALCard, ARoomThatIsSetWithoutADeviceIsHeardOnTheFirstOne)
+TEST_F(OpenALCard, ARoomSetWithoutADeviceIsAppliedToTheFirstOne)
 {
     FormulaFile& clicks = rig.Make({rateHz / 2}, [](int i, int) { return i < 441 ? 0.9 : 0.0; });
     machine.isThere = false;
@@ -269,7 +269,7 @@ TEST_F(OpenALCard, ARoomThatIsSetWithoutADeviceIsHeardOnTheFirstOne)
 
 #if !defined(_WIN32)
 // The card's file begins on a full disk, so that the first block that reaches the disk breaks it.
-TEST_F(OpenALCard, ACardThatBreaksInTheMiddleIsNoticedAndTheNextOneIsForHeadphonesToo)
+TEST_F(OpenALCard, ABrokenDeviceIsReplacedWithHrtfKept)
 {
     fs::create_symlink("/dev/full", cardPath);
     rig.GetOptions().Set("OpenALHRTF", "1");

@@ -47,7 +47,7 @@ protected:
     OfflineRig rig;
 };
 
-TEST_F(OpenALEffects, TheyGoByTheRateThatAFileHasWhenItIsRead)
+TEST_F(OpenALEffects, UseTheRateAFileHasWhenItIsRead)
 {
     list.Add(SndFXEcho, echo);
     FormulaFile& file =
@@ -60,7 +60,7 @@ TEST_F(OpenALEffects, TheyGoByTheRateThatAFileHasWhenItIsRead)
     EXPECT_LT(heard.Level(rateHz / 10, rateHz / 5, 0), 0.001);
 }
 
-TEST_F(OpenALEffects, TheEndComesWhenTheTailHasFallenBySixtyDecibels)
+TEST_F(OpenALEffects, EndWhenTheTailHasDecayedBy60Decibels)
 {
     list.Add(SndFXEcho, echo);
     FormulaFile& file = rig.Make({4410}, Constant(0.8));
@@ -87,7 +87,7 @@ TEST_F(OpenALEffects, TheEndComesWhenTheTailHasFallenBySixtyDecibels)
     EXPECT_FALSE(channel->GetFXEcho(&live));
 }
 
-TEST_F(OpenALEffects, AFileAppendedDuringTheTailGoesOnSoonAndThroughTheSameEffects)
+TEST_F(OpenALEffects, AFileAppendedDuringTheTailContinuesThroughTheSameEffects)
 {
     list.Add(SndFXEcho, echo);
     FormulaFile& first = rig.Make({4410}, Constant(0.8));

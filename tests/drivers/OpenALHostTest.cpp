@@ -130,7 +130,7 @@ void ExpectLeftAlone(bool isRendered, bool isThreadSet)
     ofThread.ExpectUntouched();
 }
 
-TEST(OpenALHost, ItsContextsOfProcessAndThreadAreLeftAloneByEveryCall)
+TEST(OpenALHost, NoCallChangesTheHostsContexts)
 {
     ASSERT_TRUE(isQuietOutput);
     for (const bool isRendered : {false, true}) {
@@ -186,7 +186,7 @@ void ExpectNoGrowth(int cycles, const std::function<void(int cycle)>& runCycle)
 /// The whole library with the OpenAL driver.
 using OpenALCycles = HostTest;
 
-TEST_F(OpenALCycles, StartingAndStoppingAnOutputLeavesNothingBehind)
+TEST_F(OpenALCycles, StartingAndStoppingAnOutputDoesNotLeak)
 {
     SetOption("Sound", "HarmonetOpenAL");
     MemoryBlock block({rateHz / 10, rateHz});
@@ -208,7 +208,7 @@ TEST_F(OpenALCycles, StartingAndStoppingAnOutputLeavesNothingBehind)
     }
 }
 
-TEST_F(OpenALCycles, StartingAndStoppingSoundsLeavesNothingBehind)
+TEST_F(OpenALCycles, StartingAndStoppingSoundsDoesNotLeak)
 {
     DriverRig rig("HarmonetOpenAL");
     ASSERT_TRUE(rig.Open(rateHz, 4));

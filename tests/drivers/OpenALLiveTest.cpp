@@ -155,7 +155,7 @@ protected:
     int ends = 0;
 };
 
-TEST_F(OpenALLive, AChannelWhoseLockIsHeldForLongDoesNotHoldUpTheOthers)
+TEST_F(OpenALLive, ALongHeldLockDoesNotBlockOtherChannels)
 {
     FormulaFile& held = rig.Make({100 * rateHz}, Constant(0.1));
     FormulaFile& other = rig.Make({100 * rateHz}, Constant(0.1));
@@ -170,7 +170,7 @@ TEST_F(OpenALLive, AChannelWhoseLockIsHeldForLongDoesNotHoldUpTheOthers)
     EXPECT_TRUE(held.WaitUntilRead(readSoFar + rateHz / 4)) << "and it goes on afterwards";
 }
 
-TEST_F(OpenALLive, NothingIsTouchedAfterItsEndAndEveryEventFitsItsSoundAlsoWhenTheDeviceComesAndGoes)
+TEST_F(OpenALLive, FilesAreNotTouchedAfterTheirEndAndEventsMatchTheirSounds)
 {
     FormulaFile& clock = rig.Make({100 * rateHz}, Constant(0.0));
     rig.Play(clock);

@@ -26,7 +26,7 @@ using testing::ElementsAreArray;
 constexpr float noNumber = std::numeric_limits<float>::quiet_NaN();
 constexpr float infinite = std::numeric_limits<float>::infinity();
 
-TEST(PcmConverter, EveryFormComesOutAsTheFloatsThatItsBytesStandFor)
+TEST(PcmConverter, EveryFormatConvertsExactly)
 {
     struct Row
     {
@@ -58,7 +58,7 @@ TEST(PcmConverter, EveryFormComesOutAsTheFloatsThatItsBytesStandFor)
     }
 }
 
-TEST(WavSink, SamplesAreRoundedToTheNearestAndClipped)
+TEST(WavSink, SamplesAreRoundedAndClipped)
 {
     const std::pair<float, int> rows[] = {{0.0F, 0}, {-1.0F, -32768}, {1.0F, 32767}, {7.0F, 32767},
         {-7.0F, -32768}, {0.6F / 32768, 1}, {0.4F / 32768, 0}, {-0.6F / 32768, -1}, {12345.0F / 32768, 12345},
@@ -70,7 +70,7 @@ TEST(WavSink, SamplesAreRoundedToTheNearestAndClipped)
 
 #if !defined(_WIN32)
 // The system refuses to let files grow beyond 20000 bytes, as a full disk would.
-TEST(WavSink, TheFileIsWholeAfterEveryCommitAndStaysSoWhenTheDiskRunsFull)
+TEST(WavSink, TheFileIsValidAfterEveryCommitAndWhenTheDiskIsFull)
 {
     const std::string path = (GetTestFolder() / "sink.wav").string();
     WavSink sink;
@@ -96,7 +96,7 @@ TEST(WavSink, TheFileIsWholeAfterEveryCommitAndStaysSoWhenTheDiskRunsFull)
 }
 #endif
 
-TEST(SilentClock, ItRunsAtTheSpeedItHasHadSinceItWasSet)
+TEST(SilentClock, KeepsItsSpeedSinceTheLastSet)
 {
     constexpr std::int64_t second = nanosecondsPerSecond;
     SilentClock clock;

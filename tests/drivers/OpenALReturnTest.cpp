@@ -110,7 +110,7 @@ Rendering RenderUndisturbed(const Row& row)
 
 // A library moves a sound without a channel on by the time that goes by, from where the driver has left its
 // file. So after any number of losses what is heard is what is heard without them.
-TEST(OpenALReturn, AfterAnyNumberOfLossesASoundIsWhereTimeSays)
+TEST(OpenALReturn, ResumesAtTheRightSampleAfterAnyNumberOfLosses)
 {
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -150,7 +150,7 @@ TEST(OpenALReturn, AfterAnyNumberOfLossesASoundIsWhereTimeSays)
     }
 }
 
-TEST(OpenALReturn, ASoundThatIsTakenOffFadesOutAndOneThatTheGameStopsFallsSilentAtOnce)
+TEST(OpenALReturn, ADisplacedSoundFadesOutAndAStoppedOneEndsAtOnce)
 {
     for (const bool isTaken : {true, false}) {
         OfflineRig rig(1);

@@ -84,7 +84,7 @@ protected:
 };
 
 // OpenAL does not bear every fall of high frequencies.
-TEST_F(Rooms, ARoomCanHaveAnyTimesThatItsFieldsAllow)
+TEST_F(Rooms, AcceptAnyTimesThatTheirFieldsAllow)
 {
     PlayTone(440);
     FXEnvReverb room = fxEnvReverbLivingRoom;
@@ -102,7 +102,7 @@ TEST_F(Rooms, ARoomCanHaveAnyTimesThatItsFieldsAllow)
 }
 
 // OpenAL fades a new room in by blocks, and bears not every length of them.
-TEST_F(Rooms, ARoomCanBeSetBeforeStepsOfAnyLengthAtAnyRate)
+TEST_F(Rooms, CanBeSetBeforeStepsOfAnyLengthAtAnyRate)
 {
     for (const int outputHz : {8000, 11025, 22050, 44100}) {
         for (const int ms : {1, 3, 7, 40}) {
@@ -125,7 +125,7 @@ TEST_F(Rooms, ARoomCanBeSetBeforeStepsOfAnyLengthAtAnyRate)
     }
 }
 
-TEST_F(Rooms, AClickDecaysInTheTimeOfItsRoom)
+TEST_F(Rooms, AClickDecaysInTheDecayTime)
 {
     struct Row
     {
@@ -154,7 +154,7 @@ TEST_F(Rooms, AClickDecaysInTheTimeOfItsRoom)
 }
 
 // A record's level means what is heard in a steady sound, however long the room rings.
-TEST_F(Rooms, TheLateReverbIsAsLoudAsItsRecordSaysAtAnyDecayTime)
+TEST_F(Rooms, LateReverbHasItsLevelAtAnyDecayTime)
 {
     const auto noise = MakeFile({rateHz}, [](int i, int) { return 0.2 * Scatter()(i, 0); });
     double usual = 0.0;
@@ -179,7 +179,7 @@ TEST_F(Rooms, TheLateReverbIsAsLoudAsItsRecordSaysAtAnyDecayTime)
     }
 }
 
-TEST_F(Rooms, OnlyPositionalSoundsThatDoNotRefuseAreInTheRoom)
+TEST_F(Rooms, OnlyPositionalSoundsAreInTheRoomUnlessTheyOptOut)
 {
     const std::pair<unsigned int, bool> rows[] = {
         {ChanPositional, true}, {ChanPositional | ChanDisableMicFX, false}, {0, false}};
@@ -200,7 +200,7 @@ TEST_F(Rooms, OnlyPositionalSoundsThatDoNotRefuseAreInTheRoom)
     }
 }
 
-TEST_F(Rooms, AChangeOfRoomDoesNotClickAndAfterAResetTheSoundIsAsDryAsBefore)
+TEST_F(Rooms, AChangeOfRoomDoesNotClickAndAResetRemovesIt)
 {
     const FXEnvReverb* const rooms[] = {&fxEnvReverbHangar, &fxEnvReverbPaddedCell, &fxEnvReverbUnderwater,
         &fxEnvReverbSewerPipe, nullptr, &fxEnvReverbBathRoom, &fxEnvReverbPsychotic};
@@ -226,7 +226,7 @@ TEST_F(Rooms, AChangeOfRoomDoesNotClickAndAfterAResetTheSoundIsAsDryAsBefore)
     }
 }
 
-TEST_F(Rooms, SourcePropertiesWeakenTheDirectSoundAndTheWayIntoTheRoom)
+TEST_F(Rooms, SourcePropertiesAttenuateDirectSoundAndSend)
 {
     // What is left, in hundredths of a decibel, of a low tone and of one at OpenAL's reference, 5 kHz.
     struct Row
@@ -263,7 +263,7 @@ TEST_F(Rooms, SourcePropertiesWeakenTheDirectSoundAndTheWayIntoTheRoom)
     }
 }
 
-TEST_F(Rooms, TheRoomIsAsLoudFromAfarUnlessTheSourceHasARolloffForIt)
+TEST_F(Rooms, RoomLevelIgnoresDistanceWithoutARoomRolloff)
 {
     SetRoom(&fxEnvReverbGeneric);
     SndChannel* const channel = PlayTone(100, &onlyRoom);
@@ -281,7 +281,7 @@ TEST_F(Rooms, TheRoomIsAsLoudFromAfarUnlessTheSourceHasARolloffForIt)
 }
 
 // As a sound card does it: time goes on in steps of 10 ms, and now and then the device mixes what is due.
-TEST(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
+TEST(RoomParts, AChangeOfRoomDoesNotClickWithLongMixPeriods)
 {
     OutputDevice device(DeviceSource::GetMachine());
     ASSERT_TRUE(device.OpenLoopback(rateHz, Hrtf::Off));
@@ -309,7 +309,7 @@ TEST(RoomParts, AChangeOfRoomDoesNotClickOnADeviceThatMixesSeldomEither)
             EXPECT_EQ(acoustics.SetRoom(room), room != nullptr);
         }
         acoustics.Tick(std::int64_t{ms} * rateHz / 1000);
-        if (source.IsBehind()) {
+        if (source.IsOutdated()) {
             source.Follow(voice.IsPlaying());
         }
         const int period = ms < 4500 ? 220 : 2500;
@@ -335,7 +335,7 @@ void GenOneSlot(ALsizei count, ALuint* slots)
     genSlots(slotsLeft-- > 0 ? count : -1, slots);
 }
 
-TEST(RoomParts, WithASingleSlotTheNextRoomFollowsWhenTheLastHasFallenSilent)
+TEST(RoomParts, WithASingleSlotTheNextRoomWaitsForSilence)
 {
     OutputDevice device(DeviceSource::GetMachine());
     ASSERT_TRUE(device.OpenLoopback(rateHz, Hrtf::Off));
@@ -376,7 +376,7 @@ protected:
     FXEnvReverb live{};
 };
 
-TEST_F(OwnRoom, ItRingsOutInItsTimeAfterTheSoundHasEnded)
+TEST_F(OwnRoom, RingsOutAfterTheSoundHasEnded)
 {
     for (const unsigned int flags : {0U, unsigned{ChanPositional}}) {
         const size_t begin = rig->Heard().GetFrames();
@@ -393,7 +393,7 @@ TEST_F(OwnRoom, ItRingsOutInItsTimeAfterTheSoundHasEnded)
     }
 }
 
-TEST_F(OwnRoom, ItIsAsFarAwayAsItsSound)
+TEST_F(OwnRoom, IsAttenuatedLikeItsSound)
 {
     double levels[2];
     for (const int far : {0, 1}) {
@@ -407,7 +407,7 @@ TEST_F(OwnRoom, ItIsAsFarAwayAsItsSound)
     EXPECT_NEAR(levels[1] / levels[0], 1.0 / 8, 0.01);
 }
 
-TEST_F(OwnRoom, StopCutsItOffWithoutAClick)
+TEST_F(OwnRoom, StopEndsItWithoutAClick)
 {
     SndChannel* const channel = PlayIn(fxEnvReverbHangar);
     rig->StepTimes(2, 45);
@@ -421,7 +421,7 @@ TEST_F(OwnRoom, StopCutsItOffWithoutAClick)
         heard.LargestStep(stopped, heard.GetFrames()), heard.LargestStep(stopped - rateHz / 20, stopped));
 }
 
-TEST_F(OwnRoom, LikeRoomsAreSharedAndThoseBeyondTheEighthAreNotApplied)
+TEST_F(OwnRoom, EqualRoomsAreSharedAndTheNinthIsNotApplied)
 {
     std::vector<SndChannel*> channels;
     for (int i = 0; i < 4; ++i) {

@@ -27,7 +27,7 @@ bool Configure()
 
 const bool isScarce = Configure();
 
-TEST(OpenALScarce, RoomsAreRefusedAndSoundsPlayAsWithoutThem)
+TEST(OpenALScarce, RoomsAreRefusedAndSoundsPlayWithoutThem)
 {
     ASSERT_TRUE(isScarce);
     OfflineRig rig;
@@ -49,7 +49,7 @@ TEST(OpenALScarce, RoomsAreRefusedAndSoundsPlayAsWithoutThem)
 
 // There are no spare sources for sounds that are falling silent, so that a stop in favour of another sound is
 // a cut.
-TEST(OpenALScarce, EverySourceThatThereIsPlaysAndIsUsedAgainAtOnceAndNoneMoreIsPromised)
+TEST(OpenALScarce, EverySourceIsUsedAndReusedAtOnce)
 {
     OfflineRig rig(24);
     std::vector<SndChannel*> channels;

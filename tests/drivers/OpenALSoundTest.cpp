@@ -22,7 +22,7 @@ std::unique_ptr<DriverRig> MakeOffline(int maxChannels)
 INSTANTIATE_TEST_SUITE_P(
     , EveryDriver, testing::Values(MakeOffline), [](const auto&) { return std::string("OpenAL"); });
 
-TEST(OpenALSound, GainAndMainGainAreFactorsAndWhatIsNoNumberIsIgnored)
+TEST(OpenALSound, GainAndMainGainMultiplyAndIgnoreNaN)
 {
     OfflineRig rig;
     SndDriver& driver = rig.GetDriver();
@@ -78,7 +78,7 @@ protected:
     SndChannel* channel = rig.Create(*file, ChanPositional);
 };
 
-TEST_F(Placed, GainFallsWithDistanceByTheInverseLawBetweenMinimumAndMaximum)
+TEST_F(Placed, GainFollowsTheInverseDistanceLaw)
 {
     struct Row
     {
@@ -101,7 +101,7 @@ TEST_F(Placed, GainFallsWithDistanceByTheInverseLawBetweenMinimumAndMaximum)
     }
 }
 
-TEST_F(Placed, CutoutSilencesASoundBeyondItsMaximumWhoeverMoves)
+TEST_F(Placed, CutoutSilencesASoundBeyondItsMaximum)
 {
     channel->SetMinMaxDistance(100, 20, true);
     channel->SetPosition({0, 0, -19});
@@ -122,7 +122,7 @@ TEST_F(Placed, CutoutSilencesASoundBeyondItsMaximumWhoeverMoves)
     EXPECT_NEAR(Gain(), 0.5, 0.002);
 }
 
-TEST_F(Placed, ConeGainGoesFromInnerToOuterAngleInAStraightLine)
+TEST_F(Placed, ConeGainIsLinearFromInnerToOuterAngle)
 {
     channel->SetCone(60.0F, 120.0F, 0.2F);
     channel->SetPosition({0, 0, -1});
@@ -140,7 +140,7 @@ TEST_F(Placed, ConeGainGoesFromInnerToOuterAngleInAStraightLine)
     EXPECT_NEAR(Gain(), 1.0, 0.002);
 }
 
-TEST_F(Placed, ASoundIsLouderOnItsOwnSideOfTheListener)
+TEST_F(Placed, ASoundIsLouderOnItsSide)
 {
     struct Row
     {
@@ -162,7 +162,7 @@ TEST_F(Placed, ASoundIsLouderOnItsOwnSideOfTheListener)
     }
 }
 
-TEST_F(Placed, NumbersThatAreNoneOrFarTooLargeLeaveNoTrace)
+TEST_F(Placed, NaNAndHugeValuesAreIgnored)
 {
     channel->SetMinMaxDistance(2, 50, false);
     Play();
@@ -186,7 +186,7 @@ TEST_F(Placed, NumbersThatAreNoneOrFarTooLargeLeaveNoTrace)
 
 // With a head between the ears, a sound from the right reaches the left one some 0.6 ms later. Only newer
 // versions of OpenAL Soft have a head at any rate.
-TEST(OpenALSound, HrtfDelaysTheFarEarOfWhatHasAPlace)
+TEST(OpenALSound, HrtfDelaysTheFarEarOfPositionalSounds)
 {
     struct Row
     {
@@ -212,7 +212,7 @@ TEST(OpenALSound, HrtfDelaysTheFarEarOfWhatHasAPlace)
     }
 }
 
-TEST(OpenALSound, TheRateOfAChannelIsTheSpeedOfItsSound)
+TEST(OpenALSound, TheRateOfAChannelSetsThePlaybackSpeed)
 {
     // A tone of 500 Hz, recorded at 22050.
     const std::pair<unsigned long, double> rows[] = {
@@ -233,7 +233,7 @@ TEST(OpenALSound, TheRateOfAChannelIsTheSpeedOfItsSound)
     }
 }
 
-TEST(OpenALSound, AChangeOfRateInTheMiddleLeavesNoGap)
+TEST(OpenALSound, AChangeOfRateLeavesNoGap)
 {
     OfflineRig rig;
     const auto file = MakeFile({40 * 22050, 22050}, Constant(0.5));

@@ -84,7 +84,7 @@ private:
 
 constexpr double frameMs = 1000.0 / rateHz;
 
-TEST(OpenALStart, ShotsAreHeardAsFarApartAsTheyWereAskedForToTheSampleFrame)
+TEST(OpenALStart, KeepsTheSpacingOfStartsToTheSampleFrame)
 {
     for (const long gameFrameMs : {5, 7, 16, 33}) {
         for (const bool immediately : {false, true}) {
@@ -107,7 +107,7 @@ TEST(OpenALStart, ShotsAreHeardAsFarApartAsTheyWereAskedForToTheSampleFrame)
     }
 }
 
-TEST(OpenALStart, WithoutTheOptionAShotIsHeardWithTheNextUpdate)
+TEST(OpenALStart, WithoutTheOptionStartsComeWithTheNextUpdate)
 {
     Game game(OfflineRig::OptionValues{{"OpenALKeepStartTimes", "0"}});
     for (int i = 0; i < 50; ++i) {
@@ -121,7 +121,7 @@ TEST(OpenALStart, WithoutTheOptionAShotIsHeardWithTheNextUpdate)
     }
 }
 
-TEST(OpenALStart, TheSilenceBeforeASoundIsNoPartOfItsLength)
+TEST(OpenALStart, LeadingSilenceDoesNotCountAsLength)
 {
     OfflineRig rig;
     FormulaFile& first = rig.Make({2205}, Constant(0.25));
@@ -147,7 +147,7 @@ TEST(OpenALStart, TheSilenceBeforeASoundIsNoPartOfItsLength)
     EXPECT_EQ(heard.FindFirst(0.1, 0), static_cast<size_t>(80 * rateHz / 1000));
 }
 
-TEST(StartTimes, TheLatencyIsTheLongestUsualTimeBetweenUpdates)
+TEST(StartTimes, LatencyIsTheLongestUsualTimeBetweenUpdates)
 {
     StartTimes times;
     const auto after = [&times](int updates, std::uint32_t ms) {
@@ -169,7 +169,7 @@ TEST(StartTimes, TheLatencyIsTheLongestUsualTimeBetweenUpdates)
 }
 
 // A device that mixes 20 ms at a time, up to 9 ms late, by a clock that goes wrong by a ten-thousandth.
-TEST(MixTimeline, TellsWhatAnEvenDeviceWouldHaveMixed)
+TEST(MixTimeline, EstimatesWhatAnEvenDeviceWouldHaveMixed)
 {
     MixTimeline timeline;
     constexpr std::int64_t ms = 1000000;

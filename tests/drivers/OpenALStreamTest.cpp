@@ -13,7 +13,7 @@ namespace
 constexpr int rateHz = OfflineRig::rateHz;
 
 // What follows the end is OpenAL's: silence at once, or a fade out from the last sample.
-TEST(OpenALStream, AQueueOfFilesAndALoopAreHeardBitByBitWithoutASeam)
+TEST(OpenALStream, AQueueAndALoopRenderBitExactWithoutASeam)
 {
     constexpr size_t fadeFrames = rateHz / 20;
     struct Row
@@ -89,7 +89,7 @@ TEST(OpenALStream, AnyNumberOfThreadsRendersTheSame)
     }
 }
 
-TEST(OpenALFade, FadesAreStraightLinesInWhichTheGainCountsAndTheEndOfOneIsTheEndOfTheSound)
+TEST(OpenALFade, FadesAreLinearAndAFadeOutEndsTheSound)
 {
     for (const int fileHz : {rateHz, 22050}) {
         OfflineRig rig;
@@ -142,7 +142,7 @@ void ExpectNoClick(const Rendering& heard, double level)
     EXPECT_LT(heard.LargestStep(1, heard.GetFrames()), 2 * steepestOfTone);
 }
 
-TEST(OpenALClick, AStopInTheMiddleOfAWaveStaysBelowTwiceTheWavesOwnSteepestStep)
+TEST(OpenALClick, AStopDoesNotClick)
 {
     for (const ToneRow& row : toneRows) {
         // From one peak of the tone over its zero to the other, and after steps of several lengths.
@@ -161,7 +161,7 @@ TEST(OpenALClick, AStopInTheMiddleOfAWaveStaysBelowTwiceTheWavesOwnSteepestStep)
     }
 }
 
-TEST(OpenALClick, ASoundThatComesBackInTheMiddleOfAWaveRisesAndOneAtItsStartKeepsItsAttack)
+TEST(OpenALClick, AResumedSoundFadesInAndANewOneKeepsItsAttack)
 {
     for (const ToneRow& row : toneRows) {
         for (int quarter = 0; quarter < 4; ++quarter) {

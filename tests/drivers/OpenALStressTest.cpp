@@ -159,7 +159,7 @@ protected:
     Sound group;
 };
 
-TEST_F(StressGame, EverySoundBeginsAndEndsOnceAndEveryBlockComesBackOnce)
+TEST_F(StressGame, EverySoundBeginsAndEndsOnceAndEveryBlockIsReturnedOnce)
 {
     ASSERT_TRUE(isQuietOutput);
     ASSERT_TRUE(Start());

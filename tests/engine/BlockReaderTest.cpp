@@ -119,7 +119,7 @@ TEST_F(BlockReaders, ReadTheTextForm)
     }
 }
 
-TEST_F(BlockReaders, StaySafeWhenTheCallsComeOutOfOrder)
+TEST_F(BlockReaders, AreSafeWhenCalledOutOfOrder)
 {
     PString keyword;
     int value = 0;
@@ -151,7 +151,7 @@ TEST_F(BlockReaders, StaySafeWhenTheCallsComeOutOfOrder)
     EXPECT_TRUE(outer.ReadInt(value));
 }
 
-TEST_F(BlockReaders, TakeWholeNumbersOf32BitsAndTruthValuesOnly)
+TEST_F(BlockReaders, AcceptOnly32BitIntegersAndBooleans)
 {
     const std::pair<const char*, int> numbers[] = {{"0", 0}, {"-1", -1}, {"+12", 12}, {"007", 7},
         {"2147483647", 2147483647}, {"-2147483648", -2147483647 - 1}};
@@ -172,7 +172,7 @@ TEST_F(BlockReaders, TakeWholeNumbersOf32BitsAndTruthValuesOnly)
     }
 }
 
-TEST_F(BlockReaders, TakeFiniteFloatsWhateverTheLocale)
+TEST_F(BlockReaders, AcceptFiniteFloatsInAnyLocale)
 {
     const std::pair<const char*, float> good[] = {{"0.8", 0.8F}, {"-50.0", -50.0F}, {"1e3", 1000.0F},
         {"+.5", 0.5F}, {"5.", 5.0F}, {"12", 12.0F}, {"3.4028234e38", 3.4028234e38F}};
@@ -192,7 +192,7 @@ TEST_F(BlockReaders, TakeFiniteFloatsWhateverTheLocale)
     std::setlocale(LC_ALL, "C");
 }
 
-TEST_F(BlockReaders, LeaveAValueOfAnotherKindForTheNextRead)
+TEST_F(BlockReaders, LeaveAValueOfAnotherTypeForTheNextRead)
 {
     PString text;
     BlockReader& block = ReaderOf("*A 1 2.5 x 4\n*B 1");
@@ -212,7 +212,7 @@ TEST_F(BlockReaders, LeaveAValueOfAnotherKindForTheNextRead)
     EXPECT_STREQ(text.GetText(), "x");
 }
 
-TEST_F(BlockReaders, BoundTheLengthOfWords)
+TEST_F(BlockReaders, LimitTheLengthOfWords)
 {
     const std::string longest(BlockReader::maxTokenLength, 'x');
     EXPECT_EQ(TreeOf("*A " + longest + " 1"), "*A(" + longest + ",1 ");
@@ -222,7 +222,7 @@ TEST_F(BlockReaders, BoundTheLengthOfWords)
     EXPECT_EQ(TreeOf("*" + longest + " { *IN }\n*B 1"), "*B(1 ");
 }
 
-TEST_F(BlockReaders, BoundTheDepthOfBlocks)
+TEST_F(BlockReaders, LimitTheDepthOfBlocks)
 {
     std::string text = "*BOTTOM 1 { *UNSEEN }";
     std::string tree = "*BOTTOM(1 ";
@@ -237,7 +237,7 @@ TEST_F(BlockReaders, BoundTheDepthOfBlocks)
 }
 
 // Signs of two characters at each place around the border of a piece.
-TEST_F(BlockReaders, KeepSignsOfTwoCharactersTogetherAcrossASeam)
+TEST_F(BlockReaders, KeepTwoCharacterTokensTogetherAcrossBuffers)
 {
     for (std::size_t padding = 4060; padding < 4100; ++padding) {
         SCOPED_TRACE("padding " + std::to_string(padding));
@@ -263,7 +263,7 @@ public:
 
 // On the reader and on those that it gave, also on those that have been left. Half of the texts are of the
 // signs that count, the others of any.
-TEST_F(BlockReaders, EndWhateverIsCalledOnWhateverText)
+TEST_F(BlockReaders, TerminateForAnyCallsOnAnyText)
 {
     constexpr std::string_view telling = "**** {{}}\"\"//##\n\n\r\t 01.-+eE\\ab\xFF";
     std::mt19937 random(20260701);

@@ -40,7 +40,7 @@ int Answer(DynamicLibrary& library)
     return answer();
 }
 
-TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrderOrBesideTheEngine)
+TEST(DynamicLibrary, SearchesDriverFoldersInOrderThenTheEngineFolder)
 {
     const TempFolder broken;
     broken.Write(moduleName, "this is no library");
@@ -67,7 +67,7 @@ TEST(DynamicLibrary, IsFoundInTheDriverFoldersInTheirOrderOrBesideTheEngine)
 }
 
 // The loader could find a file again that was refused, and would not look at it as closely.
-TEST(DynamicLibrary, IsLeftToTheLoaderOnlyWhenNoFolderHasIt)
+TEST(DynamicLibrary, FallsBackToTheSystemLoader)
 {
     OS os;
     EXPECT_TRUE(MakeLibrary(os)->Open(systemLibrary));
@@ -77,7 +77,7 @@ TEST(DynamicLibrary, IsLeftToTheLoaderOnlyWhenNoFolderHasIt)
     EXPECT_FALSE(MakeLibrary(os)->Open(systemLibrary));
 }
 
-TEST(DynamicLibrary, LetsGoOfTheOldLibraryWhenItOpensAnother)
+TEST(DynamicLibrary, ClosesTheOldLibraryBeforeOpeningAnother)
 {
     const OS os;
     const auto library = MakeLibrary(os);
@@ -94,7 +94,7 @@ TEST(DynamicLibrary, LetsGoOfTheOldLibraryWhenItOpensAnother)
     EXPECT_EQ(Answer(*library), -1);
 }
 
-TEST(DynamicLibrary, RefusesWhatIsNoLibrary)
+TEST(DynamicLibrary, RefusesFilesThatAreNotLibraries)
 {
     const TempFolder folder;
     folder.Write("text" + suffix, "#!/bin/sh\necho no\n");
@@ -117,7 +117,7 @@ TEST(DynamicLibrary, RefusesWhatIsNoLibrary)
 
 // The platform's loader maps a torn library without a look at its length and dies of it, so each prefix must
 // be refused before, or be enough to run.
-TEST(DynamicLibrary, RefusesEveryTruncationThatCannotRun)
+TEST(DynamicLibrary, RefusesTruncatedLibraries)
 {
     const TempFolder folder;
     const std::uintmax_t whole = std::filesystem::file_size(module);

@@ -46,7 +46,7 @@ std::vector<unsigned long> WalkOver(File& file, unsigned int seed)
 }
 
 // Whoever reads cannot tell where a file comes from.
-TEST_F(FileSources, AreReadAsAFolderIs)
+TEST_F(FileSources, ReadTheSameAsAFolder)
 {
     TempFolder folder;
     MemorySource::Bytes bytes(150);
@@ -92,7 +92,7 @@ TEST_F(FileSources, GetCheckedNames)
     }
 }
 
-TEST_F(FileSources, AreRefusedForTheirSizeAsAFolderIs)
+TEST_F(FileSources, RefuseTheSameSizesAsAFolder)
 {
     source->files["a.bin"] = {1, 2, 3};
     source->files["empty.bin"] = {};
@@ -110,7 +110,7 @@ TEST_F(FileSources, AreRefusedForTheirSizeAsAFolderIs)
 }
 
 // A pak on a disk that fails, or one that is shorter than its directory says.
-TEST_F(FileSources, EndWhereTheirStreamFailsAndGoOnWhenItWorksAgain)
+TEST_F(FileSources, EndOnAStreamErrorAndContinueAfterIt)
 {
     source->files["a.bin"] = {1, 2, 3, 4};
     source->statedSize = 10;
@@ -132,7 +132,7 @@ TEST_F(FileSources, EndWhereTheirStreamFailsAndGoOnWhenItWorksAgain)
     EXPECT_EQ(source->seeks, 1) << "where a stream that failed stands is unknown";
 }
 
-TEST_F(FileSources, LiveAsLongAsTheirFiles)
+TEST_F(FileSources, OutliveTheirOpenFiles)
 {
     const std::weak_ptr<MemorySource> watched = [this] {
         auto other = std::make_shared<MemorySource>();

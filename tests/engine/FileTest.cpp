@@ -33,7 +33,7 @@ TEST_F(Files, ReadAndSeekByBytes)
     EXPECT_EQ(file.Seek(0, FileSeek::Start), +File::seekFailed);
 }
 
-TEST_F(Files, NamesStayBelowTheirRoot)
+TEST_F(Files, NamesCannotLeaveTheRoot)
 {
     const std::vector<NameAndCode> rows = {
         {"inside.txt", File::Opened},
@@ -93,7 +93,7 @@ TEST_F(Files, AreListedBelowAFolderWithTheNamesByWhichTheyOpen)
     EXPECT_EQ(File::List("nobody", "", names).GetCode(), File::NoRoot);
 }
 
-TEST_F(Files, TellWhyTheyDoNotOpen)
+TEST_F(Files, ReportWhyTheyDoNotOpen)
 {
     folder.Write("root/empty.wav", "");
     folder.Write("root/large.wav", "x");
@@ -132,7 +132,7 @@ TEST_F(Files, HaveARootForEachOwner)
     File::RemoveRoot(other);
 }
 
-TEST_F(Files, KeepTheLengthThatWasAskedFirstAndThrowWhenTheSystemTellsNone)
+TEST_F(Files, KeepTheFirstLengthAndThrowWhenItIsUnknown)
 {
     ASSERT_EQ(Open("inside.txt"), File::Opened);
     EXPECT_EQ(file.Size(), 10U);

@@ -23,7 +23,7 @@ struct Derived : Counted
     char more[1000] = {};
 };
 
-TEST(Alloc, CountsBlocksUntilTheyGoAndRefusesFourGibibytesInOnePiece)
+TEST(Alloc, CountsLiveBlocksAndRefusesFourGibibytes)
 {
     const std::size_t before = Alloc::LiveBlocks();
     {
@@ -59,7 +59,7 @@ protected:
     SyncObject* const all[2] = {&section, &mutex};
 };
 
-TEST_F(Locks, AreHeldUntilTheLastOfNestedUnlocks)
+TEST_F(Locks, AreRecursive)
 {
     for (SyncObject* const lock : all) {
         ASSERT_TRUE(lock->Lock(-1));
@@ -79,7 +79,7 @@ TEST_F(Locks, AreHeldUntilTheLastOfNestedUnlocks)
     EXPECT_TRUE(IsFreeForAnotherThread(held));
 }
 
-TEST_F(Locks, KeepTheThreadsApart)
+TEST_F(Locks, ExcludeOtherThreads)
 {
     for (SyncObject* const lock : all) {
         int counter = 0;
@@ -96,7 +96,7 @@ TEST_F(Locks, KeepTheThreadsApart)
     }
 }
 
-TEST(ExceptionHandler, PassesTheResultOnAndStopsEveryException)
+TEST(ExceptionHandler, ReturnsTheResultAndCatchesEveryException)
 {
     const auto twice = [](void* argument) { return 2 * *static_cast<int*>(argument); };
     int number = 21;

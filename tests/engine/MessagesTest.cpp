@@ -13,7 +13,7 @@ namespace Quon
 namespace
 {
 
-TEST(MessageHooks, HearWhatIsPutTogetherAndCountAsLongAsTheirOwnerLives)
+TEST(MessageHooks, ReceiveFormattedMessagesWhileTheirOwnerLives)
 {
     auto first = std::make_unique<OS>();
     OS second;
@@ -50,7 +50,7 @@ TEST(MessageHooks, MayCauseFailuresThemselves)
     EXPECT_EQ(count, 2);
 }
 
-TEST(MessageHooks, HearOfOptionsWithTheirValues)
+TEST(MessageHooks, ReportOptionsWithTheirValues)
 {
     OS os;
     MessageLog log(os);
@@ -63,10 +63,10 @@ TEST(MessageHooks, HearOfOptionsWithTheirValues)
     String text;
     EXPECT_FALSE(options.Get("SoundFrequency", value, 22050));
     EXPECT_FALSE(options.Get("Missing", value, 22050));
-    EXPECT_EQ(log.Take(),
-        "W option SoundFrequency=44100.0: expected a whole number of 32 bits; it takes the default 22050\n");
+    EXPECT_EQ(
+        log.Take(), "W option SoundFrequency=44100.0: expected a 32-bit integer; using the default 22050\n");
     options.ReportUnread();
-    EXPECT_EQ(log.Take(), "N option MaxSound=40: nothing has asked for an option of this name so far\n");
+    EXPECT_EQ(log.Take(), "N option MaxSound=40: no option of this name has been read so far\n");
     EXPECT_TRUE(options.Get("MaxSound", text, nullptr));
     options.ReportUnread();
     EXPECT_EQ(log.Take(), "");
@@ -85,7 +85,7 @@ TEST(MessageHooks, HearOfOptionsWithTheirValues)
             path + "', line 4: 'C 3' does not have the form Key=Value\n");
 }
 
-TEST(MessageHooks, HearWhyALibraryDoesNotLoad)
+TEST(MessageHooks, ReportWhyALibraryDoesNotLoad)
 {
     OS os;
     MessageLog log(os);
@@ -94,13 +94,13 @@ TEST(MessageHooks, HearWhyALibraryDoesNotLoad)
     const std::unique_ptr<DynamicLibrary> library(os.CreateDynamicLibrary());
     folder.Write("torn.lib", "no library");
     EXPECT_FALSE(library->Open("torn.lib"));
-    EXPECT_NE(log.Take().find("torn.lib' is no library, or only the first part of one"), std::string::npos);
+    EXPECT_NE(log.Take().find("torn.lib' is not a library, or is truncated"), std::string::npos);
     EXPECT_FALSE(library->Open("missing.lib"));
     const std::string reason = log.Take();
     EXPECT_TRUE(reason.starts_with("W library 'missing.lib' cannot be loaded: ")) << reason;
     EXPECT_GT(reason.size(), std::string("W library 'missing.lib' cannot be loaded: \n").size());
     EXPECT_FALSE(library->Open("no folder/missing.lib"));
-    EXPECT_EQ(log.Take(), "W library 'no folder/missing.lib' is not there\n");
+    EXPECT_EQ(log.Take(), "W library 'no folder/missing.lib' does not exist\n");
 }
 
 } // namespace

@@ -23,7 +23,7 @@ std::vector<std::string> Items(const Options& options, const char* key)
 
 using List = std::vector<std::string>;
 
-TEST(Options, GiveWholeNumbersOf32BitsAndTheDefaultForAllElse)
+TEST(Options, Give32BitIntegersAndTheDefaultOtherwise)
 {
     const auto read = [](const char* text) {
         Options options;
@@ -43,7 +43,7 @@ TEST(Options, GiveWholeNumbersOf32BitsAndTheDefaultForAllElse)
     EXPECT_EQ(read(nullptr), std::pair(false, 99));
 }
 
-TEST(Options, WalkAListOnceAndAnewAfterItsSeparatorsAreSet)
+TEST(Options, IterateAListOnceAndAgainAfterTheSeparatorsChange)
 {
     const struct
     {
@@ -73,7 +73,7 @@ TEST(Options, WalkAListOnceAndAnewAfterItsSeparatorsAreSet)
     }
 }
 
-TEST(Options, HaveNoItemsAndNoTextWhenTheyAreNotSet)
+TEST(Options, AreEmptyWhenNotSet)
 {
     Options options;
     options.SetSeperators("Sound", ",");
@@ -98,7 +98,7 @@ std::string Texts(Options& options, std::initializer_list<const char*> keys)
     return all;
 }
 
-TEST(Options, ComeFromATextFileAndTellWhichLineIsNone)
+TEST(Options, ComeFromATextFileAndReportInvalidLines)
 {
     const TempFolder folder;
     const struct

@@ -71,7 +71,7 @@ TEST(Particle, IsAddedByTheNameOfANode)
     EXPECT_EQ(arm.GetParent(), &root);
 }
 
-TEST(Particle, CopiesItsValueAndNotItsPlace)
+TEST(Particle, CopiesItsValueAndNotItsParent)
 {
     Node child;
     Node source("source");
@@ -87,7 +87,7 @@ TEST(Particle, CopiesItsValueAndNotItsPlace)
     EXPECT_TRUE(copy.GetName() == PString("source"));
 }
 
-TEST(Particle, CarriesItsSphereAlongUnlessThatIsStale)
+TEST(Particle, KeepsItsBoundingSphereUnlessStale)
 {
     Node node;
     node.SetPosition({10, 0, 0});
@@ -113,7 +113,7 @@ TEST(Particle, CarriesItsSphereAlongUnlessThatIsStale)
     EXPECT_TRUE(parent.boundingSphereStale);
 }
 
-TEST(Particle, CopesWithVeryDeepTrees)
+TEST(Particle, HandlesVeryDeepTrees)
 {
     std::vector<std::unique_ptr<Node>> nodes;
     for (int i = 0; i < 5000; ++i) {

@@ -26,7 +26,7 @@ void ExpectUnit(const Quaternion& q)
 }
 
 // About X, Y, Z: the trace is -1 and only one of the four ways to the fields works.
-TEST(Quaternion, TakesHalfTurnsFromTheirMatrices)
+TEST(Quaternion, ConvertsHalfTurnMatrices)
 {
     constexpr float signs[3][3] = {{1, -1, -1}, {-1, 1, -1}, {-1, -1, 1}};
     for (const auto& [x, y, z] : signs) {
@@ -36,7 +36,7 @@ TEST(Quaternion, TakesHalfTurnsFromTheirMatrices)
     }
 }
 
-TEST(Quaternion, StaysFiniteAndOfLengthOneForMatricesThatAreNoRotations)
+TEST(Quaternion, StaysNormalisedForMatricesThatAreNotRotations)
 {
     constexpr float nan = std::numeric_limits<float>::quiet_NaN();
     constexpr float huge = std::numeric_limits<float>::max();
@@ -57,7 +57,7 @@ TEST(Quaternion, StaysFiniteAndOfLengthOneForMatricesThatAreNoRotations)
     }
 }
 
-TEST(Quaternion, RotateKnowsNoLengthAndAProductTurnsByTheInnerOneFirst)
+TEST(Quaternion, RotateIgnoresLengthAndAProductAppliesTheInnerFirst)
 {
     // A third of a turn about the diagonal: X goes to Y, Y to Z.
     const Quaternion third{0.5F, 0.5F, 0.5F, 0.5F};

@@ -113,7 +113,7 @@ protected:
     std::unique_ptr<ResourceDatabase> database;
 };
 
-TEST_F(Resources, AreMadeByTheTypeWithTheLongestEndingAndLoadedByItsEntry)
+TEST_F(Resources, AreCreatedByTheTypeWithTheLongestMatchingExtension)
 {
     const struct
     {
@@ -144,7 +144,7 @@ TEST_F(Resources, AreMadeByTheTypeWithTheLongestEndingAndLoadedByItsEntry)
     }
 }
 
-TEST_F(Resources, AreSharedByNameAndCountedAndTriedAgainAfterAFailedLoad)
+TEST_F(Resources, AreSharedByNameAndRetriedAfterAFailedLoad)
 {
     const Resource* const resource = Find("shot.wav");
     EXPECT_EQ(Find("shot.wav"), resource);
@@ -166,7 +166,7 @@ TEST_F(Resources, AreSharedByNameAndCountedAndTriedAgainAfterAFailedLoad)
     EXPECT_TRUE(resource->ReleaseReference());
 }
 
-TEST_F(Resources, AreLoadedAgainWhenTheirFileHasChangedAndKeptWhileItIsGone)
+TEST_F(Resources, AreReloadedWhenTheirFileChangesAndKeptWhileItIsMissing)
 {
     const Resource* const idle = Find("shot.wav");
     const Resource* const locked = Find("horn.sound");
@@ -199,7 +199,7 @@ TEST_F(Resources, AreLoadedAgainWhenTheirFileHasChangedAndKeptWhileItIsGone)
 }
 
 // A type is used by its resources, and goes with the last of them.
-TEST_F(Resources, AreDroppedWhenNobodyHasUsedThemForARoundAndOutliveTheirDatabaseWhileSomebodyHoldsThem)
+TEST_F(Resources, AreDroppedWhenUnusedAndOutliveTheirDatabaseWhileReferenced)
 {
     const Resource* const held = Find("shot.wav");
     Find("both.wav")->ReleaseReference();
@@ -243,7 +243,7 @@ private:
     std::string name;
 };
 
-TEST_F(Resources, TellTheirObserversWhoMayComeAndGo)
+TEST_F(Resources, NotifyObserversThatMayComeAndGo)
 {
     LoggingObserver first("first");
     LoggingObserver second("second");
@@ -268,7 +268,7 @@ TEST_F(Resources, TellTheirObserversWhoMayComeAndGo)
     resource->ReleaseReference();
 }
 
-TEST_F(Resources, WithoutADatabaseAskBothEntries)
+TEST_F(Resources, WithoutADatabaseTryBothEntryPoints)
 {
     const LoggingResource sound("horn.sound", nullptr);
     EXPECT_EQ(

@@ -12,7 +12,7 @@ namespace Quon
 namespace
 {
 
-TEST(PString, KeepsATextExactlyAsLongAsSomebodyHoldsItAlsoAmongManyWhileTheTableGrowsAndEmpties)
+TEST(PString, KeepsATextWhileReferencedAsTheTableGrowsAndShrinks)
 {
     const std::size_t texts = PStringCache::Get()->GetCount();
     const std::size_t blocks = Alloc::LiveBlocks();
@@ -49,7 +49,7 @@ TEST(PString, KeepsATextExactlyAsLongAsSomebodyHoldsItAlsoAmongManyWhileTheTable
     EXPECT_EQ(PString::cache->GetCount(), texts);
 }
 
-TEST(PString, LeavesItsNodeAloneWhileThereIsNoCache)
+TEST(PString, DoesNotTouchItsNodeWithoutACache)
 {
     PStringCache* const cache = PStringCache::Get();
     PStringCache::Node* node = nullptr;
@@ -85,7 +85,7 @@ void WorkOnFourThreads(Work work)
     EXPECT_EQ(Alloc::LiveBlocks(), blocksBefore);
 }
 
-TEST(PString, LosesNothingBetweenThreads)
+TEST(PString, IsSafeBetweenThreads)
 {
     // The last reference of one thread meets the first of another again and again.
     WorkOnFourThreads([](unsigned number) {
@@ -111,7 +111,7 @@ TEST(PString, LosesNothingBetweenThreads)
     });
 }
 
-TEST(String, InsertsWhereItIsTold)
+TEST(String, InsertsAtAPosition)
 {
     const struct
     {

@@ -68,7 +68,7 @@ protected:
     Log log;
 };
 
-TEST_F(Tasks, RunInTheirOrderAndByAgeWhileTheyAreActiveAndDoNotStop)
+TEST_F(Tasks, RunByPriorityThenAgeWhileActive)
 {
     const auto late = Make("late", 9.0F);
     const auto first = Make("first", 7.0F);
@@ -82,7 +82,7 @@ TEST_F(Tasks, RunInTheirOrderAndByAgeWhileTheyAreActiveAndDoNotStop)
     EXPECT_EQ(Updated(), (Log{"early", "asleep", "second", "late"}));
 }
 
-TEST_F(Tasks, MayComeAndGoWhileOthersRun)
+TEST_F(Tasks, CanBeAddedAndRemovedDuringAnUpdate)
 {
     auto victimBefore = Make("before", 1.0F);
     auto killer = Make("killer", 2.0F);
@@ -106,7 +106,7 @@ TEST_F(Tasks, MayComeAndGoWhileOthersRun)
     EXPECT_EQ(Updated(), (Log{"earlier", "maker", "equal", "later"}));
 }
 
-TEST_F(Tasks, RunOnceThoughOneUpdatesAllOfThemAndAgainAfterOneHasThrown)
+TEST_F(Tasks, RunOncePerUpdateWhenNestedAndAgainAfterAnException)
 {
     const auto restless = Make("restless", 1.0F);
     const auto other = Make("other", 2.0F);
@@ -120,7 +120,7 @@ TEST_F(Tasks, RunOnceThoughOneUpdatesAllOfThemAndAgainAfterOneHasThrown)
 
 // Three game frames a step, which no float holds exactly, for some hours: a loss of the same kind in each
 // step would add up.
-TEST_F(Tasks, ThatAreHeldBackGetTheGatheredSecondsAndLoseNoneOverHours)
+TEST_F(Tasks, WithAnIntervalGetTheAccumulatedTimeWithoutLoss)
 {
     TaskList::Get().SetMinimumStep("held", 0.05F);
     const auto held = Make("held", 1.0F);
@@ -142,7 +142,7 @@ TEST_F(Tasks, ThatAreHeldBackGetTheGatheredSecondsAndLoseNoneOverHours)
     EXPECT_EQ(held->steps.size(), std::size_t{stepCount + 1});
 }
 
-TEST_F(Tasks, AreInitialisedAndEndedInTheirOrderAndTakeTimeThatIsNoneAsZero)
+TEST_F(Tasks, AreInitialisedAndEndedInOrderAndTreatInvalidTimeAsZero)
 {
     const auto second = Make("second", 2.0F);
     const auto first = Make("first", 1.0F);

@@ -51,7 +51,7 @@ class ZipExample(unittest.TestCase):
 
     def test_what_does_not_play_is_named_with_its_reason(self):
         archive = self.pack(zipfile.ZIP_DEFLATED)
-        for name, reason in (("broken.wav", "is neither a RIFF/WAVE file nor MPEG"), ("lost.wav", "is not there")):
+        for name, reason in (("broken.wav", "is neither a RIFF/WAVE file nor MPEG"), ("lost.wav", "does not exist")):
             with self.subTest(name):
                 ended, _ = self.play(archive, name)
                 self.assertNotEqual(ended.returncode, 0)

@@ -38,7 +38,7 @@ bool Disarm()
 
 } // namespace
 
-TEST(AllocationFailures, AnActionWithoutMemoryFailsAndLeavesNothing)
+TEST(AllocationFailures, AnActionWithoutMemoryFailsWithoutLeaking)
 {
     for (const FallibleAction& action : fallibleActions) {
         FailEachStep(action, Arm, Disarm);
@@ -46,7 +46,7 @@ TEST(AllocationFailures, AnActionWithoutMemoryFailsAndLeavesNothing)
 }
 
 // Whatever is left of an update without memory is left for the next one.
-TEST(AllocationFailures, AnUpdateWithoutMemoryIsCutShortAndTheNextOneGoesOn)
+TEST(AllocationFailures, AnUpdateWithoutMemoryEndsEarlyAndTheNextRuns)
 {
     GameFolder folder;
     std::size_t blocksBefore = 0;

@@ -44,7 +44,8 @@ void ArmForGood(int step)
 } // namespace
 
 // In place of the system's, for all libraries of this program.
-extern "C" ssize_t read(int descriptor, void* buffer, std::size_t bytes)
+extern "C" __attribute__((visibility("default"))) ssize_t read(
+    int descriptor, void* buffer, std::size_t bytes)
 {
     if (IsDue()) {
         errno = EIO;
@@ -75,18 +76,18 @@ protected:
 
 } // namespace
 
-TEST_F(ReadErrors, AnActionThatMeetsOneFailsAndLeavesNothing)
+TEST_F(ReadErrors, AnActionThatMeetsOneFailsWithoutLeaking)
 {
     FailReads(Arm);
 }
 
-TEST_F(ReadErrors, AnActionOnABrokenDiskFailsAndLeavesNothing)
+TEST_F(ReadErrors, AnActionOnABrokenDiskFailsWithoutLeaking)
 {
     FailReads(ArmForGood);
 }
 
 // Data that cannot be read while a sound plays end the sound.
-TEST_F(ReadErrors, AGamePlaysOnWhenAFileCannotBeReadAnyMore)
+TEST_F(ReadErrors, AGameContinuesAfterReadErrors)
 {
     GameFolder folder;
     for (int step = 1; step < 60; ++step) {

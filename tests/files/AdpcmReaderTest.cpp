@@ -91,7 +91,7 @@ Bytes DecodePlainly(const Bytes& data, std::size_t channels, std::size_t blockAl
 
 using AdpcmReader = SoundFolder;
 
-TEST_F(AdpcmReader, GivesWhatSoxGivesBitForBit)
+TEST_F(AdpcmReader, MatchesSoxBitForBit)
 {
     for (const std::string name : {ADPCM_STREAMS "/sox-mono", ADPCM_STREAMS "/sox-stereo"}) {
         SCOPED_TRACE(name);
@@ -151,7 +151,7 @@ TEST_F(AdpcmReader, AnyMixOfReadsSkipsAndRewindsIsExact)
 }
 
 // What has been promised cannot be kept: the position comes back to where the data ended.
-TEST_F(AdpcmReader, ASkipThatRunsOutOfBlocksStandsAtTheEnd)
+TEST_F(AdpcmReader, ASkipBeyondTheLastBlockStopsAtTheEnd)
 {
     const Bytes format = Chunk("fmt ", AdpcmFormat(1, 8000, 20, usualPairs));
     const auto file = OpenGood(Wave(format + Chunk("data", Bytes(40), 400)));
@@ -163,7 +163,7 @@ TEST_F(AdpcmReader, ASkipThatRunsOutOfBlocksStandsAtTheEnd)
     EXPECT_EQ(file->GetCurrentSample(), 56);
 }
 
-TEST_F(AdpcmReader, ABlockWithoutCoefficientsIsTheEndUntilARewindUnlessItIsSkipped)
+TEST_F(AdpcmReader, ABlockWithInvalidCoefficientsEndsReadsUntilARewind)
 {
     for (const std::size_t channel : {0U, 1U}) {
         SCOPED_TRACE(channel);

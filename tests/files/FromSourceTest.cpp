@@ -29,7 +29,7 @@ protected:
     OS os;
 };
 
-TEST_F(FromSource, EveryKindOfSoundIsReadAsFromAFolderStreamedAndCached)
+TEST_F(FromSource, EveryFormatReadsTheSameAsFromAFolder)
 {
     const std::string streams = ADPCM_STREAMS;
     struct Row
@@ -94,7 +94,7 @@ TEST_F(FromSource, WhatIsHeldReadsAsTheFileDoesAndNeedsItNoMore)
     }
 }
 
-TEST_F(FromSource, TheReasonIsToldWhyAFileDoesNotPlay)
+TEST_F(FromSource, ReportsWhyAFileDoesNotPlay)
 {
     const Bytes pcm = PcmWave(1, 8000, 16, Counting(8));
     const std::pair<Bytes, const char*> rows[] = {
@@ -102,19 +102,19 @@ TEST_F(FromSource, TheReasonIsToldWhyAFileDoesNotPlay)
         {FromText("OggS and more of it"), "is an Ogg file"},
         {FromText("text, no sound"), "is neither a RIFF/WAVE file nor MPEG Layer III audio"},
         {FromText("RI"), "has only 2 bytes"},
-        {{0xFF, 0xFD, 0x90, 0x00}, "is MPEG audio of another layer than III"},
-        {{0xFF, 0xE3, 0x90, 0x00}, "is MPEG-2.5 audio, and only MPEG-1 and MPEG-2 are read"},
+        {{0xFF, 0xFD, 0x90, 0x00}, "is MPEG audio of a layer other than III"},
+        {{0xFF, 0xE3, 0x90, 0x00}, "is MPEG-2.5 audio; only MPEG-1 and MPEG-2 are supported"},
         {Wave(Chunk("fmt ", FormatBytes(3, 2, 44100, 8, 32)) + Chunk("data", Counting(16))),
-            "holds 32-bit float samples, and only whole numbers are read"},
+            "holds 32-bit float samples; only integer samples are supported"},
         {Wave(Chunk("fmt ", FormatBytes(6, 1, 8000, 1, 8)) + Chunk("data", Counting(16))),
-            "has the format tag 6 (A-law), and only PCM (1), Microsoft ADPCM (2) and MPEG Layer III (85) are "
-            "read"},
+            "has the format tag 6 (A-law); only PCM (1), Microsoft ADPCM (2) and MPEG Layer III (85) are "
+            "supported"},
         {Wave(Chunk("fmt ", PcmFormat(0, 8000, 16)) + Chunk("data", Counting(16))), "states 0 channels"},
         {Wave(Chunk("fmt ", PcmFormat(1, 8000, 4)) + Chunk("data", Counting(16))),
-            "has 4 bits per sample, and 8 are the minimum"},
+            "has 4 bits per sample; the minimum is 8"},
         {Wave(Chunk("fmt ", PcmFormat(1, 8000, 16))), "has no data chunk"},
         {Wave(Chunk("data", Counting(16)) + Chunk("fmt ", PcmFormat(1, 8000, 16))),
-            "has its data chunk ahead of its format chunk"},
+            "has its data chunk before its format chunk"},
         {Wave({}), "is a RIFF/WAVE file without a format chunk"},
     };
     MessageLog log(os);
@@ -125,11 +125,11 @@ TEST_F(FromSource, TheReasonIsToldWhyAFileDoesNotPlay)
     EXPECT_NE(OpenBytes(pcm), nullptr);
     EXPECT_EQ(log.Take(), "");
     EXPECT_EQ(Open("missing.wav"), nullptr);
-    EXPECT_EQ(log.Take(), "E sound file 'missing.wav' of owner 'sounds' is not there\n");
+    EXPECT_EQ(log.Take(), "E sound file 'missing.wav' of owner 'sounds' does not exist\n");
     WaveFormatEx adpcm = {waveTagAdpcm, 1, 8000, 0, 256, 4, 32};
     EXPECT_EQ(SndFile::OpenFile(&adpcm, 4, &adpcm), nullptr);
     EXPECT_EQ(log.Take(),
-        "E a block of memory has the format tag 2 (Microsoft ADPCM), and memory is played as PCM (1) only\n");
+        "E a block of memory has the format tag 2 (Microsoft ADPCM); only PCM (1) is supported in memory\n");
 }
 
 } // namespace

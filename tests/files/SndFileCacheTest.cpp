@@ -17,7 +17,7 @@ protected:
     OpenFiles() { folder.Write("sound", Counting(1000)); }
 };
 
-TEST_F(OpenFiles, OneFileIsOpenedOnceForEachOwnerAndClosedWithItsLastUse)
+TEST_F(OpenFiles, AFileIsOpenedOncePerOwnerAndClosedWithItsLastUse)
 {
     SndFileHandle* const first = openFiles.Acquire(owner, "sound");
     ASSERT_NE(first, nullptr);
@@ -61,7 +61,7 @@ TEST_F(OpenFiles, AFileOfAnotherListStaysOpenForItsOtherReaders)
     EXPECT_EQ(later.GetCount(), 0);
 }
 
-TEST_F(OpenFiles, ReadsEndWithTheFileAndWhatCannotBeOpenedLeavesNoTrace)
+TEST_F(OpenFiles, ReadsEndWithTheFileAndFailedOpensLeaveNoTrace)
 {
     const std::size_t before = Alloc::LiveBlocks();
     EXPECT_EQ(openFiles.Acquire(owner, "missing"), nullptr);

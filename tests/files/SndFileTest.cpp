@@ -49,14 +49,14 @@ protected:
     Witness witness;
 };
 
-TEST_F(SndFileBase, NothingOpensWithoutAListOfOpenFiles)
+TEST_F(SndFileBase, OpensFailWithoutAListOfOpenFiles)
 {
     SndFile::SetSndFileCache(nullptr);
     EXPECT_EQ(OpenBytes(PcmWave(1, 8000, 8, Counting(4))), nullptr);
 }
 
 // What an owner appends in answer is kept: a game hands over its next block as soon as it gets one back.
-TEST_F(SndFileBase, QueueGoesFromTheLastFileForwardWithoutTheHead)
+TEST_F(SndFileBase, AQueueGoesFromTheLastFileForward)
 {
     const std::unique_ptr<SndFile> head(OpenBlock(0));
     head->Add(OpenBlock(1));
@@ -75,7 +75,7 @@ TEST_F(SndFileBase, QueueGoesFromTheLastFileForwardWithoutTheHead)
     EXPECT_EQ(witness.freed.back(), (std::pair<int, void*>{7, blocks[3]}));
 }
 
-TEST_F(SndFileBase, AQueueOfAnyLengthGoesWithoutDeepCalls)
+TEST_F(SndFileBase, AQueueOfAnyLengthIsFreedWithoutRecursion)
 {
     const std::unique_ptr<SndFile> head(OpenBlock(0));
     SndFile* last = head.get();
@@ -88,7 +88,7 @@ TEST_F(SndFileBase, AQueueOfAnyLengthGoesWithoutDeepCalls)
     EXPECT_EQ(head->GetQueueLength(), 0);
 }
 
-TEST_F(SndFileBase, ABlockGoesBackOnceAndOnlyToAnOwner)
+TEST_F(SndFileBase, ABlockIsReturnedOnceToItsOwner)
 {
     const std::unique_ptr<SndFile> told(OpenBlock(0));
     told->CloseFile(9, &sound);
@@ -100,7 +100,7 @@ TEST_F(SndFileBase, ABlockGoesBackOnceAndOnlyToAnOwner)
     EXPECT_EQ(witness.freed, (Freed{{9, blocks[0]}}));
 }
 
-TEST_F(SndFileBase, LoadGivesTheFileBackAndKeepsTheDataOnly)
+TEST_F(SndFileBase, LoadClosesTheFileAndKeepsTheData)
 {
     const auto file = OpenGood(Wave(
         Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("data", Counting(9)) + Chunk("LIST", Bytes(20, 0xEE))));
@@ -115,7 +115,7 @@ TEST_F(SndFileBase, LoadGivesTheFileBackAndKeepsTheDataOnly)
     EXPECT_FALSE(file->IsCached());
 }
 
-TEST_F(SndFileBase, AFileWithoutALengthRaisesAndLeavesNoUseBehind)
+TEST_F(SndFileBase, AFileWithoutALengthThrowsWithoutLeaking)
 {
     folder.Write("sound", PcmWave(1, 8000, 8, Counting(4)));
     SndFileHandle* const handle = openFiles.Acquire(owner, "sound");

@@ -23,7 +23,7 @@ protected:
     SndNodeCache cache;
 };
 
-TEST_F(NodeCache, ASecondSoundOfAFileReadsTheSameBytesAtItsOwnPlace)
+TEST_F(NodeCache, SoundsOfOneFileShareBytesWithTheirOwnPosition)
 {
     const Bytes block = Counting(40);
     for (const Bytes& wave : {PcmWave(1, 8000, 16, block),
@@ -46,7 +46,7 @@ TEST_F(NodeCache, ASecondSoundOfAFileReadsTheSameBytesAtItsOwnPlace)
     }
 }
 
-TEST_F(NodeCache, AFileThatStatesMoreThanItHoldsStreamsAndWhatIsNoSoundIsNotKept)
+TEST_F(NodeCache, TruncatedFilesStreamAndInvalidFilesAreNotKept)
 {
     constexpr unsigned long room = std::numeric_limits<unsigned long>::max();
     cache.SetLimit(room);
@@ -173,7 +173,7 @@ struct Playing
 };
 
 // All sizes and the limit are multiples of ten, so that what is new often needs just what is free.
-TEST_F(NodeCache, AgreesWithAPlainCacheOverManyRandomSteps)
+TEST_F(NodeCache, AgreesWithAReferenceCacheOverRandomSteps)
 {
     constexpr int soundCount = 12;
     const auto contentOf = [](int name) {

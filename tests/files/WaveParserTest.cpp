@@ -232,7 +232,7 @@ protected:
         Wave(stereoFormat + Chunk("fact", Little32(40)) + Chunk("data", stereoBlocks))};
 };
 
-TEST_F(WaveParser, TakesChunksInAnyOrder)
+TEST_F(WaveParser, AcceptsChunksInAnyOrder)
 {
     const Bytes data = Chunk("data", blocks);
     const auto withJunk = [&](std::uint32_t statedSize) {

@@ -15,7 +15,7 @@ namespace
 
 using WaveReader = SoundFolder;
 
-TEST_F(WaveReader, SizeBeyondTheEndIsKeptAndReadingStopsWhereTheFileDoes)
+TEST_F(WaveReader, ASizeBeyondTheEndIsKeptAndReadsEndWithTheFile)
 {
     constexpr int mostFrames = std::numeric_limits<int>::max();
     for (const std::uint32_t stated : {1000U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU}) {
@@ -38,7 +38,7 @@ TEST_F(WaveReader, SizeBeyondTheEndIsKeptAndReadingStopsWhereTheFileDoes)
 
 // A caller who asks for more than the sound samples gets what follows in the file; the sum of skips stays
 // put.
-TEST_F(WaveReader, SkipsStopAtTheEndOfTheSoundAndReadsAtThatOfTheData)
+TEST_F(WaveReader, SkipsEndWithTheSoundAndReadsWithTheData)
 {
     const auto file = OpenGood(Wave(
         Chunk("fmt ", PcmFormat(1, 8000, 8)) + Chunk("fact", Little32(20)) + Chunk("data", Counting(30))));
@@ -83,7 +83,7 @@ TEST_F(WaveReader, TimesAreTruncatedMilliseconds)
     }
 }
 
-TEST_F(WaveReader, CallersMemoryIsReadInPlaceByAReaderThatCanBeOpenedAgain)
+TEST_F(WaveReader, MemoryIsReadInPlaceAndTheReaderCanBeReopened)
 {
     Bytes block = Counting(11);
     WaveFormatEx format = {1, 2, 8000, 0, 0, 16, 0};
@@ -101,7 +101,7 @@ TEST_F(WaveReader, CallersMemoryIsReadInPlaceByAReaderThatCanBeOpenedAgain)
     EXPECT_EQ(ReadAll(file), (Bytes{1, 2, 3, 4, 99, 6, 7, 8}));
 }
 
-TEST_F(WaveReader, CallersMemoryInAnyOtherFormIsRefused)
+TEST_F(WaveReader, MemoryInOtherFormatsIsRefused)
 {
     Bytes block = Counting(16);
     struct Row
@@ -131,7 +131,7 @@ TEST_F(WaveReader, CallersMemoryInAnyOtherFormIsRefused)
 }
 
 // A node of coded data that does not say how to decode them is none either.
-TEST_F(WaveReader, NodeOfAnotherKindIsRefusedAndLeftAlone)
+TEST_F(WaveReader, ANodeOfAnotherTypeIsRefusedAndUnchanged)
 {
     SndFileWav pcm;
     SndFileAdpcm adpcm;
@@ -153,7 +153,7 @@ TEST_F(WaveReader, NodeOfAnotherKindIsRefusedAndLeftAlone)
 }
 
 // The disk is full, the share is gone, somebody truncates: what has been promised at the open is not there.
-TEST_F(WaveReader, AFileThatShrinksWhileItPlaysOrIsProbedEndsThere)
+TEST_F(WaveReader, AFileThatShrinksEndsEarly)
 {
     constexpr std::size_t headBytes = 44;
     const auto file = OpenGood(PcmWave(1, 8000, 16, Counting(200)));

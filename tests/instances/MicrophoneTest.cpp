@@ -36,7 +36,7 @@ protected:
     }
 };
 
-TEST_F(MicrophoneTest, LooksWhereItIsToldWithUpAsNearToTheHintAsCanBe)
+TEST_F(MicrophoneTest, LooksInTheGivenDirectionWithUpNearTheHint)
 {
     std::mt19937 random(7);
     std::uniform_real_distribution<float> number(-5.0F, 5.0F);
@@ -55,7 +55,7 @@ TEST_F(MicrophoneTest, LooksWhereItIsToldWithUpAsNearToTheHintAsCanBe)
     }
 }
 
-TEST_F(MicrophoneTest, LooksAheadWhereUpOrFrontIsNoDirection)
+TEST_F(MicrophoneTest, UsesTheDefaultForInvalidDirections)
 {
     const float nan = std::nanf("");
     const std::pair<Vector3, Vector3> rows[] = {
@@ -77,7 +77,7 @@ TEST_F(MicrophoneTest, LooksAheadWhereUpOrFrontIsNoDirection)
     }
 }
 
-TEST_F(MicrophoneTest, OnlyAChangeIsSentAndOnlyByTheActiveOne)
+TEST_F(MicrophoneTest, OnlyTheActiveOneSendsAndOnlyChanges)
 {
     Microphone other;
     other.SetPosition({1.0F, 2.0F, 3.0F});
@@ -113,7 +113,7 @@ TEST_F(MicrophoneTest, OnlyAChangeIsSentAndOnlyByTheActiveOne)
         (Lines{"SetListenerPosition 5 0 2", "SetListenerOrientation 0 0 1, 0 1 0"}));
 }
 
-TEST_F(MicrophoneTest, IsNoListenerOfASystemThatIsStartedLater)
+TEST_F(MicrophoneTest, IsNotTheListenerOfALaterSystem)
 {
     FXEnvReverb cave{};
     FXEnvReverb answer{};
@@ -130,7 +130,7 @@ TEST_F(MicrophoneTest, IsNoListenerOfASystemThatIsStartedLater)
     EXPECT_TRUE(next.IsActive());
 }
 
-TEST_F(MicrophoneTest, BringsItsRoomAlongWhenItIsActivated)
+TEST_F(MicrophoneTest, ActivationSetsItsRoom)
 {
     FXEnvReverb cave{};
     cave.roomHF = -11;

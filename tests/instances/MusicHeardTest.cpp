@@ -52,7 +52,7 @@ double Measure(const Rendering& heard, std::size_t begin, double hz, int side)
 
 using MusicHeard = HostTest;
 
-TEST_F(MusicHeard, ACrossFadeHasNoGapAndNoClickAndTheLevelsOfTwoLinearFades)
+TEST_F(MusicHeard, ACrossFadeHasNoGapNoClickAndLinearLevels)
 {
     folder.Write("low", BuildTone(lowHz));
     folder.Write("high", BuildTone(highHz));

@@ -45,7 +45,7 @@ protected:
 
 // A handle may outlive the system, and its piece the handle: a piece looks for its gain in the handle that
 // started it, which can be assigned another and go.
-TEST_F(MusicTest, HandlesPiecesAndTheKernelOutliveOneAnother)
+TEST_F(MusicTest, HandlesAndKernelOutliveOneAnother)
 {
     auto handle = std::make_unique<Music>();
     handle->SetGain(0.5F);
@@ -88,7 +88,7 @@ protected:
     }
 };
 
-TEST_F(MusicResources, ADefinitionGivesFileGainLoopAndEffectsAndNothingElse)
+TEST_F(MusicResources, ADefinitionGivesFileGainLoopAndEffectsOnly)
 {
     EXPECT_TRUE(music.Play("theme.sound", &database, false));
     EXPECT_EQ(TakeLog(), (Lines{"CreateChannel c1 2 a@0 fx 3 7", "c1 SetGain 0.5", "c1 Play"}));

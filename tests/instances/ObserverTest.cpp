@@ -16,7 +16,7 @@ protected:
 };
 
 // `subject` names one group at most, so that it cannot be what the destructor goes by.
-TEST_F(ObserverTest, IsGoneFromEveryGroupWhenItIsDestroyedWhateverSubjectSays)
+TEST_F(ObserverTest, LeavesEveryGroupWhenDestroyed)
 {
     constexpr int groupCount = 5;
     enum Case
@@ -81,7 +81,7 @@ TEST_F(ObserverTest, IsGoneFromEveryGroupWhenItIsDestroyedWhateverSubjectSays)
 }
 
 // A chunk of the list has four places, so that the removals cross a border.
-TEST_F(ObserverTest, EveryObserverCanRemoveOrDestroyItselfOrAnyOther)
+TEST_F(ObserverTest, AnyObserverCanRemoveOrDestroyAnyOther)
 {
     constexpr int count = 6;
     for (int pair = 0; pair < 2 * count * count; ++pair) {
@@ -112,7 +112,7 @@ TEST_F(ObserverTest, EveryObserverCanRemoveOrDestroyItselfOrAnyOther)
     }
 }
 
-TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsAndThenTellsTheShutdown)
+TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsThenNotifiesShutDown)
 {
     Play(file);
     group->New2DSound(file, nullptr);
@@ -143,7 +143,7 @@ TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsAndThenTellsTheShutdown)
 }
 
 // The walk of an update went by what had been there at its start; the end of a group must not.
-TEST_F(ObserverTest, AGroupCanComeAndGoInsideAHandlerAndTheSoundThatIsToldAboutStands)
+TEST_F(ObserverTest, AHandlerCanCreateAndDestroyGroups)
 {
     const int id = Play3D(file, 3.0F);
     observer->react = [&](const Note&) {

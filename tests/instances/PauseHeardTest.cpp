@@ -216,7 +216,7 @@ void ExpectEqualOutsideRamps(
 constexpr unsigned int allParts = (1U << numParts) - 1;
 
 // With a channel for each sound, and with fewer, for which they compete.
-TEST_F(PauseHeard, APauseOfEverythingIsSilenceAndNothingElse)
+TEST_F(PauseHeard, APauseOfEverythingOnlyInsertsSilence)
 {
     for (const char* maxSounds : {"20", "4"}) {
         SetOption("MaxSounds", maxSounds);
@@ -229,7 +229,7 @@ TEST_F(PauseHeard, APauseOfEverythingIsSilenceAndNothingElse)
     }
 }
 
-TEST_F(PauseHeard, EachSoundPausedAtAnotherMomentIsTheSumOfAll)
+TEST_F(PauseHeard, SoundsPausedAtDifferentTimesAddUp)
 {
     const Halts halts = {
         Halt{5, 20}, Halt{8, 20}, Halt{11, 20}, Halt{30, 20}, Halt{17, 20}, Halt{24, 20}, Halt{14, 20}};

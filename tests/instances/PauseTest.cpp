@@ -22,7 +22,7 @@ protected:
 };
 
 // One sound in each state; the one that is heard is too short to go on without a channel.
-TEST_F(PauseTest, NothingMovesAndNothingIsLostOrTold)
+TEST_F(PauseTest, NothingMovesIsLostOrNotified)
 {
     system.SetMaxAudibleSounds(1);
     const int heard = Play(brief, 0, 2);
@@ -52,7 +52,7 @@ TEST_F(PauseTest, NothingMovesAndNothingIsLostOrTold)
     EXPECT_EQ(TakeLog({"begin", "end", "abort"}), Lines());
 }
 
-TEST_F(PauseTest, TheChannelIsFreeForOthersAndComesBackByTheUsualRules)
+TEST_F(PauseTest, ThePausedSoundsChannelIsFreeForOthers)
 {
     system.SetMaxAudibleSounds(1);
     const int paused = Play(file, 0, 1);
@@ -93,7 +93,7 @@ TEST_F(PauseTest, PausesOfDifferentScopesAddUp)
     }
 }
 
-TEST_F(PauseTest, WhatIsStartedDuringAPauseWaitsForItsEnd)
+TEST_F(PauseTest, SoundsStartedDuringAPauseWaitForItsEnd)
 {
     const int before = Play(file);
     group->Pause();
@@ -120,7 +120,7 @@ TEST_F(PauseTest, WhatIsStartedDuringAPauseWaitsForItsEnd)
 }
 
 // The fixture sees whether anything is left.
-TEST_F(PauseTest, WhatEndsSoundsEndsPausedOnes)
+TEST_F(PauseTest, PausedSoundsCanBeEnded)
 {
     const std::function<void(int)> ways[] = {[&](int id) { group->StopSound(id); },
         [&](int id) { group->DeleteSound(id); }, [&](int id) { EXPECT_FALSE(group->FadeOutSound(id, 100)); },
@@ -142,7 +142,7 @@ TEST_F(PauseTest, WhatEndsSoundsEndsPausedOnes)
 }
 
 // The channel that fades out is given up, and made again where it was; both pieces of a cross-fade.
-TEST_F(PauseTest, FadesGoOnWhereTheyWere)
+TEST_F(PauseTest, FadesContinueWhereTheyWere)
 {
     music.FadeIn(file, 1000, true);
     StepTimes(5, 40);
@@ -166,7 +166,7 @@ TEST_F(PauseTest, FadesGoOnWhereTheyWere)
     EXPECT_EQ(CountPaused(), 0);
 }
 
-TEST_F(PauseTest, ALineIsPausedWithItsSourcesAndFollowsTheListenerAfterwards)
+TEST_F(PauseTest, ALineIsPausedWithItsSources)
 {
     const Vector3 points[] = {{0.0F, 0.0F, 5.0F}, {100.0F, 0.0F, 5.0F}};
     const int id = group->New3DSound(points, 2, file, nullptr, 0, 0.0F);

@@ -15,7 +15,7 @@ namespace
 
 using PlacedHeard = HostTest;
 
-TEST_F(PlacedHeard, WhatWasGivenNoConeAndNoDistancesIsHeard)
+TEST_F(PlacedHeard, SoundsWithoutConeAndDistancesAreHeard)
 {
     constexpr int rateHz = 22050;
     const PString file = WriteWave("a", {rateHz, rateHz, 1, 16});

@@ -22,7 +22,7 @@ protected:
     const PString other = WriteWave("b.wav", {900});
 };
 
-TEST_F(PlayInterfaceTest, AGainOutsideItsRangeIsNeverSent)
+TEST_F(PlayInterfaceTest, AGainOutOfRangeIsNotSent)
 {
     // Above 1.0 by no fault of the game: what a resource says goes to the sound as it stands.
     const int id = group->New2DSound(file, nullptr);
@@ -40,7 +40,7 @@ TEST_F(PlayInterfaceTest, AGainOutsideItsRangeIsNeverSent)
     EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 1", "c1 SetGain 1"}));
 }
 
-TEST_F(PlayInterfaceTest, WhatIsNotFiniteIsOutOfReachAndNeverReachesTheDriver)
+TEST_F(PlayInterfaceTest, ValuesThatAreNotFiniteNeverReachTheDriver)
 {
     for (const float value : {notANumber, infinite, -infinite}) {
         SCOPED_TRACE(value);
@@ -89,7 +89,7 @@ TEST_F(PlayInterfaceTest, ASoundThatFindsNoChannelCompetesIfItMay)
     EXPECT_EQ(Play("none.wav", Sound::StartNowOrCompete), 0);
 }
 
-TEST_F(PlayInterfaceTest, AnIdThatFindsNothingDoesNothing)
+TEST_F(PlayInterfaceTest, UnknownIdsAreIgnored)
 {
     const int ended = Play(file);
     group->StopSound(ended);
@@ -130,7 +130,7 @@ TEST_F(PlayInterfaceTest, OnlyASoundWithoutEffectsCanBeStartedForChangesOfItsRat
     EXPECT_EQ(Find(withEffect)->GetSndFlags(), FlagDistLTMax);
 }
 
-TEST_F(PlayInterfaceTest, ARateCanBeToldAndRefusedByTheDriver)
+TEST_F(PlayInterfaceTest, ADriverCanRefuseARate)
 {
     const int id = group->New2DSound(file, nullptr);
     EXPECT_TRUE(group->SetFrequency(id, 4000));
@@ -148,7 +148,7 @@ TEST_F(PlayInterfaceTest, ARateCanBeToldAndRefusedByTheDriver)
 }
 
 // The lock of the channel must be free after each of the ways out.
-TEST_F(PlayInterfaceTest, WhatHasAnotherFormIsNotAppendedAndTheChannelsLockIsGivenBack)
+TEST_F(PlayInterfaceTest, AFileOfAnotherFormatIsNotAppended)
 {
     const int id = Play(file, Sound::StartImmediately | Sound::StartQueued);
     EXPECT_TRUE(group->CatSound(id, other, nullptr));
@@ -184,7 +184,7 @@ TEST_F(PlayInterfaceTest, ASoundInMemoryMustBePcm)
     EXPECT_EQ(group->Play2DSound(nullptr, 100, nullptr, 0, 0, 0), 0);
 }
 
-TEST_F(PlayInterfaceTest, AWayToPlayThatFailsLeavesNothing)
+TEST_F(PlayInterfaceTest, AFailedStartLeavesNothing)
 {
     recording.channelLimit = 0;
     EXPECT_EQ(Play(file, Sound::StartImmediately), 0);
@@ -198,7 +198,7 @@ TEST_F(PlayInterfaceTest, AWayToPlayThatFailsLeavesNothing)
     EXPECT_NE(group->Play3DSound(&scene, PString("here"), file, nullptr, 0, 0, {}, 0), 0);
 }
 
-TEST_F(PlayInterfaceTest, TheLengthOfAFileIsFoundWithoutASound)
+TEST_F(PlayInterfaceTest, LengthsAreAvailableWithoutASound)
 {
     EXPECT_EQ(Sound::CalcSoundLength(other, nullptr), 900U);
     EXPECT_EQ(Sound::CalcSoundLength(PString("missing.wav"), nullptr), 0U);

@@ -40,7 +40,7 @@ TEST_F(PolylineLife, TheSourcesAreLimitedByNumberAndAngle)
     }
 }
 
-TEST_F(PolylineLife, NothingIsMadeWithoutPointsOrAResource)
+TEST_F(PolylineLife, NothingIsCreatedWithoutPointsOrAResource)
 {
     const Vector3 points[] = {{0, 0, 0}, {1, 0, 0}};
     ResourceDatabase database;
@@ -51,7 +51,7 @@ TEST_F(PolylineLife, NothingIsMadeWithoutPointsOrAResource)
 }
 
 // Each source begins a thousand samples behind the one before, so that they are out of phase.
-TEST_F(PolylineLife, TheCopiesPlayOutOfPhaseAndStandStillWithoutAChannelWhileTheyAreNotNeeded)
+TEST_F(PolylineLife, CopiesPlayOutOfPhaseAndPauseWhileNotNeeded)
 {
     file = WriteWave("long", {10000});
     const int id = PlayLine(LineOfThree());
@@ -115,7 +115,7 @@ TEST_F(PolylineLife, SettingsGoToAllSources)
     EXPECT_TRUE(Places(id).empty());
 }
 
-TEST_F(PolylineLife, ASourceThatEndsIsForgottenAndTheOthersMoveUp)
+TEST_F(PolylineLife, AnEndedSourceIsRemoved)
 {
     const int id = PlayLine(StraightLine(-50.0F, 50.0F, 3, 50.0F));
     Listen(nearby);
@@ -183,7 +183,7 @@ TEST_F(PolylineLife, EveryWayToEndALineEndsItsSources)
 }
 
 // The handler is called in the midst of starting the source, which goes with the line.
-TEST_F(PolylineLife, ALineCannotBeEndedWhileOneOfItsSourcesIsToldOfButAnotherCan)
+TEST_F(PolylineLife, ANotificationAboutASourceCannotEndItsLine)
 {
     const int other = PlayLine(LineOfThree());
     const int id = PlayLine(LineOfThree());
@@ -211,7 +211,7 @@ TEST_F(PolylineLife, ALineCannotBeEndedWhileOneOfItsSourcesIsToldOfButAnotherCan
 }
 
 // The handler is called out of the destruction of the line, when the id still finds it.
-TEST_F(PolylineLife, ALineCanBeAskedAndSetWhileItsEndIsToldOf)
+TEST_F(PolylineLife, ALineCanBeQueriedDuringItsEndNotification)
 {
     const int id = PlayLine(LineOfThree());
     Listen(nearby);
@@ -240,7 +240,7 @@ protected:
     }
 };
 
-TEST_F(PolylineResources, ADefinitionWithALineMakesOneUnlessPointsAreGiven)
+TEST_F(PolylineResources, ADefinitionWithALineStartsALineUnlessPointsAreGiven)
 {
     // Only the forms of Play3DSound with a place play a line.
     Particle world;
@@ -262,7 +262,7 @@ TEST_F(PolylineResources, ADefinitionWithALineMakesOneUnlessPointsAreGiven)
 
 // What a line's sources bring along from the resource is dropped at the start. A block moves with each record
 // that is added to it: whoever holds it must not be left with the old one; the address sanitizer looks on.
-TEST_F(PolylineResources, TheSourcesHaveTheEffectsOfTheLineWheneverTheyAreSet)
+TEST_F(PolylineResources, SourcesHaveTheEffectsOfTheirLine)
 {
     const int id = group->New3DSound("river.sound", &database);
     FXEcho echo{};

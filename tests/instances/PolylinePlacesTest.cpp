@@ -72,7 +72,7 @@ bool IsNear(const Vector3& a, const Vector3& b)
     return Dot(way, way) < 1e-6F;
 }
 
-TEST_F(PolylinePlaces, SourcesStandWhereThePlainModelPutsThem)
+TEST_F(PolylinePlaces, SourcesAgreeWithThePlainModel)
 {
     int placedInAll = 0;
     for (unsigned int seed = 1; seed <= 120; ++seed) {
@@ -104,7 +104,7 @@ TEST_F(PolylinePlaces, SourcesStandWhereThePlainModelPutsThem)
     EXPECT_GT(placedInAll, 2000);
 }
 
-TEST_F(PolylinePlaces, TheDriverHearsWhereTheSourcesStandAndNothingWhileTheListenerIsAtRest)
+TEST_F(PolylinePlaces, PositionsAreSentOnlyWhenTheyChange)
 {
     Listen(origin);
     const int id = PlayLine(StraightLine(-50.0F, 50.0F, 1, 60.0F));
@@ -124,7 +124,7 @@ TEST_F(PolylinePlaces, TheDriverHearsWhereTheSourcesStandAndNothingWhileTheListe
 }
 
 // The bounds by hand: the nearest point of the line is at distance `range` exactly.
-TEST_F(PolylinePlaces, ALineIsHeardWithinItsReachAlone)
+TEST_F(PolylinePlaces, ALineIsHeardOnlyWithinItsReach)
 {
     struct ReachRow
     {
@@ -153,7 +153,7 @@ TEST_F(PolylinePlaces, ALineIsHeardWithinItsReachAlone)
     }
 }
 
-TEST_F(PolylinePlaces, ALineWithoutALengthIsHeardAtItsPlaceAndWithoutAFinitePointNowhere)
+TEST_F(PolylinePlaces, ALineOfLengthZeroIsAPointAndNonFiniteOnesAreSilent)
 {
     const std::vector<Vector3> lines[] = {
         {{3, 0, 4}},
@@ -184,7 +184,7 @@ TEST_F(PolylinePlaces, ALineWithoutALengthIsHeardAtItsPlaceAndWithoutAFinitePoin
     }
 }
 
-TEST_F(PolylinePlaces, AnyDistancesLeaveTheSourcesOnTheLineOrInPause)
+TEST_F(PolylinePlaces, AnyDistancesKeepSourcesOnTheLine)
 {
     constexpr float distances[] = {0.0F, -0.0F, -5.0F, 1e-30F, 10.0F, 1e20F, huge, infinity, nan};
     for (const float minDistance : distances) {
@@ -207,7 +207,7 @@ TEST_F(PolylinePlaces, AnyDistancesLeaveTheSourcesOnTheLineOrInPause)
 }
 
 // A tangle of pieces all around the listener gives far more candidates than fit on the stack.
-TEST_F(PolylinePlaces, ThousandsOfCandidatesComeFromTheHeapAndGoBack)
+TEST_F(PolylinePlaces, ThousandsOfCandidatesUseTheHeap)
 {
     PolylineModel::Settings settings;
     settings.numAddSounds = 7;
@@ -226,7 +226,7 @@ TEST_F(PolylinePlaces, ThousandsOfCandidatesComeFromTheHeapAndGoBack)
     EXPECT_EQ(Places(id).size(), PolylineModel(settings).Move(listener).size());
 }
 
-TEST(FastLength, IsRightToAboutAThousandth)
+TEST(FastLength, IsExactToAThousandth)
 {
     EXPECT_EQ(FastLength({0.0F, 0.0F, 0.0F}), 0.0F);
     Random random(3);

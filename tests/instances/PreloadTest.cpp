@@ -161,15 +161,15 @@ TEST_F(Preload, LoadsTheRestAndTellsWhatItCouldNot)
     EXPECT_FALSE(level.AddFolder("level", &database));
     EXPECT_EQ(log.Take(),
         "E sound file 'level/bad.wav' is neither a RIFF/WAVE file nor MPEG Layer III audio\n"
-        "E sound file 'level/none.wav' of owner 'pak' is not there\n");
+        "E sound file 'level/none.wav' of owner 'pak' does not exist\n");
     EXPECT_EQ(level.GetFileCount(), 5U);
     EXPECT_FALSE(level.Add("nothing.sound", &database));
     EXPECT_FALSE(level.Add("nothing.wav", nullptr));
     EXPECT_NE(log.Take(), "");
     EXPECT_FALSE(level.AddFolder("nowhere", &database));
-    EXPECT_EQ(log.Take(), "E folder 'nowhere' of the resources is not there\n");
+    EXPECT_EQ(log.Take(), "E folder 'nowhere' of the resources does not exist\n");
     EXPECT_FALSE(level.AddFolder("../level", nullptr));
-    EXPECT_EQ(log.Take(), "E folder '../level' lies outside its root\n");
+    EXPECT_EQ(log.Take(), "E folder '../level' is outside its root\n");
     source->statedSize = -1;
     EXPECT_FALSE(level.Add("other.wav", nullptr));
     EXPECT_EQ(log.Take(), "E sound file 'other.wav' of owner '' does not tell its length\n");

@@ -50,7 +50,7 @@ protected:
     }
 };
 
-TEST_F(RunningTest, TheStartSamplesAreSkippedAlongTheQueueOrRoundTheLoop)
+TEST_F(RunningTest, StartSamplesAreSkippedAlongTheQueueOrLoop)
 {
     struct Row
     {
@@ -180,7 +180,7 @@ TEST_F(RunningTest, TheStartOffsetCountsAlongTheQueueAndBeyondItsEndTheSoundEnds
 
 // The samples of a step are counted in 32 bits, as on every other machine.
 // From the full update before, also across time that the task list holds back, with the delay of the sound.
-TEST_F(RunningTest, TheDriverIsToldWhenTheGameAskedForASoundThatBegins)
+TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
 {
     const auto told = [this](int id) { return recording.channels.at(ChannelOf(id)).startTime; };
     for (const bool isHeldBack : {false, true}) {
@@ -225,7 +225,7 @@ TEST_F(RunningTest, ALongStepWrapsAsIn32Bits)
     EXPECT_EQ(Where(id), "32 of 3000");
 }
 
-TEST_F(RunningTest, TheTimesLeftAndPlayedFollowTheState)
+TEST_F(RunningTest, RemainingAndPlayedTimeFollowTheState)
 {
     const int id = group->New2DSound(FileOf(1000), nullptr);
     EXPECT_EQ(group->GetRemainLength(id), 0xFFFFFFFFU);
@@ -262,7 +262,7 @@ TEST_F(RunningTest, TheTimesLeftAndPlayedFollowTheState)
     EXPECT_EQ(group->GetRemainLength(loop), 0xFFFFFFFFU);
 }
 
-TEST_F(RunningTest, ALoopGoesOnHoweverLongTheStep)
+TEST_F(RunningTest, ALoopContinuesAfterAStepOfAnyLength)
 {
     const int id = NewQueue({1000});
     Displace(id, Sound::StartLooping);
@@ -273,7 +273,7 @@ TEST_F(RunningTest, ALoopGoesOnHoweverLongTheStep)
 
 // A file that is torn while it plays is the end of the sound, not of the program: what has vanished is still
 // open, what has shrunk delivers what there is.
-TEST_F(RunningTest, FilesThatVanishOrShrinkWhileTheyPlayDoNoHarm)
+TEST_F(RunningTest, FilesMayVanishOrShrinkWhilePlaying)
 {
     SetOption("SoundCacheSize", "0");
     system.Done();
@@ -301,7 +301,7 @@ TEST_F(RunningTest, FilesThatVanishOrShrinkWhileTheyPlayDoNoHarm)
 }
 
 // Sounds whose data are coded run through the whole system as plain waves do, round a loop or along a queue.
-TEST_F(RunningTest, CodedFilesRunOnUnheardAtTheirRateAndComeBackAtTheRightSample)
+TEST_F(RunningTest, CompressedFilesResumeAtTheRightSampleAfterBeingVirtual)
 {
     constexpr int stepMs = 50;
     constexpr int behind = 9;

@@ -59,7 +59,7 @@ protected:
     const PString other = WriteWave("b.wav", {900});
 };
 
-TEST_F(SoundResources, ADefinitionGivesItsSettingsToASoundOfEitherKind)
+TEST_F(SoundResources, ADefinitionAppliesItsSettingsIn2DAnd3D)
 {
     const int flat = group->New2DSound("horn.sound", &database);
     const int placed =
@@ -100,7 +100,7 @@ TEST_F(SoundResources, DefinitionsAreAppendedAndMeasuredByTheirFiles)
     EXPECT_EQ(group->GetQueueLength(id), 1);
 }
 
-TEST_F(SoundResources, EachEffectIsKeptAndAskedForUnderItsOwnName)
+TEST_F(SoundResources, EachEffectIsStoredUnderItsOwnName)
 {
     ExpectEffect<FXChorus>(SndFXChorus, &Sound::SetFXChorus, &Sound::GetFXChorus);
     ExpectEffect<FXFlanger>(SndFXFlanger, &Sound::SetFXFlanger, &Sound::GetFXFlanger);

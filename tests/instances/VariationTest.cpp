@@ -217,8 +217,9 @@ TEST_F(Variation, CountsWhatRunsAndTellsWhyAStartIsRefused)
     EXPECT_NE(second, 0);
     MessageLog log(os);
     EXPECT_EQ(Start(), 0);
-    EXPECT_NE(log.Take().find("('a.wav') is not started: as many sounds as may run at once, 2, run of its "
-                              "definition 'a.sound'\n"),
+    EXPECT_NE(
+        log.Take().find("('a.wav') is not started: there are already 2 running sounds of its definition "
+                        "'a.sound'\n"),
         std::string::npos);
     EXPECT_FALSE(group->StartSound(prepared, 0)) << "and is still there:";
     Step(40);

@@ -75,7 +75,7 @@ std::vector<Contender> MakeCrowd(std::mt19937& random, std::size_t count)
 } // namespace
 
 // The kernel's own form sorts by digits and merges; the plain one compares pair by pair.
-TEST(Decide, AgreesWithThePlainForm)
+TEST(Decide, AgreesWithTheBruteForceForm)
 {
     std::mt19937 random(1);
     Decision decision;
@@ -101,7 +101,7 @@ TEST(Decide, AgreesWithThePlainForm)
 }
 
 // One contender against a rival on the only channel.
-TEST(Decide, SaysWhy)
+TEST(Decide, ReportsReasons)
 {
     const struct Row
     {
@@ -132,7 +132,7 @@ TEST(Decide, SaysWhy)
     }
 }
 
-TEST(Decide, ProtectsTheYoungBeyondTheLimit)
+TEST(Decide, ProtectsYoungSoundsBeyondTheLimit)
 {
     const std::vector<Contender> contenders = {
         Make(0, 9.0F, 1, 199), Make(0, 8.0F, 2, 0), Make(0, 7.0F, 3, 200), Make(5, 1.0F, 4)};

@@ -28,7 +28,7 @@ protected:
 };
 
 // One sound for each reason that a player of a game may ask about.
-TEST_F(InspectTest, StateTellsWhyEachSoundIsHeardOrNot)
+TEST_F(InspectTest, StateGivesTheReasonForEachSound)
 {
     system.SetMaxAudibleSounds(1);
     group->SetGain(0.5F);
@@ -71,7 +71,7 @@ TEST_F(InspectTest, StateTellsWhyEachSoundIsHeardOrNot)
 
 // A virtual sound is counted on its row while its file lags; looking must neither move the file nor change
 // what is heard later.
-TEST_F(InspectTest, LookingAtVirtualSoundMovesNoFile)
+TEST_F(InspectTest, InspectingAVirtualSoundDoesNotTouchItsFile)
 {
     system.SetMaxAudibleSounds(0);
     const int id = Play("a");
@@ -88,7 +88,7 @@ TEST_F(InspectTest, LookingAtVirtualSoundMovesNoFile)
     EXPECT_EQ(states[0].ageMs, 500U);
 }
 
-TEST_F(InspectTest, InspectionHoldsMusicAndLinesAndCountsBeyondTheBlock)
+TEST_F(InspectTest, InspectionIncludesMusicAndLinesAndCountsBeyondTheBuffer)
 {
     Music music;
     music.SetGain(0.25F);
@@ -217,7 +217,7 @@ TEST_F(InspectTest, TraceAgreesWithInspectionAfterEachUpdate)
     Step(100);
 }
 
-TEST_F(InspectTest, TraceTellsWhySoundEnded)
+TEST_F(InspectTest, TraceGivesTheReasonOfAnEnd)
 {
     FollowingTrace trace;
     const int id = Play("a", Sound::StartNoEmulation);

@@ -33,7 +33,7 @@ public:
 } // namespace
 
 // Whatever comes, goes and changes its importance, the list is what sorted insertion into a plain one gives.
-TEST(SndList, IsWhatSortedInsertionGives)
+TEST(SndList, MatchesSortedInsertion)
 {
     std::mt19937 random(1);
     std::vector<std::unique_ptr<ListedSound>> sounds;
@@ -76,7 +76,7 @@ TEST(SndList, IsWhatSortedInsertionGives)
     }
 }
 
-TEST(NameIndex, GivesNumbersAndTheirMemoryBack)
+TEST(NameIndex, ReusesNumbersAndMemory)
 {
     NameIndex names;
     const PString owner("owner");

@@ -21,7 +21,7 @@ const Lines openedLines = {"Open 2 22050 2 0 500 0", "SetCallback", "SetMaxChann
 const Lines refusedLines = {"Open 2 22050 2 0 500 0", "Delete"};
 
 // Whatever stands in the way of one name, the next one gets its turn; the last tells the code of the failure.
-TEST_F(StartTest, TheFirstNameThatWorksWins)
+TEST_F(StartTest, TheFirstDriverThatOpensWins)
 {
     struct Row
     {
@@ -61,7 +61,7 @@ TEST_F(StartTest, TheFirstNameThatWorksWins)
     EXPECT_EQ(kernel.Init(&os, false), 3);
 }
 
-TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
+TEST_F(StartTest, OptionsReachTheDriverAndInvalidOnesAreHarmless)
 {
     SetOption("SoundFrequency", "48000");
     SetOption("MaxSounds", "7");
@@ -99,7 +99,7 @@ TEST_F(StartTest, OptionsReachTheDriverAndWildOnesDoNoHarm)
     EXPECT_EQ(recording.channels.size(), 1U);
 }
 
-TEST_F(StartTest, TheDriversLibraryGoesAfterTheDriver)
+TEST_F(StartTest, TheLibraryIsUnloadedAfterTheDriver)
 {
     // Under a name of its own, so that nobody else holds it.
     const std::string suffix = dynamicLibrarySuffix;
@@ -115,7 +115,7 @@ TEST_F(StartTest, TheDriversLibraryGoesAfterTheDriver)
     EXPECT_FALSE(IsLoaded(copy));
 }
 
-TEST_F(StartTest, TheSystemStartsAgainAndIdsGoOn)
+TEST_F(StartTest, TheSystemRestartsAndIdsContinue)
 {
     const PString file = WriteWave("a.wav", {600});
     Sound group;
@@ -143,7 +143,7 @@ TEST_F(StartTest, TheSystemStartsAgainAndIdsGoOn)
     }
 }
 
-TEST_F(StartTest, AStoppedSystemAnswersEmptily)
+TEST_F(StartTest, AStoppedSystemReturnsDefaults)
 {
     SoundSystem::Caps caps;
     caps.SetFlags(0xFFFF);
@@ -173,7 +173,7 @@ TEST_F(StartTest, AStoppedSystemAnswersEmptily)
     EXPECT_EQ(microphone.GetRolloffFactor(), 1.0F);
 }
 
-TEST_F(StartTest, CapsAndGainsAreTheDriversAndTheMaskIsBounded)
+TEST_F(StartTest, CapsAndGainsComeFromTheDriver)
 {
     EXPECT_TRUE(Start());
     recording.caps = 0xA5C3;

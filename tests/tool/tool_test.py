@@ -525,7 +525,7 @@ class TraceTest(ToolCase):
             self.assertEqual(sound["states"][::2], sorted(sound["states"][::2]))
         # The one without a channel ends when less than half a second is left.
         self.assertEqual(sorted(sound["outcome"] for sound in data["sounds"]),
-                         ["cut off: it had no channel, and too little was left to run on", "ended"])
+                         ["cut off: it had no channel, and too little was left to continue as a virtual sound", "ended"])
         heard = [data["states"][state]["look"] for sound in data["sounds"] for state in sound["states"][1::2]]
         self.assertLessEqual({"heard", "virtual"}, set(heard))
 
@@ -616,14 +616,14 @@ class DefinitionsTest(ToolCase):
                          (0, ["a.sound: good", "line.sound.txt: good"], ""))
 
     def test_each_finding_has_its_line_and_its_weight(self):
-        # The first keyword of each stands in line 4, behind the name of the file.
+        # The first keyword of each stands in line 4, after the name of the file.
         rows = [
             ("*VOLUME 1", 4, "error", "*VOLUME is unknown"),
             ("*gain 1", 4, "error", "in capitals"),
             ("*SET_FREQUENCY true", 4, "error", "spelt *SET_FRQUENCY"),
-            ("*GAIN 0.5 0.6", 4, "error", "more than it takes"),
+            ("*GAIN 0.5 0.6", 4, "error", "extra values are ignored"),
             ("*GAIN loud", 4, "error", "expected a number, got 'loud'; the reading stops here"),
-            ("*GAIN", 4, "error", "nothing stands there"),
+            ("*GAIN", 4, "error", "got nothing"),
             ("*DELAY -1", 4, "error", "*DELAY -1 is below 0; the reading stops here"),
             ("*DELAY -1\n*LOOPING true", 5, "error", "*LOOPING is lost"),
             ("*FREQUENCY 99", 4, "error", "*FREQUENCY 99 is outside 100 to 100000 and is ignored"),
@@ -673,7 +673,7 @@ class DefinitionsTest(ToolCase):
         for text, said in [
             ("", "the definition is empty"),
             ("*FILE a.wav", "there is no *SOUND_DEFINITION with a block"),
-            ("*SOUND_DEFINITION { *GAIN 1 }", "no sound file is named by *FILE"),
+            ("*SOUND_DEFINITION { *GAIN 1 }", "*FILE does not name a sound file"),
             ("*SOUND_DEFINITION { *GAIN x\n*FILE a.wav }", "*FILE is lost"),
         ]:
             with self.subTest(text):

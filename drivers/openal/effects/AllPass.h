@@ -7,8 +7,8 @@
 namespace Quon
 {
 
-/// An all-pass: it scatters a click over some milliseconds and leaves the strength of every frequency as it
-/// is. A plain value that allocates when it is made.
+/// An all-pass filter: it spreads a click over some milliseconds and keeps the level of every frequency. A
+/// plain value whose construction allocates.
 class AllPass
 {
 public:

@@ -10,7 +10,7 @@ namespace Quon
 namespace
 {
 
-/// What all formulas begin with.
+/// The intermediate values common to all formulas.
 struct Angle
 {
     Angle(double frequencyHz, int rateHz)

@@ -8,10 +8,10 @@
 namespace Quon
 {
 
-/// The factors of a second-order filter, normalised: y = b0 x + b1 x' + b2 x'' - a1 y' - a2 y''.
+/// The normalised coefficients of a second-order filter: y = b0 x + b1 x' + b2 x'' - a1 y' - a2 y''.
 ///
 /// The formulas are those of Robert Bristow-Johnson's "Cookbook formulae for audio equalizer biquad filter
-/// coefficients". Frequencies lie above 0 and below half of the rate.
+/// coefficients". Frequencies must be above 0 and below half the rate.
 struct BiquadFactors
 {
     double b0, b1, b2, a1, a2;
@@ -22,10 +22,10 @@ struct BiquadFactors
     /// 0 dB at the centre, -3 dB at the edges of the band.
     static BiquadFactors MakeBandPass(double centerHz, double bandwidthHz, int rateHz);
 
-    /// `gainDecibels` at the centre, half as many at the edges of the band, 0 far away.
+    /// `gainDecibels` at the centre, half of that at the band edges, 0 dB far away.
     static BiquadFactors MakePeak(double centerHz, double bandwidthOctaves, double gainDecibels, int rateHz);
 
-    /// 0 dB far below the corner, half of `gainDecibels` at it and all of them far above.
+    /// 0 dB far below the corner, half of `gainDecibels` at it and the full gain far above.
     static BiquadFactors MakeHighShelf(double cornerHz, double gainDecibels, int rateHz);
 
     /// The square of the gain at one frequency.
@@ -41,7 +41,7 @@ public:
     {
     }
 
-    // In double, since a low frequency at a high rate leaves few digits of a float.
+    // In double: for a low frequency at a high rate, float is not precise enough.
     float Filter(std::size_t channel, float sample)
     {
         Memory& memory = memories[channel];
@@ -55,7 +55,7 @@ public:
     void Reset() { memories = {}; }
 
 private:
-    /// What earlier samples add to the next one and to the one after it.
+    /// The contributions of earlier samples to the next two.
     struct Memory
     {
         double near = 0.0;

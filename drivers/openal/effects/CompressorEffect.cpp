@@ -28,8 +28,8 @@ float GetPeak(std::span<const float> sampleFrame)
     return peak;
 }
 
-/// How many sample frames are worked on at a time.
-constexpr std::size_t pieceFrames = 64;
+/// Number of sample frames processed at a time.
+constexpr std::size_t pieceSampleFrames = 64;
 
 } // namespace
 
@@ -38,8 +38,8 @@ CompressorEffect::CompressorEffect(const FXCompressor& wanted, const PcmLayout& 
     , gain(ToFactor(parameters.gain))
     , threshold(ToFactor(parameters.threshold))
     , slope(1.0F / parameters.ratio - 1.0F)
-    , rise(GetStep(parameters.attack, layout.rateHz))
-    , fall(GetStep(parameters.release, layout.rateHz))
+    , attackStep(GetStep(parameters.attack, layout.rateHz))
+    , releaseStep(GetStep(parameters.release, layout.rateHz))
     , predelay(static_cast<int>(std::lround(ToSampleFrames(parameters.predelay, layout.rateHz))))
     , peaks(predelay + 1)
 {
@@ -49,21 +49,21 @@ void CompressorEffect::Apply(std::span<float> pcm)
 {
     const auto channels = static_cast<std::size_t>(layout.channels);
     const float scale = 1.0F / threshold;
-    std::array<float, pieceFrames> buffer;
+    std::array<float, pieceSampleFrames> buffer;
     while (!pcm.empty()) {
-        const std::size_t frames = std::min(pcm.size() / channels, pieceFrames);
-        const std::span<float> gains = std::span(buffer).first(frames);
-        for (std::size_t i = 0; i < frames; ++i) {
+        const std::size_t sampleFrames = std::min(pcm.size() / channels, pieceSampleFrames);
+        const std::span<float> gains = std::span(buffer).first(sampleFrames);
+        for (std::size_t i = 0; i < sampleFrames; ++i) {
             FollowLevel(GetPeak(pcm.subspan(i * channels, channels)));
             gains[i] = std::max(level * scale, 1.0F);
         }
         TurnIntoGains(gains);
-        for (std::size_t i = 0; i < frames; ++i) {
+        for (std::size_t i = 0; i < sampleFrames; ++i) {
             for (std::size_t channel = 0; channel < channels; ++channel) {
                 pcm[i * channels + channel] *= gains[i];
             }
         }
-        pcm = pcm.subspan(frames * channels);
+        pcm = pcm.subspan(sampleFrames * channels);
     }
 }
 
@@ -71,15 +71,15 @@ void CompressorEffect::FollowLevel(float peak)
 {
     peaks.Push(peak);
     const float target = peaks.GetTap(static_cast<std::size_t>(predelay) + 1);
-    // Both ways at once, since the processor could not foresee which of them a sound takes. Of two steps in
-    // one direction the larger part goes farther.
-    const float rising = level + rise * (target - level);
-    const float falling = level + fall * (target - level);
-    level = rise > fall ? std::max(rising, falling) : std::min(rising, falling);
+    // Computes both directions, since a branch would be unpredictable. Of two steps in the same direction,
+    // the one with the larger coefficient goes farther.
+    const float rising = level + attackStep * (target - level);
+    const float falling = level + releaseStep * (target - level);
+    level = attackStep > releaseStep ? std::max(rising, falling) : std::min(rising, falling);
 }
 
-// From how often the levels are above the threshold. By itself, so that the compiler can reckon several gains
-// at once.
+// Computes gains from the ratios of level to threshold. A separate loop, so that the compiler can vectorise
+// it.
 void CompressorEffect::TurnIntoGains(std::span<float> above) const
 {
     const float exponent = slope;

@@ -7,11 +7,11 @@
 namespace Quon
 {
 
-/// Lowers what is above the threshold: there the level grows by 1 dB where the sound grows by `ratio` dB.
+/// Reduces levels above the threshold: there the output rises by 1 dB for each `ratio` dB of input.
 ///
-/// The level is followed on the louder of both sides, so that the sound does not wander. It rises with the
-/// time constant `attack` and falls with `release`; after one of these times 63 percent of a step are taken.
-/// What the level does is heard `predelay` later, the sound itself is never late.
+/// The level is that of the louder side, so that the stereo image does not move. It rises with the time
+/// constant `attack` and falls with `release`; after one time constant 63 percent of a step are reached.
+/// Changes of the level take effect `predelay` later; the sound itself is not delayed.
 class CompressorEffect final : public EffectWith<FXCompressor>
 {
 public:
@@ -26,9 +26,9 @@ private:
 
     float gain;
     float threshold;
-    float slope; ///< Of the gain over the level above the threshold, both in decibels: -1 to 0.
-    float rise; ///< The part of a step upwards that one sample frame takes,
-    float fall; ///< and downwards.
+    float slope; ///< Change of gain per level above the threshold, both in decibels: -1 to 0.
+    float attackStep; ///< Smoothing coefficient per sample frame, upwards.
+    float releaseStep; ///< Smoothing coefficient per sample frame, downwards.
     int predelay; ///< In sample frames.
     DelayLine peaks;
     float level = 0.0F;

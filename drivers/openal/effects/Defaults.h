@@ -11,7 +11,7 @@
 namespace Quon
 {
 
-/// The default parameters of `effect`, whose record is a Record.
+/// The default parameters of `effect`; Record must be its record type.
 template<class Record>
 const Record& GetDefault(SndFX effect)
 {
@@ -41,13 +41,13 @@ Record ClampToRanges(SndFX effect, Record record, const Record& fallback)
         if (field.isInt) {
             StoreField(&record, field.offset,
                 std::clamp(LoadField<std::int32_t>(&record, field.offset),
-                    static_cast<std::int32_t>(field.least), static_cast<std::int32_t>(field.most)));
+                    static_cast<std::int32_t>(field.minimum), static_cast<std::int32_t>(field.maximum)));
             continue;
         }
         const auto wanted = LoadField<float>(&record, field.offset);
         const float value = std::isnan(wanted) ? LoadField<float>(&fallback, field.offset) : wanted;
         StoreField(&record, field.offset,
-            std::clamp(value, static_cast<float>(field.least), static_cast<float>(field.most)));
+            std::clamp(value, static_cast<float>(field.minimum), static_cast<float>(field.maximum)));
     }
     return record;
 }

@@ -9,11 +9,11 @@
 namespace Quon
 {
 
-/// The latest samples of one channel. A plain value that allocates when it is made.
+/// A delay line for one channel. A plain value whose construction allocates.
 class DelayLine
 {
 public:
-    /// A line, silent at first, whose samples can be read up to `longest` samples late.
+    /// Constructs a silent line with delays of up to `longest` samples.
     explicit DelayLine(int longest)
         : samples(std::bit_ceil(static_cast<std::size_t>(longest) + 1))
         , mask(samples.size() - 1)
@@ -26,7 +26,7 @@ public:
         samples[newest] = sample;
     }
 
-    /// The sample that was pushed `delay` samples ago, 1 being the latest.
+    /// The sample pushed `delay` samples ago; 1 is the latest.
     float GetTap(std::size_t delay) const { return samples[(newest + 1 - delay) & mask]; }
 
     void Clear() { std::fill(samples.begin(), samples.end(), 0.0F); }

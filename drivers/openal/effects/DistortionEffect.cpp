@@ -23,7 +23,7 @@ FXDistortion ClampDistortion(const FXDistortion& wanted, int rateHz)
 
 float GetBend(float edgePercent)
 {
-    // A full edge would be a switch between -1 and 1, noise and all.
+    // A full edge would switch between -1 and 1, even for noise.
     constexpr float sharpest = 0.99F;
     const float edge = sharpest * ToPart(edgePercent);
     return 2.0F * edge / (1.0F - edge);

@@ -7,11 +7,11 @@
 namespace Quon
 {
 
-/// Overdrives the sound: a low-pass, then a curve that bends it, then a band-pass, then the gain.
+/// Overdrives the sound: a low-pass filter, a waveshaper, a band-pass filter and the gain, in this order.
 ///
-/// The curve is (1 + k) x / (1 + k |x|). It leaves silence and full scale where they are and adds odd
-/// harmonics. k grows from 0 at an edge of 0 percent, where the curve is a straight line, to 198 at 100
-/// percent. No frequency is above a third of the rate.
+/// The curve is (1 + k) x / (1 + k |x|). It keeps silence and full scale and adds odd harmonics. k grows from
+/// 0 at an edge of 0 percent, where the curve is linear, to 198 at 100 percent. Frequencies are limited to a
+/// third of the rate.
 class DistortionEffect final : public EffectWith<FXDistortion>
 {
 public:

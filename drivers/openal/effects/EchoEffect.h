@@ -9,12 +9,10 @@
 namespace Quon
 {
 
-/// Repeats the sound again and again, each time weaker by the feedback, on either side with a delay of its
-/// own.
+/// Repeats the sound, attenuated by the feedback each time, with a separate delay for each side.
 ///
 /// The first echo stays on its side. With `panDelay` each further one comes from the other side, after that
-/// side's delay. A sound of one channel has the left delay alone. At a feedback of 100 percent echoes do not
-/// die away.
+/// side's delay. A mono sound uses the left delay only. At a feedback of 100 percent echoes do not decay.
 class EchoEffect final : public EffectWith<FXEcho>
 {
 public:

@@ -11,7 +11,7 @@ namespace
 /// 120 dB above full scale.
 constexpr float loudest = 1e6F;
 
-void HoldToFinite(std::span<float> pcm)
+void ClampToFinite(std::span<float> pcm)
 {
     for (float& sample : pcm) {
         const float number = sample == sample ? sample : 0.0F;
@@ -27,7 +27,7 @@ Effect::~Effect() = default;
 void Effect::Process(std::span<float> pcm)
 {
     const FlushToZero guard;
-    HoldToFinite(pcm);
+    ClampToFinite(pcm);
     Apply(pcm);
 }
 

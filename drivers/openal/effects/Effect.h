@@ -7,22 +7,21 @@
 namespace Quon
 {
 
-/// The PCM that an effect works on: 1 or 2 channels, a rate of at least 1 Hz.
+/// The format of the PCM that an effect processes: 1 or 2 channels, a rate of at least 1 Hz.
 struct PcmLayout
 {
     int rateHz;
     int channels;
 };
 
-/// One insert effect of a sound: it changes the sound's PCM in place, before it is mixed with anything else.
+/// One insert effect of a sound: it processes the sound's PCM in place, before mixing.
 ///
-/// Effects are made and owned by an EffectChain. Parameters are given once, to the constructor, which also
-/// makes all buffers; after that nothing allocates and nothing waits, so that a thread which feeds a device
-/// can process. One thread at a time.
+/// Effects are created and owned by an EffectChain. The constructor receives the parameters and allocates all
+/// buffers; afterwards nothing allocates or blocks, so a thread that feeds a device can process. One thread
+/// at a time.
 ///
-/// What comes out depends on what has gone in since the start and not on how it was cut into blocks. Silence
-/// goes through as silence once an effect has died away. Levels are linear, with 1.0 as full scale; louder
-/// sound passes, clipping is not an effect's affair.
+/// The output depends only on the input since the start and not on the block sizes. After an effect has
+/// decayed, silence yields silence. Levels are linear, with 1.0 as full scale; effects do not clip.
 class Effect : public Allocated
 {
 public:
@@ -32,14 +31,14 @@ public:
     Effect& operator=(const Effect&) = delete;
     virtual ~Effect();
 
-    /// Changes any number of whole sample frames, interleaved. What is no number counts as 0 and what is far
-    /// louder than any sound is held, so that one broken sample cannot stay in an effect that feeds back.
+    /// Processes any number of whole sample frames, interleaved. NaN is replaced by 0 and extreme levels are
+    /// clamped, so that one invalid sample cannot remain in a feedback effect.
     void Process(std::span<float> pcm);
 
-    /// Forgets all that has gone in.
+    /// Clears the history.
     virtual void Reset() = 0;
 
-    /// How many sample frames of silence an effect can give before what has gone in is heard once more.
+    /// The number of silent sample frames that the effect can output before its input becomes audible again.
     virtual int GetReach() const { return 0; }
 
 protected:
@@ -54,8 +53,8 @@ private:
     virtual void Apply(std::span<float> pcm) = 0;
 };
 
-/// An effect with the record of parameters that it applies: those that were asked for, each held to its
-/// range, and at its default where it was no number.
+/// An effect with its applied parameters: the requested ones, each clamped to its range, and NaN replaced by
+/// the default.
 template<class Record>
 class EffectWith : public Effect
 {

@@ -20,7 +20,7 @@ namespace
 {
 
 constexpr float quietLevel = 0.001F; ///< 60 dB below full scale.
-/// How long even an effect without a delay has to stay quiet, since its filters swing through 0.
+/// The time that even an effect without a delay must stay quiet, since the output of its filters crosses 0.
 constexpr double shortestQuietMs = 20.0;
 
 template<class MadeEffect, class Record>
@@ -34,7 +34,7 @@ std::unique_ptr<Effect> Make(const SndFXDesc& desc, const PcmLayout& layout)
     return std::make_unique<MadeEffect>(record, layout);
 }
 
-/// Null for what is no insert effect.
+/// Returns null for anything but an insert effect.
 std::unique_ptr<Effect> MakeEffect(const SndFXDesc& desc, const PcmLayout& layout)
 {
     switch (desc.effect) {

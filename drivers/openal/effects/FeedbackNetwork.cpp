@@ -18,15 +18,15 @@ using Four = FeedbackNetwork::Four;
 constexpr std::size_t lineCount = FeedbackNetwork::lineCount;
 using Lengths = std::array<std::size_t, lineCount>;
 
-/// Spread evenly by factor, so that no two lines come close to a simple ratio.
+/// In a geometric series, so that no two lines are close to a simple ratio.
 constexpr std::array<double, lineCount> lengthsMs = {26.1, 28.5, 31.1, 33.9, 37.0, 40.3, 44.0, 48.0};
 
 constexpr double decayDecibels = 60.0;
 constexpr double shelfHz = 4000.0;
-/// Per pass of a line. More would reach too far down.
-constexpr double mostShelfDecibels = 24.0;
+/// Per pass of a line. A larger value would affect too low frequencies.
+constexpr double maxShelfDecibels = 24.0;
 
-/// Whole lengths without a common factor, so that the echoes of the lines meet as late as can be.
+/// Integer lengths without a common factor, so that the echoes of the lines coincide as late as possible.
 Lengths MakeLengths(double size, int rateHz)
 {
     Lengths lengths{};
@@ -50,8 +50,8 @@ float Sum(Four values)
     return (values[0] + values[2]) + (values[1] + values[3]);
 }
 
-// Each side of the room is a sum of all lines, half of them with a minus: of the even ones, which take in the
-// left side, as many as of the others, and not the same on either side.
+// Each side of the room is a sum of all lines, half of them negated: as many of the even ones, which receive
+// the left side, as of the odd ones, and different ones for each side.
 float GetLeft(const std::array<Four, 2>& heard)
 {
     constexpr Four signs = {1, 1, -1, -1};
@@ -78,9 +78,10 @@ FeedbackNetwork::FeedbackNetwork(const Room& room, int rateHz)
     for (std::size_t i = 0; i < lineCount; ++i) {
         const double lost =
             decayDecibels * static_cast<double>(delays[i]) / ToSampleFrames(room.decayMs, rateHz);
-        const double lostHigh = std::min(lost * (1.0 / room.highRatio - 1.0), mostShelfDecibels);
+        const double lostHigh = std::min(lost * (1.0 / room.highRatio - 1.0), maxShelfDecibels);
         const double kept = std::pow(10.0, -lost / 10);
-        // A sound keeps coming out of the line, by this much weaker each time: the sum of a geometric series.
+        // A sound leaves the line repeatedly, attenuated by this factor each time: the sum of a geometric
+        // series.
         power += 1.0 / (1.0 - kept);
         const BiquadFactors shelf = BiquadFactors::MakeHighShelf(cornerHz, -lostHigh, rateHz);
         SetLane(decay, i, std::sqrt(kept));
@@ -109,7 +110,7 @@ void FeedbackNetwork::ProcessStereo(std::span<float> pcm)
     }
 }
 
-// Takes in a sample frame and gives what is heard of the lines.
+// Feeds a sample frame and returns the output of the lines.
 inline FeedbackNetwork::Lanes FeedbackNetwork::Step(float left, float right)
 {
     Lanes heard;
@@ -121,7 +122,7 @@ inline FeedbackNetwork::Lanes FeedbackNetwork::Step(float left, float right)
         far[half] = b2[half] * late - a2[half] * heard[half];
         fed[half] = decay[half] * heard[half];
     }
-    // A reflection of the eight in their common direction (Householder), which keeps their power.
+    // A Householder reflection of the eight lines, which preserves their power.
     const float mirrored = Sum(fed[0] + fed[1]) * (2.0F / lineCount);
     const float evens = level * left - mirrored;
     const float odds = level * right - mirrored;

@@ -9,11 +9,10 @@
 namespace Quon
 {
 
-/// While it lives, this thread's floating-point unit takes numbers that are too small for a full mantissa as
-/// 0.
+/// During its lifetime, this thread's floating-point unit treats denormals as 0.
 ///
-/// What dies away in a feedback ends among such numbers and would stay there, and reckoning with them can be
-/// a hundred times slower. Processors other than x86 and 64-bit ARM go without.
+/// A decaying feedback ends in denormals and would stay there, and arithmetic with them can be a hundred
+/// times slower. Supported on x86 and 64-bit ARM; it has no effect on other processors.
 class FlushToZero
 {
 public:
@@ -28,7 +27,7 @@ public:
 
 private:
 #if defined(__SSE__) || defined(_M_X64)
-    // Flush results (bit 15) and take operands as zero (bit 6).
+    // Flush results to zero (bit 15) and treat denormal operands as zero (bit 6).
     static constexpr std::uint64_t flushBits = 0x8040;
     static std::uint64_t Read()
     {

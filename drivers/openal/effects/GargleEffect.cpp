@@ -1,5 +1,7 @@
 #include "drivers/openal/effects/GargleEffect.h"
 
+#include "drivers/openal/effects/Defaults.h"
+
 #include <algorithm>
 
 namespace Quon

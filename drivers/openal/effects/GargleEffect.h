@@ -7,15 +7,15 @@
 namespace Quon
 {
 
-/// Turns the sound up and down between full level and silence, many times a second, along a triangle that
-/// begins at silence or a square that begins at full level. The rate is at most half of the sampling rate.
+/// Modulates the level between silence and full level, many times a second, with a triangle that begins at
+/// silence or a square that begins at full level. The rate is at most half the sampling rate.
 class GargleEffect final : public EffectWith<FXGargle>
 {
 public:
     GargleEffect(const FXGargle& wanted, const PcmLayout& pcmLayout);
 
     void Reset() override { oscillator.Reset(); }
-    /// It does not hold a sound back itself, but hides for up to a period what another effect still gives.
+    /// It does not delay the sound itself, but can mute the output of other effects for up to a period.
     int GetReach() const override { return layout.rateHz / parameters.rateHz; }
 
 private:

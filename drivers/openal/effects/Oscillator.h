@@ -8,12 +8,12 @@
 namespace Quon
 {
 
-/// The phase of a slow oscillation, as a part of 2^32: it turns over by itself and never drifts. A plain
-/// value.
+/// The phase of a slow oscillation, as a fraction of 2^32: it wraps around automatically and does not drift.
+/// A plain value.
 class Oscillator
 {
 public:
-    // The step is rounded up, so that a turn of a whole number of sample frames is not one of them late.
+    // The step is rounded up, so that a period of a whole number of sample frames is not one too long.
     Oscillator(double frequencyHz, int rateHz)
         : step(static_cast<std::uint32_t>(
               static_cast<std::uint64_t>(std::ceil(std::fmod(frequencyHz / rateHz, 1.0) * wholeTurn))))
@@ -33,7 +33,7 @@ private:
     std::uint32_t step;
 };
 
-/// A triangle from -1 to 1 that begins, like a sine, at 0 and rises.
+/// A triangle from -1 to 1 that, like a sine, begins at 0 and rises.
 inline float GetTriangle(std::uint32_t phase)
 {
     constexpr float halfTurn = 2147483648.0F;

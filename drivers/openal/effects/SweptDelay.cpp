@@ -8,21 +8,21 @@ namespace Quon
 namespace
 {
 
-/// The cubic takes one sample on the near side of the pair that it goes through.
+/// The cubic needs one sample on the near side of the pair that it interpolates.
 constexpr float shortestDelay = 2.0F;
-/// And one on the far side; the pair itself begins at the whole part of the delay.
+/// And one on the far side; the pair itself begins at the integer part of the delay.
 constexpr int farSamples = 2;
 
-/// How many sample frames are swept at a time.
-constexpr std::size_t pieceFrames = 64;
+/// Number of sample frames processed at a time.
+constexpr std::size_t pieceSampleFrames = 64;
 
 int CountLongest(const SweptDelay::Settings& settings, int rateHz)
 {
-    const double most = ToSampleFrames(settings.delayMs, rateHz) * (1.0 + settings.depth / 100.0);
-    return static_cast<int>(std::max<double>(most, shortestDelay)) + farSamples;
+    const double maximum = ToSampleFrames(settings.delayMs, rateHz) * (1.0 + settings.depth / 100.0);
+    return static_cast<int>(std::max<double>(maximum, shortestDelay)) + farSamples;
 }
 
-/// The cubic through four equally spaced samples, at `part` of the way from `b` to `c` (Lagrange's form).
+/// The cubic through four equally spaced samples (Lagrange's form), at `part` of the way from `b` to `c`.
 float Interpolate(float a, float b, float c, float d, float part)
 {
     const float back = part + 1.0F;
@@ -53,28 +53,28 @@ void SweptDelay::Process(std::span<float> pcm)
 {
     const auto stride = static_cast<std::size_t>(channels);
     while (!pcm.empty()) {
-        const std::size_t frames = std::min(pcm.size() / stride, pieceFrames);
+        const std::size_t sampleFrames = std::min(pcm.size() / stride, pieceSampleFrames);
         for (std::size_t channel = 0; channel < stride; ++channel) {
             ProcessPiece(lines[channel], oscillator.GetPhase() + (channel == 1 ? rightAhead : 0),
-                pcm.data() + channel, frames);
+                pcm.data() + channel, sampleFrames);
         }
-        oscillator.Advance(frames);
-        pcm = pcm.subspan(frames * stride);
+        oscillator.Advance(sampleFrames);
+        pcm = pcm.subspan(sampleFrames * stride);
     }
 }
 
-void SweptDelay::ProcessPiece(DelayLine& line, std::uint32_t phase, float* pcm, std::size_t frames)
+void SweptDelay::ProcessPiece(DelayLine& line, std::uint32_t phase, float* pcm, std::size_t sampleFrames)
 {
-    std::array<float, pieceFrames> delays;
-    FillDelays(std::span(delays).first(frames), phase);
+    std::array<float, pieceSampleFrames> delays;
+    FillDelays(std::span(delays).first(sampleFrames), phase);
     const auto stride = static_cast<std::size_t>(channels);
-    for (std::size_t i = 0; i < frames; ++i) {
+    for (std::size_t i = 0; i < sampleFrames; ++i) {
         float& sample = pcm[i * stride];
         sample = ProcessSample(line, delays[i], sample);
     }
 }
 
-// By itself, so that the compiler can reckon several delays at once.
+// A separate loop, so that the compiler can vectorise it.
 void SweptDelay::FillDelays(std::span<float> delays, std::uint32_t phase) const
 {
     const std::uint32_t step = oscillator.GetStep();

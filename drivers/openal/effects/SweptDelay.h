@@ -12,12 +12,12 @@
 namespace Quon
 {
 
-/// What a chorus and a flanger are made of: the sound mixed with itself behind a delay that sweeps up and
-/// down, at another place of the sweep on either side. Owned by one of the two.
+/// The core of a chorus and a flanger: the sound mixed with a copy whose delay sweeps up and down, with a
+/// phase offset between the sides. Owned by one of the two.
 ///
-/// The delay goes from `delayMs` less `depth` percent of it to as much more, and is never below two sample
-/// frames. The delayed sound is read between samples along a cubic; what feeds back is read along a straight
-/// line, since that cannot grow, whatever the sweep does.
+/// The delay ranges from `delayMs` minus to plus `depth` percent of it, and is never below two sample frames.
+/// The delayed sound is interpolated with a cubic; the feedback is interpolated linearly, which cannot
+/// amplify it, whatever the sweep does.
 class SweptDelay
 {
 public:
@@ -27,7 +27,7 @@ public:
         float depth; ///< Percent.
         float feedback; ///< Percent, -99 to 99.
         float frequencyHz;
-        bool isSine; ///< Or else a triangle.
+        bool isSine; ///< Otherwise a triangle.
         float delayMs;
         int phase; ///< 0 to 4: the right side is -180, -90, 0, 90 or 180 degrees ahead of the left.
     };
@@ -41,7 +41,7 @@ public:
     int GetLongest() const { return longest; }
 
 private:
-    void ProcessPiece(DelayLine& line, std::uint32_t phase, float* pcm, std::size_t frames);
+    void ProcessPiece(DelayLine& line, std::uint32_t phase, float* pcm, std::size_t sampleFrames);
     void FillDelays(std::span<float> delays, std::uint32_t phase) const;
     float ProcessSample(DelayLine& line, float delay, float dry) const;
 
@@ -49,15 +49,15 @@ private:
     bool isSine;
     float wetPart;
     float feedback;
-    float middle; ///< Of the sweep, in sample frames.
-    float swing; ///< To either side of it.
+    float middle; ///< Middle of the sweep, in sample frames.
+    float swing; ///< Amplitude of the sweep.
     int longest;
     Oscillator oscillator;
     std::uint32_t rightAhead;
     std::array<DelayLine, Effect::maxChannels> lines;
 };
 
-/// What the record of a chorus or a flanger says, which must be held to its ranges.
+/// Converts the record of a chorus or a flanger, which must have been clamped.
 template<class Record>
 SweptDelay::Settings ToSettings(const Record& record)
 {

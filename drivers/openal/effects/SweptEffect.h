@@ -7,13 +7,13 @@
 namespace Quon
 {
 
-/// An effect that is a swept delay and nothing else: the two below, which differ in their records, that is in
-/// how late their copies can be.
+/// An effect that consists of a swept delay: the base of the two below, which differ in their records and
+/// thus in their maximum delays.
 template<class Record>
 class SweptEffect : public EffectWith<Record>
 {
 public:
-    /// `held` is held to the ranges of its parameters.
+    /// `held` must have been clamped to the ranges of its parameters.
     SweptEffect(const Record& held, const PcmLayout& pcmLayout)
         : EffectWith<Record>(held, pcmLayout)
         , delay(ToSettings(held), pcmLayout)
@@ -29,15 +29,14 @@ private:
     SweptDelay delay;
 };
 
-/// Doubles the sound with a copy that is late by up to 20 ms, the sweep of which detunes it.
+/// Doubles the sound with a copy delayed by up to 20 ms, which the sweep detunes.
 class ChorusEffect final : public SweptEffect<FXChorus>
 {
 public:
     ChorusEffect(const FXChorus& wanted, const PcmLayout& pcmLayout);
 };
 
-/// Mixes the sound with a copy that is late by up to 4 ms: a comb of notches that sweeps through the
-/// spectrum.
+/// Mixes the sound with a copy delayed by up to 4 ms: a comb filter that sweeps through the spectrum.
 class FlangerEffect final : public SweptEffect<FXFlanger>
 {
 public:

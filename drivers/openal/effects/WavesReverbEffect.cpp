@@ -12,7 +12,7 @@ namespace Quon
 namespace
 {
 
-/// A short decay is that of a small room; in a large one it would be over before the first echo.
+/// A short decay implies a small room; in a large one it would end before the first echo.
 double GetSize(const FXWavesReverb& parameters)
 {
     constexpr double hallDecayMs = 1000.0;
@@ -24,14 +24,14 @@ FeedbackNetwork::Room GetRoom(const FXWavesReverb& parameters)
     return {parameters.reverbTime, parameters.highFreqRTRatio, GetSize(parameters)};
 }
 
-/// What power the room leaves, in front of which the gain of the input stands as well.
+/// The gain that gives the direct sound the power not used by the room, multiplied by the input gain.
 float GetDryGain(const FXWavesReverb& parameters)
 {
     const float mix = ToFactor(parameters.reverbMix);
     return ToFactor(parameters.inGain) * std::sqrt(1.0F - mix * mix);
 }
 
-/// An even number: whole sample frames of one channel and of two.
+/// An even number: whole sample frames for both mono and stereo.
 constexpr std::size_t pieceSamples = 256;
 
 AllPass MakeScatter(double ms, const FXWavesReverb& parameters, int rateHz)

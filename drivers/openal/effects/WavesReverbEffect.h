@@ -10,13 +10,13 @@
 namespace Quon
 {
 
-/// Puts the sound into a room.
+/// Adds the reverberation of a room to the sound.
 ///
-/// `reverbMix` is the level of the room; the direct sound takes what power that leaves, so that 0 dB is the
-/// room alone, -3 dB as much of either, and the whole about as loud as without. `reverbTime` is the time in
-/// which the room falls by 60 dB, up to some 2 kHz. Far above 4 kHz, or above a third of the rate if that is
-/// lower, it is `highFreqRTRatio` of that time. Ratios that would take more than 24 dB at one reflection
-/// sound alike.
+/// `reverbMix` is the level of the room; the direct sound has the remaining power, so that 0 dB is the room
+/// alone, -3 dB equal parts, and the total level is about unchanged. `reverbTime` is the time in which the
+/// room decays by 60 dB, up to about 2 kHz. Far above 4 kHz, or above a third of the rate if that is lower,
+/// it is `highFreqRTRatio` of that time. Ratios that imply a loss of more than 24 dB per reflection sound
+/// alike.
 class WavesReverbEffect final : public EffectWith<FXWavesReverb>
 {
 public:
@@ -26,7 +26,7 @@ public:
     int GetReach() const override;
 
 private:
-    /// Scatters what goes into the room, so that a click is no handful of echoes.
+    /// Diffuses the input of the room, so that a click does not become separate echoes.
     class Diffuser
     {
     public:

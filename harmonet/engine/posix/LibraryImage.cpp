@@ -76,7 +76,7 @@ bool IsWholeLibraryImage(const char* path)
     struct stat status
     {
     };
-    // First by name: opening a pipe could wait for ever.
+    // Check the name first: opening a pipe could block forever.
     if (stat(path, &status) != 0 || !S_ISREG(status.st_mode)) {
         return false;
     }

@@ -14,7 +14,7 @@ namespace
 {
 
 constexpr off_t smallestTooLarge = off_t{1} << 31;
-/// What the system takes in one call on every platform.
+/// The maximum that every platform can read in one call.
 constexpr std::size_t longestRead = std::size_t{1} << 30;
 
 Result Judge(const struct stat& status)
@@ -35,7 +35,7 @@ Result ResultOfOpenError()
                                              : File::SystemError;
 }
 
-/// Looks at the file without opening it: opening a pipe or a device could wait for ever.
+/// Examines the file without opening it: opening a pipe or a device could block forever.
 Result Examine(const EngineString& path, struct stat& status)
 {
     return stat(path.c_str(), &status) == 0 ? Judge(status) : ResultOfOpenError();
@@ -72,7 +72,8 @@ Result Open(const EngineString& path, Handle& handle)
     if (!examined.IsOk()) {
         return examined;
     }
-    // The file may have been exchanged since it was looked at: no waiting, no following, and another look.
+    // The file may have been replaced since it was examined: do not block, do not follow links, and examine
+    // it again.
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY);
     if (descriptor < 0) {
         return ResultOfOpenError();

@@ -14,7 +14,7 @@ namespace Quon::NativePath
 namespace
 {
 
-/// The canonical path, or an empty text with errno telling why not.
+/// Returns the canonical path, or an empty text with the reason in errno.
 EngineString Canonical(const char* path)
 {
     const std::unique_ptr<char, void (*)(void*)> resolved(realpath(path, nullptr), std::free);
@@ -95,7 +95,7 @@ Result Resolve(const EngineString& root, std::string_view name, EngineString& pa
         const int error = errno;
         return IsFolder(inside.c_str()) ? CodeOfError(error) : File::NoRoot;
     }
-    // The name itself cannot leave the root; a symbolic link on its way can.
+    // The name itself cannot leave the root, but a symbolic link in the path can.
     if (!resolved.starts_with(inside)) {
         return resolved == root ? File::NotAFile : File::OutsideRoot;
     }

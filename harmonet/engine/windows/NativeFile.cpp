@@ -13,7 +13,7 @@ namespace
 static_assert(FILE_BEGIN == 0 && FILE_CURRENT == 1 && FILE_END == 2, "FileSeek has the values of the system");
 
 constexpr std::uint64_t smallestTooLarge = std::uint64_t{1} << 31;
-/// What the system takes in one call on every platform.
+/// The maximum that every platform can read in one call.
 constexpr std::size_t longestRead = std::size_t{1} << 30;
 /// The system counts the time in steps of 100 ns.
 constexpr std::int64_t nanosecondsPerStep = 100;
@@ -58,7 +58,7 @@ Result GetStamp(const EngineString& path, FileStamp& stamp)
     if (judged.IsOk()) {
         const FILETIME& written = information.ftLastWriteTime;
         const std::uint64_t steps = Join(written.dwHighDateTime, written.dwLowDateTime);
-        // Wraps after some 580 years, which a comparison does not mind.
+        // Wraps around after about 580 years, which does not affect comparisons.
         stamp.modifiedNs = static_cast<std::int64_t>(steps * nanosecondsPerStep);
         stamp.size = Join(information.nFileSizeHigh, information.nFileSizeLow);
         stamp.identity = information.dwVolumeSerialNumber * 0x9E3779B97F4A7C15U ^
@@ -79,7 +79,7 @@ Result Open(const EngineString& path, Handle& handle)
     if (!judged.IsOk()) {
         return judged;
     }
-    // A link may have come in the way since the path was resolved.
+    // The path may have become a link since it was resolved.
     const std::wstring place = FinalPath(file.Get());
     if (!place.empty() && place != expected) {
         return File::OutsideRoot;

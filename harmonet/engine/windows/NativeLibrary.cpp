@@ -9,7 +9,7 @@ namespace Quon::NativeLibrary
 namespace
 {
 
-/// Keeps the system from showing a message box when a library cannot be loaded.
+/// Prevents the system from showing a message box when a library cannot be loaded.
 class NoMessages
 {
 public:
@@ -22,7 +22,7 @@ private:
     DWORD previous = 0;
 };
 
-/// A path that the loader takes: absolute, and with the prefix for long ones only where it is one.
+/// Converts a path for the loader: absolute, and with the prefix for long paths only if it is one.
 std::wstring LoaderPath(const std::wstring& path)
 {
     const std::wstring extended = ExtendedPath(path);
@@ -69,11 +69,11 @@ void* Load(const char* path)
         return nullptr;
     }
     const NoMessages silence;
-    // Never in the current folder, which can be anybody's.
+    // Never search the current folder, which is untrusted.
     if (wide.find_first_of(L"/\\:") == std::wstring::npos) {
         return LoadLibraryExW(wide.c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS);
     }
-    // What the library needs may lie beside it.
+    // The library's dependencies may be beside it.
     constexpr DWORD places = LOAD_LIBRARY_SEARCH_DLL_LOAD_DIR | LOAD_LIBRARY_SEARCH_DEFAULT_DIRS;
     return LoadLibraryExW(LoaderPath(wide).c_str(), nullptr, places);
 }
@@ -84,7 +84,7 @@ EngineString DescribeFailure()
     std::wstring text(MAX_PATH, L'\0');
     text.resize(FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr, code, 0,
         text.data(), static_cast<DWORD>(text.size()), nullptr));
-    // The system ends the line.
+    // The system appends a line break.
     text.erase(text.find_last_not_of(L"\r\n .") + 1);
     return ToUtf8(text);
 }

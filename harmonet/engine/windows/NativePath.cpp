@@ -16,7 +16,7 @@ constexpr std::size_t longestPath = 32767;
 constexpr std::size_t longestPart = 255;
 constexpr std::string_view separators = "/\\";
 
-/// Takes the first part off the name.
+/// Removes the first part from the name and returns it.
 std::string_view TakePart(std::string_view& name)
 {
     const std::string_view part = name.substr(0, std::min(name.find_first_of(separators), name.size()));
@@ -29,7 +29,7 @@ bool IsNothing(std::string_view part)
     return part.empty() || part == ".";
 }
 
-/// The parts that lead somewhere, with this separator between them.
+/// Joins the parts, without empty and `.` parts, with this separator.
 EngineString Joined(std::string_view name, char separator)
 {
     EngineString joined;
@@ -52,7 +52,7 @@ EngineString InCapitals(std::string_view text)
     return capitals;
 }
 
-/// A device has its name in every folder, whatever follows behind a dot.
+/// A device name is reserved in every folder, with any extension.
 bool IsDevice(std::string_view part)
 {
     std::string_view stem = part.substr(0, part.find('.'));
@@ -66,7 +66,7 @@ bool IsDevice(std::string_view part)
     if (!port.starts_with("COM") && !port.starts_with("LPT")) {
         return false;
     }
-    // Raised digits count as digits.
+    // Superscript digits count as digits.
     constexpr std::array<std::string_view, 13> numbers = {
         "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "\u00B9", "\u00B2", "\u00B3"};
     return std::find(numbers.begin(), numbers.end(), port.substr(3)) != numbers.end();
@@ -86,7 +86,7 @@ bool IsTooLong(std::string_view part)
     return !ToUtf16(part, wide) || wide.size() > longestPart;
 }
 
-/// The system drops dots and blanks at the end, so that such a name is another file's.
+/// The system drops trailing dots and blanks, so such a name would denote another file.
 bool IsPlainName(std::string_view part)
 {
     return part.back() != '.' && part.back() != ' ' && !HasForbidden(part) && !IsDevice(part) &&
@@ -100,7 +100,7 @@ bool IsFolder(HANDLE handle)
         (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-/// Whether a part of the path behind its first \p rootUnits is a link of any kind.
+/// Whether a part of the path after its first \p rootUnits is a link of any kind.
 bool HasLink(const std::wstring& path, std::size_t rootUnits)
 {
     for (std::size_t end = rootUnits; end < path.size();) {
@@ -113,8 +113,8 @@ bool HasLink(const std::wstring& path, std::size_t rootUnits)
     return false;
 }
 
-/// Where the open file lies; where the system does not tell, as Wine of a long path, the path by which it was
-/// opened, if that has no link in it.
+/// The path of the open file. If the system cannot determine it, as Wine for a long path, the path by which
+/// it was opened if that contains no link.
 EngineString FindPlace(HANDLE handle, const EngineString& opened, const EngineString& root)
 {
     const std::wstring place = FinalPath(handle);
@@ -168,7 +168,7 @@ Result Resolve(const EngineString& root, std::string_view name, EngineString& pa
         const Result result = ResultOfLastError();
         return FindFolder(ExtendedPath(root.c_str())).empty() ? Result(File::NoRoot) : result;
     }
-    // The name itself cannot leave the root; a link on its way can.
+    // The name itself cannot leave the root, but a link in the path can.
     const EngineString resolved = FindPlace(file.Get(), whole, root);
     if (!resolved.starts_with(inside)) {
         return resolved == root ? File::NotAFile : File::OutsideRoot;

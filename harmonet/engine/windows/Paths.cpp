@@ -11,7 +11,7 @@ namespace
 constexpr std::wstring_view extendedPrefix = L"\\\\?\\";
 constexpr std::wstring_view serverPrefix = L"\\\\";
 
-/// What the function gives, which tells the length that it needs when the buffer is too small.
+/// Calls a function that returns the required length when the buffer is too small; returns its text.
 template<class Ask>
 std::wstring AskText(Ask ask)
 {
@@ -59,7 +59,7 @@ HANDLE OpenExisting(const std::wstring& path, DWORD access)
 
 std::wstring FinalPath(HANDLE handle)
 {
-    // A volume without a drive letter has a name of its own all the same.
+    // A volume without a drive letter still has a GUID name.
     for (const DWORD volumeName : {VOLUME_NAME_DOS, VOLUME_NAME_GUID}) {
         const std::wstring path = AskText([handle, volumeName](wchar_t* buffer, DWORD units) {
             return GetFinalPathNameByHandleW(handle, buffer, units, FILE_NAME_NORMALIZED | volumeName);

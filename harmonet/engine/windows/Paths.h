@@ -9,7 +9,7 @@
 namespace Quon
 {
 
-/// Closes a handle of the system at the end of the scope.
+/// Closes a system handle at the end of the scope.
 class ScopedHandle
 {
 public:
@@ -34,18 +34,18 @@ private:
     HANDLE handle;
 };
 
-/// Makes a path absolute and gives it the prefix `\\?\`, with which the system takes it character by
-/// character and up to 32767 of them. A path that has it already stays. Empty if the system refuses.
+/// Makes a path absolute and adds the prefix `\\?\`, with which the system takes it literally and accepts up
+/// to 32767 characters. A path that already has the prefix is not changed. Returns an empty text if the
+/// system fails.
 std::wstring ExtendedPath(const std::wstring& path);
 
 /// The same for a path in UTF-8; empty if it is not UTF-8.
 std::wstring ExtendedPath(const char* path);
 
-/// Opens what is there, a folder too, and follows all links. Others may go on reading, writing and deleting.
+/// Opens an existing file or folder and follows all links. Others may still read, write and delete it.
 HANDLE OpenExisting(const std::wstring& path, DWORD access);
 
-/// Where the open file or folder lies, as an extended path without a link in it; empty if the system does not
-/// tell.
+/// The path of the open file or folder as an extended path without links; empty if it cannot be determined.
 std::wstring FinalPath(HANDLE handle);
 
 /// The code of File::Open() for the thread's last error.

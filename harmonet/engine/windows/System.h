@@ -1,7 +1,7 @@
 #pragma once
 
-/// The system's header as the files of this folder need it: without the macros that it can leave out. Not for
-/// other headers, since its remaining macros rename whatever stands behind it.
+/// The system's header for the files of this folder, without its optional macros. Do not include it in other
+/// headers, since its remaining macros rename identifiers after it.
 
 #if !defined(WIN32_LEAN_AND_MEAN)
 #define WIN32_LEAN_AND_MEAN

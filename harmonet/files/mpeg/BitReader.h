@@ -3,9 +3,9 @@
 namespace Quon
 {
 
-/// Reads unsigned fields from a block of bytes, the most significant bit first. It borrows the bytes and
-/// knows no end: the caller's bit budgets keep it inside, and each read touches the three bytes at the
-/// position.
+/// Reads unsigned fields from a block of bytes, the most significant bit first. It borrows the bytes and does
+/// not check their end: the caller's bit budgets keep it within them, and each read accesses the three bytes
+/// at the position.
 class BitReader
 {
 public:
@@ -15,7 +15,7 @@ public:
         bitOffset = 0;
     }
 
-    /// The next `n` bits, 0 to 16. 0 reads nothing and gives 0.
+    /// Returns the next `n` bits, 0 to 16. 0 reads nothing and returns 0.
     unsigned GetBits(int n)
     {
         if (n == 0) {
@@ -27,10 +27,10 @@ public:
         return bits;
     }
 
-    /// Goes back by `n` bits, which must have been read.
+    /// Moves back by `n` bits, which must have been read.
     void UngetBits(int n) { Move(-n); }
 
-    /// Goes on by any number of bits, or back by a negative one.
+    /// Moves forward by any number of bits, or back by a negative one.
     void Move(int n)
     {
         const int position = bitOffset + n;

@@ -7,31 +7,31 @@
 namespace Quon
 {
 
-/// The decoder's arithmetic in the form that the processor at hand runs fastest. The same source is compiled
-/// on the compiler's vectors of four for the least processor of the build (SSE2, 64-bit ARM), in plain loops,
-/// and on x86-64 once more for AVX2 with fused multiplication. Their PCM differs by rounding alone: at
-/// most by one step of 16 bits as long as the decoded values stay within about full scale, by more beyond it.
-/// All functions work on plain arrays, allocate nothing, and may run on several threads at once.
+/// The decoder's arithmetic in the fastest form for the current processor. The same source is compiled with
+/// the compiler's vectors of four for the build's baseline processor (SSE2, 64-bit ARM), with plain loops,
+/// and on x86-64 also for AVX2 with fused multiplication. The resulting PCM differs by rounding only: by at
+/// most one 16-bit step while the decoded values stay within about full scale, by more beyond it. All
+/// functions work on plain arrays, do not allocate, and are thread-safe.
 ///
-/// "Padded" arrays have room for `linePadding` more floats behind their content, which may be overwritten.
+/// "Padded" arrays have room for `linePadding` more floats after their content, which may be overwritten.
 
 inline constexpr int linePadding = 16;
-/// From one channel's spectrum to the next.
+/// Distance between the spectra of two channels.
 inline constexpr int spectrumStride = linesPerGranule + linePadding;
-/// Time slots of a granule: passes of the polyphase stage, each of which makes 32 sample frames.
+/// Time slots of a granule: passes of the polyphase stage, each of which produces 32 sample frames.
 inline constexpr int slotsPerGranule = 18;
-/// What the polyphase stage keeps of one channel: 15 time slots of 32 cosine sums, and two of these sums once
-/// more as rows.
+/// The polyphase stage's history of one channel: 15 time slots of 32 cosine sums, and two of these sums again
+/// as rows.
 inline constexpr int synthesisHistorySize = 15 * subbandCount + 2 * 15;
 
 struct DecoderKernels
 {
     const char* name;
 
-    /// Reads the Huffman data of one granule and channel, which begin `bitPosition` bits behind `bytes` and
+    /// Reads the Huffman data of one granule and channel, which begin `bitPosition` bits after `bytes` and
     /// may take `budget` bits, and writes the values' powers (sign(v) |v|^(4/3)) to `lines`, all 576 of them,
-    /// padded. Returns the line count. The caller goes on behind the budget, wherever the codes ended.
-    /// Touches up to 24 bytes behind the last one that the budget allows.
+    /// padded. Returns the line count. The caller continues after the budget, wherever the codes ended.
+    /// Accesses up to 24 bytes after the last one within the budget.
     int (*decodeLines)(const DecoderTables& tables, const GranuleInfo& info, const unsigned char* bytes,
         int bitPosition, int budget, float* lines);
 
@@ -47,12 +47,12 @@ struct DecoderKernels
     void (*aliasReduction)(const AliasTables& tables, float* xr, int boundaryCount);
 
     /// The hybrid transform on `subbandGroup` subbands from `subband` on. `xr` is the channel's whole
-    /// spectrum, `overlap` and `out` are [18 time slots][32 subbands], with the frequency inversion done.
+    /// spectrum, `overlap` and `out` are [18 time slots][32 subbands], with the frequency inversion applied.
     void (*longTransform)(
         const HybridTables& tables, int blockType, const float* xr, int subband, float* overlap, float* out);
     void (*shortTransform)(
         const HybridTables& tables, const float* xr, int subband, float* overlap, float* out);
-    /// The same where there is no spectrum: hands out the overlap and clears it.
+    /// The same without a spectrum: outputs the overlap and clears it.
     void (*flushOverlap)(int subband, float* overlap, float* out);
     int subbandGroup;
 
@@ -64,13 +64,13 @@ struct DecoderKernels
     void (*storePcm16)(const float* left, const float* right, int count, unsigned char* pcm);
 };
 
-/// For any processor of the build: vectors of four, or plain loops where the compiler has no vector types.
+/// For any processor of the build: vectors of four, or plain loops if the compiler has no vector types.
 HARMONET_INTERNAL_API const DecoderKernels& BaselineKernels();
-/// Plain loops, as for a compiler without vector types. Not selected where there is better.
+/// Plain loops, as for a compiler without vector types. Not selected if there is a faster version.
 HARMONET_INTERNAL_API const DecoderKernels& PlainKernels();
-/// Null where the compiler or the processor has no AVX2, FMA and BMI2.
+/// Null if the compiler or the processor has no AVX2, FMA and BMI2.
 HARMONET_INTERNAL_API const DecoderKernels* Avx2Kernels();
-/// The fastest of these that this processor runs.
+/// The fastest of these on this processor.
 const DecoderKernels& SelectKernels();
 
 } // namespace Quon

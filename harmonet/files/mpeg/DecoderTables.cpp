@@ -25,8 +25,8 @@ void FillGains(float (&gain)[maxGain - minGain + 1])
     }
 }
 
-/// Positions from 8 on are met in broken streams only. The tangent of one of them is -1 but for rounding, so
-/// that the formula has no finite value for it: it gives silence.
+/// Positions from 8 on occur in broken streams only. The tangent of one of them is -1 except for rounding, so
+/// the formula has no finite value for it: silence is used instead.
 void FillMpeg1Intensity(int position, float& left, float& right)
 {
     const double ratio = std::tan(position * pi / 12);

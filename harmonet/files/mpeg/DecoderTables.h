@@ -8,15 +8,15 @@
 namespace Quon
 {
 
-/// The number tables that all MPEG decoders share. SndFileMP3 owns one set, built with its first living
-/// object and freed with its last; in between any thread may read it. Everything is worked out in double
-/// precision and stored as 32-bit floats.
+/// The tables shared by all MPEG decoders. SndFileMP3 owns one set, built with its first object and freed
+/// with its last; in between any thread may read it. Everything is computed in double precision and stored as
+/// 32-bit floats.
 
-/// The largest value that a code with 13 linbits can give.
+/// The largest value of a code with 13 linbits.
 inline constexpr int maxSpectralValue = 15 + 8191;
 
-/// Gain table indices. The loudest is `global_gain` at its maximum. The softest takes every reduction at its
-/// maximum: subblock gain 7, and an MPEG-2 scale factor of 31 at the coarse scale.
+/// Gain table indices. The maximum is that of `global_gain`. The minimum has every reduction at its maximum:
+/// subblock gain 7, and an MPEG-2 scale factor of 31 at the coarse scale.
 inline constexpr int minGain = -192;
 inline constexpr int maxGain = 255;
 /// The index at which the factor is 1.
@@ -36,8 +36,8 @@ struct AliasTables
     float ca[8];
 };
 
-/// Four copies of a factor, for lanes that each hold a subband. In an odd time slot the odd subbands have
-/// the other sign: the frequency inversion that the polyphase stage expects is folded in here.
+/// Four copies of a factor, for lanes that each hold a subband. In an odd time slot the odd subbands have the
+/// opposite sign: the frequency inversion that the polyphase stage expects is folded in here.
 using SubbandFactor = float[4];
 
 /// The windows of the hybrid transform.
@@ -59,7 +59,7 @@ struct HybridTables
 /// The coefficients of the polyphase stage.
 struct SynthesisTables
 {
-    /// 1 / (2 cos((2k + 1) pi / 2N)) for N = 32, 16, 8, 4, 2, one after the other.
+    /// 1 / (2 cos((2k + 1) pi / 2N)) for N = 32, 16, 8, 4, 2, in this order.
     float cosines[31];
     /// For the 16 past time slots t, the factors of samples j = 0 to 15 and of their mirrors 32 - j. The
     /// signs by which 64 matrixing rows follow from 32 cosine sums are part of them.

@@ -6,21 +6,21 @@
 namespace Quon
 {
 
-/// Where an MPEG frame lies, and which sample frame it begins with.
+/// The position of an MPEG frame and the number of its first sample frame.
 struct FrameMark
 {
     int readPosition;
     int sample;
 };
 
-/// The places of the last frames that were decoded: a way back that needs no walk from the start. A plain
-/// value.
+/// The positions of the last decoded MPEG frames, which allow going back without reading from the start. A
+/// plain value.
 class FrameMarks
 {
 public:
     void Clear() { count = 0; }
 
-    /// Keeps the place of the frame decoded now; what lies at or after it is forgotten.
+    /// Adds the MPEG frame being decoded; marks at or after it are dropped.
     void Add(const FrameMark& mark)
     {
         while (count > 0 && Newest().sample >= mark.sample) {
@@ -33,8 +33,8 @@ public:
         }
     }
 
-    /// The frame to decode from so that sample frame `sample` comes out right: up to `warmUpFrames` before
-    /// the one that holds it. Null when no frame at or before it is known.
+    /// Returns the MPEG frame to start decoding at for correct output from sample frame `sample` on: up to
+    /// `warmUpFrames` before the one that contains it. Null if no MPEG frame at or before it is known.
     const FrameMark* Find(int sample, int warmUpFrames) const
     {
         int found = count - 1;

@@ -14,13 +14,13 @@ constexpr int codedLayer3 = 1;
 /// The last coded long band is 20, the last coded short band 11.
 constexpr int codedLongBands = 21;
 constexpr int codedShortBands = 12;
-/// In a mixed block eight values go to long bands and the rest to short bands from 3 on, in both versions. In
-/// MPEG-2 six long bands reach as far, and the standard has six values.
+/// In a mixed block eight values are for long bands and the rest for short bands from 3 on, in both versions.
+/// In MPEG-2 six long bands cover the same lines, and the standard has six values.
 constexpr int mixedLongBands = 8;
 constexpr int standardLsfMixedLongBands = 6;
 constexpr int mixedFirstShortBand = 3;
 
-/// From a fixed number of bytes and the rate to bytes: 1152 sample frames of so many bits.
+/// A kilobit in bytes.
 constexpr int bytesPerKbit = 125;
 constexpr int longestFrameSamples = 1152;
 
@@ -69,8 +69,8 @@ void ParseGranule(BitReader& reader, const FrameHeader& header, bool byStandard,
     info.scalefac_scale = static_cast<int>(reader.GetBits(1));
     info.count1table_select = static_cast<int>(reader.GetBits(1));
 
-    // Two quarter-steps are the factor 1 / sqrt(2) of mid/side stereo, which the stereo stage then leaves
-    // out. It does not when intensity stereo is on too and only some of the lines are mid/side.
+    // Two quarter-steps are the factor 1 / sqrt(2) of mid/side stereo, which the stereo stage then omits. It
+    // does not if intensity stereo is also on and only some of the lines are mid/side.
     const bool foldMidSide = header.MsStereo() && !header.IntensityStereo();
     info.gain[0] = info.global_gain - (foldMidSide ? 2 : 0);
     for (int window = 0; window < shortWindowCount; ++window) {
@@ -127,13 +127,13 @@ int ReadMpeg1(BitReader& reader, const ChannelInfo& channel, int granule, ScaleF
     return bits + ReadShortBands(reader, 6, codedShortBands, lengths[1], scaleFactors.shortBands);
 }
 
-/// How MPEG-2 packs the scale factors of a granule and channel: four groups of so many values of so many
-/// bits.
+/// MPEG-2's packing of the scale factors of a granule and channel: four groups with their counts and bit
+/// lengths.
 struct LsfLayout
 {
     LsfLayout(const GranuleInfo& info, bool intensityChannel)
     {
-        // The right channel's scale factors are intensity positions and packed by rules of their own.
+        // The right channel's scale factors are intensity positions and are packed by separate rules.
         const LsfScaleFactorRow* row = lsfScaleFactorRows + (intensityChannel ? 3 : 0);
         const int value = info.scalefac_compress >> row->halving;
         while (value > row->last) {
@@ -151,7 +151,7 @@ struct LsfLayout
     int lengths[4];
 };
 
-/// Where the value of that index goes in the order in which MPEG-2 sends the values of a granule.
+/// The destination of the value with that index in MPEG-2's order of a granule's values.
 int* LsfPlace(const GranuleInfo& info, bool byStandard, int index, ScaleFactors& scaleFactors)
 {
     int firstShortBand = 0;

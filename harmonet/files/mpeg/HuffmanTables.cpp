@@ -8,7 +8,7 @@ namespace Quon
 namespace
 {
 
-/// The binary tree of one table's codes while its arrays are made.
+/// The binary tree of one table's codes, from which its arrays are built.
 class CodeTree
 {
 public:
@@ -25,8 +25,7 @@ public:
         nodes[node].leafValue = code.first * 16 + code.second;
     }
 
-    /// Numbers the nodes below `node` in depth-first order and writes their entries; returns how many
-    /// numbers have been given.
+    /// Numbers the nodes below `node` in depth-first order and writes their entries; returns the next number.
     int Write(unsigned char* jump, unsigned char* value, int node = 0, int number = 0) const
     {
         const Node& entry = nodes[node];
@@ -105,14 +104,14 @@ public:
     }
 
 private:
-    /// Whether the tables that share these arrays have linbits: those of 16 and 24 do.
+    /// Whether the tables that share these arrays have linbits: those based on 16 and 24 do.
     bool HasLinbits() const { return table.linbits != 0; }
 
     int TakeBit() { return static_cast<int>(bits >> (bitCount - ++taken) & 1); }
 
     int Signed(int magnitude) { return magnitude != 0 && TakeBit() != 0 ? -magnitude : magnitude; }
 
-    /// The leaf, or the inner entry at which the bits have run out.
+    /// Returns the leaf, or the inner entry at which the bits are exhausted.
     int Walk()
     {
         int entry = 0;
@@ -130,7 +129,7 @@ private:
     int taken = 0;
 };
 
-/// The most bits that a code of the table takes with its sign bits.
+/// The maximum length of a code of the table with its sign bits.
 int LongestWithSigns(const HuffmanSource& source)
 {
     int longest = 0;

@@ -8,7 +8,7 @@ namespace Quon
 namespace
 {
 
-/// The subbands of a mixed block that are long, with the normal window whatever the block type.
+/// The long subbands of a mixed block, with the normal window whatever the block type.
 constexpr int mixedLongSubbands = 2;
 constexpr int slotRow = subbandCount;
 
@@ -31,7 +31,7 @@ void TransformGroup(const DecoderTables& tables, const DecoderKernels& kernels, 
     }
 }
 
-/// The lowest group where its first two subbands take a window of their own: worked out both ways.
+/// The lowest group if its first two subbands have a different window: computed both ways.
 void TransformMixedGroup(const DecoderTables& tables, const DecoderKernels& kernels, int blockType,
     const float* xr, float* overlap, float* out)
 {
@@ -52,8 +52,8 @@ void ReduceAlias(const DecoderTables& tables, const DecoderKernels& kernels, con
     if (info.IsShort() && !info.IsMixed()) {
         return;
     }
-    // Up to the boundary above the last subband that is transformed. The limit of a short block can lie below
-    // its highest lines, and the stereo stage brings those into the other channel.
+    // Up to the boundary above the last transformed subband. The limit of a short block can be below its
+    // highest lines, and the stereo stage copies those into the other channel.
     const int boundaries = info.IsMixed() ? 1 : subbandCount - 1;
     kernels.aliasReduction(tables.alias, xr, std::min(boundaries, subbandLimit + 2));
 }
@@ -61,7 +61,7 @@ void ReduceAlias(const DecoderTables& tables, const DecoderKernels& kernels, con
 void TransformHybrid(const DecoderTables& tables, const DecoderKernels& kernels, const GranuleInfo& info,
     int subbandLimit, float* xr, float* overlap, float* out)
 {
-    // One subband more than has content takes up what alias reduction has spread.
+    // One subband more than those with content: alias reduction spreads into it.
     const int transformed = std::min(subbandLimit + 2, subbandCount);
     const int group = kernels.subbandGroup;
     const int groupsEnd = (transformed + group - 1) / group * group;

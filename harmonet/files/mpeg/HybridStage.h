@@ -7,16 +7,15 @@
 namespace Quon
 {
 
-/// Which boundaries and which transform the subbands of a granule take. Functions on plain arrays for
+/// Selects the boundaries and the transform for the subbands of a granule. Functions on plain arrays for
 /// SndFileMP3. `subbandLimit` is the highest subband with content, -1 if there is none.
 
 /// The butterflies between subbands, in place: none in short blocks, only the first boundary in mixed blocks.
 void ReduceAlias(const DecoderTables& tables, const DecoderKernels& kernels, const GranuleInfo& info,
     int subbandLimit, float* xr);
 
-/// The hybrid transform of one channel. `overlap` and `out` are [18 time slots][32 subbands] and come with
-/// the frequency inversion done. Lines that should not be there, above the highest subband that is
-/// transformed, are cleared in `xr`.
+/// The hybrid transform of one channel. `overlap` and `out` are [18 time slots][32 subbands] with the
+/// frequency inversion applied. Invalid lines above the highest transformed subband are cleared in `xr`.
 void TransformHybrid(const DecoderTables& tables, const DecoderKernels& kernels, const GranuleInfo& info,
     int subbandLimit, float* xr, float* overlap, float* out);
 

@@ -1,6 +1,6 @@
-// Compiled with AVX2, FMA and BMI2 switched on. Whatever is defined here must have internal linkage, and
-// nothing may be used that a header defines inline: the linker could pick this copy of such a function for
-// processors that cannot run it.
+// Compiled with AVX2, FMA and BMI2. All definitions must have internal linkage, and inline functions of
+// headers must not be used: the linker could pick this copy of such a function for processors that cannot run
+// it.
 
 #include "harmonet/files/mpeg/KernelsAvx2.h"
 
@@ -19,8 +19,7 @@ namespace
 constexpr bool isLittleEndian = true;
 constexpr const char* kernelsName = "avx2";
 
-// The second needs the first.
-// clang-format off
+// The second header depends on the first. clang-format off
 #include "harmonet/files/mpeg/kernels/EightLanes.inl"
 #include "harmonet/files/mpeg/kernels/Kernels.inl"
 // clang-format on

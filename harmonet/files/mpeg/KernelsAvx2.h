@@ -5,7 +5,7 @@ namespace Quon
 
 struct DecoderKernels;
 
-/// What KernelsAvx2.cpp holds: exists on x86-64 only. Use Avx2Kernels(), which asks the processor first.
+/// The kernels of KernelsAvx2.cpp, on x86-64 only. Use Avx2Kernels(), which checks the processor first.
 extern const DecoderKernels compiledAvx2Kernels;
 
 } // namespace Quon

@@ -15,8 +15,7 @@ constexpr const char* kernelsName = hasVectorTypes ? "vectors of four" : "plain"
 using Lanes = FourFloats;
 using IntLanes = FourInts;
 
-// The second needs the first.
-// clang-format off
+// The second header depends on the first. clang-format off
 #include "harmonet/files/mpeg/kernels/FourLanes.inl"
 #include "harmonet/files/mpeg/kernels/Kernels.inl"
 // clang-format on

@@ -15,8 +15,7 @@ constexpr const char* kernelsName = "plain";
 using Lanes = PlainLanes<float, 4>;
 using IntLanes = PlainLanes<int, 4>;
 
-// The second needs the first.
-// clang-format off
+// The second header depends on the first. clang-format off
 #include "harmonet/files/mpeg/kernels/FourLanes.inl"
 #include "harmonet/files/mpeg/kernels/Kernels.inl"
 // clang-format on

@@ -1,4 +1,4 @@
-// What wraps an MPEG stream: the probe and the parser of the RIFF/WAVE container.
+// The container of an MPEG stream: the probe and the RIFF/WAVE parser.
 
 #include "harmonet/files/RiffWalk.h"
 #include "harmonet/files/SndFileHandle.h"
@@ -32,15 +32,15 @@ int ProbeMpeg(SndFileHandle* handle, int formatTag)
     }
     const unsigned headerBits = LoadFrameHeader(bytes);
     FrameHeader header = SplitFrameHeader(headerBits);
-    // The forbidden bitrate passes here and is left to the opening of the file.
+    // The forbidden bitrate is accepted here and handled when the file is opened.
     if (header.bitrateIndex == 15) {
         header.bitrateIndex = 1;
     }
     return HasFrameSync(headerBits) && IsPlayable(header) ? SndFile::FileMP3 : SndFile::FileNone;
 }
 
-// A failure is of no consequence: the stream is then taken from the start of the file, or from the data that
-// stand ahead of their format, and counted.
+// A failure is not an error: the stream is then read from the start of the file, or from data that precede
+// their format, and counted.
 bool SndFileMP3::ParseContainer()
 {
     fileType = FileNone;

@@ -3,12 +3,12 @@
 namespace Quon
 {
 
-/// Plain records of what an MPEG frame says about itself ahead of its main data. They belong to the decoder
-/// (SndFileMP3) and are filled by FrameParser.h's functions; the arithmetic of the stages reads them.
+/// Plain records of the information in an MPEG frame before its main data. Owned by the decoder (SndFileMP3),
+/// filled by the functions of FrameParser.h and read by the decoding stages.
 
 inline constexpr int maxChannels = 2;
 inline constexpr int maxGranules = 2;
-/// Spectral lines of one channel in one granule, and sample frames that come of them.
+/// Spectral lines of one channel in one granule, which yield as many sample frames.
 inline constexpr int linesPerGranule = 576;
 inline constexpr int subbandCount = 32;
 inline constexpr int linesPerSubband = 18;
@@ -20,7 +20,7 @@ inline constexpr int mixedLongLines = 36;
 /// The `block_type` of three short windows.
 inline constexpr int blockTypeShort = 2;
 
-/// The fields of a frame header behind the sync pattern, in their order.
+/// The fields of an MPEG frame header after the sync pattern, in their order.
 struct FrameHeader
 {
     int version; ///< 3 is MPEG-1, 2 is MPEG-2.
@@ -61,7 +61,7 @@ struct GranuleInfo
     int preflag;
     int scalefac_scale;
     int count1table_select;
-    int gain[4]; ///< Of long blocks, and of each short window: indices of the gain table.
+    int gain[4]; ///< Gain table indices of long blocks and of each short window.
 
     bool IsShort() const { return block_type == blockTypeShort; }
     bool IsMixed() const { return IsShort() && mixed_block_flag != 0; }
@@ -69,13 +69,13 @@ struct GranuleInfo
 
 struct ChannelInfo
 {
-    int scfsi[4]; ///< Groups of scale factors that granule 1 takes over from granule 0.
+    int scfsi[4]; ///< Groups of scale factors that granule 1 copies from granule 0.
     GranuleInfo granules[maxGranules];
 };
 
 struct SideInfo
 {
-    int main_data_begin; ///< Bytes of main data that stand ahead of this frame.
+    int main_data_begin; ///< Bytes of main data before this MPEG frame.
     int private_bits;
     ChannelInfo channels[maxChannels];
 };
@@ -87,10 +87,10 @@ struct ScaleFactors
     int shortBands[shortWindowCount][shortBandCount];
 };
 
-/// How far the spectrum of one channel reaches in one granule.
+/// The extent of the spectrum of one channel in one granule.
 struct SpectrumLimits
 {
-    /// The highest band with a value other than 0: of the long part, and of each short window; -1 if none.
+    /// The highest band with a value other than 0, in the long part and in each short window; -1 if none.
     int bandLimit[1 + shortWindowCount];
     /// The highest subband with content; -1 if there is none.
     int subbandLimit;

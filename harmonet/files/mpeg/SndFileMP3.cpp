@@ -1,5 +1,5 @@
-// The stream: opening, positions, and the frames as they are read. The decoding of a frame's content is in
-// SndFileMP3Decode.cpp, the container in MpegContainer.cpp.
+// The stream: opening, positions, and reading of MPEG frames. SndFileMP3Decode.cpp decodes their content,
+// MpegContainer.cpp handles the container.
 
 #include "harmonet/files/mpeg/SndFileMP3.h"
 
@@ -21,15 +21,15 @@ namespace
 {
 
 constexpr int maxInt = std::numeric_limits<int>::max();
-/// Positions and counts are ints: a stream ends where the next frame could lead beyond them.
+/// Positions and counts are ints: a stream ends where the next MPEG frame could overflow them.
 constexpr int maxReadPosition = maxInt - 4096;
 
-/// How much FindSync() reads at once.
+/// The number of bytes that FindSync() reads at once.
 constexpr int smallSearchBytes = 1024;
 constexpr int largeSearchBytes = 16384;
 
-/// Whether a sync pattern begins in the block. Without a branch, so that the compiler vectorises it: bytes
-/// that look like half a pattern cost no more than others.
+/// Whether a sync pattern begins in the block. Branchless, so that the compiler vectorises it: bytes that
+/// look like half a pattern cost no more than others.
 constexpr int searchBlock = 64;
 
 bool HasSync(const unsigned char* bytes)
@@ -41,7 +41,7 @@ bool HasSync(const unsigned char* bytes)
     return found != 0;
 }
 
-/// The first of so many places at which a sync pattern begins; their number, or more, if there is none.
+/// Returns the first of `count` positions at which a sync pattern begins; `count` or more if there is none.
 int FindSyncAmong(const unsigned char* bytes, int count)
 {
     int place = 0;
@@ -167,7 +167,7 @@ void SndFileMP3::CountSamples()
     } while (soundSamples <= maxInt - maxFrameSamples && ReadHeader());
 }
 
-// The format stays that of the last header read, and the reservoir is empty whatever that header said.
+// Keep the format of the last header read, and start with an empty reservoir.
 void SndFileMP3::FinishOpen()
 {
     fileType = FileMP3;
@@ -209,7 +209,7 @@ void SndFileMP3::FreeBuffers()
     Free(pcmBuffer);
 }
 
-// A broken stream can read beyond its own bytes in `frameBuffer`: cleared, it gives the same again.
+// A broken stream can read beyond its own bytes in `frameBuffer`: clear it for reproducible output.
 void SndFileMP3::Rewind()
 {
     currentSample = 0;
@@ -296,7 +296,7 @@ void SndFileMP3::FollowHeader()
 bool SndFileMP3::FindSync()
 {
     unsigned char chunk[largeSearchBytes];
-    // Mostly the next frame is near.
+    // Usually the next MPEG frame is near.
     int chunkBytes = smallSearchBytes;
     while (readPosition <= maxReadPosition) {
         const int held = Read(chunk, chunkBytes, readPosition);
@@ -324,7 +324,7 @@ bool SndFileMP3::DecodeFrame(int sample)
         pcmIndex = 0;
         return true;
     }
-    // The header may have changed the length of a frame, and what lies in the buffer belongs to an old one.
+    // The header may have changed the length of an MPEG frame, and the buffer holds an old one.
     pcmIndex = frameSamples;
     return false;
 }
@@ -360,7 +360,7 @@ int SndFileMP3::ReadSamples(unsigned char* buffer, int samples)
     return delivered;
 }
 
-// 0 would be the end of the data, and a sample frame of two channels is beyond the caller's buffer.
+// Returning 0 would mean the end of the data, and a stereo sample frame would overflow the caller's buffer.
 int SndFileMP3::DeliverMixed(unsigned char* buffer)
 {
     const unsigned char* const pcm = pcmBuffer + pcmIndex * maxChannels * bytesPerSample;
@@ -376,7 +376,7 @@ int SndFileMP3::DeliverMixed(unsigned char* buffer)
     return 1;
 }
 
-// What has been delivered is told apart by the format, which stays until the next call has samples of
+// The format describes the delivered samples, so it must not change until the next call has samples of
 // another.
 bool SndFileMP3::DecodeNext(bool keepChannels)
 {
@@ -401,7 +401,7 @@ int SndFileMP3::SkipFrame(int samples)
     }
     pcmIndex = frameSamples;
     if (frameSamples > samples) {
-        // Longer than the frames before it: it is left to be decoded.
+        // Longer than the MPEG frames before it: do not skip it, decode it later.
         readPosition = headerPosition;
         frameLength = heldLength;
         sideInfoLength = heldSideInfo;
@@ -444,8 +444,9 @@ void SndFileMP3::StepBack(int samples)
         return;
     }
     const int target = std::max(currentSample - samples, 0);
-    // The bit reservoir, 511 bytes at most, reaches back as far as that at 32 kbit/s and above in stereo, and
-    // the filters one MPEG frame. At lower rates a few MPEG frames can differ, as after a skip.
+    // At 32 kbit/s and above in stereo, the bit reservoir of 511 bytes at most reaches back no farther than
+    // this; the filters reach back one MPEG frame. At lower bitrates a few MPEG frames can differ, as after a
+    // skip.
     constexpr int warmUpFrames = 12;
     if (!DecodeTo(target, warmUpFrames)) {
         Rewind();

@@ -1,4 +1,4 @@
-// The decoding of one MPEG frame: its way through `frameBuffer`, and the stages in their order.
+// Decoding of one MPEG frame: filling `frameBuffer`, and the stages in their order.
 
 #include "harmonet/files/mpeg/HybridStage.h"
 #include "harmonet/files/mpeg/SndFileMP3.h"
@@ -18,7 +18,7 @@ namespace
 constexpr int lastMixedLongBand = 7;
 constexpr int standardLastMixedLongBand = 5;
 
-/// Truncates towards zero and clips; NaN gives 0.
+/// Truncates towards zero and clips; NaN becomes 0.
 unsigned char ToPcm8(float sample)
 {
     const float scaled = sample * 255.0F + 128.0F;
@@ -59,8 +59,8 @@ bool SndFileMP3::ReadFrame()
     return true;
 }
 
-// The side information is kept aside until the reservoir has been moved: where it is longer than that of the
-// frame before, it would cover the first bytes of the reservoir.
+// The side information is stored separately until the reservoir has been moved: if it is longer than that of
+// the previous MPEG frame, it would overwrite the first bytes of the reservoir.
 bool SndFileMP3::FillFrameBuffer(const unsigned char* sideInfoBytes, int reservoirHeld)
 {
     reader.Set(sideInfoBytes);
@@ -123,8 +123,8 @@ void SndFileMP3::ReadScaleFactors(int granule, int channel)
         Quon::ReadScaleFactors(reader, header, byStandard, granule, channel, sideInfo, scaleFactors[channel]);
 }
 
-// Wherever the codes end, in leftover bits or beyond the budget, the next granule and channel begin behind
-// the bits that the side information gives this one.
+// Wherever the codes end, before or beyond the budget, the next granule and channel begin after the bits that
+// the side information assigns to this one.
 void SndFileMP3::DecodeSpectrum(float* xr, GranuleInfo* info, int channel)
 {
     alignas(64) float lines[spectrumStride];
@@ -141,7 +141,7 @@ void SndFileMP3::Stereo(float* xr, GranuleInfo* first)
 {
     float* const right = xr + spectrumStride;
     if (!intensityStereo) {
-        // As far as alias reduction reads.
+        // The subbands that alias reduction reads.
         const int subbands = std::min(limits[0].subbandLimit + 3, subbandCount);
         kernels->midSide(xr, right, subbands * linesPerSubband);
         return;

@@ -38,8 +38,8 @@ int RequantiseLong(const DecoderTables& tables, const DecoderKernels& kernels, c
     return bandCount - 1;
 }
 
-/// Scales one window's part of a short band into its places; returns whether there was any content. Without a
-/// branch on each value: zeros are no rarer than others here.
+/// Scales one window's part of a short band and scatters it to its places; returns whether there was any
+/// content. Without a branch per value: zeros are as common as other values here.
 bool ScatterWindow(const float* lines, int count, float factor, float* xr)
 {
     bool hasContent = false;
@@ -50,8 +50,8 @@ bool ScatterWindow(const float* lines, int count, float factor, float* xr)
     return hasContent;
 }
 
-/// Scales the short bands from `firstBand` on as long as there are lines; fills in the windows' limits and
-/// returns the last band visited, `firstBand` - 1 if none was.
+/// Scales the short bands from `firstBand` on while there are lines; fills in the windows' limits and returns
+/// the last band visited, `firstBand` - 1 if none was.
 int RequantiseShort(const DecoderTables& tables, const RequantiseInput& input, int firstBand,
     const float* lines, float* xr, int* windowLimits)
 {
@@ -85,8 +85,8 @@ int HighestLongLine(const BandTable& bands, int bandLimit)
     return bandLimit < 0 ? -1 : bands.longStart[bandLimit + 1] - 1;
 }
 
-/// The highest line is reckoned with the width of the last band visited, also where a window ends below it.
-/// By the standard it is the width of the window's own last band.
+/// The highest line is computed with the width of the last band visited, even if a window ends below it. By
+/// the standard it is the width of the window's own last band.
 int HighestShortLine(const BandTable& bands, const int* windowLimits, int lastVisited, bool byStandard)
 {
     int highest = -1;

@@ -8,7 +8,7 @@ namespace Quon
 namespace
 {
 
-/// Stands for lines that are not intensity coded.
+/// Marks lines that are not intensity coded.
 constexpr int notIntensity = -1;
 constexpr float halfPower = 0.70710677F;
 
@@ -85,7 +85,7 @@ private:
     int positions[linesPerGranule];
 };
 
-/// Shares out one line after another.
+/// Distributes one line after another to the channels.
 class LineMixer
 {
 public:

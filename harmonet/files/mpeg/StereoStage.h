@@ -6,12 +6,12 @@
 namespace Quon
 {
 
-/// What intensity stereo needs of a granule. The block type is that of the first channel's record; positions
-/// and limits are the right channel's.
+/// The input of intensity stereo for a granule. The block type is that of the first channel; positions and
+/// limits are those of the right channel.
 struct IntensityInput
 {
     bool isMpeg1;
-    bool msStereo; ///< Mid/side is on where a line is not intensity coded.
+    bool msStereo; ///< Mid/side applies to lines that are not intensity coded.
     const GranuleInfo& first;
     const ScaleFactors& positions;
     const SpectrumLimits& rightLimits;
@@ -26,8 +26,8 @@ struct IntensityInput
 inline constexpr int notIntensityPosition = 7;
 
 /// Intensity stereo on both channels' 576 lines, in place: the bands above the end of the right channel's
-/// spectrum are shared out between the channels by position. Mid/side, where it is on as well, is done on the
-/// remaining lines. Function on plain arrays for SndFileMP3.
+/// spectrum are distributed to the channels by position. Mid/side, if it is also on, is applied to the
+/// remaining lines. A function on plain arrays for SndFileMP3.
 void ApplyIntensityStereo(
     const IntensityTables& tables, const IntensityInput& input, float* left, float* right);
 

@@ -1,5 +1,5 @@
-// What the platform calls when it loads and unloads the library, and for each thread that comes and goes. All
-// start-up waits for QuonGetPlugins() and SoundSystem::Init(), so that there is nothing to do here.
+// The platform calls this when it loads and unloads the library, and when a thread starts or ends. All
+// initialisation is done in QuonGetPlugins() and SoundSystem::Init(), so there is nothing to do here.
 
 #include "harmonet/engine/Exception.h"
 

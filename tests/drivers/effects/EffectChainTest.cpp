@@ -42,7 +42,7 @@ protected:
     EffectChain chain;
 };
 
-TEST_F(Chain, ProcessesInTheOrderOfTheListAndPassesOverRoomsAndTornRecords)
+TEST_F(Chain, ProcessesInListOrderAndSkipsRoomsAndInvalidRecords)
 {
     const Pcm noise = MakeNoise(4000, 0.8F);
     DistortionEffect distortionAlone(distortion, {rateHz, 1});
@@ -59,7 +59,7 @@ TEST_F(Chain, ProcessesInTheOrderOfTheListAndPassesOverRoomsAndTornRecords)
     EXPECT_EQ(Through(chain, noise), expected);
 }
 
-TEST_F(Chain, IsMadeAgainForAnotherRateWhenTheListIsGone)
+TEST_F(Chain, IsRebuiltForAnotherRateWithoutTheList)
 {
     Build(OwnedList().Add(SndFXEcho, echo));
     chain.SetRate(2 * rateHz);
@@ -70,7 +70,7 @@ TEST_F(Chain, IsMadeAgainForAnotherRateWhenTheListIsGone)
 
 // An echo of 100 ms halves each time: the ninth, of 0.5 ^ 9, is the last above -60 dB. Behind it the tail
 // waits for the delay and for 20 ms more.
-TEST_F(Chain, GivesATailUntilItStaysQuietAndAnotherOneAfterFurtherSound)
+TEST_F(Chain, GivesATailUntilSilentAndAgainAfterMoreSound)
 {
     for (const std::size_t blockFrames : {1U, 7U, 80U, 100000U}) {
         SCOPED_TRACE(blockFrames);
@@ -88,7 +88,7 @@ TEST_F(Chain, GivesATailUntilItStaysQuietAndAnotherOneAfterFurtherSound)
     }
 }
 
-TEST_F(Chain, CutsATailThatDoesNotEnd)
+TEST_F(Chain, LimitsAnEndlessTail)
 {
     Build(OwnedList().Add(SndFXEcho, FXEcho{50, 100, 10, 10, 0}), 2);
     Through(chain, Pcm{1.0F, 1.0F});
@@ -98,7 +98,7 @@ TEST_F(Chain, CutsATailThatDoesNotEnd)
 }
 
 // A slow gargle is silent for half a second while the echoes go on behind its back.
-TEST_F(Chain, WaitsForWhatOneEffectHidesOfAnother)
+TEST_F(Chain, WaitsForDelayedOutputOfEarlierEffects)
 {
     Build(OwnedList().Add(SndFXEcho, FXEcho{50, 90, 50, 50, 0}).Add(SndFXGargle, FXGargle{1, 1}));
     Through(chain, Pcm(400, 1.0F));

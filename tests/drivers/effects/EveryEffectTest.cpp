@@ -59,9 +59,9 @@ void ExpectHeld()
     for (const EffectField& field : GetEffectKeywords(kind).fields) {
         const double enormous = field.isInt ? 2147483647.0 : double{infinity};
         SetField(tooLow, field, -enormous);
-        SetField(least, field, field.least);
-        SetField(inside, field, (field.least + field.most) / 2);
-        SetField(most, field, field.most);
+        SetField(least, field, field.minimum);
+        SetField(inside, field, (field.minimum + field.maximum) / 2);
+        SetField(most, field, field.maximum);
         SetField(tooHigh, field, enormous);
         if (!field.isInt) {
             SetField(none, field, std::nan(""));
@@ -126,7 +126,7 @@ float GetPeak(const Pcm& pcm)
     return peak;
 }
 
-TEST_P(EveryEffect, HoldsParametersToTheirRangesAndTakesTheDefaultForWhatIsNoNumber)
+TEST_P(EveryEffect, ClampsParametersAndUsesDefaultsForNaN)
 {
     GetParam().expectHeld();
 }
@@ -140,7 +140,7 @@ TEST(Filters, KeepBelowAThirdOfTheRate)
     ExpectApplied<GargleEffect, FXGargle>({1000, 1}, {60, 1}, 120);
 }
 
-TEST_P(EveryEffect, DoesNotDependOnHowTheSoundIsCutAndIsAsNewAfterAReset)
+TEST_P(EveryEffect, IsIndependentOfBlockSizesAndResets)
 {
     for (const int channels : {1, 2}) {
         const Pcm noise = MakeNoise(static_cast<std::size_t>(rateHz * channels), 0.8F);
@@ -160,7 +160,7 @@ TEST_P(EveryEffect, DoesNotDependOnHowTheSoundIsCutAndIsAsNewAfterAReset)
     }
 }
 
-TEST_P(EveryEffect, TreatsOneChannelAsTheLeftOfTwoEqualOnes)
+TEST_P(EveryEffect, TreatsMonoLikeTheLeftOfTwoEqualChannels)
 {
     const Pcm noise = MakeNoise(rateHz, 0.8F);
     EXPECT_EQ(TakeSide(Through(*Make(2), MakeStereo(noise, noise)), 0), Through(*Make(1), noise));
@@ -176,7 +176,7 @@ TEST_P(EveryEffect, IsMadeByAChainFromItsRecord)
     EXPECT_EQ(Through(chain, noise), Through(*Make(), noise));
 }
 
-TEST_P(EveryEffect, GetsOverBrokenSamples)
+TEST_P(EveryEffect, RecoversFromInvalidSamples)
 {
     const Pcm broken = {std::nanf(""), 0.5F, infinity, -infinity, std::numeric_limits<float>::max(), -0.5F};
     const auto effect = Make(2);
@@ -187,7 +187,7 @@ TEST_P(EveryEffect, GetsOverBrokenSamples)
     EXPECT_GT(GetPeak(Through(*effect, MakeNoise(rateHz, 0.8F))), 0.01F);
 }
 
-TEST_P(EveryEffect, DiesAwayToSilenceWithoutTinyNumbersAndLeavesTheCallersArithmeticAlone)
+TEST_P(EveryEffect, DecaysToSilenceWithoutDenormals)
 {
     const auto effect = Make();
     Through(*effect, MakeNoise(rateHz, 0.8F));

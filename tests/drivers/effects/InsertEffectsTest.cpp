@@ -42,7 +42,7 @@ Pcm CompressPlainly(const FXCompressor& record, const Pcm& stereo)
     return out;
 }
 
-TEST(Compressor, IsWhatItsFormulaGives)
+TEST(Compressor, MatchesItsFormula)
 {
     Pcm left = MakeNoise(rateHz, 1.0F, 1);
     Pcm right = MakeNoise(rateHz, 1.0F, 2);
@@ -91,7 +91,7 @@ double GetHarmonic(double amplitude, double bend, int harmonic)
     return 2 * std::fabs(sum) / steps;
 }
 
-TEST(Distortion, HasTheHarmonicsOfItsCurveBehindItsFilters)
+TEST(Distortion, HasTheHarmonicsOfItsCurveAfterItsFilters)
 {
     // So that no harmonic that is folded down falls on another one.
     constexpr int sineHz = 301;
@@ -117,7 +117,7 @@ TEST(Distortion, HasTheHarmonicsOfItsCurveBehindItsFilters)
 }
 
 // An impulse on the left side or on the only one. 30 ms are 240 sample frames.
-TEST(Echo, RepeatsWithTheFeedbackAndSharesTheLevelByTheMixAndChangesSidesWhenPanned)
+TEST(Echo, FollowsFeedbackMixAndPan)
 {
     using Taps = std::map<std::size_t, float>; ///< By sample frames; those of both sides interleaved.
     struct Row
@@ -144,7 +144,7 @@ TEST(Echo, RepeatsWithTheFeedbackAndSharesTheLevelByTheMixAndChangesSidesWhenPan
     }
 }
 
-TEST(Gargle, BeginsAtSilenceAsATriangleAndAtFullLevelAsASquareAndGoesOn)
+TEST(Gargle, StartsSilentAsATriangleAndFullAsASquare)
 {
     constexpr int gargleHz = 50;
     constexpr std::size_t period = 20000 / gargleHz;
@@ -162,7 +162,7 @@ TEST(Gargle, BeginsAtSilenceAsATriangleAndAtFullLevelAsASquareAndGoesOn)
 
 // The definition of a band: all of the gain at its centre, half of its decibels at the edges, which lie half
 // of the bandwidth below and above, and none far away.
-TEST(ParamEq, HasItsGainAtTheCentreHalfAtTheEdgesAndNoneFarAway)
+TEST(ParamEq, HasItsGainAtTheCentreAndHalfAtTheEdges)
 {
     const auto measureGain = [](const FXParamEq& record, double hz) {
         constexpr float amplitude = 0.5F;

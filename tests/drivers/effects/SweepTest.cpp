@@ -71,7 +71,7 @@ void ExpectSweep(const Record& record)
     }
 }
 
-TEST(Sweep, IsWhatAPlainDelayLineGives)
+TEST(Sweep, MatchesAPlainDelayLine)
 {
     ExpectSweep<ChorusEffect>(FXChorus{100, 10, 0, 1.7F, 1, 16, 3});
     ExpectSweep<ChorusEffect>(FXChorus{70, 60, -50, 1.2F, 0, 8, 0});

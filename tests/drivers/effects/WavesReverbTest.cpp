@@ -17,7 +17,7 @@ double GetPower(const Pcm& pcm)
     return std::inner_product(pcm.begin(), pcm.end(), pcm.begin(), 0.0) / static_cast<double>(pcm.size());
 }
 
-TEST(WavesReverb, DecaysInItsTimeAndAtHighFrequenciesFasterByTheRatioWithinTenPercent)
+TEST(WavesReverb, DecaysInItsTimeAndByItsRatioAtHighFrequencies)
 {
     struct Row
     {
@@ -45,7 +45,7 @@ TEST(WavesReverb, DecaysInItsTimeAndAtHighFrequenciesFasterByTheRatioWithinTenPe
     }
 }
 
-TEST(WavesReverb, IsAboutAsLoudAsWhatGoesInWithItsGain)
+TEST(WavesReverb, KeepsTheInputLevelTimesItsGain)
 {
     const Pcm left = MakeNoise(6 * 22050, 0.5F, 1);
     const Pcm right = MakeNoise(6 * 22050, 0.5F, 2);
@@ -60,7 +60,7 @@ TEST(WavesReverb, IsAboutAsLoudAsWhatGoesInWithItsGain)
     }
 }
 
-TEST(WavesReverb, SpreadsOneSideOverBothAndMakesThemUnlike)
+TEST(WavesReverb, DecorrelatesBothSides)
 {
     WavesReverbEffect reverb({0, 0, 1000, 0.999F}, {22050, 2});
     const Pcm noise = MakeNoise(4 * 22050, 0.5F);

@@ -10,7 +10,7 @@ namespace Quon
 namespace
 {
 
-TEST_F(Files, LinksAreFollowedWithinTheirRootAlone)
+TEST_F(Files, FollowLinksWithinTheirRootOnly)
 {
     std::filesystem::create_symlink("../outside.txt", folder.Path("root/out.txt"));
     std::filesystem::create_symlink("../root2", folder.Path("root/outfolder"));
@@ -30,7 +30,7 @@ TEST_F(Files, LinksAreFollowedWithinTheirRootAlone)
     });
 }
 
-TEST_F(Files, PipesAndDevicesAreNone)
+TEST_F(Files, RefusePipesAndDevices)
 {
     ASSERT_EQ(mkfifo(folder.Path("root/pipe.wav").c_str(), 0600), 0);
     std::filesystem::create_symlink("/dev/null", folder.Path("root/device.wav"));
@@ -38,7 +38,7 @@ TEST_F(Files, PipesAndDevicesAreNone)
     EXPECT_EQ(Open("device.wav"), File::OutsideRoot);
 }
 
-TEST_F(Files, PipesAndDanglingLinksAreNoLibraries)
+TEST_F(Files, RefusePipesAndDanglingLinksAsLibraries)
 {
     ASSERT_EQ(mkfifo(folder.Path("pipe.so").c_str(), 0600), 0);
     std::filesystem::create_symlink("dangling", folder.Path("link.so"));

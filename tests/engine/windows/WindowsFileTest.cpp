@@ -17,7 +17,7 @@ std::filesystem::path FromUtf8(const std::string& text)
     return std::u8string(text.begin(), text.end());
 }
 
-TEST_F(Files, NamesAreThoseOfPlainFilesBelowTheRoot)
+TEST_F(Files, AcceptOnlyNamesOfRegularFilesBelowTheRoot)
 {
     folder.Write("root/COM10.wav", "x");
     folder.Write("root/console.wav", "x");
@@ -89,7 +89,7 @@ TEST_F(Files, NamesAndRootsAreUtf8AndMayBeLong)
     std::filesystem::remove_all(extended / FromUtf8("\u03A1\u03AF\u03B6\u03B1"), ignored);
 }
 
-TEST_F(Files, OneFileHasOneNameInCachesWhateverItsCase)
+TEST_F(Files, NamesInCachesIgnoreCase)
 {
     const PString folded = File::FoldName("sub/deep \u03BB.txt");
     for (const char* name : {"SUB/DEEP \u039B.TXT", "Sub\\Deep \u03BB.txt", ".//sub/deep \u03BB.TXT"}) {
@@ -98,7 +98,7 @@ TEST_F(Files, OneFileHasOneNameInCachesWhateverItsCase)
     EXPECT_FALSE(File::FoldName("sub/deep.wav") == folded);
 }
 
-TEST_F(Files, LinksAndJunctionsAreFollowedWithinTheirRootAlone)
+TEST_F(Files, FollowLinksAndJunctionsWithinTheirRootOnly)
 {
     std::error_code error;
     std::filesystem::create_directory_symlink(folder.Path("root2"), folder.Path("root/out"), error);

@@ -34,7 +34,7 @@ private:
 
 } // namespace
 
-TEST_F(BadStreams, EveryTruncationPlaysItsWholeFrames)
+TEST_F(BadStreams, EveryTruncationPlaysItsCompleteFrames)
 {
     const Bytes stream = ReadStream("mono-16000.mp3");
     constexpr std::size_t frameBytes = 108;
@@ -52,7 +52,7 @@ TEST_F(BadStreams, EveryTruncationPlaysItsWholeFrames)
 
 // In small frames each bit of each byte by itself, which reaches each field of a header, and the ends of a
 // byte's range; in large ones several bytes at once, most of them where the side information is.
-TEST_F(BadStreams, ChangedBytesKeepToTheBuffers)
+TEST_F(BadStreams, ChangedBytesStayWithinBuffers)
 {
     std::mt19937 random(11);
     for (const int mode : {1, 3}) {

@@ -80,7 +80,7 @@ TEST_F(MpegFiles, StreamsAreCountedAndPlayAsFromMemory)
     }
 }
 
-TEST_F(MpegFiles, StreamsThatChangeTheirChannelsPlayToTheEndFromAFileAndFromMemory)
+TEST_F(MpegFiles, StreamsThatChangeChannelsPlayToTheEnd)
 {
     for (const std::string form : {"ssmm", "mmssm", "smsms", "msm"}) {
         SCOPED_TRACE(form);
@@ -133,7 +133,7 @@ TEST_F(MpegFiles, TheCountComesFromFactOrFromTheHeaders)
     }
 }
 
-TEST_F(MpegFiles, EightBitsWhereTheWrapperDeclaresThem)
+TEST_F(MpegFiles, EightBitOutputFollowsTheWrapper)
 {
     const Bytes fact = Chunk("fact", Little32(2 * frame));
     const Bytes silence = Wave(Format(85, 8) + Chunk("data", MakeSilentFrame({})));
@@ -154,7 +154,7 @@ TEST_F(MpegFiles, EightBitsWhereTheWrapperDeclaresThem)
     }
 }
 
-TEST_F(MpegFiles, WhatIsNotPlayedIsRefusedAndItsFileClosed)
+TEST_F(MpegFiles, UnsupportedStreamsAreRefusedAndClosed)
 {
     const Bytes frames = RandomFrames(2);
     const auto withHeader = [&frames](unsigned char second, unsigned char third) {
@@ -190,7 +190,7 @@ TEST_F(MpegFiles, WhatIsNotPlayedIsRefusedAndItsFileClosed)
     EXPECT_FALSE(SndFileMP3().OpenMemory(nullptr, 0, nullptr));
 }
 
-TEST_F(MpegFiles, AnOpenedReaderCanBeOpenedOnAnotherFile)
+TEST_F(MpegFiles, AReaderCanBeReopenedOnAnotherFile)
 {
     folder.Write("one", RandomFrames(3));
     folder.Write("two", ReadStream("mono-16000.mp3"));

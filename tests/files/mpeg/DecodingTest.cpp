@@ -69,7 +69,7 @@ void ExpectConformance(const std::vector<int>& pcm, const std::vector<int>& refe
 
 } // namespace
 
-TEST(Decoding, GivesWhatAnotherDecoderGives)
+TEST(Decoding, MatchesAnotherDecoder)
 {
     // The references hold every 11th value (streams/make_streams.sh).
     constexpr std::size_t stride = 11;
@@ -87,7 +87,7 @@ TEST(Decoding, GivesWhatAnotherDecoderGives)
     });
 }
 
-TEST(Decoding, OfConformanceStreamsStaysWithinTwoSteps)
+TEST(Decoding, IsWithinTwoStepsOnConformanceStreams)
 {
     const char* folder = std::getenv("HARMONET_VECTORS");
     if (folder == nullptr || !std::filesystem::is_directory(folder)) {
@@ -114,7 +114,7 @@ TEST(Decoding, OfConformanceStreamsStaysWithinTwoSteps)
 }
 
 // Streams of random frames hold every syntax that an encoder could use and some that none does.
-TEST(Decoding, OfRandomStreamsGivesWhatThePlainDecoderGives)
+TEST(Decoding, MatchesThePlainDecoderOnRandomStreams)
 {
     std::mt19937 random(1992);
     for (int kind = 0; kind < 72; ++kind) {
@@ -138,7 +138,7 @@ TEST(Decoding, OfRandomStreamsGivesWhatThePlainDecoderGives)
 }
 
 // Each of these streams holds one departure from the standard (streams/make_departures.py).
-TEST(Decoding, DepartsFromTheStandardOnlyByItsOwnRules)
+TEST(Decoding, DepartsFromTheStandardOnlyAsDocumented)
 {
     constexpr std::size_t stride = 11;
     for (const std::string name : {"24000-bands", "22050-intensity", "22050-mixed", "32000-short"}) {
@@ -162,7 +162,7 @@ TEST(Decoding, DepartsFromTheStandardOnlyByItsOwnRules)
 }
 
 // What random streams reach by luck alone: spectra that end in zeros, up to the line count and behind.
-TEST(Decoding, ScalesSparseSpectraAndFindsTheirEndsAsThePlainDecoderDoes)
+TEST(Decoding, MatchesThePlainDecoderOnSparseSpectra)
 {
     std::mt19937 random(4);
     for (int round = 0; round < 2000; ++round) {
@@ -197,7 +197,7 @@ TEST(Decoding, ScalesSparseSpectraAndFindsTheirEndsAsThePlainDecoderDoes)
 
 // One code, then ones: full linbits and negative signs, on to
 // whatever that gives.
-TEST(Decoding, ReadsEveryCodeOfEveryTableAsAWalkThroughTheListDoes)
+TEST(Decoding, ReadsEveryHuffmanCode)
 {
     constexpr int budget = 60;
     for (int table = 1; table < count1TableBase; ++table) {

@@ -32,7 +32,7 @@ Bytes RandomStream(const FrameForm& form, int frameCount, unsigned seed = 7)
 
 // After a short skip, and after a way back over what has been decoded, the sound is right at once; after a
 // skip over whole frames a few frames later.
-TEST(MpegReader, AnyMixOfReadsSkipsStepsBackAndRewindsKeepsTheCountAndTheSound)
+TEST(MpegReader, AnyMixOfReadsSkipsAndRewindsIsExact)
 {
     const Bytes stream = ReadStream("joint-44100.mp3");
     const std::vector<int> whole = DecodeAll(stream);
@@ -131,7 +131,7 @@ TEST(MpegReader, JunkBetweenFramesIsSkipped)
     }
 }
 
-TEST(MpegReader, AHeaderThatCannotBePlayedEndsACallAndTheNextGoesOnBehindIt)
+TEST(MpegReader, AnUnsupportedHeaderEndsACallAndTheNextContinuesAfterIt)
 {
     MemoryStream file(RandomStream(mono, 2) + Bytes{0xFF, 0xFB, 0xF0, 0x00} + RandomStream(mono, 1, 8));
     for (const std::size_t delivered : {2U * frame, 1U * frame, 0U}) {
@@ -139,7 +139,7 @@ TEST(MpegReader, AHeaderThatCannotBePlayedEndsACallAndTheNextGoesOnBehindIt)
     }
 }
 
-TEST(MpegReader, AFrameWithoutItsReservoirIsSilentAndFillsItsBuffer)
+TEST(MpegReader, AFrameWithoutItsBitReservoirIsSilent)
 {
     const std::vector<int> pcm = DecodeAll(MakeSilentFrame(mono, 300) + RandomStream(mono, 2));
     ASSERT_EQ(pcm.size(), 3U * frame);
@@ -148,7 +148,7 @@ TEST(MpegReader, AFrameWithoutItsReservoirIsSilentAndFillsItsBuffer)
     EXPECT_NE(firstSound, pcm.end());
 }
 
-TEST(MpegReader, AChangeOfChannelsNeverMixesLayoutsNorOverrunsABuffer)
+TEST(MpegReader, AChangeOfChannelsNeverMixesLayouts)
 {
     for (const Bytes& stream : {RandomStream(mono, 3) + RandomStream(stereo, 3) + RandomStream(mono, 2),
              RandomStream(stereo, 2) + RandomStream(mono, 3) + RandomStream(stereo, 2)}) {
@@ -173,7 +173,7 @@ TEST(MpegReader, SingleSampleFramesOfOneChannelStayOneChannel)
     EXPECT_EQ(DecodeAll(stream, 1), mixed);
 }
 
-TEST(MpegReader, FramesOfAnotherLengthGiveNothingStaleAndSkipNoMoreThanAsked)
+TEST(MpegReader, FramesOfAnotherLengthGiveNoStaleData)
 {
     const Bytes two = RandomStream(shortFrames, 2);
     Bytes torn = RandomStream(mono, 1);
@@ -189,7 +189,7 @@ TEST(MpegReader, FramesOfAnotherLengthGiveNothingStaleAndSkipNoMoreThanAsked)
     EXPECT_EQ(longer.ReadOnce(5000).size(), 2U * frame - 600);
 }
 
-TEST(MpegReader, TakesNothingFromTheHeapWhileItDecodesAndGivesAllBack)
+TEST(MpegReader, DoesNotAllocateWhileDecoding)
 {
     const std::size_t before = Alloc::LiveBlocks();
     {

@@ -1,4 +1,4 @@
-// As FourLanes.inl, with eight floats to a vector: for AVX2, in the vector types of GCC and Clang alone.
+// Same as FourLanes.inl with vectors of eight floats, for AVX2; requires the vector types of GCC and Clang.
 
 constexpr int laneCount = 8;
 using Lanes = float __attribute__((vector_size(laneCount * sizeof(float))));
@@ -75,7 +75,7 @@ HARMONET_ALWAYS_INLINE IntLanes Odds(IntLanes low, IntLanes high)
     return __builtin_shufflevector(low, high, 1, 3, 5, 7, 9, 11, 13, 15);
 }
 
-/// Transposes the 4 x 4 blocks of the lower and of the upper four lanes, each for itself.
+/// Transposes the 4 x 4 blocks of the lower and of the upper four lanes separately.
 HARMONET_ALWAYS_INLINE void Transpose(Lanes (&rows)[4])
 {
     const Lanes low01 = __builtin_shufflevector(rows[0], rows[1], 0, 8, 1, 9, 4, 12, 5, 13);

@@ -1,6 +1,6 @@
-// The operations of the kernels on `Lanes` and `IntLanes`, vectors of four. This file or EightLanes.inl is
-// included by each of the translation units that compile the kernels, ahead of them and inside its unnamed
-// namespace, so that nothing compiled for one processor can be linked into another's code.
+// The kernels' operations on `Lanes` and `IntLanes`, vectors of four. Each translation unit that compiles the
+// kernels includes this file or EightLanes.inl before them, within its unnamed namespace, so that code
+// compiled for one processor cannot be linked into another's.
 
 constexpr int laneCount = 4;
 
@@ -21,7 +21,7 @@ HARMONET_ALWAYS_INLINE Lanes Broadcast(float value)
     return Lanes{value, value, value, value};
 }
 
-/// Four floats, repeated as often as the vector takes them.
+/// Four floats, repeated to fill the vector.
 HARMONET_ALWAYS_INLINE Lanes LoadFour(const float* from)
 {
     return Load(from);

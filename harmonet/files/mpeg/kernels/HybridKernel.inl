@@ -36,7 +36,7 @@ constexpr float cos70 = 0.342020143325669F;
 constexpr float cos80 = 0.173648177666930F;
 
 /// out[k] = sum over m of z[m] cos(pi / 18 m (2k + 1)) for nine values. Even m are symmetric about k = 4 and
-/// odd m antisymmetric, so each half is worked out once; angles are in degrees.
+/// odd m antisymmetric, so each half is computed once; angles are in degrees.
 HARMONET_ALWAYS_INLINE void NineCosineSums(
     Lanes z0, Lanes z1, Lanes z2, Lanes z3, Lanes z4, Lanes z5, Lanes z6, Lanes z7, Lanes z8, Lanes (&out)[9])
 {
@@ -66,8 +66,8 @@ HARMONET_ALWAYS_INLINE void NineCosineSums(
 /// The 18 sums over n of X[n] cos(pi / 72 (2k + 1)(2n + 1)), each times 2 cos(pi / 72 (2k + 1)).
 ///
 /// That factor turns the sum into one over z[n] = X[n] + X[n - 1] with cos(pi / 36 n (2k + 1)). Its even n
-/// are a sum of nine that is the same for k and 17 - k; its odd n change sign there and become a sum of nine
-/// by the same step with the factor 2 cos(pi / 36 (2k + 1)).
+/// are a sum of nine that is equal for k and 17 - k; its odd n have the opposite sign there and become a sum
+/// of nine by the same step with the factor 2 cos(pi / 36 (2k + 1)).
 HARMONET_ALWAYS_INLINE void EighteenCosineSums(
     const Lanes (&x)[18], const float* joinFactors, Lanes (&sums)[18])
 {
@@ -121,7 +121,7 @@ void LongTransform(
     }
 }
 
-/// One window's twelve outputs are six cosine sums, unfolded as those of the long transform are.
+/// One window's twelve outputs are six cosine sums, unfolded like those of the long transform.
 HARMONET_ALWAYS_INLINE void AddShortWindow(
     const HybridTables& tables, const Lanes* x, int firstOutput, Lanes (&outputs)[36])
 {

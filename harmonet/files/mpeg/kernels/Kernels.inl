@@ -1,4 +1,4 @@
-// The kernels on the vectors of the translation unit that includes this, inside its unnamed namespace.
+// The kernels for the vectors of the including translation unit, within its unnamed namespace.
 
 #include "harmonet/files/mpeg/kernels/HybridKernel.inl"
 #include "harmonet/files/mpeg/kernels/PcmKernel.inl"

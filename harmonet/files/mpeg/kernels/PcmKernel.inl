@@ -1,6 +1,6 @@
 // Conversion of samples to 16-bit PCM.
 
-/// Scales, truncates towards zero and clips. A NaN comes out as the upper limit.
+/// Scales, truncates towards zero and clips. NaN becomes the upper limit.
 HARMONET_ALWAYS_INLINE IntLanes ToPcm(Lanes sample)
 {
     const Lanes scaled = sample * Broadcast(32767.0F);

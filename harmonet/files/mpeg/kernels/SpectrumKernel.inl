@@ -1,7 +1,7 @@
 // Huffman decoding of one granule and channel, and the scaling of its bands.
 
-/// The next bits of the stream, the first one on top; at least `count` of them are valid. `next` is the byte
-/// whose bits begin behind those.
+/// The next bits of the stream, the first one in the most significant bit; at least `count` of them are
+/// valid. `next` is the first byte after them.
 struct BitWindow
 {
     const unsigned char* next;
@@ -27,7 +27,7 @@ HARMONET_ALWAYS_INLINE BitWindow OpenWindow(const unsigned char* bytes, int bitP
     return window;
 }
 
-/// Makes at least 56 bits valid. Bits that are valid already are or-ed in a second time, unchanged.
+/// Makes at least 56 bits valid. Bits that are already valid are OR-ed again, unchanged.
 HARMONET_ALWAYS_INLINE void Refill(BitWindow& window)
 {
     window.bits |= LoadBigEndian(window.next) >> window.count;
@@ -48,7 +48,7 @@ HARMONET_ALWAYS_INLINE int TakeField(BitWindow& window, int bitCount)
     return field;
 }
 
-/// Goes on in the jump and value arrays from an inner entry; returns the leaf's value and adds to `taken`.
+/// Continues in the jump and value arrays from an inner entry; returns the leaf's value and adds to `taken`.
 HARMONET_ALWAYS_INLINE int WalkOn(const HuffmanTable& table, unsigned entry, BitWindow& window, int& taken)
 {
     while (table.jump[entry] != huffmanLeaf) {
@@ -60,8 +60,8 @@ HARMONET_ALWAYS_INLINE int WalkOn(const HuffmanTable& table, unsigned entry, Bit
     return table.value[entry];
 }
 
-/// The linbits and the sign of one value of a pair, and its power. Without branches: which values have
-/// linbits, and which are negative, nobody can guess.
+/// Reads the linbits and the sign of one value of a pair, and returns its power. Branchless: which values
+/// have linbits, and which are negative, is unpredictable.
 HARMONET_ALWAYS_INLINE float FinishValue(
     const DecoderTables& tables, const HuffmanTable& table, int value, BitWindow& window, int& taken)
 {
@@ -80,7 +80,7 @@ HARMONET_ALWAYS_INLINE float FinishValue(
     return result;
 }
 
-/// A pair that the look-up has not resolved. The window holds 56 bits; the longest pair takes 47.
+/// Decodes a pair that the look-up has not resolved. The window holds 56 bits; the longest pair takes 47.
 HARMONET_ALWAYS_INLINE int DecodeLongPair(
     const DecoderTables& tables, const HuffmanTable& table, unsigned found, BitWindow& window, float* pair)
 {
@@ -94,7 +94,7 @@ HARMONET_ALWAYS_INLINE int DecodeLongPair(
     return taken;
 }
 
-/// A pair that the look-up has resolved.
+/// Reads a pair that the look-up has resolved.
 HARMONET_ALWAYS_INLINE int TakePair(
     const DecoderTables& tables, unsigned found, BitWindow& window, float* pair)
 {
@@ -104,7 +104,7 @@ HARMONET_ALWAYS_INLINE int TakePair(
     return taken;
 }
 
-/// One region of big values, up to the line `end` or the end of the budget; returns the line it got to.
+/// Decodes one region of big values, up to the line `end` or the end of the budget; returns the line reached.
 HARMONET_ALWAYS_INLINE int DecodePairs(const DecoderTables& tables, const HuffmanTable& table, int line,
     int end, BitWindow& window, int& budget, float* lines)
 {
@@ -140,7 +140,7 @@ HARMONET_ALWAYS_INLINE int DecodePairs(const DecoderTables& tables, const Huffma
     return line;
 }
 
-/// The count1 region, to the last line or the end of the budget; returns the line it got to.
+/// Decodes the count1 region, up to the last line or the end of the budget; returns the line reached.
 HARMONET_ALWAYS_INLINE int DecodeQuadruples(const DecoderTables& tables, const HuffmanTable& table, int line,
     BitWindow& window, int& budget, float* lines)
 {
@@ -188,7 +188,7 @@ int DecodeLines(const DecoderTables& tables, const GranuleInfo& info, const unsi
     line = DecodeQuadruples(
         tables, huffman[count1TableBase + info.count1table_select], line, window, budget, lines);
     line = Least(line, linesPerGranule);
-    // The last code read past the end of this granule's bits, so that its values belong to nobody.
+    // The last code reads past the end of this granule's bits, so its values are discarded.
     if (budget < 0 && line >= 4) {
         line -= 4;
     }
@@ -198,7 +198,7 @@ int DecodeLines(const DecoderTables& tables, const GranuleInfo& info, const unsi
     return line;
 }
 
-// A vector at the end of a band reaches into the next one, which writes its own lines afterwards.
+// A vector at the end of a band extends into the next one, which overwrites its own lines afterwards.
 void ScaleBands(const float* lines, const int* bandStart, const float* factors, int bandCount, float* xr)
 {
     for (int band = 0; band < bandCount; ++band) {

@@ -1,10 +1,10 @@
-// The polyphase stage. The cosine transform takes several time slots in a vector; the windowing takes several
-// samples of one time slot.
+// The polyphase stage. The cosine transform processes several time slots per vector; the windowing processes
+// several samples of one time slot.
 
 /// out[m] = sum over k of in[k] cos(pi / 2N m (2k + 1)).
 ///
-/// The even outputs are the transform of half the size of the folded sums. Of the folded differences, divided
-/// by 2 cos(pi / 2N (2k + 1)), two neighbours of their transform add up to one odd output.
+/// The even outputs are the transform of half the size of the folded sums. The folded differences are divided
+/// by 2 cos(pi / 2N (2k + 1)) and transformed; each odd output is the sum of two neighbours of the result.
 template<int size>
 HARMONET_ALWAYS_INLINE void CosineTransform(const float* cosines, const Lanes* in, Lanes* out)
 {
@@ -33,12 +33,12 @@ HARMONET_ALWAYS_INLINE void CosineTransform(const float* cosines, const Lanes* i
 constexpr int historySlots = 15;
 constexpr int slotRows = historySlots + slotsPerGranule;
 
-/// The cosine sums C of the granule's time slots behind those of the 15 slots before it.
+/// The cosine sums C of the granule's time slots, after those of the 15 slots before it.
 struct SlotSums
 {
     /// C[16] to C[31] of a slot, then C[16] down to C[1].
     alignas(64) float rows[slotRows][subbandCount];
-    /// C[16] and C[0] once more, by slot.
+    /// C[16] and C[0] again, by slot.
     float middle[slotRows];
     float lowest[slotRows];
 };
@@ -70,8 +70,8 @@ HARMONET_ALWAYS_INLINE void TransformSlots(
 
 constexpr int slotsPerBlock = 6;
 
-/// Samples j to j + laneCount - 1 and their mirrors 32 - j of six time slots. Sample 0 and what would be
-/// sample 32 come out wrong here.
+/// Computes samples j to j + laneCount - 1 and their mirrors 32 - j of six time slots. Sample 0, and the
+/// position of a sample 32, are wrong here.
 HARMONET_ALWAYS_INLINE void WindowBlock(
     const SynthesisTables& tables, const SlotSums& sums, int slot, int j, float* samples)
 {
@@ -94,7 +94,7 @@ HARMONET_ALWAYS_INLINE void WindowBlock(
     }
 }
 
-/// Samples 0 and 16 of `laneCount` time slots from `slot` on.
+/// Computes samples 0 and 16 of `laneCount` time slots from `slot` on.
 HARMONET_ALWAYS_INLINE void WindowUnpaired(
     const SynthesisTables& tables, const SlotSums& sums, int slot, float* samples)
 {
@@ -120,7 +120,7 @@ void Synthesis(const SynthesisTables& tables, const float* subbands, float* hist
     std::memcpy(sums.middle, history + rowHistory, historySlots * sizeof(float));
     std::memcpy(sums.lowest, history + rowHistory + historySlots, historySlots * sizeof(float));
 
-    // 18 is no multiple of the lanes: the last vectors overlap and work some slots out twice.
+    // 18 is not a multiple of the lane count: the last vectors overlap and compute some slots twice.
     for (int slot = 0; slot + laneCount <= slotsPerGranule; slot += laneCount) {
         TransformSlots(tables.cosines, subbands, slot, sums);
     }
