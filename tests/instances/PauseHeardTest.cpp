@@ -95,12 +95,13 @@ private:
         // The third is short: less than 500 ms are left of it at most of the pauses.
         std::vector<unsigned char> wave = BuildWave({seed == 2 ? 13000 : 25000, rateHz, 1, 16});
         std::minstd_rand random(static_cast<unsigned int>(seed + 1));
-        // Its last sample is silent, since some versions of OpenAL hold that one for a while.
-        for (std::size_t at = headBytes; at + 4 <= wave.size(); at += 2) {
+        for (std::size_t at = headBytes; at + 2 <= wave.size(); at += 2) {
             const auto sample = static_cast<int>(random() % 4001) - 2000;
             wave[at] = static_cast<unsigned char>(sample & 0xFF);
             wave[at + 1] = static_cast<unsigned char>(sample >> 8 & 0xFF);
         }
+        // Some versions of OpenAL hold the last sample for a while.
+        wave[wave.size() - 2] = wave[wave.size() - 1] = 0;
         return wave;
     }
 
