@@ -40,7 +40,7 @@ void SndKernel::Allocate()
     Decide(contenders, counts, maxAudible, decision);
     const auto toRow = [&](std::uint32_t& number) {
         std::size_t list = 0;
-        for (; number >= counts[list]; ++list) {
+        for (; list + 1 < numContenderLists && number >= counts[list]; ++list) {
             number -= static_cast<std::uint32_t>(counts[list]);
         }
         number = GetList(contenderLists[list]).Compact()[number].row;
