@@ -2,7 +2,7 @@
 for sound definitions what `check` says and returns, and what `info` shows.
 
 Usage: tool_test.py TOOL. With HARMONET_NO_RENDERING set what needs the OpenAL driver is left out; HARMONET_EMULATOR
-names the command that runs a tool built for another machine.
+names the command that runs a tool built for another machine, and HARMONET_BROWSER a Chromium to see pages with.
 """
 import array
 import json
@@ -528,6 +528,16 @@ class TraceTest(ToolCase):
                          ["cut off: it had no channel, and too little was left to continue as a virtual sound", "ended"])
         heard = [data["states"][state]["look"] for sound in data["sounds"] for state in sound["states"][1::2]]
         self.assertLessEqual({"heard", "virtual"}, set(heard))
+
+    @unittest.skipUnless("HARMONET_BROWSER" in os.environ, "HARMONET_BROWSER does not name a Chromium")
+    def test_a_timeline_runs_in_a_browser(self):
+        self.play("--timeline", "out.html")
+        page = (self.folder / "out.html").as_uri() + "#search=a.w&select=0&time=1"
+        done = subprocess.run([os.environ["HARMONET_BROWSER"], "--headless", "--no-sandbox", "--disable-gpu",
+                               f"--user-data-dir={self.folder}/browser", "--dump-dom", page],
+                              capture_output=True, text=True, timeout=120, check=True)
+        self.assertIn(">1 of 2 sounds<", done.stdout)
+        self.assertIn('aria-live="polite">a.wav (positional', done.stdout)
 
 
 @unittest.skipIf("HARMONET_NO_SCREEN" in os.environ, "no screen was built")
