@@ -9,8 +9,8 @@ namespace Quon
 /// The time between two full updates, in seconds on a clock that starts with the sound system.
 struct UpdateInterval
 {
-    double begin = 0.0;
-    double end = 0.0;
+    double begin = 0.0; ///< When it began.
+    double end = 0.0; ///< When it ended.
 };
 
 /// Computes the velocity of a point from its positions at the ends of full updates. A plain value of a sound
