@@ -12,13 +12,13 @@ std::atomic<std::uint64_t> allocations{0};
 extern "C" void* __libc_malloc(std::size_t);
 extern "C" void* __libc_realloc(void*, std::size_t);
 
-extern "C" void* malloc(std::size_t bytes)
+extern "C" __attribute__((visibility("default"))) void* malloc(std::size_t bytes)
 {
     allocations.fetch_add(1, std::memory_order_relaxed);
     return __libc_malloc(bytes);
 }
 
-extern "C" void* realloc(void* block, std::size_t bytes)
+extern "C" __attribute__((visibility("default"))) void* realloc(void* block, std::size_t bytes)
 {
     allocations.fetch_add(1, std::memory_order_relaxed);
     return __libc_realloc(block, bytes);

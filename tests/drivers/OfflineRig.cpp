@@ -10,7 +10,7 @@
 
 // OpenAL is not built with the sanitizer, which cannot see how its threads agree among themselves. What it
 // does with memory of its own is left out; all of ours is watched.
-extern "C" const char* __tsan_default_suppressions();
+extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions()
 {
     return "race:libopenal.so";
