@@ -7,7 +7,7 @@
 
 // Displaced/KIND/STEP: a sound of noise is displaced by a more important one after 6 s, comes back 5 s later,
 // and is compared with a run in which nothing has displaced it. The counter error_frames tells by how many
-// sample frames it is ahead of where it would have been; at a negative number it lags behind. Nothing is
+// sample frames it is ahead of where it would have been; a negative number means that it is late. Nothing is
 // timed.
 //
 // STEP is how much time the host hands to the task list at once: 40 ms, or frames of 16 ms that it does not

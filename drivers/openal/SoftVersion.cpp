@@ -15,8 +15,7 @@ SoftVersion GetSoftVersion()
     const char* const text = alGetString(AL_VERSION);
     const char* const found = text ? std::strstr(text, "ALSOFT ") : nullptr;
     std::pair version = firstNew;
-    // NOLINTNEXTLINE(cert-err34-c): of the library's own text, and what is no number leaves the version as it
-    // is.
+    // A text without a number, which no known version has, counts as new.
     if (found && std::sscanf(found, "ALSOFT %d.%d", &version.first, &version.second) != 2) {
         version = firstNew;
     }

@@ -12,7 +12,7 @@ constexpr int rateHz = 22050;
 
 using Pcm = std::vector<std::int16_t>;
 
-/// A sound that is worked out from a formula, so that the scene needs no recordings.
+/// A sound computed from a formula, so that the scene needs no recordings.
 struct MadeSound
 {
     const char* fileName;

@@ -135,7 +135,7 @@ TEST_F(Placed, ConeGainIsLinearFromInnerToOuterAngle)
             {static_cast<float>(std::sin(radians)), 0, static_cast<float>(std::cos(radians))});
         EXPECT_NEAR(Gain(), gain, 0.002) << degrees;
     }
-    // Held to a whole turn and a gain of 1.
+    // Clamped to 360 degrees and a gain of 1.
     channel->SetCone(400.0F, 90.0F, 2.0F);
     EXPECT_NEAR(Gain(), 1.0, 0.002);
 }

@@ -128,7 +128,7 @@ TEST(Particle, HandlesVeryDeepTrees)
     EXPECT_FALSE(nodes.back()->Add(nodes.front().get()));
 }
 
-/// The same scene, plain and slow: each place is worked out anew from the root's to the node's.
+/// The same scene, plain and slow: each position is computed from the root down to the node.
 struct ModelNode
 {
     int parent = -1;

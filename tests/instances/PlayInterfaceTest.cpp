@@ -193,7 +193,7 @@ TEST_F(PlayInterfaceTest, AFailedStartLeavesNothing)
     EXPECT_EQ(group->Play3DSound(nullptr, PString(), file, nullptr, 0, 0, {}, 0), 0);
     EXPECT_EQ(group->Play3DSound(&scene, PString("elsewhere"), file, nullptr, 0, 0, {}, 0), 0);
     SoundSystem::StopAll();
-    // They were deleted without a word.
+    // They were deleted without a notification.
     EXPECT_EQ(TakeLog({"begin", "abort", "end"}), Lines());
     EXPECT_NE(group->Play3DSound(&scene, PString("here"), file, nullptr, 0, 0, {}, 0), 0);
 }

@@ -182,7 +182,7 @@ TEST_F(PolylineLife, EveryWayToEndALineEndsItsSources)
     system.Done();
 }
 
-// The handler is called in the midst of starting the source, which goes with the line.
+// The handler is called while the source starts, and the source ends with the line.
 TEST_F(PolylineLife, ANotificationAboutASourceCannotEndItsLine)
 {
     const int other = PlayLine(LineOfThree());

@@ -1,4 +1,4 @@
-// Where the sources of a line stand, against the slow model and in cases worked out by hand; also for lines
+// Where the sources of a line stand, against the slow model and in cases computed by hand; also for lines
 // that are no lines and numbers that are no numbers.
 
 #include "harmonet/instances/FastLength.h"

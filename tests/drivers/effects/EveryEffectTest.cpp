@@ -116,7 +116,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(, EveryEffect, testing::ValuesIn(everyEffect),
     [](const auto& given) { return std::string(given.param.name); });
 
-/// Infinite if one of the samples is no number.
+/// Infinity if one of the samples is NaN.
 float GetPeak(const Pcm& pcm)
 {
     float peak = 0.0F;

@@ -50,7 +50,7 @@ double Window(int blockType, int i)
     }
 }
 
-/// cos(pi / half * number), worked out once for each angle.
+/// cos(pi / half * number), computed once for each angle.
 template<int half>
 double Cosine(int number)
 {
