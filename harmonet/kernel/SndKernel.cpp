@@ -224,10 +224,11 @@ bool SndKernel::GetCaps(SoundCaps& driverCaps)
 
 void SndKernel::SetMicrophone(Microphone* microphone)
 {
-    if (activeMicrophone && activeMicrophone != microphone) {
-        activeMicrophone->SetActive(false);
+    if (!activeMicrophone) {
+        doppler.ForgetListener();
     }
-    if (activeMicrophone != microphone) {
+    else if (activeMicrophone != microphone) {
+        activeMicrophone->SetActive(false);
         doppler.ForgetListener();
     }
     activeMicrophone = microphone;

@@ -48,7 +48,7 @@ std::string FindUnknownOption(
     const std::vector<std::string>& known, const std::vector<std::string>& arguments)
 {
     for (const std::string& argument : arguments) {
-        const std::string name = argument.substr(0, argument.find('='));
+        std::string name = argument.substr(0, argument.find('='));
         if (IsOption(name) && std::find(known.begin(), known.end(), name) == known.end()) {
             return name;
         }
