@@ -112,7 +112,7 @@ std::vector<Situation> GetCutouts()
     return all;
 }
 
-/// The sound turns away from the listener, who is behind it at 180 degrees.
+/// The sound turns away from the listener: at 180 degrees its back faces the listener.
 Situation TurnedAway(double degrees)
 {
     constexpr float inner = 60.0F;

@@ -44,7 +44,7 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
         return false;
     }
 
-    // As behind a loading screen: from here on no start reads a file.
+    // While a loading screen is shown: from here on no start reads a file.
     Quon::SoundPreload preload;
     if (!preload.AddFolder("", &database)) {
         throw std::runtime_error("a sound of the scene cannot be loaded");

@@ -228,13 +228,13 @@ private:
                 continue;
             }
             Require(skipped == wanted, "a skip inside the sound goes all the way");
-            Require(given > 0 || Left(file) == 0, "a read behind a skip gives something");
+            Require(given > 0 || Left(file) == 0, "a read after a skip gives something");
             if (file.FileType() == SndFile::FileMP3) {
                 continue;
             }
             Require(std::equal(read.bytes.begin() + static_cast<std::ptrdiff_t>(held), read.bytes.end(),
                         whole.bytes.begin() + static_cast<std::ptrdiff_t>(start)),
-                "behind a skip comes what stands there");
+                "a read after a skip gives the data at that place");
         }
     }
 

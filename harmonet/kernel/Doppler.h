@@ -41,8 +41,8 @@ public:
     void ForgetListener() { listener = Motion(); }
 
     /// The factor on the pitch of a sound at `place`, from 0.5 to 2.0. `ownFactor` is the sound's own factor.
-    /// Uses the formula of the OpenAL specification, with both velocities projected on the line between the
-    /// two and limited to half the speed of sound:
+    /// Uses the Doppler formula of OpenAL 1.1, with both velocities projected on the line between the two and
+    /// limited to half the speed of sound:
     ///
     ///     (c - listener velocity) / (c - source velocity)
     float CalcPitch(const Vector3& place, const Vector3& velocity, float ownFactor) const;

@@ -24,7 +24,7 @@ protected:
         }
     }
 
-    /// The lines behind the first one that begins like that, up to the next heading.
+    /// The lines after the first one that begins like that, up to the next heading.
     Lines GetSection(const std::string& heading) const
     {
         Lines section;

@@ -13,7 +13,7 @@ namespace
 constexpr const char* faultNames[] = {"no definition", "no file", "outside", "unknown", "left over",
     "unreadable", "refused", "out of range", "rate dropped", "no block", "too few points", "lost", "text"};
 
-/// Writes each remark as "line keyword fault", with what the fault has to say behind it.
+/// Writes each remark as "line keyword fault", followed by the details of the fault.
 class Notebook final : public DefinitionListener
 {
 public:
@@ -54,8 +54,8 @@ struct Row
 class TextSettings : public DefinitionTest
 {
 protected:
-    /// Loads each as what stands in a definition behind "a.wav", from line 3 on, and expects success, the
-    /// settings that stand behind the file's name, and the remarks.
+    /// Loads each as what stands in a definition after "a.wav", from line 3 on, and expects success, the
+    /// settings that stand after the file's name, and the remarks.
     void CheckBlocks(const std::vector<Row>& rows)
     {
         for (const Row& row : rows) {
@@ -86,7 +86,7 @@ TEST_F(TextSettings, EachKeywordReachesItsSetting)
         {"*GAIN 7\n*MIN_DISTANCE -1\n*CONE_GAIN -3", "gain 7, min -1, conegain -3",
             {"3 *GAIN out of range: 7 of 0 to 1", "4 *MIN_DISTANCE out of range: -1 of 0 to 3.4028235e+38",
                 "5 *CONE_GAIN out of range: -3 of 0 to 1"}},
-        // Unknown keywords are passed over, and what is too much behind known ones.
+        // Unknown keywords are ignored, and so are extra values after known ones.
         {"*SET_FREQUENCY true\n*COLOUR red { *GAIN 0.1 }\n*GAIN 0.5", "gain 0.5",
             {"3 *SET_FREQUENCY unknown", "4 *COLOUR unknown"}},
         {"*LOOPING true { *GAIN 0.1 }\n*DELAY 1 2", "looping 1, delay 1",

@@ -141,7 +141,7 @@ TEST(OpenALHost, NoCallChangesTheHostsContexts)
     }
 }
 
-// What is left behind is counted as Linux tells it.
+// Leaks are counted by what Linux reports.
 #if defined(__linux__)
 
 std::ptrdiff_t CountEntries(const char* path)
@@ -149,7 +149,7 @@ std::ptrdiff_t CountEntries(const char* path)
     return std::distance(std::filesystem::directory_iterator(path), std::filesystem::directory_iterator());
 }
 
-/// Goes through so many cycles several times over. What is left behind by each cycle shows each time; what a
+/// Goes through so many cycles several times over. A leak of each cycle shows each time; what a
 /// voice or the C library takes once, when it first comes to it, does not.
 void ExpectNoGrowth(int cycles, const std::function<void(int cycle)>& runCycle)
 {

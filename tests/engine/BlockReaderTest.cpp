@@ -51,7 +51,7 @@ protected:
 
     std::string TreeOf(std::string_view content) { return Tree(ReaderOf(content)); }
 
-    /// What that word behind a keyword is read for, if it can be; if not, what was there has to stay.
+    /// What the word after a keyword is read as, if it can be; otherwise the old value has to stay.
     template<class Value>
     std::optional<Value> Read(
         const std::string& word, bool (BlockReader::*read)(Value&), Value before = Value(55))
@@ -86,7 +86,7 @@ TEST_F(BlockReaders, ReadTheTextForm)
         {"no last line end", "*A 1", "*A(1 "},
         {"no value from the next line", "*A\n1 2\n*B 3", "*A *B(3 "},
         {"one keyword a line", "*A *B 2\n*C", "*A(*B,2 *C "},
-        {"block behind", "*A {\n*B 1\n}\n*C", "*A{*B(1 } *C "},
+        {"block after", "*A {\n*B 1\n}\n*C", "*A{*B(1 } *C "},
         {"block below", "*A 7\n\n// here\n{\n*B 1\n}\n*C", "*A(7{*B(1 } *C "},
         {"block in one line", "*A{*B 1}*C 2", "*A{*B(1 } *C(2 "},
         {"nested", "*A { *B { *C 1 } *D } *E", "*A{*B{*C(1 } *D } *E "},

@@ -34,7 +34,7 @@ public:
         log.push_back(GetName().GetText());
         steps.push_back(passed);
         const UpdateCode code = result;
-        // Last: the task may be gone behind it.
+        // Last: the task may be gone after it.
         if (onUpdate) {
             onUpdate();
         }

@@ -25,7 +25,7 @@ Bytes AdpcmFormat(
 /// The seven usual pairs.
 extern const std::vector<std::pair<int, int>> usualPairs;
 
-/// One chunk with the pad byte behind an odd content; `statedSize` is what its size field says.
+/// One chunk with the pad byte after an odd content; `statedSize` is what its size field says.
 Bytes Chunk(const std::string& id, const Bytes& content, std::optional<std::uint32_t> statedSize = {});
 
 /// The 12 bytes of a head and then the chunks.

@@ -119,7 +119,7 @@ TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsThenNotifiesShutDown)
     Step(40);
     TakeNotes();
     observer->react = [&, ending = group.get()](const Note& note) {
-        // Nothing can be made any more that would be left behind.
+        // Nothing can be created any more that would leak.
         EXPECT_EQ(ending->New2DSound(file, nullptr), 0);
         EXPECT_EQ(observer->subject != nullptr, note.kind != Note::ShutDown);
         if (note.kind == Note::ShutDown) {

@@ -50,7 +50,7 @@ TEST_F(PolylineLife, NothingIsCreatedWithoutPointsOrAResource)
     EXPECT_EQ(Find(names->GetLastIDBefore() + 1), nullptr);
 }
 
-// Each source begins a thousand samples behind the one before, so that they are out of phase.
+// Each source begins a thousand samples after the previous one, so that they are out of phase.
 TEST_F(PolylineLife, CopiesPlayOutOfPhaseAndPauseWhileNotNeeded)
 {
     file = WriteWave("long", {10000});

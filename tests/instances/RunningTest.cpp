@@ -41,7 +41,7 @@ protected:
         EXPECT_EQ(Emulated(), Ids{id});
     }
 
-    /// "frame of file", with as many plus signs behind it as there are files in the queue behind the file.
+    /// "frame of file", followed by a plus sign for each file after it in the queue.
     std::string Where(int id) const
     {
         SndFile* file = Find(id)->GetSndFile();
@@ -304,7 +304,7 @@ TEST_F(RunningTest, FilesMayVanishOrShrinkWhilePlaying)
 TEST_F(RunningTest, CompressedFilesResumeAtTheRightSampleAfterBeingVirtual)
 {
     constexpr int stepMs = 50;
-    constexpr int behind = 9;
+    constexpr int filesAfter = 9;
     const std::filesystem::path tests = HARMONET_FILE_TESTS;
     for (const char* path : {"mpeg/streams/mono-48000.mp3", "mpeg/streams/wrapped-44100.wav",
              "adpcm/sox-mono.wav", "adpcm/sox-stereo.wav"}) {
@@ -313,7 +313,7 @@ TEST_F(RunningTest, CompressedFilesResumeAtTheRightSampleAfterBeingVirtual)
         for (const bool loops : {true, false}) {
             SCOPED_TRACE(name + (loops ? ", loop" : ", queue"));
             const int id = group->New2DSound(name.c_str(), nullptr);
-            for (int i = 0; i < behind && !loops; ++i) {
+            for (int i = 0; i < filesAfter && !loops; ++i) {
                 EXPECT_TRUE(group->CatSound(id, name.c_str(), nullptr));
             }
             Displace(id, loops ? Sound::StartLooping : Sound::StartQueued);
@@ -329,7 +329,7 @@ TEST_F(RunningTest, CompressedFilesResumeAtTheRightSampleAfterBeingVirtual)
                 Step(stepMs);
                 passed += perStep;
                 ASSERT_EQ(Find(id)->GetSndFile()->GetCurrentSample() % total, passed % total);
-                ASSERT_EQ(group->GetQueueLength(id), loops ? 0 : behind - passed / total);
+                ASSERT_EQ(group->GetQueueLength(id), loops ? 0 : filesAfter - passed / total);
             }
             EXPECT_EQ(Playing(), Ids{id});
             group->StopSound(id);

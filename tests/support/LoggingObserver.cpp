@@ -26,7 +26,7 @@ LoggingObserver::LoggingObserver(const SoundNames& newNames, std::string newPref
 {
 }
 
-// The reaction may destroy this object: it is not used any more behind it.
+// The reaction may destroy this object: it is not used after it.
 void LoggingObserver::Tell(const std::string& line, const Note& note)
 {
     GetRecording().lines.push_back(prefix + line);

@@ -52,7 +52,7 @@ void RecordingChannel::Stop()
 void RecordingChannel::FadeIn(int ms)
 {
     if (const ChannelRecord* record = Called("FadeIn " + std::to_string(ms))) {
-        recording.Require(record->state == ChannelRecord::Made, name + " FadeIn, behind Play");
+        recording.Require(record->state == ChannelRecord::Made, name + " FadeIn, after Play");
     }
 }
 

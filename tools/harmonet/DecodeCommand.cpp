@@ -44,7 +44,7 @@ void CopySound(Quon::SndFile& data, WaveWriter& writer)
     const int frameBytes = data.GetChannels() * data.GetBytesPerSample();
     std::vector<unsigned char> buffer(static_cast<std::size_t>(sampleFramesAtOnce * frameBytes));
     for (;;) {
-        // A reader may go on behind the end of the sound; what is there is not part of it.
+        // A reader may continue after the end of the sound; what follows is not part of it.
         const int wanted = std::min(sampleFramesAtOnce, data.GetSoundSamples() - data.GetCurrentSample());
         const int given = wanted > 0 ? data.ReadSamples(buffer.data(), wanted) : 0;
         CheckFormat(data, format);

@@ -97,7 +97,7 @@ TEST_F(Chain, LimitsAnEndlessTail)
     EXPECT_EQ(chain.ProcessTail(block), 0U);
 }
 
-// A slow gargle is silent for half a second while the echoes go on behind its back.
+// A slow gargle is silent for half a second while the echoes continue.
 TEST_F(Chain, WaitsForDelayedOutputOfEarlierEffects)
 {
     Build(OwnedList().Add(SndFXEcho, FXEcho{50, 90, 50, 50, 0}).Add(SndFXGargle, FXGargle{1, 1}));

@@ -13,7 +13,7 @@ namespace Quon::Testing
 
 using Pcm = std::vector<float>;
 
-/// One sample of full scale and silence behind it.
+/// One sample of full scale, followed by silence.
 inline Pcm MakeImpulse(std::size_t sampleFrames)
 {
     Pcm pcm(sampleFrames);

@@ -116,7 +116,7 @@ TEST_F(MpegFiles, TheCountComesFromFactOrFromTheHeaders)
         {"a count", Wave(format + fact(2000) + data), 2000},
         {"a count of 0", Wave(format + fact(0) + data), 0},
         {"an unknown count", Wave(format + fact(0xFFFFFFFF) + data), 3 * frame},
-        {"fact behind the data", Wave(format + data + fact(2000)), 3 * frame},
+        {"fact after the data", Wave(format + data + fact(2000)), 3 * frame},
         {"fact ahead of the format", Wave(fact(77) + format + data), 77},
         {"data ahead of the format", Wave(data + format), 3 * frame},
         {"no data", Wave(format + Chunk("what", frames)), 3 * frame},

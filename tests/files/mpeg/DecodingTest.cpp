@@ -161,7 +161,7 @@ TEST(Decoding, DepartsFromTheStandardOnlyAsDocumented)
     }
 }
 
-// What random streams reach by luck alone: spectra that end in zeros, up to the line count and behind.
+// What random streams reach by luck alone: spectra that end in zeros, up to the line count and beyond.
 TEST(Decoding, MatchesThePlainDecoderOnSparseSpectra)
 {
     std::mt19937 random(4);

@@ -138,7 +138,7 @@ private:
 
     void ReadLsfScaleFactors(bool intensityChannel, GranuleInfo& info, ScaleFactors& to)
     {
-        // The four lengths are the digits of the value behind `first`, the last three to these bases.
+        // The four lengths are the digits of the value after `first`, the last three to these bases.
         constexpr struct
         {
             int first;

@@ -22,7 +22,7 @@ std::vector<int> Decode(const std::vector<unsigned char>& stream, bool byStandar
 using Line = std::array<double, Quon::linesPerGranule>;
 using Values = std::array<int, Quon::linesPerGranule>;
 
-/// Reads bit by bit; what lies behind the end reads as 0.
+/// Reads bit by bit; beyond the end it reads 0.
 struct Bits
 {
     int Take(int count);
@@ -32,7 +32,7 @@ struct Bits
 };
 
 /// The Huffman data of a granule and channel that may take `budget` bits, from the reader's position on; the
-/// reader ends behind the budget. Returns the line count.
+/// reader ends beyond the budget. Returns the line count.
 int DecodeValues(Bits& bits, const Quon::GranuleInfo& info, int budget, Values& values);
 
 struct Limits

@@ -70,7 +70,7 @@ public:
         const std::size_t headBytes = writer.GetBytes().size() + static_cast<std::size_t>(sideInfoBytes);
         const int newBytes = static_cast<int>(form.GetFrameBytes() - headBytes);
         const int mainDataBegin = Pick(0, std::min(reservoir, form.isMpeg1 ? 511 : 255));
-        // Scale factors alone can take more bits than a granule is given: none may lie behind the frame.
+        // Scale factors alone can take more bits than a granule is given: none may lie beyond the frame.
         PutSideInfo(writer, mainDataBegin, 8 * (newBytes + mainDataBegin) - mostScaleFactorBits);
         writer.PadTo(headBytes);
         // Ones are codes of zeros in most tables: spectra with holes, and with ends.
