@@ -68,6 +68,7 @@ int main(int argumentCount, char** arguments)
     }
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetOpenAL,HarmonetNull");
+    os.GetOptions()->Set("SoundFrequency", "44100");
     Quon::SoundSystem system;
     if (!system.Init(&os, false)) {
         return 1;

@@ -19,6 +19,7 @@ int main(int argumentCount, char** arguments)
     }
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetOpenAL,HarmonetNull");
+    os.GetOptions()->Set("SoundFrequency", "44100");
     // In percent: as in nature. A unit of this world is a metre, so that the speed of sound stays 343.
     os.GetOptions()->Set("SoundDoppler", "100");
     Quon::SoundSystem system;

@@ -44,15 +44,9 @@ class DopplerHeard : public HostTest
 protected:
     DopplerHeard()
     {
-        constexpr std::size_t headBytes = 44;
-        std::vector<unsigned char> wave = BuildWave({rateHz, rateHz, 1, 16});
-        for (std::size_t at = headBytes; at + 2 <= wave.size(); at += 2) {
-            const double turn = 2 * std::numbers::pi * toneHz * static_cast<double>(at - headBytes) / 2;
-            const auto sample = std::lround(20000 * std::sin(turn / rateHz));
-            wave[at] = static_cast<unsigned char>(sample & 0xFF);
-            wave[at + 1] = static_cast<unsigned char>(sample >> 8 & 0xFF);
-        }
-        folder.Write("tone", wave);
+        folder.Write("tone", BuildWave({rateHz, rateHz, 1, 16}, [](int frame) {
+            return std::lround(20000 * std::sin(2 * std::numbers::pi * toneHz * frame / rateHz));
+        }));
     }
 
     /// A looping tone, without loss of gain by distance.

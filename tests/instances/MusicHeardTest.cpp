@@ -30,14 +30,9 @@ double Turn(double hz, std::size_t frame)
 /// A stereo wave that holds a tone of one second and can be looped without a seam.
 std::vector<unsigned char> BuildTone(double hz)
 {
-    std::vector<unsigned char> wave = BuildWave({rateHz / windowFrames * windowFrames, rateHz, 2, 16});
-    constexpr std::size_t headBytes = 44;
-    for (std::size_t at = headBytes; at + 2 <= wave.size(); at += 2) {
-        const auto sample = std::lround(32767 * amplitude * std::sin(Turn(hz, (at - headBytes) / 4)));
-        wave[at] = static_cast<unsigned char>(sample & 0xFF);
-        wave[at + 1] = static_cast<unsigned char>(sample >> 8 & 0xFF);
-    }
-    return wave;
+    return BuildWave({rateHz / windowFrames * windowFrames, rateHz, 2, 16}, [hz](int frame) {
+        return std::lround(32767 * amplitude * std::sin(Turn(hz, static_cast<std::size_t>(frame))));
+    });
 }
 
 /// How much of a tone is in a window.

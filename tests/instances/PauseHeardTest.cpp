@@ -91,18 +91,14 @@ protected:
 private:
     static std::vector<unsigned char> BuildNoise(int seed)
     {
-        constexpr std::size_t headBytes = 44;
         // The third is short: less than 500 ms are left of it at most of the pauses.
-        std::vector<unsigned char> wave = BuildWave({seed == 2 ? 13000 : 25000, rateHz, 1, 16});
+        const int frames = seed == 2 ? 13000 : 25000;
         std::minstd_rand random(static_cast<unsigned int>(seed + 1));
-        for (std::size_t at = headBytes; at + 2 <= wave.size(); at += 2) {
-            const auto sample = static_cast<int>(random() % 4001) - 2000;
-            wave[at] = static_cast<unsigned char>(sample & 0xFF);
-            wave[at + 1] = static_cast<unsigned char>(sample >> 8 & 0xFF);
-        }
-        // Some versions of OpenAL hold the last sample for a while.
-        wave[wave.size() - 2] = wave[wave.size() - 1] = 0;
-        return wave;
+        return BuildWave({frames, rateHz, 1, 16}, [&](int frame) {
+            const long sample = static_cast<long>(random() % 4001) - 2000;
+            // Some versions of OpenAL hold the last sample for a while.
+            return frame + 1 < frames ? sample : 0;
+        });
     }
 
     /// One sound, or one piece of music, in each state that a pause can meet.

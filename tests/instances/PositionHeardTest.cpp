@@ -56,16 +56,12 @@ class PositionHeard : public HostTest
 protected:
     PositionHeard()
     {
-        constexpr std::size_t headBytes = 44;
-        std::vector<unsigned char> wave = BuildWave({noiseFrames, rateHz, 2, 16});
         std::minstd_rand random(7);
-        for (std::size_t at = headBytes; at + 4 <= wave.size(); at += 4) {
-            const auto sample = static_cast<int>(random() % 4001) - 2000;
-            noise.push_back(sample / 32768.0);
-            wave[at] = wave[at + 2] = static_cast<unsigned char>(sample & 0xFF);
-            wave[at + 1] = wave[at + 3] = static_cast<unsigned char>(sample >> 8 & 0xFF);
-        }
-        folder.Write("noise", wave);
+        folder.Write("noise", BuildWave({noiseFrames, rateHz, 2, 16}, [&](int) {
+            const long sample = static_cast<long>(random() % 4001) - 2000;
+            noise.push_back(static_cast<double>(sample) / 32768.0);
+            return sample;
+        }));
     }
 
     /// What is heard of a scene; `act` is called before each step.

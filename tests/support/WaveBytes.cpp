@@ -57,6 +57,20 @@ std::vector<unsigned char> BuildWave(const PcmForm& form)
     return bytes;
 }
 
+std::vector<unsigned char> BuildWave(const PcmForm& form, const std::function<long(int frame)>& sampleOf)
+{
+    std::vector<unsigned char> wave = BuildWave(form);
+    std::size_t at = wave.size() - static_cast<std::size_t>(form.frames) * form.channels * 2;
+    for (int frame = 0; frame < form.frames; ++frame) {
+        const long sample = sampleOf(frame);
+        for (int channel = 0; channel < form.channels; ++channel) {
+            wave[at++] = static_cast<unsigned char>(sample & 0xFF);
+            wave[at++] = static_cast<unsigned char>(sample >> 8 & 0xFF);
+        }
+    }
+    return wave;
+}
+
 MemoryBlock::MemoryBlock(const PcmForm& form)
     : pcm(BuildPcm(form))
     , format{waveTagPcm, static_cast<std::uint16_t>(form.channels), static_cast<std::uint32_t>(form.rateHz),

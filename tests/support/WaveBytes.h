@@ -2,6 +2,7 @@
 
 #include "harmonet/files/WaveFormatEx.h"
 
+#include <functional>
 #include <vector>
 
 namespace Quon
@@ -20,6 +21,8 @@ struct PcmForm
 std::vector<unsigned char> BuildPcm(const PcmForm& form);
 /// As a RIFF/WAVE file with a "fmt " and a "data" chunk.
 std::vector<unsigned char> BuildWave(const PcmForm& form);
+/// The same with other samples: 16 bits, `sampleOf` of the number of the sample frame in every channel.
+std::vector<unsigned char> BuildWave(const PcmForm& form, const std::function<long(int frame)>& sampleOf);
 
 /// A block of memory as game code lends it to a sound.
 struct MemoryBlock
