@@ -47,6 +47,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/files/SndFile.h
     harmonet/files/SndFileService.h
     harmonet/files/WaveFormatEx.h
+    harmonet/files/WaveHeader.h
     harmonet/instances/Microphone.h
     harmonet/instances/Music.h
     harmonet/instances/MusicObserver.h

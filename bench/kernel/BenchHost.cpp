@@ -2,11 +2,12 @@
 
 #include "harmonet/engine/File.h"
 #include "harmonet/engine/TaskList.h"
-#include "harmonet/files/WaveFormatEx.h"
+#include "harmonet/files/WaveHeader.h"
 
 #include <cstdlib>
 #include <fstream>
 #include <string>
+#include <vector>
 
 namespace Bench
 {
@@ -14,31 +15,19 @@ namespace Bench
 namespace
 {
 
-template<class T>
-void WriteRaw(std::ostream& out, const T& value)
-{
-    out.write(reinterpret_cast<const char*>(&value), sizeof value);
-}
-
 void WriteWave(const std::filesystem::path& path, int sampleFrames)
 {
-    // The record without its last field is what a "fmt " chunk of PCM holds.
-    constexpr std::uint32_t formatBytes = 16;
-    constexpr int rateHz = WaveFolder::rateHz;
-    const auto dataBytes = static_cast<std::uint32_t>(sampleFrames * static_cast<int>(sizeof(std::int16_t)));
-    const Quon::WaveFormatEx format{
-        Quon::waveTagPcm, 1, rateHz, rateHz * sizeof(std::int16_t), sizeof(std::int16_t), 16, 0};
-    std::ofstream out(path, std::ios::binary);
-    out << "RIFF";
-    WriteRaw(out, std::uint32_t{20 + formatBytes + dataBytes});
-    out << "WAVEfmt ";
-    WriteRaw(out, formatBytes);
-    out.write(reinterpret_cast<const char*>(&format), formatBytes);
-    out << "data";
-    WriteRaw(out, dataBytes);
-    for (int i = 0; i < sampleFrames; ++i) {
-        WriteRaw(out, static_cast<std::int16_t>(i % WaveFolder::period));
+    std::vector<std::int16_t> samples(static_cast<std::size_t>(sampleFrames));
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        samples[i] = static_cast<std::int16_t>(i % WaveFolder::period);
     }
+    const std::size_t dataBytes = samples.size() * sizeof samples[0];
+    Quon::SoundFormat format;
+    format.SetFormat(sizeof samples[0], WaveFolder::rateHz, 0, 1);
+    const auto header = Quon::MakeWaveHeader(format, dataBytes);
+    std::ofstream out(path, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(header.data()), header.size());
+    out.write(reinterpret_cast<const char*>(samples.data()), static_cast<std::streamsize>(dataBytes));
 }
 
 } // namespace

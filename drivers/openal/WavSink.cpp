@@ -1,6 +1,7 @@
 #include "drivers/openal/WavSink.h"
 
 #include "harmonet/engine/HostFile.h"
+#include "harmonet/files/WaveHeader.h"
 
 #include <algorithm>
 #include <array>
@@ -12,29 +13,9 @@ namespace Quon
 namespace
 {
 
-constexpr std::uint32_t headBytes = 44;
-constexpr std::uint32_t channels = 2;
-constexpr std::uint32_t bytesPerSample = 2;
-constexpr std::uint64_t maxDataBytes = 0xFFFFFFFFU - headBytes - 3;
+constexpr int channels = 2;
+constexpr int bytesPerSample = 2;
 constexpr std::size_t piece = 1024;
-
-/// Appends little-endian numbers and texts.
-class HeadWriter
-{
-public:
-    void Text(const char (&text)[5]) { at = std::copy_n(text, 4, at); }
-    void Number(std::uint32_t value, int bytes)
-    {
-        for (; bytes > 0; --bytes, value >>= 8) {
-            *at++ = static_cast<unsigned char>(value);
-        }
-    }
-    const std::array<unsigned char, headBytes>& GetHead() const { return head; }
-
-private:
-    std::array<unsigned char, headBytes> head{};
-    unsigned char* at = head.data();
-};
 
 } // namespace
 
@@ -46,36 +27,24 @@ std::int16_t ToSigned16(float sample)
     return static_cast<std::int16_t>(std::lrint(std::clamp(sample * 32768.0F, -32768.0F, 32767.0F)));
 }
 
-bool WavSink::Open(const char* path, int rateHz)
+bool WavSink::Open(const char* path, int newRateHz)
 {
     file.reset(OpenHostFile(path, "wb"));
-    rate = static_cast<std::uint32_t>(rateHz);
+    rateHz = newRateHz;
     dataBytes = 0;
-    if (!file || !WriteHead()) {
+    if (!file || !WriteHeader()) {
         file.reset();
     }
     return file != nullptr;
 }
 
-bool WavSink::WriteHead()
+bool WavSink::WriteHeader()
 {
-    const auto size = static_cast<std::uint32_t>(dataBytes);
-    HeadWriter head;
-    head.Text("RIFF");
-    head.Number(headBytes - 8 + size, 4);
-    head.Text("WAVE");
-    head.Text("fmt ");
-    head.Number(16, 4);
-    head.Number(1, 2); // PCM
-    head.Number(channels, 2);
-    head.Number(rate, 4);
-    head.Number(rate * channels * bytesPerSample, 4);
-    head.Number(channels * bytesPerSample, 2);
-    head.Number(8 * bytesPerSample, 2);
-    head.Text("data");
-    head.Number(size, 4);
+    SoundFormat format;
+    format.SetFormat(bytesPerSample, rateHz, 0, channels);
+    const auto header = MakeWaveHeader(format, dataBytes);
     return std::fseek(file.get(), 0, SEEK_SET) == 0 &&
-        std::fwrite(head.GetHead().data(), headBytes, 1, file.get()) == 1 && std::fflush(file.get()) == 0 &&
+        std::fwrite(header.data(), header.size(), 1, file.get()) == 1 && std::fflush(file.get()) == 0 &&
         std::fseek(file.get(), 0, SEEK_END) == 0;
 }
 
@@ -92,7 +61,7 @@ void WavSink::Write(std::span<const float> stereo)
             *at++ = static_cast<unsigned char>(value >> 8);
         }
         const std::size_t size = part.size() * bytesPerSample;
-        if (dataBytes + size > maxDataBytes || std::fwrite(bytes.data(), size, 1, file.get()) != 1) {
+        if (dataBytes + size > maxWaveDataBytes || std::fwrite(bytes.data(), size, 1, file.get()) != 1) {
             file.reset();
             return;
         }
@@ -102,7 +71,7 @@ void WavSink::Write(std::span<const float> stereo)
 
 void WavSink::Commit()
 {
-    if (file && (std::fflush(file.get()) != 0 || !WriteHead())) {
+    if (file && (std::fflush(file.get()) != 0 || !WriteHeader())) {
         file.reset();
     }
 }

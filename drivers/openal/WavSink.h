@@ -20,7 +20,7 @@ class WavSink
 {
 public:
     /// Creates or truncates the file `path`, a native path. Returns false on failure.
-    bool Open(const char* path, int rateHz);
+    bool Open(const char* path, int newRateHz);
 
     /// Adds interleaved stereo. Full scale is -1 to 1: values beyond it are clipped, all others rounded.
     void Write(std::span<const float> stereo);
@@ -36,10 +36,10 @@ private:
         void operator()(std::FILE* open) const { std::fclose(open); }
     };
 
-    bool WriteHead();
+    bool WriteHeader();
 
     std::unique_ptr<std::FILE, Closer> file;
-    std::uint32_t rate = 0;
+    int rateHz = 0;
     std::uint64_t dataBytes = 0;
 };
 

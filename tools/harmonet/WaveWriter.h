@@ -22,7 +22,7 @@ public:
     /// Appends interleaved PCM in the format of the file.
     void Write(const unsigned char* pcm, std::size_t bytes);
 
-    /// Writes the lengths into the head and closes the file.
+    /// Writes the header, with the lengths, and closes the file.
     void Finish();
 
 private:
@@ -31,7 +31,6 @@ private:
         void operator()(std::FILE* opened) const { std::fclose(opened); }
     };
 
-    void WriteHead();
     void WriteAll(const void* bytes, std::size_t count);
     [[noreturn]] void Fail(int reason) const;
 
