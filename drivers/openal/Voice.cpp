@@ -1,5 +1,6 @@
 #include "drivers/openal/Voice.h"
 
+#include "drivers/openal/DeviceSource.h"
 #include "drivers/openal/SteadyTime.h"
 
 #include <algorithm>
@@ -12,6 +13,12 @@ namespace
 {
 // After a longer halt of the whole program, as in a debugger, a silent sound is late.
 constexpr double maxCatchUpSeconds = 10.0;
+
+bool IsDeviceLost()
+{
+    return !DeviceSource::GetMachine().IsConnected(alcGetContextsDevice(alcGetCurrentContext()));
+}
+
 } // namespace
 
 Voice::~Voice()
@@ -60,8 +67,7 @@ void Voice::GoSilent()
     if (source == 0) {
         return;
     }
-    // The sources of a lost device are all stopped and do not report their position.
-    GetFramesAhead();
+    GetFramesHeard();
     if (framesQueued > 0) {
         clock.Start(lastSeen.sampleFrames, lastSeen.time, GetSpeed());
     }
@@ -227,23 +233,33 @@ void Voice::KeepOnlyNewest()
     alSourceQueueBuffers(source, 1, &newest.buffer);
 }
 
-std::int64_t Voice::GetFramesHeard() const
+std::int64_t Voice::GetFramesHeard()
 {
+    const std::int64_t now = GetSteadyNanoseconds();
     if (source == 0) {
-        return clock.IsRunning() ? std::min(clock.GetFrames(GetSteadyNanoseconds()), framesQueued)
-                                 : framesReturned;
+        return clock.IsRunning() ? std::min(clock.GetFrames(now), framesQueued) : framesReturned;
     }
     // Read the offset first: if the source still plays afterwards, it was playing during the read.
     ALint offset = 0;
     alGetSourcei(source, AL_SAMPLE_OFFSET, &offset);
     switch (GetState()) {
     case AL_PLAYING:
-        return framesReturned + offset;
+        lastSeen = {framesReturned + offset, now};
+        break;
     case AL_STOPPED:
-        return framesQueued;
+        // The sources of a lost device are all stopped and do not report their position.
+        if (IsDeviceLost()) {
+            SilentClock since;
+            since.Start(lastSeen.sampleFrames, lastSeen.time, GetSpeed());
+            return std::min(since.GetFrames(now), framesQueued);
+        }
+        lastSeen = {framesQueued, now};
+        break;
     default:
-        return framesReturned;
+        lastSeen = {framesReturned, now};
+        break;
     }
+    return lastSeen.sampleFrames;
 }
 
 std::int64_t Voice::GetFramesAhead()
@@ -256,11 +272,7 @@ std::int64_t Voice::GetFramesAhead()
         }
         return clock.IsRunning() ? framesQueued - clock.GetFrames(now) : framesQueued - framesReturned;
     }
-    const std::int64_t heard = GetFramesHeard();
-    if (heard < framesQueued) {
-        lastSeen = {heard, now};
-    }
-    return framesQueued - heard;
+    return framesQueued - GetFramesHeard();
 }
 
 void Voice::SetGain(float newGain)

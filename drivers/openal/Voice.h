@@ -65,7 +65,8 @@ public:
     void Reclaim();
 
     std::int64_t GetFramesQueued() const { return framesQueued; }
-    std::int64_t GetFramesHeard() const;
+    /// Never less than before, also when the device is lost or replaced.
+    std::int64_t GetFramesHeard();
 
     /// How far the queue is ahead of playback, in sample frames. Negative in silence if more time has passed
     /// than was queued: the sound must catch up. Call it about every 10 ms.

@@ -1,6 +1,9 @@
+#include "drivers/openal/DeviceSource.h"
+#include "drivers/openal/OutputDevice.h"
 #include "drivers/openal/PcmConverter.h"
 #include "drivers/openal/SilentClock.h"
 #include "drivers/openal/SteadyTime.h"
+#include "drivers/openal/Voice.h"
 #include "drivers/openal/WavSink.h"
 #include "harmonet/output/SoundFormat.h"
 #include "tests/drivers/OfflineRig.h"
@@ -95,6 +98,40 @@ TEST(WavSink, TheFileIsValidAfterEveryCommitAndWhenTheDiskIsFull)
     EXPECT_EQ(ReadRendering(path).samples.back(), 0.25);
 }
 #endif
+
+// The position is reported as the length that remains, which must not grow. The device mixes more at once
+// than the machine's clock says, and starves the source in the end.
+TEST(Voice, ItsPositionNeverGoesBackWhenItsDeviceGoesAndComes)
+{
+    OutputDevice device(DeviceSource::GetMachine());
+    ASSERT_TRUE(device.OpenLoopback(OfflineRig::rateHz, Hrtf::Off));
+    const ContextScope scope(device);
+    std::vector<float> out(2 * OfflineRig::rateHz);
+    for (const int mixed : {0, 1000, 4000, 6000}) {
+        SCOPED_TRACE(mixed);
+        Voice voice;
+        ASSERT_TRUE(voice.Create(false));
+        voice.Begin(false);
+        std::int64_t heard = 0;
+        const auto expectNotLess = [&](const char* when) {
+            EXPECT_GE(voice.GetFramesHeard(), heard) << when;
+            heard = voice.GetFramesHeard();
+        };
+        voice.Queue(std::vector<float>(5000).data(), 5000, 1, OfflineRig::rateHz);
+        voice.GetFramesAhead();
+        device.Render(out.data(), mixed);
+        expectNotLess("mixed");
+        EXPECT_EQ(heard, std::min(mixed, 5000));
+        voice.GoSilent();
+        expectNotLess("silent");
+        ASSERT_TRUE(voice.Create(false));
+        expectNotLess("on a new device");
+        voice.Queue(std::vector<float>(5000).data(), 5000, 1, OfflineRig::rateHz);
+        expectNotLess("with more");
+        device.Render(out.data(), 20000);
+        EXPECT_EQ(voice.GetFramesHeard(), 10000);
+    }
+}
 
 TEST(SilentClock, KeepsItsSpeedSinceTheLastSet)
 {
