@@ -60,7 +60,7 @@ bool OutputDevice::OpenLoopback(int rateHz, Hrtf newHrtf)
 }
 
 // OpenAL Soft 1.19 fades a newly set room in over 128 sample frames, four at a time, and overruns its buffer
-// when shorter blocks leave fewer than four of them.
+// when shorter blocks leave fewer than four of them. What is mixed ahead for that, sources count as heard.
 void OutputDevice::Render(float* stereo, int sampleFrames)
 {
     renderedFrames += sampleFrames;
@@ -69,7 +69,7 @@ void OutputDevice::Render(float* stereo, int sampleFrames)
     std::copy(surplus.data() + width * held, surplus.data() + width * surplusFrames, surplus.data());
     surplusFrames -= held;
     const int missing = sampleFrames - held;
-    if (missing >= shortBlock) {
+    if (missing >= shortBlock || GetSoftVersion() == SoftVersion::New) {
         extensions.renderSamples(session->GetDevice(), stereo, missing);
     }
     else if (missing > 0) {

@@ -53,8 +53,8 @@ public:
         return session ? session->GetExtensions().version : SoftVersion::New;
     }
 
-    /// Renders the next `sampleFrames` of a loopback device to `stereo`. After a short block the device
-    /// itself can be up to three sample frames ahead. Task thread.
+    /// Renders the next `sampleFrames` of a loopback device to `stereo`. After a short block an old OpenAL
+    /// Soft can itself be up to three sample frames ahead. Task thread.
     void Render(float* stereo, int sampleFrames);
 
     /// The clock for fades: the sample frames that the loopback device has rendered, or the machine's time,
