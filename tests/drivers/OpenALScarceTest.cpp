@@ -15,7 +15,8 @@ namespace
 {
 
 constexpr int rateHz = OfflineRig::rateHz;
-constexpr int sources = 8;
+// Newer versions of OpenAL Soft take no smaller limit.
+constexpr int sources = 16;
 
 // A user's configuration that has few sources, and leaves none of them a way into a reverb.
 bool Configure()
@@ -51,6 +52,7 @@ TEST(OpenALScarce, RoomsAreRefusedAndSoundsPlayWithoutThem)
 // a cut.
 TEST(OpenALScarce, EverySourceIsUsedAndReusedAtOnce)
 {
+    constexpr double level = 1.0 / 32;
     OfflineRig rig(24);
     std::vector<SndChannel*> channels;
     for (int round = 0; round < 3; ++round) {
@@ -58,13 +60,13 @@ TEST(OpenALScarce, EverySourceIsUsedAndReusedAtOnce)
         for (SndChannel* const channel : std::exchange(channels, {})) {
             channel->Stop();
         }
-        while (SndChannel* const channel = rig.Create(rig.Make({10 * rateHz}, Constant(0.0625)))) {
+        while (SndChannel* const channel = rig.Create(rig.Make({10 * rateHz}, Constant(level)))) {
             channel->Play();
             channels.push_back(channel);
         }
         EXPECT_EQ(channels.size(), static_cast<size_t>(sources));
         rig.Step(40);
-        EXPECT_EQ(rig.Heard().samples.back(), sources * 0.0625);
+        EXPECT_EQ(rig.Heard().samples.back(), sources * level);
     }
 }
 

@@ -57,8 +57,9 @@ protected:
     PositionHeard()
     {
         std::minstd_rand random(7);
-        folder.Write("noise", BuildWave({noiseFrames, rateHz, 2, 16}, [&](int) {
-            const long sample = static_cast<long>(random() % 4001) - 2000;
+        folder.Write("noise", BuildWave({noiseFrames, rateHz, 2, 16}, [&](int frame) {
+            // Newer versions of OpenAL hold the last sample for a while.
+            const long sample = frame + 1 < noiseFrames ? static_cast<long>(random() % 4001) - 2000 : 0;
             noise.push_back(static_cast<double>(sample) / 32768.0);
             return sample;
         }));
