@@ -44,8 +44,7 @@ bool WavSink::WriteHeader()
     format.SetFormat(bytesPerSample, rateHz, 0, channels);
     const auto header = MakeWaveHeader(format, dataBytes);
     return std::fseek(file.get(), 0, SEEK_SET) == 0 &&
-        std::fwrite(header.data(), header.size(), 1, file.get()) == 1 && std::fflush(file.get()) == 0 &&
-        std::fseek(file.get(), 0, SEEK_END) == 0;
+        std::fwrite(header.data(), header.size(), 1, file.get()) == 1 && std::fflush(file.get()) == 0;
 }
 
 void WavSink::Write(std::span<const float> stereo)
@@ -71,7 +70,11 @@ void WavSink::Write(std::span<const float> stereo)
 
 void WavSink::Commit()
 {
-    if (file && (std::fflush(file.get()) != 0 || !WriteHeader())) {
+    // An offset of `long` ends at 2 GiB on some platforms; a position of the C library does not.
+    std::fpos_t end{};
+    if (file &&
+        (std::fflush(file.get()) != 0 || std::fgetpos(file.get(), &end) != 0 || !WriteHeader() ||
+            std::fsetpos(file.get(), &end) != 0)) {
         file.reset();
     }
 }
