@@ -714,6 +714,12 @@ class DefinitionsTest(ToolCase):
         exit_code, _, errors = self.check("--root", "sounds", "out.sound")
         self.assertEqual(exit_code, 2)
         self.assertIn("'out.sound' does not lie below 'sounds'", errors)
+        # A link leads out too, which the tests of the engine cannot make everywhere.
+        os.symlink(self.folder, self.folder / "sounds/out")
+        self.write("sounds/link.sound", "*FILE out/a.wav")
+        done = self.run_tool("play", "sounds/link.sound", "--root", "sounds", "--driver", "HarmonetNull", "--verbose")
+        self.assertEqual(done.returncode, 4)
+        self.assertIn("is outside its root", done.stderr)
 
     def test_a_definition_plays_as_a_file_does(self):
         (self.folder / "sounds").mkdir()
