@@ -31,17 +31,25 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/HarmonetConfigVersion.cm
 install(FILES "${PROJECT_BINARY_DIR}/HarmonetConfig.cmake" "${PROJECT_BINARY_DIR}/HarmonetConfigVersion.cmake"
     DESTINATION "${package_folder}")
 
+if(TARGET Soxr::soxr)
+    install(FILES "${SOXR_DLL}" DESTINATION "${CMAKE_INSTALL_BINDIR}")
+    install(FILES "${SOXR_LICENCE}" DESTINATION docs/licences OPTIONAL)
+endif()
+
 # The package for Windows is the same in an archive, with the papers, and with the run-time libraries of the compiler
 # beside the library.
 if(WIN32 AND PROJECT_IS_TOP_LEVEL)
     install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION .)
-    install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION docs)
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION docs FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
     if(MINGW)
         foreach(library libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
             execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
                 OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
             file(REAL_PATH "${path}" path)
             install(FILES "${path}" DESTINATION "${CMAKE_INSTALL_BINDIR}")
+            # They come with symbols for debugging, 20 MB of them.
+            install(CODE "execute_process(COMMAND \"${CMAKE_STRIP}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${library}\"
+                COMMAND_ERROR_IS_FATAL ANY)")
         endforeach()
         # Their licences ask to be named.
         foreach(package gcc-mingw-w64-x86-64-posix-runtime mingw-w64-x86-64-dev)

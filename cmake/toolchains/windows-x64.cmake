@@ -8,7 +8,8 @@ set(CMAKE_CXX_COMPILER ${triplet}-g++-posix)
 set(CMAKE_C_COMPILER ${triplet}-gcc-posix)
 set(CMAKE_RC_COMPILER ${triplet}-windres)
 
-set(CMAKE_FIND_ROOT_PATH /usr/${triplet})
+# Libraries that Debian does not have for Windows are built into the second folder.
+set(CMAKE_FIND_ROOT_PATH /usr/${triplet} "${CMAKE_CURRENT_LIST_DIR}/../../build/windows-libraries")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
