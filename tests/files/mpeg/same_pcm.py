@@ -1,12 +1,16 @@
 """Decodes streams with two builds of the tool and fails if a sample differs by more than one step of 16 bits.
 
 A stream that the tool refuses has to be refused by both, for the same reason.
-Usage: same_pcm.py [--render] COMMAND COMMAND STREAM...; a COMMAND is a tool, or an emulator and a tool in one argument.
-With --render it is what is heard of the streams, at half their level, that is compared. What follows their end and what
-becomes of another rate than 22050 Hz is OpenAL's, and differs between its versions.
+Usage: same_pcm.py [--render | --scenes] COMMAND COMMAND FILE...; a COMMAND is a tool, or an emulator and a tool in one
+argument.
+With --render it is what is heard of the streams, at half their level, that is compared. What follows their end is
+OpenAL's, and differs between its versions.
+With --scenes each file is played in all the ways in which a place, a room or an effect takes part, to the end. That is
+alike only where both tools use the same generation of OpenAL Soft.
 """
 import array
 import shlex
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -14,6 +18,17 @@ import wave
 from pathlib import Path
 
 LARGEST_STEP = 1
+
+SCENES = {
+    "as it is": [],
+    "at a place": ["--at=-3,2,4"],
+    # At a rate to which OpenAL need not convert its data.
+    "binaural": ["--at=3,0,-1", "--option", "OpenALHRTF=1", "--option", "SoundFrequency=48000"],
+    "in a cave": ["--at=0,0,-1", "--room", "cave"],
+    "passed by in a hangar": ["--walk", "--room", "hangar"],
+}
+# All effects in one list.
+EFFECTS = ["CHORUS", "FLANGER", "ECHO", "DISTORTION", "COMPRESSOR", "GARGLE", "PARAMEQ", "WAVESREVERB", "ENVREVERB"]
 
 
 def decode(command, stream, folder):
@@ -23,9 +38,14 @@ def decode(command, stream, folder):
 
 def render(command, stream, folder):
     """The same of what is heard, which is stereo, for as long as the stream lasts."""
-    (channels, *_), decoded = decode(command, stream, folder)
-    form, heard = run_tool(command, ["play", stream, "--gain", "0.5", "--option", "OpenALResampling=0", "--render"], folder)
-    return form, heard[:2 * len(decoded) // channels]
+    (channels, _, rate), decoded = decode(command, stream, folder)
+    form, heard = run_tool(command, ["play", stream, "--gain", "0.5", "--render"], folder)
+    frames = len(decoded) // channels * form[2] // rate
+    return form, heard[:2 * frames]
+
+
+def play(command, scene, folder):
+    return run_tool(command, ["play", *scene, "--render"], folder)
 
 
 def run_tool(command, arguments, folder):
@@ -49,17 +69,38 @@ def compare(make, commands, stream, folder):
     return max(steps) <= LARGEST_STEP, f"{sum(map(bool, steps))} of {len(steps)} differ, by {max(steps)} at most"
 
 
-def main(make, commands, streams):
+def scenes_of(file, folder):
+    """The name of each scene and what the tool is told to play."""
+    file = Path(file)
+    definition = Path(folder) / "effects.sound.txt"
+    shutil.copy(file, folder)
+    definition.write_text("".join(["*SOUND_DEFINITION {\n", f'*FILE "{file.name}"\n', *(f"*FX_{effect} {{}}\n" for effect in EFFECTS),
+                                   "}\n"]), encoding="utf-8")
+    for name, options in SCENES.items():
+        yield f"{file}, {name}", [str(file), *options]
+    yield f"{file}, with all effects", [str(definition), "--root", folder, "--at=1,0,-1"]
+
+
+def cases(mode, files, folder):
+    """The name of each comparison, the function that makes its sound, and the argument of that."""
+    for file in files:
+        if mode == "--scenes":
+            yield from ((name, play, scene) for name, scene in scenes_of(file, folder))
+        else:
+            yield file, render if mode == "--render" else decode, file
+
+
+def main(mode, commands, files):
     results = []
     with tempfile.TemporaryDirectory() as folder:
-        for stream in streams:
-            alike, line = compare(make, commands, stream, folder)
-            print(f"{stream}: {line}")
+        for name, make, what in cases(mode, files, folder):
+            alike, line = compare(make, commands, what, folder)
+            print(f"{name}: {line}", flush=True)
             results.append(alike)
     return 0 if results and all(results) else 1
 
 
 if __name__ == "__main__":
-    rendering = sys.argv[1:2] == ["--render"]
-    given = sys.argv[2 if rendering else 1:]
-    sys.exit(main(render if rendering else decode, given[:2], given[2:]))
+    chosen = sys.argv[1] if sys.argv[1:2] in (["--render"], ["--scenes"]) else None
+    given = sys.argv[2 if chosen else 1:]
+    sys.exit(main(chosen, given[:2], given[2:]))
