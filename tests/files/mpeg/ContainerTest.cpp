@@ -1,7 +1,6 @@
 // Streams in files: bare, and wrapped in RIFF/WAVE.
 
 #include "MemoryStream.h"
-#include "StreamMaker.h"
 
 #include "harmonet/files/SndFileHandle.h"
 #include "tests/files/SoundFolder.h"
@@ -56,8 +55,7 @@ Bytes Format(int tag, int bitsPerSample, std::size_t chunkBytes = 30)
 
 Bytes RandomFrames(int count)
 {
-    std::mt19937 random(5);
-    return MakeRandomStream(random, {}, count);
+    return ReadFrames("random-mono", count);
 }
 
 TEST_F(MpegFiles, StreamsAreCountedAndPlayAsFromMemory)
@@ -84,10 +82,9 @@ TEST_F(MpegFiles, StreamsThatChangeChannelsPlayToTheEnd)
 {
     for (const std::string form : {"ssmm", "mmssm", "smsms", "msm"}) {
         SCOPED_TRACE(form);
-        std::mt19937 random(5);
         Bytes stream;
         for (const char channels : form) {
-            stream = stream + MakeRandomStream(random, {.mode = channels == 'm' ? 3 : 0}, 1);
+            stream = stream + ReadFrames(channels == 'm' ? "random-mono" : "random-stereo", 1);
         }
         const auto file = OpenGood(stream);
         const std::vector<int> fromFile = FillBlocks(*file);
@@ -136,9 +133,9 @@ TEST_F(MpegFiles, TheCountComesFromFactOrFromTheHeaders)
 TEST_F(MpegFiles, EightBitOutputFollowsTheWrapper)
 {
     const Bytes fact = Chunk("fact", Little32(2 * frame));
-    const Bytes silence = Wave(Format(85, 8) + Chunk("data", MakeSilentFrame({})));
+    const Bytes silence = Wave(Format(85, 8) + Chunk("data", MakeSilentFrame()));
     EXPECT_EQ(ReadAll(*OpenGood(silence), frame), Bytes(frame, 128));
-    const Bytes change = MakeSilentFrame({}) + MakeSilentFrame({.mode = 0});
+    const Bytes change = MakeSilentFrame() + MakeSilentFrame(0);
     EXPECT_EQ(
         ReadAll(*OpenGood(Wave(Format(85, 8) + fact + Chunk("data", change))), 1), Bytes(2 * frame, 128));
     const Bytes stream = RandomFrames(3);

@@ -1,11 +1,9 @@
-// What is decoded: beside another decoder, beside the conformance streams of the standard, and beside a plain
-// decoder in double precision. Each on the kernels of every instruction set that this processor runs, and on
-// those for compilers without vector types.
+// What is decoded, beside references that other decoders have made (streams/syntax/README.md) and beside the
+// conformance streams of the standard. Each on the kernels of every instruction set that this processor runs,
+// and on those for compilers without vector types.
 
 #include "MemoryStream.h"
-#include "PlainDecoder.h"
-#include "StreamMaker.h"
-#include "harmonet/files/mpeg/SpectrumStage.h"
+#include "harmonet/files/mpeg/SideInfo.h"
 
 #include <gtest/gtest.h>
 
@@ -16,6 +14,9 @@ using namespace Quon;
 
 namespace
 {
+
+/// The references hold every 11th value.
+constexpr std::size_t stride = 11;
 
 template<class Action>
 void OnAllKernels(Action action)
@@ -67,12 +68,72 @@ void ExpectConformance(const std::vector<int>& pcm, const std::vector<int>& refe
     EXPECT_LE(std::sqrt(squares / static_cast<double>(reference.size())), 0.80);
 }
 
+/// Reads bit by bit; after the end it reads 0.
+struct Bits
+{
+    int Take(int count)
+    {
+        int result = 0;
+        for (; count > 0; --count, ++position) {
+            const bool isThere = position / 8 < std::ssize(bytes);
+            result = 2 * result + (isThere ? bytes[position / 8] >> (7 - position % 8) & 1 : 0);
+        }
+        return result;
+    }
+
+    /// One code of a table, found by comparing with each code of the list; returns its two values.
+    std::array<int, 2> TakeCode(int table)
+    {
+        const HuffmanSource& source = huffmanSources[table];
+        const int start = position;
+        for (int i = source.firstCode; i < source.firstCode + source.codeCount; ++i) {
+            position = start;
+            if (Take(huffmanCodes[i].length) == static_cast<int>(huffmanCodes[i].code)) {
+                return {huffmanCodes[i].first, huffmanCodes[i].second};
+            }
+        }
+        return {};
+    }
+
+    int Finish(int value, int linbits)
+    {
+        if (value == 15) {
+            value += Take(linbits);
+        }
+        return value != 0 && Take(1) != 0 ? -value : value;
+    }
+
+    const Bytes& bytes;
+    int position = 0;
+};
+
+/// The spectrum of four pairs of one table and then of quadruples, up to the end of the budget of bits. The
+/// last quadruple is dropped if it goes beyond.
+std::vector<int> WalkThroughCodes(const Bytes& bytes, int table, int budget)
+{
+    Bits bits{bytes};
+    std::vector<int> values;
+    while (values.size() < 8 && bits.position < budget) {
+        for (const int value : bits.TakeCode(table)) {
+            values.push_back(bits.Finish(value, huffmanSources[table].linbits));
+        }
+    }
+    while (bits.position < budget) {
+        const int quadruple = bits.TakeCode(count1TableBase)[0];
+        for (int shift = 3; shift >= 0; --shift) {
+            values.push_back(bits.Finish(quadruple >> shift & 1, 0));
+        }
+    }
+    if (bits.position > budget && values.size() >= 4) {
+        values.resize(values.size() - 4);
+    }
+    return values;
+}
+
 } // namespace
 
 TEST(Decoding, MatchesAnotherDecoder)
 {
-    // The references hold every 11th value (streams/make_streams.sh).
-    constexpr std::size_t stride = 11;
     OnAllKernels([](const DecoderKernels&) {
         for (const std::string name : {"joint-44100", "crc-44100", "mono-48000", "vbr-32000", "joint-22050",
                  "mono-16000", "joint-24000"}) {
@@ -113,34 +174,35 @@ TEST(Decoding, IsWithinTwoStepsOnConformanceStreams)
     EXPECT_GT(streams, 0);
 }
 
-// Streams of random frames hold every syntax that an encoder could use and some that none does.
-TEST(Decoding, MatchesThePlainDecoderOnRandomStreams)
+// Every kind of block, table, scale factor and stereo mode, valid streams and random bits.
+TEST(Decoding, MatchesTheReferenceOfEverySyntax)
 {
-    std::mt19937 random(1992);
-    for (int kind = 0; kind < 72; ++kind) {
-        const int round = kind / 18;
-        const FrameForm form = {.isMpeg1 = kind % 2 == 0,
-            .bitrateIndex = 14 - 2 * round,
-            .rateIndex = kind / 2 % 3,
-            .mode = kind / 6 % 3 == 2 ? 3 : kind / 6 % 3,
-            .hasCrc = round == 1,
-            .padding = round == 2};
-        SCOPED_TRACE(testing::Message() << "MPEG-" << (form.isMpeg1 ? 1 : 2) << ", rate " << form.rateIndex
-                                        << ", mode " << form.mode << ", round " << round);
-        const Bytes stream = MakeRandomStream(random, form, 6);
-        for (const bool byStandard : {false, true}) {
-            SCOPED_TRACE(byStandard ? "by the standard" : "by the library's rules");
-            const std::vector<int> plain = PlainMpeg::Decode(stream, byStandard);
-            OnAllKernels(
-                [&](const DecoderKernels&) { ExpectSameSound(DecodeAll(stream, 1152, byStandard), plain); });
+    const std::filesystem::path folder = MPEG_STREAMS "/syntax";
+    int streams = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        if (entry.path().extension() != ".mp3") {
+            continue;
         }
+        SCOPED_TRACE(entry.path().stem().string());
+        const Bytes stream = ReadBytes(entry.path().string());
+        const auto read = [&](const char* extension) {
+            return ToValues(
+                ReadBytes(std::filesystem::path(entry.path()).replace_extension(extension).string()));
+        };
+        const std::vector<int> reference = read("ref");
+        const std::vector<int> standard = read("standard");
+        OnAllKernels([&](const DecoderKernels&) {
+            ExpectSameSound(DecodeAll(stream), reference, stride);
+            ExpectSameSound(DecodeAll(stream, 1152, true), standard.empty() ? reference : standard, stride);
+        });
+        ++streams;
     }
+    EXPECT_GT(streams, 50);
 }
 
 // Each of these streams holds one departure from the standard (streams/make_departures.py).
 TEST(Decoding, DepartsFromTheStandardOnlyAsDocumented)
 {
-    constexpr std::size_t stride = 11;
     for (const std::string name : {"24000-bands", "22050-intensity", "22050-mixed", "32000-short"}) {
         SCOPED_TRACE(name);
         const Bytes stream = ReadStream("departure-" + name + ".mp3");
@@ -148,7 +210,7 @@ TEST(Decoding, DepartsFromTheStandardOnlyAsDocumented)
         ASSERT_GT(reference.size(), 400U);
         const std::vector<int> own = DecodeAll(stream);
         std::vector<int> standard = DecodeAll(stream, 1152, true);
-        ExpectSameSound(own, PlainMpeg::Decode(stream));
+        ExpectSameSound(own, ToValues(ReadStream("departure-" + name + ".own")), stride);
         ASSERT_EQ(standard.size(), own.size());
         int largest = 0;
         for (std::size_t i = 0; i < own.size(); ++i) {
@@ -158,40 +220,6 @@ TEST(Decoding, DepartsFromTheStandardOnlyAsDocumented)
         // One of the references lacks the last frames.
         standard.resize(std::min(standard.size(), stride * reference.size()));
         ExpectSameSound(standard, reference, stride);
-    }
-}
-
-// What random streams reach by luck alone: spectra that end in zeros, up to the line count and beyond.
-TEST(Decoding, MatchesThePlainDecoderOnSparseSpectra)
-{
-    std::mt19937 random(4);
-    for (int round = 0; round < 2000; ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        GranuleInfo info = {};
-        info.block_type = round % 3 != 0 ? blockTypeShort : 0;
-        info.mixed_block_flag = round % 3 == 2 ? 1 : 0;
-        std::fill_n(info.gain, 4, unityGain);
-        const BandTable& bands = bandTables[random() % 6];
-        const int lineCount = static_cast<int>(random() % (linesPerGranule + 1));
-        PlainMpeg::Values values = {};
-        float lines[spectrumStride] = {};
-        for (int line = 0, end = static_cast<int>(random() % (lineCount + 1)); line < end; ++line) {
-            values[line] = static_cast<int>(random() % 3) - 1;
-            lines[line] = static_cast<float>(values[line]);
-        }
-        const ScaleFactors factors = {};
-        PlainMpeg::Limits limits;
-        const bool byStandard = round / 3 % 2 != 0;
-        const PlainMpeg::Line plain =
-            PlainMpeg::Requantise(info, factors, bands, values, lineCount, limits, byStandard);
-        OnAllKernels([&](const DecoderKernels& kernels) {
-            float xr[spectrumStride];
-            const SpectrumLimits found =
-                Requantise(Tables(), kernels, {info, factors, bands, lineCount, byStandard}, lines, xr);
-            EXPECT_TRUE(std::ranges::equal(found.bandLimit, limits.band));
-            EXPECT_EQ(found.subbandLimit, limits.subband);
-            EXPECT_TRUE(std::equal(plain.begin(), plain.end(), xr));
-        });
     }
 }
 
@@ -214,9 +242,8 @@ TEST(Decoding, ReadsEveryHuffmanCode)
             for (int byte = 0; byte < 8; ++byte) {
                 bytes[byte] = static_cast<unsigned char>((code - 1) >> (56 - 8 * byte));
             }
-            PlainMpeg::Bits bits{bytes};
-            PlainMpeg::Values values;
-            const int lineCount = PlainMpeg::DecodeValues(bits, info, budget, values);
+            const std::vector<int> values = WalkThroughCodes(bytes, table, budget);
+            const int lineCount = static_cast<int>(values.size());
             OnAllKernels([&](const DecoderKernels& kernels) {
                 float lines[spectrumStride];
                 ASSERT_EQ(kernels.decodeLines(Tables(), info, bytes.data(), 0, budget, lines), lineCount);
@@ -264,7 +291,6 @@ TEST(Tables, IntensityPositionsWithoutAFiniteFactorAreSilent)
     }
 }
 
-// The plain decoder and the maker of streams take their numbers from the same tables.
 TEST(Tables, HoldTheNumbersOfTheStandard)
 {
     EXPECT_EQ(bandTables[4].longStart[18], 330);

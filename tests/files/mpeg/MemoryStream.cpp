@@ -14,6 +14,27 @@ Bytes ReadStream(const std::string& name)
     return ReadBytes(std::string(MPEG_STREAMS) + "/" + name);
 }
 
+Bytes ReadFrames(const std::string& name, int frameCount)
+{
+    Bytes stream = ReadStream("syntax/" + name + ".mp3");
+    std::size_t end = 0;
+    for (; frameCount > 0; --frameCount) {
+        const FrameHeader header = SplitFrameHeader(LoadFrameHeader(stream.data() + end));
+        end += static_cast<std::size_t>(FrameBytes(header) + frameHeaderBytes);
+    }
+    EXPECT_LE(end, stream.size());
+    stream.resize(end);
+    return stream;
+}
+
+Bytes MakeSilentFrame(int mode, int mainDataBegin)
+{
+    const auto byte = [](int value) { return static_cast<unsigned char>(value); };
+    Bytes frame = {0xFF, 0xFB, 0x90, byte(mode << 6), byte(mainDataBegin >> 1), byte(mainDataBegin << 7)};
+    frame.resize(417);
+    return frame;
+}
+
 std::vector<int> ToValues(const Bytes& pcm)
 {
     std::vector<int> values;

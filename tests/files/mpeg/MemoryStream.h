@@ -8,6 +8,12 @@
 
 /// A stream of the folder streams/.
 Bytes ReadStream(const std::string& name);
+/// The first frames of a stream of the folder streams/syntax/. The plain names are MPEG-1 at 128 kbit/s and
+/// 44.1 kHz, 417 bytes a frame.
+Bytes ReadFrames(const std::string& name, int frameCount);
+/// Such a frame with empty side information, which decodes to silence: 3 is mono, 0 stereo. Its main data
+/// begin so many bytes ahead of it.
+Bytes MakeSilentFrame(int mode = 3, int mainDataBegin = 0);
 /// Little-endian 16-bit values.
 std::vector<int> ToValues(const Bytes& pcm);
 /// The same sound but for a step of rounding, as far as decoders may differ. `decoded` counts with every

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Makes the streams departure-*.mp3, in which this library's rules and those of the standard differ.
+"""Makes the streams departure-*.mp3, in which this library's rules and those of the standard differ, and syntax/sparse-*.mp3,
+which hold every kind of block and stereo mode with spectra that end early.
 
-Run it in this folder. The references hold every 11th value of what another decoder makes of them: mpg123, and for
+Run it in this folder. The references of the departures hold every 11th value of what another decoder makes of them: mpg123, and for
 intensity stereo sox, whose decoder (libmad) follows the standard there.
 """
 import array
@@ -60,9 +61,11 @@ def lsf_groups(compress, intensity, kind):
 
 
 class Stream:
-    def __init__(self, seed, rate, mode, blocks, limits, content=576, mpeg1=False):
+    def __init__(self, seed, rate, mode, blocks, limits, content=576, mpeg1=False, extension="01", bitrate=None):
         self.pick = random.Random(seed)
         self.content = content
+        self.extension = extension if mode == 1 else "00"
+        self.bitrate = bitrate or (320000 if mpeg1 else 160000)
         self.rate, self.mode, self.blocks, self.limits, self.mpeg1 = rate, mode, blocks, limits, mpeg1
 
     def factors(self, groups):
@@ -96,20 +99,35 @@ class Stream:
 
     def frame(self):
         channels = 1 if self.mode == 3 else 2
-        size = (144 * 320000 if self.mpeg1 else 72 * 160000) // self.rate
-        rate_index = {22050: 0, 24000: 1, 16000: 2, 32000: 2}[self.rate]
-        head = "1" * 11 + ("11" if self.mpeg1 else "10") + "011" + "1110" + bits(rate_index, 2) + "00" + bits(self.mode, 2)
-        head += ("01" if self.mode == 1 else "00") + "0000"
+        size = (144 if self.mpeg1 else 72) * self.bitrate // self.rate
+        rate_index = {44100: 0, 22050: 0, 48000: 1, 24000: 1, 16000: 2, 32000: 2}[self.rate]
+        bitrate_index = {320000: 14, 160000: 14, 128000: 9, 64000: 8}[self.bitrate]
+        start = "1" * 11 + ("11" if self.mpeg1 else "10") + "011" + bits(bitrate_index, 4) + bits(rate_index, 2) + "00"
+        start += bits(self.mode, 2) + self.extension + "0000"
         # No reservoir, private bits of 0, and no shared scale factors.
-        head += "0" * (9 + 5 + 4 if self.mpeg1 else 8 + channels)
-        main = ""
-        for _ in range(2 if self.mpeg1 else 1):
-            block, mixed = self.pick.choice(self.blocks)
-            for channel in range(channels):
-                granule_side, granule_main = self.granule(block, mixed, channel == 1)
-                head += granule_side
-                main += granule_main
+        start += "0" * (9 + (5 if channels == 1 else 3) + 4 * channels if self.mpeg1 else 8 + channels)
+        main = None
+        while main is None or len(head + main) > 8 * size:
+            head, main = start, ""
+            for _ in range(2 if self.mpeg1 else 1):
+                block, mixed = self.pick.choice(self.blocks)
+                for channel in range(channels):
+                    granule_side, granule_main = self.granule(block, mixed, channel == 1 and self.extension != "10")
+                    head += granule_side
+                    main += granule_main
         return int((head + main).ljust(8 * size, "0"), 2).to_bytes(size, "big")
+
+
+def make_sparse(seed, name, rate, mode, extension):
+    mpeg1 = rate >= 32000
+    lines = [0, 4, 12, 20, 36, 40, 60, 100, 148, 200]
+    stream = Stream(seed, rate, mode, [(0, 0), (2, 0), (2, 1), (1, 0), (3, 0)], [lines, lines], 0, mpeg1, extension,
+                    128000 if mpeg1 else 64000)
+    frames = b""
+    for _ in range(6):
+        stream.content = stream.pick.choice([0, 1, 2, 5, 17, 18, 19, 36, 37, 70, 120, 200])
+        frames += stream.frame()
+    pathlib.Path("syntax/sparse-%s-%d.mp3" % (name, rate)).write_bytes(frames)
 
 
 def make(name, stream, decoder):
@@ -128,3 +146,9 @@ make("24000-bands", Stream(1, 24000, 3, [(0, 0), (1, 0), (3, 0)], [[576], []]), 
 make("22050-intensity", Stream(5, 22050, 1, [(2, 0)], [[520], [0, 40, 100, 200]]), SOX)
 make("22050-mixed", Stream(3, 22050, 3, [(2, 1)], [[200, 576], []]), MPG123)
 make("32000-short", Stream(4, 32000, 3, [(2, 0)], [[552], []], 540, True), MPG123)
+
+seed = 100
+for rate in (44100, 48000, 32000, 22050, 24000, 16000):
+    for name, mode, extension in (("mono", 3, "00"), ("sides", 1, "10"), ("intensity", 1, "01"), ("both", 1, "11")):
+        seed += 1
+        make_sparse(seed, name, rate, mode, extension)
