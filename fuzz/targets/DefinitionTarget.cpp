@@ -6,6 +6,7 @@
 #include "harmonet/instances/Sound.h"
 #include "harmonet/kernel/SoundSystem.h"
 
+#include <cmath>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -78,6 +79,22 @@ private:
     std::size_t length = 0;
 };
 
+/// What holds for any definition, loaded or not.
+void CheckSettings(const SoundResource& sound)
+{
+    Require(sound.GetNumPoints() == 0 || sound.GetNumPoints() >= 2, "a line has two points");
+    Require((sound.GetNumPoints() == 0) == (sound.GetPolyline() == nullptr), "no points, no line");
+    for (int i = 0; i < sound.GetNumPoints(); ++i) {
+        const Vector3& point = sound.GetPolyline()[i];
+        Require(std::isfinite(point.x + point.y + point.z), "points are finite");
+    }
+    Require(std::isfinite(sound.GetGain()), "the gain is finite");
+    Require(sound.GetDelay() >= 0 && sound.GetNumAddSounds() >= 0, "counts are not negative");
+    const int hz = sound.GetFrequency();
+    Require(hz == 0 || (hz >= 100 && hz <= 100000), "a rate is in its range");
+    Require(!sound.GetChgFrequency() || sound.GetFXList().GetNumEffects() == 0, "effects fix the rate");
+}
+
 int Load(const SoundDefResource& definition, const ResourceDatabase& database)
 {
     std::string path = inputName;
@@ -91,8 +108,7 @@ void CheckLoading(const ResourceDatabase& database)
     const int code = Load(definition, database);
     const auto settings = TakeSettings(definition);
     Require(code == 0 || code == 1, "a load answers 0 or 1");
-    Require(definition.GetNumPoints() == 0 || definition.GetNumPoints() >= 2, "a line has two points");
-    Require((definition.GetNumPoints() == 0) == (definition.GetPolyline() == nullptr), "no points, no line");
+    CheckSettings(definition);
 
     Listener listener;
     DefinitionListener* const before = SoundDefResource::SetListener(&listener);

@@ -5,7 +5,6 @@
 #include <clocale>
 #include <gtest/gtest.h>
 #include <optional>
-#include <random>
 
 namespace Quon
 {
@@ -245,68 +244,6 @@ TEST_F(BlockReaders, KeepTwoCharacterTokensTogetherAcrossBuffers)
         EXPECT_EQ(TreeOf(text), "*A(1 *B(3 *C(a/b/c ");
         EXPECT_EQ(reader.GetLine(), 4);
     }
-}
-
-/// Hears everything and reads it, so that the reporting code runs as well.
-class CountingListener : public BlockReaderListener
-{
-public:
-    void OnSkipped(const Skipped& skipped) override { length += skipped.keyword.GetView().size(); }
-    void OnUnreadable(const PString&, int, const char* wanted, const char* found) override
-    {
-        length += std::string_view(wanted).size() + std::string_view(found != nullptr ? found : "").size();
-    }
-    void OnFault(int, const char* fault) override { length += std::string_view(fault).size(); }
-
-    std::size_t length = 0;
-};
-
-// On the reader and on those that it gave, also on those that have been left. Half of the texts are of the
-// signs that count, the others of any.
-TEST_F(BlockReaders, TerminateForAnyCallsOnAnyText)
-{
-    constexpr std::string_view telling = "**** {{}}\"\"//##\n\n\r\t 01.-+eE\\ab\xFF";
-    std::mt19937 random(20260701);
-    int keywords = 0;
-    CountingListener listener;
-    reader.SetListener(&listener);
-    for (int round = 0; round < 600; ++round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        std::string content(random() % 6000, '\0');
-        for (char& character : content) {
-            character = round % 2 == 0 ? static_cast<char>(random()) : telling[random() % telling.size()];
-        }
-        std::vector<BlockReader*> readers = {&ReaderOf(content)};
-        for (int call = 0; call < 300; ++call) {
-            BlockReader& block = *readers[random() % readers.size()];
-            const unsigned action = random() % 8;
-            PString text;
-            bool truth = false;
-            float values[3] = {0, 0, 0};
-            if (action == 0) {
-                if (BlockReader* const inner = block.Begin()) {
-                    readers.push_back(inner);
-                }
-            }
-            else if (action == 1) {
-                block.End();
-            }
-            else if (action == 2) {
-                EXPECT_LE(block.ReadFloatv(values, 3), 3);
-            }
-            else if (action == 3) {
-                block.ReadBool(truth) || block.ReadString(text);
-            }
-            else if (block.Next(text)) {
-                ++keywords;
-                EXPECT_EQ(text.GetText()[0], '*');
-            }
-        }
-        TreeOf(content);
-    }
-    reader.SetListener(nullptr);
-    EXPECT_GT(keywords, 600);
-    EXPECT_GT(listener.length, 0U);
 }
 
 } // namespace

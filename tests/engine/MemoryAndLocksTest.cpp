@@ -2,6 +2,7 @@
 #include "harmonet/engine/Exception.h"
 #include "harmonet/engine/SyncObject.h"
 #include "harmonet/engine/UId.h"
+#include "tests/support/OtherThread.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
@@ -41,19 +42,6 @@ TEST(Alloc, CountsLiveBlocksAndRefusesFourGibibytes)
 class Locks : public testing::Test
 {
 protected:
-    /// Whether another thread gets the lock at once; it gives it back.
-    static bool IsFreeForAnotherThread(SyncObject& lock)
-    {
-        bool isFree = false;
-        std::thread([&lock, &isFree] {
-            isFree = lock.Lock(0);
-            if (isFree) {
-                lock.Unlock();
-            }
-        }).join();
-        return isFree;
-    }
-
     CriticalSection section{nullptr};
     Mutex mutex{false, nullptr};
     SyncObject* const all[2] = {&section, &mutex};
