@@ -2,10 +2,7 @@
 
 #include "drivers/openal/DeviceSource.h"
 #include "drivers/openal/OutputDevice.h"
-#include "harmonet/instances/Microphone.h"
-#include "harmonet/instances/Sound.h"
-#include "tests/drivers/OfflineRig.h"
-#include "tests/support/HostTest.h"
+#include "tests/instances/HeardTest.h"
 
 #include <cmath>
 #include <functional>
@@ -41,60 +38,36 @@ Path Drive(double speed)
     };
 }
 
-class DopplerHeard : public HostTest
+class DopplerHeard : public HeardTest
 {
 protected:
     DopplerHeard()
     {
+        SetOption("SoundFrequency", "44100");
         folder.Write("tone", BuildWave({rateHz, rateHz, 1, 16}, [](int frame) {
             return std::lround(20000 * std::sin(2 * std::numbers::pi * toneHz * frame / rateHz));
         }));
     }
 
-    /// A looping tone, without loss of gain by distance.
-    static int PlayTone(Sound& group, const Vector3& place, int flags = 0)
+    /// Two seconds of a looping tone, without loss of gain by distance, while it and the listener move.
+    Rendering Listen(const char* factorPercent, const Path& source, const Path& listener, float ownFactor = 1)
     {
+        SetOption("SoundDoppler", factorPercent);
         Sound::Settings far;
         far.setDistance = true;
         far.minDistance = far.maxDistance = 1e6F;
-        return group.Play3DSound(place, "tone", nullptr, Sound::StartLooping | flags, 0, far, 0);
-    }
-
-    void Open(const char* factorPercent)
-    {
-        path = (GetTestFolder() / "doppler.wav").string();
-        SetOption("Sound", "HarmonetOpenAL");
-        SetOption("SoundFrequency", "44100");
-        SetOption("OpenALRender", path.c_str());
-        SetOption("SoundDoppler", factorPercent);
-        ASSERT_TRUE(Start());
-    }
-
-    /// Two seconds of a tone while it and the listener move.
-    Rendering Render(const char* factorPercent, const Path& source, const Path& listener,
-        const std::function<void(Sound&, int)>& setUp = nullptr)
-    {
-        Open(factorPercent);
-        {
-            Microphone microphone;
-            microphone.Activate();
-            Sound group;
-            const int id = PlayTone(group, source(0.0));
-            if (setUp) {
-                setUp(group, id);
-            }
+        return Render([&](Scene& scene) {
+            const int id =
+                scene.group.Play3DSound(source(0.0), "tone", nullptr, Sound::StartLooping, 0, far, 0);
+            scene.group.SetSoundDoppler(id, ownFactor);
             for (int step = 0; step < numSteps; ++step) {
                 const double seconds = step * stepSeconds;
-                group.SetSoundPosition(id, source(seconds));
-                microphone.SetPosition(listener(seconds));
+                scene.group.SetSoundPosition(id, source(seconds));
+                scene.microphone.SetPosition(listener(seconds));
                 Step(stepMs);
             }
-        }
-        system.Done();
-        return ReadRendering(path);
+        });
     }
-
-    std::string path;
 };
 
 /// The frequency between two times, by rising zero crossings, in cents above the tone.
@@ -151,8 +124,7 @@ TEST_F(DopplerHeard, PitchFollowsTheVelocitiesOfSourceAndListenerByTheFormula)
         const Path listener = row.listenerSpeed == 0 ? Path(Stand) : [&](double seconds) {
             return Vector3{static_cast<float>(row.listenerSpeed * (seconds - 1.0)), 0.0F, 0.0F};
         };
-        const Rendering heard = Render(row.factorPercent, Drive(row.sourceSpeed), listener,
-            [&](Sound& group, int id) { group.SetSoundDoppler(id, row.ownFactor); });
+        const Rendering heard = Listen(row.factorPercent, Drive(row.sourceSpeed), listener, row.ownFactor);
         // Some 20 units away the direction is that of the motion to within 1 %.
         EXPECT_NEAR(MeasureCents(heard, 0.2, 0.35), Cents(row.before), 4.0) << row.name;
         EXPECT_NEAR(MeasureCents(heard, 1.7, 1.95), Cents(row.after), 4.0) << row.name;
@@ -188,7 +160,7 @@ TEST_F(DopplerHeard, NothingClicksAndALeapDoesNotHowl)
     constexpr std::size_t afterOnset = rateHz * 6 / 100;
     const double rampFrames = GetGainRampFrames();
     for (const Row& row : rows) {
-        const Rendering heard = Render("100", row.source, row.listener);
+        const Rendering heard = Listen("100", row.source, row.listener);
         for (int half = 2; half < 76; ++half) {
             const double begin = half * stepSeconds / 2;
             EXPECT_LE(std::abs(MeasureCents(heard, begin, begin + 0.05)), row.most + 5.0)

@@ -1,10 +1,6 @@
 // The low-pass of a sound, its group and everything, as it is heard.
 
-#include "harmonet/instances/Microphone.h"
-#include "harmonet/instances/Music.h"
-#include "harmonet/instances/Sound.h"
-#include "tests/drivers/OfflineRig.h"
-#include "tests/support/HostTest.h"
+#include "tests/instances/HeardTest.h"
 
 #include <cmath>
 #include <functional>
@@ -40,11 +36,12 @@ struct Row
     bool losesChannel = false;
 };
 
-class LowPassHeard : public HostTest
+class LowPassHeard : public HeardTest
 {
 protected:
     LowPassHeard()
     {
+        SetOption("SoundFrequency", "44100");
         folder.Write("tone", BuildWave({rateHz, rateHz, 1, 16}, [](int frame) {
             return std::lround(9000 * std::sin(2 * std::numbers::pi * toneHz * frame / rateHz));
         }));
@@ -71,35 +68,24 @@ TEST_F(LowPassHeard, FactorsMultiplyForEveryKindOfSoundAndOutlastItsChannel)
         },
         [](Sound&, Music& music) { return music.Play("tone", true) ? -1 : 0; }};
     for (const auto& play : kinds) {
-        const std::string path = (GetTestFolder() / "low_pass.wav").string();
-        SetOption("Sound", "HarmonetOpenAL");
-        SetOption("SoundFrequency", "44100");
-        SetOption("OpenALRender", path.c_str());
-        ASSERT_TRUE(Start());
-        {
-            Microphone microphone;
-            microphone.Activate();
-            Sound group;
-            Music music;
-            const int id = play(group, music);
+        const Rendering heard = Render([&](Scene& scene) {
+            const int id = play(scene.group, scene.music);
             ASSERT_NE(id, 0);
             // A line is heard from the first move on.
-            microphone.SetPosition({0.0F, 0.0F, 0.01F});
+            scene.microphone.SetPosition({0.0F, 0.0F, 0.01F});
             for (const Row& row : rows) {
                 if (row.losesChannel) {
                     SoundSystem::PauseAll();
                     Step(stepMs);
                 }
-                group.SetSoundLowPass(id, row.own);
-                group.SetLowPass(row.parent);
-                music.SetLowPass(row.parent);
+                scene.group.SetSoundLowPass(id, row.own);
+                scene.group.SetLowPass(row.parent);
+                scene.music.SetLowPass(row.parent);
                 SoundSystem::SetLowPass(row.all);
                 SoundSystem::ResumeAll();
                 StepTimes(settleSteps, stepMs);
             }
-        }
-        system.Done();
-        const Rendering heard = ReadRendering(path);
+        });
         const bool isMusic = &play == std::end(kinds) - 1;
         std::size_t end = 0;
         double full = 0.0;

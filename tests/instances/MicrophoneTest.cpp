@@ -113,6 +113,17 @@ TEST_F(MicrophoneTest, OnlyTheActiveOneSendsAndOnlyChanges)
         (Lines{"SetListenerPosition 5 0 2", "SetListenerOrientation 0 0 1, 0 1 0"}));
 }
 
+TEST_F(MicrophoneTest, SoundsBelowItTurnWithIt)
+{
+    const int id = group->Play3DSound(
+        microphone.get(), PString(), WriteWave("a.wav", {2000}), nullptr, Sound::StartImmediately, 0, {}, 0);
+    group->SetSoundPosition(id, {0.0F, 0.0F, -2.0F});
+    Step(40);
+    microphone->SetOrientation({1.0F, 0.0F, 0.0F}, {0.0F, 1.0F, 0.0F});
+    Step(40);
+    ExpectNear(recording.channels.at(1).position, {2.0F, 0.0F, 0.0F});
+}
+
 TEST_F(MicrophoneTest, IsNotTheListenerOfALaterSystem)
 {
     FXEnvReverb cave{};
@@ -152,9 +163,11 @@ TEST_F(MicrophoneTest, ActivationSetsItsRoom)
     EXPECT_FALSE(microphone->GetFXEnvReverb(&answer));
     EXPECT_TRUE(other.GetFXEnvReverb(&answer));
     EXPECT_EQ(answer.roomHF, -22);
+    other.Activate();
+    EXPECT_FALSE(other.GetFXEnvReverb(&answer));
+    microphone->Activate();
     TakeLog();
     other.ResetFXEnvReverb(1);
-    EXPECT_FALSE(other.GetFXEnvReverb(&answer));
     microphone->ResetFXEnvReverb(2);
     // From any of them.
     other.SetRolloffFactor(0.5F);

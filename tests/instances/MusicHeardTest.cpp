@@ -1,8 +1,6 @@
 // A cross-fade as it is heard: rendered through the output driver and measured on the samples.
 
-#include "harmonet/instances/Music.h"
-#include "tests/drivers/OfflineRig.h"
-#include "tests/support/HostTest.h"
+#include "tests/instances/HeardTest.h"
 
 #include <cmath>
 #include <complex>
@@ -45,25 +43,18 @@ double Measure(const Rendering& heard, std::size_t begin, double hz, int side)
     return std::abs(sum) * 2.0 / windowFrames;
 }
 
-using MusicHeard = HostTest;
+using MusicHeard = HeardTest;
 
 TEST_F(MusicHeard, ACrossFadeHasNoGapNoClickAndLinearLevels)
 {
     folder.Write("low", BuildTone(lowHz));
     folder.Write("high", BuildTone(highHz));
-    const std::string path = (GetTestFolder() / "music.wav").string();
-    SetOption("Sound", "HarmonetOpenAL");
-    SetOption("OpenALRender", path.c_str());
-    ASSERT_TRUE(Start());
-    {
-        Music music;
-        ASSERT_TRUE(music.Play("low", true));
+    const Rendering heard = Render([&](Scene& scene) {
+        ASSERT_TRUE(scene.music.Play("low", true));
         StepTimes(20, 50);
-        ASSERT_TRUE(music.CrossFade("high", fadeMs, true));
+        ASSERT_TRUE(scene.music.CrossFade("high", fadeMs, true));
         StepTimes(40, 50);
-    }
-    system.Done();
-    const Rendering heard = ReadRendering(path);
+    });
     ASSERT_EQ(heard.GetFrames(), 3U * rateHz);
 
     // Not the first window, in which the piece sets in, nor the last, in which it is stopped.

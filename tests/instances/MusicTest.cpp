@@ -2,8 +2,10 @@
 
 #include "harmonet/instances/Music.h"
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/files/SndNodeCache.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/kernel/ResourceType.h"
+#include "harmonet/kernel/SndKernel.h"
 #include "tests/instances/WithResources.h"
 #include "tests/support/SoundTest.h"
 
@@ -74,6 +76,36 @@ TEST_F(MusicTest, HandlesAndKernelOutliveOneAnother)
         music.SetGain(given);
         EXPECT_EQ(music.GetGain(), kept) << given;
     }
+}
+
+TEST_F(MusicTest, EveryFormStartsWithItsFadeAndLoop)
+{
+    const std::pair<std::function<bool(bool)>, const char*> forms[] = {
+        {[&](bool loop) { return music.Play("a", loop); }, ""},
+        {[&](bool loop) { return music.Play("a", nullptr, loop); }, ""},
+        {[&](bool loop) { return music.FadeIn("a", 70, loop); }, "FadeIn 70"},
+        {[&](bool loop) { return music.FadeIn("a", nullptr, 70, loop); }, "FadeIn 70"},
+        {[&](bool loop) { return music.CrossFade("a", 70, loop); }, "FadeIn 70"},
+        {[&](bool loop) { return music.CrossFade("a", nullptr, 70, loop); }, "FadeIn 70"},
+        {[&](bool loop) { return music.Play("a", nullptr, Music::Settings{.loop = loop}); }, ""},
+    };
+    int channel = 0;
+    for (const auto& [start, fade] : forms) {
+        for (const bool loop : {false, true}) {
+            const std::string name = 'c' + std::to_string(++channel);
+            SCOPED_TRACE(name);
+            EXPECT_TRUE(start(loop));
+            Lines expected = {"CreateChannel " + name + (loop ? " 2" : " 0") + " a@0 fx"};
+            if (*fade) {
+                expected.push_back(name + ' ' + fade);
+            }
+            expected.push_back(name + " Play");
+            EXPECT_EQ(TakeLog(), expected);
+            music.Stop();
+            TakeLog();
+        }
+    }
+    EXPECT_EQ(GetRunningKernel()->GetDataCache()->GetCount(), 0U) << "music is streamed";
 }
 
 /// Pieces that are named by resources.

@@ -1,10 +1,6 @@
 // A pause as it is heard: rendered through the output driver, against the same scene without it.
 
-#include "harmonet/instances/Microphone.h"
-#include "harmonet/instances/Music.h"
-#include "harmonet/instances/Sound.h"
-#include "tests/drivers/OfflineRig.h"
-#include "tests/support/HostTest.h"
+#include "tests/instances/HeardTest.h"
 
 #include <algorithm>
 #include <array>
@@ -41,7 +37,7 @@ Halts Same(Halt halt)
     return halts;
 }
 
-class PauseHeard : public HostTest
+class PauseHeard : public HeardTest
 {
 protected:
     PauseHeard()
@@ -53,16 +49,10 @@ protected:
 
     /// What is heard of the parts whose bit is set in `parts`, each paused by itself, or all at once if
     /// `everything` is set. It is the first part's halt that counts then.
-    std::vector<double> Render(unsigned int parts, const Halts& halts, bool everything)
+    std::vector<double> RenderParts(unsigned int parts, const Halts& halts, bool everything)
     {
-        const std::string path = (GetTestFolder() / "pause.wav").string();
-        SetOption("Sound", "HarmonetOpenAL");
-        SetOption("OpenALRender", path.c_str());
-        EXPECT_TRUE(Start());
-        {
-            Microphone microphone;
-            microphone.Activate();
-            Scene scene;
+        const Rendering heard = Render([&](Scene& scene) {
+            Parts played(scene.music);
             const int longest = std::ranges::max(halts, {}, &Halt::length).length;
             for (int step = 1; step <= sceneSteps + longest; ++step) {
                 if (everything && step == halts[0].step) {
@@ -73,14 +63,12 @@ protected:
                 }
                 for (unsigned int part = 0; part < numParts; ++part) {
                     if (parts & 1U << part) {
-                        scene.Act(part, step, halts[part], !everything);
+                        played.Act(part, step, halts[part], !everything);
                     }
                 }
                 Step(stepMs);
             }
-        }
-        system.Done();
-        const Rendering heard = ReadRendering(path);
+        });
         std::vector<double> left(heard.GetFrames());
         for (std::size_t i = 0; i < left.size(); ++i) {
             left[i] = heard.At(i);
@@ -102,11 +90,16 @@ private:
     }
 
     /// One sound, or one piece of music, in each state that a pause can meet.
-    struct Scene
+    struct Parts
     {
+        explicit Parts(Music& newMusic)
+            : music(newMusic)
+        {
+        }
+
         std::array<Sound, numParts> groups;
         std::array<int, numParts> ids{};
-        Music music;
+        Music& music;
 
         void Act(unsigned int part, int step, const Halt& halt, bool byItself)
         {
@@ -217,10 +210,10 @@ TEST_F(PauseHeard, APauseOfEverythingOnlyInsertsSilence)
 {
     for (const char* maxSounds : {"20", "4"}) {
         SetOption("MaxSounds", maxSounds);
-        const std::vector<double> undisturbed = Render(allParts, Halts(), true);
+        const std::vector<double> undisturbed = RenderParts(allParts, Halts(), true);
         for (const Halt& halt : {Halt{3, 1500}, Halt{8, 30}, Halt{15, 30}, Halt{20, 30}, Halt{33, 30}}) {
             SCOPED_TRACE(std::string(maxSounds) + " channels, paused at " + std::to_string(halt.step));
-            const std::vector<double> heard = Render(allParts, Same(halt), true);
+            const std::vector<double> heard = RenderParts(allParts, Same(halt), true);
             ExpectEqualOutsideRamps(heard, Insert(undisturbed, halt), Same(halt));
         }
     }
@@ -232,10 +225,10 @@ TEST_F(PauseHeard, SoundsPausedAtDifferentTimesAddUp)
         Halt{5, 20}, Halt{8, 20}, Halt{11, 20}, Halt{30, 20}, Halt{17, 20}, Halt{24, 20}, Halt{14, 20}};
     std::vector<double> expected((sceneSteps + 20) * stepFrames, 0.0);
     for (unsigned int part = 0; part < numParts; ++part) {
-        const std::vector<double> alone = Insert(Render(1U << part, Halts(), false), halts[part]);
+        const std::vector<double> alone = Insert(RenderParts(1U << part, Halts(), false), halts[part]);
         std::transform(expected.begin(), expected.end(), alone.begin(), expected.begin(), std::plus<>());
     }
-    ExpectEqualOutsideRamps(Render(allParts, halts, false), expected, halts);
+    ExpectEqualOutsideRamps(RenderParts(allParts, halts, false), expected, halts);
 }
 
 } // namespace

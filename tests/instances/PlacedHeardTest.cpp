@@ -1,9 +1,6 @@
 // Positional sounds that were given nothing but a place, as they are heard.
 
-#include "harmonet/instances/Microphone.h"
-#include "harmonet/instances/Sound.h"
-#include "tests/drivers/OfflineRig.h"
-#include "tests/support/HostTest.h"
+#include "tests/instances/HeardTest.h"
 
 #include <functional>
 
@@ -13,7 +10,7 @@ namespace Quon
 namespace
 {
 
-using PlacedHeard = HostTest;
+using PlacedHeard = HeardTest;
 
 TEST_F(PlacedHeard, SoundsWithoutConeAndDistancesAreHeard)
 {
@@ -35,19 +32,10 @@ TEST_F(PlacedHeard, SoundsWithoutConeAndDistancesAreHeard)
         }};
     for (const auto& play : kinds) {
         SCOPED_TRACE(&play - kinds);
-        const std::string path = (GetTestFolder() / "placed.wav").string();
-        SetOption("Sound", "HarmonetOpenAL");
-        SetOption("OpenALRender", path.c_str());
-        ASSERT_TRUE(Start());
-        {
-            Microphone microphone;
-            microphone.Activate();
-            Sound group;
-            EXPECT_NE(play(group), 0);
+        const Rendering heard = Render([&](Scene& scene) {
+            EXPECT_NE(play(scene.group), 0);
             StepTimes(12, 50);
-        }
-        system.Done();
-        const Rendering heard = ReadRendering(path);
+        });
         EXPECT_GT(heard.Level(heard.GetFrames() / 2, heard.GetFrames(), 1), 0.01);
     }
 }

@@ -1,11 +1,15 @@
+#include "harmonet/engine/HostMemory.h"
 #include "harmonet/engine/Particle.h"
 #include "harmonet/files/SndFile.h"
+#include "harmonet/files/SndNodeCache.h"
 #include "harmonet/instances/SndBase.h"
+#include "harmonet/kernel/SndKernel.h"
 #include "harmonet/output/SndChannel.h"
+#include "tests/support/OtherThread.h"
 #include "tests/support/SoundTest.h"
 
+#include <cstdlib>
 #include <limits>
-#include <thread>
 
 namespace Quon
 {
@@ -162,15 +166,55 @@ TEST_F(PlayInterfaceTest, AFileOfAnotherFormatIsNotAppended)
     EXPECT_FALSE(group->CatSound(id, block.GetData(), block.GetSize(), &block.format));
     EXPECT_EQ(group->GetQueueLength(id), 1);
     EXPECT_EQ(group->GetSoundLength(id), 2900U);
-    CriticalSection* lock = Find(id)->GetSndChannel()->GetChanLock();
-    bool isFree = false;
-    std::thread([&] {
-        isFree = lock->Lock(0);
-        if (isFree) {
-            lock->Unlock();
-        }
-    }).join();
-    EXPECT_TRUE(isFree);
+    EXPECT_TRUE(IsFreeForAnotherThread(*Find(id)->GetSndChannel()->GetChanLock()));
+}
+
+/// Whether the lock was held at each allocation since it was set.
+CriticalSection* watchedLock = nullptr;
+bool wasAlwaysHeld = true;
+
+void* AllocateWatched(std::size_t bytes)
+{
+    wasAlwaysHeld = wasAlwaysHeld && !IsFreeForAnotherThread(*watchedLock);
+    return std::malloc(bytes);
+}
+
+// The driver's thread reads the queue at the same time.
+TEST_F(PlayInterfaceTest, TheQueueChangesUnderTheLockOfTheChannel)
+{
+    const int id = Play(file, Sound::StartImmediately | Sound::StartQueued);
+    MemoryBlock& block = NewBlock("block", {100});
+    watchedLock = Find(id)->GetSndChannel()->GetChanLock();
+    HostMemory::SetFunctions(AllocateWatched, std::free);
+    EXPECT_TRUE(group->CatSound(id, block.GetData(), block.GetSize(), &block.format));
+    EXPECT_TRUE(group->CatSound(id, other, nullptr));
+    HostMemory::SetFunctions(nullptr, nullptr);
+    EXPECT_TRUE(wasAlwaysHeld);
+    bool wasHeld = false;
+    observer->react = [&](const Note&) { wasHeld = !IsFreeForAnotherThread(*watchedLock); };
+    EXPECT_TRUE(group->FadeOutSound(id, 100));
+    EXPECT_TRUE(wasHeld) << "when the block came back";
+}
+
+// The setters of what counts at the start; the sound gets a second channel, to which they would apply.
+TEST_F(PlayInterfaceTest, SettingsOfTheStartAreIgnoredWhileASoundRuns)
+{
+    const int id = Play(file);
+    Step(40);
+    group->SetSoundDelay(id, 5000);
+    group->SetSoundFadeIn(id, 100);
+    group->SetSoundStartOffset(id, 1500);
+    group->SetSoundLoopRegion(id, 100, 200);
+    EXPECT_EQ(Find(id)->GetDelay(), 0);
+    system.SetMaxAudibleSounds(0);
+    StepTimes(6, 40);
+    EXPECT_EQ(Emulated(), Ids{id});
+    system.SetMaxAudibleSounds(20);
+    TakeLog();
+    StepTimes(6, 40);
+    EXPECT_EQ(TakeLog({"CreateChannel", "c"}).size(), 2U) << "made and played, without a fade-in";
+    EXPECT_LT(group->GetCurrentLength(id), 1000U);
+    EXPECT_EQ(Find(id)->GetSndFile()->GetPassEnd(), 2000);
 }
 
 TEST_F(PlayInterfaceTest, ASoundInMemoryMustBePcm)
@@ -202,6 +246,7 @@ TEST_F(PlayInterfaceTest, LengthsAreAvailableWithoutASound)
 {
     EXPECT_EQ(Sound::CalcSoundLength(other, nullptr), 900U);
     EXPECT_EQ(Sound::CalcSoundLength(PString("missing.wav"), nullptr), 0U);
+    EXPECT_EQ(GetRunningKernel()->GetDataCache()->GetCount(), 0U) << "nothing is loaded for it";
     // Of a like sound it is known, queue and all.
     const int id = Play(file, 0, 0, 500);
     EXPECT_TRUE(group->CatSound(id, other, nullptr));

@@ -14,7 +14,7 @@ namespace
 using PolylineLife = PolylineTest;
 
 // From the left to the right of a listener at (0, 0, 5): all three sources find a place.
-PolylineModel::Settings LineOfThree()
+LineSettings LineOfThree()
 {
     return StraightLine(-50.0F, 50.0F, 2, 60.0F);
 }
@@ -29,9 +29,10 @@ TEST_F(PolylineLife, TheSourcesAreLimitedByNumberAndAngle)
         float minAngle;
         int numSources;
     };
-    const LimitRow rows[] = {{7, 45.0F, 8}, {7, 180.0F, 8}, {7, 360.0F, 8}, {7, 9.99F, 1}, {7, 10.0F, 8},
-        {7, std::numeric_limits<float>::quiet_NaN(), 1}, {7, -std::numeric_limits<float>::infinity(), 1},
-        {0xFFFFFFFF, 30.0F, 8}};
+    const LimitRow rows[] = {{7, 45.0F, 8}, {7, 46.0F, 7}, {7, -60.0F, 6}, {7, 90.0F, 4}, {2, 90.0F, 3},
+        {7, 100.0F, 3}, {7, 179.0F, 2}, {7, 200.0F, 8}, {7, 180.0F, 8}, {7, 360.0F, 8}, {7, 9.99F, 1},
+        {7, 10.0F, 8}, {7, std::numeric_limits<float>::quiet_NaN(), 1},
+        {7, -std::numeric_limits<float>::infinity(), 1}, {0xFFFFFFFF, 30.0F, 8}};
     for (const LimitRow& row : rows) {
         SCOPED_TRACE(ToText(row.minAngle) + " for " + std::to_string(row.numAddSounds));
         const int id = Make(StraightLine(0.0F, 10.0F, row.numAddSounds, row.minAngle));
@@ -113,6 +114,24 @@ TEST_F(PolylineLife, SettingsGoToAllSources)
     EXPECT_FALSE(Places(id).empty());
     Listen({0.0F, 0.0F, 91.0F});
     EXPECT_TRUE(Places(id).empty());
+}
+
+// They are for sounds without sources.
+TEST_F(PolylineLife, FlagsAndFadeInOfTheStartDoNotReachTheSources)
+{
+    const int id = Make(LineOfThree());
+    group->SetSoundFadeIn(id, 500);
+    EXPECT_TRUE(group->StartSound(id,
+        Sound::StartNowOrCompete | Sound::StartNoEmulation | Sound::StartQueued | Sound::StartChgFrequency |
+            Sound::StartDisableMicFX));
+    EXPECT_EQ(TakeLog({"CreateChannel"}), Lines());
+    Listen(nearby);
+    Lines told = TakeLog({"CreateChannel", "c1 FadeIn"});
+    EXPECT_EQ(
+        told, (Lines{"CreateChannel c1 7 w@0 fx", "CreateChannel c2 7 w@0 fx", "CreateChannel c3 7 w@0 fx"}));
+    Listen({0.0F, 0.0F, 1000.0F});
+    StepTimes(6, 40);
+    EXPECT_EQ(Emulated().size(), 4U);
 }
 
 TEST_F(PolylineLife, AnEndedSourceIsRemoved)

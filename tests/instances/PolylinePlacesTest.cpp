@@ -1,10 +1,12 @@
-// Where the sources of a line stand, against the slow model and in cases computed by hand; also for lines
-// that are no lines and numbers that are no numbers.
+// Where the sources of a line stand: by the rules for any line and listener, and in cases computed by hand;
+// also for lines that are points and numbers that are NaN.
 
 #include "harmonet/instances/FastLength.h"
 #include "tests/instances/PolylineTest.h"
 
+#include <algorithm>
 #include <limits>
+#include <numbers>
 #include <random>
 
 namespace Quon
@@ -47,9 +49,9 @@ private:
     std::mt19937 engine;
 };
 
-PolylineModel::Settings MakeLine(Random& random)
+LineSettings MakeLine(Random& random)
 {
-    PolylineModel::Settings settings;
+    LineSettings settings;
     settings.points.push_back(random.Point(300.0F));
     for (int left = 1 + random.Below(30); left > 0; --left) {
         const int kind = random.Below(8);
@@ -66,42 +68,135 @@ PolylineModel::Settings MakeLine(Random& random)
     return settings;
 }
 
-bool IsNear(const Vector3& a, const Vector3& b)
+float Distance(const Vector3& a, const Vector3& b)
 {
-    const Vector3 way = a - b;
-    return Dot(way, way) < 1e-6F;
+    return std::sqrt(LengthSquared(a - b));
 }
 
-TEST_F(PolylinePlaces, SourcesAgreeWithThePlainModel)
+float ToRadians(float degrees)
+{
+    return degrees * std::numbers::pi_v<float> / 180.0F;
+}
+
+/// The rules for the places of sources, held against points close together on the line. Lengths are exact to
+/// a thousandth only.
+class LineRules
+{
+public:
+    explicit LineRules(const LineSettings& newLine)
+        : line(newLine)
+        , range(line.cutout ? line.maxDistance : std::max(line.maxDistance, 30.0F * line.minDistance))
+    {
+        constexpr std::pair<float, float> reductions[] = {{135, 20}, {90, 15}, {45, 10}, {10, 5}};
+        const float angle = std::fmod(std::fabs(line.minAngle), 180.0F);
+        float reduction = 0.0F;
+        for (const auto& [above, less] : reductions) {
+            reduction = reduction == 0.0F && angle > above ? less : reduction;
+        }
+        minAngle = ToRadians(angle - reduction);
+        for (std::size_t i = 1; i < line.points.size(); ++i) {
+            const Vector3 way = line.points[i] - line.points[i - 1];
+            const int count = static_cast<int>(std::sqrt(LengthSquared(way)) / step) + 1;
+            for (int k = 0; k <= count; ++k) {
+                samples.push_back(
+                    line.points[i - 1] + way * (static_cast<float>(k) / static_cast<float>(count)));
+            }
+        }
+    }
+
+    void Check(const Vector3& listener, int numSources, const std::vector<Vector3>& places) const
+    {
+        const float nearest = DistanceTo(listener);
+        if (nearest > 1.003F * range) {
+            // A single source whose line is far away may stay where it was.
+            EXPECT_TRUE(places.empty() || numSources == 1);
+            return;
+        }
+        if (nearest > 0.995F * range) {
+            return;
+        }
+        ASSERT_GE(places.size(), 1U);
+        ASSERT_LE(static_cast<int>(places.size()), numSources);
+        float last = nearest * 0.99F - step;
+        for (const Vector3& place : places) {
+            EXPECT_LT(DistanceTo(place), step) << "on the line";
+            const float distance = Distance(place, listener);
+            EXPECT_LE(distance, 1.003F * range);
+            EXPECT_GE(distance, 0.997F * last) << "nearest first";
+            last = distance;
+            for (const Vector3* other = places.data(); other != &place; ++other) {
+                EXPECT_LE(Cosine(listener, place, *other), std::cos(minAngle) + 0.006F);
+            }
+        }
+        EXPECT_LE(Distance(places[0], listener), 1.003F * nearest + step);
+        if (static_cast<int>(places.size()) < numSources && nearest > step) {
+            ExpectNoRoom(listener, places);
+        }
+    }
+
+private:
+    static constexpr float step = 0.5F;
+
+    float DistanceTo(const Vector3& place) const
+    {
+        float nearest = huge;
+        for (const Vector3& sample : samples) {
+            nearest = std::min(nearest, LengthSquared(sample - place));
+        }
+        return std::sqrt(nearest);
+    }
+
+    static float Cosine(const Vector3& listener, const Vector3& a, const Vector3& b)
+    {
+        return Dot(a - listener, b - listener) / (Distance(a, listener) * Distance(b, listener));
+    }
+
+    /// No point of the line is in a direction of its own by more than the distance of two candidates.
+    void ExpectNoRoom(const Vector3& listener, const std::vector<Vector3>& places) const
+    {
+        const float spacing = std::max(line.minDistance * 0.5F, line.maxDistance * 0.01F);
+        for (const Vector3& sample : samples) {
+            const float distance = Distance(sample, listener);
+            const float angle = minAngle + std::max(0.2F, spacing / distance) + ToRadians(5.0F);
+            const auto isApart = [&](const Vector3& place) {
+                return Cosine(listener, sample, place) < std::cos(angle);
+            };
+            ASSERT_FALSE(distance < 0.99F * line.maxDistance && angle < std::numbers::pi_v<float> &&
+                std::ranges::all_of(places, isApart))
+                << ToText(sample);
+        }
+    }
+
+    const LineSettings line;
+    const float range;
+    float minAngle;
+    std::vector<Vector3> samples;
+};
+
+TEST_F(PolylinePlaces, SourcesKeepToTheRulesOnAnyLine)
 {
     int placedInAll = 0;
-    for (unsigned int seed = 1; seed <= 120; ++seed) {
+    for (unsigned int seed = 1; seed <= 60; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
-        const PolylineModel::Settings settings = MakeLine(random);
-        PolylineModel model(settings);
+        const LineSettings settings = MakeLine(random);
+        const LineRules rules(settings);
         const int id = PlayLine(settings);
-        ASSERT_EQ(GetLine(id).GetNumSounds(), model.GetNumSources());
         Vector3 listener = random.Point(400.0F);
-        for (int move = 0; move < 25; ++move) {
-            SCOPED_TRACE("move " + std::to_string(move));
+        for (int move = 0; move < 25 && !HasFailure(); ++move) {
+            SCOPED_TRACE("move " + std::to_string(move) + " to " + ToText(listener));
             const int kind = random.Below(8);
             listener = kind < 2 ? random.Point(600.0F) : listener + random.Point(20.0F);
             if (kind == 7) {
                 listener = settings.points.back(); // On the line one source is heard.
             }
-            const std::vector<Vector3>& expected = model.Move(listener);
             Listen(listener);
-            const std::vector<Vector3> places = Places(id);
-            ASSERT_EQ(places.size(), expected.size());
-            for (std::size_t i = 0; i < places.size(); ++i) {
-                ASSERT_PRED2(IsNear, places[i], expected[i]) << "source " << i;
-            }
-            placedInAll += static_cast<int>(places.size());
+            rules.Check(listener, GetLine(id).GetNumSounds(), Places(id));
+            placedInAll += static_cast<int>(Places(id).size());
         }
         group->StopSound(id);
     }
-    EXPECT_GT(placedInAll, 2000);
+    EXPECT_GT(placedInAll, 1000);
 }
 
 TEST_F(PolylinePlaces, PositionsAreSentOnlyWhenTheyChange)
@@ -144,7 +239,7 @@ TEST_F(PolylinePlaces, ALineIsHeardOnlyWithinItsReach)
     };
     for (const ReachRow& row : rows) {
         SCOPED_TRACE(row.name);
-        PolylineModel::Settings settings = StraightLine(-10.0F, 10.0F, row.numAddSounds, 90.0F);
+        LineSettings settings = StraightLine(-10.0F, 10.0F, row.numAddSounds, 90.0F);
         settings.cutout = row.cutout;
         const int id = PlayLine(settings);
         Listen({0.0F, 0.0F, row.distance});
@@ -166,7 +261,7 @@ TEST_F(PolylinePlaces, ALineOfLengthZeroIsAPointAndNonFiniteOnesAreSilent)
     for (const std::vector<Vector3>& points : lines) {
         for (const unsigned int numAddSounds : {0U, 3U}) {
             SCOPED_TRACE("line " + std::to_string(&points - lines) + ", " + std::to_string(numAddSounds));
-            PolylineModel::Settings settings;
+            LineSettings settings;
             settings.points = points;
             settings.numAddSounds = numAddSounds;
             settings.maxDistance = numAddSounds == 0 ? infinity : 100.0F;
@@ -190,7 +285,7 @@ TEST_F(PolylinePlaces, AnyDistancesKeepSourcesOnTheLine)
     for (const float minDistance : distances) {
         for (const float maxDistance : distances) {
             SCOPED_TRACE(ToText(minDistance) + " to " + ToText(maxDistance));
-            PolylineModel::Settings settings = StraightLine(-10.0F, 10.0F, 3, 60.0F);
+            LineSettings settings = StraightLine(-10.0F, 10.0F, 3, 60.0F);
             settings.minDistance = minDistance;
             settings.maxDistance = maxDistance;
             settings.cutout = std::signbit(minDistance) || maxDistance > 1.0F;
@@ -209,7 +304,7 @@ TEST_F(PolylinePlaces, AnyDistancesKeepSourcesOnTheLine)
 // A tangle of pieces all around the listener gives far more candidates than fit on the stack.
 TEST_F(PolylinePlaces, ThousandsOfCandidatesUseTheHeap)
 {
-    PolylineModel::Settings settings;
+    LineSettings settings;
     settings.numAddSounds = 7;
     settings.minDistance = 1.0F;
     for (int i = 0; i < 2000; ++i) {
@@ -223,7 +318,7 @@ TEST_F(PolylinePlaces, ThousandsOfCandidatesUseTheHeap)
     const Vector3 listener{0.0F, 21.0F, 0.0F};
     Listen(listener);
     EXPECT_EQ(Alloc::LiveBlocks(), blocksBefore);
-    EXPECT_EQ(Places(id).size(), PolylineModel(settings).Move(listener).size());
+    LineRules(settings).Check(listener, 8, Places(id));
 }
 
 TEST(FastLength, IsExactToAThousandth)

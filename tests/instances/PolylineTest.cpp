@@ -8,7 +8,7 @@ PolylineTest::PolylineTest()
 {
 }
 
-int PolylineTest::Make(const PolylineModel::Settings& settings)
+int PolylineTest::Make(const LineSettings& settings)
 {
     const int id =
         group->New3DSound(settings.points.data(), static_cast<unsigned int>(settings.points.size()), file,
@@ -18,7 +18,7 @@ int PolylineTest::Make(const PolylineModel::Settings& settings)
     return id;
 }
 
-int PolylineTest::PlayLine(const PolylineModel::Settings& settings, int flags)
+int PolylineTest::PlayLine(const LineSettings& settings, int flags)
 {
     const int id = Make(settings);
     EXPECT_TRUE(group->StartSound(id, flags));
@@ -57,9 +57,9 @@ Ids PolylineTest::SourceIds(int id) const
     return ids;
 }
 
-PolylineModel::Settings StraightLine(float fromX, float toX, unsigned int numAddSounds, float minAngle)
+LineSettings StraightLine(float fromX, float toX, unsigned int numAddSounds, float minAngle)
 {
-    PolylineModel::Settings settings;
+    LineSettings settings;
     settings.points = {{fromX, 0.0F, 0.0F}, {toX, 0.0F, 0.0F}};
     settings.numAddSounds = numAddSounds;
     settings.minAngle = minAngle;

@@ -1,11 +1,20 @@
 #pragma once
 
 #include "harmonet/instances/SndPolyline.h"
-#include "tests/instances/PolylineModel.h"
 #include "tests/support/SoundTest.h"
 
 namespace Quon
 {
+
+struct LineSettings
+{
+    std::vector<Vector3> points;
+    unsigned int numAddSounds = 0;
+    float minAngle = 45.0F;
+    float minDistance = 10.0F;
+    float maxDistance = 100.0F;
+    bool cutout = true;
+};
 
 /// Sounds along lines, in the file "w", a second of sound.
 class PolylineTest : public SoundTest
@@ -14,9 +23,9 @@ protected:
     PolylineTest();
 
     /// Makes a line with the distances of the settings, not started.
-    int Make(const PolylineModel::Settings& settings);
+    int Make(const LineSettings& settings);
     /// Makes and starts it.
-    int PlayLine(const PolylineModel::Settings& settings, int flags = 0);
+    int PlayLine(const LineSettings& settings, int flags = 0);
     /// An update with the listener at that place; counts as a move also if it is where it was.
     void Listen(const Vector3& place);
     std::vector<Vector3> Places(int id) const;
@@ -29,7 +38,6 @@ protected:
 };
 
 /// A straight line along the X axis.
-PolylineModel::Settings StraightLine(
-    float fromX, float toX, unsigned int numAddSounds = 0, float minAngle = 45.0F);
+LineSettings StraightLine(float fromX, float toX, unsigned int numAddSounds = 0, float minAngle = 45.0F);
 
 } // namespace Quon

@@ -1,9 +1,6 @@
 // Where in its data a sound is heard: rendered through the output driver, against the data themselves.
 
-#include "harmonet/instances/Music.h"
-#include "harmonet/instances/Sound.h"
-#include "tests/drivers/OfflineRig.h"
-#include "tests/support/HostTest.h"
+#include "tests/instances/HeardTest.h"
 
 #include <fstream>
 #include <iterator>
@@ -51,7 +48,7 @@ constexpr Way ways[] = {{"an offset", 300, false}, {"a loop", 0}, {"a loop from 
     {"an offset in a region", 400, true, 3000, 20000}, {"a short region", 0, true, 10000, 10500},
     {"a region from the start", 0, true, 0, 4000}};
 
-class PositionHeard : public HostTest
+class PositionHeard : public HeardTest
 {
 protected:
     PositionHeard()
@@ -67,23 +64,15 @@ protected:
 
     /// What is heard of a scene; `act` is called before each step.
     template<class Act>
-    Rendering Render(const char* outputHz, Act act)
+    Rendering RenderSteps(const char* outputHz, Act act)
     {
-        const std::string path = (GetTestFolder() / "position.wav").string();
-        SetOption("Sound", "HarmonetOpenAL");
-        SetOption("OpenALRender", path.c_str());
         SetOption("SoundFrequency", outputHz);
-        EXPECT_TRUE(Start());
-        {
-            Sound group;
-            Music music;
+        return Render([&](Scene& scene) {
             for (int step = 0; step < sceneSteps; ++step) {
-                act(step, group, music);
+                act(step, scene.group, scene.music);
                 Step(stepMs);
             }
-        }
-        system.Done();
-        return ReadRendering(path);
+        });
     }
 
     /// From step `first` to step `last` the way is heard from `place` on; 0 beyond the end of the file.
@@ -109,7 +98,7 @@ TEST_F(PositionHeard, ASoundBeginsAtItsOffsetAndGoesRoundItsRegionWithoutASeam)
     constexpr int back = 29;
     for (const Way& way : ways) {
         SCOPED_TRACE(way.what);
-        const Rendering heard = Render("22050", [&](int step, Sound& group, Music&) {
+        const Rendering heard = RenderSteps("22050", [&](int step, Sound& group, Music&) {
             if (step == 0) {
                 const int id = group.New2DSound("noise", nullptr);
                 group.SetSoundStartOffset(id, way.offsetMs);
@@ -150,7 +139,7 @@ TEST_F(PositionHeard, MusicGoesOnAtThePositionThatItIsSetTo)
             const bool isAfter = way.isLoop && way.loopEnd > 0 && place >= way.loopEnd;
             return isAfter ? way.loopStart + (place - way.loopEnd) % (way.loopEnd - way.loopStart) : place;
         };
-        const Rendering heard = Render("22050", [&](int step, Sound&, Music& music) {
+        const Rendering heard = RenderSteps("22050", [&](int step, Sound&, Music& music) {
             if (step == 0) {
                 EXPECT_FALSE(music.SetPosition(0));
                 EXPECT_TRUE(music.Play("noise", nullptr, settings));
@@ -205,7 +194,7 @@ TEST_F(PositionHeard, AnMpegStreamIsRightToTheSampleFrameToo)
     std::vector<Rendering> heard;
     for (const bool isMusic : {false, true}) {
         for (const bool isMoved : {false, true}) {
-            heard.push_back(Render("44100", [&](int step, Sound& group, Music& music) {
+            heard.push_back(RenderSteps("44100", [&](int step, Sound& group, Music& music) {
                 Music::Settings settings = {.loop = isMoved, .positionMs = isMoved ? offsetMs : 0};
                 settings.loopStart = region.loopStart;
                 settings.loopEnd = region.loopEnd;

@@ -1,6 +1,7 @@
 // How a sound runs along its files: the samples it skips at its start, its steps without a channel, and the
 // times it tells.
 
+#include "harmonet/engine/Task.h"
 #include "harmonet/engine/TaskList.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
@@ -178,7 +179,6 @@ TEST_F(RunningTest, TheStartOffsetCountsAlongTheQueueAndBeyondItsEndTheSoundEnds
     }
 }
 
-// The samples of a step are counted in 32 bits, as on every other machine.
 // From the full update before, also across time that the task list holds back, with the delay of the sound.
 TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
 {
@@ -215,6 +215,34 @@ TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
     EXPECT_EQ(told(id), std::nullopt) << "it comes back";
 }
 
+/// Writes its name into the log.
+class MarkTask : public Task
+{
+public:
+    MarkTask(Recording& newRecording, const char* name, float place)
+        : Task(name, place, true)
+        , recording(newRecording)
+    {
+    }
+    UpdateCode Update(float) override
+    {
+        recording.lines.push_back(GetName().GetText());
+        return UpdateContinue;
+    }
+
+private:
+    Recording& recording;
+};
+
+TEST_F(RunningTest, TheUpdateRunsAtItsPlaceAmongTheTasks)
+{
+    const MarkTask after(recording, "after", 7.1F);
+    const MarkTask before(recording, "before", 6.9F);
+    Step(40);
+    EXPECT_EQ(TakeLog({"before", "BeginUpdate", "after"}), (Lines{"before", "BeginUpdate 40", "after"}));
+}
+
+// The samples of a step are counted in 32 bits, as on every other machine.
 TEST_F(RunningTest, ALongStepWrapsAsIn32Bits)
 {
     const int id = NewQueue({3000});

@@ -1,10 +1,12 @@
 // What a sound takes over from a definition, and the effects that it can be given.
 
+#include "harmonet/engine/Particle.h"
 #include "harmonet/instances/SndBase.h"
 #include "tests/instances/WithResources.h"
 #include "tests/support/SoundTest.h"
 
 #include <cstring>
+#include <functional>
 
 namespace Quon
 {
@@ -20,8 +22,21 @@ protected:
             "*SOUND_DEFINITION\n{\n*FILE a.wav\n*GAIN 0.5\n*LOOPING true\n*DELAY 300\n*FREQUENCY 2000\n"
             "*DISABLE_ENV_FX true\n*MIN_DISTANCE 3\n*MAX_DISTANCE 40\n*INNER_CONE_ANGLE 60\n"
             "*OUTER_CONE_ANGLE 120\n*CONE_GAIN 0.25\n*POSITION 1 2 3\n}\n");
+        folder.Write("fx.sound", "*SOUND_DEFINITION {\n*FILE a.wav\n*FX_ECHO\n*FX_GARGLE\n}\n");
         folder.Write("more.sound", "*SOUND_DEFINITION { *FILE b.wav }");
         folder.Write("bad.sound", "*SOUND_DEFINITION { *GAIN 1 }");
+    }
+
+    /// What the channel of a sound was told since the last call, from its creation on, with "c" as its name.
+    Lines TakeChannelCalls(int id)
+    {
+        const std::string name = 'c' + std::to_string(ChannelOf(id)) + ' ';
+        Lines calls;
+        for (std::string line : TakeLog({"CreateChannel ", name.c_str()})) {
+            const std::size_t at = line.find(name);
+            calls.push_back(at == 0 ? line.substr(name.size()) : line.replace(at, name.size(), "c "));
+        }
+        return calls;
     }
 
     template<class Record>
@@ -59,29 +74,64 @@ protected:
     const PString other = WriteWave("b.wav", {900});
 };
 
-TEST_F(SoundResources, ADefinitionAppliesItsSettingsIn2DAnd3D)
+TEST_F(SoundResources, EveryWayToStartGivesTheDriverTheSettings)
 {
-    const int flat = group->New2DSound("horn.sound", &database);
-    const int placed =
-        group->Play3DSound(Vector3{4, 5, 6}, Quaternion{0, 1, 0, 0}, "horn.sound", &database, 0, 7, {}, 50);
-    for (const int id : {flat, placed}) {
-        SCOPED_TRACE(id == flat ? "flat" : "placed");
-        ASSERT_NE(Find(id), nullptr);
-        EXPECT_EQ(Find(id)->GetFileName(), file);
-        EXPECT_EQ(Find(id)->GetSubstName(), PString("sounds"));
-        EXPECT_EQ(group->GetSoundGain(id), 0.5F);
-        EXPECT_TRUE(Find(id)->IsLooping());
-        EXPECT_EQ(Find(id)->GetSndFlags() & FlagChgFrequency, FlagChgFrequency);
-        EXPECT_EQ(Find(id)->GetNewFrequency(), 2000U);
-        EXPECT_EQ(Find(id)->GetDelay(), id == flat ? 300 : 50);
+    Sound::Settings own;
+    own.minDistance = 2.0F;
+    own.maxDistance = 20.0F;
+    own.innerConeAngle = 30.0F;
+    own.outerConeAngle = 90.0F;
+    own.coneGain = 0.5F;
+    Sound::Settings both = own;
+    both.setDistance = both.setCone = true;
+    const Vector3 place{4.0F, 5.0F, 6.0F};
+    const Quaternion turned{0.0F, 1.0F, 0.0F, 0.0F}; // Half a turn about Y.
+    Particle node;
+    node.SetPosition({7.0F, 8.0F, 9.0F});
+    constexpr int now = Sound::StartImmediately;
+    const auto prepare = [this](int id) { return group->StartSound(id, now) ? id : 0; };
+    struct Row
+    {
+        const char* what;
+        std::function<int()> start;
+        Lines told;
+    };
+    const Row rows[] = {
+        {"a definition in 2D", [&] { return group->Play2DSound("horn.sound", &database, now, 0, 0); },
+            {"CreateChannel c 18 a.wav@0 fx", "SetGain 0.5", "SetFrequency 2000", "Play"}},
+        {"a definition in 3D", [&] { return prepare(group->New3DSound("horn.sound", &database)); },
+            {"CreateChannel c 55 a.wav@0 fx", "SetGain 0.5", "SetCone 60 120 0.25",
+                "SetMinMaxDistance 3 40 1", "SetPosition 1 2 3", "SetDirection 0 0 -1", "SetFrequency 2000",
+                "Play"}},
+        {"at another place, turned",
+            [&] { return group->Play3DSound(place, turned, "horn.sound", &database, now, 0, own, 0); },
+            {"CreateChannel c 55 a.wav@0 fx", "SetGain 0.5", "SetCone 60 120 0.25",
+                "SetMinMaxDistance 3 40 1", "SetPosition 4 5 6", "SetDirection 0 0 1", "SetFrequency 2000",
+                "Play"}},
+        {"with other settings",
+            [&] { return group->Play3DSound(place, "horn.sound", &database, now, 0, both, 0); },
+            {"CreateChannel c 51 a.wav@0 fx", "SetGain 0.5", "SetCone 30 90 0.5", "SetMinMaxDistance 2 20 0",
+                "SetPosition 4 5 6", "SetDirection 0 0 -1", "SetFrequency 2000", "Play"}},
+        {"on a node with other settings",
+            [&] { return group->Play3DSound(&node, PString(), "horn.sound", &database, now, 0, both, 0); },
+            {"CreateChannel c 51 a.wav@0 fx", "SetGain 0.5", "SetCone 30 90 0.5", "SetMinMaxDistance 2 20 0",
+                "SetPosition 8 10 12", "SetDirection 0 0 -1", "SetFrequency 2000", "Play"}},
+        {"a file on a node",
+            [&] { return group->Play3DSound(&node, PString(), file, nullptr, now, 0, own, 0); },
+            {"CreateChannel c 1 a.wav@0 fx", "SetCone 0 0 0", "SetMinMaxDistance 0 0 0", "SetPosition 7 8 9",
+                "SetDirection 0 0 -1", "Play"}},
+        {"effects through the mask", [&] { return group->Play2DSound("fx.sound", &database, now, 0, 0); },
+            {"CreateChannel c 0 a.wav@0 fx 3", "Play"}},
+    };
+    system.DisableResourceFX(1U << SndFXGargle);
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.what);
+        TakeLog();
+        const int id = row.start();
+        ASSERT_NE(id, 0);
+        EXPECT_EQ(TakeChannelCalls(id), row.told);
+        group->StopSound(id);
     }
-    StepTimes(2, 50);
-    EXPECT_EQ(Find(placed)->GetSndFlags() & FlagDisableMicFX, FlagDisableMicFX);
-    // The place is the caller's and looks the other way by half a turn.
-    EXPECT_EQ(TakeLog({"c1 Set"}),
-        (Lines{"c1 SetGain 0.5", "c1 SetCone 60 120 0.25", "c1 SetMinMaxDistance 3 40 1",
-            "c1 SetPosition 4 5 6", "c1 SetDirection 0 0 1", "c1 SetFrequency 2000", "c1 SetPosition 4 5 6",
-            "c1 SetDirection 0 0 1"}));
 }
 
 TEST_F(SoundResources, DefinitionsAreAppendedAndMeasuredByTheirFiles)
@@ -90,6 +140,14 @@ TEST_F(SoundResources, DefinitionsAreAppendedAndMeasuredByTheirFiles)
     EXPECT_TRUE(group->CatSound(id, "more.sound", &database));
     EXPECT_EQ(group->GetSoundLength(id), 2900U);
     EXPECT_EQ(Sound::CalcSoundLength("more.sound", &database), 900U);
+    // Of a folder that only resources find.
+    const TempFolder pak;
+    pak.Write("far.sound", "*SOUND_DEFINITION { *FILE far.wav }");
+    pak.Write("far.wav", BuildWave({100}));
+    EXPECT_TRUE(database.AddFolder("pak", pak.GetPath().string().c_str()));
+    EXPECT_TRUE(group->CatSound(id, "far.sound", &database));
+    EXPECT_EQ(group->GetSoundLength(id), 3000U);
+    EXPECT_EQ(Sound::CalcSoundLength("far.sound", &database), 100U);
     for (const char* name : {"missing.sound", "bad.sound"}) {
         SCOPED_TRACE(name);
         EXPECT_FALSE(group->CatSound(id, name, &database));
@@ -97,7 +155,7 @@ TEST_F(SoundResources, DefinitionsAreAppendedAndMeasuredByTheirFiles)
         EXPECT_EQ(group->New3DSound(name, &database), 0);
         EXPECT_EQ(Sound::CalcSoundLength(name, &database), 0U);
     }
-    EXPECT_EQ(group->GetQueueLength(id), 1);
+    EXPECT_EQ(group->GetQueueLength(id), 2);
 }
 
 TEST_F(SoundResources, EachEffectIsStoredUnderItsOwnName)
