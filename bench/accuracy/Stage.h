@@ -62,15 +62,4 @@ private:
     std::unique_ptr<Quon::SndDriver> driver;
 };
 
-// Measures. Sample frames [begin, end) of one side.
-
-/// The amplitude of a tone, by a window that leaves others out by more than 100 dB.
-double GetAmplitude(const std::vector<double>& heard, double hz, int rateHz);
-/// What is beside a tone, in dB of the tone.
-double GetDistortion(const std::vector<double>& heard, double hz, int rateHz);
-double GetLevel(const std::vector<double>& heard, std::size_t begin, std::size_t end);
-/// The sample frame of the highest peak, to a part of a sample frame by a parabola.
-double FindPeak(const std::vector<double>& heard, std::size_t begin, std::size_t end);
-double ToDecibels(double factor);
-
 } // namespace Accuracy

@@ -25,6 +25,21 @@ SoundFilePointer OpenSoundFile(const std::filesystem::path& path, int mode, SF_I
     return file;
 }
 
+Stereo ReadSides(const std::filesystem::path& path)
+{
+    SF_INFO info{};
+    const SoundFilePointer file = OpenSoundFile(path, SFM_READ, info);
+    const auto width = static_cast<std::size_t>(info.channels);
+    std::vector<float> all(static_cast<std::size_t>(info.frames) * width);
+    const sf_count_t frames = sf_readf_float(file.get(), all.data(), info.frames);
+    Stereo sides;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(frames); ++i) {
+        sides.left.push_back(all[width * i]);
+        sides.right.push_back(all[width * i + width - 1]);
+    }
+    return sides;
+}
+
 int GetFormat(Coding coding)
 {
     switch (coding) {
@@ -56,10 +71,10 @@ SoundFolder::~SoundFolder()
     std::filesystem::remove_all(folder, ignored);
 }
 
-void SoundFolder::Write(const std::string& name, const Samples& samples, Coding coding) const
+void SoundFolder::Write(const std::string& name, const Samples& samples, Coding coding, int fileHz) const
 {
     SF_INFO info{};
-    info.samplerate = rateHz;
+    info.samplerate = fileHz;
     info.channels = 1;
     info.format = GetFormat(coding);
     const SoundFilePointer file = OpenSoundFile(folder / name, SFM_WRITE, info);
@@ -69,21 +84,17 @@ void SoundFolder::Write(const std::string& name, const Samples& samples, Coding 
     }
 }
 
-Stereo SoundFolder::ReadOutput() const
+Samples SoundFolder::Read(const std::string& name) const
 {
-    SF_INFO info{};
-    const SoundFilePointer file = OpenSoundFile(GetOutput(), SFM_READ, info);
-    std::vector<float> both(static_cast<std::size_t>(info.frames) * 2);
-    const sf_count_t frames = sf_readf_float(file.get(), both.data(), info.frames);
-    Stereo output;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(frames); ++i) {
-        output.left.push_back(both[2 * i]);
-        output.right.push_back(both[2 * i + 1]);
-    }
-    return output;
+    return ReadSides(folder / name).left;
 }
 
-RenderHost::RenderHost(const SoundFolder& folder, int channels)
+Stereo SoundFolder::ReadOutput() const
+{
+    return ReadSides(GetOutput());
+}
+
+RenderHost::RenderHost(const SoundFolder& folder, int channels, const OptionValues& others)
 {
     Quon::Options& options = *os.GetOptions();
     options.Set("Sound", "HarmonetOpenAL");
@@ -91,6 +102,9 @@ RenderHost::RenderHost(const SoundFolder& folder, int channels)
     options.Set("MaxSounds", std::to_string(channels).c_str());
     options.Set("SoundFrequency", std::to_string(rateHz).c_str());
     options.Set("SoundCacheSize", "64000000");
+    for (const auto& [name, value] : others) {
+        options.Set(name, value);
+    }
     if (!system.Init(&os, false)) {
         throw std::runtime_error("the sound system does not start");
     }

@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Bench
@@ -42,7 +43,9 @@ public:
     ~SoundFolder();
 
     /// Throws std::runtime_error when it cannot be written.
-    void Write(const std::string& name, const Samples& samples, Coding coding) const;
+    void Write(const std::string& name, const Samples& samples, Coding coding, int fileHz = rateHz) const;
+    /// The left or only side of a file, as libsndfile decodes it.
+    Samples Read(const std::string& name) const;
     std::filesystem::path GetOutput() const { return folder / "output.wav"; }
     /// Throws std::runtime_error when there is none.
     Stereo ReadOutput() const;
@@ -57,7 +60,10 @@ private:
 class RenderHost
 {
 public:
-    RenderHost(const SoundFolder& folder, int channels);
+    using OptionValues = std::vector<std::pair<const char*, const char*>>;
+
+    /// `others` are set after the host's own; a null value removes an option.
+    RenderHost(const SoundFolder& folder, int channels, const OptionValues& others = {});
     RenderHost(const RenderHost&) = delete;
     RenderHost& operator=(const RenderHost&) = delete;
 

@@ -8,7 +8,7 @@ namespace Quon
 namespace
 {
 // For a device that does not report when it mixes.
-constexpr std::int64_t presumedSettleTime = nanosecondsPerSecond / 10;
+constexpr std::int64_t presumedPeriod = nanosecondsPerSecond / 20;
 } // namespace
 
 AlSession::AlSession(ALCdevice* openedDevice, const AlExtensions& globalExtensions)
@@ -63,7 +63,7 @@ bool AlSession::PrepareContext()
     extensions.setThreadContext(previous);
     hrtfOn = AskHrtf();
     alcGetIntegerv(device, ALC_FREQUENCY, 1, &rateHz);
-    settleTime = AskSettleTime();
+    period = AskPeriod();
     return isComplete;
 }
 
@@ -77,13 +77,12 @@ std::int64_t AlSession::GetMixClock() const
     return clock;
 }
 
-// Two periods: a change can come just after the device has started to mix one.
-std::int64_t AlSession::AskSettleTime() const
+std::int64_t AlSession::AskPeriod() const
 {
     ALCint periodsPerSecond = 0;
     alcGetIntegerv(device, ALC_REFRESH, 1, &periodsPerSecond);
-    return extensions.getInteger64v && periodsPerSecond > 0 ? 2 * nanosecondsPerSecond / periodsPerSecond
-                                                            : presumedSettleTime;
+    return extensions.getInteger64v && periodsPerSecond > 0 ? nanosecondsPerSecond / periodsPerSecond
+                                                            : presumedPeriod;
 }
 
 bool AlSession::AskHrtf() const

@@ -44,20 +44,23 @@ public:
     std::int64_t GetMixClock() const;
     /// Whether that is the device's clock; otherwise it is the machine's.
     bool HasMixClock() const { return extensions.getInteger64v != nullptr; }
-    std::int64_t GetSettleTime() const { return settleTime; }
+    /// Two periods: a change can come just after the device has started to mix one.
+    std::int64_t GetSettleTime() const { return 2 * period; }
+    /// How much the device mixes at once, in nanoseconds.
+    std::int64_t GetPeriod() const { return period; }
 
 private:
     bool TryContext(std::span<const ALCint> attributes, Hrtf hrtf);
     bool PrepareContext();
     bool AskHrtf() const;
-    std::int64_t AskSettleTime() const;
+    std::int64_t AskPeriod() const;
 
     AlExtensions extensions;
     ALCdevice* device;
     ALCcontext* context = nullptr;
     bool hrtfOn = false;
     int rateHz = 0;
-    std::int64_t settleTime = 0;
+    std::int64_t period = 0;
 };
 
 } // namespace Quon

@@ -2,6 +2,7 @@
 
 #include "drivers/openal/Acoustics.h"
 #include "drivers/openal/OutputDevice.h"
+#include "drivers/openal/SteadyTime.h"
 #include "drivers/openal/VoicePool.h"
 
 #include <algorithm>
@@ -94,11 +95,20 @@ void Feeder::FinishFades()
     }
 }
 
-// Returns false when the thread is to end.
+// Returns false when the thread is to end. Observes the device's clock meanwhile.
 bool Feeder::WaitForRound()
 {
+    using std::chrono::nanoseconds;
+    const std::int64_t end = GetSteadyNanoseconds() + nanoseconds(roundTime).count();
     std::unique_lock lock(mutex);
-    wake.wait_for(lock, roundTime, [this] { return isWoken || isEnding; });
+    for (std::int64_t now = GetSteadyNanoseconds(); !isWoken && !isEnding && now < end;
+         now = GetSteadyNanoseconds()) {
+        const std::int64_t next = std::min(device.GetNextObservation(), end);
+        wake.wait_for(lock, nanoseconds(next - now), [this] { return isWoken || isEnding; });
+        if (next < end) {
+            device.ObserveMixClock();
+        }
+    }
     isWoken = false;
     return !isEnding;
 }

@@ -12,33 +12,61 @@ namespace Quon
 /// much.
 ///
 /// The two clocks run in parallel, and the device's lag is smallest just after it has mixed: the largest
-/// difference observed is the true one. It is discarded after some seconds, since the clocks drift. A plain
-/// value; nanoseconds.
+/// difference observed is the true one. Some devices mix at the right moment only once in some seconds. Since
+/// the clocks drift, an observation loses a ten-thousandth of its age, and is discarded after 5 to 10 s. A
+/// plain value; nanoseconds.
 class MixTimeline
 {
 public:
     /// Records that the device's clock was at `mixed` at the time `now`.
     void Observe(std::int64_t now, std::int64_t mixed)
     {
+        if (first == unset) {
+            first = now;
+        }
         if (now - begun > windowLength) {
             before = present;
-            present = std::numeric_limits<std::int64_t>::min();
+            present = unset;
             begun = now;
         }
-        present = std::max(present, mixed - now);
+        present = std::max(present, mixed - now + now / driftDivisor);
+        last = mixed;
+    }
+
+    /// When to observe next besides the regular observations, for a device that mixes `period` nanoseconds at
+    /// once: often at first, then once per period, just before the device is expected to mix, if it has not
+    /// yet mixed then. Needs a first Observe().
+    std::int64_t GetNextObservation(std::int64_t now, std::int64_t period) const
+    {
+        if (now - first < learningTime) {
+            return now + learningInterval;
+        }
+        const std::int64_t next = now + (last + period - ToMixed(now)) - margin;
+        return next > now ? next : now + period;
     }
 
     /// The device's clock at a time of the machine. Needs a first Observe().
-    std::int64_t ToMixed(std::int64_t time) const { return time + std::max(before, present); }
+    std::int64_t ToMixed(std::int64_t time) const
+    {
+        return time + std::max(before, present) - time / driftDivisor;
+    }
 
     void Reset() { *this = MixTimeline(); }
 
 private:
-    static constexpr std::int64_t windowLength = 2000000000;
+    static constexpr std::int64_t windowLength = 5000000000;
+    static constexpr std::int64_t driftDivisor = 10000;
 
+    static constexpr std::int64_t learningTime = 2000000000;
+    static constexpr std::int64_t learningInterval = 1000000;
+    static constexpr std::int64_t margin = 300000;
+    static constexpr std::int64_t unset = std::numeric_limits<std::int64_t>::min();
+
+    std::int64_t first = unset; ///< Time of the first observation.
+    std::int64_t last = 0; ///< The last one of the device's clock.
     std::int64_t begun = std::numeric_limits<std::int64_t>::min() / 2;
-    std::int64_t before = std::numeric_limits<std::int64_t>::min();
-    std::int64_t present = std::numeric_limits<std::int64_t>::min();
+    std::int64_t before = unset;
+    std::int64_t present = unset;
 };
 
 } // namespace Quon

@@ -76,7 +76,7 @@ void OpenALChannel::Play()
 {
     if (state == State::Ready) {
         if (!start.isKept) {
-            start.time = GetSteadyNanoseconds();
+            start.time = services.startTimes.GetMachineTime(GetSteadyNanoseconds());
         }
         {
             // The sound may have moved to its start position after the channel was created.

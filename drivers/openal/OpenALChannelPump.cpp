@@ -229,7 +229,7 @@ double OpenALChannel::GetStreamDue() const
     do {
         mixed = device.GetMixClock();
         heard = voice->GetFramesHeard();
-        lag = device.GetMixLag(GetSteadyNanoseconds());
+        lag = device.GetMixLag(services.startTimes.GetMachineTime(GetSteadyNanoseconds()));
     } while (device.GetMixClock() != mixed && device.HasMixClock());
     return heardMap.At(heard + CountSampleFrames(lag / nanosecondsPerMicrosecond, GetSpeedHz()));
 }

@@ -1,5 +1,6 @@
 #include "drivers/openal/OpenALDriver.h"
 
+#include "drivers/openal/SteadyTime.h"
 #include "harmonet/definitions/SndFXList.h"
 #include "harmonet/engine/Messages.h"
 #include "harmonet/files/SndFile.h"
@@ -114,7 +115,7 @@ void OpenALDriver::BeginUpdate(unsigned long elapsedMs)
 {
     const auto ms = static_cast<std::uint32_t>(
         std::min<unsigned long>(elapsedMs, std::numeric_limits<std::uint32_t>::max()));
-    startTimes.BeginUpdate(ms);
+    startTimes.BeginUpdate(ms, GetSteadyNanoseconds());
     if (renderer) {
         // Here this is the pumping thread, which acquires the locks of channels.
         const FeederScope scope(device);

@@ -108,6 +108,16 @@ std::int64_t OutputDevice::GetMixLag(std::int64_t time) const
     return timeline.ToMixed(time) - mixed;
 }
 
+std::int64_t OutputDevice::GetNextObservation() const
+{
+    const std::int64_t now = GetSteadyNanoseconds();
+    if (!session || !session->HasMixClock()) {
+        return now + nanosecondsPerSecond;
+    }
+    const std::scoped_lock lock(timelineMutex);
+    return timeline.GetNextObservation(now, session->GetPeriod());
+}
+
 bool OutputDevice::IsConnected() const
 {
     return source.IsConnected(session->GetDevice());

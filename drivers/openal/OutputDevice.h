@@ -77,8 +77,10 @@ public:
     /// The lag of the device's clock against continuous mixing, in nanoseconds, at a time of the machine,
     /// which can be in the future. 0 for a loopback device and without a device.
     std::int64_t GetMixLag(std::int64_t time) const;
-    /// Samples the clock. Call it regularly.
+    /// Samples the clock. Call it regularly, and at the time of the machine that GetNextObservation()
+    /// returns.
     void ObserveMixClock() const { GetMixLag(0); }
+    std::int64_t GetNextObservation() const;
 
     /// Settings of sources and listener made between these two calls take effect together.
     void DeferUpdates();

@@ -1,5 +1,7 @@
 #include "drivers/openal/ReverbSlot.h"
 
+#include "drivers/openal/LateReverb.h"
+
 #include <algorithm>
 
 namespace Quon
@@ -8,32 +10,23 @@ namespace Quon
 namespace
 {
 
-// OpenAL Soft 1.19 terminates the process if high frequencies decay so much faster than the others that its
-// filter has to close: if the reciprocal times in seconds differ by 7.92 or more (measured). This changes one
-// of the presets, by a hundredth.
-float GetSafeHFRatio(const FXEnvReverb& room)
-{
-    constexpr float maxDifference = 7.9F;
-    return std::max(room.decayHFRatio, 1.0F / (1.0F + maxDifference * room.decayTime));
-}
-
 void Fill(const EfxFunctions& efx, ALuint effect, const FXEnvReverb& room, float rolloff)
 {
-    const auto gain = [](std::int32_t level) { return ToGain(static_cast<float>(level)); };
     constexpr float percent = 0.01F;
+    const ReverbParameters parameters = GetReverbParameters(room, efx.version);
     efx.effecti(effect, AL_EFFECT_TYPE, AL_EFFECT_EAXREVERB);
     efx.effecti(effect, AL_EAXREVERB_DECAY_HFLIMIT, AL_FALSE);
-    efx.effectf(effect, AL_EAXREVERB_GAIN, gain(room.room));
-    efx.effectf(effect, AL_EAXREVERB_GAINHF, gain(room.roomHF));
+    efx.effectf(effect, AL_EAXREVERB_GAIN, parameters.gain);
+    efx.effectf(effect, AL_EAXREVERB_GAINHF, ToGain(static_cast<float>(room.roomHF)));
     efx.effectf(effect, AL_EAXREVERB_GAINLF, 1.0F);
     efx.effectf(effect, AL_EAXREVERB_ROOM_ROLLOFF_FACTOR, rolloff);
-    efx.effectf(effect, AL_EAXREVERB_DECAY_TIME, room.decayTime);
-    efx.effectf(effect, AL_EAXREVERB_DECAY_HFRATIO, GetSafeHFRatio(room));
+    efx.effectf(effect, AL_EAXREVERB_DECAY_TIME, parameters.decayTime);
+    efx.effectf(effect, AL_EAXREVERB_DECAY_HFRATIO, parameters.decayHFRatio);
     // OpenAL's upper limit is rounded down from 10 dB.
     efx.effectf(effect, AL_EAXREVERB_REFLECTIONS_GAIN,
-        std::min(gain(room.reflections), AL_EAXREVERB_MAX_REFLECTIONS_GAIN));
+        std::min(parameters.reflectionsGain, AL_EAXREVERB_MAX_REFLECTIONS_GAIN));
     efx.effectf(effect, AL_EAXREVERB_REFLECTIONS_DELAY, room.reflectionsDelay);
-    efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_GAIN, GetLateGain(room, efx.version));
+    efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_GAIN, parameters.lateGain);
     efx.effectf(effect, AL_EAXREVERB_LATE_REVERB_DELAY, room.reverbDelay);
     efx.effectf(effect, AL_EAXREVERB_DIFFUSION, room.diffusion * percent);
     efx.effectf(effect, AL_EAXREVERB_DENSITY, room.density * percent);

@@ -12,9 +12,10 @@ constexpr std::int64_t longestLatencyMs = 500;
 constexpr std::int64_t watchMs = 2000;
 } // namespace
 
-void StartTimes::BeginUpdate(std::uint32_t elapsedMs)
+void StartTimes::BeginUpdate(std::uint32_t elapsedMs, std::int64_t machineTime)
 {
     isUpdating = true;
+    updateTime = machineTime;
     const bool isHitch = elapsedMs > hitchMs && elapsed <= hitchMs;
     elapsed = elapsedMs;
     watchedMs += elapsed;

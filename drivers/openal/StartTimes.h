@@ -15,8 +15,8 @@ namespace Quon
 class StartTimes
 {
 public:
-    /// Begins an update, `elapsedMs` after the last one.
-    void BeginUpdate(std::uint32_t elapsedMs);
+    /// Begins an update, `elapsedMs` after the last one, at a time of the machine in nanoseconds.
+    void BeginUpdate(std::uint32_t elapsedMs, std::int64_t machineTime);
     void EndUpdate() { isUpdating = false; }
 
     /// The time from now, in game time, until a sound is to be played that was requested `askedMicroseconds`
@@ -27,10 +27,16 @@ public:
     /// at once.
     std::int64_t GetLatency() const { return isUpdating ? latencyMs * microsecondsPerMs : 0; }
 
+    /// The time of the machine at which something that is done now takes place, in nanoseconds: the beginning of
+    /// the update, or `now` outside an update. The library moves virtual sounds on from update to update, so a
+    /// sound that loses its channel in one and regains it in another is right to the duration between the two.
+    std::int64_t GetMachineTime(std::int64_t now) const { return isUpdating ? updateTime : now; }
+
 private:
     static constexpr std::int64_t microsecondsPerMs = 1000;
 
     bool isUpdating = false;
+    std::int64_t updateTime = 0;
     std::int64_t elapsed = 0; ///< Between the two last updates.
     std::int64_t latencyMs = 0;
     std::int64_t longest = 0; ///< Maximum since the latency was last checked.

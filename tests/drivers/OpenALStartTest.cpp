@@ -153,7 +153,7 @@ TEST(StartTimes, LatencyIsTheLongestUsualTimeBetweenUpdates)
     const auto after = [&times](int updates, std::uint32_t ms) {
         for (int i = 0; i < updates; ++i) {
             times.EndUpdate();
-            times.BeginUpdate(ms);
+            times.BeginUpdate(ms, 0);
         }
         return times.GetLatency() / 1000;
     };
@@ -163,23 +163,37 @@ TEST(StartTimes, LatencyIsTheLongestUsualTimeBetweenUpdates)
     EXPECT_EQ(after(20, 48), 66);
     EXPECT_EQ(after(100, 48), 48) << "falls when all have been shorter for a while";
     EXPECT_EQ(after(3, 200), 200);
+    EXPECT_EQ(times.GetMachineTime(77), 0) << "that of the beginning of the update";
     times.EndUpdate();
     EXPECT_EQ(times.GetLatency(), 0) << "outside of updates sounds begin at once";
     EXPECT_EQ(times.GetDelay(7000), 7000);
+    EXPECT_EQ(times.GetMachineTime(77), 77);
 }
 
-// A device that mixes 20 ms at a time, up to 9 ms late, by a clock that goes wrong by a ten-thousandth.
+// A device that mixes 20 ms at a time, when it looks at the clock: every 10.2 ms, so that it is late by up to
+// as much and seldom punctual; by a clock that goes wrong by a ten-thousandth. A feeder looks at it every 10
+// ms.
 TEST(MixTimeline, EstimatesWhatAnEvenDeviceWouldHaveMixed)
 {
-    MixTimeline timeline;
     constexpr std::int64_t ms = 1000000;
-    for (std::int64_t now = 0; now < 20000 * ms; now += 10 * ms) {
-        const std::int64_t late = now / ms * 7919 % 9 * ms;
-        const std::int64_t mixed = ((now - late) / (20 * ms) + 1) * 20 * ms * 10001 / 10000;
-        timeline.Observe(now, mixed);
-        if (now > 4000 * ms) {
-            const double even = static_cast<double>(now + 20 * ms) * 1.0001;
-            EXPECT_NEAR(static_cast<double>(timeline.ToMixed(now)), even, 1.0 * ms);
+    const auto toMixed = [](std::int64_t now) {
+        return now / (102 * ms / 10) * (102 * ms / 10) * 10001 / 10000 / (20 * ms) * 20 * ms;
+    };
+    MixTimeline timeline;
+    std::int64_t next = 0;
+    for (std::int64_t round = 10 * ms; round < 30000 * ms; round += 10 * ms) {
+        for (std::int64_t now = std::min(next, round);; now = std::min(next, round)) {
+            timeline.Observe(now, toMixed(now));
+            next = timeline.GetNextObservation(now, 20 * ms);
+            ASSERT_GT(next, now);
+            if (now > 4000 * ms) {
+                ASSERT_NEAR(
+                    static_cast<double>(timeline.ToMixed(now)), static_cast<double>(now) * 1.0001, 1.0 * ms)
+                    << now;
+            }
+            if (now == round) {
+                break;
+            }
         }
     }
 }
