@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Makes the tables of docs/accuracy.md and of the levels in docs/effects.md: make_docs.sh [HARMONET_ACCURACY]
 #
-# They go between the marks "<!-- accuracy -->" and "<!-- levels -->" and the next "<!-- end -->".
+# They go between the marks "<!-- accuracy -->", "<!-- live -->" and "<!-- levels -->" and the next "<!-- end -->". The
+# live table takes a minute and needs a machine that has nothing else to do.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 program=${1:-build/release/bin/harmonet_accuracy}
@@ -27,4 +28,5 @@ insert_table() {
 }
 
 insert_table accuracy docs/accuracy.md
+insert_table live docs/accuracy.md
 insert_table levels docs/effects.md

@@ -26,6 +26,7 @@ constexpr LateLevel newLateLevels[] = {{0.1F, 4.4F}, {0.5F, 4.4F}, {1.0F, 4.2F},
     {2.91F, 3.2F}, {4.32F, 2.6F}, {7.24F, 1.7F}, {10.0F, 1.1F}, {17.23F, 0.1F}, {20.0F, -0.2F}};
 constexpr float usualHFRatio = 0.83F; ///< Of both tables.
 constexpr float maxLateGain = 10.0F;
+constexpr float minDecaySeconds = 0.24F; ///< As measured, for shorter times too.
 
 /// Below the difference of the reciprocal decay times at which OpenAL Soft 1.19 terminates the process.
 constexpr float maxDifference = 7.9F;
@@ -125,7 +126,9 @@ ReverbParameters GetReverbParameters(const FXEnvReverb& room, SoftVersion versio
     const float lateGain = ToGain(static_cast<float>(room.reverb)) * ToFactor(-level);
     const float gain = ToGain(static_cast<float>(room.room));
     // By so much the room is louder, and its reflections quieter, for a late reverb beyond OpenAL's range.
-    const float raise = gain > 0.0F ? std::clamp(lateGain / maxLateGain, 1.0F, 1.0F / gain) : 1.0F;
+    // One that decays too slowly is not to be heard more.
+    const bool canRaise = gain > 0.0F && decayTime >= minDecaySeconds;
+    const float raise = canRaise ? std::clamp(lateGain / maxLateGain, 1.0F, 1.0F / gain) : 1.0F;
     return {gain * raise, ToGain(static_cast<float>(room.reflections)) / raise,
         std::min(lateGain / raise, maxLateGain), decayTime, hfRatio};
 }
