@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <utility>
 
 namespace Quon
 {
@@ -35,6 +36,7 @@ void RateConverter::Start(int newWidth, int newOutputHz, RateGrade newGrade)
 void RateConverter::Finish()
 {
     engine = RateEngine();
+    changesAt.reset();
     fading.clear();
     faded = 0;
     discarded = 0;
@@ -51,8 +53,9 @@ int RateConverter::Convert(const PcmFifo& input, bool isWhole, std::span<float> 
     if (currentHz == 0.0 || (engine.IsOver() && input.GetEnd() > engine.GetFed())) {
         MakeEngine();
     }
-    else if (wantedHz != currentHz && grade != RateGrade::Fast && !engine.IsVariable()) {
-        GoVariable(input, isWhole);
+    else if (wantedHz != currentHz && grade != RateGrade::Fast && !engine.IsVariable() &&
+        !GoVariable(input, isWhole)) {
+        return 0;
     }
     DiscardOutput(input, isWhole);
     if (discarded > 0) {
@@ -76,19 +79,31 @@ void RateConverter::MakeEngine()
     currentHz = wantedHz;
 }
 
-void RateConverter::GoVariable(const PcmFifo& input, bool isWhole)
+// Returns false while data for the whole cross-fade are missing.
+bool RateConverter::GoVariable(const PcmFifo& input, bool isWhole)
 {
     const double ratio = currentHz / outputHz;
-    const double position = engine.GetPosition();
+    if (!changesAt) {
+        changesAt = engine.GetPosition();
+        fading.clear();
+        faded = 0;
+    }
+    const std::size_t held = fading.size();
     fading.resize(static_cast<std::size_t>(outputHz / changesPerSecond) * width);
-    const int fadeFrames = engine.Convert(input, isWhole, fading);
-    fading.resize(static_cast<std::size_t>(fadeFrames) * width);
-    faded = 0;
+    const int given = engine.Convert(input, isWhole, std::span(fading).subspan(held));
+    const std::size_t filled = held + static_cast<std::size_t>(given) * width;
+    if (filled < fading.size() && !isWhole) {
+        fading.resize(filled);
+        return false;
+    }
+    fading.resize(filled);
 
+    const double position = *std::exchange(changesAt, std::nullopt);
     const auto wanted = static_cast<std::int64_t>(position - memoryFrames * std::max(ratio, 1.0));
     const std::int64_t begin = std::max(wanted, input.GetBegin());
     engine.StartVariable(begin, width, ratio, std::max<double>(maxRateHz, wantedHz) / outputHz);
     discarded = static_cast<int>(std::lround((position - static_cast<double>(begin)) / ratio));
+    return true;
 }
 
 void RateConverter::DiscardOutput(const PcmFifo& input, bool isWhole)
@@ -126,7 +141,7 @@ std::int64_t RateConverter::GetOldestNeeded() const
     if (grade == RateGrade::Fast || engine.IsVariable()) {
         return engine.GetFed();
     }
-    return std::min(engine.GetFed(), static_cast<std::int64_t>(engine.GetPosition()) - heldFrames);
+    return std::min(engine.GetFed(), static_cast<std::int64_t>(GetPosition()) - heldFrames);
 }
 
 } // namespace Quon

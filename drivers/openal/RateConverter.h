@@ -3,6 +3,7 @@
 #include "drivers/openal/RateEngine.h"
 
 #include <cstdint>
+#include <optional>
 #include <span>
 
 namespace Quon
@@ -44,7 +45,7 @@ public:
     /// The sample frame of the stream that is at the next sample frame of the output.
     double GetPosition() const
     {
-        return currentHz == 0.0 ? static_cast<double>(first) : engine.GetPosition();
+        return currentHz == 0.0 ? static_cast<double>(first) : changesAt.value_or(engine.GetPosition());
     }
 
     /// The oldest sample frame of the stream that may still be needed.
@@ -56,7 +57,7 @@ public:
 
 private:
     void MakeEngine();
-    void GoVariable(const PcmFifo& input, bool isWhole);
+    bool GoVariable(const PcmFifo& input, bool isWhole);
     void DiscardOutput(const PcmFifo& input, bool isWhole);
     void ApplyFade(std::span<float> out);
 
@@ -68,6 +69,7 @@ private:
     int glideMs = 0; ///< Duration of the glide to `wantedHz`.
     double currentHz = 0.0; ///< 0 before the first conversion.
     RateEngine engine;
+    std::optional<double> changesAt; ///< Position of a change of engines for which data are still missing.
     EngineVector<float> fading; ///< The previous engine's output, to be cross-faded.
     std::size_t faded = 0; ///< Samples of it already used.
     int discarded = 0; ///< Sample frames of a new engine's output to discard.

@@ -1,6 +1,7 @@
 #include "drivers/openal/DeviceSource.h"
 #include "drivers/openal/OutputDevice.h"
 #include "drivers/openal/PcmConverter.h"
+#include "drivers/openal/RateConverter.h"
 #include "drivers/openal/SilentClock.h"
 #include "drivers/openal/SteadyTime.h"
 #include "drivers/openal/Voice.h"
@@ -142,6 +143,45 @@ TEST(SilentClock, KeepsItsSpeedSinceTheLastSet)
     clock.SetSpeed(11025, 7 * second);
     EXPECT_EQ(clock.GetFrames(7 * second), 100 + 44100);
     EXPECT_EQ(clock.GetFrames(9 * second), 100 + 44100 + 22050);
+}
+
+// Another thread reads ahead, sometimes late.
+TEST(RateConverter, AChangeOfRateDoesNotDependOnHowFarTheSoundHasBeenRead)
+{
+    constexpr int rateHz = 44100;
+    const auto convert = [](int readAhead) {
+        PcmFifo input;
+        input.Start(1);
+        RateConverter converter;
+        converter.Start(1, rateHz, RateGrade::Good);
+        std::vector<float> heard;
+        for (const double hz : {1.0 * rateHz, 1.1 * rateHz, 0.9 * rateHz}) {
+            converter.SetRate(hz, 50);
+            const std::size_t end = heard.size() + rateHz / 10;
+            while (heard.size() < end) {
+                std::vector<float> block(std::min<std::size_t>(end - heard.size(), 441));
+                const int given = converter.Convert(input, false, block);
+                heard.insert(heard.end(), block.begin(), block.begin() + given);
+                if (given == 0) {
+                    const std::int64_t begin = input.GetEnd();
+                    const std::span<float> place = input.Extend(readAhead);
+                    for (std::size_t i = 0; i < place.size(); ++i) {
+                        place[i] = std::sin(0.06F * static_cast<float>(begin + static_cast<std::int64_t>(i)));
+                    }
+                }
+            }
+            input.DropBefore(converter.GetOldestNeeded());
+        }
+        return heard;
+    };
+    const std::vector<float> expected = convert(2 * rateHz);
+    for (const int readAhead : {64, 100, 3000}) {
+        const std::vector<float> heard = convert(readAhead);
+        ASSERT_EQ(heard.size(), expected.size());
+        for (std::size_t i = 0; i < heard.size(); ++i) {
+            ASSERT_NEAR(heard[i], expected[i], 1e-5) << i << ", read " << readAhead << " at a time";
+        }
+    }
 }
 
 } // namespace
