@@ -9,7 +9,8 @@
 namespace Bench
 {
 
-Orchestra::Orchestra(const std::string& fileName, int players, const std::string& renderPath)
+Orchestra::Orchestra(
+    const std::string& fileName, int players, const std::string& renderPath, const OptionValues& others)
 {
     Quon::Options& options = *os.GetOptions();
     options.Set("Sound", "HarmonetOpenAL");
@@ -17,6 +18,9 @@ Orchestra::Orchestra(const std::string& fileName, int players, const std::string
     options.Set("MaxSounds", std::to_string(players).c_str());
     options.Set("SoundCacheSize", "0");
     options.Set("OpenALRender", renderPath.empty() ? nullptr : renderPath.c_str());
+    for (const auto& [name, value] : others) {
+        options.Set(name, value);
+    }
     Quon::File::AddRoot(Quon::PString(), HARMONET_BENCH_VOICES);
     system.Init(&os, false);
     listener.Activate();
@@ -48,6 +52,13 @@ void Orchestra::Play(int frameMs)
     }
     // A little more, so that the library, which counts whole milliseconds, counts all of them.
     Quon::TaskList::Get().Update((static_cast<float>(frameMs) + 0.01F) / 1000.0F);
+}
+
+void Orchestra::StopAll()
+{
+    for (const int id : ids) {
+        group.StopSound(id);
+    }
 }
 
 bool Orchestra::IsComplete()

@@ -6,6 +6,7 @@
 #include "harmonet/kernel/SoundSystem.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Bench
@@ -18,14 +19,19 @@ class Orchestra
 public:
     static constexpr int rateHz = 44100;
 
+    using OptionValues = std::vector<std::pair<const char*, const char*>>;
+
     /// Renders into the file `renderPath`; live if that is empty.
-    Orchestra(const std::string& fileName, int players, const std::string& renderPath);
+    Orchestra(const std::string& fileName, int players, const std::string& renderPath,
+        const OptionValues& others = {});
     ~Orchestra();
     Orchestra(const Orchestra&) = delete;
     Orchestra& operator=(const Orchestra&) = delete;
 
     /// One game frame, in which those with a place move.
     void Play(int frameMs);
+
+    void StopAll();
 
     /// Whether all of them are being read.
     bool IsComplete();

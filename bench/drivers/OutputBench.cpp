@@ -1,12 +1,15 @@
-// Render/FORM: 64 sounds that are read while they play, rendered into a file at 44.1 kHz; times_real_time is
-// the length of what was rendered over the processor time it took. Live/FORM: 24 of them on a device that
-// takes sound at the speed of a sound card; percent_of_a_core is the processor time of all threads over the
-// time that went by. FORM is wave or mp3, both mono at 22.05 kHz, or one of them in stereo at 44.1 kHz.
+// Render/FORM/GRADE: 64 sounds that are read while they play, rendered into a file at 44.1 kHz, in times real
+// time by the clock and by the processor time of all threads. FORM is wave or mp3, both mono at 22.05 kHz, or
+// one of them in stereo at 44.1 kHz; GRADE that of "OpenALResampling". RenderThreads/FORM: with the grade
+// "fast", how many times as fast two threads are as one, in turns in the same run, which write the same
+// bytes. Live/FORM: 24 of the sounds on a device that takes sound at the speed of a sound card;
+// percent_of_a_core is the processor time of all threads over the time that went by.
 
 #include "Orchestra.h"
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdint>
@@ -14,7 +17,11 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace
@@ -51,20 +58,28 @@ double GetLevelAtStart(const std::filesystem::path& path)
     return std::sqrt(sum / static_cast<double>(samples.size())) / 32768.0;
 }
 
-void Render(benchmark::State& state, const char* fileName)
+std::filesystem::path GetRenderPath()
 {
-    const auto path = std::filesystem::temp_directory_path() / "harmonet-bench-render.wav";
+    return std::filesystem::temp_directory_path() / "harmonet-bench-render.wav";
+}
+
+void Render(benchmark::State& state, const char* fileName, const char* grade)
+{
+    const std::filesystem::path path = GetRenderPath();
     bool isComplete = false;
     {
-        Bench::Orchestra orchestra(fileName, renderedSounds, path.string());
+        Bench::Orchestra orchestra(fileName, renderedSounds, path.string(), {{"OpenALResampling", grade}});
         orchestra.Play(1000);
+        const auto start = std::chrono::steady_clock::now();
         const double begin = GetProcessorSeconds();
         for (auto step : state) {
             orchestra.Play(frameMs);
         }
         const double spent = GetProcessorSeconds() - begin;
+        const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
         const double rendered = static_cast<double>(state.iterations()) * frameMs / 1000.0;
-        state.counters["times_real_time"] = rendered / spent;
+        state.counters["times_real_time"] = rendered / passed.count();
+        state.counters["by_processor_time"] = rendered / spent;
         isComplete = orchestra.IsComplete();
     }
     const double level = GetLevelAtStart(path);
@@ -72,6 +87,72 @@ void Render(benchmark::State& state, const char* fileName)
     if (!isComplete || level < 0.01) {
         state.SkipWithError("not all of the sounds were rendered");
     }
+}
+
+/// The time in which ten seconds are rendered, and a hash of what is.
+struct Rendered
+{
+    double seconds;
+    std::size_t hash;
+};
+
+Rendered RenderWithThreads(const char* fileName, const char* threads)
+{
+    const std::filesystem::path path = GetRenderPath();
+    Rendered rendered{};
+    {
+        Bench::Orchestra orchestra(fileName, renderedSounds, path.string(),
+            {{"OpenALResampling", "0"}, {"OpenALRenderThreads", threads}});
+        orchestra.Play(1000);
+        const auto start = std::chrono::steady_clock::now();
+        for (int ms = 0; ms < 10000; ms += frameMs) {
+            orchestra.Play(frameMs);
+        }
+        rendered.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    }
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    rendered.hash = std::hash<std::string>()(bytes);
+    std::filesystem::remove(path);
+    return rendered;
+}
+
+void RenderThreads(benchmark::State& state, const char* fileName)
+{
+    constexpr int rounds = 5;
+    std::vector<double> ratios;
+    for (auto step : state) {
+        for (int round = 0; round < rounds; ++round) {
+            const Rendered one = RenderWithThreads(fileName, "1");
+            const Rendered two = RenderWithThreads(fileName, "2");
+            if (one.hash != two.hash) {
+                state.SkipWithError("the number of threads changes what is rendered");
+                return;
+            }
+            ratios.push_back(one.seconds / two.seconds);
+        }
+    }
+    std::sort(ratios.begin(), ratios.end());
+    state.counters["times_as_fast"] = ratios[ratios.size() / 2];
+}
+
+// What a stop costs in the middle of ten minutes of MP3, where the file is set back to what was heard.
+void StopMp3(benchmark::State& state)
+{
+    const std::filesystem::path path = GetRenderPath();
+    double longest = 0.0;
+    for (auto step : state) {
+        Bench::Orchestra orchestra("mp3-long.mp3", 1, path.string());
+        for (int ms = 0; ms < 300000; ms += 1000) {
+            orchestra.Play(1000);
+        }
+        const auto start = std::chrono::steady_clock::now();
+        orchestra.StopAll();
+        const std::chrono::duration<double, std::micro> passed = std::chrono::steady_clock::now() - start;
+        longest = std::max(longest, passed.count());
+    }
+    std::filesystem::remove(path);
+    state.counters["longest_us"] = longest;
 }
 
 void Live(benchmark::State& state, const char* fileName)
@@ -105,11 +186,19 @@ int main(int argc, char** argv)
     } rows[] = {{"wave", "wave.wav"}, {"mp3", "mp3.mp3"}, {"wave-stereo", "wave-stereo.wav"},
         {"mp3-stereo", "mp3-stereo.mp3"}};
     for (const auto& row : rows) {
-        benchmark::RegisterBenchmark((std::string("Render/") + row.form).c_str(), Render, row.fileName);
+        for (const auto& [grade, option] : {std::pair("good", "1"), std::pair("fast", "0")}) {
+            benchmark::RegisterBenchmark(
+                (std::string("Render/") + row.form + "/" + grade).c_str(), Render, row.fileName, option);
+        }
+        benchmark::RegisterBenchmark(
+            (std::string("RenderThreads/") + row.form).c_str(), RenderThreads, row.fileName)
+            ->Iterations(1)
+            ->UseRealTime();
         benchmark::RegisterBenchmark((std::string("Live/") + row.form).c_str(), Live, row.fileName)
             ->Iterations(1)
             ->UseRealTime();
     }
+    benchmark::RegisterBenchmark("StopMp3", StopMp3)->Iterations(5)->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;

@@ -7,12 +7,14 @@
 #include <cmath>
 #include <numbers>
 #include <stdexcept>
+#include <vector>
 
 // Swing: two equal sounds 10 m away, one channel for both, and a listener who swings by 5 cm to one side and
 // the other, so that with each of 1 000 updates another one is nearer. Counters: channel_changes, how often
 // the channel goes from one sound to the other; steepest_step, the greatest change from a sample to the next
-// in what is rendered; own_steepest_step, the same while the listener stands still and nothing changes.
-// Nothing is timed.
+// in what is rendered; own_steepest_step, the same while the listener stands still and nothing changes;
+// lowest_db and highest_db, the level of both sides in windows of ten periods of the tone, relative to that
+// while nothing changes. Swing/cut has no handover fades, Swing/faded those of the default. Nothing is timed.
 
 namespace
 {
@@ -60,9 +62,9 @@ const Quon::Particle* FindHeard(const Quon::Particle& world)
 }
 
 /// Renders the swing and returns how often the channel changed.
-int Render(const Bench::SoundFolder& folder, float width)
+int Render(const Bench::SoundFolder& folder, float width, const char* fadeMs)
 {
-    Bench::RenderHost host(folder, 1);
+    Bench::RenderHost host(folder, 1, {{"OpenALHandoverFade", fadeMs}});
     Quon::Particle world;
     // At different phases, so that a change of channel is a change of the waveform.
     StartTone(host, world, -6.0F);
@@ -89,23 +91,45 @@ float FindSteepestStep(const Samples& samples)
     return steepest;
 }
 
-float FindSteepestStep(const Bench::SoundFolder& folder)
+float FindSteepestStep(const Bench::Stereo& output)
 {
-    const Bench::Stereo output = folder.ReadOutput();
     return std::max(FindSteepestStep(output.left), FindSteepestStep(output.right));
 }
 
-void Swing(benchmark::State& state)
+/// The levels of both sides together in windows of ten periods, in dB of full scale, without the first
+/// second.
+std::vector<double> GetLevels(const Bench::Stereo& output)
+{
+    constexpr std::size_t window = 10 * rateHz / 441;
+    std::vector<double> levels;
+    for (std::size_t begin = rateHz; begin + window < output.left.size(); begin += window) {
+        double power = 0.0;
+        for (std::size_t i = begin; i < begin + window; ++i) {
+            power += double{output.left[i]} * output.left[i] + double{output.right[i]} * output.right[i];
+        }
+        levels.push_back(10.0 * std::log10(power / window));
+    }
+    return levels;
+}
+
+void Swing(benchmark::State& state, const char* fadeMs)
 {
     try {
         const Bench::SoundFolder folder;
         folder.Write("Tone", MakeTone(), Bench::Coding::Pcm);
         int changesAtRest = 0;
         for (auto _ : state) {
-            changesAtRest = Render(folder, 0.0F);
-            state.counters["own_steepest_step"] = FindSteepestStep(folder);
-            state.counters["channel_changes"] = Render(folder, swing);
-            state.counters["steepest_step"] = FindSteepestStep(folder);
+            changesAtRest = Render(folder, 0.0F, fadeMs);
+            const Bench::Stereo still = folder.ReadOutput();
+            state.counters["channel_changes"] = Render(folder, swing, fadeMs);
+            const Bench::Stereo swung = folder.ReadOutput();
+            state.counters["own_steepest_step"] = FindSteepestStep(still);
+            state.counters["steepest_step"] = FindSteepestStep(swung);
+            const double own = GetLevels(still).back();
+            const std::vector<double> levels = GetLevels(swung);
+            const auto [lowest, highest] = std::minmax_element(levels.begin(), levels.end());
+            state.counters["lowest_db"] = *lowest - own;
+            state.counters["highest_db"] = *highest - own;
         }
         if (changesAtRest > 0) {
             throw std::runtime_error("the channel changes while nothing moves");
@@ -116,6 +140,7 @@ void Swing(benchmark::State& state)
     }
 }
 
-BENCHMARK(Swing)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Swing, cut, "0")->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(Swing, faded, "30")->Iterations(1)->Unit(benchmark::kMillisecond);
 
 } // namespace

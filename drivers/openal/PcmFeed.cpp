@@ -90,9 +90,10 @@ void PcmFeed::ReadAhead(SndChannel& channel, std::int64_t sampleFrames)
 int PcmFeed::Make(SndChannel* channel, int wanted, const Playback& playback)
 {
     wanted = std::min(wanted, maxBlockFrames);
-    block.assign(static_cast<std::size_t>(wanted) * sound.outChannels, 0.0F);
+    block.resize(static_cast<std::size_t>(wanted) * sound.outChannels);
     blockSilence = std::min(silence, wanted);
     silence -= blockSilence;
+    std::ranges::fill(GetPlace(0, blockSilence), 0.0F);
     const double playedHz = playback.GetPlayedHz(reader.GetRateHz());
     converter.SetRate(playedHz, playback.pitch != pitch ? pitchGlideMs : rateGlideMs);
     pitch = playback.pitch;

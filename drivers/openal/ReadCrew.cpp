@@ -43,10 +43,12 @@ void ReadCrew::Finish()
     done.wait(lock, [this] { return working == 0; });
 }
 
+// From the last channel on: the renderer pumps them from the first one on at the same time, and would wait
+// for the lock of each otherwise.
 void ReadCrew::Work()
 {
     for (std::size_t i = next++; i < channels.size(); i = next++) {
-        channels[i]->ReadAhead(microseconds);
+        channels[channels.size() - 1 - i]->ReadAhead(microseconds);
     }
 }
 
