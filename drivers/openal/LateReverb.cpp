@@ -12,7 +12,7 @@ namespace Quon
 namespace
 {
 
-/// The late reverb of OpenAL in steady noise by its decay time, in dB of the one at 1.49 s in version 1.19.
+/// The late reverb of OpenAL Soft 1.19 in steady noise by its decay time, in dB of the one at 1.49 s.
 struct LateLevel
 {
     float decaySeconds;
@@ -22,9 +22,8 @@ struct LateLevel
 constexpr LateLevel oldLateLevels[] = {{0.1F, -68.0F}, {0.17F, -41.0F}, {0.3F, -22.8F}, {0.4F, -16.4F},
     {0.5F, -12.3F}, {0.75F, -6.5F}, {1.0F, -3.3F}, {1.49F, 0.0F}, {2.31F, 2.6F}, {2.91F, 3.7F}, {4.32F, 5.1F},
     {7.24F, 6.2F}, {10.0F, 6.6F}, {17.23F, 7.1F}, {20.0F, 7.3F}};
-constexpr LateLevel newLateLevels[] = {{0.1F, 4.4F}, {0.5F, 4.4F}, {1.0F, 4.2F}, {1.49F, 3.9F}, {2.31F, 3.5F},
-    {2.91F, 3.2F}, {4.32F, 2.6F}, {7.24F, 1.7F}, {10.0F, 1.1F}, {17.23F, 0.1F}, {20.0F, -0.2F}};
-constexpr float usualHFRatio = 0.83F; ///< Of both tables.
+constexpr float newLateDecibels = 4.0F; ///< The same in newer versions, at any decay time.
+constexpr float usualHFRatio = 0.83F; ///< Of all these.
 constexpr float maxLateGain = 10.0F;
 constexpr float minDecaySeconds = 0.24F; ///< As measured, for shorter times too.
 
@@ -37,8 +36,9 @@ float ToFactor(float decibels)
 }
 
 /// In dB. Interpolates between two rows by the loss per second, which is what decays.
-float GetLateDecibels(std::span<const LateLevel> levels, float decaySeconds)
+float GetLateDecibels(float decaySeconds)
 {
+    constexpr std::span levels(oldLateLevels);
     const auto after = std::find_if(levels.begin() + 1, levels.end() - 1,
         [decaySeconds](const LateLevel& row) { return row.decaySeconds >= decaySeconds; });
     const LateLevel& from = *(after - 1);
@@ -71,18 +71,25 @@ float GetLineLength(float density)
     return std::max(std::cbrt(density), 0.1F);
 }
 
-/// What high frequencies that decay fast change in the level of the others, in dB.
-float GetHFDecibels(float decaySeconds, float hfRatio, float lineLength)
+/// What that changes in the level when high frequencies decay at another ratio than usual, in dB.
+float GetExpectedDecibels(float decaySeconds, float hfRatio, float lineLength)
 {
     constexpr float fullSeconds = 0.18F;
-    constexpr float maxLoss = 12.0F;
-    constexpr float shortSeconds = 0.5F;
     const float lineSeconds = fullSeconds * lineLength;
     const float change = GetExpectedGain(decaySeconds, hfRatio, lineSeconds) /
         GetExpectedGain(decaySeconds, usualHFRatio, lineSeconds);
+    return 20.0F * std::log10(change);
+}
+
+/// What high frequencies that decay fast change in the level of the others, in dB.
+float GetHFDecibels(float decaySeconds, float hfRatio, float lineLength)
+{
+    constexpr float maxLoss = 12.0F;
+    constexpr float shortSeconds = 0.5F;
     const float difference = std::max((1.0F / hfRatio - 1.0F) / decaySeconds, 0.0F) / maxDifference;
     const float share = std::min(std::pow(decaySeconds / shortSeconds, 1.5F), 1.0F);
-    return 20.0F * std::log10(change) - maxLoss * std::pow(difference, 3.0F) * share * lineLength;
+    return GetExpectedDecibels(decaySeconds, hfRatio, lineLength) -
+        maxLoss * std::pow(difference, 3.0F) * share * lineLength;
 }
 
 /// The loss by the filter for the high frequencies of the room, which reaches down from 5 kHz at 12 dB per
@@ -100,9 +107,8 @@ float GetOldLateDecibels(const FXEnvReverb& room, float decaySeconds, float hfRa
     constexpr float perLineLength = 7.6F;
     const float density = room.density / 100.0F;
     const float lineLength = GetLineLength(density);
-    return GetLateDecibels(oldLateLevels, decaySeconds) * std::pow(density, 0.25F) +
-        perLineLength * (1.0F - lineLength) + GetHFDecibels(decaySeconds, hfRatio, lineLength) +
-        GetRoomHFDecibels(static_cast<float>(room.roomHF));
+    return GetLateDecibels(decaySeconds) * std::pow(density, 0.25F) + perLineLength * (1.0F - lineLength) +
+        GetHFDecibels(decaySeconds, hfRatio, lineLength) + GetRoomHFDecibels(static_cast<float>(room.roomHF));
 }
 
 /// The decay time to set for one that is to be heard.
@@ -119,10 +125,10 @@ float GetDecayTime(float decaySeconds, float hfRatio)
 ReverbParameters GetReverbParameters(const FXEnvReverb& room, SoftVersion version)
 {
     const bool isOld = version == SoftVersion::Old;
-    const float decayTime = isOld ? GetDecayTime(room.decayTime, room.decayHFRatio) : room.decayTime;
+    const float decayTime = GetDecayTime(room.decayTime, room.decayHFRatio);
     const float hfRatio = GetSafeHFRatio(room.decayHFRatio, decayTime);
-    const float level =
-        isOld ? GetOldLateDecibels(room, decayTime, hfRatio) : GetLateDecibels(newLateLevels, decayTime);
+    const float level = isOld ? GetOldLateDecibels(room, decayTime, hfRatio)
+                              : newLateDecibels + GetExpectedDecibels(decayTime, hfRatio, 1.0F);
     const float lateGain = ToGain(static_cast<float>(room.reverb)) * ToFactor(-level);
     const float gain = ToGain(static_cast<float>(room.room));
     // By so much the room is louder, and its reflections quieter, for a late reverb beyond OpenAL's range.

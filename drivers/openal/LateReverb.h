@@ -26,11 +26,10 @@ struct ReverbParameters
 /// times of 0.17 to 20 s, ratios of 0.1 to 1.5 and densities of 0 to 100 %, without reflections. Levels are
 /// relative to a decay time of 1.49 s, a ratio of 0.83 and a density of 100 %. Where OpenAL's range of 20 dB
 /// is too small, the room's gain is raised and its reflections are lowered by as much, up to a gain of 1.
-/// Newer versions have a table of their own, of noise rendered with 1.24 at that ratio and density, in dB of
-/// the same level.
+/// Newer versions have the same level at any decay time and density, but for the ratio (measured with 1.24).
 ///
-/// *Decay.* Between 0.3 and 1 s OpenAL Soft 1.19 decays up to 17 % more slowly than set, since its lines are
-/// about as long; a decay of less than 0.24 s is not possible. High frequencies cannot decay so much faster
+/// *Decay.* Between 0.3 and 1 s OpenAL Soft decays up to 17 % more slowly than set, since its lines are about
+/// as long; a decay of less than 0.24 s is not possible. In 1.19 high frequencies cannot decay so much faster
 /// than the others that the reciprocal times, in seconds, differ by 7.92 or more: its filter would have to
 /// close, and it terminates the process. This raises the ratio of three of the presets.
 ReverbParameters GetReverbParameters(const FXEnvReverb& room, SoftVersion version);
