@@ -14,7 +14,7 @@ matplotlib.use("Agg")
 from matplotlib import pyplot
 
 KINDS = [("over", "64 channels", "tab:red"), ("within", "a channel for each", "tab:blue"),
-         ("still", "a channel for each, nothing moves", "tab:green")]
+         ("still", "a channel for each, no movement", "tab:green")]
 SERIES = [("us_per_update", "Harmonet", "o-"), ("naive_us_per_update", "plain form", "s--")]
 
 

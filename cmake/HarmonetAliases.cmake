@@ -1,6 +1,6 @@
-# The names that the package has, for a project that includes this one with add_subdirectory(). The drivers are loaded
-# at run time, so nothing links to them; whoever links to Harmonet::harmonet has them built all the same, into bin/,
-# where the library finds them.
+# The target names of the package, for a project that includes this one with add_subdirectory(). The drivers are loaded at
+# run time, so nothing links to them. A dependency of Harmonet::harmonet builds them into bin/, where the library finds
+# them.
 add_library(harmonet_with_drivers INTERFACE)
 target_link_libraries(harmonet_with_drivers INTERFACE harmonet)
 foreach(driver harmonet_null harmonet_openal)

@@ -1,4 +1,4 @@
-# Provides the targets GTest::gtest, GTest::gtest_main and GTest::gmock: those of the machine, or made from source
+# Provides the targets GTest::gtest, GTest::gtest_main and GTest::gmock: the installed ones, or ones built from source
 # for a platform for which they are not installed.
 
 set(HARMONET_GOOGLETEST_SOURCE "" CACHE PATH "Folder of GoogleTest's source, to build it as a part of this build")

@@ -1,6 +1,6 @@
-# What `cmake --install` installs: the two libraries, the output drivers in harmonet/ beside them, the public headers,
-# and a package for find_package(Harmonet) with the targets Harmonet::harmonet and Harmonet::engine, and for writers of
-# drivers Harmonet::driver_common.
+# Defines the install step: the two libraries, the output drivers in harmonet/ next to them, the public headers, and a
+# package for find_package(Harmonet) with the targets Harmonet::harmonet, Harmonet::engine and, for authors of drivers,
+# Harmonet::driver_common.
 
 include(CMakePackageConfigHelpers)
 include(PublicHeaders)
@@ -36,8 +36,8 @@ if(TARGET Soxr::soxr)
     install(FILES "${SOXR_LICENCE}" DESTINATION docs/licences OPTIONAL)
 endif()
 
-# The package for Windows is the same in an archive, with the papers, and with the run-time libraries of the compiler
-# beside the library.
+# The package for Windows is the same in an archive, with the documents, and with the run-time libraries of the compiler
+# next to the library.
 if(WIN32 AND PROJECT_IS_TOP_LEVEL)
     install(FILES "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/CHANGELOG.md" DESTINATION .)
     install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs/" DESTINATION docs FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg)
@@ -47,11 +47,11 @@ if(WIN32 AND PROJECT_IS_TOP_LEVEL)
                 OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
             file(REAL_PATH "${path}" path)
             install(FILES "${path}" DESTINATION "${CMAKE_INSTALL_BINDIR}")
-            # They come with symbols for debugging, 20 MB of them.
+            # Removes 20 MB of debugging symbols.
             install(CODE "execute_process(COMMAND \"${CMAKE_STRIP}\" \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${library}\"
                 COMMAND_ERROR_IS_FATAL ANY)")
         endforeach()
-        # Their licences ask to be named.
+        # Their licences must be included.
         foreach(package gcc-mingw-w64-x86-64-posix-runtime mingw-w64-x86-64-dev)
             if(EXISTS "/usr/share/doc/${package}/copyright")
                 install(FILES "/usr/share/doc/${package}/copyright" DESTINATION docs/licences RENAME ${package}.txt)

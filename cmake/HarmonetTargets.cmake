@@ -10,23 +10,23 @@ set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
-# The folder harmonet/ beside the engine library, where drivers are looked for.
+# The folder harmonet/ next to the engine library, in which the library searches for drivers.
 if(WIN32)
     set(HARMONET_DRIVER_FOLDER "${CMAKE_INSTALL_BINDIR}/harmonet")
 else()
     set(HARMONET_DRIVER_FOLDER "${CMAKE_INSTALL_LIBDIR}/harmonet")
 endif()
-# The headers for writers of drivers, which other users do not have in their include path.
+# The headers for authors of drivers, which are not in the include path of other users.
 set(HARMONET_DRIVER_INCLUDES "${CMAKE_INSTALL_INCLUDEDIR}/harmonet-drivers")
 set(CMAKE_INSTALL_RPATH "$ORIGIN:$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
 
-# Symbols are not interposed at load time, so a call inside a library need not go through the procedure linkage table.
+# Symbols are not interposed at load time, so calls inside a library need not go through the procedure linkage table.
 if(CMAKE_CXX_COMPILER_ID MATCHES "GNU|Clang" AND NOT WIN32)
     add_compile_options(-fno-semantic-interposition)
     add_link_options(-Wl,-Bsymbolic-functions)
 endif()
 
-# What the libraries export is marked in their headers, with and without tests.
+# Exports are marked in the headers and do not depend on whether tests are built.
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
@@ -38,16 +38,16 @@ function(harmonet_room room)
     target_link_libraries(harmonet_${room} PUBLIC harmonet_engine)
 endfunction()
 
-# An output driver: a module whose file name is the name that the option "Sound" gives.
+# An output driver: a module whose file name is its name in the option "Sound".
 function(harmonet_driver target name)
     add_library(${target} MODULE ${ARGN})
     set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME "${name}" INSTALL_RPATH "$ORIGIN/..")
     target_link_libraries(${target} PRIVATE harmonet)
 endfunction()
 
-# A test program test_<name>. Each of its tests is registered with CTest by its own name, or the program as a whole where
-# starting it is slow (HARMONET_TEST_EACH_PROGRAM). Those in HARMONET_THREADED_TESTS make up the target
-# threaded_tests and carry the label "threaded", and those of them in HARMONET_LIVE_TESTS "threaded_live".
+# A test program test_<name>. Each of its tests is registered with CTest by its own name, or the whole program if starting
+# it is slow (HARMONET_TEST_EACH_PROGRAM). The programs in HARMONET_THREADED_TESTS form the target threaded_tests and have
+# the label "threaded"; those that are also in HARMONET_LIVE_TESTS have the label "threaded_live".
 function(harmonet_test name)
     add_executable(test_${name} ${ARGN})
     target_link_libraries(test_${name} PRIVATE harmonet_test_support harmonet GTest::gtest_main GTest::gmock)
@@ -68,8 +68,8 @@ function(harmonet_test name)
 endfunction()
 
 # For cross builds: an interface target for headers that are the same on every platform, such as OpenAL's. Only `folder` is
-# copied from the build machine, since the folders beside it belong to that machine. Without such a folder there is no
-# target.
+# copied from the build machine, because the folders next to it are specific to that machine. Without the folder, no target
+# is created.
 function(harmonet_host_headers target folder)
     find_path(HARMONET_HOST_HEADERS_${folder} "${folder}" PATHS /usr/include NO_CMAKE_FIND_ROOT_PATH)
     if(HARMONET_HOST_HEADERS_${folder})

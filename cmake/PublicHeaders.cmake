@@ -1,5 +1,5 @@
-# The headers that a user of the library, a host or an output driver may include, and all that they include in
-# turn. They are what is installed; the room checker reads this list too.
+# The headers that a host or an output driver may include, and the headers that these include. They are installed; the
+# room checker also reads this list.
 set(HARMONET_PUBLIC_HEADERS
     harmonet/Export.h
     harmonet/definitions/DefinitionListener.h
@@ -74,7 +74,7 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/output/SoundCaps.h
     harmonet/output/SoundFormat.h)
 
-# What a writer of an output driver may include besides; it comes with the target Harmonet::driver_common.
+# Additional headers for authors of output drivers, provided by the target Harmonet::driver_common.
 set(HARMONET_DRIVER_HEADERS
     drivers/common/DriverChannel.h
     drivers/common/DriverExport.h

@@ -1,9 +1,9 @@
-// A day of a game in a minute or two: usage harmonet_day [HOURS [SEED]].
+// Simulates a day of a game in a minute or two. Usage: harmonet_day [HOURS [SEED]].
 //
-// The game runs on the null driver from a seed, restarts the sound system every hour and at times in between,
-// and ends with as many live blocks of memory as it began with. Prints a digest of all notifications, which
-// is the same for the same seed on every run and with every compiler. The first hour is played twice, and the
-// two have to agree. Exits with 1 if something does not hold.
+// The game runs on the null driver from a seed, restarts the sound system every hour and sometimes in
+// between, and must end with as many live memory blocks as it began with. Prints a digest of all
+// notifications, which is the same for the same seed in every run and with every compiler. Plays the first
+// hour twice; the digests must be equal. Exits with 1 if a check fails.
 
 #include "fuzz/game/Game.h"
 
@@ -27,8 +27,8 @@ struct Score
     unsigned long operationCount = 0;
 };
 
-/// One game frame with what the game does in it; returns its milliseconds. By night little happens, and the
-/// host has long frames.
+/// Plays one game frame and returns its length in milliseconds. At night little happens, and the frames are
+/// long.
 int PlayFrame(Dice& dice, Game& game, bool isNight, Score& score)
 {
     constexpr int dayStepsMs[] = {40, 50, 67, 100, 100, 120};
@@ -44,8 +44,8 @@ int PlayFrame(Dice& dice, Game& game, bool isNight, Score& score)
     return ms;
 }
 
-/// Spends ids until the next one is a multiple of the buckets of the sound table, so that all walks of the
-/// table go in the same order in every run.
+/// Uses up ids until the next one is a multiple of the number of hash buckets of the sound table, so that
+/// iteration over the table has the same order in every run.
 void AlignIDs(GameFolder& folder)
 {
     constexpr int alignment = 32;
@@ -104,7 +104,7 @@ int main(int argumentCount, char** arguments)
         hours, day.updateCount, day.operationCount, day.notificationCount, blocksBefore, blocksAfter,
         seconds.count(), static_cast<unsigned long long>(day.digests.back()));
     if (hour.digests.front() != day.digests.front()) {
-        std::fprintf(stderr, "the first hour differs from run to run\n");
+        std::fprintf(stderr, "the first hour differs between two runs\n");
         return 1;
     }
     return blocksBefore == blocksAfter ? 0 : 1;

@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <string>
 
-/// What the fuzzers and the replay of their finds have in common: one function for each target, which takes
-/// any bytes and throws std::logic_error when something that has to hold does not.
+/// The interface between the targets, the fuzzers and the replay test: one function for each target. It
+/// accepts any bytes and throws std::logic_error if a requirement is violated.
 
 namespace Quon
 {
@@ -14,22 +14,22 @@ using FuzzBytes = std::span<const unsigned char>;
 
 struct FuzzTarget
 {
-    /// Also the name of its folder of small inputs, in fuzz/corpus/.
+    /// Also the name of its folder of inputs in fuzz/corpus/.
     const char* name;
     void (*run)(FuzzBytes bytes);
 };
 
-/// A sound file: it gives the same PCM however it is read.
+/// A sound file, which must decode to the same PCM however it is read.
 void FuzzSoundFile(FuzzBytes bytes);
 /// The text of a sound definition, which is loaded and played.
 void FuzzDefinition(FuzzBytes bytes);
-/// Operations on effect lists, beside a plain model.
+/// Operations on effect lists, compared with a simple model.
 void FuzzEffectList(FuzzBytes bytes);
-/// A text for the block reader, which is read whole, written anew, and read as the bytes say.
+/// A text for the block reader: read completely, written back, and read with calls that the bytes select.
 void FuzzBlockReader(FuzzBytes bytes);
-/// A file of options, a command line and lists.
+/// An options file, a command line and lists.
 void FuzzOptions(FuzzBytes bytes);
-/// A game that does what the bytes say.
+/// A game that the bytes control.
 void FuzzPlay(FuzzBytes bytes);
 
 inline constexpr FuzzTarget fuzzTargets[] = {

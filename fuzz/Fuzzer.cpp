@@ -1,4 +1,4 @@
-// One fuzzer of libFuzzer, for the target FUZZ_TARGET.
+// A libFuzzer program for the target FUZZ_TARGET.
 
 #include "fuzz/FuzzTarget.h"
 

@@ -38,7 +38,7 @@ class FuzzReplay : public testing::TestWithParam<FuzzTarget>
 {
 };
 
-// The inputs with which the fuzzers begin, and what they have found so far: each was a fault once.
+// The initial inputs of the fuzzers, and inputs that exposed a fault.
 TEST_P(FuzzReplay, EveryInputOfTheCorpusPasses)
 {
     const Files files = FilesOf(std::filesystem::path(FUZZ_CORPUS) / GetParam().name);
@@ -50,7 +50,7 @@ TEST_P(FuzzReplay, EveryInputOfTheCorpusPasses)
     }
 }
 
-/// The input cut off, or with bytes changed, dropped or taken twice.
+/// Returns the input truncated, or with bytes changed, dropped or repeated.
 std::vector<unsigned char> Damage(std::vector<unsigned char> bytes, std::minstd_rand& random)
 {
     constexpr unsigned char ends[] = {0, 1, 0x7F, 0x80, 0xFF, '{', '}', '*', '"', '\n'};
@@ -81,7 +81,7 @@ std::vector<unsigned char> Damage(std::vector<unsigned char> bytes, std::minstd_
     return bytes;
 }
 
-// A fault that needs no more than a few changes shows without a fuzzer.
+// Finds faults that a few changes can cause, without a fuzzer.
 TEST_P(FuzzReplay, EveryInputOfTheCorpusPassesWhenDamaged)
 {
     constexpr int rounds = 60;

@@ -1,5 +1,5 @@
-// Changes sound files so that most of them still open: it moves, copies and drops whole MPEG frames, ADPCM
-// blocks and RIFF chunks, sets fields of headers to values that exist, and leaves the rest to libFuzzer.
+// Mutates sound files so that most of them still open: moves, copies and drops whole MPEG frames and blocks
+// of samples, sets header fields to valid values, and leaves the rest to libFuzzer.
 
 #include "fuzz/game/Dice.h"
 
@@ -40,7 +40,7 @@ bool Has(const Bytes& bytes, std::size_t place, const char* text)
     return place + 4 <= bytes.size() && std::memcmp(bytes.data() + place, text, 4) == 0;
 }
 
-/// The length of the MPEG frame whose header stands there; 0 if none does.
+/// Returns the length of the MPEG frame with the header at `head`; 0 if there is no header.
 std::size_t MpegFrameBytes(const unsigned char* head)
 {
     constexpr int ratesKbps[2][15] = {{0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320},
@@ -59,10 +59,10 @@ std::size_t MpegFrameBytes(const unsigned char* head)
         bits / (isMpeg1 ? ratesHz[rate] : ratesHz[rate] / 2) + (head[2] >> 1 & 1));
 }
 
-/// A sound file cut into its front, its pieces, and what follows them.
+/// A sound file cut into everything before the sound data, and its frames or blocks.
 struct Cut
 {
-    Bytes front; ///< With the head of the data chunk, if there is one.
+    Bytes front; ///< Includes the header of the data chunk, if there is one.
     std::vector<Bytes> pieces;
     bool isMpeg = false;
     bool isWave = false;
@@ -113,7 +113,7 @@ Cut CutFile(const Bytes& bytes)
         place = std::min(FindData(bytes, blockAlign, tag), bytes.size());
     }
     cut.isMpeg = !cut.isWave || tag == tagMpeg;
-    // PCM is cut into pieces of some size.
+    // The block size of PCM is too small for a piece.
     blockAlign = std::max<std::size_t>(blockAlign, 64);
     cut.front.assign(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(place));
     while (place < bytes.size()) {
@@ -125,7 +125,7 @@ Cut CutFile(const Bytes& bytes)
     return cut;
 }
 
-/// Makes the sizes of the head and of the data chunk true again.
+/// Joins the pieces and corrects the sizes in the RIFF header and the data chunk.
 Bytes Join(const Cut& cut)
 {
     Bytes bytes = cut.front;
@@ -186,7 +186,7 @@ private:
     std::ptrdiff_t PickPlace() { return dice.Draw(static_cast<int>(cut.pieces.size())); }
     Bytes& Pick() { return cut.pieces[static_cast<std::size_t>(PickPlace())]; }
 
-    // The length stays, so that what follows stays where it is.
+    // Keeps the length, so that the data after it does not move.
     static void ChangeBytes(Bytes& bytes)
     {
         if (!bytes.empty()) {
@@ -194,11 +194,11 @@ private:
         }
     }
 
-    /// Another header of those that can be played, with the frame cut or filled to its new length.
+    /// Sets another valid header, and cuts or pads the frame to its new length.
     void SetHeader(Bytes& frame)
     {
         if (!cut.isMpeg || frame.size() < mpegHeadBytes) {
-            // The head of an ADPCM block: predictor and delta.
+            // The header of an ADPCM block: predictor and delta.
             for (std::size_t i = 0; i < std::min<std::size_t>(frame.size(), 2); ++i) {
                 frame[i] = static_cast<unsigned char>(dice.Draw(9));
             }
@@ -212,7 +212,7 @@ private:
         frame.resize(std::max(MpegFrameBytes(frame.data()), mpegHeadBytes));
     }
 
-    /// Some bits of where the bit counts, tables and gains of the granules stand.
+    /// Changes some bits of the side information: bit counts, tables and gains of the granules.
     void SetSideInfo(Bytes& frame)
     {
         for (int i = 0; i < 4; ++i) {
@@ -234,7 +234,7 @@ private:
 extern "C" std::size_t LLVMFuzzerCustomMutator(
     std::uint8_t* data, std::size_t size, std::size_t maxSize, unsigned int seed)
 {
-    // One in eight is of libFuzzer's own making.
+    // libFuzzer itself makes one mutation in eight.
     if (seed % 8 == 0) {
         return LLVMFuzzerMutate(data, size, maxSize);
     }

@@ -1,4 +1,4 @@
-// Decode/adpcm-*: the same minute of sound as Microsoft ADPCM, coded by sox, against libavcodec's decoder.
+// Decode/adpcm-*: one minute of sound as Microsoft ADPCM, encoded by sox, compared with libavcodec's decoder.
 
 #include "Comparison.h"
 #include "LavcDecoder.h"
@@ -18,16 +18,16 @@ namespace DecodeBench
 namespace
 {
 
-/// libavcodec rounds its prediction toward zero, where sox and we round down. What comes of it grows within a
-/// block, up to some 1100 steps here. That ours is right is shown by sox, to the bit.
+/// libavcodec rounds its prediction toward zero; sox and Harmonet round down. The difference accumulates
+/// within a block, here to about 1100 steps. Harmonet's output is bit-identical to that of sox.
 constexpr int roundingTolerance = 2048;
 
-/// A file's bytes and all that its reader has found out about them.
+/// The bytes of a file and what its reader has determined about them.
 struct AdpcmSound
 {
     Bytes data;
     Quon::SoundFormat format;
-    Quon::AdpcmNodeInfo* info = nullptr; ///< For a node to own.
+    Quon::AdpcmNodeInfo* info = nullptr; ///< A cache node takes ownership.
 };
 
 AdpcmSound LoadSound(const std::string& name)
@@ -84,7 +84,7 @@ void DecodeAdpcm(benchmark::State& state, const std::string& name)
 {
     AdpcmSound sound = LoadSound(name);
     if (sound.info == nullptr) {
-        state.SkipWithError("there is no music: sox makes it while building");
+        state.SkipWithError("the music is missing; the build creates it with sox");
         return;
     }
     Contest contest;
@@ -99,7 +99,7 @@ void DecodeAdpcm(benchmark::State& state, const std::string& name)
         return;
     }
     if (!GivesPcmOfSox(*contest.decoders.front(), name, contest.channels)) {
-        state.SkipWithError("sox gives other PCM");
+        state.SkipWithError("the PCM differs from that of sox");
         return;
     }
     contest.AddPeer(MakeLavcDecoder(std::move(lavc)));

@@ -25,7 +25,7 @@ std::vector<short> DecodeAll(PcmDecoder& decoder, int channels)
     return pcm;
 }
 
-/// The largest difference if `theirs` begins `offset` sample frames late, up to a limit.
+/// Returns the largest difference if `theirs` begins `offset` values late. Stops once it exceeds the limit.
 int LargestDifference(const std::vector<short>& ours, const std::vector<short>& theirs, int offset, int limit,
     std::size_t values)
 {
@@ -53,7 +53,7 @@ bool Agree(const std::vector<short>& ours, const std::vector<short>& theirs, int
     return false;
 }
 
-/// Time of this thread alone: what else runs on the machine does not count.
+/// Returns the processor time of this thread, which excludes other load on the machine.
 double ThreadNanoseconds()
 {
     timespec now{};
@@ -79,7 +79,7 @@ double Median(std::vector<double> values)
     return *middle;
 }
 
-/// "libavcodec mp3float" is counted as "lavc", "libmpg123" as "mpg123".
+/// Returns the name for counters: "lavc" for "libavcodec mp3float", "mpg123" for "libmpg123".
 std::string ShortName(const std::string& name)
 {
     if (name.starts_with("libavcodec")) {
@@ -96,7 +96,7 @@ std::string FindDisagreement(Contest& contest)
     for (std::size_t i = 1; i < contest.decoders.size(); ++i) {
         const std::vector<short> theirs = DecodeAll(*contest.decoders[i], contest.channels);
         if (!Agree(ours, theirs, contest.channels, contest.tolerance)) {
-            return contest.decoders[i]->GetName() + " gives other PCM";
+            return contest.decoders[i]->GetName() + " decodes different PCM";
         }
     }
     return {};

@@ -7,15 +7,15 @@
 namespace DecodeBench
 {
 
-/// Decoders of one sound, ours first. They have to agree before anything is timed.
+/// Decoders of one sound, Harmonet's first. Their output must agree before anything is timed.
 struct Contest
 {
     std::vector<PcmDecoderPointer> decoders;
     int channels = 0;
-    /// By how many 16-bit steps a peer's PCM may differ from ours.
+    /// The maximum difference, in 16-bit steps, between a peer's PCM and Harmonet's.
     int tolerance = 0;
 
-    /// Null, a peer that is not there, is left out.
+    /// Ignores null, a peer that is not available.
     void AddPeer(PcmDecoderPointer peer)
     {
         if (peer != nullptr) {
@@ -24,15 +24,14 @@ struct Contest
     }
 };
 
-/// Empty if every decoder gives the same PCM within the tolerance; otherwise what is wrong. A peer may begin
-/// or end with up to 2304 sample frames more or less.
+/// Returns an empty string if all decoders produce the same PCM within the tolerance, otherwise the error. A
+/// peer may add or omit up to 2304 sample frames at the beginning or the end.
 std::string FindDisagreement(Contest& contest);
 
-/// In each round of an iteration every decoder decodes the whole sound once, in turns, so that whatever else
-/// the machine does falls on all of them alike; what is measured is the processor time of the thread.
-/// Counters, from the medians over the rounds: `ns_per_frame`
-/// (nanoseconds per sample frame), `ns_best` (the least), `ns_<peer>` and `ratio_<peer>`: ours divided by the
-/// peer's.
+/// Runs the decoders. Each iteration consists of rounds in which every decoder decodes the whole sound once,
+/// so that other load on the machine affects all of them equally. Measures the processor time of the thread.
+/// Counters, from the medians over the rounds: `ns_per_frame` (nanoseconds per sample frame), `ns_best` (the
+/// minimum), `ns_<peer>`, and `ratio_<peer>`, Harmonet's time divided by the peer's.
 void RunContest(benchmark::State& state, Contest& contest);
 
 } // namespace DecodeBench

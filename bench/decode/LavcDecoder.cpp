@@ -84,7 +84,7 @@ private:
         }
     }
 
-    /// The packets are borrowed, not counted: the decoder copies nothing that way.
+    /// The packets are not reference-counted, so that the decoder does not copy them.
     bool DecodePacket()
     {
         const auto& bytes = stream.packets[nextPacket++];
@@ -123,7 +123,7 @@ private:
         }
     }
 
-    /// Plain loops that the compiler turns into vectors.
+    /// A plain expression, which the compiler can vectorise.
     static short ToPcm(float value)
     {
         return static_cast<short>(std::min(std::max(value * 32767.0F, -32768.0F), 32767.0F));

@@ -5,7 +5,7 @@
 namespace DecodeBench
 {
 
-/// What libavcodec has to be told of a stream ahead of its packets.
+/// The stream parameters that libavcodec needs before the packets.
 struct LavcStream
 {
     std::string codec; ///< The decoder's name in libavcodec.
@@ -16,8 +16,8 @@ struct LavcStream
     std::vector<std::span<const unsigned char>> packets; ///< In memory that outlives the decoder.
 };
 
-/// libavcodec's decoder, with its float output converted to 16 bits. Null if it has no such decoder, and
-/// where the benchmark is built without it.
+/// Returns libavcodec's decoder with its float output converted to 16 bits. Null if libavcodec has no such
+/// decoder or the benchmark is built without it.
 PcmDecoderPointer MakeLavcDecoder(LavcStream stream);
 
 } // namespace DecodeBench

@@ -1,5 +1,5 @@
-// Decode/mp3-*: a minute of music-like sound, coded by lame in five ways, against libavcodec's float decoder
-// with conversion to 16 bits and against libmpg123.
+// Decode/mp3-*: one minute of music-like sound, encoded by lame with five settings, compared with
+// libavcodec's float decoder plus conversion to 16 bits and with libmpg123.
 
 #include "Comparison.h"
 #include "LavcDecoder.h"
@@ -17,7 +17,7 @@ namespace DecodeBench
 namespace
 {
 
-/// Peers round where we truncate.
+/// Peers round; Harmonet truncates.
 constexpr int stepTolerance = 2;
 
 Bytes ReadFile(const std::string& name)
@@ -26,7 +26,7 @@ Bytes ReadFile(const std::string& name)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// The frames of a stream that holds nothing else.
+/// Splits a stream that contains only MPEG frames.
 std::vector<std::span<const unsigned char>> SplitFrames(const Bytes& stream)
 {
     std::vector<std::span<const unsigned char>> frames;
@@ -50,7 +50,7 @@ void DecodeMpeg(benchmark::State& state, const std::string& name, int channels, 
 {
     Bytes stream = ReadFile(name + ".mp3");
     if (stream.empty()) {
-        state.SkipWithError("there is no music: sox and lame make it while building");
+        state.SkipWithError("the music is missing; the build creates it with sox and lame");
         return;
     }
     Contest contest;

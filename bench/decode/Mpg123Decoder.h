@@ -5,8 +5,8 @@
 namespace DecodeBench
 {
 
-/// libmpg123 with its fastest decoder and 16-bit output, on a stream in memory that outlives it. Null where
-/// the benchmark is built without it.
+/// Returns libmpg123 with its fastest decoder and 16-bit output. `stream` must outlive it. Null if the
+/// benchmark is built without libmpg123.
 PcmDecoderPointer MakeMpg123Decoder(std::span<const unsigned char> stream);
 
 } // namespace DecodeBench

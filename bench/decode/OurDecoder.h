@@ -6,8 +6,8 @@
 namespace DecodeBench
 {
 
-/// The library's reader of a file that lies in the data cache. `format` is what the cache would know of it;
-/// null if the reader does not take it.
+/// Returns the library's reader for a file in the data cache. `format` is the format that the cache would
+/// have stored. Null if the reader rejects the file.
 PcmDecoderPointer MakeOurDecoder(
     Bytes& file, Quon::SndFile::Snd_FileType type, const Quon::SoundFormat& format, void* nodeInfo);
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-/// One decoder of a coded sound in memory, as the decoder benchmarks drive it: ours, or a peer.
+/// The decoder of an encoded sound in memory, Harmonet's or a peer's, as the benchmarks drive it.
 
 namespace DecodeBench
 {
@@ -18,10 +18,10 @@ public:
     virtual ~PcmDecoder() = default;
 
     const std::string& GetName() const { return name; }
-    /// Back to the start, as after opening. Not part of what is timed.
+    /// Returns to the start, as after opening. Not timed.
     virtual void Restart() = 0;
-    /// Decodes on, to 16-bit interleaved PCM; returns the sample frames written, 0 at the end. There is room
-    /// for as many as `pcm` holds.
+    /// Continues decoding to 16-bit interleaved PCM. Writes at most pcm.size() values and returns the number
+    /// of sample frames, 0 at the end.
     virtual int Decode(std::span<short> pcm) = 0;
 
 protected:

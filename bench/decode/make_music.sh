@@ -1,12 +1,12 @@
 #!/bin/sh
-# Makes a minute of music-like sound with sox and codes it with lame and sox, for the decoder benchmarks.
-# Usage: make_music.sh FOLDER. What is there already is kept.
+# Makes one minute of music-like sound with sox and encodes it with lame and sox, for the decoder benchmarks.
+# Usage: make_music.sh FOLDER. Existing files are kept.
 set -eu
 folder=$1
 mkdir -p "$folder"
 cd "$folder"
 
-# Two seconds with a short sound on each of so many beats.
+# Two seconds with a short sound on each beat.
 beats() # name, beats, seconds of one beat, synth arguments...
 {
     name=$1 count=$2 length=$3
@@ -53,7 +53,7 @@ code mp3-v2.mp3 -V 2
 code mp3-mono.mp3 -m m -a -b 64
 code mp3-mpeg2.mp3 -m j --resample 22.05 -b 64
 
-# ADPCM, with what sox itself decodes beside it.
+# ADPCM, together with the PCM that sox decodes from it.
 code_adpcm() # name, sox arguments for the output...
 {
     name=$1

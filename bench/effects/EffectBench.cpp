@@ -1,5 +1,5 @@
-// What each insert effect costs with its default parameters, and beside them a plain change of level, the
-// least that any effect can be.
+// The cost of each insert effect with its default parameters, compared with a plain gain, the cheapest
+// possible effect.
 
 #include "drivers/openal/effects/EffectChain.h"
 
@@ -20,7 +20,7 @@ namespace
 {
 
 constexpr int rateHz = 22050;
-/// What a channel of the driver asks for at a time.
+/// The block size of the driver's channels.
 constexpr std::size_t blockFrames = 441;
 
 struct NamedEffect
@@ -40,7 +40,7 @@ constexpr NamedEffect namedEffects[] = {
     {"WavesReverb", Quon::SndFXWavesReverb},
 };
 
-/// A second of noise, loud enough that the compressor has to work.
+/// Returns one second of noise, loud enough to engage the compressor.
 std::vector<float> MakeSound(int channels)
 {
     std::mt19937 random(1);
@@ -59,7 +59,7 @@ double GetPower(const std::vector<float>& sound)
     return sum / static_cast<double>(sound.size());
 }
 
-/// Of this thread, so that the figure is the effect's even on a busy machine.
+/// Returns the processor time of this thread, which excludes other load on the machine.
 double GetProcessorMicroseconds()
 {
     timespec now{};
@@ -85,11 +85,11 @@ void Measure(benchmark::State& state, int channels, Process process)
     }
     const double spent = GetProcessorMicroseconds() - begin;
     state.counters["us_per_second_of_sound"] = spent / static_cast<double>(state.iterations());
-    // Neither silence nor an explosion: within 30 dB of what went in.
+    // The output must be neither silent nor unstable: within 30 dB of the input.
     const double dryPower = GetPower(dry);
     const double wetPower = GetPower(wet);
     if (!(wetPower > dryPower / 1000 && wetPower < dryPower * 1000)) {
-        state.SkipWithError("the output is not as loud as a sound");
+        state.SkipWithError("the output level is implausible");
     }
 }
 

@@ -1,5 +1,5 @@
-// What rooms cost: one second of output, rendered by the OpenAL driver, with 16 positional sounds that are
-// quiet, in the open and in a room, and after the room has been left.
+// The cost of rooms: one second of output, rendered by the OpenAL driver, with 16 quiet positional sounds:
+// without a room, in a room, and after the room has been left.
 
 #include "bench/effects/RoomBench.h"
 
@@ -23,7 +23,7 @@ namespace
 constexpr int rateHz = 44100;
 constexpr int soundCount = 16;
 
-/// Of the whole process: the mixing is the calling thread's.
+/// Returns the processor time of the process. Mixing happens on the calling thread.
 double GetProcessorMicroseconds()
 {
     timespec now{};
@@ -31,7 +31,7 @@ double GetProcessorMicroseconds()
     return static_cast<double>(now.tv_sec) * 1e6 + static_cast<double>(now.tv_nsec) * 1e-3;
 }
 
-/// The driver, rendering into a file that goes away with it, with its sounds.
+/// A driver that renders its sounds to a temporary file.
 class Output
 {
 public:
@@ -94,7 +94,7 @@ enum class Place
     Open,
     InRoom,
     AfterReset,
-    OwnRoom ///< That the sounds share.
+    OwnRoom ///< A room of the sounds themselves, which they share.
 };
 
 void MeasurePlace(benchmark::State& state, Place place)
@@ -107,7 +107,7 @@ void MeasurePlace(benchmark::State& state, Place place)
     effects.Clear();
     const bool wantsRoom = place == Place::InRoom || place == Place::AfterReset;
     if (!output.IsOpen() || (wantsRoom && !output.GetDriver().SetFXEnvReverb(&Quon::fxEnvReverbCave, 2, 0))) {
-        state.SkipWithError("there is no output, or it has no rooms");
+        state.SkipWithError("there is no output, or it does not support rooms");
         return;
     }
     output.RenderSecond();

@@ -10,11 +10,11 @@
 namespace Bench
 {
 
-/// Wave files in a folder of their own, which is the root of plain file names and goes with the object.
+/// Wave files in a temporary folder, which is the root of plain file names. The destructor removes it.
 class WaveFolder
 {
 public:
-    /// The samples count up from 0 and begin anew after so many.
+    /// The samples count up from 0 and start again after this many.
     static constexpr int period = 200;
     static constexpr int rateHz = 8000;
     static constexpr int sampleFrames = 2 * rateHz;
@@ -25,7 +25,7 @@ public:
     ~WaveFolder();
 
     int GetFileCount() const { return static_cast<int>(names.size()); }
-    /// Any index; the files take turns.
+    /// Accepts any index; the names repeat.
     const Quon::PString& GetName(int index) const;
 
 private:
@@ -33,12 +33,11 @@ private:
     std::vector<Quon::PString> names;
 };
 
-/// A running sound system on the driver that does nothing, with a listener at the origin and a cache that
-/// holds all files.
+/// A running sound system on the idle driver, with a listener at the origin and a cache that holds all files.
 class BenchHost
 {
 public:
-    /// One full update.
+    /// The length of a game frame, long enough for a full update.
     static constexpr float frameSeconds = 0.05F;
 
     explicit BenchHost(int channels);

@@ -8,7 +8,7 @@ namespace
 std::atomic<std::uint64_t> allocations{0};
 }
 
-// The names under which the C library keeps its own versions for programs that put theirs in front.
+// The C library's own versions, for programs that replace malloc() and realloc().
 extern "C" void* __libc_malloc(std::size_t);
 extern "C" void* __libc_realloc(void*, std::size_t);
 

@@ -5,8 +5,8 @@
 namespace Bench
 {
 
-/// How often memory has been taken since the program began, in all libraries together. malloc() and what is
-/// built on it are counted; the system's own allocator still does the work.
+/// Returns the number of allocations since the program started, in all libraries. Counts malloc(), realloc()
+/// and what is built on them; the system's allocator still does the work.
 std::uint64_t CountAllocations();
 
 } // namespace Bench

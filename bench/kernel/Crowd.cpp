@@ -12,7 +12,7 @@ Crowd::Crowd(CrowdPlan& newPlan, const WaveFolder& newFiles, BenchHost& newHost)
     , files(newFiles)
     , host(newHost)
 {
-    // What the benchmark itself keeps of a sound does not count as the sound's.
+    // The benchmark's own memory for a sound must not count as the sound's.
     ids.reserve(static_cast<std::size_t>(plan.GetCount()));
 }
 

@@ -7,14 +7,14 @@
 namespace Bench
 {
 
-/// The crowd of a plan in the real sound system: looping positional sounds in one group, all of them nodes
-/// below one root.
+/// The crowd of a plan in the real sound system: looping positional sounds in one group, all attached to one
+/// root node.
 class Crowd
 {
 public:
     Crowd(CrowdPlan& newPlan, const WaveFolder& newFiles, BenchHost& newHost);
 
-    /// Starts further sounds of the plan until there are that many.
+    /// Starts further sounds of the plan until `count` are running.
     void Grow(int count);
     void MoveHalf();
     int CountHeard() const;

@@ -8,8 +8,8 @@
 namespace Bench
 {
 
-/// Where the sounds of a crowd stand and how important they are, the same at each run: around the origin,
-/// where the listener stands while they are started.
+/// The positions and priorities of the sounds of a crowd, the same in each run. The positions are around the
+/// origin, where the listener is while the sounds start.
 class CrowdPlan
 {
 public:
@@ -26,10 +26,10 @@ public:
     explicit CrowdPlan(int count);
 
     int GetCount() const { return static_cast<int>(places.size()); }
-    /// The most important first: in this order a new sound comes to stand near the end of its list, and the
-    /// start takes no time.
+    /// The most important first. In this order a new sound is inserted near the end of its list, which keeps
+    /// starting fast.
     const Place& GetPlace(int index) const { return places[static_cast<std::size_t>(index)]; }
-    /// Anywhere in the world, for a sound that moves.
+    /// Returns a random position in the world, for a sound that moves.
     Quon::Vector3 AnyPosition();
 
 private:

@@ -12,14 +12,14 @@
 #include <utility>
 #include <vector>
 
-// FullUpdate/within/N and FullUpdate/over/N: one full update with N looping positional sounds of 200 files,
-// half of which move, as the listener does. Within: there is a channel for each. Over: 64 channels.
-// FullUpdate/still/N is "within" with nothing that moves, FullUpdate/names/N is "over" with a file name for
-// each sound. Only the update is timed, not the game's own moving of things, and the driver does nothing.
+// FullUpdate/within/N and FullUpdate/over/N: one full update with N looping positional sounds of 200 files.
+// Half of the sounds and the listener move. Within: a channel for each sound. Over: 64 channels.
+// FullUpdate/still/N is "within" without movement; FullUpdate/names/N is "over" with a different file for
+// each sound. Only the update is timed, not the game's own movement, and the driver does nothing.
 //
-// Counters: us_per_update, the median, and us_at_best, the fastest tenth; ratio_soloud, the fastest tenth of
-// ours by that of SoLoud, updated in turns with ours; naive_us_per_update, the decision alone in the plain
-// form of the same rules; bytes_per_sound, all that the process takes for one more sound;
+// Counters: us_per_update, the median; us_at_best, the 10th percentile; ratio_soloud, Harmonet's 10th
+// percentile divided by SoLoud's, updated alternately; naive_us_per_update, the decision alone in a naive
+// implementation of the same rules; bytes_per_sound, the memory that the process needs for one more sound;
 // allocations_per_update.
 
 namespace
@@ -43,10 +43,10 @@ struct Size
 {
     int sounds;
     int updates;
-    int naiveUpdates; ///< 0 where the plain form takes too long.
+    int naiveUpdates; ///< 0 if the naive form would take too long.
 };
 
-// The set-up is costly, so the number of updates is given here and not searched for.
+// Set-up is expensive, so the number of updates is fixed rather than determined by the benchmark library.
 constexpr Size sizes[] = {
     {100, 4000, 200}, {1000, 2000, 10}, {4095, 500, 3}, {10'000, 200, 0}, {100'000, 40, 0}};
 
@@ -60,7 +60,7 @@ std::size_t UsedBytes()
 class Times
 {
 public:
-    /// Has room for so many, so that taking one allocates nothing.
+    /// Reserves memory, so that taking a time does not allocate.
     explicit Times(benchmark::IterationCount count) { times.reserve(static_cast<std::size_t>(count)); }
 
     template<class Work>
@@ -73,9 +73,9 @@ public:
         return taken.count();
     }
 
-    /// A machine that does other things too disturbs a few updates much.
+    /// The median is robust against a few updates that other load slows down.
     double GetMedian() { return GetRank(times.size() / 2); }
-    /// A busy machine disturbs most updates: what those take that it has left alone.
+    /// The 10th percentile estimates the undisturbed time even if other load slows down most updates.
     double GetBest() { return GetRank(times.size() / 10); }
 
 private:
@@ -138,7 +138,7 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
         host.Update();
     }
     std::unique_ptr<Bench::PeerCrowd> peer;
-    if (kind == Kind::Over && Bench::PeerCrowd::IsThere() && size.sounds <= Bench::PeerCrowd::maxCount) {
+    if (kind == Kind::Over && Bench::PeerCrowd::IsAvailable() && size.sounds <= Bench::PeerCrowd::maxCount) {
         peer = std::make_unique<Bench::PeerCrowd>(size.sounds);
     }
     Times times(size.updates);
@@ -162,15 +162,14 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
     state.counters["allocations_per_update"] =
         static_cast<double>(allocations) / static_cast<double>(state.iterations());
 
-    // A sound that has just come on keeps its channel for a while, whatever the limit, but not beyond it for
-    // long.
+    // A sound that has just got a channel keeps it for a short time, which can exceed the limit temporarily.
     const int expected = std::min(size.sounds, channels);
     int naiveHeard = expected;
     if (size.naiveUpdates > 0 && kind == Kind::Over) {
         state.counters["naive_us_per_update"] = MeasureNaive(size, naiveHeard);
     }
     if (!host.IsRunning() || crowd.CountHeard() != expected || naiveHeard != expected) {
-        state.SkipWithError("other sounds are heard than should be");
+        state.SkipWithError("the wrong number of sounds is heard");
     }
 }
 
@@ -178,10 +177,10 @@ const bool registered = [] {
     constexpr std::pair<const char*, Kind> kinds[] = {{"FullUpdate/within/", Kind::Within},
         {"FullUpdate/still/", Kind::Still}, {"FullUpdate/over/", Kind::Over},
         {"FullUpdate/names/", Kind::Names}};
-    constexpr int mostFiles = 10'000;
+    constexpr int maxFiles = 10'000;
     for (const auto& [name, kind] : kinds) {
         for (const Size& size : sizes) {
-            if (kind == Kind::Names && size.sounds > mostFiles) {
+            if (kind == Kind::Names && size.sounds > maxFiles) {
                 continue;
             }
             benchmark::RegisterBenchmark((name + std::to_string(size.sounds)).c_str(), FullUpdate, kind, size)

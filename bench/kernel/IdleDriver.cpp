@@ -1,5 +1,5 @@
-// A driver that takes every call and does nothing, so that what a benchmark measures is the sound system.
-// There is no limit of channels; they never read, never end and never report.
+// A driver that accepts every call and does nothing, so that a benchmark measures only the sound system. The
+// number of channels is unlimited; they never read, never end and never report.
 
 #include "drivers/common/DriverChannel.h"
 #include "drivers/common/DriverExport.h"

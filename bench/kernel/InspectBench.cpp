@@ -2,8 +2,8 @@
 
 #include <benchmark/benchmark.h>
 
-// Inspect/N: a snapshot of N sounds as a debug overlay takes it in each game frame, after an update in which
-// half of them have moved, with 64 channels. Only the snapshot is timed.
+// Inspect/N: a snapshot of N sounds, as a debug overlay takes in each game frame, after an update in which
+// half of them moved, with 64 channels. Only the snapshot is timed.
 
 namespace
 {

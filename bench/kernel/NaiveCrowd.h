@@ -6,8 +6,8 @@
 namespace Bench
 {
 
-/// The crowd of a plan, and who of it is heard, decided in the plainest form of the kernel's rules: what that
-/// costs when nothing has been done about it. All sounds have run without a channel for long.
+/// The crowd of a plan, with a naive implementation of the kernel's rules for who is heard: the cost without
+/// optimisation. All sounds have been virtual for a long time.
 class NaiveCrowd
 {
 public:

@@ -47,7 +47,7 @@ struct PeerCrowd::Voices
     float listenerX = 0.0F;
 };
 
-bool PeerCrowd::IsThere()
+bool PeerCrowd::IsAvailable()
 {
     return true;
 }
@@ -80,7 +80,7 @@ struct PeerCrowd::Voices
 {
 };
 
-bool PeerCrowd::IsThere()
+bool PeerCrowd::IsAvailable()
 {
     return false;
 }

@@ -5,20 +5,20 @@
 namespace Bench
 {
 
-/// As many three-dimensional sounds in SoLoud with 64 audible voices, if the build has been given its folder
-/// (HARMONET_PEERS): what it does about them in place of a full update. It has no priorities, no duplicates
-/// and no scene nodes, and its sounds without a voice stand still.
+/// The same number of 3D sounds in SoLoud with 64 audible voices, if the build knows its folder
+/// (HARMONET_PEERS). Update() does what corresponds to a full update. SoLoud has no priorities, duplicates or
+/// scene nodes, and its sounds without a voice do not advance.
 class PeerCrowd
 {
 public:
-    /// The most sounds that it takes.
+    /// The maximum number of sounds in SoLoud.
     static constexpr int maxCount = 4095;
 
     explicit PeerCrowd(int count);
     ~PeerCrowd();
 
-    static bool IsThere();
-    /// Moves half of the sounds to anywhere, and the listener.
+    static bool IsAvailable();
+    /// Moves half of the sounds to random positions, and the listener.
     void Move();
     void Update();
 

@@ -9,8 +9,8 @@
 #include <memory>
 #include <vector>
 
-// ReadPcm/...: a driver reads PCM in pieces of 1024 sample frames, from memory and from an open file; beside
-// them the same number of bytes copied by memcpy.
+// ReadPcm/...: a driver reads PCM in blocks of 1024 sample frames, from memory and from an open file,
+// compared with memcpy of the same number of bytes.
 
 namespace
 {
@@ -29,7 +29,7 @@ void CountFrames(benchmark::State& state, std::int64_t frames)
         static_cast<double>(frames) * 1e-9, benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-/// Reads round and round; what was read last has to be what stands there.
+/// Reads the data repeatedly. The last block must match the file.
 void ReadRound(benchmark::State& state, SndFile& data, const std::int16_t* expected)
 {
     Piece piece{};
@@ -48,7 +48,7 @@ void ReadRound(benchmark::State& state, SndFile& data, const std::int16_t* expec
     }
     CountFrames(state, frames);
     if (given != pieceFrames || std::memcmp(piece.data(), expected + from, sizeof piece) != 0) {
-        state.SkipWithError("other PCM came than should");
+        state.SkipWithError("the PCM that was read is wrong");
     }
 }
 

@@ -6,10 +6,10 @@
 #include <benchmark/benchmark.h>
 #include <memory>
 
-// StartStop/cached/N: a game plays a sound whose data are in the cache, on a channel at once, and stops it,
-// while N others play. StartMany/FORM/N: a game starts N positional sounds in one of its frames, and the
-// update that follows. Within: with a channel for each; over: with 64; names: with 64, and a file name for
-// each.
+// StartStop/cached/N: a game plays a cached sound immediately on a channel and stops it, while N others play.
+// StartMany/FORM/N: a game starts N positional sounds in one game frame; includes the update that follows.
+// Within: a channel for each sound. Over: 64 channels. Names: 64 channels and a different file for each
+// sound.
 
 namespace
 {
@@ -41,7 +41,7 @@ void StartStopCached(benchmark::State& state)
     }
 }
 
-// Like and unlike, near and far, in no order. The group ends its sounds with itself.
+// Starts duplicates and different sounds, near and far, in random order. The group's destructor ends them.
 void StartCrowd(Sound& group, Bench::CrowdPlan& plan, const Bench::WaveFolder& files)
 {
     constexpr int priorities = 3;
@@ -70,7 +70,7 @@ void StartMany(benchmark::State& state, int channels, int numFiles)
         state.ResumeTiming();
     }
     if (!host.IsRunning()) {
-        state.SkipWithError("there is no sound system");
+        state.SkipWithError("the sound system is not running");
     }
 }
 
@@ -80,7 +80,7 @@ BENCHMARK_CAPTURE(StartMany, within, 10'000, fileCount)
     ->Iterations(10)
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(StartMany, over, 64, fileCount)->Arg(10'000)->Iterations(10)->Unit(benchmark::kMillisecond);
-// Twice as many take twice as long.
+// Shows that twice as many take twice as long.
 BENCHMARK_CAPTURE(StartMany, names, 64, 8'000)
     ->RangeMultiplier(2)
     ->Range(1'000, 8'000)

@@ -1,5 +1,5 @@
-# 64-bit ARM Linux from Debian's cross compiler and arm64 packages, which lie beside those of the machine itself.
-# What is built runs under an emulator.
+# Builds for 64-bit ARM Linux with Debian's cross compiler and arm64 packages, which are installed next to the machine's own.
+# The programs run in an emulator.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)

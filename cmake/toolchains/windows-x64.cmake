@@ -3,7 +3,7 @@ set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 
 set(triplet x86_64-w64-mingw32)
-# The compiler with threads of the C++ library; the other one has none.
+# The variant with C++ threads; the win32 variant has none.
 set(CMAKE_CXX_COMPILER ${triplet}-g++-posix)
 set(CMAKE_C_COMPILER ${triplet}-gcc-posix)
 set(CMAKE_RC_COMPILER ${triplet}-windres)
@@ -13,5 +13,5 @@ set(CMAKE_FIND_ROOT_PATH /usr/${triplet} "${CMAKE_CURRENT_LIST_DIR}/../../build/
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
-# Packages may lie anywhere, such as one that was made here.
+# Packages may be anywhere, for example in the build folder.
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE BOTH)

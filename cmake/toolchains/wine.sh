@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# Runs a program for Windows with Wine: wine.sh PROGRAM [ARGUMENT...]. wine.sh --start prepares that, and --stop ends
-# what still runs.
+# Runs a Windows program with Wine: wine.sh PROGRAM [ARGUMENT...]. wine.sh --start starts Wine's services, and --stop ends
+# them.
 #
-# Without a screen, without messages of Wine's own, and in a prefix of the build's, which the first run makes. A
-# program without run-time libraries of the compiler beside it finds those of the machine.
+# Runs without a display, without Wine's own messages, and in a prefix in the build folder, which the first run creates. A
+# program that has no run-time libraries of the compiler next to it uses the installed ones.
 set -euo pipefail
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 
 export WINEPREFIX=${WINEPREFIX:-$here/build/wine} WINEARCH=win64 WINEDEBUG=${WINEDEBUG:--all}
-# Neither .NET nor a browser: each would ask for a download. No sound device, as on a machine that has none.
+# Disables .NET and the browser, which would prompt for a download, and the sound device.
 export WINEDLLOVERRIDES="mscoree,mshtml,winealsa.drv,winepulse.drv=${WINEDLLOVERRIDES:+;$WINEDLLOVERRIDES}"
 # Arguments and file names are in UTF-8.
 export LC_ALL=C.UTF-8
@@ -19,11 +19,12 @@ if [ "${1:-}" = --stop ]; then
     exit 0
 fi
 
-# Debian puts it where no PATH leads.
+# Debian installs it in a folder that is not in PATH.
 wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
 mkdir -p "$(dirname "$WINEPREFIX")"
 
-# While a program runs, Wine's services stay, and the next one starts ten times faster. This one waits for a line.
+# Wine's services keep running while a program runs, which makes the next one start ten times faster. This one waits for a
+# line.
 if [ "${1:-}" = --start ]; then
     "$wine" wineboot -i
     rm -f "$WINEPREFIX/nothing"

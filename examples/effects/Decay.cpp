@@ -10,7 +10,7 @@ namespace EffectsExample
 namespace
 {
 
-// A second-order band-pass filter with a gain of 1 at its centre, run over the sound in place.
+// Applies a second-order band-pass filter with a gain of 1 at its centre to the sound, in place.
 void FilterBand(std::vector<double>& sound, int rateHz, double centreHz)
 {
     const double octaveQuality = std::numbers::sqrt2;

@@ -11,7 +11,7 @@ namespace EffectsExample
 namespace
 {
 
-/// The value of a sound, from -1 to 1, at a time in seconds.
+/// Returns the value of a sound, from -1 to 1, at a time in seconds.
 using Formula = std::function<double(double)>;
 
 Pcm Render(double seconds, const Formula& formula)

@@ -11,14 +11,13 @@ using Pcm = std::vector<std::int16_t>;
 
 constexpr int rateHz = 44100;
 
-/// Something for effects to work on: a string is plucked, a drum struck, and then it is quiet. Two seconds;
-/// the same at every call.
+/// Returns an input for effects: a plucked string, a drum, then silence. Two seconds; the same in every call.
 Pcm MakeDrySound();
 
-/// A click of a thousandth of a second.
+/// Returns a click of one millisecond.
 Pcm MakeClick();
 
-/// One second of a steady tone of 440 Hz, of which whole periods fit into a tenth of a second.
+/// Returns one second of a steady tone of 440 Hz. A tenth of a second holds a whole number of periods.
 Pcm MakeTone(double amplitude);
 
 } // namespace EffectsExample

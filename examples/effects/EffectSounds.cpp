@@ -23,7 +23,7 @@ struct Insert
     std::function<bool(Quon::Sound&, int)> set;
 };
 
-// Strong enough to be seen; what the numbers mean stands in harmonet/definitions/FXRecords.h.
+// Settings that are clearly visible in a spectrogram. harmonet/definitions/FXRecords.h documents the fields.
 const Insert inserts[] = {
     {"chorus",
         [](Quon::Sound& sounds, int id) {
@@ -91,7 +91,7 @@ void Render(const std::filesystem::path& file, const Insert* insert, const Named
         throw std::runtime_error(std::string("no effect: ") + insert->name);
     }
     if (room && !stage.GetListener().SetFXEnvReverb(&room->room, Quon::defaultEnvReverbQuality, 0)) {
-        throw std::runtime_error("the driver has no rooms");
+        throw std::runtime_error("the driver does not support rooms");
     }
     stage.Start(id);
     stage.Run(durationMs);

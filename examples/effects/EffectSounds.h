@@ -5,7 +5,7 @@
 namespace EffectsExample
 {
 
-/// Renders the dry sound into files of the folder: as it is (dry.wav), through each of the eight insert
+/// Renders the dry sound to files in the folder: unchanged (dry.wav), through each of the eight insert
 /// effects (chorus.wav and so on), and in six rooms (room-cave.wav and so on).
 void RenderSounds(const std::filesystem::path& folder);
 

@@ -17,9 +17,9 @@ namespace
 
 constexpr double amplitude = 0.5;
 
-/// How a mono source comes out of two speakers: a microphone for each side that hears its own side at 1, the
-/// other at 0, and the front a little better than the back. `degrees` to the left of straight ahead; what is
-/// in front counts as half as far again to the side, up to 90 degrees.
+/// How a mono source is distributed to two speakers: as by one microphone for each side, with a gain of 1
+/// towards its own side, 0 towards the other, and slightly more towards the front than the back. `degrees` is
+/// to the left of straight ahead. Angles in front are multiplied by 1.5, up to 90 degrees.
 struct Sides
 {
     double left;
@@ -37,7 +37,7 @@ Sides GetSides(double degrees)
     return {middle + 0.5 * std::sin(radians), middle - 0.5 * std::sin(radians)};
 }
 
-/// Straight ahead, at full level.
+/// The factor straight ahead, at full level.
 const double fullLevel = GetSides(0.0).left;
 
 struct Situation
@@ -54,7 +54,7 @@ Situation AtLevel(const std::string& name, double expected, std::function<void(S
 
 double Level(const std::vector<double>& sound)
 {
-    // The last whole tenth of a second.
+    // The last complete tenth of a second.
     constexpr std::size_t count = rateHz / 10;
     double power = 0.0;
     for (std::size_t i = sound.size() - count; i < sound.size(); ++i) {
@@ -77,24 +77,26 @@ std::vector<Situation> GetGains()
     return all;
 }
 
-/// min / (min + rolloff * (distance - min)), with the distance held to the range.
-Situation FromAfar(double least, double most, double rolloff, double distance)
+/// min / (min + rolloff * (distance - min)), with the distance clamped to the range.
+Situation AtDistance(double minimum, double maximum, double rolloff, double distance)
 {
-    const double held = std::min(std::max(distance, least), most);
+    const double clamped = std::clamp(distance, minimum, maximum);
     char name[100];
-    std::snprintf(name, sizeof name, "distance %g of %g to %g, rolloff %g", distance, least, most, rolloff);
-    return AtLevel(name, least / (least + rolloff * (held - least)), [=](Stage& stage, int id) {
+    std::snprintf(
+        name, sizeof name, "distance %g of %g to %g, rolloff %g", distance, minimum, maximum, rolloff);
+    return AtLevel(name, minimum / (minimum + rolloff * (clamped - minimum)), [=](Stage& stage, int id) {
         stage.GetListener().SetRolloffFactor(static_cast<float>(rolloff));
         stage.GetSounds().SetSoundMinMaxDistance(
-            id, static_cast<float>(least), static_cast<float>(most), false);
+            id, static_cast<float>(minimum), static_cast<float>(maximum), false);
         stage.GetSounds().SetSoundPosition(id, {0.0F, 0.0F, -static_cast<float>(distance)});
     });
 }
 
 std::vector<Situation> GetDistances()
 {
-    return {FromAfar(2, 50, 1, 1), FromAfar(2, 50, 1, 4), FromAfar(2, 50, 1, 20), FromAfar(2, 50, 1, 200),
-        FromAfar(2, 50, 2, 4), FromAfar(2, 50, 0.5, 20), FromAfar(2, 50, 0, 20)};
+    return {AtDistance(2, 50, 1, 1), AtDistance(2, 50, 1, 4), AtDistance(2, 50, 1, 20),
+        AtDistance(2, 50, 1, 200), AtDistance(2, 50, 2, 4), AtDistance(2, 50, 0.5, 20),
+        AtDistance(2, 50, 0, 20)};
 }
 
 std::vector<Situation> GetCutouts()
@@ -112,7 +114,7 @@ std::vector<Situation> GetCutouts()
     return all;
 }
 
-/// The sound turns away from the listener: at 180 degrees its back faces the listener.
+/// The sound turned away from the listener. At 180 degrees its back faces the listener.
 Situation TurnedAway(double degrees)
 {
     constexpr float inner = 60.0F;
@@ -124,7 +126,7 @@ Situation TurnedAway(double degrees)
     return AtLevel(name, 1.0 - part * (1.0 - double{outside}), [=](Stage& stage, int id) {
         const double half = degrees * std::numbers::pi / 360.0;
         stage.GetSounds().SetSoundCone(id, inner, outer, outside);
-        // The axis is the node's own +Z, which at first points at the listener.
+        // The axis is the node's own +Z, which initially points at the listener.
         stage.GetSounds().BindSoundAxisToDirection(id, 3);
         stage.GetSounds().SetSoundOrientation(
             id, {0.0F, static_cast<float>(std::sin(half)), 0.0F, static_cast<float>(std::cos(half))});

@@ -5,8 +5,8 @@
 namespace EffectsExample
 {
 
-/// Plays a steady tone at many places, with all that a place can be given, into a file of the folder. Prints
-/// for each the level that the formula gives and the one that was rendered.
+/// Renders a steady tone with many positions, distances, cones and gains to a file in the folder. Prints the
+/// level by formula and the rendered level of each.
 void PrintPlacementTable(const std::filesystem::path& folder);
 
 } // namespace EffectsExample

@@ -53,13 +53,13 @@ const Preset presets[] = {
     {"Psychotic", Quon::fxEnvReverbPsychotic},
 };
 
-/// What is heard of so many clicks at once in a room, without the clicks themselves.
+/// Renders `count` simultaneous clicks in a room and returns the result without the clicks themselves.
 std::vector<double> RenderClicks(const std::filesystem::path& file, const Quon::FXEnvReverb& room, int count)
 {
     const Pcm click = MakeClick();
     Stage stage(file);
     if (!stage.GetListener().SetFXEnvReverb(&room, Quon::defaultEnvReverbQuality, 0)) {
-        throw std::runtime_error("the driver has no rooms");
+        throw std::runtime_error("the driver does not support rooms");
     }
     Quon::FXEnvReverbSourceProperties onlyRoom{};
     onlyRoom.direct = -10000;
@@ -72,8 +72,8 @@ std::vector<double> RenderClicks(const std::filesystem::path& file, const Quon::
     return stage.Read().left;
 }
 
-/// A click in a room, as loud as the 16 bits of the file take it: the quiet rooms end in their noise
-/// otherwise.
+/// Returns a click in a room, as loud as the 16-bit file allows. Quiet rooms would otherwise end in
+/// quantisation noise.
 std::vector<double> RenderLoudClick(const std::filesystem::path& file, const Quon::FXEnvReverb& room)
 {
     std::vector<double> heard = RenderClicks(file, room, 1);
@@ -85,7 +85,7 @@ std::vector<double> RenderLoudClick(const std::filesystem::path& file, const Quo
     return count > 1 ? RenderClicks(file, room, count) : heard;
 }
 
-/// How long a room decays at 500 Hz, as a part of its decay time.
+/// Returns how long a room decays at 500 Hz, relative to its decay time.
 double MeasureRatio(const std::filesystem::path& folder, const Quon::FXEnvReverb& room)
 {
     const std::vector<double> heard = RenderLoudClick(folder / "click.wav", room);

@@ -10,7 +10,7 @@
 namespace EffectsExample
 {
 
-static_assert(std::endian::native == std::endian::little, "samples are read as they lie in the file");
+static_assert(std::endian::native == std::endian::little, "samples are read without byte swapping");
 
 Stage::Stage(std::filesystem::path newFile)
     : file(std::move(newFile))
@@ -33,10 +33,10 @@ int Stage::Add(const Pcm& pcm, const Quon::Vector3& position)
     format.channels = 1;
     format.samplesPerSecond = rateHz;
     format.bitsPerSample = 16;
-    // Read only, whatever the signature says.
+    // The library only reads it, although the signature is not const.
     void* const data = const_cast<std::int16_t*>(pcm.data());
     const int id = sounds.New3DSound(data, pcm.size() * sizeof(std::int16_t), &format);
-    // A sound from memory begins with a cone of no width.
+    // A sound from memory starts with a cone of width 0.
     sounds.SetSoundCone(id, 360.0F, 360.0F, 1.0F);
     sounds.SetSoundMinMaxDistance(id, 1.0F, 100.0F, false);
     sounds.SetSoundPosition(id, position);

@@ -13,15 +13,15 @@
 namespace EffectsExample
 {
 
-/// What was heard on one side, from -1 to 1.
+/// The output of each side, from -1 to 1.
 struct Heard
 {
     std::vector<double> left;
     std::vector<double> right;
 };
 
-/// A sound system that renders into a file, with a listener in the middle of the world who looks along -Z.
-/// There is one at a time. Throws std::runtime_error if the system does not start.
+/// A sound system that renders to a file, with a listener at the origin who looks along -Z. At most one may
+/// exist. Throws std::runtime_error if the system does not start.
 class Stage
 {
 public:
@@ -29,17 +29,17 @@ public:
 
     explicit Stage(std::filesystem::path newFile);
 
-    /// Makes a sound at a place that is to be started with Start(). The PCM must outlive the stage.
+    /// Creates a sound at a position, to be started with Start(). The PCM must outlive the stage.
     int Add(const Pcm& pcm, const Quon::Vector3& position);
     void Start(int id, bool looping = false);
 
-    /// Lets so much time go by, in steps of 50 ms.
+    /// Advances the time, in steps of 50 ms.
     void Run(long ms);
 
     Quon::Sound& GetSounds() { return sounds; }
     Quon::Microphone& GetListener() { return listener; }
 
-    /// All that has been rendered so far.
+    /// Returns everything that has been rendered so far.
     Heard Read() const;
 
 private:

@@ -1,6 +1,6 @@
 // Shows what the effects do. harmonet_effects sounds FOLDER renders one dry sound through each insert effect
-// and in six rooms, into files of FOLDER. harmonet_effects rooms FOLDER and harmonet_effects places FOLDER
-// render what they measure into FOLDER, and print a table.
+// and in six rooms to files in FOLDER. harmonet_effects rooms FOLDER and harmonet_effects places FOLDER
+// render test sounds to FOLDER, measure them and print a table.
 
 #include "examples/effects/EffectSounds.h"
 #include "examples/effects/PlacementTable.h"

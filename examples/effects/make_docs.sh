@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Makes what docs/effects.md and docs/3d.md show from what the example renders: make_docs.sh [HARMONET_EFFECTS]
+# Updates the measured content of docs/effects.md and docs/3d.md with the example: make_docs.sh
+# [HARMONET_EFFECTS]
 #
-# The spectrograms go to docs/effects.png, the tables between the marks "<!-- rooms -->" and "<!-- places -->"
-# and the next "<!-- end -->".
+# The spectrograms go to docs/effects.png. The tables go between the marks "<!-- rooms -->" or "<!-- places
+# -->" and the next "<!-- end -->".
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 program=${1:-build/release/bin/harmonet_effects}
@@ -20,12 +21,12 @@ trap 'rm -rf "$work"' EXIT
 "$program" sounds "$work/sounds"
 order=(dry chorus flanger echo distortion compressor equaliser gargle wavesreverb
     room-room room-bathroom room-stonecorridor room-cave room-hangar room-underwater)
-# The system's Python has Debian's python3-matplotlib.
+# The system's Python, which has Debian's python3-matplotlib.
 /usr/bin/python3 examples/effects/plot_spectrograms.py "$work/sounds" docs/effects.png "${order[@]}"
 
 # --- The tables ------------------------------------------------------------------------------------------------------
 
-# insert_table MARK PAGE: puts the table that the program prints for MARK into the page.
+# insert_table MARK PAGE: replaces the table after MARK in the page with the one that the program prints.
 insert_table() {
     local mark=$1 page=$2
     "$program" "$mark" "$work" >"$work/$mark.md"

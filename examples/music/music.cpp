@@ -1,5 +1,5 @@
-// Plays a piece whose beginning is heard once and the rest as a loop, saves the game in the middle of it,
-// loads it again, and lets a second piece take over where the loop begins anew: music FOLDER PIECE NEXT.
+// Plays a piece with an intro and a loop, saves the game in the middle of it, loads it again, and cross-fades
+// to a second piece where the loop starts again: music FOLDER PIECE NEXT.
 
 #include "harmonet/instances/Music.h"
 #include "harmonet/engine/File.h"
@@ -26,7 +26,7 @@ void RunFrames(int count)
     }
 }
 
-/// Cross-fades to the next piece when the present one has gone round its loop.
+/// Cross-fades to the next piece when the current one has completed its loop.
 class Conductor : public Quon::MusicObserver
 {
 public:
@@ -74,12 +74,12 @@ int main(int argumentCount, char** arguments)
         return 1;
     }
 
-    // The first half second is heard once. A definition says the same with *LOOPING and *LOOP_START.
+    // The first half second is heard once. In a definition, *LOOPING and *LOOP_START have the same effect.
     Quon::Music::Settings settings;
     settings.loop = true;
     settings.loopStart = 22050;
 
-    // What belongs into a saved game.
+    // The state to store in a saved game.
     unsigned long savedMs = 0;
     {
         Quon::Music music;

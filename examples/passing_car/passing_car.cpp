@@ -1,4 +1,4 @@
-// Plays a sound as a loop on a car that passes the listener at 30 m/s: passing_car FOLDER NAME.
+// Plays a looping sound on a car that passes the listener at 30 m/s: passing_car FOLDER NAME.
 
 #include "harmonet/engine/File.h"
 #include "harmonet/engine/OS.h"
@@ -20,7 +20,7 @@ int main(int argumentCount, char** arguments)
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetOpenAL,HarmonetNull");
     os.GetOptions()->Set("SoundFrequency", "44100");
-    // In percent: as in nature. A unit of this world is a metre, so that the speed of sound stays 343.
+    // In percent: the natural strength. World units are metres here, so the speed of sound stays at 343.
     os.GetOptions()->Set("SoundDoppler", "100");
     Quon::SoundSystem system;
     if (!system.Init(&os, false)) {

@@ -1,4 +1,4 @@
-// Plays a sound as a loop, and opens a pause menu for a second: pause_menu FOLDER NAME.
+// Plays a looping sound and opens a pause menu for a second: pause_menu FOLDER NAME.
 
 #include "harmonet/engine/File.h"
 #include "harmonet/engine/OS.h"

@@ -10,7 +10,7 @@ namespace River
 namespace
 {
 
-// World units to points of the picture.
+// Points of the picture per world unit.
 constexpr float scale = 4.0F;
 constexpr float left = -125.0F;
 constexpr float top = -50.0F;
@@ -78,7 +78,7 @@ void DrawStep(Svg& svg, const Step& step, std::size_t number)
     for (const Quon::Vector3& place : step.places) {
         svg.AddLine(step.listener, place, stroke.c_str());
     }
-    // The first source has the full gain, the others half of it.
+    // The first source has full gain, the others half of it.
     for (std::size_t rank = 0; rank < step.places.size(); ++rank) {
         const std::string style = "stroke=\"" + colour + "\" stroke-width=\"2\" fill=\"" +
             (rank == 0 ? colour : std::string("#fbfaf5")) + '"';
@@ -111,7 +111,8 @@ std::string Draw(const std::vector<Quon::Vector3>& river, const std::vector<Step
     }
     svg.Add(
         "<text x=\"20\" y=\"%d\" fill=\"#444444\">A listener walks from 1 to %d. At each step the river is "
-        "heard from the places of that colour: filled, the nearest, at full gain; hollow, at half "
+        "heard from the points of the same colour: the nearest, filled, at full gain; the others, hollow, at "
+        "half "
         "gain.</text>\n",
         height - 16, static_cast<int>(steps.size()));
     return svg.Finish();

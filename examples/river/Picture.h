@@ -8,14 +8,14 @@
 namespace River
 {
 
-/// Where the listener stood, and where the line was heard from then, the nearest place first.
+/// The position of the listener, and the positions from which the line was heard, the nearest first.
 struct Step
 {
     Quon::Vector3 listener;
     std::vector<Quon::Vector3> places;
 };
 
-/// The river and the steps as seen from above, X to the right and Z downwards, as an SVG document.
+/// Returns an SVG document of the river and the steps from above, with X to the right and Z downwards.
 std::string Draw(const std::vector<Quon::Vector3>& river, const std::vector<Step>& steps);
 
 } // namespace River

@@ -1,6 +1,6 @@
 // Draws where a sound along a line is heard from: river SOUNDS OUT.svg. A listener walks along the river of
-// the definition river.sound.txt in the folder SOUNDS; after each step the sound library is asked for the
-// places.
+// the definition river.sound.txt in the folder SOUNDS. After each step the program queries the positions of
+// the sources.
 
 #include "examples/river/Picture.h"
 
@@ -21,7 +21,7 @@ namespace
 
 constexpr const char* riverName = "river.sound.txt";
 constexpr float frameSeconds = 0.05F;
-constexpr int mostPlaces = 8;
+constexpr int maxPlaces = 8;
 
 constexpr Quon::Vector3 path[] = {{-96, 0, -36}, {-66, 0, -16}, {-42, 0, -12}, {-6, 0, 6}, {16, 0, 0},
     {36, 0, 12}, {64, 0, -12}, {94, 0, -14}};
@@ -54,8 +54,8 @@ std::vector<River::Step> Walk(const Quon::ResourceDatabase& database)
     for (const Quon::Vector3& place : path) {
         listener.SetPosition(place);
         Quon::TaskList::Get().Update(frameSeconds);
-        Quon::Vector3 places[mostPlaces];
-        const int count = sounds.GetSoundPlaces(river, places, mostPlaces);
+        Quon::Vector3 places[maxPlaces];
+        const int count = sounds.GetSoundPlaces(river, places, maxPlaces);
         steps.push_back({place, {places, places + count}});
     }
     return steps;
@@ -69,7 +69,7 @@ int main(int argumentCount, char** arguments)
         std::fprintf(stderr, "usage: river SOUNDS OUT.svg\n");
         return 2;
     }
-    // Nothing is to be heard.
+    // No audible output is needed.
     Quon::OS os;
     os.GetOptions()->Set("Sound", "HarmonetNull");
     QuonGetPlugins();
@@ -84,7 +84,7 @@ int main(int argumentCount, char** arguments)
     out << River::Draw(ReadRiver(database), steps);
     out.close();
     if (steps.empty() || !out) {
-        std::fprintf(stderr, "river: the river cannot be played, or '%s' not be written\n", arguments[2]);
+        std::fprintf(stderr, "river: the river cannot be played, or '%s' cannot be written\n", arguments[2]);
         return 1;
     }
     return 0;

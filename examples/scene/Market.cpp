@@ -19,8 +19,8 @@ constexpr long crossFadeAtMs = Market::durationMs / 2;
 constexpr int fadeMs = 4000;
 constexpr float musicGain = 0.15F;
 
-// Music has the priority 0. On the list of what plays it goes first, and what cannot pass it there has to
-// yield to the more important sounds of the other lists: so nothing here is more important than the music.
+// Music has priority 0 and heads the list of playing sounds. A playing sound that cannot pass it must yield
+// to more important sounds of the other lists. Therefore no sound here is more important than the music.
 constexpr int standingPriority = -1;
 constexpr int passingPriorities = 3; ///< 0, -1 and -2.
 
@@ -102,10 +102,11 @@ int Market::Play(const char* name, const Quon::Vector3& position, int priority)
     return id;
 }
 
-float Market::Between(float least, float most)
+float Market::Between(float minimum, float maximum)
 {
-    // The standard leaves its distributions to each library; this gives the same everywhere.
-    return least + (most - least) * static_cast<float>(random()) / static_cast<float>(std::mt19937::max());
+    // The distributions of the standard library differ between implementations; this is the same everywhere.
+    return minimum +
+        (maximum - minimum) * static_cast<float>(random()) / static_cast<float>(std::mt19937::max());
 }
 
 } // namespace Scene

@@ -12,20 +12,20 @@
 namespace Scene
 {
 
-/// The game: a market street with far more sounds than can be heard, through which the listener walks. The
-/// same at each run.
+/// The game: the listener walks through a market street with far more sounds than can be heard. Each run is
+/// the same.
 ///
-/// Sounds without an end stand along the street; a river runs beside it; others come and go around the
-/// listener; music goes from one piece over to another half-way.
+/// Looping sounds are placed along the street, and a river runs beside it. Other sounds come and go around
+/// the listener. Halfway through, the music cross-fades from one piece to another.
 class Market
 {
 public:
     static constexpr long durationMs = 40'000;
 
-    /// Everything is looked up in the database. Needs a running sound system.
+    /// The database contains all definitions. Needs a running sound system.
     Market(const Quon::ResourceDatabase& newDatabase, SoundHistory& newHistory);
 
-    /// One game frame, which ends at that time.
+    /// Runs one game frame, which ends at `nowMs`.
     void Step(long nowMs);
 
     const Quon::Particle& GetWorld() const { return world; }
@@ -35,7 +35,7 @@ private:
     void StartRiver();
     void StartPasserBy(float listenerX);
     int Play(const char* name, const Quon::Vector3& position, int priority);
-    float Between(float least, float most);
+    float Between(float minimum, float maximum);
 
     const Quon::ResourceDatabase& database;
     SoundHistory& history;

@@ -32,14 +32,14 @@ bool IsHeard(const SoundHistory::Change& change)
     return change.state == State::Heard || change.state == State::HeardAgain;
 }
 
-/// The stretches of time in which the sound was heard; while it ran outside them it was emulated.
+/// Prints the intervals in which the sound was heard. Between them it was virtual.
 void PrintEntry(int id, const SoundHistory::Entry& entry)
 {
     const auto& changes = entry.changes;
     std::printf("%4d  %-19s %6.2f  %-7s %6.2f ", id, entry.file.c_str(), Seconds(changes.front().atMs),
         entry.isRunning ? "" : SoundHistory::GetName(changes.back().state), Seconds(changes.back().atMs));
     if (!entry.isWatched) {
-        std::printf("  along a line: from up to %d places at once", entry.mostPlaces);
+        std::printf("  along a line: from up to %d positions at once", entry.maxPlaces);
     }
     for (std::size_t i = 0; i + 1 < changes.size(); ++i) {
         if (IsHeard(changes[i])) {
@@ -53,14 +53,14 @@ void PrintEntry(int id, const SoundHistory::Entry& entry)
 
 void PrintTable(const SoundHistory& history)
 {
-    std::printf("  id  file                 start  end             heard, in seconds; emulated in between\n");
+    std::printf("  id  file                 start  end             heard, in seconds; virtual in between\n");
     for (const auto& [id, entry] : history.GetEntries()) {
         PrintEntry(id, entry);
     }
 
     std::printf("\n%zu sounds; at most %d ran at once and %d were heard\n", history.GetEntries().size(),
-        history.GetMostRunning(), history.GetMostHeard());
-    std::printf("%d were heard, %d of them came back after they had not been; %d ran unheard for a while\n",
+        history.GetMaxRunning(), history.GetMaxHeard());
+    std::printf("%d were heard, %d of them again after they had been virtual; %d were virtual for a while\n",
         CountWith(history, State::Heard), CountWith(history, State::HeardAgain),
         CountWith(history, State::Emulated));
     std::printf(

@@ -7,10 +7,10 @@
 namespace Scene
 {
 
-/// Prints a line for each sound with its changes of state, and the sums below.
+/// Prints a line for each sound with its changes of state, and totals.
 void PrintTable(const SoundHistory& history);
 
-/// The same for programs: an array with id, file, and the changes with their times in seconds.
+/// Writes the same as JSON: an array with id, file, and the changes with their times in seconds.
 void WriteJson(const SoundHistory& history, const std::filesystem::path& path);
 
 } // namespace Scene

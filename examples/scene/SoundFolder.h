@@ -5,9 +5,9 @@
 namespace Scene
 {
 
-/// Lays the folder out that the scene plays from: the definitions and recordings that come with the example,
-/// and wave files that are made here. What is there already is written anew. Throws what std::filesystem and
-/// the streams throw when the disk refuses.
+/// Fills the folder from which the scene plays: the definitions and recordings of the example, and generated
+/// wave files. Existing files are replaced. Throws the exceptions of std::filesystem and of the streams on
+/// failure.
 void FillSoundFolder(const std::filesystem::path& recordings, const std::filesystem::path& folder);
 
 } // namespace Scene

@@ -10,7 +10,7 @@ namespace Scene
 namespace
 {
 
-/// What Particle::GetID() says of a positional sound.
+/// The result of Particle::GetID() for a positional sound.
 constexpr int soundNode = 16;
 
 bool WasHeard(const SoundHistory::Entry& entry)
@@ -48,7 +48,7 @@ void SoundHistory::AddStart(int id, const std::string& file)
     entry.changes.push_back({nowMs, State::Started});
 }
 
-void SoundHistory::LookAt(const Quon::Particle& world)
+void SoundHistory::RecordStates(const Quon::Particle& world)
 {
     int running = 0;
     int heardNow = 0;
@@ -68,15 +68,15 @@ void SoundHistory::LookAt(const Quon::Particle& world)
         ++running;
         heardNow += isHeard ? 1 : 0;
     }
-    mostRunning = std::max(mostRunning, running);
-    mostHeard = std::max(mostHeard, heardNow);
+    maxRunning = std::max(maxRunning, running);
+    maxHeard = std::max(maxHeard, heardNow);
 }
 
 void SoundHistory::SetPlaces(int id, int count)
 {
     const auto place = entries.find(id);
     if (place != entries.end()) {
-        place->second.mostPlaces = std::max(place->second.mostPlaces, count);
+        place->second.maxPlaces = std::max(place->second.maxPlaces, count);
     }
 }
 

@@ -10,11 +10,10 @@
 namespace Scene
 {
 
-/// What became of each sound, and when, as far as a game can see it.
+/// Records what happens to each sound and when, as far as a game can observe it.
 ///
-/// Begin and end are what the observer is told. Whether a sound that runs is heard at a moment the library
-/// does not tell by itself; but positional sounds hang in the scene graph, and a sound that is heard has a
-/// channel.
+/// The observer is notified of begin and end. Whether a running sound is heard is read from the scene graph:
+/// positional sounds are nodes of it, and a sound that is heard has a channel.
 class SoundHistory final : public Quon::SoundObserver
 {
 public:
@@ -39,32 +38,32 @@ public:
         std::string file;
         std::vector<Change> changes;
         bool isRunning = false;
-        bool isWatched = false; ///< It was seen in the scene graph.
-        long leftMs = 0; ///< Of a sound that was cut off; below 0 for one that has no end.
-        int mostPlaces = 0; ///< Of a sound along a line: from how many places it was heard at once.
+        bool isWatched = false; ///< Whether it was found in the scene graph.
+        long leftMs = 0; ///< For a sound that was cut off: the time left; negative for a loop.
+        int maxPlaces = 0; ///< For a sound along a line: the maximum number of simultaneous sources.
     };
 
-    /// The state in words.
+    /// Returns the state in words.
     static const char* GetName(State state);
 
-    /// The time from here on.
+    /// Sets the time of the changes that follow.
     void SetTime(long newNowMs) { nowMs = newNowMs; }
 
-    /// The game has started a sound. Its own name is better known than the one that the observer is told.
+    /// Records that the game has started a sound, under the name that the game uses.
     void AddStart(int id, const std::string& file);
 
-    /// Looks at all sounds that hang below the node; after each update.
-    void LookAt(const Quon::Particle& world);
+    /// Records the state of all sounds below the node. Call after each update.
+    void RecordStates(const Quon::Particle& world);
 
-    /// A sound along a line is heard from so many places now.
+    /// Records the number of sources from which a sound along a line is heard now.
     void SetPlaces(int id, int count);
 
     /// By id.
     const std::map<int, Entry>& GetEntries() const { return entries; }
 
-    /// The most that ran, and the most that were heard, at one of the looks.
-    int GetMostRunning() const { return mostRunning; }
-    int GetMostHeard() const { return mostHeard; }
+    /// The maximum number of sounds that ran, and that were heard, at any call of RecordStates().
+    int GetMaxRunning() const { return maxRunning; }
+    int GetMaxHeard() const { return maxHeard; }
 
     void OnSoundEnd(int soundID, const Quon::PString& fileName) override;
     void OnSoundAbort(int soundID, const Quon::PString& fileName, int remaining) override;
@@ -75,8 +74,8 @@ private:
 
     long nowMs = 0;
     std::map<int, Entry> entries;
-    int mostRunning = 0;
-    int mostHeard = 0;
+    int maxRunning = 0;
+    int maxHeard = 0;
 };
 
 } // namespace Scene

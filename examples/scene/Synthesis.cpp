@@ -16,7 +16,7 @@ namespace
 constexpr double fullScale = 32767.0;
 constexpr double twoPi = 2.0 * std::numbers::pi;
 
-/// The value of a sound, from -1 to 1, at a time in seconds.
+/// Returns the value of a sound, from -1 to 1, at a time in seconds.
 using Formula = std::function<double(double)>;
 
 Pcm Render(double seconds, double amplitude, const Formula& formula)
@@ -34,26 +34,26 @@ double Sine(double hertz, double seconds)
     return std::sin(twoPi * hertz * seconds);
 }
 
-/// A blow at time 0 that rings off.
+/// A stroke at time 0 that decays.
 double Ring(double hertz, double halfLife, double seconds)
 {
     return seconds < 0.0 ? 0.0 : Sine(hertz, seconds) * std::exp2(-seconds / halfLife);
 }
 
-/// Blows at equal distances of time.
+/// Strokes at equal intervals.
 Formula Beat(double everySeconds, double hertz, double halfLife)
 {
     return [=](double seconds) { return Ring(hertz, halfLife, std::fmod(seconds, everySeconds)); };
 }
 
-/// Noise through a simple low-pass, whose end runs over into its beginning.
+/// Noise through a simple low-pass filter, as a seamless loop.
 Pcm Rush(double seconds, double amplitude, double smoothness, unsigned int seed)
 {
     std::mt19937 random(seed);
     std::uniform_real_distribution<double> white(-1.0, 1.0);
     std::vector<double> noise(static_cast<std::size_t>(seconds * rateHz));
     std::ranges::generate(noise, [&] { return white(random); });
-    // The second time round the filter is in the state in which it will be found again.
+    // In the second pass the filter starts in the state in which it ends, so that the loop is seamless.
     double level = 0.0;
     for (int pass = 0; pass < 2; ++pass) {
         for (double& value : noise) {
@@ -69,7 +69,7 @@ Pcm Rush(double seconds, double amplitude, double smoothness, unsigned int seed)
     return pcm;
 }
 
-/// A pad of three notes that swell; whole numbers of their periods fit into the whole.
+/// A pad of three notes that swell, each with a whole number of periods.
 Pcm Chord(double seconds, const std::array<double, 3>& hertz)
 {
     return Render(seconds, 0.6, [=](double at) {
@@ -81,7 +81,7 @@ Pcm Chord(double seconds, const std::array<double, 3>& hertz)
     });
 }
 
-/// What a throat does: a buzz through two resonances.
+/// A voice: a buzz through two resonances.
 Formula Shout(double hertz)
 {
     return [=](double seconds) {

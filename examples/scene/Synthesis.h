@@ -7,7 +7,7 @@
 namespace Scene
 {
 
-/// One second of all that is made here.
+/// The sample rate of all generated sounds.
 constexpr int rateHz = 22050;
 
 using Pcm = std::vector<std::int16_t>;
@@ -19,7 +19,7 @@ struct MadeSound
     Pcm pcm;
 };
 
-/// All sounds of the scene that are made: those that run without end are seamless. The same at every call.
+/// Returns all generated sounds of the scene. The loops are seamless. Every call returns the same.
 std::vector<MadeSound> MakeSounds();
 
 } // namespace Scene

@@ -1,5 +1,5 @@
-// Renders the scene: harmonet_demo RECORDINGS FOLDER. Makes the sounds in FOLDER/sounds, and leaves what was
-// heard in FOLDER/demo.wav, what became of each sound in FOLDER/demo.json, and a page of both in
+// Renders the scene: harmonet_demo RECORDINGS FOLDER. Generates the sounds in FOLDER/sounds, and writes the
+// output to FOLDER/demo.wav, the history of each sound to FOLDER/demo.json, and a timeline to
 // FOLDER/demo.html.
 
 #include "examples/scene/Market.h"
@@ -24,9 +24,9 @@ namespace
 namespace fs = std::filesystem;
 
 constexpr const char* channels = "16";
-// So many sounds at once add up to more than full scale now and then.
+// Leaves headroom, because many simultaneous sounds can exceed full scale.
 constexpr float mainGain = 0.6F;
-// Longer than the 40 ms that a full update takes, so that each game frame is one.
+// Longer than the 40 ms interval of full updates, so that each game frame runs one.
 constexpr long frameMs = 50;
 constexpr float frameSeconds = 0.05F;
 
@@ -44,7 +44,7 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
         return false;
     }
 
-    // While a loading screen is shown: from here on no start reads a file.
+    // A game does this while it shows a loading screen. After it, starting a sound reads no file.
     Quon::SoundPreload preload;
     if (!preload.AddFolder("", &database)) {
         throw std::runtime_error("a sound of the scene cannot be loaded");
@@ -60,10 +60,10 @@ bool Render(const fs::path& folder, Scene::SoundHistory& history)
         history.SetTime(nowMs);
         market.Step(nowMs);
         Quon::TaskList::Get().Update(frameSeconds);
-        history.LookAt(market.GetWorld());
+        history.RecordStates(market.GetWorld());
     }
     if (Quon::SoundSystem::HasLostOutput()) {
-        throw std::runtime_error("demo.wav is cut off, the disk is full");
+        throw std::runtime_error("demo.wav is cut off: the disk is full");
     }
     std::ofstream page;
     page.exceptions(std::ios::failbit | std::ios::badbit);
@@ -91,7 +91,7 @@ int main(int argumentCount, char** arguments)
         }
         Scene::PrintTable(history);
         Scene::WriteJson(history, folder / "demo.json");
-        std::printf("\nwhat was heard: %s\nwhen, and why not: %s\n", (folder / "demo.wav").string().c_str(),
+        std::printf("\noutput: %s\ntimeline: %s\n", (folder / "demo.wav").string().c_str(),
             (folder / "demo.html").string().c_str());
     }
     catch (const std::exception& error) {

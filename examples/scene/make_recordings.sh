@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes the two coded recordings of the scene; run by hand, with sox and lame installed. The results are kept in the
-# tree.
+# Makes the two compressed recordings of the scene. Run manually; needs sox and lame. The results are
+# committed.
 set -e
 cd "$(dirname "$0")/sounds"
 work=$(mktemp -d)

@@ -1,4 +1,4 @@
-// Plays a sound as a loop, and dives for two seconds: under_water FOLDER NAME.
+// Plays a looping sound and dives for two seconds: under_water FOLDER NAME.
 
 #include "harmonet/engine/File.h"
 #include "harmonet/engine/OS.h"
@@ -36,7 +36,8 @@ int main(int argumentCount, char** arguments)
         return 1;
     }
 
-    // What the menu plays is a group of its own and stays bright: only the world goes under water.
+    // The sounds of the menu would be in another group, which the filter does not affect: only the world goes
+    // under water.
     Quon::Sound world;
     constexpr int flags = Quon::Sound::StartNowOrCompete | Quon::Sound::StartLooping;
     if (world.Play2DSound(arguments[2], nullptr, flags, 0, 0) == 0) {

@@ -47,7 +47,7 @@ public:
         if (isStored) {
             return zip_fseek(file.get(), position, SEEK_SET) == 0;
         }
-        // Compressed data are read from their start up to the place.
+        // Compressed data must be read from the start up to the position.
         if (!file || at > position) {
             file.reset(zip_fopen_index(archive->zip, index, 0));
             at = 0;
@@ -81,12 +81,12 @@ private:
         return true;
     }
 
-    std::shared_ptr<Archive> archive; ///< The mutex is locked for each use of `file`.
+    std::shared_ptr<Archive> archive; ///< Its mutex is locked for each use of `file`.
     OpenedFile file;
     zip_uint64_t index;
     std::int64_t size;
     bool isStored;
-    std::int64_t at = 0; ///< Where `file` stands, unless it is stored.
+    std::int64_t at = 0; ///< The position of `file`, if it is compressed.
 };
 
 } // namespace
@@ -114,7 +114,7 @@ Quon::Result ZipSource::Open(std::string_view name, std::unique_ptr<Quon::FileSt
 {
     const std::lock_guard lock(archive->mutex);
     zip_stat_t status;
-    // The name ends with a zero.
+    // The name is null-terminated.
     if (zip_stat(archive->zip, name.data(), 0, &status) != 0) {
         return Quon::File::NotFound;
     }
@@ -152,7 +152,7 @@ Quon::Result ZipSource::List(std::string_view folder, Quon::EngineVector<Quon::E
         const std::string_view name = text != nullptr ? text : "";
         const bool isInFolder =
             folder.empty() || (name.starts_with(folder) && name.substr(folder.size()).starts_with('/'));
-        // The archive's entries for folders end with a slash.
+        // Folder entries of the archive end with a slash.
         if (isInFolder && !name.empty() && !name.ends_with('/')) {
             names.emplace_back(name);
         }

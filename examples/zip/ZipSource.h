@@ -10,8 +10,7 @@
 namespace Zip
 {
 
-/// An open archive, which its streams share, with the mutex that guards it: libzip takes one thread at a
-/// time.
+/// An open archive that its streams share. The mutex guards it, because libzip is not thread-safe.
 struct Archive
 {
     explicit Archive(zip_t* opened)
@@ -26,18 +25,18 @@ struct Archive
     std::mutex mutex;
 };
 
-/// The files of a zip archive as a root for Harmonet. What is stored without compression is read in place,
-/// what is compressed is inflated while it is read.
+/// Makes the files of a zip archive available to Harmonet as a root. Stored files are read in place;
+/// compressed files are inflated while they are read.
 class ZipSource : public Quon::FileSource
 {
 public:
-    /// Null, after a message to the standard error stream, if the archive cannot be opened.
+    /// Returns null, after a message on standard error, if the archive cannot be opened.
     static std::shared_ptr<ZipSource> Open(const char* path);
 
     explicit ZipSource(std::shared_ptr<Archive> newArchive);
 
     Quon::Result Open(std::string_view name, std::unique_ptr<Quon::FileStream>& stream) override;
-    /// From the archive's directory, without inflating anything.
+    /// Reads the archive's directory and inflates nothing.
     Quon::Result GetStamp(std::string_view name, Quon::FileStamp& stamp) override;
     Quon::Result List(std::string_view folder, Quon::EngineVector<Quon::EngineString>& names) override;
 

@@ -1,5 +1,5 @@
-// Plays a sound file or definition out of a zip archive, or lists all that are in it:
-// zip_sounds ARCHIVE.zip [NAME [OUT.wav]]
+// Plays a sound file or definition from a zip archive, or lists all of them: zip_sounds ARCHIVE.zip [NAME
+// [OUT.wav]]
 
 #include "examples/zip/ZipSource.h"
 
@@ -36,7 +36,7 @@ bool PrintNames(const Quon::ResourceDatabase& sounds)
     return isListed;
 }
 
-/// Until it has ended: aloud in real time, and as fast as it goes where it is rendered.
+/// Plays a sound until it has ended: in real time, or as fast as possible when rendering.
 void PlayToTheEnd(Quon::Sound& group, int id, bool isRendered)
 {
     constexpr auto step = std::chrono::milliseconds(50);
@@ -63,8 +63,7 @@ int main(int argumentCount, char** arguments)
     os.GetOptions()->Set("OpenALRender", isRendered ? arguments[3] : nullptr);
     QuonGetPlugins();
 
-    // The owner is the game's own name for this archive. Definitions and the files that they name are found
-    // in it.
+    // The owner is the game's name for this archive. Definitions and their sound files are found in it.
     const auto archive = Zip::ZipSource::Open(arguments[1]);
     Quon::ResourceDatabase sounds;
     if (!archive || !sounds.AddFolder("sounds", archive)) {
@@ -74,7 +73,7 @@ int main(int argumentCount, char** arguments)
         return PrintNames(sounds) ? EXIT_SUCCESS : EXIT_FAILURE;
     }
     Quon::SoundSystem system;
-    // In memory before it starts, so that nothing is inflated while it plays.
+    // Preload it, so that nothing is inflated while it plays.
     Quon::SoundPreload preload;
     if (!system.Init(&os, false) || !preload.Add(arguments[2], &sounds)) {
         return EXIT_FAILURE;

@@ -12,7 +12,7 @@ int Dice::Draw(int below)
     return static_cast<int>(DrawNumber(count - 1) % count);
 }
 
-// SplitMix64 by Sebastiano Vigna, in the public domain.
+// SplitMix64 by Sebastiano Vigna, public domain.
 std::uint64_t SeededDice::DrawNumber(std::uint32_t)
 {
     state += 0x9E3779B97F4A7C15;
@@ -22,10 +22,10 @@ std::uint64_t SeededDice::DrawNumber(std::uint32_t)
     return (mixed ^ (mixed >> 31)) >> 16;
 }
 
-std::uint64_t ByteDice::DrawNumber(std::uint32_t most)
+std::uint64_t ByteDice::DrawNumber(std::uint32_t maximum)
 {
     std::uint64_t number = 0;
-    for (std::uint64_t reach = 0; reach < most && !bytes.empty(); reach = reach << 8 | 0xFF) {
+    for (std::uint64_t reach = 0; reach < maximum && !bytes.empty(); reach = reach << 8 | 0xFF) {
         number = number << 8 | bytes.front();
         bytes = bytes.subspan(1);
     }

@@ -6,8 +6,8 @@
 namespace Quon
 {
 
-/// Where a game and a fuzz target take their decisions from. The same source gives the same decisions with
-/// every compiler, which the distributions of the standard library do not promise.
+/// The source of decisions of a game or a fuzz target. The same seed or bytes give the same decisions with
+/// every compiler, which the standard library's distributions do not guarantee.
 class Dice
 {
 public:
@@ -16,9 +16,9 @@ public:
     Dice& operator=(const Dice&) = delete;
     virtual ~Dice() = default;
 
-    /// A number from 0 to `below` - 1; 0 for a `below` of 1 or less.
+    /// Returns a number from 0 to `below` - 1; 0 if `below` is 1 or less.
     int Draw(int below);
-    /// Whether there is nothing more to decide from.
+    /// Returns whether the source is exhausted.
     virtual bool IsAtEnd() const { return false; }
     bool Chance(int percent) { return Draw(100) < percent; }
 
@@ -29,11 +29,11 @@ public:
     }
 
 protected:
-    /// A number from 0 to `most` or above it, of which the caller takes the remainder.
-    virtual std::uint64_t DrawNumber(std::uint32_t most) = 0;
+    /// Returns a number from 0 to at least `maximum`. The caller takes the remainder.
+    virtual std::uint64_t DrawNumber(std::uint32_t maximum) = 0;
 };
 
-/// Decisions from a seed, without end.
+/// Endless decisions from a seed.
 class SeededDice final : public Dice
 {
 public:
@@ -43,14 +43,14 @@ public:
     }
 
 protected:
-    std::uint64_t DrawNumber(std::uint32_t most) override;
+    std::uint64_t DrawNumber(std::uint32_t maximum) override;
 
 private:
     std::uint64_t state;
 };
 
-/// Decisions from bytes, which are borrowed: as few bytes for each as it needs. Behind the last byte every
-/// decision is 0.
+/// Decisions from bytes, which must outlive the object. Each decision uses as few bytes as possible. After
+/// the last byte every decision is 0.
 class ByteDice final : public Dice
 {
 public:
@@ -62,7 +62,7 @@ public:
     bool IsAtEnd() const override { return bytes.empty(); }
 
 protected:
-    std::uint64_t DrawNumber(std::uint32_t most) override;
+    std::uint64_t DrawNumber(std::uint32_t maximum) override;
 
 private:
     std::span<const unsigned char> bytes;
@@ -73,7 +73,7 @@ class Digest
 {
 public:
     void Add(std::span<const unsigned char> bytes);
-    /// The low 32 bits, the lowest byte first.
+    /// Adds the low 32 bits, least significant byte first.
     void Add(std::int64_t number);
     std::uint64_t Get() const { return value; }
 

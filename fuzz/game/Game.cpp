@@ -13,8 +13,8 @@ namespace Quon
 namespace
 {
 
-// An observer that answers with a sound whose begin it answers with a sound, and so on.
-constexpr int mostDepth = 3;
+// Limits observers that start a sound, whose begin makes them start another, and so on.
+constexpr int maxDepth = 3;
 
 constexpr const char* sizes[] = {"1000000", "0", "3000", "20000"};
 constexpr const char* limits[] = {"8", "1", "4", "20"};
@@ -79,10 +79,10 @@ Game::Game(Dice& newDice, GameFolder& newFolder, bool newWild)
     AddWitness();
 }
 
-// The system goes first or the groups do: both have to work.
+// Destroys the system or the groups first. Both orders must work.
 Game::~Game()
 {
-    depth = mostDepth; // Nobody acts any more.
+    depth = maxDepth; // Observers no longer act.
     if (dice.Chance(50)) {
         system.Done();
     }
@@ -132,7 +132,7 @@ void Game::Restart()
     microphones[0]->Activate();
 }
 
-// Behind the operation the witness that has called may be gone.
+// After the operation, the calling witness may have been destroyed.
 void Game::Hear(Note note, int id, const PString& fileName, int remaining)
 {
     ++notificationCount;
@@ -141,7 +141,7 @@ void Game::Hear(Note note, int id, const PString& fileName, int remaining)
     digest.Add(remaining);
     const std::string_view name = fileName.GetView();
     digest.Add({reinterpret_cast<const unsigned char*>(name.data()), name.size()});
-    if (depth >= mostDepth || !dice.Chance(15)) {
+    if (depth >= maxDepth || !dice.Chance(15)) {
         return;
     }
     ++depth;
@@ -177,7 +177,8 @@ int Game::Keep(int id)
     return id;
 }
 
-// One decision a statement, here and everywhere: the order within an expression is the compiler's.
+// One decision per statement, here and elsewhere: the order of evaluation within an expression is
+// unspecified.
 int Game::PickFlags()
 {
     constexpr struct
@@ -218,7 +219,7 @@ const PString& Game::PickName(const ResourceDatabase*& database)
     return resources[static_cast<std::size_t>(dice.Draw(static_cast<int>(resources.size())))];
 }
 
-float Game::PickNumber(float most)
+float Game::PickNumber(float maximum)
 {
     constexpr float oddNumbers[] = {std::numeric_limits<float>::quiet_NaN(),
         std::numeric_limits<float>::infinity(), -std::numeric_limits<float>::infinity(), -1.0F, 3e38F, -3e38F,
@@ -226,7 +227,7 @@ float Game::PickNumber(float most)
     if (wild && dice.Chance(8)) {
         return dice.Pick(oddNumbers);
     }
-    return most * static_cast<float>(dice.Draw(17)) / 16.0F;
+    return maximum * static_cast<float>(dice.Draw(17)) / 16.0F;
 }
 
 Vector3 Game::PickPosition()

@@ -17,24 +17,23 @@ namespace Quon
 
 class Witness;
 
-/// A game that does what dice say: it plays, moves, fades and stops sounds of every kind through the public
-/// classes, on the null driver, with observers that do the same from inside their handlers, and with restarts
-/// of the system. Its digest takes in every notification.
+/// A randomised game. It plays, moves, fades and stops sounds of every kind through the public classes on the
+/// null driver, with observers that do the same in their handlers, and restarts the system. Its digest covers
+/// every notification.
 class Game
 {
 public:
-    /// `newWild` adds arguments that no game in its right mind would pass: NaN, infinity, numbers out of
-    /// range.
+    /// With `newWild`, the game also passes invalid arguments: NaN, infinity and numbers out of range.
     Game(Dice& newDice, GameFolder& newFolder, bool newWild);
     ~Game();
     Game(const Game&) = delete;
     Game& operator=(const Game&) = delete;
 
-    /// One thing that a game does between two updates.
+    /// Runs one random operation between two updates.
     void Act();
-    /// One game frame.
+    /// Runs one game frame.
     void Step(int ms);
-    /// Stops the system and starts it again, perhaps with other options.
+    /// Stops the system and starts it again, possibly with other options.
     void Restart();
 
     std::uint64_t GetDigest() const { return digest.Get(); }
@@ -57,7 +56,7 @@ private:
         int weight;
         void (Game::*run)();
     };
-    /// The first ones only outside of handlers.
+    /// The number of operations at the start of the table that run only outside of handlers.
     static constexpr int outerOperations = 4;
     static const Operation operations[];
 
@@ -103,7 +102,7 @@ private:
     void ForbiddenInside();
 
     Sound& PickGroup() { return *groups[static_cast<std::size_t>(dice.Draw(numGroups))]; }
-    /// Of a sound of late, most of the time.
+    /// Usually returns the id of a recent sound.
     int PickID();
     int Keep(int id);
     int PickFlags();
@@ -111,9 +110,9 @@ private:
     int PickDelay() { return dice.Chance(20) ? dice.Draw(8) * 50 : 0; }
     int PickMs();
     const PString& PickFile();
-    /// A resource with the database, or a file and null.
+    /// Returns a resource and sets `database`, or a file and null.
     const PString& PickName(const ResourceDatabase*& database);
-    float PickNumber(float most);
+    float PickNumber(float maximum);
     Vector3 PickPosition();
     Quaternion PickOrientation();
     Sound::Settings PickSettings();
@@ -123,7 +122,7 @@ private:
     static constexpr int numGroups = 3;
     static constexpr int numNodes = 4;
     static constexpr std::size_t numKeptIDs = 48;
-    static constexpr std::size_t mostWitnesses = 6;
+    static constexpr std::size_t maxWitnesses = 6;
 
     Dice& dice;
     GameFolder& folder;
@@ -131,7 +130,7 @@ private:
     SoundSystem system;
     std::array<std::unique_ptr<Particle>, numNodes> nodes;
     std::array<std::unique_ptr<Microphone>, 2> microphones;
-    /// Not smart pointers: while one is being destroyed its observers still use it.
+    /// Not smart pointers, because observers use a group while it is being destroyed.
     std::array<Sound*, numGroups> groups{};
     std::vector<std::unique_ptr<Witness>> witnesses;
     std::array<Music, 2> music;
@@ -140,7 +139,7 @@ private:
     std::array<int, numKeptIDs> keptIDs{};
     std::size_t keptCount = 0;
     int firstID = 0;
-    int depth = 0; ///< Of handlers that act.
+    int depth = 0; ///< Nesting depth of handlers that act.
     Digest digest;
     unsigned long notificationCount = 0;
 };

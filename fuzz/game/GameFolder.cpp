@@ -75,14 +75,14 @@ GameFolder::~GameFolder()
     File::RemoveRoot(PString());
 }
 
-// What nobody has used for two rounds goes.
+// A resource that was unused for two passes is dropped.
 void GameFolder::DropResources()
 {
     database->DropUnused();
     database->DropUnused();
 }
 
-// The rates are low: what costs time is to read sample frames, and the rules count milliseconds.
+// The rates are low, because reading sample frames is slow and the rules depend only on milliseconds.
 void GameFolder::WriteSounds()
 {
     folder.Write("a.wav", BuildWave({600}));

@@ -14,9 +14,9 @@
 namespace Quon
 {
 
-/// What a game has on its disk: short sounds of every format, some that are broken or missing, definitions,
-/// and blocks of memory. It lies in a temporary folder, which is the root of plain file names and the folder
-/// "sounds" of the database. One at a time.
+/// The assets of the game: short sounds of every format, some of them broken or missing, definitions, and
+/// blocks of memory. They are in a temporary folder, which is the root of plain file names and the folder
+/// "sounds" of the database. At most one instance may exist.
 class GameFolder
 {
 public:
@@ -25,15 +25,15 @@ public:
     GameFolder& operator=(const GameFolder&) = delete;
     ~GameFolder();
 
-    /// Names of plain files, and names of resources. Some of each cannot be had.
+    /// The names of plain files and of resources. Some of each do not open.
     const std::vector<PString>& GetFiles() const { return files; }
     const std::vector<PString>& GetResources() const { return resources; }
     std::vector<MemoryBlock>& GetBlocks() { return blocks; }
-    /// Writes one more file, or writes it anew.
+    /// Writes a file, or replaces it.
     void Write(const std::string& name, std::string_view text) const { folder.Write(name, text); }
     ResourceDatabase& GetDatabase() { return *database; }
     OS& GetOS() { return os; }
-    /// Makes the database forget what nobody holds.
+    /// Drops the resources that are not referenced.
     void DropResources();
 
 private:
@@ -41,7 +41,7 @@ private:
     void WriteDefinitions();
 
     OS os; ///< Its options name the null driver.
-    /// Keeps the driver in memory: a fuzzer cannot bear that code which it watches goes away.
+    /// Keeps the driver loaded, because a fuzzer fails when instrumented code is unloaded.
     std::unique_ptr<DynamicLibrary> driver;
     TempFolder folder;
     std::vector<PString> files;

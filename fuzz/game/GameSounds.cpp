@@ -1,4 +1,4 @@
-// What the game does with its sounds and its music.
+// The operations of the game on sounds and music.
 
 #include "fuzz/game/Game.h"
 

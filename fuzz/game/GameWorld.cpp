@@ -1,4 +1,4 @@
-// What the game does with everything but single sounds.
+// The operations of the game on everything except single sounds.
 
 #include "fuzz/game/Game.h"
 #include "fuzz/game/Witness.h"
@@ -165,7 +165,7 @@ void Game::StopMany()
 
 void Game::AddWitness()
 {
-    if (witnesses.size() < mostWitnesses) {
+    if (witnesses.size() < maxWitnesses) {
         witnesses.push_back(std::make_unique<Witness>(*this));
     }
     PickGroup().AddObserver(witnesses.back().get());
@@ -193,12 +193,12 @@ void Game::DropWitness()
         return;
     }
     const auto place = witnesses.begin() + dice.Draw(static_cast<int>(witnesses.size()));
-    // It may act once more on its way out, and is then no longer among the others.
+    // Its destructor may trigger another operation, which must not find it in the list.
     const std::unique_ptr<Witness> dropped = std::move(*place);
     witnesses.erase(place);
 }
 
-// Inside a handler neither does anything.
+// Inside a handler, neither call may have an effect.
 void Game::ForbiddenInside()
 {
     if (depth == 0) {

@@ -6,7 +6,8 @@
 namespace Quon
 {
 
-/// Reports every notification to the game, which may act in answer and may destroy this object from there.
+/// Reports every notification to the game, which may run operations in response and may destroy this object
+/// in the call.
 class Witness final : public SoundObserver, public Allocated
 {
 public:

@@ -13,7 +13,7 @@ namespace Quon
 namespace
 {
 
-/// A text in a folder of its own.
+/// A text file in a temporary folder.
 class TextFile
 {
 public:
@@ -21,7 +21,7 @@ public:
     {
         folder.Write("text", text);
         File::AddRoot(owner, folder.GetPath().string().c_str());
-        // An empty file does not open: its reader has nothing to read.
+        // An empty file does not open, so the reader has no file.
         if (file.Open(owner, "text", File::modeRead).IsOk()) {
             reader.Init(file);
         }
@@ -39,7 +39,7 @@ private:
     BlockReader reader;
 };
 
-/// Counts, and touches all that it is handed.
+/// Counts the calls and accesses all arguments.
 class Listener final : public BlockReaderListener
 {
 public:
@@ -51,21 +51,21 @@ public:
     }
     void OnFault(int line, const char* fault) override
     {
-        Require(line >= 1, "a line counts from 1");
+        Require(line >= 1, "lines count from 1");
         length += std::string_view(fault).size();
     }
 
 private:
     void Touch(const PString& keyword, int line)
     {
-        Require(line >= 1, "a line counts from 1");
+        Require(line >= 1, "lines count from 1");
         length += keyword.GetView().size();
     }
 
     std::size_t length = 0;
 };
 
-/// All keywords, values and blocks in the plainest form of the text.
+/// Prints all keywords, values and blocks in canonical form.
 void Print(BlockReader& reader, std::string& text)
 {
     PString keyword;
@@ -93,7 +93,7 @@ std::string PrintText(std::string_view text)
     return printed;
 }
 
-/// Calls whatever the dice say, on whatever reader, entered or left.
+/// Calls random functions on random readers, before and after entering and leaving blocks.
 class Wander
 {
 public:
@@ -122,7 +122,7 @@ public:
             break;
         case 3:
             number = reader.ReadFloatv(numbers, 3);
-            Require(number >= 0 && number <= 3, "no more floats than there is room for");
+            Require(number >= 0 && number <= 3, "at most as many floats as requested");
             break;
         case 4:
             reader.ReadString(text);
@@ -169,7 +169,7 @@ void FuzzBlockReader(FuzzBytes bytes)
 {
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     const std::string printed = PrintText(text);
-    Require(PrintText(printed) == printed, "what was read reads back as the same");
+    Require(PrintText(printed) == printed, "the printed text reads back as the same text");
 
     Digest digest;
     digest.Add(bytes);

@@ -19,7 +19,7 @@ namespace
 
 constexpr const char* inputName = "fuzz.sound.txt";
 
-/// All settings as bytes, since NaN is not equal to itself.
+/// Returns all settings as bytes, because NaN does not compare equal to itself.
 std::vector<unsigned char> TakeSettings(const SoundResource& sound)
 {
     std::vector<unsigned char> bytes;
@@ -101,13 +101,13 @@ int Load(const SoundDefResource& definition, const ResourceDatabase& database)
     return definition.LoadTxt(&database, path.data()).GetCode();
 }
 
-/// A load gives the same every time, with and without a listener.
+/// Every load must give the same result, with and without a listener.
 void CheckLoading(const ResourceDatabase& database)
 {
     const SoundDefResource definition(inputName, &database);
     const int code = Load(definition, database);
     const auto settings = TakeSettings(definition);
-    Require(code == 0 || code == 1, "a load answers 0 or 1");
+    Require(code == 0 || code == 1, "a load returns 0 or 1");
     CheckSettings(definition);
 
     Listener listener;
@@ -139,7 +139,7 @@ void FuzzDefinition(FuzzBytes bytes)
 {
     GameFolder& folder = GetSharedFolder();
     folder.Write(inputName, {reinterpret_cast<const char*>(bytes.data()), bytes.size()});
-    // The keywords exist once the system has started.
+    // The keywords exist after the system has started.
     SoundSystem system;
     Require(system.Init(&folder.GetOS(), false), "the system starts");
     CheckLoading(folder.GetDatabase());

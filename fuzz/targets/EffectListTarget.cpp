@@ -19,10 +19,10 @@ constexpr std::size_t qualityBytes = sizeof(std::int32_t);
 struct ModelEntry
 {
     SndFX effect;
-    std::vector<unsigned char> body; ///< What follows the head.
+    std::vector<unsigned char> body; ///< The data after the header.
 };
 
-/// The list as its header describes it, beside the real one.
+/// The real list and a model that follows its documentation.
 class TwinList
 {
 public:
@@ -107,7 +107,7 @@ private:
         const unsigned char* place = list.GetEffectsArr();
         for (const ModelEntry& entry : model) {
             const auto* head = reinterpret_cast<const SndFXDesc*>(place);
-            Require(head == list.GetFXDesc(entry.effect), "an entry stands where the walk finds it");
+            Require(head == list.GetFXDesc(entry.effect), "the search finds the entry at its place");
             Require(head->effect == entry.effect && head->size == entry.body.size(), "the head");
             Require(std::equal(entry.body.begin(), entry.body.end(), place + sizeof *head), "the record");
             place += sizeof(SndFXDesc) + head->size;

@@ -25,7 +25,7 @@ std::vector<std::string> SplitLines(std::string_view text)
     return lines;
 }
 
-/// Every item of a list is in the text, in order, and holds no separator.
+/// Every item of a list is in the text, in order, and contains no separator.
 void CheckList(Options& options, const std::string& key, const std::string& separators)
 {
     String whole;
@@ -37,9 +37,9 @@ void CheckList(Options& options, const std::string& key, const std::string& sepa
     while (options.GetNext(key.c_str(), item)) {
         const std::string_view view = item.GetText();
         Require(!view.empty(), "no item is empty");
-        Require(view.find_first_of(separators) == std::string_view::npos, "no item holds a separator");
+        Require(view.find_first_of(separators) == std::string_view::npos, "no item contains a separator");
         place = text.find(view, place);
-        Require(place != std::string_view::npos, "the items stand in the text in their order");
+        Require(place != std::string_view::npos, "the items are in the text in order");
         place += view.size();
     }
     Require(!options.GetNext(key.c_str(), item), "a list stays at its end");
@@ -52,10 +52,11 @@ void CheckSet(Options& options, const std::string& key, const std::string& text)
     }
     options.Set(key.c_str(), text.c_str());
     String value;
-    Require(options.Get(key.c_str(), value, "default") && value.GetText() == text, "what was set is got");
+    Require(
+        options.Get(key.c_str(), value, "default") && value.GetText() == text, "Get() returns what was set");
     int number = 0;
     if (options.Get(key.c_str(), number, 1)) {
-        Require(number == std::stoll(text), "a number is the text's");
+        Require(number == std::stoll(text), "the number is that of the text");
     }
     else {
         Require(number == 1, "the default");
@@ -72,7 +73,8 @@ void FuzzOptions(FuzzBytes bytes)
     Options options;
     int badLine = -1;
     const bool isGood = options.ReadFile(folder.Write("options", text).c_str(), &badLine);
-    Require(isGood || (badLine >= 0 && badLine <= static_cast<int>(bytes.size()) + 1), "a line of the file");
+    Require(isGood || (badLine >= 0 && badLine <= static_cast<int>(bytes.size()) + 1),
+        "the line is a line of the file");
 
     std::vector<const char*> arguments{"program"};
     for (const std::string& line : lines) {

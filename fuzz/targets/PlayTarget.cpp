@@ -23,7 +23,7 @@ void PlayOnce(Dice& dice, int steps, GameFolder& folder)
     }
 }
 
-/// A game in which everything turns up that is made once and stays.
+/// Runs a game in which everything is created that is created once and kept.
 GameFolder& WarmUp()
 {
     GameFolder& folder = GetSharedFolder();
@@ -42,7 +42,7 @@ void FuzzPlay(FuzzBytes bytes)
     ByteDice dice(bytes);
     PlayOnce(dice, mostSteps, folder);
     folder.DropResources();
-    Require(Alloc::LiveBlocks() == before, "nothing is left of a game");
+    Require(Alloc::LiveBlocks() == before, "a game leaves no memory blocks");
 }
 
 } // namespace Quon

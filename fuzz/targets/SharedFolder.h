@@ -5,7 +5,7 @@
 namespace Quon
 {
 
-/// The one folder of the targets that run a sound system, with an extra file for the input.
+/// Returns the folder that the targets with a sound system share, with an extra file for the input.
 inline GameFolder& GetSharedFolder()
 {
     static GameFolder folder;

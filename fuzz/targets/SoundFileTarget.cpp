@@ -18,15 +18,15 @@ namespace
 {
 
 constexpr std::size_t mostBytes = 1 << 16;
-constexpr std::size_t mostPcm = 1 << 20;
+constexpr std::size_t maxPcm = 1 << 20;
 constexpr int wholeRead = 4096;
 
-/// All that a reader hands out up to its sound samples.
+/// Everything that a reader returns up to the length of the sound.
 struct Pcm
 {
     std::vector<unsigned char> bytes;
     int sampleFrames = 0;
-    /// Nothing but full reads: no bad header, no change of channels, no torn end.
+    /// Only complete reads: no bad header, no change of channels, no truncated end.
     bool isPlain = true;
 
     bool operator==(const Pcm& other) const
@@ -40,7 +40,7 @@ int FrameBytes(const SndFile& file)
     return file.GetBytesPerSample() * file.GetChannels();
 }
 
-/// Whether one sample frame fits a buffer of ordinary size: a header can state 65 535 channels.
+/// Returns whether the sample frames have a normal size. A header can state 65 535 channels.
 bool IsOfOrdinarySize(const SndFile& file)
 {
     return file.GetBytesPerSample() <= 4 && FrameBytes(file) <= 4096;
@@ -51,18 +51,19 @@ int Left(const SndFile& file)
     return std::max(file.GetSoundSamples() - file.GetCurrentSample(), 0);
 }
 
-/// One read into a buffer that has room for exactly what was asked for, so that the address sanitizer sees
-/// the first byte beyond it.
+/// Reads once into a buffer of exactly the requested size, so that AddressSanitizer detects the first byte
+/// beyond it.
 ///
-/// The position of ADPCM after a skip is a promise that torn data can break, and then `isExact` is false.
+/// The position of ADPCM after a skip is only an expectation, which damaged data can break. `isExact` is then
+/// false.
 int ReadPiece(SndFile& file, int wanted, Pcm& pcm, bool isExact)
 {
     const int frameBytes = FrameBytes(file);
     std::vector<unsigned char> buffer(static_cast<std::size_t>(wanted * frameBytes));
     const int before = file.GetCurrentSample();
     const int given = file.ReadSamples(buffer.data(), wanted);
-    Require(given >= 0 && given <= wanted, "a read gives more than was asked for");
-    Require(!isExact || file.GetCurrentSample() == before + given, "the position moves by what was read");
+    Require(given >= 0 && given <= wanted, "a read returns at most the requested sample frames");
+    Require(!isExact || file.GetCurrentSample() == before + given, "the position advances by what was read");
     pcm.isPlain = pcm.isPlain && given == wanted && FrameBytes(file) == frameBytes;
     buffer.resize(static_cast<std::size_t>(given * FrameBytes(file)));
     pcm.bytes.insert(pcm.bytes.end(), buffer.begin(), buffer.end());
@@ -70,14 +71,14 @@ int ReadPiece(SndFile& file, int wanted, Pcm& pcm, bool isExact)
     return given;
 }
 
-/// A call can give nothing at a bad header and go on after it at the next, so the end is where as many calls
-/// as there could be headers have given nothing.
+/// A call can return nothing at a bad header and continue after it in the next call. The end is therefore
+/// reached after as many empty calls as there could be headers.
 template<class Piece>
 Pcm ReadAll(SndFile& file, std::size_t fileBytes, Piece piece)
 {
     Pcm pcm;
     std::size_t emptyReads = 0;
-    while (emptyReads <= fileBytes / 4 && pcm.bytes.size() < mostPcm && Left(file) > 0) {
+    while (emptyReads <= fileBytes / 4 && pcm.bytes.size() < maxPcm && Left(file) > 0) {
         const int given = ReadPiece(file, std::min(piece(), Left(file)), pcm, true);
         emptyReads = given == 0 ? emptyReads + 1 : 0;
     }
@@ -85,8 +86,8 @@ Pcm ReadAll(SndFile& file, std::size_t fileBytes, Piece piece)
     return pcm;
 }
 
-/// A folder with the one file, and the list of open files. Made anew for each input: while a sound system
-/// runs, the list is another.
+/// A folder with the one file, and the list of open files. Created for each input, because a running sound
+/// system uses another list.
 class Workbench
 {
 public:
@@ -146,7 +147,7 @@ private:
         return digest.Get();
     }
 
-    // Never a single sample frame: where a stream goes from one channel to two, that would be a mix of both.
+    // Never a single sample frame: at a change from one channel to two, that would be a mixture of both.
     int OddPiece() { return 2 + dice.Draw(dice.Chance(50) ? 8 : 3000); }
 
     void CheckReads()
@@ -156,13 +157,13 @@ private:
             return;
         }
         whole = ReadAll(*file, bytes.size(), [] { return wholeRead; });
-        // What is told of the length does not depend on the reading.
+        // The length must not depend on what has been read.
         const unsigned long length = file->GetSoundLength();
         file->Rewind();
-        Require(file->GetCurrentSample() == 0, "a rewound reader stands at 0");
+        Require(file->GetCurrentSample() == 0, "a rewound reader is at 0");
         const Pcm pieces = ReadAll(*file, bytes.size(), [this] { return OddPiece(); });
-        Require(pieces == whole, "odd pieces give what one read gives");
-        Require(file->GetSoundLength() == length, "the length stays");
+        Require(pieces == whole, "odd pieces give the same as one read");
+        Require(file->GetSoundLength() == length, "the length does not change");
         CheckSkips(*file);
         ReadBeyond(*file);
     }
@@ -179,16 +180,16 @@ private:
             return;
         }
         Require(ReadAll(*loaded, bytes.size(), [] { return wholeRead; }) == whole,
-            "a file that the cache has loaded gives what the file gives");
+            "a file loaded into the cache gives the same as the file");
         Require(ReadAll(*cached, bytes.size(), [this] { return OddPiece(); }) == whole,
-            "cached bytes give what the file gives");
+            "cached bytes give the same as the file");
         CheckSkips(*cached);
         cached->CloseFile(0, nullptr);
         loaded->CloseFile(0, nullptr);
-        Require(cache.GetFreeBytes() <= cacheBytes, "the budget holds");
+        Require(cache.GetFreeBytes() <= cacheBytes, "the budget is kept");
     }
 
-    /// Goes to some place, or to the start of a loop region.
+    /// Seeks to a random position, or to the start of a loop region.
     void Seek(SndFile& file)
     {
         const int samples = file.GetSoundSamples();
@@ -197,16 +198,17 @@ private:
             file.SeekTo(target);
         }
         else {
-            Require(file.SetLoopRegion(target, 0), "a region that begins inside the sound holds something");
+            Require(file.SetLoopRegion(target, 0), "a region that begins inside the sound is not empty");
             file.RewindLoop();
             file.SetLoopRegion(0, 0);
         }
-        Require(file.GetCurrentSample() >= 0, "a seek ends up somewhere");
-        Require(!whole.isPlain || file.GetCurrentSample() == target, "a seek inside the sound gets there");
+        Require(file.GetCurrentSample() >= 0, "a position is not negative");
+        Require(!whole.isPlain || file.GetCurrentSample() == target,
+            "a seek inside the sound reaches its target");
     }
 
-    /// Skips and reads in turn, and seeks now and then. How much there is does not change; of what can be
-    /// compared sample by sample, nor does the PCM. MPEG frames after a skip lack the bit reservoir.
+    /// Alternates skips and reads, with occasional seeks. The amount of data must not change, nor the PCM of
+    /// formats that can be compared sample by sample. MPEG frames after a skip lack the bit reservoir.
     void CheckSkips(SndFile& file)
     {
         file.Rewind();
@@ -219,26 +221,26 @@ private:
             const int before = file.GetCurrentSample();
             const int wanted = std::min(dice.Draw(dice.Chance(50) ? 16 : 4000), Left(file));
             const int skipped = file.SkipSamples(wanted);
-            Require(skipped >= 0 && skipped <= wanted, "a skip passes over more than was asked for");
-            Require(file.GetCurrentSample() == before + skipped, "the position moves by what was skipped");
+            Require(skipped >= 0 && skipped <= wanted, "a skip skips at most the requested sample frames");
+            Require(file.GetCurrentSample() == before + skipped, "the position advances by what was skipped");
             const auto start = static_cast<std::size_t>(file.GetCurrentSample()) * frameBytes;
             const std::size_t held = read.bytes.size();
             const int given = ReadPiece(file, std::min(OddPiece(), Left(file)), read, whole.isPlain);
             if (!whole.isPlain) {
                 continue;
             }
-            Require(skipped == wanted, "a skip inside the sound goes all the way");
-            Require(given > 0 || Left(file) == 0, "a read after a skip gives something");
+            Require(skipped == wanted, "a skip inside the sound is complete");
+            Require(given > 0 || Left(file) == 0, "a read after a skip is not empty");
             if (file.FileType() == SndFile::FileMP3) {
                 continue;
             }
             Require(std::equal(read.bytes.begin() + static_cast<std::ptrdiff_t>(held), read.bytes.end(),
                         whole.bytes.begin() + static_cast<std::ptrdiff_t>(start)),
-                "a read after a skip gives the data at that place");
+                "a read after a skip gives the data at that position");
         }
     }
 
-    // A reader may go on there or not, but it stays inside its data and the caller's buffer.
+    // The reader may or may not continue there, but it must stay inside its data and the caller's buffer.
     void ReadBeyond(SndFile& file)
     {
         Pcm beyond;
@@ -259,7 +261,7 @@ private:
 
 void FuzzSoundFile(FuzzBytes bytes)
 {
-    // The tables of the MPEG decoder live as long as any reader does.
+    // The tables of the MPEG decoder exist as long as any reader exists.
     static const SndFileMP3 keepsTables;
     SoundFileCheck(bytes.first(std::min(bytes.size(), mostBytes))).Run();
 }

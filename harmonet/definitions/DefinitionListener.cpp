@@ -10,7 +10,7 @@ namespace Quon
 namespace
 {
 
-constexpr const char* stops = "; the reading stops here";
+constexpr const char* stops = "; reading stops here";
 constexpr const char* ignored = " and is ignored";
 
 template<class... Parts>
@@ -71,7 +71,7 @@ EngineString DescribeRemark(const DefinitionRemark& remark)
     case DefinitionFault::TooFewPoints:
         return Join("a line needs two points", stops);
     case DefinitionFault::Lost:
-        return Join(keyword, " is lost: the reading stopped before it");
+        return Join(keyword, " is lost: reading stopped before it");
     case DefinitionFault::Text:
         break;
     }

@@ -28,7 +28,8 @@ inline constexpr unsigned int numResourceFX = 9;
 
 // The records are plain structures of 32-bit fields, laid out like the DirectX 8 effect parameter structures
 // named with them and in the same units. The library stores and copies them without reading any field; the
-// handling of values out of range is up to the driver.
+// handling of values out of range is up to the driver. The range of each field is in the table of
+// GetEffectKeywords(), from which the check of definitions and the clamps of the drivers take it.
 
 /// DSFXChorus.
 struct FXChorus
@@ -123,7 +124,7 @@ struct FXEnvReverb
     float reverbDelay; ///< Seconds.
     float diffusion; ///< Percent.
     float density; ///< Percent.
-    float hfReference; ///< Hz, 20 to 20000.
+    float hfReference; ///< Hz.
 };
 
 /// The I3DL2 source properties. The library passes the nine words on without reading them; the names tell a

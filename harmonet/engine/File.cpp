@@ -153,7 +153,7 @@ const char* File::DescribeCode(int openCode)
     case Empty:
         return "is empty";
     case TooLarge:
-        return "has 2 GiB or more";
+        return "is 2 GiB or larger";
     case NotListed:
         return "cannot be listed: its source does not support it";
     default:

@@ -24,7 +24,7 @@ TEST_F(Reasons, AreReportedForStartsThatFail)
         "has its extension\n");
     EXPECT_EQ(group->Play2DSound("bad.sound", &database, 0, 0, 0), 0);
     EXPECT_EQ(log.Take(),
-        "W definition 'bad.sound' of owner 'sounds', line 3: *GAIN: expected a number, got 'loud'; the "
+        "W definition 'bad.sound' of owner 'sounds', line 3: *GAIN: expected a number, got 'loud'; "
         "reading stops here\n"
         "E definition 'bad.sound' of owner 'sounds': *FILE does not name a sound file\n"
         "E resource 'bad.sound' of owner 'sounds' cannot be loaded\n");

@@ -99,12 +99,12 @@ class SoundsTest(ToolCase):
             (4, ["decode", "text.wav", "out.wav"], "'text.wav' is neither"),
             (3, ["info", "empty.wav"], "'empty.wav' is empty"),
             (3, ["info", "."], "is not a file"),
-            (7, ["play", tone, "--driver", "NoSuchDriver"], "no sound driver works"),
+            (7, ["play", tone, "--driver", "NoSuchDriver"], "no working sound driver"),
             (5, ["play", tone, "--render", "nowhere/out.wav"], "cannot write to 'nowhere/out.wav'"),
             (5, ["decode", tone, "nowhere/out.wav"], "cannot write to 'nowhere/out.wav'"),
             (2, ["decode", tone, tone], "the same file"),
             (2, ["play", tone, "--loop", "--render", "out.wav"], "needs --seconds"),
-            (2, ["play", tone, "--driver", "HarmonetNull", "--option", "nonsense"], "'nonsense' is no option"),
+            (2, ["play", tone, "--driver", "HarmonetNull", "--option", "nonsense"], "'nonsense' is not an option"),
             *([] if ON_WINDOWS else [(5, ["decode", tone, "/dev/full"], "No space left")]),
         ]:
             with self.subTest(arguments):
@@ -117,7 +117,7 @@ class SoundsTest(ToolCase):
     def test_wrong_arguments_are_refused(self):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
         null = ["play", tone, "--driver", "HarmonetNull"]
-        for arguments, said in [([], "expected a command"), (["sing"], "'sing' is no command"), (["play"], "FILE"),
+        for arguments, said in [([], "expected a command"), (["sing"], "'sing' is not a command"), (["play"], "FILE"),
                                 ([*null, "--at", "1,2"], "--at"), ([*null, "--at", "1,nan,2"], "got 'nan'"),
                                 ([*null, "--gain", "2"], "--gain"), ([*null, "--gain", "nan"], "got 'nan'"),
                                 ([*null, "--seconds", "x"], "got 'x'"), (["decode", tone], "OUT.wav"),
@@ -226,7 +226,7 @@ class SoundsTest(ToolCase):
                 self.assertEqual(largest <= 1, is_standard, largest)
         done = self.run_tool("decode", "in.mp3", "out.wav", "--option", "MpegStandard")
         self.assertEqual(done.returncode, 2)
-        self.assertIn("'MpegStandard' is no option of the form Key=Value", done.stderr)
+        self.assertIn("'MpegStandard' is not an option of the form Key=Value", done.stderr)
 
     def test_no_sound_is_rendered_into_itself(self):
         tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
@@ -270,7 +270,7 @@ class SoundsTest(ToolCase):
         with open("/dev/full", "w", encoding="utf-8") as full:
             done = self.run_tool("info", tone, stdout=full)
         self.assertEqual(done.returncode, 5)
-        self.assertIn("cannot write to the standard output", done.stderr)
+        self.assertIn("cannot write to standard output", done.stderr)
 
     @needs_rendering
     def test_a_place_has_a_side_and_a_distance(self):
@@ -391,7 +391,7 @@ class ConvertTest(ToolCase):
         # A sine of 997 Hz in one channel is as many LUFS as its root mean square in decibels.
         self.assertAlmostEqual(20 * math.log10(rms(self.read_wave("out.wav")[0])), -23, delta=0.2)
         # As stereo the sides are equal, and peaks stay below full scale.
-        self.assertIn("so that its peaks are not cut",
+        self.assertIn("to keep its peaks below full scale",
                       self.run_tool("convert", "six.wav", "out.wav", "--channels", "2", "--loudness", "0").stderr)
         left, right = self.read_wave("out.wav")
         self.assertEqual(left, right)
@@ -403,7 +403,7 @@ class ConvertTest(ToolCase):
         (self.folder / "in/readme.txt").write_text("This is no sound.")
         for options, expected in [([], (2, 0)), ([], (0, 2)), (["--all"], (2, 0)), (["--format", "adpcm"], (2, 0))]:
             said = self.succeed("convert", "in", "out", *options)
-            self.assertIn("%d converted, %d unchanged, 1 no sounds" % expected, said)
+            self.assertIn("%d converted, %d unchanged, 1 skipped" % expected, said)
         self.assertIn("Microsoft ADPCM wave", self.succeed("info", "out/two.wav"))
         self.write_24_bits("in/one.wav", sine(440, 0.3, 0.5))
         lines = self.succeed("convert", "--json", "in", "out", "--format", "adpcm").splitlines()
@@ -415,7 +415,7 @@ class ConvertTest(ToolCase):
         (self.folder / "sounds").mkdir()
         for name, block in [("a", "*FILE tone.wav\n*GAIN 0.5"), ("b", "*FILE lost.wav\n*LOUD 1"), ("c", "</script>")]:
             (self.folder / f"sounds/{name}.sound").write_text(f"*SOUND_DEFINITION {{ {block} }}")
-        self.assertIn("3 definitions, 2 with remarks", self.succeed("preview", "sounds", "out.html", "--root", "."))
+        self.assertIn("3 definitions, 2 with findings", self.succeed("preview", "sounds", "out.html", "--root", "."))
         page = (self.folder / "out.html").read_text()
         good, lost, broken = json.loads(re.search(r'id="records">(.*?)</script>', page, re.DOTALL).group(1))
         self.assertEqual([record["name"] for record in (good, lost, broken)], ["a.sound", "b.sound", "c.sound"])
@@ -445,14 +445,14 @@ class ConvertTest(ToolCase):
         (self.folder / "head.flac").write_bytes(flac[:44])
         for code, arguments, said in [
             (3, ["missing.flac", "out.wav"], "there is no file 'missing.flac'"),
-            (4, ["text.wav", "out.wav"], "is no sound file of a known kind"),
-            (2, ["deep.wav", "deep.wav"], "written to itself"),
-            (2, ["deep.wav", "out.mp3", "--rate", "8000"], "nothing is coded as MPEG"),
+            (4, ["text.wav", "out.wav"], "is not a sound file of a known type"),
+            (2, ["deep.wav", "deep.wav"], "is both input and output"),
+            (2, ["deep.wav", "out.mp3", "--rate", "8000"], "encoding to MPEG is not supported"),
             (2, ["deep.wav", "in/../deep.wav", "out/"], "would both become"),
             (5, ["deep.wav", "/dev/full"], "cannot write to"),
             (0, ["cut.wav", "cut out.wav"], "warning: 'cut.wav' is cut off"),
             (0, ["cut.flac", "cut out.wav"], "warning: 'cut.flac' is cut off or damaged after 4608 sample frames"),
-            (4, ["head.flac", "out.wav"], "nothing of its sound can be decoded"),
+            (4, ["head.flac", "out.wav"], "none of its sound can be decoded"),
         ]:
             with self.subTest(arguments):
                 (self.folder / "out.wav").write_text("before")
@@ -635,18 +635,19 @@ class DefinitionsTest(ToolCase):
             ("*gain 1", 4, "error", "in capitals"),
             ("*SET_FREQUENCY true", 4, "error", "spelt *SET_FRQUENCY"),
             ("*GAIN 0.5 0.6", 4, "error", "extra values are ignored"),
-            ("*GAIN loud", 4, "error", "expected a number, got 'loud'; the reading stops here"),
+            ("*GAIN loud", 4, "error", "expected a number, got 'loud'; reading stops here"),
             ("*GAIN", 4, "error", "got nothing"),
-            ("*DELAY -1", 4, "error", "*DELAY -1 is below 0; the reading stops here"),
+            ("*DELAY -1", 4, "error", "*DELAY -1 is below 0; reading stops here"),
             ("*DELAY -1\n*LOOPING true", 5, "error", "*LOOPING is lost"),
             ("*FREQUENCY 99", 4, "error", "*FREQUENCY 99 is outside 100 to 100000 and is ignored"),
             ("*GAIN 1.5", 4, "error", "*GAIN 1.5 is outside 0 to 1 and is ignored"),
+            ("*LOW_PASS 2", 4, "error", "*LOW_PASS 2 is outside 0 to 1 and is ignored: the sound is not filtered"),
             ("*CONE_GAIN 2\n*INNER_CONE_ANGLE 90", 4, "warning", "*CONE_GAIN 2 is outside 0 to 1"),
             ("*FX_PARAMEQ {\n*GAIN 20\n}", 5, "warning", "*GAIN 20 is outside -15 to 15"),
             ("*FX_PARAMEQ {\n*RATEHZ 20\n}", 5, "error", "*RATEHZ is unknown here"),
             ("*FREQUENCY 9000\n*FX_GARGLE", 5, "error", "cannot change its rate"),
-            ("*GAIN 0.5\n*GAIN 0.6", 5, "warning", "what line 4 says does not count"),
-            ("*FX_GARGLE\n*FX_GARGLE { *RATEHZ 5 }", 5, "warning", "what line 4 says does not count"),
+            ("*GAIN 0.5\n*GAIN 0.6", 5, "warning", "the one in line 4 has no effect"),
+            ("*FX_GARGLE\n*FX_GARGLE { *RATEHZ 5 }", 5, "warning", "the one in line 4 has no effect"),
             ("*MIN_DISTANCE 9\n*MAX_DISTANCE 5", 5, "warning", "does not fall off"),
             ("*MIN_DISTANCE 0\n*MAX_DISTANCE 0", 5, "warning", "never heard"),
             ("*INNER_CONE_ANGLE 90", 4, "warning", "no cone is in use"),
@@ -659,16 +660,16 @@ class DefinitionsTest(ToolCase):
             ("*LINE\n*FX_ECHO", 9, "warning", "*FX_ECHO is not heard"),
             ("*POLYLINE {\n*NUM_ADD_SOUNDS 9\n*ANGLE 90\n*POINT 1 2 3\n*POINT 2 3 4\n}", 5, "warning",
              "room for 3 additional sounds, not 9"),
-            ("*VARIANT a.wav\n*VARIANT missing.wav", 5, "error", "the sound file 'missing.wav' is not there"),
+            ("*VARIANT a.wav\n*VARIANT missing.wav", 5, "error", "the sound file 'missing.wav' does not exist"),
             ("*VARIANT_ORDER sequence", 4, "warning", "*VARIANT_ORDER has no effect without *VARIANT"),
             ("*VARIANT_ORDER shuffle", 4, "error", "*VARIANT_ORDER: expected random or sequence, got 'shuffle'"),
             ("*STEALING none", 4, "warning", "*STEALING has no effect without *MAX_INSTANCES"),
-            ("*GAIN 0.5\n*GAIN_RANGE 0 7", 5, "warning", "the range goes beyond gain 1"),
+            ("*GAIN 0.5\n*GAIN_RANGE 0 7", 5, "warning", "the range exceeds gain 1"),
             ("*FREQUENCY_RANGE 1 20", 4, "error", "20 is outside 0.1 to 10 and is ignored: there is no variation"),
             ("*MAX_INSTANCES -1", 4, "error", "and is ignored: there is no limit"),
-            ("*FILE missing.wav", 4, "error", "the sound file 'missing.wav' is not there"),
+            ("*FILE missing.wav", 4, "error", "the sound file 'missing.wav' does not exist"),
             ("*FILE bad.wav", 4, "error", "neither a PCM"),
-            ("*FILE ../a.wav", 4, "error", "lies outside the folder"),
+            ("*FILE ../a.wav", 4, "error", "is outside the asset folder"),
         ]
         (self.folder / "bad.wav").write_text("no sound")
         line = "*POLYLINE {\n*POINT 1 2 3\n*POINT 2 3 4\n*ANGLE 20\n}"
@@ -703,8 +704,8 @@ class DefinitionsTest(ToolCase):
         self.write_text("plain.txt", "*SOUND_DEFINITION { *FILE a.wav }")
         exit_code, lines, errors = self.check("missing.sound", "plain.txt", "good.sound")
         self.assertEqual((exit_code, lines), (3, ["good.sound: good"]))
-        self.assertIn("cannot reach 'missing.sound'", errors)
-        self.assertIn("'plain.txt' is no sound definition", errors)
+        self.assertIn("cannot access 'missing.sound'", errors)
+        self.assertIn("'plain.txt' is not a sound definition", errors)
 
     def test_names_of_sound_files_refer_to_the_root(self):
         self.write("sounds/deep.sound", "*FILE a.wav")
@@ -713,7 +714,7 @@ class DefinitionsTest(ToolCase):
         self.write("out.sound", "*FILE a.wav")
         exit_code, _, errors = self.check("--root", "sounds", "out.sound")
         self.assertEqual(exit_code, 2)
-        self.assertIn("'out.sound' does not lie below 'sounds'", errors)
+        self.assertIn("'out.sound' is not below 'sounds'", errors)
         # A link leads out too, which the tests of the engine cannot make everywhere.
         os.symlink(self.folder, self.folder / "sounds/out")
         self.write("sounds/link.sound", "*FILE out/a.wav")
@@ -802,7 +803,7 @@ class DefinitionsTest(ToolCase):
         shown = {" ".join(line.split()) for line in done.stdout.splitlines()}
         self.assertLessEqual({
             "a.sound", "sound file a.wav", "looping no", "gain 0.25", "delay 40 ms", "distances 10 to 500",
-            "rate that of the file", "line 2 points, 0 additional sounds, angle 45", "1 2 3", "4 5 6",
+            "rate same as the file", "line 2 points, 0 additional sounds, angle 45", "1 2 3", "4 5 6",
             "variants b.wav, c.wav, at random", "gain range -3 to 1.5 dB", "instances at most 2, stealing oldest",
             "*FX_GARGLE *RATEHZ 7 *WAVEFORM 0", "a.wav", "type PCM wave"}, shown)
 

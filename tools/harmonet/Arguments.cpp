@@ -43,7 +43,7 @@ bool IsOption(const std::string& argument)
     return argument.size() > 2 && argument.starts_with("--");
 }
 
-/// The first option that the command does not know, or an empty text.
+/// Returns the first option that the command does not know, or an empty string.
 std::string FindUnknownOption(
     const std::vector<std::string>& known, const std::vector<std::string>& arguments)
 {
@@ -82,7 +82,7 @@ std::string ExplainArguments(
     const bool isCommand = std::find(commands.begin(), commands.end(), first) != commands.end();
     if (!isCommand && !first.starts_with('-')) {
         const std::string hint = DidYouMean(first, commands);
-        return '\'' + first + "' is no command" + (hint.empty() ? "; `harmonet --help` lists them" : hint);
+        return '\'' + first + "' is not a command" + (hint.empty() ? "; `harmonet --help` lists them" : hint);
     }
     const std::vector<std::string> options =
         OptionNames(isCommand ? *program.get_subcommand(first) : program);
@@ -92,7 +92,8 @@ std::string ExplainArguments(
             return "there is no option '" + unknown + "'" + hint;
         }
     }
-    return std::string(error.what()) + "; `harmonet " + (isCommand ? first + ' ' : "") + "--help` tells more";
+    return std::string(error.what()) + "; `harmonet " + (isCommand ? first + ' ' : "") +
+        "--help` describes the arguments";
 }
 
 } // namespace Tool

@@ -5,10 +5,11 @@
 namespace Tool
 {
 
-/// For options that take a number: refuses NaN and what a float cannot hold, which the ranges let pass.
+/// For options that take a number: rejects NaN and values outside the range of a float, which range checks
+/// accept.
 CLI::Validator FiniteNumber();
 
-/// The sentence for arguments that were not understood, with the word that was probably meant.
+/// Returns the error message for invalid arguments. Suggests the word that was probably meant.
 std::string ExplainArguments(
     const CLI::App& program, const CLI::ParseError& error, const std::vector<std::string>& arguments);
 

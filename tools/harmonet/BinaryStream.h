@@ -6,8 +6,8 @@
 namespace Tool
 {
 
-/// Copies all that is left in one stream to another and flushes that. The names are those in the ToolError
-/// that is thrown when a stream fails.
+/// Copies the rest of one stream to another and flushes the target. When a stream fails, throws a ToolError
+/// that contains its name.
 void CopyStream(std::FILE* from, const std::string& fromName, std::FILE* to, const std::string& toName);
 
 } // namespace Tool

@@ -43,17 +43,16 @@ void AddCheckCommand(CLI::App& program, Action& action)
 {
     const auto arguments = std::make_shared<CheckArguments>();
     CLI::App* const command = program.add_subcommand(
-        "check", "Read sound definitions as a game would, and tell what is wrong with them or passed over.");
+        "check", "Read sound definitions as a game does, and report what is wrong or ignored.");
     command->footer(
-        "The exit code is 0 if there are no errors, with --strict if there is nothing at all to tell.");
+        "The exit code is 0 if there are no errors; with --strict, if there are no warnings either.");
     command
-        ->add_option(
-            "FILE", arguments->paths, "The definitions, *.sound or *.sound.txt, or - for the standard input")
+        ->add_option("FILE", arguments->paths, "Definitions, *.sound or *.sound.txt, or - for standard input")
         ->required();
     command->add_option("--root", arguments->root,
-        "The folder to which the names of sound files refer; by default that of each definition");
-    command->add_flag("--strict", arguments->isStrict, "Let warnings count as errors");
-    command->add_flag("--json", arguments->isJson, "A line of JSON for each definition");
+        "Folder that the names of sound files are relative to; by default the folder of each definition");
+    command->add_flag("--strict", arguments->isStrict, "Treat warnings as errors");
+    command->add_flag("--json", arguments->isJson, "Print one line of JSON for each definition");
     AddVerbose(*command);
     command->callback([arguments, &action] { action = [arguments] { return RunCheck(*arguments); }; });
 }

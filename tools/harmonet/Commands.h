@@ -9,11 +9,11 @@
 namespace Tool
 {
 
-/// What a subcommand does once the arguments are known. May throw a ToolError.
+/// Runs a subcommand after the arguments have been parsed. May throw a ToolError.
 using Action = std::function<ExitCode()>;
 
-// Each adds its subcommand with its options to the program, and stores what it does in `action` when it is
-// the one that was asked for.
+// Each function adds its subcommand and the options to the program. If that subcommand is on the command
+// line, parsing stores in `action` how to run it.
 
 void AddPlayCommand(CLI::App& program, Action& action);
 void AddInfoCommand(CLI::App& program, Action& action);

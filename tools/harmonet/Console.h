@@ -5,37 +5,37 @@
 namespace Tool
 {
 
-/// Prepares the console for as long as it lives: output is in UTF-8, and a wait of a few milliseconds takes
-/// no longer. main() owns the one there is.
+/// Prepares the console for the lifetime of the object: output is UTF-8, and waits of a few milliseconds are
+/// not rounded up. main() owns the only instance.
 class Console
 {
 public:
     Console();
     Console(const Console&) = delete;
     Console& operator=(const Console&) = delete;
-    /// Leaves the console as it was.
-    // NOLINTNEXTLINE(performance-trivially-destructible): there is something to leave on Windows alone.
+    /// Restores the console.
+    // NOLINTNEXTLINE(performance-trivially-destructible): the destructor has an effect on Windows only.
     ~Console();
 };
 
-/// The arguments of the command line as main() gets them, in UTF-8 on every platform. They live as long as
-/// the program.
+/// Returns the command-line arguments in UTF-8 on every platform; `arguments` is what main() received. They
+/// stay valid until the program ends.
 char** GetArguments(char** arguments);
 
-/// Whether standard output is shown on a terminal, on which a line can be written anew.
+/// Returns whether standard output is a terminal, on which a line can be overwritten.
 bool IsTerminal();
 
-/// Whether standard input comes from a terminal, at which somebody types.
+/// Returns whether standard input is a terminal.
 bool IsInputTerminal();
 
-/// The standard stream, which from here on takes and gives bytes as they are, on every platform.
+/// Switches a standard stream to binary mode on every platform and returns it.
 std::FILE* UseBinary(std::FILE* stream);
 
-/// From here on a reader that closes our output shows as an error of the write and no longer ends the
-/// program.
+/// After this call, writing to a closed pipe fails with an error and no longer terminates the program.
 void IgnoreClosedPipes();
 
-/// Whether a write to the standard output that failed for this reason, a value of errno, had no reader.
+/// Returns whether a write to standard output failed because the pipe has no reader. `reason` is a value of
+/// errno.
 bool IsClosedPipe(int reason);
 
 } // namespace Tool

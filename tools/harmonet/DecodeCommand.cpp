@@ -27,13 +27,13 @@ struct DecodeArguments
     std::vector<std::string> options; ///< Engine options as Key=Value.
 };
 
-/// The head of a wave file states one format for all of the sound.
+/// The header of a wave file states one format for the whole sound.
 void CheckFormat(const Quon::SoundFormat& now, const Quon::SoundFormat& atStart)
 {
     if (now.GetChannels() != atStart.GetChannels() ||
         now.GetSampleFrequency() != atStart.GetSampleFrequency()) {
         throw ToolError(
-            "the sound changes its number of channels or its rate half-way, which a wave file cannot do",
+            "the number of channels or the rate changes within the sound, which a wave file cannot represent",
             ExitCode::BadInput);
     }
 }
@@ -57,12 +57,12 @@ void CopySound(Quon::SndFile& data, WaveWriter& writer)
 
 void WarnIfCutOff(const Quon::SndFile& data, const std::string& shown)
 {
-    // What a program states that writes into a pipe and does not know the length.
+    // The size that programs write when they stream into a pipe and do not know the length.
     constexpr unsigned long unknownBytes = 0xFFFFFFFF;
     const int stated = data.GetSoundSamples();
     if (data.GetCurrentSample() < stated && data.Size() != unknownBytes) {
-        Warn("'" + shown + "' is cut off: it holds " + std::to_string(data.GetCurrentSample()) + " of " +
-            std::to_string(stated) + " sample frames");
+        PrintWarning("'" + shown + "' is cut off: it holds " + std::to_string(data.GetCurrentSample()) +
+            " of " + std::to_string(stated) + " sample frames");
     }
 }
 
@@ -94,12 +94,12 @@ void AddDecodeCommand(CLI::App& program, Action& action)
     const auto arguments = std::make_shared<DecodeArguments>();
     CLI::App* const command =
         program.add_subcommand("decode", "Write the PCM of a sound file to a wave file.");
-    command->add_option("FILE", arguments->input, "The sound file, or - for the standard input")->required();
+    command->add_option("FILE", arguments->input, "The sound file, or - for standard input")->required();
     command
         ->add_option("OUT.wav", arguments->output,
-            "The wave file, or - for the standard output; one that exists is replaced")
+            "The wave file, or - for standard output; an existing file is replaced")
         ->required();
-    command->add_option("--option", arguments->options, "An option of the engine, as \"MpegStandard=1\"")
+    command->add_option("--option", arguments->options, "Engine option, for example \"MpegStandard=1\"")
         ->type_name("KEY=VALUE")
         ->allow_extra_args(false);
     AddVerbose(*command);

@@ -24,7 +24,8 @@ std::string ToString(const Quon::PString& text)
     return std::string(text.GetView());
 }
 
-/// What a sound does without a value of that keyword that is out of range; null if it takes the value.
+/// Returns what a sound does when the value of the keyword is out of range and ignored; null if the value is
+/// used.
 const char* ExplainIgnored(const Quon::PString& keyword)
 {
     if (keyword == Keys::frequency) {
@@ -32,6 +33,9 @@ const char* ExplainIgnored(const Quon::PString& keyword)
     }
     if (keyword == Keys::gain) {
         return "the sound plays at gain 1";
+    }
+    if (keyword == Keys::lowPass) {
+        return "the sound is not filtered";
     }
     if (keyword == Keys::gainRange || keyword == Keys::frequencyRange) {
         return "there is no variation";
@@ -94,8 +98,8 @@ void DefinitionCheck::OnKeyword(const Quon::PString& block, const Quon::PString&
     const auto [place, isFirst] = known.emplace(keyword, line);
     if (!isFirst && keyword != Keys::point && keyword != Keys::variant) {
         AddWarning(line,
-            ToString(keyword) + " stands here again; what line " + std::to_string(place->second) +
-                " says does not count");
+            ToString(keyword) + " is repeated; the one in line " + std::to_string(place->second) +
+                " has no effect");
     }
     place->second = line;
 }
@@ -103,7 +107,7 @@ void DefinitionCheck::OnKeyword(const Quon::PString& block, const Quon::PString&
 void DefinitionCheck::OnRemark(const Quon::DefinitionRemark& remark)
 {
     findings.push_back({remark.line, IsError(remark), Explain(remark)});
-    // What was not taken over needs no look at what becomes of it.
+    // A setting that was not read needs no further checks.
     if (remark.fault == DefinitionFault::Unreadable || remark.fault == DefinitionFault::Refused) {
         lines.erase(remark.keyword);
     }
@@ -111,7 +115,7 @@ void DefinitionCheck::OnRemark(const Quon::DefinitionRemark& remark)
 
 bool DefinitionCheck::IsError(const Quon::DefinitionRemark& remark) const
 {
-    // Values are kept as they are, but for these, which a sound does without.
+    // Out-of-range values are kept, except for these, which are ignored.
     return remark.fault != DefinitionFault::OutOfRange ||
         (lastBlock.IsEmpty() && ExplainIgnored(remark.keyword));
 }
@@ -145,8 +149,8 @@ void DefinitionCheck::CheckSoundFile(const Quon::SoundDefResource& sound, const 
     }
     else if (!data->SetLoopRegion(sound.GetLoopStart(), sound.GetLoopEnd())) {
         AddWarning(std::max(FindLine(Keys::loopStart), FindLine(Keys::loopEnd)),
-            shown + "loops as a whole: nothing of its " + std::to_string(data->GetSoundSamples()) +
-                " sample frames is in the loop region");
+            shown + "loops as a whole: none of its " + std::to_string(data->GetSoundSamples()) +
+                " sample frames are in the loop region");
     }
 }
 
@@ -172,7 +176,7 @@ void DefinitionCheck::CheckVariation(const Quon::SoundDefResource& sound)
     }
     const double loudest = std::pow(10.0, static_cast<double>(variation.maxGainDb) / 20.0);
     if (variation.VariesGain() && static_cast<double>(sound.GetGain()) * loudest > 1.0) {
-        AddWarning(FindLine(Keys::gainRange), "the range goes beyond gain 1, where it is clamped");
+        AddWarning(FindLine(Keys::gainRange), "the range exceeds gain 1, to which it is clamped");
     }
 }
 
@@ -180,10 +184,11 @@ void DefinitionCheck::CheckDistances(const Quon::SoundDefResource& sound)
 {
     const int line = std::max(FindLine(Keys::minDistance), FindLine(Keys::maxDistance));
     if (sound.GetMaxDistance() < sound.GetMinDistance()) {
-        AddWarning(line, "the maximum distance is below the minimum: the sound does not fall off");
+        AddWarning(
+            line, "the maximum distance is below the minimum: the sound does not fall off with distance");
     }
     if (sound.GetCutout() && sound.GetMaxDistance() == 0.0F) {
-        AddWarning(line, "with a cutout at distance 0 a positional sound is never heard");
+        AddWarning(line, "with a cutout at distance 0, a positional sound is never heard");
     }
 }
 
@@ -196,8 +201,7 @@ void DefinitionCheck::CheckCone(const Quon::SoundDefResource& sound)
     const bool isAskedFor = sound.GetInnerConeAngle() != halfTurn || sound.GetOuterConeAngle() != halfTurn ||
         sound.GetConeGain() != 1.0F;
     if (isAskedFor && !isInUse) {
-        AddWarning(
-            line, "no cone is in use: that needs an inner angle below 180 and a cone gain below 1 together");
+        AddWarning(line, "no cone is in use: a cone needs an inner angle below 180 and a cone gain below 1");
     }
     if (isInUse && sound.GetOuterConeAngle() < sound.GetInnerConeAngle()) {
         AddWarning(line, "the outer cone angle is below the inner one");
@@ -210,13 +214,14 @@ void DefinitionCheck::CheckLine(const Quon::SoundDefResource& sound)
         AddWarning(line, ToString(keyword) + " is not heard: a sound along a line starts without effects");
     }
     if (const int line = FindLine(Keys::position)) {
-        AddWarning(line, ToString(Keys::position) + " is ignored: the line has its own places");
+        AddWarning(line, ToString(Keys::position) + " is ignored: the line has its own positions");
     }
     if (const int line = FindLine(Keys::looping); line && !sound.GetLooping()) {
         AddWarning(line, "a sound along a line always loops");
     }
     if (sound.GetMinDistance() <= 0.0F && sound.GetMaxDistance() <= 0.0F) {
-        AddWarning(FindLine(Keys::polyline), "without a distance above 0 the line is heard on itself alone");
+        AddWarning(FindLine(Keys::polyline),
+            "without a distance above 0, the sound is heard only on the line itself");
     }
     const auto asked = static_cast<unsigned int>(sound.GetNumAddSounds());
     const unsigned int possible = Quon::LimitSources(asked, sound.GetMinAngle()).numAddSounds;

@@ -11,12 +11,12 @@
 namespace Tool
 {
 
-/// Reads a definition as the library does, hears what the reading comes across, and then looks at what
-/// will become of the settings when a sound is made. Used once.
+/// Reads a definition as the library does, collects the remarks of the reader, and then checks how the
+/// settings will affect a sound. Each object is used once.
 class DefinitionCheck final : private Quon::DefinitionListener
 {
 public:
-    /// What there is to say, by line.
+    /// Returns the findings, sorted by line.
     std::vector<Finding> Run(DefinitionFile& file);
 
 private:
@@ -35,15 +35,16 @@ private:
     void CheckDistances(const Quon::SoundDefResource& sound);
     void CheckLine(const Quon::SoundDefResource& sound);
 
-    /// The last line of a keyword of the definition itself, or of its line; 0 if it does not stand there.
+    /// Returns the last line of a keyword of the definition itself or of its *POLYLINE block; 0 if it is not
+    /// used.
     int FindLine(const Quon::PString& keyword) const;
 
     std::vector<Finding> findings;
-    Quon::PString lastBlock; ///< In which the last keyword stands.
+    Quon::PString lastBlock; ///< The block of the last keyword.
     std::unordered_map<Quon::PString, int> lines;
-    std::unordered_map<Quon::PString, int> blockLines; ///< Of the keywords in the block that is being read.
-    std::vector<int> variantLines; ///< In the order of the variants.
-    std::vector<std::pair<Quon::PString, int>> effects; ///< Their keywords and lines.
+    std::unordered_map<Quon::PString, int> blockLines; ///< Lines of the keywords in the current block.
+    std::vector<int> variantLines; ///< Lines of the variants, in their order.
+    std::vector<std::pair<Quon::PString, int>> effects; ///< Keywords and lines.
 };
 
 } // namespace Tool

@@ -30,7 +30,7 @@ fs::path Canonical(const std::string& shown)
     return path;
 }
 
-/// Each definition has a folder of its own, and an owner has one at a time.
+/// Each definition has its own folder, and an owner name refers to one folder at a time.
 std::string MakeOwner()
 {
     static int count = 0;
@@ -71,17 +71,17 @@ DefinitionFile::DefinitionFile(const std::string& path, const std::string& newRo
     , owner(MakeOwner())
 {
     if (!IsDefinitionName(input.GetPath())) {
-        throw ToolError("'" + path + "' is no sound definition; their names end with .sound or .sound.txt",
+        throw ToolError("'" + path + "' is not a sound definition; their names end with .sound or .sound.txt",
             ExitCode::BadInput);
     }
     const fs::path file = Canonical(input.GetPath());
     const fs::path folder = root.empty() || IsFromStream() ? file.parent_path() : Canonical(root);
     const fs::path name = file.lexically_relative(folder);
     if (name.empty() || *name.begin() == "..") {
-        throw ToolError("'" + path + "' does not lie below '" + root + "'", ExitCode::BadArguments);
+        throw ToolError("'" + path + "' is not below '" + root + "'", ExitCode::BadArguments);
     }
     if (!database.AddFolder(Quon::PString(owner.c_str()), ToText(folder).c_str())) {
-        throw ToolError("'" + ToText(folder) + "' is no folder", ExitCode::NoInput);
+        throw ToolError("'" + ToText(folder) + "' is not a folder", ExitCode::NoInput);
     }
     const Quon::Resource* found =
         database.Lookup(Quon::PString(ToText(name.generic_u8string()).c_str()), lookupMode);
@@ -104,7 +104,7 @@ DefinitionFile::~DefinitionFile()
 bool DefinitionFile::Load()
 {
     isLocked = isLocked || resource->Lock(&database).IsOk();
-    // From here on the temporary folder is not looked at any more, but the one that the names refer to.
+    // The definition has been read from the temporary folder. The names in it refer to the root.
     if (IsFromStream()) {
         database.AddFolder(Quon::PString(owner.c_str()), root.empty() ? "." : root.c_str());
     }

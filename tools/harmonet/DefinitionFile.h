@@ -13,8 +13,8 @@
 namespace Tool
 {
 
-/// What a host needs to have sound definitions read: the library, loaded at run time and asked for its types
-/// of resources, the keywords, and a way to open sound files. No sound system runs.
+/// What a host needs to read sound definitions without a running sound system: the library, loaded at run
+/// time for its resource types and keywords, and a service that opens sound files.
 class DefinitionHost
 {
 public:
@@ -22,7 +22,7 @@ public:
     DefinitionHost();
     DefinitionHost(const DefinitionHost&) = delete;
     DefinitionHost& operator=(const DefinitionHost&) = delete;
-    /// No DefinitionFile may be left.
+    /// Every DefinitionFile must have been destroyed.
     ~DefinitionHost();
 
 private:
@@ -31,27 +31,28 @@ private:
     Quon::SndFileService service;
 };
 
-/// A sound definition, found by name in a folder and loaded as a resource. Needs a DefinitionHost.
+/// A sound definition that is found by name in a folder and loaded as a resource. Needs a DefinitionHost.
 class DefinitionFile
 {
 public:
     static bool IsDefinitionName(const std::string& path);
 
-    /// `newRoot` is the folder to which names of files refer; empty for the definition's own folder, which
-    /// for one from the standard input is the current folder. Throws a ToolError if the definition is not
-    /// there, does not lie below the root or is none by its name.
+    /// `newRoot` is the folder that file names are relative to. If it is empty, that is the definition's own
+    /// folder, or the current folder for a definition from standard input. Throws a ToolError if the
+    /// definition does not exist, is not below the root, or has a name that is not that of a definition.
     DefinitionFile(const std::string& path, const std::string& newRoot);
     DefinitionFile(const DefinitionFile&) = delete;
     DefinitionFile& operator=(const DefinitionFile&) = delete;
     ~DefinitionFile();
 
-    /// Reads it. False if it does not load.
+    /// Reads the definition. Returns false if it does not load.
     bool Load();
-    /// The settings; they count once it has been loaded.
+    /// The settings. They are valid after Load() has succeeded.
     const Quon::SoundDefResource& GetSettings() const { return *resource; }
-    /// To make sounds from it: the resource GetSettings().GetName().
+    /// The database to create sounds from. The resource is named GetSettings().GetName().
     const Quon::ResourceDatabase& GetDatabase() const { return database; }
-    /// Where its sound file has to lie; empty without one. Counts once it has been loaded.
+    /// Returns the path at which the sound file is expected; empty if there is none. Valid after Load() has
+    /// succeeded.
     std::string GetSoundPath() const;
 
 private:
@@ -59,7 +60,7 @@ private:
 
     InputFile input;
     std::string root;
-    std::string owner; ///< Of the folder, for this definition alone.
+    std::string owner; ///< The owner name of the folder, unique to this definition.
     Quon::ResourceDatabase database;
     const Quon::SoundDefResource* resource = nullptr;
     bool isLocked = false;

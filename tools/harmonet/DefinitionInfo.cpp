@@ -36,7 +36,7 @@ std::string Format(const Quon::Vector3& place)
     return FormatNumber(place.x) + ' ' + FormatNumber(place.y) + ' ' + FormatNumber(place.z);
 }
 
-/// The number that was written in the definition, without the digits that a float adds.
+/// Returns the number as written in the definition, without the extra digits of a float.
 double Rounded(double number)
 {
     return std::stod(FormatNumber(number));
@@ -47,16 +47,17 @@ Json ToJson(const Quon::Vector3& place)
     return {Rounded(place.x), Rounded(place.y), Rounded(place.z)};
 }
 
-std::string FormatGain(float gain)
+/// `consequence` is what a sound does if the gain is out of range and ignored.
+std::string FormatGain(float gain, const std::string& consequence)
 {
     const bool isIgnored = gain < 0.0F || gain > 1.0F;
-    return FormatNumber(gain) + (isIgnored ? ", out of range and ignored: the sound plays at gain 1" : "");
+    return FormatNumber(gain) + (isIgnored ? ", out of range and ignored: " + consequence : "");
 }
 
 std::string FormatFrequency(const Quon::SoundDefResource& sound)
 {
     const std::string rate =
-        sound.GetFrequency() != 0 ? std::to_string(sound.GetFrequency()) + " Hz" : "that of the file";
+        sound.GetFrequency() != 0 ? std::to_string(sound.GetFrequency()) + " Hz" : "same as the file";
     return rate + (sound.GetChgFrequency() ? ", can change" : "");
 }
 
@@ -138,7 +139,7 @@ void AddLimits(const Quon::SoundLimits& limits, std::vector<Setting>& settings)
                 "instances", {{"maximum", limits.maxInstances}, {"stealing", word}}});
     }
     if (limits.minIntervalMs > 0) {
-        settings.push_back({"interval", "at least " + std::to_string(limits.minIntervalMs) + " ms",
+        settings.push_back({"interval", "at minimum " + std::to_string(limits.minIntervalMs) + " ms",
             "minimumIntervalMs", limits.minIntervalMs});
     }
 }
@@ -172,8 +173,9 @@ std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
         {"looping", Yes(sound.GetLooping()), "looping", sound.GetLooping()},
         {"loop region", FormatLoopRegion(sound), "loopRegion",
             {{"start", sound.GetLoopStart()}, {"end", sound.GetLoopEnd()}}},
-        {"gain", FormatGain(sound.GetGain()), "gain", Rounded(sound.GetGain())},
-        {"low-pass", FormatNumber(sound.GetLowPass()), "lowPass", Rounded(sound.GetLowPass())},
+        {"gain", FormatGain(sound.GetGain(), "the sound plays at gain 1"), "gain", Rounded(sound.GetGain())},
+        {"low-pass", FormatGain(sound.GetLowPass(), "the sound is not filtered"), "lowPass",
+            Rounded(sound.GetLowPass())},
         {"delay", std::to_string(sound.GetDelay()) + " ms", "delayMs", sound.GetDelay()},
         {"distances",
             FormatNumber(sound.GetMinDistance()) + " to " + FormatNumber(sound.GetMaxDistance()) +
@@ -209,7 +211,7 @@ std::vector<Setting> DescribeSettings(const Quon::SoundDefResource& sound)
 void Load(DefinitionFile& file, const std::string& path)
 {
     if (!file.Load()) {
-        throw ToolError("'" + path + "' does not load; `harmonet check` tells why", ExitCode::BadInput);
+        throw ToolError("'" + path + "' does not load; `harmonet check` shows why", ExitCode::BadInput);
     }
 }
 

@@ -7,10 +7,10 @@
 namespace Tool
 {
 
-/// Prints the settings of a definition as a sound would get them. Throws a ToolError if it does not load.
-/// Needs a DefinitionHost.
+/// Prints the settings that a sound gets from a definition. Throws a ToolError if it does not load. Needs a
+/// DefinitionHost.
 void PrintDefinition(const std::string& path);
-/// The same as JSON.
+/// Returns the same as JSON.
 nlohmann::ordered_json DescribeDefinition(const std::string& path);
 
 } // namespace Tool

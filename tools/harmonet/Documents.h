@@ -7,11 +7,11 @@
 namespace Tool
 {
 
-// What a package has beside a program, made from the same descriptions as its help.
+// Documents that a package contains in addition to the program, generated from the text of the help.
 
-/// The manual page, for man's macros.
+/// Returns the manual page as man macros.
 std::string MakeManPage(const CLI::App& program, const std::string& version);
-/// Scripts that complete commands, options and those of their values that are words.
+/// Return scripts that complete commands, options and the fixed values of options.
 std::string MakeBashCompletion(const CLI::App& program);
 std::string MakeZshCompletion(const CLI::App& program);
 

@@ -10,7 +10,7 @@ void SetEngineOptions(Quon::Options& options, const std::vector<std::string>& te
 {
     for (const std::string& text : texts) {
         if (!options.SetFromText(text.c_str())) {
-            throw ToolError("'" + text + "' is no option of the form Key=Value", ExitCode::BadArguments);
+            throw ToolError("'" + text + "' is not an option of the form Key=Value", ExitCode::BadArguments);
         }
     }
 }

@@ -11,8 +11,8 @@ class Options;
 namespace Tool
 {
 
-/// Sets engine options as they were given on the command line, each as Key=Value. Throws a ToolError for the
-/// first that does not have this form.
+/// Sets engine options from the command line, each in the form Key=Value. Throws a ToolError for the first
+/// text that does not have this form.
 void SetEngineOptions(Quon::Options& options, const std::vector<std::string>& texts);
 
 } // namespace Tool

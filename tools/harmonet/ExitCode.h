@@ -3,16 +3,16 @@
 namespace Tool
 {
 
-/// How the program ends. main() lists them in the help.
+/// The exit codes of the program. main() lists them in the help.
 enum class ExitCode : int
 {
     Done = 0,
-    Failed = 1, ///< `check` has found something, or no other code fits.
+    Failed = 1, ///< `check` found errors, or no other code fits.
     BadArguments = 2,
     NoInput = 3, ///< A file is missing or cannot be opened.
-    BadInput = 4, ///< A file is damaged or of a kind that is not read.
-    NoOutput = 5, ///< A result cannot be written, for example onto a full disk.
-    ClosedPipe = 6, ///< Whoever read the output has closed it.
+    BadInput = 4, ///< A file is damaged or of an unsupported type.
+    NoOutput = 5, ///< A result cannot be written, for example because the disk is full.
+    ClosedPipe = 6, ///< The reader of the output closed it.
     NoDriver = 7, ///< No output driver works.
 };
 

@@ -24,7 +24,7 @@ fs::path Canonical(const std::string& shown)
         throw ToolError("there is no file '" + shown + "'", ExitCode::NoInput);
     }
     if (error) {
-        throw ToolError("cannot reach '" + shown + "': " + error.message(), ExitCode::NoInput);
+        throw ToolError("cannot access '" + shown + "': " + error.message(), ExitCode::NoInput);
     }
     return path;
 }
@@ -64,7 +64,7 @@ FileArguments::FileArguments(const std::vector<std::string>& paths)
         root = CommonFolder(root, path.parent_path());
     }
     if (!Quon::File::AddRoot(Quon::PString(), ToText(root).c_str())) {
-        throw ToolError("cannot reach the folder '" + ToText(root) + "'", ExitCode::NoInput);
+        throw ToolError("cannot access the folder '" + ToText(root) + "'", ExitCode::NoInput);
     }
 
     for (std::size_t i = 0; i < paths.size(); ++i) {

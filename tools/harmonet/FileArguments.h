@@ -10,21 +10,20 @@
 namespace Tool
 {
 
-/// The files that were named on the command line, the standard input among them, made known to the engine.
+/// The files named on the command line, including standard input, made available to the engine.
 ///
-/// The engine finds files below root folders alone. Here the root of all plain names is the deepest folder
-/// that holds all the files, so that a single file's folder is its root and nothing beside the files is
-/// opened up.
+/// The engine finds files only below root folders. The root used here is the deepest folder that contains all
+/// the files; for a single file it is the file's own folder.
 class FileArguments
 {
 public:
     struct File
     {
-        std::string shown; ///< As the user has written it.
-        Quon::PString name; ///< As the engine finds it, without an owner.
+        std::string shown; ///< As the user wrote it.
+        Quon::PString name; ///< The name by which the engine finds it, without an owner.
     };
 
-    /// Throws a ToolError for the first path that is missing, no file, or not readable.
+    /// Throws a ToolError for the first path that does not exist, is not a file or is not readable.
     explicit FileArguments(const std::vector<std::string>& paths);
 
     const std::vector<File>& GetFiles() const { return files; }

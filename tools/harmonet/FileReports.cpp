@@ -32,7 +32,7 @@ ExitCode ForEachFile(const std::vector<std::string>& paths, bool isJson,
             if (isJson) {
                 PrintJson({{"file", path}, {"error", error.what()}, {"exitCode", static_cast<int>(code)}});
             }
-            Complain(error.what());
+            PrintError(error.what());
         }
         if (first == ExitCode::Done) {
             first = code;

@@ -9,9 +9,9 @@
 namespace Tool
 {
 
-/// Runs `report` for each file, whatever becomes of the others. A ToolError goes to the error stream, and
-/// with `isJson` to the output too, as an object with "file", "error" and "exitCode". Gives the exit code of
-/// the first file that has one other than Done. What the output refuses ends it at once, with a ToolError.
+/// Runs `report` for each file, even if others fail. A ToolError is printed to standard error and, with
+/// `isJson`, also to standard output as an object with "file", "error" and "exitCode". Returns the first exit
+/// code other than Done. If the output itself fails, throws a ToolError immediately.
 ExitCode ForEachFile(const std::vector<std::string>& paths, bool isJson,
     const std::function<ExitCode(const std::string& path)>& report);
 

@@ -14,22 +14,22 @@ constexpr std::chrono::milliseconds pause(100);
 
 FileWatch::FileWatch(const std::vector<std::string>& newPaths)
     : paths(newPaths)
-    , nextLook(Clock::now())
+    , nextCheck(Clock::now())
 {
     for (const std::string& path : paths) {
-        states.push_back(Look(path));
+        states.push_back(ReadState(path));
     }
     seen = states;
 }
 
 bool FileWatch::HasChanged()
 {
-    if (Clock::now() < nextLook) {
+    if (Clock::now() < nextCheck) {
         return false;
     }
-    nextLook = Clock::now() + pause;
+    nextCheck = Clock::now() + pause;
     for (std::size_t i = 0; i < paths.size(); ++i) {
-        const State now = Look(paths[i]);
+        const State now = ReadState(paths[i]);
         const bool isSettled = now == seen[i] && now != State();
         if (isSettled && now != states[i]) {
             return true;
@@ -39,7 +39,7 @@ bool FileWatch::HasChanged()
     return false;
 }
 
-FileWatch::State FileWatch::Look(const std::string& path)
+FileWatch::State FileWatch::ReadState(const std::string& path)
 {
     std::error_code error;
     State state;

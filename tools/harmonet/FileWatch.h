@@ -9,21 +9,22 @@
 namespace Tool
 {
 
-/// Notices that one of several files has been saved.
+/// Detects that one of several files has been saved.
 class FileWatch
 {
 public:
-    /// As they are now.
+    /// Records the current state of the files.
     explicit FileWatch(const std::vector<std::string>& newPaths);
 
-    /// Whether one of them is other than it was, and nobody is writing it any more. Asks the disk at most
-    /// every tenth of a second.
+    /// Returns whether a file has changed since construction and is no longer being written. Reads the file
+    /// system at most every tenth of a second.
     bool HasChanged();
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    /// The time and the size of a file; nothing of one that is not there, as while an editor saves it.
+    /// The time and size of a file. Default values while the file does not exist, for example while an editor
+    /// saves it.
     struct State
     {
         std::filesystem::file_time_type time{};
@@ -31,12 +32,12 @@ private:
         bool operator==(const State&) const = default;
     };
 
-    static State Look(const std::string& path);
+    static State ReadState(const std::string& path);
 
     std::vector<std::string> paths;
-    std::vector<State> states; ///< At the beginning.
-    std::vector<State> seen; ///< At the last look.
-    Clock::time_point nextLook;
+    std::vector<State> states; ///< At construction.
+    std::vector<State> seen; ///< At the last check.
+    Clock::time_point nextCheck;
 };
 
 } // namespace Tool

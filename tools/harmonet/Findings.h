@@ -8,11 +8,11 @@
 namespace Tool
 {
 
-/// Something that whoever wrote a definition should look at.
+/// Something that the author of a definition should check.
 struct Finding
 {
-    int line; ///< 0 for the file as a whole.
-    bool isError; ///< Something is not read, not there or not heeded. Else it is only odd.
+    int line; ///< 0 for the whole file.
+    bool isError; ///< Something is unreadable, missing or ignored. Otherwise it is only suspicious.
     std::string text;
 };
 
@@ -24,9 +24,9 @@ struct Count
 
 Count CountFindings(const std::vector<Finding>& findings);
 
-/// Prints each finding and how many there are, with the definition's name at the head of each line.
+/// Prints each finding and their number. Each line starts with the name of the definition.
 void PrintFindings(const std::string& path, const std::vector<Finding>& findings);
-/// An array of objects with "line", "severity" and "text".
+/// Returns an array of objects with "line", "severity" and "text".
 nlohmann::ordered_json ToJson(const std::vector<Finding>& findings);
 void PrintFindingsAsJson(const std::string& path, const std::vector<Finding>& findings);
 

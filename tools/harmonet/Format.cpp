@@ -19,19 +19,19 @@ std::string FormatOpenCode(int openCode)
 {
     switch (openCode) {
     case Quon::File::NotFound:
-        return "is not there";
+        return "does not exist";
     case Quon::File::NotAFile:
         return "is not a file";
     case Quon::File::NotReadable:
-        return "may not be read";
+        return "is not readable";
     case Quon::File::Empty:
         return "is empty";
     case Quon::File::TooLarge:
-        return "has 2 GiB or more";
+        return "is 2 GiB or larger";
     case Quon::File::OutsideRoot:
-        return "lies outside the folder of the assets";
+        return "is outside the asset folder";
     case Quon::File::BadName:
-        return "is no name of a file";
+        return "is not a valid file name";
     default:
         return "cannot be opened";
     }

@@ -5,10 +5,10 @@
 namespace Tool
 {
 
-/// A number as a person would write it, with up to six digits.
+/// Formats a number with up to six significant digits and without trailing zeros.
 std::string FormatNumber(double number);
 
-/// What is wrong with a file that did not open, as the end of a sentence; `openCode` is that of File::Open().
+/// Explains why a file did not open, as the end of a sentence. `openCode` is the result of File::Open().
 std::string FormatOpenCode(int openCode);
 
 } // namespace Tool

@@ -14,7 +14,7 @@ namespace
 using std::chrono::milliseconds;
 
 constexpr milliseconds liveFrame(10);
-/// A machine that has slept has not played.
+/// Limits how much of a suspension counts as played.
 constexpr milliseconds longestFrame(10'000);
 
 } // namespace

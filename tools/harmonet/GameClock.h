@@ -5,15 +5,16 @@
 namespace Tool
 {
 
-/// Gives the length of each game frame, in whole milliseconds of which none is lost. Live it waits until a
-/// frame has passed; otherwise the time is turned by hand and every frame has the same length.
+/// Provides the length of each game frame, in whole milliseconds; fractions carry over to the next frame. In
+/// live mode it waits until the frame has passed. Otherwise the time is simulated, and every frame has the
+/// same length.
 class GameClock
 {
 public:
     explicit GameClock(bool newIsLive);
 
-    /// Milliseconds since the last call, or since the clock was made. Of `remainingMs`, the time up to a
-    /// wanted end, a frame turned by hand takes all where the next one would be shorter than a whole frame.
+    /// Returns the milliseconds since the last call, or since construction. `remainingMs` is the time left to
+    /// play. In simulated time, the last frame covers all that remains if that is less than two frames.
     int WaitForFrame(long remainingMs);
 
 private:

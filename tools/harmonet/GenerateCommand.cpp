@@ -28,7 +28,7 @@ void AddGenerateCommand(CLI::App& program, Action& action)
 {
     const auto what = std::make_shared<std::string>();
     CLI::App& command =
-        *program.add_subcommand("generate", "Print the manual page or a shell's completion script.");
+        *program.add_subcommand("generate", "Print the manual page or a shell completion script.");
     command.add_option("WHAT", *what, "man, bash or zsh")
         ->required()
         ->check(CLI::IsMember({"man", "bash", "zsh"}));

@@ -18,12 +18,13 @@ namespace Tool
 namespace
 {
 
-constexpr const char* loudDriver = "HarmonetOpenAL";
+constexpr const char* audibleDriver = "HarmonetOpenAL";
 constexpr const char* silentDriver = "HarmonetNull";
 constexpr const char* renderOption = "OpenALRender";
 
-// An emulated sound moves on by the seconds of the call in which a full update runs, and that takes 40 ms. A
-// task that never gets less than this has all of the time in that call, and emulated sounds lose none.
+// A virtual sound advances by the elapsed time of the call in which a full update runs. A full update runs
+// once 40 ms have accumulated. With a minimum step above that, every call runs one, and virtual sounds lose
+// no time.
 constexpr float soundStepSeconds = 0.041F;
 
 void CheckWritable(const std::string& path)
@@ -38,13 +39,13 @@ void CheckWritable(const std::string& path)
 Host::Host(const Settings& settings)
     : isLive(settings.renderPath.empty() && settings.drivers != silentDriver)
 {
-    const std::string drivers = settings.drivers.empty() ? loudDriver : settings.drivers;
+    const std::string drivers = settings.drivers.empty() ? audibleDriver : settings.drivers;
     SetOptions(settings, drivers);
     CheckInputs(settings.inputs);
     CheckWritable(settings.renderPath);
     if (!StartSystem()) {
-        throw ToolError("no sound driver works of those tried (" + drivers + ")" +
-                (isLive ? "; without an output device there are --render OUT.wav and --driver HarmonetNull"
+        throw ToolError("no working sound driver among " + drivers +
+                (isLive ? "; without an output device, use --render OUT.wav or --driver HarmonetNull"
                         : std::string()),
             ExitCode::NoDriver);
     }
@@ -54,7 +55,7 @@ Host::Host(const Settings& settings)
 
 bool Host::StartSystem()
 {
-    // With --verbose the error stream has messages of ours on it.
+    // With --verbose, the library's messages go to standard error and must stay visible.
     if (Quon::Messages::AreWanted()) {
         return system.Init(&os, false);
     }
@@ -77,7 +78,7 @@ void Host::SetOptions(const Settings& settings, const std::string& drivers)
 
 void Host::CheckInputs(const std::vector<std::string>& inputs)
 {
-    // As the driver reads it, which leaves out blanks around the path.
+    // Read the option as the driver does, without spaces around the path.
     os.GetOptions()->SetSeperators(renderOption, "\n");
     Quon::String output;
     if (!os.GetOptions()->GetNext(renderOption, output)) {
@@ -86,7 +87,7 @@ void Host::CheckInputs(const std::vector<std::string>& inputs)
     for (const std::string& input : inputs) {
         std::error_code ignored;
         if (std::filesystem::equivalent(ToPath(input), ToPath(output.GetText()), ignored)) {
-            throw ToolError("'" + input + "' is played and rendered into; these cannot be the same file",
+            throw ToolError("'" + input + "' is both played and rendered to; these cannot be the same file",
                 ExitCode::BadArguments);
         }
     }
@@ -99,11 +100,12 @@ bool Host::EnterRoom(const Quon::FXEnvReverb& room)
 
 void Host::Update(int elapsedMs)
 {
-    // The library counts whole milliseconds and drops the rest, so the nearest float must not lie below.
+    // The library counts whole milliseconds and drops the fraction, so the float must not be below the exact
+    // value.
     const float seconds = static_cast<float>(elapsedMs) / 1000.0F;
     Quon::TaskList::Get().Update(std::nextafter(seconds, std::numeric_limits<float>::max()));
     if (Quon::SoundSystem::HasLostOutput()) {
-        throw ToolError("the rendered file is cut off: the disk is full, or the file has reached 4 GiB",
+        throw ToolError("the rendered file is cut off: the disk is full or the file has reached 4 GiB",
             ExitCode::NoOutput);
     }
 }

@@ -10,40 +10,40 @@
 namespace Tool
 {
 
-/// A host of the sound system, as a game would be: it owns the configuration, starts and stops the system,
-/// has a listener at the origin that looks along negative Z, and drives the task list.
+/// Hosts the sound system as a game does: owns the configuration, starts and stops the system, has a listener
+/// at the origin that looks along -Z, and drives the task list.
 class Host
 {
 public:
     struct Settings
     {
-        std::string drivers; ///< Names separated by commas, tried in order; empty for the tool's choice.
+        std::string drivers; ///< Names separated by commas, tried in order; empty for the default.
         std::string renderPath; ///< Wave file to render into; empty to play aloud.
-        int channels = 0; ///< Limit of audible sounds; 0 for the library's default.
+        int channels = 0; ///< Maximum number of audible sounds; 0 for the library's default.
         std::vector<std::string> options; ///< Further engine options as Key=Value.
-        std::vector<std::string> inputs; ///< Files that must not be rendered into.
+        std::vector<std::string> inputs; ///< Files that must not be overwritten by rendering.
     };
 
-    /// How long a game frame lasts where time is turned by hand, in whole milliseconds, so that every full
-    /// update gets exactly the time that was meant.
+    /// The length of a game frame in simulated time. It is in whole milliseconds, so that no full update
+    /// loses a fraction.
     static constexpr int offlineFrameMs = 50;
 
-    /// Throws a ToolError when an option is none, an input would be rendered into, or no driver works.
+    /// Throws a ToolError if an option is malformed, an input would be overwritten, or no driver works.
     explicit Host(const Settings& settings);
     Host(const Host&) = delete;
     Host& operator=(const Host&) = delete;
 
-    /// Whether the sound is heard while the time goes on. Otherwise frames may follow each other at once.
+    /// Returns whether the output plays in real time. Otherwise frames need not wait.
     bool IsLive() const { return isLive; }
 
     void MoveListener(const Quon::Vector3& position) { listener.SetPosition(position); }
-    /// Puts the listener into a room. False if the driver has none.
+    /// Puts the listener into a room. Returns false if the driver does not support rooms.
     bool EnterRoom(const Quon::FXEnvReverb& room);
 
-    /// How many sounds can be heard at once.
+    /// Returns how many sounds can be heard at once.
     unsigned int GetMaxAudible() { return system.GetMaxAudibleSounds(); }
 
-    /// One game frame of that length. Throws a ToolError when the rendered file cannot take what was heard.
+    /// Runs one game frame of that length. Throws a ToolError if the rendered file cannot be written.
     void Update(int elapsedMs);
 
 private:

@@ -67,12 +67,12 @@ ExitCode RunInfo(const InfoArguments& arguments)
 void AddInfoCommand(CLI::App& program, Action& action)
 {
     const auto arguments = std::make_shared<InfoArguments>();
-    CLI::App* const command = program.add_subcommand("info", "Tell what sound files and definitions hold.");
+    CLI::App* const command = program.add_subcommand("info", "Describe sound files and definitions.");
     command
         ->add_option(
-            "FILE", arguments->paths, "Sound files and definitions; - is a sound from the standard input")
+            "FILE", arguments->paths, "Sound files and definitions; - is a sound from standard input")
         ->required();
-    command->add_flag("--json", arguments->isJson, "A line of JSON for each file");
+    command->add_flag("--json", arguments->isJson, "Print one line of JSON for each file");
     AddVerbose(*command);
     command->callback([arguments, &action] { action = [arguments] { return RunInfo(*arguments); }; });
 }

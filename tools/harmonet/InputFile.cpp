@@ -26,9 +26,9 @@ void KeepStandardInput(const std::string& path)
     const std::unique_ptr<std::FILE, Close> kept(Quon::OpenHostFile(path.c_str(), "wb"));
     if (!kept) {
         throw ToolError(
-            "cannot keep the standard input: " + std::string(std::strerror(errno)), ExitCode::NoOutput);
+            "cannot store standard input: " + std::string(std::strerror(errno)), ExitCode::NoOutput);
     }
-    CopyStream(UseBinary(stdin), "the standard input", kept.get(), "a temporary file");
+    CopyStream(UseBinary(stdin), "standard input", kept.get(), "a temporary file");
 }
 
 } // namespace

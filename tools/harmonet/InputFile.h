@@ -8,27 +8,27 @@
 namespace Tool
 {
 
-/// What a command line calls the standard input, and the standard output.
+/// The name of standard input and standard output on the command line.
 constexpr const char* standardStream = "-";
 
-/// An input of a command: a file, or all of the standard input, which is kept in a temporary file since sound
-/// files are not read from front to back. The standard input can be taken once.
+/// An input of a command: a file, or all of standard input. Standard input is copied to a temporary file,
+/// because sound files are not read sequentially. It can be used once.
 class InputFile
 {
 public:
-    /// `nameForStream` is the name of the temporary file. Throws a ToolError if the standard input cannot be
-    /// read or kept; a file is not touched.
+    /// `nameForStream` is the name of the temporary file. Throws a ToolError if standard input cannot be read
+    /// or stored. A named file is not opened.
     InputFile(const std::string& newShown, const std::string& nameForStream);
 
-    /// As the user has written it.
+    /// The path as the user wrote it.
     const std::string& GetShown() const { return shown; }
-    /// Where the file lies.
+    /// The path of the file to read.
     const std::string& GetPath() const { return path; }
 
 private:
     std::string shown;
     std::string path;
-    std::unique_ptr<TemporaryFolder> folder; ///< Of the temporary file; else null.
+    std::unique_ptr<TemporaryFolder> folder; ///< Contains the temporary file; null for a named file.
 };
 
 } // namespace Tool

@@ -9,7 +9,7 @@ namespace Tool
 namespace
 {
 
-/// Publishes nothing. A signal may arrive on any thread.
+/// Publishes no other data. A signal may arrive on any thread.
 std::atomic<bool> interrupted = false;
 static_assert(std::atomic<bool>::is_always_lock_free, "a signal handler must not wait");
 

@@ -3,8 +3,8 @@
 namespace Tool
 {
 
-/// From here on the keys that interrupt a program only set a flag, so that it can end in its own way. Pressed
-/// a second time they end it at once.
+/// After this call, an interrupt such as Ctrl-C sets a flag, so that the program can end cleanly. A second
+/// interrupt terminates it immediately.
 void CatchInterrupt();
 
 bool IsInterrupted();

@@ -7,7 +7,7 @@ namespace Tool
 namespace
 {
 
-/// Text as the macros take it: nothing in it is a request or a hyphen that could be a dash.
+/// Escapes text for the macros, so that no part of it is a request and every hyphen stays a hyphen.
 std::string Escape(const std::string& text)
 {
     std::string escaped;

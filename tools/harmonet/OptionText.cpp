@@ -34,7 +34,7 @@ std::string ValueNameOf(const CLI::Option& option)
     if (!choices.empty()) {
         return Join(choices, "|");
     }
-    // The checks stand after a colon.
+    // CLI11 appends the checks after a colon.
     const std::string type = option.get_type_name();
     return type.substr(0, type.find(':'));
 }

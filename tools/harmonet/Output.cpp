@@ -14,7 +14,7 @@ namespace Tool
 namespace
 {
 
-constexpr const char* standardOutput = "the standard output";
+constexpr const char* standardOutput = "standard output";
 
 } // namespace
 
@@ -41,20 +41,20 @@ void FlushOutput()
 ToolError WriteError(const std::string& what, int reason)
 {
     if (IsClosedPipe(reason)) {
-        return ToolError("whoever read " + what + " has closed it", ExitCode::ClosedPipe);
+        return ToolError("the reader of " + what + " closed it", ExitCode::ClosedPipe);
     }
     return ToolError("cannot write to " + what + ": " + std::strerror(reason), ExitCode::NoOutput);
 }
 
-void Complain(const std::string& sentence)
+void PrintError(const std::string& sentence)
 {
     std::fflush(stdout);
     std::fprintf(stderr, "harmonet: %s\n", sentence.c_str());
 }
 
-void Warn(const std::string& sentence)
+void PrintWarning(const std::string& sentence)
 {
-    Complain("warning: " + sentence);
+    PrintError("warning: " + sentence);
 }
 
 } // namespace Tool

@@ -10,22 +10,22 @@
 namespace Tool
 {
 
-// The two standard streams as the commands use them: answers go to the output, and what went wrong goes to
-// the error stream. Both throw a ToolError when the output takes no more.
+// The two standard streams as the commands use them: results go to standard output, errors and warnings to
+// standard error. Print(), PrintJson() and FlushOutput() throw a ToolError when standard output fails.
 
 void Print(std::string_view text);
 
-/// A value as one line of JSON. Text that is no UTF-8, such as a file name, is mended.
+/// Prints a value as one line of JSON. Invalid UTF-8, for example in a file name, is replaced.
 void PrintJson(const nlohmann::ordered_json& value);
 
-/// Writes out what has been kept back.
+/// Writes out buffered text.
 void FlushOutput();
 
-/// The sentence for a write that the system has refused for that reason, a value of errno.
+/// Returns the error for a write that failed. `reason` is a value of errno.
 ToolError WriteError(const std::string& what, int reason);
 
-/// What has gone wrong, as a line on the error stream, after what has been printed so far.
-void Complain(const std::string& sentence);
-void Warn(const std::string& sentence);
+/// Flushes standard output and prints the sentence as a line on standard error.
+void PrintError(const std::string& sentence);
+void PrintWarning(const std::string& sentence);
 
 } // namespace Tool

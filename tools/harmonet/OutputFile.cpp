@@ -21,7 +21,7 @@ namespace fs = std::filesystem;
 
 constexpr const char* partEnding = ".part";
 
-/// Where the bytes of a file of that name go in the end: through a symbolic link to what it names.
+/// Returns the path that a file of that name is written to: the target, if it is a symbolic link.
 std::string Target(const std::string& shown)
 {
     std::error_code error;
@@ -64,7 +64,7 @@ OutputFile::~OutputFile()
 
 std::string OutputFile::GetShown() const
 {
-    return IsStream() ? "the standard output" : '\'' + shown + '\'';
+    return IsStream() ? "standard output" : '\'' + shown + '\'';
 }
 
 void OutputFile::Commit()

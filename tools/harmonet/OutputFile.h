@@ -8,24 +8,24 @@
 namespace Tool
 {
 
-/// An output of a command: a file, or the standard output. What is written goes elsewhere at first, so that a
-/// failure leaves no half of a file, and a file of that name as it was.
+/// An output of a command: a file or standard output. Data are first written to a temporary file (except for
+/// devices), so that a failure leaves no partial file and keeps an existing one.
 class OutputFile
 {
 public:
-    /// Throws a ToolError if there is no room for the temporary file of the standard output.
+    /// Throws a ToolError if the temporary file for standard output cannot be created.
     explicit OutputFile(const std::string& newShown);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
-    /// Removes what was written, if it has not been committed.
+    /// Removes the temporary file, if it has not been committed.
     ~OutputFile();
 
-    /// As the user has written it, for messages.
+    /// The path as the user wrote it, for messages.
     std::string GetShown() const;
-    /// Where to write. The file must be closed when it is committed.
+    /// The path to write to. The file must be closed before Commit().
     const std::string& GetPath() const { return path; }
 
-    /// Puts what was written in its place. Throws a ToolError when that fails.
+    /// Moves the temporary file to its destination. Throws a ToolError if that fails.
     void Commit();
 
 private:
@@ -34,7 +34,8 @@ private:
 
     std::string shown;
     std::string path;
-    std::unique_ptr<TemporaryFolder> folder; ///< Of the temporary file for the standard output; else null.
+    std::unique_ptr<TemporaryFolder>
+        folder; ///< Contains the temporary file for standard output; otherwise null.
 };
 
 } // namespace Tool

@@ -7,8 +7,8 @@
 namespace Tool
 {
 
-/// The path that a text in UTF-8 names. A path made from a `std::string` would take it for text in the code
-/// page of the system, which some standard libraries on Windows take for UTF-8 and others do not.
+/// Converts UTF-8 text to a path. A path constructed from a `std::string` would interpret it in the system's
+/// code page, which only some standard libraries on Windows treat as UTF-8.
 inline std::filesystem::path ToPath(std::string_view text)
 {
     return std::u8string(text.begin(), text.end());
@@ -19,7 +19,7 @@ inline std::string ToText(const std::u8string& text)
     return {text.begin(), text.end()};
 }
 
-/// The path as text in UTF-8.
+/// Returns the path as UTF-8 text.
 inline std::string ToText(const std::filesystem::path& path)
 {
     return ToText(path.u8string());

@@ -98,7 +98,7 @@ void PlayList::AddDefinition(const std::string& path, const std::string& shown, 
         PrintFindings(shown, DefinitionCheck().Run(file));
     }
     if (!file.Load()) {
-        throw ToolError("'" + shown + "' does not load; `harmonet check` tells why", ExitCode::BadInput);
+        throw ToolError("'" + shown + "' does not load; `harmonet check` shows why", ExitCode::BadInput);
     }
     const Quon::SoundDefResource& settings = file.GetSettings();
     items.push_back({shown, settings.GetName(), &file.GetDatabase(), &settings});
@@ -110,7 +110,7 @@ void PlayList::AddResource(const std::string& name)
     resources.AddFolder(Quon::PString(resourceOwner), root.c_str());
     const Quon::Resource* const found = resources.Lookup(Quon::PString(name.c_str()), 0);
     if (!found) {
-        throw ToolError("'" + name + "' is no resource of a known kind", ExitCode::BadInput);
+        throw ToolError("'" + name + "' is not a resource of a known type", ExitCode::BadInput);
     }
     found->ReleaseReference();
     items.push_back({name, Quon::PString(name.c_str()), &resources});

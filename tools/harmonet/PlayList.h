@@ -10,32 +10,31 @@
 namespace Tool
 {
 
-/// What is to be played: sound files, definitions, and what lies below the root and is called by its name
-/// there.
+/// The sounds to play: sound files, definitions, and other resources below the root, which are found by name.
 class PlayList
 {
 public:
     struct Item
     {
-        std::string shown; ///< As the user has written it.
+        std::string shown; ///< As the user wrote it.
         Quon::PString name;
         const Quon::ResourceDatabase* database = nullptr; ///< Null for a plain file.
         const Quon::SoundDefResource* definition = nullptr; ///< Null for anything else.
 
-        /// Whether the definition gives it a place or a line.
+        /// Returns whether the definition sets a position or a line.
         bool HasPlace() const;
-        /// The place of the definition or the middle of its line; else the origin.
+        /// Returns the position in the definition, or the centre of its line, or otherwise the origin.
         Quon::Vector3 GetPlace() const;
         bool IsLoop() const;
     };
 
-    /// `root` is the folder to which the names in definitions refer; empty for that of each definition. With
-    /// `isChecked` prints what there is to say about each definition. Throws a ToolError for the first that
-    /// does not play.
+    /// `newRoot` is the folder that the names in definitions are relative to; empty for the folder of each
+    /// definition. With `isChecked`, prints the findings for each definition. Throws a ToolError for the
+    /// first sound that cannot be played.
     PlayList(const std::vector<std::string>& paths, const std::string& newRoot, bool isChecked);
 
     const std::vector<Item>& GetItems() const { return items; }
-    /// All files that are played or read.
+    /// Returns all files that are played or read.
     const std::vector<std::string>& GetFiles() const { return read; }
 
 private:
@@ -48,7 +47,7 @@ private:
     DefinitionHost host;
     std::unique_ptr<FileArguments> files;
     std::vector<std::unique_ptr<DefinitionFile>> definitions;
-    Quon::ResourceDatabase resources; ///< Those below the root that are no definitions.
+    Quon::ResourceDatabase resources; ///< The resources below the root that are not definitions.
     std::vector<Item> items;
     std::vector<std::string> read;
 };

@@ -58,7 +58,7 @@ void PlayReport::ShowProgress(unsigned long playedMs)
 
 void PlayReport::OnSoundBegin(int soundID, const Quon::PString&)
 {
-    // A source of a line has a begin and no end; what counts is the line.
+    // The sources of a line begin but are not reported as ended. Only the line counts.
     if (!names.contains(soundID)) {
         return;
     }

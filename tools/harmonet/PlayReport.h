@@ -8,30 +8,29 @@
 namespace Tool
 {
 
-/// Tells the user what becomes of the sounds: a line for each event, and on a terminal a last line that shows
-/// how far the playing has come.
+/// Prints a line for each event of a sound and, on a terminal, a status line with the time played.
 class PlayReport final : public Quon::SoundObserver
 {
 public:
     PlayReport();
 
-    /// That sound is to be called as shown from its start on.
+    /// Sets the name under which the sound is reported. Call before it starts.
     void NameSound(int soundID, const std::string& shown) { names[soundID] = shown; }
-    /// A sound has been started, and its end is waited for.
+    /// Counts a started sound, whose end is then awaited.
     void ExpectSound() { ++unfinished; }
 
-    /// What that sound is called; empty for one that has no name of its own here, such as a source of a line.
+    /// Returns the name of the sound; empty if none was set, as for a source of a line.
     std::string FindName(int soundID) const;
-    /// The last line that ShowEvents() would print; empty if there is none.
+    /// Returns the last line that ShowEvents() would print; empty if there is none.
     std::string GetLastEvent() const;
 
-    /// Whether there are sounds that have not come to their end.
+    /// Returns whether sounds are left that have not ended.
     bool IsUnfinished() const { return unfinished > 0; }
 
-    /// Prints what has happened since the last call. The events themselves come while the library runs, which
-    /// no failure to write may leave half-way.
+    /// Prints the events since the last call. They are collected first, because a failed write throws, and an
+    /// exception must not pass through the library.
     void ShowEvents();
-    /// The same, and brings the last line of a terminal up to date.
+    /// Like ShowEvents(), and also updates the status line on a terminal.
     void ShowProgress(unsigned long playedMs);
 
     void OnSoundBegin(int soundID, const Quon::PString& fileName) override;
@@ -43,9 +42,9 @@ private:
 
     bool onTerminal;
     int unfinished = 0;
-    int running = 0; ///< Those that have begun, heard or not.
+    int running = 0; ///< Sounds that have begun, heard or not.
     std::unordered_map<int, std::string> names;
-    std::string events; ///< Lines that have not been printed.
+    std::string events; ///< Lines that have not been printed yet.
 };
 
 } // namespace Tool

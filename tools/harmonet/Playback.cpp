@@ -24,10 +24,11 @@ namespace Tool
 namespace
 {
 
-// How a positional sound file loses gain: full up to the first, no further loss beyond the second.
+// The distances of a positional sound file: full gain up to the minimum, no further attenuation beyond the
+// maximum.
 constexpr float minDistance = 1.0F;
 constexpr float maxDistance = 500.0F;
-constexpr float allAround = 360.0F; ///< Degrees of a cone that is none.
+constexpr float allAround = 360.0F; ///< Degrees. A cone of this angle has no effect.
 
 bool IsPlaced(const PlayRequest& request, const PlayList::Item& item)
 {
@@ -50,7 +51,7 @@ int MakeSound(Quon::Sound& group, const PlayRequest& request, const PlayList::It
         group.SetSoundCone(id, allAround, allAround, 1.0F);
         group.SetSoundMinMaxDistance(id, minDistance, maxDistance, false);
     }
-    // Without effect on a line, which has its own places.
+    // Has no effect on a line, which has its own positions.
     group.SetSoundPosition(id, PlaceOf(request, item));
     return id;
 }
@@ -59,12 +60,13 @@ void StartOrFail(
     Quon::Sound& group, const PlayRequest& request, const PlayList::Item& item, PlayReport& report)
 {
     const int flags = request.isLooping || request.isWalking ? Quon::Sound::StartLooping : 0;
-    // At once, so that a rendered file begins with the sound. More sounds than channels have to compete.
-    for (const int atOnce : {static_cast<int>(Quon::Sound::StartImmediately), 0}) {
+    // Start immediately, so that a rendered file begins with the sound. Sounds beyond the number of channels
+    // compete in the next update.
+    for (const int startFlag : {static_cast<int>(Quon::Sound::StartImmediately), 0}) {
         const int id = MakeSound(group, request, item);
         group.SetSoundPriority(id, request.priority);
         report.NameSound(id, item.shown);
-        if (group.StartSound(id, flags | atOnce)) {
+        if (group.StartSound(id, flags | startFlag)) {
             return report.ExpectSound();
         }
         group.DeleteSound(id);
@@ -85,16 +87,16 @@ void CheckEnd(const PlayRequest& request, const PlayList& list)
     const auto isLoop = [&](const PlayList::Item& item) { return request.isLooping || item.IsLoop(); };
     const bool hasLoop = std::any_of(list.GetItems().begin(), list.GetItems().end(), isLoop);
     if (hasLoop && !request.host.renderPath.empty() && LimitMs(request) == std::numeric_limits<long>::max()) {
-        throw ToolError("a loop has no end; rendering one needs --seconds", ExitCode::BadArguments);
+        throw ToolError("a loop does not end; rendering one needs --seconds", ExitCode::BadArguments);
     }
 }
 
-/// Past the middle of all that is played, from where it is hardly heard any more.
+/// Returns a path past the centre of all sounds. At its ends they are barely audible.
 Walk MakeWalk(const PlayRequest& request, const PlayList& list)
 {
-    constexpr float leastSpan = 20.0F;
+    constexpr float minSpan = 20.0F;
     Quon::Vector3 sum{0.0F, 0.0F, 0.0F};
-    float span = leastSpan;
+    float span = minSpan;
     for (const PlayList::Item& item : list.GetItems()) {
         const Quon::Vector3 place = PlaceOf(request, item);
         sum = {sum.x + place.x, sum.y + place.y, sum.z + place.z};
@@ -106,13 +108,13 @@ Walk MakeWalk(const PlayRequest& request, const PlayList& list)
     return {{sum.x / count, sum.y / count, sum.z / count}, span};
 }
 
-/// How long the room is heard after the sounds have ended.
+/// Returns how long the room remains audible after the sounds have ended.
 long TailMs(const PlayRequest& request)
 {
     return request.room.empty() ? 0 : std::lround(GetRoom(request.room).decayTime * 1000.0F);
 }
 
-/// All that takes part in one playing.
+/// The objects that take part in one playback.
 struct Session
 {
     const PlayRequest& request;
@@ -123,7 +125,7 @@ struct Session
     Screen* screen; ///< Null for none.
 };
 
-/// False when the user wants to leave.
+/// Returns false when the user quits.
 bool ShowProgress(const Session& session, long playedMs)
 {
     if (session.screen) {
@@ -134,7 +136,7 @@ bool ShowProgress(const Session& session, long playedMs)
     return true;
 }
 
-/// Runs the frames until there is nothing more to hear.
+/// Runs game frames until the sounds and the room have ended, the time is up, or the user ends it.
 void RunFrames(const Session& session)
 {
     const PlayRequest& request = session.request;
@@ -174,7 +176,7 @@ void PlayToTheEnd(const PlayRequest& request, const PlayList& list, PlayReport& 
     settings.inputs = list.GetFiles();
     Host host(settings);
     if (!request.room.empty() && !host.EnterRoom(GetRoom(request.room))) {
-        Warn("this output driver has no rooms");
+        PrintWarning("this output driver does not support rooms");
     }
     if (request.isWalking) {
         host.MoveListener(MakeWalk(request, list).GetPosition(0));
@@ -210,11 +212,11 @@ ExitCode Play(const PlayRequest& request)
             PlayOnce(request, watch);
         }
         catch (const ToolError& error) {
-            // Whoever edits the file mends it and saves again.
+            // The user will correct the file and save it again.
             if (!request.isWatching || error.GetCode() != ExitCode::BadInput) {
                 throw;
             }
-            Complain(error.what());
+            PrintError(error.what());
         }
         FlushOutput();
         while (request.isWatching && !IsInterrupted() && !watch.HasChanged()) {

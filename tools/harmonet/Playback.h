@@ -9,12 +9,12 @@
 namespace Tool
 {
 
-/// What the command line asks `play` for.
+/// The arguments of `play`.
 struct PlayRequest
 {
     std::vector<std::string> paths;
     std::string root;
-    std::vector<float> position; ///< Empty, or x, y, z.
+    std::vector<float> position; ///< Empty, or x, y and z.
     bool isLooping = false;
     float gain = 1.0F;
     int priority = 0;
@@ -22,14 +22,14 @@ struct PlayRequest
     std::string room; ///< Empty for none.
     bool isWalking = false;
     bool isWatching = false;
-    bool isOnScreen = false; ///< With a live table of the sounds, while the time goes on as on the clock.
-    std::string tracePath; ///< Empty for none; likewise the next one.
+    bool isOnScreen = false; ///< Shows a live table of the sounds. Time runs in real time.
+    std::string tracePath; ///< Empty for none. Likewise timelinePath.
     std::string timelinePath;
     Host::Settings host;
 };
 
-/// Plays it until all sounds have ended, the time is up or the user interrupts; while watching, again
-/// whenever a file is saved. Throws a ToolError when it cannot.
+/// Plays until all sounds have ended, the time is up or the user interrupts. With `isWatching`, plays again
+/// whenever a file is saved. Throws a ToolError on failure.
 ExitCode Play(const PlayRequest& request);
 
 } // namespace Tool

@@ -3,8 +3,8 @@
 namespace Tool
 {
 
-/// While it lives, nothing that the process writes to its standard error stream is seen. The libraries of a
-/// sound device say there in many lines what the tool tells in one sentence.
+/// Suppresses standard error of the process while the object exists. The libraries of a sound device print
+/// many lines there for an error that the tool reports in one sentence.
 class QuietErrors
 {
 public:
@@ -14,7 +14,7 @@ public:
     ~QuietErrors();
 
 private:
-    int kept; ///< Where the stream goes; -1 when nothing has been changed.
+    int kept; ///< A copy of the original descriptor; -1 if the stream was not redirected.
 };
 
 } // namespace Tool

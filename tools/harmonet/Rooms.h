@@ -8,10 +8,10 @@
 namespace Tool
 {
 
-/// The names of the ready-made rooms, in lower case.
+/// Returns the names of the preset rooms, in lower case.
 std::vector<std::string> RoomNames();
 
-/// The room of one of these names.
+/// Returns the preset room with one of these names. Throws a ToolError for any other name.
 const Quon::FXEnvReverb& GetRoom(const std::string& name);
 
 } // namespace Tool

@@ -9,14 +9,14 @@
 namespace Tool
 {
 
-/// Opens a reader. Needs a SndFileService or a running sound system. Throws a ToolError for a file that is
-/// none of the kinds that the library reads.
+/// Opens a reader. Needs a SndFileService or a running sound system. Throws a ToolError for a file of a type
+/// that the library does not read.
 std::unique_ptr<Quon::SndFile> OpenSoundData(const FileArguments::File& file);
 
-/// The kind of file in words.
+/// Returns the file type in words.
 const char* DescribeType(const Quon::SndFile& data);
 
-/// Milliseconds as M:SS.t, or "unknown" for what has no known length.
+/// Formats milliseconds as M:SS.t, or as "unknown" if the length is not known.
 std::string DescribeTime(unsigned long ms);
 
 } // namespace Tool

@@ -8,8 +8,8 @@ namespace Tool
 namespace
 {
 
-/// The letters to insert, delete, replace or swap with their neighbour to make one word of the other: the
-/// optimal string alignment distance.
+/// Returns the optimal string alignment distance: the number of letters to insert, delete, replace or swap
+/// with their neighbour to turn one word into the other.
 std::size_t Distance(const std::string& from, const std::string& to)
 {
     std::vector<std::vector<std::size_t>> table(from.size() + 1, std::vector<std::size_t>(to.size() + 1));
@@ -34,11 +34,11 @@ std::size_t Distance(const std::string& from, const std::string& to)
 std::string SuggestWord(const std::string& word, const std::vector<std::string>& known)
 {
     std::string nearest;
-    std::size_t least = std::max<std::size_t>(1, word.size() / 3) + 1;
+    std::size_t minimum = std::max<std::size_t>(1, word.size() / 3) + 1;
     for (const std::string& candidate : known) {
         const std::size_t distance = Distance(word, candidate);
-        if (distance < least) {
-            least = distance;
+        if (distance < minimum) {
+            minimum = distance;
             nearest = candidate;
         }
     }

@@ -6,7 +6,7 @@
 namespace Tool
 {
 
-/// The known word that `word` is most likely a slip of the keyboard for; empty if none is near enough.
+/// Returns the known word that `word` is most likely a typing error for; empty if none is close enough.
 std::string SuggestWord(const std::string& word, const std::vector<std::string>& known);
 
 } // namespace Tool

@@ -19,14 +19,14 @@ TemporaryFolder::TemporaryFolder()
     const fs::path parent = fs::temp_directory_path(error);
     for (int i = 0; i < attempts && !error; ++i) {
         path = parent / ("harmonet-" + std::to_string(random()));
-        // False where there is one already.
+        // Returns false if the folder already exists.
         if (fs::create_directory(path, error)) {
             fs::permissions(path, fs::perms::owner_all, error);
             return;
         }
     }
     throw ToolError(
-        "cannot make a folder for temporary files in '" + ToText(parent) + "'", ExitCode::NoOutput);
+        "cannot create a folder for temporary files in '" + ToText(parent) + "'", ExitCode::NoOutput);
 }
 
 TemporaryFolder::~TemporaryFolder()

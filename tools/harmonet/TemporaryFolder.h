@@ -5,11 +5,12 @@
 namespace Tool
 {
 
-/// A folder of our own below the system's folder for temporary files. Is removed with all that is in it.
+/// A private folder below the system's folder for temporary files. The destructor removes it with its
+/// content.
 class TemporaryFolder
 {
 public:
-    /// Throws a ToolError if there can be none.
+    /// Throws a ToolError if the folder cannot be created.
     TemporaryFolder();
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;

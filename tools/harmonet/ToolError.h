@@ -8,8 +8,7 @@
 namespace Tool
 {
 
-/// A reason to give up, as one sentence for the user without a full stop, and the exit code that goes with
-/// it. main() prints it.
+/// A fatal error: one sentence for the user, without a full stop, and the exit code. main() prints it.
 class ToolError : public std::runtime_error
 {
 public:

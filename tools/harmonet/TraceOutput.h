@@ -13,15 +13,16 @@
 namespace Tool
 {
 
-/// Records what happens to sounds into the files that were asked for: trace events, a timeline, both or none.
-/// Attaches itself to the sound system, and ends before it.
+/// Records the sounds to the requested files: trace events, a timeline, both or none. Attaches itself to the
+/// sound system, which must outlive it.
 class TraceOutput
 {
 public:
-    /// An empty path is none. Throws a ToolError if a file cannot be written.
+    /// An empty path disables that file. Throws a ToolError if a file cannot be written.
     TraceOutput(const std::string& tracePath, const std::string& timelinePath);
 
-    /// Puts the files in place. The sounds should have ended. Throws a ToolError when that fails.
+    /// Moves the files to their destinations. Call after the sounds have ended. Throws a ToolError on
+    /// failure.
     void Commit();
 
 private:

@@ -15,12 +15,12 @@ namespace
 void PrintMessage(Quon::MessageLevel level, const char* text, void*)
 {
     static constexpr const char* names[] = {"note", "warning", "error"};
-    Complain(std::string("library ") + names[static_cast<std::size_t>(level)] + ": " + text);
+    PrintError(std::string("library ") + names[static_cast<std::size_t>(level)] + ": " + text);
 }
 
 void ShowMessages()
 {
-    // Of the whole process, so that it outlives every host.
+    // One for the process, so that it outlives every host.
     static Quon::OS os;
     os.SetMessageHook(PrintMessage);
 }
@@ -30,7 +30,7 @@ void ShowMessages()
 void AddVerbose(CLI::App& command)
 {
     command.add_flag_callback("--verbose", ShowMessages,
-        "Print what the library has to say about files, options and drivers to the error stream");
+        "Print the library's messages about files, options and drivers to standard error");
 }
 
 } // namespace Tool

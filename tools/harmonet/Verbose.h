@@ -5,8 +5,8 @@
 namespace Tool
 {
 
-/// Adds --verbose to a subcommand: from then on the library's messages, which say why something does not open
-/// or is passed over, go to the error stream.
+/// Adds --verbose to a subcommand. With it, the library's messages go to standard error; they say why
+/// something does not open or is ignored.
 void AddVerbose(CLI::App& command);
 
 } // namespace Tool

@@ -5,21 +5,21 @@
 namespace Tool
 {
 
-/// The way of a listener who passes by: along the x axis from the left to the right, two units in front of
-/// what is passed, always looking along -z.
+/// The path of a listener who walks past the sounds: parallel to the x axis from left to right, two units in
+/// front of the centre, always looking along -z.
 class Walk
 {
 public:
     static constexpr long durationMs = 10'000;
 
-    /// `newSpan` is how far to either side of the centre it begins and ends, in world units.
+    /// The path begins and ends `newSpan` world units to either side of the centre.
     Walk(const Quon::Vector3& newCentre, float newSpan)
         : centre(newCentre)
         , span(newSpan)
     {
     }
 
-    /// Where the listener is after so long; at the end of the way after the duration.
+    /// Returns the listener's position after that time. After durationMs it stays at the end of the path.
     Quon::Vector3 GetPosition(long elapsedMs) const;
 
 private:

@@ -14,7 +14,7 @@ WaveWriter::WaveWriter(const OutputFile& newOutput, const Quon::SoundFormat& new
     , format(newFormat)
     , file(Quon::OpenHostFile(newOutput.GetPath().c_str(), "wb"))
 {
-    // The header comes last, when the lengths are known.
+    // The header is written last, when the lengths are known.
     if (!file || std::fseek(file.get(), static_cast<long>(Quon::waveHeaderBytes), SEEK_SET) != 0) {
         Fail(errno);
     }

@@ -14,7 +14,7 @@ namespace Tool
 class WaveWriter
 {
 public:
-    /// The output must outlive this. Throws a ToolError, as the others do, when the system refuses.
+    /// `newOutput` must outlive this object. All functions throw a ToolError if writing fails.
     WaveWriter(const OutputFile& newOutput, const Quon::SoundFormat& newFormat);
     WaveWriter(const WaveWriter&) = delete;
     WaveWriter& operator=(const WaveWriter&) = delete;

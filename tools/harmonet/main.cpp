@@ -13,20 +13,19 @@ namespace
 
 using Tool::ExitCode;
 
-constexpr const char* exitCodes =
-    "Exit codes:\n"
-    "  0  all went well, with or without warnings\n"
-    "  1  `check` has found errors, or something failed that has no code below\n"
-    "  2  the arguments are not understood\n"
-    "  3  a file is missing or cannot be opened\n"
-    "  4  a file is damaged or of a kind that is not read\n"
-    "  5  a result cannot be written, for example onto a full disk\n"
-    "  6  whoever read the output has closed it\n"
-    "  7  no output driver works";
+constexpr const char* exitCodes = "Exit codes:\n"
+                                  "  0  success, with or without warnings\n"
+                                  "  1  `check` found errors, or a failure without a code below\n"
+                                  "  2  invalid arguments\n"
+                                  "  3  a file is missing or cannot be opened\n"
+                                  "  4  a file is damaged or of an unsupported type\n"
+                                  "  5  a result cannot be written, for example because the disk is full\n"
+                                  "  6  the reader of the output closed it\n"
+                                  "  7  no output driver works";
 
 void AddCommands(CLI::App& program, Tool::Action& action)
 {
-    // Else what begins with a slash is an option there, and no path.
+    // Otherwise CLI11 on Windows takes a path that begins with a slash for an option.
     program.allow_windows_style_options(false);
     program.set_version_flag("--version", "harmonet " HARMONET_VERSION);
     program.require_subcommand(1);
@@ -49,7 +48,7 @@ ExitCode Run(int argumentCount, char** arguments)
         program.parse(argumentCount, arguments);
     }
     catch (const CLI::Success& request) {
-        // The help or the version was asked for.
+        // The user asked for the help or the version.
         program.exit(request);
         Tool::FlushOutput();
         return ExitCode::Done;
@@ -70,14 +69,14 @@ ExitCode RunGuarded(int argumentCount, char** arguments)
         return Run(argumentCount, arguments);
     }
     catch (const Tool::ToolError& error) {
-        Tool::Complain(error.what());
+        Tool::PrintError(error.what());
         return error.GetCode();
     }
     catch (const Quon::Exception& error) {
-        Tool::Complain(std::string("the system failed: ") + error.what());
+        Tool::PrintError(std::string("system error: ") + error.what());
     }
     catch (const std::exception& error) {
-        Tool::Complain(error.what());
+        Tool::PrintError(error.what());
     }
     return ExitCode::Failed;
 }

@@ -5,7 +5,7 @@
 namespace Trace
 {
 
-/// page.html, with a mark where the data goes.
+/// Returns page.html, with a placeholder for the data.
 std::string_view GetPage();
 
 } // namespace Trace

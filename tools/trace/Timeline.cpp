@@ -18,13 +18,13 @@ using Quon::SoundKind;
 
 constexpr std::string_view dataMark = "/*DATA*/";
 
-// To a hundredth of a unit, which is what a map can show.
+// Rounds to a hundredth of a unit, the resolution of the map.
 double Round(float coordinate)
 {
     return std::isfinite(coordinate) ? std::round(static_cast<double>(coordinate) * 100.0) / 100.0 : 0.0;
 }
 
-// What is inside a script element must not look like its end.
+// Text inside a script element must not contain its end tag.
 std::string EscapeForScript(const nlohmann::json& value)
 {
     std::string text;

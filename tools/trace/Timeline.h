@@ -12,9 +12,9 @@
 namespace Trace
 {
 
-/// Gathers what happens to sounds and makes a page of it, one file without any other: a row for each sound,
-/// coloured by its state, the channels in use, and a map of listener and sounds. What it keeps grows with the
-/// time; it is for minutes.
+/// Records the sounds and writes a self-contained page: a row for each sound, coloured by its state, the
+/// channels in use, and a map of the listener and the sounds. Memory use grows with time, so it is meant for
+/// minutes rather than hours.
 class Timeline final : public Quon::SoundTrace
 {
 public:
@@ -24,7 +24,7 @@ public:
     void OnNotice(Quon::SoundNotice notice, int soundID, const Quon::PString& fileName) override;
     void OnUpdate(const Quon::UpdateRecord& record) override;
 
-    /// The page of all so far. The stream is checked by its owner.
+    /// Writes the page of everything recorded so far. The caller checks the stream for errors.
     void WritePage(std::ostream& out);
 
 private:
@@ -35,7 +35,7 @@ private:
         const char* kind;
         int priority;
         std::int64_t startMs;
-        std::int64_t endMs; ///< Negative while it lives.
+        std::int64_t endMs; ///< Negative while the sound exists.
         std::string outcome;
         std::vector<std::int64_t> states; ///< Pairs of a time and an index into `looks`.
         std::vector<double> places; ///< Triples of a time, x and z.
@@ -50,12 +50,12 @@ private:
     static void AddPlace(std::vector<double>& places, std::int64_t atMs, const Quon::Vector3& place);
 
     Clock clock;
-    std::vector<Row> rows; ///< In the order of their starts.
-    std::unordered_map<int, std::size_t> rowOf; ///< By id, of the sounds that live.
+    std::vector<Row> rows; ///< In the order in which the sounds started.
+    std::unordered_map<int, std::size_t> rowOf; ///< By the id of the existing sounds.
     std::vector<Look> looks;
     std::map<std::string, std::int64_t> lookOf; ///< By words.
     std::vector<double> updates; ///< Time, heard, virtual, waiting, microseconds.
-    std::vector<double> listener; ///< As Row::places.
+    std::vector<double> listener; ///< Like Row::places.
     int maxAudible = 0;
     std::vector<Quon::SoundState> snapshot;
 };

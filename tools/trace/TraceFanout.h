@@ -7,7 +7,7 @@
 namespace Trace
 {
 
-/// Passes all that is reported on to several. They are the caller's and must outlive it.
+/// Forwards each call to several traces. The caller owns them; they must outlive this object.
 class TraceFanout final : public Quon::SoundTrace
 {
 public:

@@ -9,7 +9,7 @@ namespace Trace
 namespace
 {
 
-// Of the trace event format: times are microseconds, events of one kind share a "thread".
+// The trace event format: times are in microseconds, and events of one kind share a "thread".
 constexpr int usPerMs = 1000;
 constexpr int process = 1;
 constexpr int updateThread = 1;
@@ -67,7 +67,7 @@ TraceWriter::~TraceWriter()
         out << "\n]\n";
     }
     catch (...) {
-        // Without memory the file lacks its end, which what reads trace events does without.
+        // Out of memory. The file lacks its end, which readers of trace events tolerate.
     }
 }
 
@@ -135,7 +135,7 @@ void TraceWriter::Finish(int id, const std::string& name, std::int64_t atMs, con
     Write(event);
 }
 
-// Text that is no UTF-8, such as a file name, is mended.
+// Invalid UTF-8, for example in a file name, is replaced.
 void TraceWriter::Write(const nlohmann::json& event)
 {
     out << (isFirst ? "[\n" : ",\n") << event.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);

@@ -11,14 +11,14 @@
 namespace Trace
 {
 
-/// Writes what happens to sounds as trace events, which ui.perfetto.dev and chrome://tracing open: a track
-/// for each sound with its states, the full updates with what they cost, and the notifications.
+/// Writes trace events, which ui.perfetto.dev and chrome://tracing open: a track for each sound with its
+/// states, the full updates with their durations, and the notifications.
 ///
-/// Each event is written at once; what is kept grows with the sounds that live, not with the time.
+/// Each event is written immediately. Memory use grows with the number of existing sounds, not with time.
 class TraceWriter final : public Quon::SoundTrace
 {
 public:
-    /// Writes to `newOut`, which must outlive it and is checked by its owner.
+    /// Writes to `newOut`, which must outlive this object. The caller checks it for errors.
     explicit TraceWriter(std::ostream& newOut);
     /// Completes the file.
     ~TraceWriter() override;
@@ -43,7 +43,7 @@ private:
     std::ostream& out;
     Clock clock;
     bool isFirst = true;
-    std::unordered_map<int, Open> open; ///< The sounds that live.
+    std::unordered_map<int, Open> open; ///< The existing sounds.
 };
 
 } // namespace Trace

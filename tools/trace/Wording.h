@@ -7,25 +7,26 @@
 namespace Trace
 {
 
-/// How people call it: the definition or else the file, and what kind of thing it is where that is not plain.
+/// Returns the name of the definition or of the file, and the kind of sound where the name alone is
+/// ambiguous.
 std::string NameOf(const Quon::SoundState& state);
-/// Such as "positional" or "music".
+/// For example "positional" or "music".
 const char* DescribeKind(Quon::SoundKind kind);
-/// Such as "heard" or "virtual".
+/// For example "heard" or "virtual".
 const char* NameOfPhase(const Quon::SoundState& state);
-/// Phase and reason, such as "virtual: like sounds are nearer".
+/// Returns the phase and the reason, for example "virtual: like sounds are nearer".
 std::string DescribeState(const Quon::SoundState& state);
 
-/// Why a sound ended before its time; null where it came to its end or was stopped.
+/// Returns why a sound ended early; null if it reached its end or was stopped.
 const char* DescribeEnd(const Quon::SoundState& state);
 
-/// The sound system's clock without its wrap-around.
+/// The sound system's clock without wrap-around.
 class Clock
 {
 public:
     Clock();
 
-    /// Milliseconds since this object was made.
+    /// Returns the milliseconds since construction.
     std::int64_t GetMs();
 
 private:

@@ -44,8 +44,8 @@ Sides WeightOf(int place)
     }
 }
 
-/// What the channels of a file are that does not say.
-std::vector<int> UsualMap(int channels)
+/// Returns the channel map for a file that does not contain one.
+std::vector<int> DefaultChannelMap(int channels)
 {
     std::vector<int> map = {SF_CHANNEL_MAP_LEFT, SF_CHANNEL_MAP_RIGHT, SF_CHANNEL_MAP_CENTER,
         SF_CHANNEL_MAP_LFE, SF_CHANNEL_MAP_REAR_LEFT, SF_CHANNEL_MAP_REAR_RIGHT};
@@ -63,7 +63,7 @@ std::vector<int> UsualMap(int channels)
     return map;
 }
 
-/// Scales the weights of one output channel so that they come to 1 or less.
+/// Scales the weights of one output channel so that their sum is at most 1.
 void Limit(float* weights, std::size_t count)
 {
     const float sum = std::accumulate(weights, weights + count, 0.0F);
@@ -90,7 +90,8 @@ std::vector<float> MakeWeights(const std::vector<int>& map, int channels)
         }
         weights.resize(sources);
     }
-    // Both sides by the same factor, so that the middle stays in the middle: they have the same weights.
+    // The weights of both sides are symmetric, so they are scaled by the same factor and the centre stays
+    // centred.
     for (int channel = 0; channel < channels; ++channel) {
         Limit(weights.data() + sources * static_cast<std::size_t>(channel), sources);
     }
@@ -102,7 +103,8 @@ std::vector<float> MakeWeights(const std::vector<int>& map, int channels)
 ChannelMixer::ChannelMixer(SampleStage& newSource, const std::vector<int>& channelMap, int newChannels)
     : source(newSource)
     , channels(newChannels)
-    , weights(MakeWeights(channelMap.empty() ? UsualMap(newSource.GetChannels()) : channelMap, newChannels))
+    , weights(MakeWeights(
+          channelMap.empty() ? DefaultChannelMap(newSource.GetChannels()) : channelMap, newChannels))
     , buffer(MakeBuffer(newSource))
 {
 }

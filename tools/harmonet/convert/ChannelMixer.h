@@ -7,14 +7,14 @@ namespace Tool
 
 /// Mixes any number of channels to one or two.
 ///
-/// The weights are those of ITU-R BS.775: the centre and the surround channels go to a side with a factor of
-/// 0.7071, the channel for low frequencies is left out. They are scaled so that full signals in all channels
-/// stay full. One channel goes to both sides as it is.
+/// The weights are those of ITU-R BS.775: the centre and surround channels have a factor of 0.7071 on each
+/// side, and the low-frequency channel is left out. They are scaled so that full scale in all channels does
+/// not clip. A mono channel is copied to both sides unchanged.
 class ChannelMixer final : public SampleStage
 {
 public:
-    /// `channelMap` has libsndfile's SF_CHANNEL_MAP numbers; if it is empty, the usual order of wave files
-    /// counts. `source` must live as long as this.
+    /// `channelMap` has libsndfile's SF_CHANNEL_MAP numbers; if it is empty, the usual order of wave files is
+    /// assumed. `newSource` must outlive this object.
     ChannelMixer(SampleStage& newSource, const std::vector<int>& channelMap, int newChannels);
 
     int GetChannels() const override { return channels; }
@@ -24,7 +24,7 @@ public:
 private:
     SampleStage& source;
     int channels;
-    std::vector<float> weights; ///< For each output channel one for each input channel.
+    std::vector<float> weights; ///< One for each input channel, for each output channel in turn.
     std::vector<float> buffer;
 };
 

@@ -20,14 +20,14 @@ namespace Tool
 namespace
 {
 
-/// The steps from the reader on that the settings ask for.
+/// The processing stages after the reader that the settings require.
 class Chain
 {
 public:
     Chain(SoundReader& reader, const ConversionSettings& settings)
         : last(&reader)
     {
-        // Fewer channels first: then there is less to resample.
+        // Mix before resampling, which then has fewer channels to process.
         if (settings.channels != 0 && settings.channels != last->GetChannels()) {
             Add<ChannelMixer>(reader.GetChannelMap(), settings.channels);
         }
@@ -50,7 +50,8 @@ private:
     SampleStage* last;
 };
 
-/// What brings the sound to the wanted loudness without a true peak above -1 dB, as R 128 has it.
+/// Returns the gain that brings the sound to the requested loudness with a true peak of at most -1 dB, as EBU
+/// R 128 recommends.
 double FindGainDecibels(
     const InputFile& input, const ConversionSettings& settings, std::vector<std::string>& warnings)
 {
@@ -59,15 +60,15 @@ double FindGainDecibels(
     Chain chain(*reader, settings);
     const Loudness loudness = MeasureLoudness(chain.GetLast());
     if (!std::isfinite(loudness.lufs)) {
-        warnings.push_back("'" + input.GetShown() + "' is silent and stays as it is");
+        warnings.push_back("'" + input.GetShown() + "' is silent and left unchanged");
         return 0.0;
     }
     const double wanted = *settings.loudnessLufs - loudness.lufs;
     const double possible = highestPeak - loudness.truePeakDecibels;
     if (wanted > possible) {
-        warnings.push_back("'" + input.GetShown() + "' gets " +
-            FormatNumber(std::round(possible * 10.0) / 10.0) + " dB and not " +
-            FormatNumber(std::round(wanted * 10.0) / 10.0) + ", so that its peaks are not cut");
+        warnings.push_back("'" + input.GetShown() + "': gain limited to " +
+            FormatNumber(std::round(possible * 10.0) / 10.0) + " dB instead of " +
+            FormatNumber(std::round(wanted * 10.0) / 10.0) + ", to keep its peaks below full scale");
     }
     return std::min(wanted, possible);
 }
@@ -106,7 +107,7 @@ Conversion Convert(
     }
     if (staysMpeg) {
         throw ToolError("'" + input.GetShown() + "' is " + reader->Describe() +
-                "; only MPEG Layer III can become an .mp3, and the rest a .wav",
+                "; only MPEG Layer III can become an .mp3; write a .wav instead",
             ExitCode::BadInput);
     }
 
@@ -122,8 +123,8 @@ Conversion Convert(
         done.warnings.push_back(missing);
     }
     if (encoded.clipped > 0) {
-        done.warnings.push_back("'" + input.GetShown() + "' goes beyond full scale: " +
-            std::to_string(encoded.clipped) + " samples are cut; --loudness brings it down");
+        done.warnings.push_back("'" + input.GetShown() + "' exceeds full scale: " +
+            std::to_string(encoded.clipped) + " samples were clipped; --loudness can lower the level");
     }
     return done;
 }

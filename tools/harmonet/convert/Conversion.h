@@ -12,21 +12,22 @@ namespace Tool
 
 struct ConversionSettings
 {
-    std::optional<WaveCoding> coding; ///< Not set: PCM, and an MPEG stream stays one where that can be.
-    int rateHz = 0; ///< 0 for that of the input.
-    int channels = 0; ///< 1 or 2; 0 for those of the input.
+    std::optional<WaveCoding> coding; ///< Not set: PCM, or MPEG Layer III is kept where possible.
+    int rateHz = 0; ///< 0 for the rate of the input.
+    int channels = 0; ///< 1 or 2; 0 for the number of the input.
     std::optional<double> loudnessLufs;
 
-    /// Whether the samples are asked to be other than they are.
+    /// Returns whether the settings require new samples, so that the file cannot just be copied.
     bool ChangesSound() const { return coding || rateHz != 0 || channels != 0 || loudnessLufs; }
-    /// Two settings with the same text make the same files.
+    /// Settings with the same text produce the same files.
     std::string ToText() const;
 };
 
 struct Conversion
 {
-    bool isSound = true; ///< If not, nothing was written.
-    bool isCopy = false; ///< An MPEG stream without its tags. The numbers below are then of the input.
+    bool isSound = true; ///< If false, nothing was written.
+    bool isCopy =
+        false; ///< An MPEG stream was copied without its tags. The values below are then those of the input.
     int inputRateHz = 0;
     int inputChannels = 0;
     int rateHz = 0;
@@ -35,11 +36,12 @@ struct Conversion
     std::vector<std::string> warnings;
 };
 
-/// Whether the file becomes an MPEG stream without its tags, by its name and that of the output.
+/// Returns whether the file is to be copied as an MPEG stream without its tags, judged by its name and the
+/// settings.
 bool StaysMpeg(const std::string& inputName, const ConversionSettings& settings);
 
-/// Converts one file; `staysMpeg` is the answer of StaysMpeg(). Throws a ToolError when it is not there,
-/// damaged, or the output cannot be written.
+/// Converts one file; `staysMpeg` is the result of StaysMpeg(). Throws a ToolError if the file does not exist
+/// or is damaged, or if the output cannot be written.
 Conversion Convert(
     const InputFile& input, const ConversionSettings& settings, bool staysMpeg, const OutputFile& output);
 

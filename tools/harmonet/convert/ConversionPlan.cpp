@@ -52,7 +52,7 @@ void CheckOutputs(const ConversionPlan& plan)
         }
         std::error_code ignored;
         if (fs::equivalent(ToPath(job.input), ToPath(job.output), ignored)) {
-            throw ToolError("'" + job.input + "' would be written to itself", ExitCode::BadArguments);
+            throw ToolError("'" + job.input + "' is both input and output", ExitCode::BadArguments);
         }
     }
 }
@@ -63,8 +63,7 @@ ConversionJob MakeSingleJob(
     ConversionJob job{input, output, false, false};
     job.staysMpeg = output == standardStream ? StaysMpeg(input, settings) : StaysMpeg(output, settings);
     if (!job.staysMpeg && StaysMpeg(output, {})) {
-        throw ToolError(
-            "nothing is coded as MPEG; the output of a changed sound is a .wav", ExitCode::BadArguments);
+        throw ToolError("encoding to MPEG is not supported; write a .wav instead", ExitCode::BadArguments);
     }
     return job;
 }
@@ -80,7 +79,7 @@ ConversionPlan PlanConversions(
         output.ends_with(static_cast<char>(fs::path::preferred_separator));
     if (isIntoFolder) {
         if (output == standardStream) {
-            throw ToolError("several files need a folder to go to", ExitCode::BadArguments);
+            throw ToolError("several inputs need an output folder", ExitCode::BadArguments);
         }
         plan.folder = output;
         for (const std::string& input : inputs) {

@@ -17,7 +17,7 @@ using Json = nlohmann::json;
 
 constexpr const char* recordName = ".harmonet-convert.json";
 
-/// What tells one state of a file from another without reading it; null for a file that is not there.
+/// Identifies the state of a file without reading it; null if the file does not exist.
 Json Stamp(const std::string& path)
 {
     std::error_code error;

@@ -7,22 +7,23 @@
 namespace Tool
 {
 
-/// What has been converted into a folder, from which files and how, so that another run only does what has
-/// changed. Lies in the folder as a hidden file. A record that cannot be read counts as an empty one.
+/// Records what was converted into a folder, from which files and with which settings, so that the next run
+/// converts only what has changed. It is stored in the folder as a hidden file. An unreadable record is
+/// treated as empty.
 class ConversionRecord
 {
 public:
-    /// An empty folder is none, and then nothing is recorded.
+    /// If `folder` is empty, nothing is recorded.
     ConversionRecord(const std::string& folder, const ConversionSettings& settings);
 
-    /// Whether the input, the output and the settings are as they were when it was last converted.
+    /// Returns whether the input, the output and the settings are unchanged since the last conversion.
     bool IsUpToDate(const ConversionJob& job) const;
     void SetDone(const ConversionJob& job);
-    /// Throws a ToolError when the folder does not take it.
+    /// Throws a ToolError if the file cannot be written.
     void Save() const;
 
 private:
-    /// The output, below the folder.
+    /// Returns the path of the output relative to the folder.
     std::string NameOf(const ConversionJob& job) const;
     nlohmann::json Describe(const ConversionJob& job) const;
 

@@ -47,12 +47,12 @@ ConversionReport::ConversionReport(const ConversionPlan& newPlan, bool newIsJson
 
 void ConversionReport::ShowProgress(const ConversionJob& job)
 {
-    ++looked;
+    ++processed;
     if (!onTerminal || isJson || isQuiet) {
         return;
     }
-    Print(std::string(clearLine) + std::to_string(looked) + " of " + std::to_string(plan.jobs.size()) + ": " +
-        job.input);
+    Print(std::string(clearLine) + std::to_string(processed) + " of " + std::to_string(plan.jobs.size()) +
+        ": " + job.input);
     FlushOutput();
 }
 
@@ -60,7 +60,7 @@ void ConversionReport::AddDone(const ConversionJob& job, const Conversion& done)
 {
     ++converted;
     for (const std::string& warning : done.warnings) {
-        Warn(warning);
+        PrintWarning(warning);
     }
     const char* const action = done.isCopy ? "tags removed" : "converted";
     if (isJson && !isQuiet) {
@@ -80,9 +80,9 @@ void ConversionReport::AddUnchanged(const ConversionJob& job)
     }
 }
 
-void ConversionReport::AddPassedOver()
+void ConversionReport::AddSkipped()
 {
-    ++passedOver;
+    ++skipped;
 }
 
 void ConversionReport::AddFailed(const ConversionJob& job, const ToolError& error)
@@ -93,7 +93,7 @@ void ConversionReport::AddFailed(const ConversionJob& job, const ToolError& erro
             {{"file", job.input}, {"error", error.what()}, {"exitCode", static_cast<int>(error.GetCode())}});
     }
     if (error.GetCode() != ExitCode::NoOutput && error.GetCode() != ExitCode::ClosedPipe) {
-        Complain(error.what());
+        PrintError(error.what());
     }
 }
 
@@ -103,8 +103,8 @@ void ConversionReport::End()
         return;
     }
     std::string line = std::to_string(converted) + " converted, " + std::to_string(unchanged) + " unchanged";
-    if (passedOver > 0) {
-        line += ", " + std::to_string(passedOver) + " no sounds";
+    if (skipped > 0) {
+        line += ", " + std::to_string(skipped) + " skipped";
     }
     if (failed > 0) {
         line += ", " + std::to_string(failed) + " failed";

@@ -6,9 +6,9 @@
 namespace Tool
 {
 
-/// Tells the user what becomes of the files: a line for each that was converted, at the end how many there
-/// were, and on a terminal a last line that shows how far it has come. As JSON a line for each file and
-/// nothing else; and nothing but errors and warnings when a file goes to the standard output.
+/// Reports a conversion run: a line for each converted file, a summary at the end and, on a terminal, a
+/// progress line. As JSON it prints one line for each file and nothing else. If a sound goes to standard
+/// output, it prints only errors and warnings.
 class ConversionReport
 {
 public:
@@ -17,7 +17,7 @@ public:
     void ShowProgress(const ConversionJob& job);
     void AddDone(const ConversionJob& job, const Conversion& done);
     void AddUnchanged(const ConversionJob& job);
-    void AddPassedOver();
+    void AddSkipped();
     void AddFailed(const ConversionJob& job, const ToolError& error);
     void End();
 
@@ -26,12 +26,12 @@ private:
 
     const ConversionPlan& plan;
     bool isJson;
-    bool isQuiet; ///< The standard output holds a sound.
+    bool isQuiet; ///< Standard output carries a sound.
     bool onTerminal;
-    std::size_t looked = 0;
+    std::size_t processed = 0;
     std::size_t converted = 0;
     std::size_t unchanged = 0;
-    std::size_t passedOver = 0;
+    std::size_t skipped = 0;
     std::size_t failed = 0;
 };
 

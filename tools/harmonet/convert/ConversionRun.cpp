@@ -24,11 +24,11 @@ void MakeFolder(const std::string& output)
     }
     if (error) {
         throw ToolError(
-            "cannot make the folder '" + ToText(folder) + "': " + error.message(), ExitCode::NoOutput);
+            "cannot create the folder '" + ToText(folder) + "': " + error.message(), ExitCode::NoOutput);
     }
 }
 
-/// Also says what became of it. False for what is no sound.
+/// Converts one file and reports the result. Returns false if it is not a sound.
 bool RunJob(const ConversionJob& job, const ConversionSettings& settings, ConversionReport& report)
 {
     const InputFile input(job.input, "stdin");
@@ -38,9 +38,9 @@ bool RunJob(const ConversionJob& job, const ConversionSettings& settings, Conver
         output.Commit();
     }
     else if (!job.isFound) {
-        throw ToolError("'" + job.input + "' is no sound file of a known kind", ExitCode::BadInput);
+        throw ToolError("'" + job.input + "' is not a sound file of a known type", ExitCode::BadInput);
     }
-    done.isSound ? report.AddDone(job, done) : report.AddPassedOver();
+    done.isSound ? report.AddDone(job, done) : report.AddSkipped();
     return done.isSound;
 }
 
@@ -82,7 +82,7 @@ private:
             return;
         }
         try {
-            // Each in the place that its input has below a folder.
+            // Files keep their relative paths.
             if (!plan.folder.empty()) {
                 MakeFolder(job.output);
             }
@@ -95,7 +95,7 @@ private:
             if (code == ExitCode::Done) {
                 code = error.GetCode();
             }
-            // A full disk is no better at the next file.
+            // The next file would fail in the same way.
             if (error.GetCode() == ExitCode::NoOutput || error.GetCode() == ExitCode::ClosedPipe) {
                 throw;
             }

@@ -6,19 +6,19 @@
 namespace Tool
 {
 
-/// What the command line asks for.
+/// The arguments of `convert`.
 struct ConversionRequest
 {
-    std::vector<std::string> paths; ///< The inputs and, as the last, the output.
+    std::vector<std::string> paths; ///< The inputs, then the output.
     std::string format; ///< Empty, "pcm" or "adpcm".
-    ConversionSettings settings; ///< Without the coding.
+    ConversionSettings settings; ///< Without the coding, which comes from `format`.
     bool isForced = false;
     bool isJson = false;
 };
 
-/// Converts all files, whatever becomes of each, tells what it does, and gives the exit code of the first
-/// that failed. An interrupt ends it after the file at hand. Throws a ToolError when nothing can be done at
-/// all.
+/// Converts all files, even if some fail, reports the results, and returns the exit code of the first
+/// failure. An interrupt ends the run after the current file. Throws a ToolError if no conversion is
+/// possible.
 ExitCode RunConversions(const ConversionRequest& request);
 
 } // namespace Tool

@@ -10,12 +10,12 @@ namespace
 
 CLI::App& AddCommand(CLI::App& program)
 {
-    CLI::App& command =
-        *program.add_subcommand("convert", "Turn sound files of any kind into files that play.");
+    CLI::App& command = *program.add_subcommand(
+        "convert", "Convert sound files of any type to files that the library plays.");
     command.footer(
-        "Reads what libsndfile reads: WAVE of every kind, FLAC, Ogg, Opus, AIFF, MP3 and more. An .mp3 that "
-        "becomes an .mp3 loses its tags and is not coded anew. A folder stands for the sounds in it and "
-        "below; of these only what has changed since the last run is converted.");
+        "Reads all formats of libsndfile: every kind of WAVE, FLAC, Ogg, Opus, AIFF, MP3 and more. "
+        "An .mp3 that becomes an .mp3 loses its tags and is not re-encoded. A folder stands for all sounds "
+        "in it and its subfolders; only those that have changed since the last run are converted.");
     return command;
 }
 
@@ -28,14 +28,12 @@ void AddConvertCommand(CLI::App& program, Action& action)
     CLI::App& command = AddCommand(program);
     command
         .add_option("IN...OUT", values.paths,
-            "Sound files and folders, and as the last the file or folder that they become; - is the standard "
-            "input or "
-            "output")
+            "Sound files and folders, and last the output file or folder; - is standard input or output")
         ->required()
         ->expected(2, CLI::detail::expected_max_vector_size);
     command
         .add_option("--format", values.format,
-            "16-bit PCM, or Microsoft ADPCM, which takes about a quarter of the space; without it PCM")
+            "16-bit PCM, or Microsoft ADPCM, which is about a quarter of the size; the default is PCM")
         ->check(CLI::IsMember({"pcm", "adpcm"}));
     command.add_option("--rate", values.settings.rateHz, "Resample to this rate")
         ->type_name("HERTZ")
@@ -44,12 +42,12 @@ void AddConvertCommand(CLI::App& program, Action& action)
         ->check(CLI::Range(1, 2));
     command
         .add_option("--loudness", values.settings.loudnessLufs,
-            "Bring each sound to this integrated loudness, -16 for example, with peaks up to -1 dB")
+            "Bring each sound to this integrated loudness, for example -16, with true peaks of at most -1 dB")
         ->type_name("LUFS")
         ->check(FiniteNumber())
         ->check(CLI::Range(-70.0, 0.0));
-    command.add_flag("--all", values.isForced, "Convert also what has not changed");
-    command.add_flag("--json", values.isJson, "A line of JSON for each file");
+    command.add_flag("--all", values.isForced, "Also convert files that have not changed");
+    command.add_flag("--json", values.isJson, "Print one line of JSON for each file");
     command.callback([arguments, &action] { action = [arguments] { return RunConversions(*arguments); }; });
 }
 

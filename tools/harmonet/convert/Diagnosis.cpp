@@ -12,7 +12,7 @@ namespace Tool
 namespace
 {
 
-/// A name for the converted file that is not that of the file.
+/// Returns a name for the converted file that differs from `path`.
 std::string SuggestOutput(const std::string& path, const char* ending)
 {
     const std::filesystem::path file = ToPath(path);
@@ -31,7 +31,7 @@ std::string DescribeRemedy(const std::string& path)
 {
     std::unique_ptr<SoundReader> reader;
     try {
-        // The standard input has been taken already.
+        // Standard input has already been read.
         reader = path == standardStream ? nullptr : SoundReader::Open(InputFile(path, ""));
     }
     catch (const ToolError&) {
@@ -41,10 +41,9 @@ std::string DescribeRemedy(const std::string& path)
         return "";
     }
     const bool isMpeg = reader->IsMpegLayer3();
-    const std::string what =
-        isMpeg ? "MPEG Layer III with a tag or other bytes ahead of it" : reader->Describe();
+    const std::string what = isMpeg ? "MPEG Layer III after a tag or other bytes" : reader->Describe();
     return "; it is " + what + ", and `harmonet convert '" + path + "' '" +
-        SuggestOutput(path, isMpeg ? ".mp3" : ".wav") + "'` makes a file that plays";
+        SuggestOutput(path, isMpeg ? ".mp3" : ".wav") + "'` creates a file that plays";
 }
 
 } // namespace Tool

@@ -39,7 +39,7 @@ double TruePeakDecibels(ebur128_state& state)
     return 20.0 * std::log10(highest);
 }
 
-/// Adds what has been heard again and again until there are 400 ms of it.
+/// Repeats the sound until there are 400 ms of it.
 void Repeat(ebur128_state& state, const std::vector<float>& sound)
 {
     const std::size_t frames = sound.size() / state.channels;

@@ -7,12 +7,12 @@ namespace Tool
 
 struct Loudness
 {
-    double lufs; ///< Integrated, by EBU R 128; minus infinity for silence.
+    double lufs; ///< Integrated, as defined by EBU R 128; minus infinity for silence.
     double truePeakDecibels; ///< Of the loudest channel.
 };
 
-/// Reads all of the sound. One of less than 400 ms, for which the measure is not defined, counts as if it
-/// were repeated without a gap.
+/// Reads and measures the whole sound. A sound shorter than 400 ms, for which the measure is not defined, is
+/// measured as if it were repeated without gaps.
 Loudness MeasureLoudness(SampleStage& sound);
 
 } // namespace Tool

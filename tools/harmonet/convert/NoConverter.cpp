@@ -10,13 +10,13 @@ namespace
 
 void AddMissingCommand(CLI::App& program, Action& action, const char* name)
 {
-    CLI::App& command = *program.add_subcommand(name, "This build has no such command.");
+    CLI::App& command = *program.add_subcommand(name, "Not available in this build.");
     command.allow_extras();
     command.callback([&action] {
         action = []() -> ExitCode {
             throw ToolError(
-                "this build has no such command: libsndfile, libsoxr, libebur128, TagLib or KISS FFT was "
-                "not there");
+                "this build has no such command, because libsndfile, libsoxr, libebur128, TagLib or KISS FFT "
+                "was not found");
         };
     });
 }

@@ -9,11 +9,11 @@
 namespace Tool
 {
 
-/// Changes the rate, at libsoxr's very high quality.
+/// Changes the sample rate with libsoxr at its "very high" quality.
 class Resampler final : public SampleStage
 {
 public:
-    /// `source` must live as long as this. Throws a ToolError if the library cannot do it.
+    /// `newSource` must outlive this object. Throws a ToolError if libsoxr cannot convert between the rates.
     Resampler(SampleStage& newSource, int newRateHz);
 
     int GetChannels() const override { return source.GetChannels(); }
@@ -32,9 +32,9 @@ private:
     int rateHz;
     std::unique_ptr<soxr, Delete> resampler;
     std::vector<float> buffer;
-    std::size_t used = 0; ///< Of the sample frames in the buffer.
+    std::size_t used = 0; ///< Sample frames of the buffer.
     std::size_t filled = 0;
-    bool hasEnded = false; ///< The source.
+    bool hasEnded = false; ///< Whether the source has ended.
 };
 
 } // namespace Tool

@@ -29,7 +29,7 @@ public:
         if (sf_format_check(&info) == SF_FALSE) {
             throw ToolError("a sound of " + std::to_string(info.channels) + " channels and " +
                     std::to_string(info.samplerate) +
-                    " Hz does not fit into such a file; --channels and --rate change it",
+                    " Hz cannot be written in this format; use --channels or --rate",
                 ExitCode::BadInput);
         }
         file = sf_open(output.GetPath().c_str(), SFM_WRITE, &info);
@@ -73,17 +73,17 @@ private:
     SNDFILE* file = nullptr;
 };
 
-/// The nearest 16-bit value, and whether it had to be cut.
+/// Returns the nearest 16-bit value, and whether it was clipped.
 std::pair<short, bool> Round(double sample)
 {
     constexpr double fullScale = 32768.0;
-    constexpr double least = std::numeric_limits<short>::min();
-    constexpr double greatest = std::numeric_limits<short>::max();
+    constexpr double minimum = std::numeric_limits<short>::min();
+    constexpr double maximum = std::numeric_limits<short>::max();
     // NaN becomes silence.
     const double value = std::isnan(sample) ? 0.0 : std::nearbyint(sample * fullScale);
-    const double cut = std::clamp(value, least, greatest);
-    // Full scale itself is one step above the greatest value, and nobody hears that.
-    return {static_cast<short>(cut), value < least || value > greatest + 1.0};
+    const double clamped = std::clamp(value, minimum, maximum);
+    // Full scale is one step above the maximum. That difference is inaudible and does not count as clipping.
+    return {static_cast<short>(clamped), value < minimum || value > maximum + 1.0};
 }
 
 } // namespace

@@ -17,12 +17,13 @@ enum class WaveCoding
 struct EncodedSound
 {
     std::int64_t frames = 0;
-    std::int64_t clipped = 0; ///< Samples beyond full scale, which became full scale.
+    std::int64_t clipped = 0; ///< Samples that exceeded full scale and were clamped to it.
 };
 
-/// Writes all of the sound to a wave file of 16-bit PCM or Microsoft ADPCM, with each sample multiplied by
-/// `gain` and rounded to the nearest of the 65536 values. 16-bit input without a gain comes out bit by bit.
-/// Throws a ToolError for what cannot be written, or has more than two channels for ADPCM.
+/// Writes the whole sound to a wave file of 16-bit PCM or Microsoft ADPCM. Each sample is multiplied by
+/// `gain` and rounded to the nearest 16-bit value. With a gain of 1, 16-bit input is written to PCM bit for
+/// bit. Throws a ToolError if writing fails, or if the format does not support the number of channels; ADPCM
+/// has at most two.
 EncodedSound EncodeSound(SampleStage& sound, WaveCoding coding, double gain, const OutputFile& output);
 
 } // namespace Tool

@@ -55,11 +55,10 @@ SoundReader::SoundReader(std::string newShown, const SF_INFO& newInfo, SNDFILE* 
     , info(newInfo)
     , file(opened)
 {
-    // An odd file can state anything, and what follows multiplies with it.
+    // A malformed file can contain any value, and later code multiplies by it.
     constexpr int maxChannels = 64;
     if (info.channels < 1 || info.channels > maxChannels || info.samplerate < 1) {
-        throw ToolError(
-            "'" + shown + "' has a number of channels or a rate that is not handled", ExitCode::BadInput);
+        throw ToolError("'" + shown + "' has an unsupported number of channels or rate", ExitCode::BadInput);
     }
 }
 
@@ -75,7 +74,7 @@ std::size_t SoundReader::Read(float* out, std::size_t frames)
     }
     const bool isEnd = got < static_cast<sf_count_t>(frames);
     if (isEnd && framesRead == 0 && info.frames > 0) {
-        throw ToolError("'" + shown + "' is damaged: nothing of its sound can be decoded" +
+        throw ToolError("'" + shown + "' is damaged: none of its sound can be decoded" +
                 (damage.empty() ? "" : " (" + damage + ")"),
             ExitCode::BadInput);
     }
@@ -108,7 +107,7 @@ std::string SoundReader::DescribeMissing() const
 {
     if (!damage.empty()) {
         return "'" + shown + "' is cut off or damaged after " + std::to_string(framesRead) +
-            " sample frames, which are all that is taken (" + damage + ")";
+            " sample frames; only these are used (" + damage + ")";
     }
     if (info.frames == SF_COUNT_MAX) {
         return "'" + shown + "' is cut off: its end is missing after " + std::to_string(framesRead) +
@@ -118,7 +117,8 @@ std::string SoundReader::DescribeMissing() const
         return "'" + shown + "' is cut off: it holds " + std::to_string(framesRead) + " of " +
             std::to_string(info.frames) + " sample frames";
     }
-    // The frames of a wave are counted by what is there, and only the log tells what the head has stated.
+    // libsndfile counts the sample frames that a wave file holds. Only its log contains the length that the
+    // header states.
     std::array<char, 16384> log{};
     sf_command(file.get(), SFC_GET_LOG_INFO, log.data(), log.size());
     const std::string text = log.data();
@@ -126,7 +126,7 @@ std::string SoundReader::DescribeMissing() const
     const std::string line =
         data == std::string::npos ? "" : text.substr(data + 1, text.find('\n', data + 1) - data);
     if (line.find("(should be ") != std::string::npos) {
-        return "'" + shown + "' is cut off: it holds fewer bytes of sound than it states";
+        return "'" + shown + "' is cut off: it holds fewer bytes of sound than its header states";
     }
     return "";
 }

@@ -12,24 +12,28 @@
 namespace Tool
 {
 
-/// Reads every kind of sound file that libsndfile knows, from its start to its end.
+/// Reads every type of sound file that libsndfile supports, from start to end.
 class SoundReader final : public SampleStage
 {
 public:
-    /// Null for a file that is no sound. Throws a ToolError for one that is not there or damaged at its head.
+    /// Returns null for a file that is not a sound. Throws a ToolError for one that does not exist or has a
+    /// damaged header.
     static std::unique_ptr<SoundReader> Open(const InputFile& input);
 
     int GetChannels() const override { return info.channels; }
     int GetRateHz() const override { return info.samplerate; }
-    /// Ends where the file is damaged. Throws a ToolError when nothing before that can be decoded.
+    /// Ends where the file is damaged. Throws a ToolError if nothing before the damage can be decoded.
     std::size_t Read(float* out, std::size_t frames) override;
 
     bool IsMpegLayer3() const;
-    /// The kind of file and of its samples, such as "FLAC (Free Lossless Audio Codec), Signed 24 bit PCM".
+    /// Returns the type of the file and of its samples, such as "FLAC (Free Lossless Audio Codec), Signed 24
+    /// bit PCM".
     std::string Describe() const;
-    /// For each channel one of libsndfile's SF_CHANNEL_MAP numbers; empty if the file does not say.
+    /// Returns one of libsndfile's SF_CHANNEL_MAP numbers for each channel; empty if the file has no channel
+    /// map.
     std::vector<int> GetChannelMap() const;
-    /// Once all has been read: what is missing at the end, as a sentence; empty for a whole file.
+    /// After everything has been read: returns a sentence about what is missing at the end; empty for a
+    /// complete file.
     std::string DescribeMissing() const;
 
 private:
@@ -44,7 +48,7 @@ private:
     SF_INFO info;
     std::unique_ptr<SNDFILE, Close> file;
     std::int64_t framesRead = 0;
-    std::string damage; ///< What the decoder could not go on for; empty for none.
+    std::string damage; ///< Why the decoder stopped early; empty if it did not.
 };
 
 } // namespace Tool

@@ -16,7 +16,7 @@ void CopyWithoutTags(const InputFile& input, const OutputFile& output)
     std::error_code error;
     fs::copy_file(
         ToPath(input.GetPath()), ToPath(output.GetPath()), fs::copy_options::overwrite_existing, error);
-    // The copy of a file that may only be read may only be read too.
+    // The copy of a read-only file is read-only, too.
     if (!error) {
         fs::permissions(ToPath(output.GetPath()), fs::perms::owner_write, fs::perm_options::add, error);
     }
@@ -26,7 +26,7 @@ void CopyWithoutTags(const InputFile& input, const OutputFile& output)
 
     TagLib::MPEG::File file(output.GetPath().c_str(), false);
     if (!file.isOpen() || !file.strip(TagLib::MPEG::File::AllTags)) {
-        throw ToolError("cannot take the tags off '" + input.GetShown() + "'", ExitCode::BadInput);
+        throw ToolError("cannot remove the tags from '" + input.GetShown() + "'", ExitCode::BadInput);
     }
     const auto firstFrame = file.firstFrameOffset();
     if (firstFrame < 0) {

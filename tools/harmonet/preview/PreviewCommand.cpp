@@ -36,7 +36,7 @@ std::unique_ptr<SoundReader> OpenOrFail(const std::string& path)
 {
     std::unique_ptr<SoundReader> reader = SoundReader::Open(InputFile(path, ""));
     if (!reader) {
-        throw ToolError("'" + path + "' is no sound file of a known kind", ExitCode::BadInput);
+        throw ToolError("'" + path + "' is not a sound file of a known type", ExitCode::BadInput);
     }
     return reader;
 }
@@ -46,7 +46,7 @@ Json Finite(double number)
     return std::isfinite(number) ? Json(number) : Json();
 }
 
-/// What the sound file is like, as heard: after the definition's gain.
+/// Measures the sound file after the definition's gain.
 void Measure(const Quon::SoundDefResource& sound, const std::string& path, Json& record)
 {
     const double gainDecibels = 20.0 * std::log10(static_cast<double>(sound.GetGain()));
@@ -107,21 +107,21 @@ ExitCode RunPreview(const PreviewArguments& arguments)
 {
     const DefinitionHost host;
     Json records = Json::array();
-    std::size_t withRemarks = 0;
+    std::size_t withFindings = 0;
     for (const fs::path& file : FindFiles(ToPath(arguments.folder), "")) {
         if (!DefinitionFile::IsDefinitionName(ToText(file))) {
             continue;
         }
         records.push_back(Describe(ToText(file), arguments));
-        withRemarks += records.back().contains("error") || !records.back()["findings"].empty();
+        withFindings += records.back().contains("error") || !records.back()["findings"].empty();
     }
     if (records.empty()) {
         throw ToolError("there are no definitions in '" + arguments.folder + "'", ExitCode::NoInput);
     }
     Write(MakePreviewPage("Sounds of " + arguments.folder, records), arguments.output);
     if (arguments.output != standardStream) {
-        Print(std::to_string(records.size()) + " definitions, " + std::to_string(withRemarks) +
-            " with remarks, shown in " + arguments.output + '\n');
+        Print(std::to_string(records.size()) + " definitions, " + std::to_string(withFindings) +
+            " with findings, shown in " + arguments.output + '\n');
     }
     return ExitCode::Done;
 }
@@ -132,11 +132,12 @@ void AddPreviewCommand(CLI::App& program, Action& action)
 {
     const auto arguments = std::make_shared<PreviewArguments>();
     CLI::App& command = *program.add_subcommand(
-        "preview", "Write a page that shows each definition's level, length, spectrogram and remarks.");
-    command.add_option("FOLDER", arguments->folder, "The definitions in it and below are shown")->required();
-    command.add_option("OUT.html", arguments->output, "The page, or - for the standard output")->required();
+        "preview", "Write a page with the level, length, spectrogram and findings of each definition.");
+    command.add_option("FOLDER", arguments->folder, "Folder of the definitions; subfolders are included")
+        ->required();
+    command.add_option("OUT.html", arguments->output, "The page, or - for standard output")->required();
     command.add_option("--root", arguments->root,
-        "The folder to which the names of sound files refer; by default that of each definition");
+        "Folder that the names of sound files are relative to; by default the folder of each definition");
     command.callback([arguments, &action] { action = [arguments] { return RunPreview(*arguments); }; });
 }
 

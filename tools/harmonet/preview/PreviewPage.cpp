@@ -40,7 +40,7 @@ const make = (parent, tag, text, kind) => {
     if (kind) made.className = kind;
     return made;
 };
-// The measurement of loudness ignores what is below -70 LUFS.
+// The loudness measurement ignores everything below -70 LUFS.
 const level = record => record.peakDecibels === null ? "silent"
     : `${record.lufs === null ? "below -70" : record.lufs.toFixed(1)} LUFS, peak ${record.peakDecibels.toFixed(1)} dB`;
 const channels = count => ["mono", "stereo"][count - 1] || `${count} channels`;
@@ -57,7 +57,7 @@ const draw = (canvas, columns) => {
         picture.data.set([...colour(parseInt(letter, 36) / 35), 255], 4 * ((rows - 1 - row) * columns.length + x))));
     canvas.getContext("2d").putImageData(picture, 0, 0);
 };
-// The rows of the picture go from the lowest frequency to half the rate, by octaves.
+// The rows of the spectrogram run from the lowest frequency to half the rate, on a logarithmic scale.
 const show = (place, record) => {
     const highestHz = record.rateHz / 2;
     const figure = make(place, "figure");
@@ -87,7 +87,7 @@ for (const record of records) {
     }
     if (record.columns && record.columns.length) show(make(article, "div"), record);
     const list = make(article, "ul");
-    // What is wrong with the definition explains it better.
+    // An error in the definition is the better explanation.
     if (record.error && !record.findings.some(finding => finding.severity === "error"))
         make(list, "li", record.error, "error");
     for (const finding of record.findings)
@@ -122,12 +122,12 @@ std::string EscapeHtml(std::string text)
 std::string MakePreviewPage(const std::string& title, const nlohmann::ordered_json& records)
 {
     std::string json = records.dump(-1, ' ', false, nlohmann::ordered_json::error_handler_t::replace);
-    // No text in it can end the element.
+    // No text in the JSON can end the element.
     ReplaceAll(json, "<", "\\u003c");
     const std::string name = EscapeHtml(title);
     return head + ("<title>" + name + "</title>\n<h1>" + name + "</h1>\n") +
         "<p><input id=\"search\" type=\"search\" placeholder=\"Search\" aria-label=\"Search by name\">"
-        "<label><input id=\"remarks\" type=\"checkbox\">only with remarks</label></p>\n"
+        "<label><input id=\"remarks\" type=\"checkbox\">with findings only</label></p>\n"
         "<script type=\"application/json\" id=\"records\">" +
         json + "</script>\n" + script;
 }

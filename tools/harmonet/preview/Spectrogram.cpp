@@ -31,7 +31,7 @@ std::vector<float> MakeHann()
     return hann;
 }
 
-/// The first bin of a row.
+/// Returns the first bin of a row.
 std::size_t FirstBin(std::size_t row, int rateHz)
 {
     constexpr double lowestHz = 40.0;
@@ -109,7 +109,7 @@ void Spectrogram::AddColumn()
         const std::size_t first = FirstBin(row, rateHz);
         const std::size_t end = std::max(FirstBin(row + 1, rateHz), first + 1);
         for (std::size_t bin = first; bin < end; ++bin) {
-            // A full sine comes to a quarter of the window's length.
+            // A full-scale sine has a magnitude of a quarter of the window length.
             const float level = std::abs(std::complex<float>(fft.out[bin].r, fft.out[bin].i)) * 4.0F /
                 static_cast<float>(windowFrames);
             column[row] = std::max(column[row], 20.0F * std::log10(std::max(level, 1e-9F)));

@@ -8,8 +8,8 @@
 namespace Tool
 {
 
-/// How the spectrum of a sound changes with time, as a picture of limited width that takes any length: when
-/// it is full, each two neighbouring columns become one, which keeps the louder of the two.
+/// A spectrogram of limited width for a sound of any length. When it is full, each pair of adjacent columns
+/// is merged into one, which keeps the louder value of the two.
 class Spectrogram
 {
 public:
@@ -21,12 +21,12 @@ public:
     Spectrogram& operator=(const Spectrogram&) = delete;
     ~Spectrogram();
 
-    /// Samples of one channel, with full scale at 1.
+    /// Adds samples of one channel, with full scale at 1.
     void Add(const float* samples, std::size_t count);
 
-    /// One text for each column, the first at the beginning, with a letter for each row from the lowest
-    /// frequency (40 Hz) to the highest (half the rate), spaced by a constant factor. The letters go from 0
-    /// to 9 and a to z, for -90 dB or less to 0 dB, a full sine being 0 dB.
+    /// Returns one string for each column in the order of time, with a character for each row from the lowest
+    /// frequency (40 Hz) to the highest (half the rate), spaced by a constant factor. The characters 0 to 9
+    /// and a to z stand for -90 dB or less to 0 dB, the level of a full-scale sine.
     std::vector<std::string> GetColumns() const;
 
 private:
@@ -38,10 +38,10 @@ private:
 
     int rateHz;
     std::unique_ptr<Transform> transform;
-    std::vector<float> window; ///< The samples that the next column is made of.
+    std::vector<float> window; ///< The samples of the next window.
     std::vector<Column> columns;
-    std::size_t step = 1; ///< How many windows become one column.
-    std::size_t inLast = 0; ///< Of these, how many are in the last column.
+    std::size_t step = 1; ///< The number of windows in a column.
+    std::size_t inLast = 0; ///< The number of windows in the last column so far.
 };
 
 } // namespace Tool

@@ -10,8 +10,7 @@ class Screen::Terminal
 
 void CheckScreen()
 {
-    throw ToolError(
-        "this build has no --top: that takes ncurses, which was not there", ExitCode::BadArguments);
+    throw ToolError("this build has no --top, because ncurses was not found", ExitCode::BadArguments);
 }
 
 Screen::Screen()

@@ -33,9 +33,9 @@ constexpr const char* help =
 
 struct ColumnLook
 {
-    const char* title; ///< Begins with the key that sorts by it.
+    const char* title; ///< Its first letter is the key that sorts by it.
     Column column;
-    int width; ///< 0 for the names, whose width is that of the terminal's rest.
+    int width; ///< 0 for the names, which get the remaining width.
 };
 
 constexpr ColumnLook columns[] = {{"State", Column::State, 7}, {"Prio", Column::Priority, 5},
@@ -49,9 +49,9 @@ constexpr int headLines = 3;
 constexpr int footLines = 1;
 constexpr int escape = 27;
 constexpr int deleteKey = 127;
-constexpr int redrawKey = 'L' - '@'; ///< With Ctrl.
+constexpr int redrawKey = 'L' - '@'; ///< Ctrl-L.
 
-// Pairs of colours.
+// Colour pairs.
 constexpr short heardPair = 1;
 constexpr short virtualPair = 2;
 constexpr short waitingPair = 3;
@@ -61,7 +61,7 @@ bool IsContinuation(char byte)
     return (static_cast<unsigned char>(byte) & 0xC0U) == 0x80U;
 }
 
-// The first characters of UTF-8 text.
+// Returns the first characters of UTF-8 text.
 std::string Cut(const std::string& text, int count)
 {
     std::size_t at = 0;
@@ -115,7 +115,7 @@ bool IsNumber(Column column)
     return column != Column::State && column != Column::Name;
 }
 
-// Names get what the reasons leave, most of which are shorter than this.
+// Names get the width that the reasons leave. Most reasons are shorter than this.
 int NameWidth()
 {
     constexpr int minWidth = 12;
@@ -127,7 +127,7 @@ int NameWidth()
     return std::max(COLS - others, minWidth);
 }
 
-// Overwrites what stands there already from `x` on.
+// Overwrites the line from `x` on.
 void Write(int y, int x, const std::string& text)
 {
     if (x < COLS && move(y, x) != ERR) {
@@ -153,8 +153,7 @@ void StartColours()
 void CheckScreen()
 {
     if (!IsTerminal() || !IsInputTerminal()) {
-        throw ToolError(
-            "--top needs a terminal: standard input and output have to be one", ExitCode::BadArguments);
+        throw ToolError("--top needs a terminal as standard input and output", ExitCode::BadArguments);
     }
 }
 
@@ -166,14 +165,14 @@ public:
     Terminal& operator=(const Terminal&) = delete;
     ~Terminal();
 
-    bool ObeyKeys();
+    bool HandleKeys();
     bool IsDue();
     void Draw(unsigned long playedMs, unsigned int maxAudible, const PlayReport& report);
 
 private:
     using Clock = std::chrono::steady_clock;
 
-    void Obey(int key);
+    void HandleKey(int key);
     void Scroll(int key);
     void Type(int key);
     void DrawHead(unsigned long playedMs, unsigned int maxAudible);
@@ -182,10 +181,10 @@ private:
 
     SCREEN* screen;
     TopTable table;
-    int first = 0; ///< Of the rows, the one at the top.
+    int first = 0; ///< The row at the top of the screen.
     bool isTyping = false;
-    bool isLeaving = false;
-    Clock::time_point next; ///< When to draw again.
+    bool hasQuit = false;
+    Clock::time_point next; ///< The time of the next redraw.
 };
 
 Screen::Terminal::Terminal()
@@ -196,7 +195,8 @@ Screen::Terminal::Terminal()
     screen = newterm(nullptr, stdout, stdin);
     if (!screen) {
         const char* const name = std::getenv("TERM");
-        throw ToolError("--top does not know this terminal: TERM is '" + std::string(name ? name : "") + "'",
+        throw ToolError(
+            "--top does not support this terminal: TERM is '" + std::string(name ? name : "") + "'",
             ExitCode::BadArguments);
     }
     constexpr int escapeMs = 25;
@@ -215,16 +215,16 @@ Screen::Terminal::~Terminal()
     delscreen(screen);
 }
 
-bool Screen::Terminal::ObeyKeys()
+bool Screen::Terminal::HandleKeys()
 {
     for (int key = getch(); key != ERR; key = getch()) {
-        isTyping ? Type(key) : Obey(key);
+        isTyping ? Type(key) : HandleKey(key);
         next = {};
     }
-    return !isLeaving;
+    return !hasQuit;
 }
 
-void Screen::Terminal::Obey(int key)
+void Screen::Terminal::HandleKey(int key)
 {
     for (const ColumnLook& look : columns) {
         if (key == std::tolower(static_cast<unsigned char>(look.title[0]))) {
@@ -237,7 +237,7 @@ void Screen::Terminal::Obey(int key)
         }
     }
     if (key == 'q') {
-        isLeaving = true;
+        hasQuit = true;
     }
     else if (key == '/') {
         table.SetSearch("");
@@ -251,7 +251,7 @@ void Screen::Terminal::Obey(int key)
     }
 }
 
-// Draw() keeps it within the rows.
+// Draw() clamps `first` to the number of rows.
 void Screen::Terminal::Scroll(int key)
 {
     const int last = static_cast<int>(table.GetRows().size());
@@ -341,7 +341,7 @@ void Screen::Terminal::DrawHead(unsigned long playedMs, unsigned int maxAudible)
     attroff(A_REVERSE);
 }
 
-// From the left to the right, so that a name that is too long ends where the reason begins.
+// Draws from left to right, so that the reason overwrites the end of a long name.
 void Screen::Terminal::DrawRow(int y, const TopTable::Row& row)
 {
     const attr_t colour = static_cast<attr_t>(COLOR_PAIR(PairOf(row.state.phase)));
@@ -365,7 +365,7 @@ Screen::~Screen() = default;
 
 bool Screen::Update(unsigned long playedMs, unsigned int maxAudible, const PlayReport& report)
 {
-    if (!terminal->ObeyKeys()) {
+    if (!terminal->HandleKeys()) {
         return false;
     }
     if (terminal->IsDue()) {

@@ -8,19 +8,18 @@ namespace Tool
 
 class PlayReport;
 
-/// Shows the sounds on the whole terminal while it lives, and obeys the user's keys: sorts, filters, searches
-/// and scrolls. The terminal is as before when it has gone. There is one at a time.
+/// Shows the sounds on the whole terminal and handles the keys to sort, filter, search and scroll. The
+/// destructor restores the terminal. At most one instance may exist.
 class Screen
 {
 public:
-    /// Throws a ToolError where there is no terminal, one of an unknown kind, or no such screen in this
-    /// build.
+    /// Throws a ToolError if there is no terminal, its type is unknown, or this build has no screen.
     Screen();
     Screen(const Screen&) = delete;
     Screen& operator=(const Screen&) = delete;
     ~Screen();
 
-    /// Takes the keys that have come, and some times a second draws anew. False when the user wants to leave.
+    /// Handles pending keys and redraws several times a second. Returns false when the user quits.
     bool Update(unsigned long playedMs, unsigned int maxAudible, const PlayReport& report);
 
 private:
@@ -28,7 +27,7 @@ private:
     std::unique_ptr<Terminal> terminal;
 };
 
-/// Throws a ToolError where there is no terminal, or no screen in this build: before anything is played.
+/// Throws a ToolError if there is no terminal or this build has no screen. Called before anything is played.
 void CheckScreen();
 
 } // namespace Tool

@@ -95,7 +95,7 @@ bool TopTable::IsShown(const Row& row) const
     return isAskedFor && Holds(row.name, search);
 }
 
-// Sounds that are equal in the column keep their places from update to update.
+// Sounds with equal values in the column keep their order between updates.
 bool TopTable::IsBefore(const Row& a, const Row& b) const
 {
     const SoundState& first = a.state;

@@ -11,20 +11,20 @@ namespace Tool
 
 class PlayReport;
 
-/// The sounds as a live table shows them: which of them, and in which order. It knows nothing of the screen.
+/// The rows of the live table: filters and sorts the sounds. Independent of the screen.
 class TopTable
 {
 public:
     enum class Column
     {
-        State, ///< The heard ones first, and the most important of each state first.
+        State, ///< Heard sounds first; within a state, the most important first.
         Priority,
         Distance,
         Gain,
         Age,
         Name
     };
-    /// Which phases are shown; All is every one.
+    /// The phases that are shown.
     enum class Show
     {
         All,
@@ -35,7 +35,7 @@ public:
     struct Row
     {
         Quon::SoundState state;
-        std::string name; ///< On one line, whatever is in the name of the file.
+        std::string name; ///< Without line breaks, whatever the file name contains.
     };
     struct Counts
     {
@@ -44,22 +44,22 @@ public:
         int waiting = 0;
     };
 
-    /// Sorts by that column from now on, and in the reverse order if it is the present one.
+    /// Sorts by that column. If it is already the current one, reverses the order.
     void SortBy(Column newColumn);
     Column GetColumn() const { return column; }
     bool IsReverse() const { return isReverse; }
 
     void SetShow(Show newShow) { show = newShow; }
     Show GetShow() const { return show; }
-    /// Shows the sounds alone whose names hold that text, in capitals or not. Empty for all.
+    /// Shows only sounds whose names contain the text, ignoring case. Empty for all.
     void SetSearch(const std::string& text) { search = text; }
     const std::string& GetSearch() const { return search; }
 
-    /// Takes a snapshot of all sounds; `report` knows how the user calls them.
+    /// Takes a snapshot of all sounds. `report` provides their names.
     void Update(const PlayReport& report);
 
     std::span<const Row> GetRows() const { return rows; }
-    /// Of all sounds, shown or not. A line counts through its sources.
+    /// Counts all sounds, shown or not. The sources of a line are counted, not the line itself.
     const Counts& GetCounts() const { return counts; }
 
 private:
@@ -71,7 +71,7 @@ private:
     bool isReverse = false;
     Show show = Show::All;
     std::string search;
-    std::vector<Quon::SoundState> snapshot; ///< Kept from update to update, which makes the next one cheaper.
+    std::vector<Quon::SoundState> snapshot; ///< Reused by each update to avoid allocations.
     std::vector<Row> rows;
     Counts counts;
 };

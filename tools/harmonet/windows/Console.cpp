@@ -63,7 +63,7 @@ Console::~Console()
     }
 }
 
-// What main() gets has been converted to the code page of the system.
+// The arguments of main() have been converted to the system's code page.
 char** GetArguments(char** arguments)
 {
     static std::vector<std::string> texts = ReadCommandLine();
@@ -84,7 +84,7 @@ bool IsTerminal()
 {
     const HANDLE output = GetStdHandle(STD_OUTPUT_HANDLE);
     DWORD mode = 0;
-    // Also the console has to be one that obeys the sequence that clears a line.
+    // The console must also support the escape sequence that clears a line.
     return GetConsoleMode(output, &mode) != 0 &&
         SetConsoleMode(output, mode | ENABLE_PROCESSED_OUTPUT | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
@@ -103,12 +103,12 @@ std::FILE* UseBinary(std::FILE* stream)
 
 void IgnoreClosedPipes()
 {
-    // Windows has no signal for it.
+    // Windows has no signal for closed pipes.
 }
 
 bool IsClosedPipe(int reason)
 {
-    // The C library has no number of its own for what the system says of a pipe without a reader.
+    // The C library maps the system error for a pipe without a reader to EINVAL.
     const bool isPipe = GetFileType(GetStdHandle(STD_OUTPUT_HANDLE)) == FILE_TYPE_PIPE;
     return reason == EPIPE || (reason == EINVAL && isPipe);
 }
