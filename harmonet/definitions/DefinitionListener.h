@@ -44,8 +44,8 @@ struct DefinitionRemark
     double maximum = 0.0;
 };
 
-/// The remark in words, without file and line, such as "*GAIN: expected a number, got 'loud'; the reading
-/// stops here". Throws std::bad_alloc without memory.
+/// The remark in words, without file and line, such as "*GAIN: expected a number, got 'loud'; reading stops
+/// here". Throws std::bad_alloc if memory runs out.
 HARMONET_API EngineString DescribeRemark(const DefinitionRemark& remark);
 
 /// Receives remarks on the sound definitions that are read, for a tool or a development build of a game; the
@@ -63,7 +63,7 @@ public:
     /// enclosing block, empty for the definition itself. The default does nothing.
     virtual void OnKeyword(const PString& block, const PString& keyword, int line);
 
-    /// Something is wrong, or was passed over.
+    /// Something is wrong, or was ignored.
     virtual void OnRemark(const DefinitionRemark& remark) = 0;
 };
 

@@ -54,7 +54,7 @@ void DefinitionMessages::OnRemark(const DefinitionRemark& remark)
             DescribeRemark(remark));
     }
     catch (const std::bad_alloc&) {
-        // As with other messages, one for which there is no memory is lost.
+        // Like any message, it is dropped if memory runs out.
     }
     if (previous) {
         previous->OnRemark(remark);

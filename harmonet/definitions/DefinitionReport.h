@@ -23,7 +23,7 @@ public:
     void OnFault(DefinitionFault fault, const PString& keyword, int line) const;
     /// A fault of the file as a whole.
     void OnFault(DefinitionFault fault) const;
-    /// A value that is none of the words that the keyword takes. Reading stops there.
+    /// A value that is not one of the words of the keyword. Reading stops there.
     void OnUnreadableWord(const PString& keyword, int line, const char* wanted, const char* found) const;
     /// Remarks on a value out of range.
     void CheckRange(const PString& keyword, const BlockReader& reader, double value, double minimum,

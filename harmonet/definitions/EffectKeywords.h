@@ -16,7 +16,7 @@ struct EffectField
     const PString& keyword; ///< Asterisk included.
     std::size_t offset; ///< Of the field in the record, in bytes.
     bool isInt; ///< A 32-bit signed integer; otherwise a 32-bit float.
-    double minimum; ///< Minimum of the range that the effect works in. The reading stores any value.
+    double minimum; ///< Minimum of the valid range. The reader stores any value.
     double maximum; ///< Maximum of that range.
 };
 

@@ -6,10 +6,10 @@
 namespace Quon
 {
 
-/// Ready-made acoustics of 27 places, for Microphone::SetFXEnvReverb() and
-/// Sound::SetFXEnvReverbListenerProperties(). They are plain data that the game may change, and a change is
-/// seen by whoever uses them afterwards. fxEnvReverbDefault is also what an environmental reverb of a sound
-/// definition starts with; it has the values of fxEnvReverbGeneric and is an object of its own.
+/// Presets of 27 rooms, for Microphone::SetFXEnvReverb() and Sound::SetFXEnvReverbListenerProperties(). They
+/// are plain data that the game may change; a change affects all later uses. fxEnvReverbDefault also provides
+/// the defaults of an environmental reverb in a sound definition. It is a separate object with the values of
+/// fxEnvReverbGeneric.
 HARMONET_API extern FXEnvReverb fxEnvReverbDefault;
 HARMONET_API extern FXEnvReverb fxEnvReverbGeneric;
 HARMONET_API extern FXEnvReverb fxEnvReverbPaddedCell;

@@ -18,25 +18,26 @@ class BlockReader;
 ///     }
 ///
 /// `BlockReader` describes the syntax. A keyword that is unknown in its block is ignored, and a missing one
-/// keeps its default. The order matters in one point: a value that cannot be read ends the reading, the
-/// settings read so far are kept, and a definition without a "*FILE" up to there does not load. No value is
-/// clamped or scaled, except that for variation and limits a number out of range is replaced by the default.
+/// keeps its default. A value that cannot be read ends reading: the settings read so far are kept, and a
+/// definition without a "*FILE" before that point does not load. docs/definitions.md lists the other cases in
+/// which the order matters. No value is clamped or scaled, except that for variation and limits a number out
+/// of range is replaced by the default.
 ///
 /// The database owns it and loads it. The keywords exist after `SoundSystem::Init` or
 /// `HarmonetStrings::Init`; before that every definition fails to load.
 class HARMONET_API SoundDefResource : public SoundResource
 {
 public:
-    /// With the defaults of all settings, not loaded. A ResourceDatabase makes these objects.
+    /// With the defaults of all settings, not loaded. A ResourceDatabase creates these objects.
     SoundDefResource(const PString& newName, const ResourceDatabase* database);
     ~SoundDefResource() override;
 
     using SoundResource::Load;
-    /// Does nothing and returns 6, since a definition is a text.
+    /// Does nothing and returns 6, because a definition is text.
     Result Load(const ResourceDatabase* database, char* path) const override;
     /// Reads the definition of that name below the folder of GetOwnerName(). Returns 0 on success. Returns 1
     /// if the file cannot be opened; the settings other than effects and line are then unchanged. Also
-    /// returns 1 if the file holds no definition, or the definition's file name was not read.
+    /// returns 1 if the file contains no definition, or if no "*FILE" was read.
     Result LoadTxt(const ResourceDatabase* database, char* path) const override;
 
     /// Reads the first definition of a text into the settings. Returns true if the last "*FILE" had a value.

@@ -17,12 +17,12 @@ class Sound;
 /// the sound and holds no sound data.
 ///
 /// This class represents a plain sound file with the default settings below; SoundDefResource reads them from
-/// a text. The database owns it. To read the settings, add a reference, lock, read, unlock and release; they
-/// are valid between lock and unlock. Cannot be copied.
+/// a text file. The database owns it. To read the settings, add a reference, lock, read, unlock and release;
+/// they are valid between lock and unlock. Cannot be copied.
 class HARMONET_API SoundResource : public Resource
 {
 public:
-    /// With the defaults of all settings, not loaded. A ResourceDatabase makes these objects.
+    /// With the defaults of all settings, not loaded. A ResourceDatabase creates these objects.
     SoundResource(const PString& newName, const ResourceDatabase* database);
     SoundResource(const SoundResource&) = delete;
     SoundResource& operator=(const SoundResource&) = delete;
@@ -93,7 +93,7 @@ protected:
     /// Frees the points of the line.
     void FreePolyline() const;
 
-    /// The settings, each as its getter says.
+    /// The settings; see the getters.
     mutable bool cutout : 1;
     mutable bool looping : 1;
     mutable bool chgFrequency : 1;

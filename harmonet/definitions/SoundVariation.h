@@ -26,9 +26,9 @@ enum class SoundStealing : std::uint8_t
 /// The variation between the starts of one definition.
 struct SoundVariation
 {
-    EngineVector<PString> variants; ///< Sound files besides SoundResource::GetFileName().
+    EngineVector<PString> variants; ///< Sound files in addition to SoundResource::GetFileName().
     VariantOrder order = VariantOrder::Random; ///< How the next one is chosen.
-    float minGainDb = 0.0F; ///< Minimum of what is added to the gain; the sum is at most a gain of 1.
+    float minGainDb = 0.0F; ///< Minimum of the decibels added to the gain. The result is at most a gain of 1.
     float maxGainDb = 0.0F; ///< Maximum of that.
     float minFrequencyFactor = 1.0F; ///< Minimum of the factor on the rate.
     float maxFrequencyFactor = 1.0F; ///< Maximum of that.

@@ -21,7 +21,7 @@ public:
     }
 
     /// Reads the values of that keyword. Sets `isRead` to false if one of them could not be read, which ends
-    /// the reading of the definition. Returns whether the keyword is one of these.
+    /// reading of the definition. Returns whether the keyword is one of these.
     bool Read(const PString& keyword, BlockReader& reader, bool& isRead);
 
 private:

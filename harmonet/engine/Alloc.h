@@ -67,17 +67,17 @@ template<class T>
 class EngineAllocator
 {
 public:
-    /// What the standard library asks of an allocator.
+    /// The members that the standard library requires of an allocator.
     using value_type = T;
 
-    /// All allocators are equal and hold nothing.
+    /// All allocators are equal and have no state.
     EngineAllocator() noexcept = default;
     template<class U>
     EngineAllocator(const EngineAllocator<U>&) noexcept
     {
     }
 
-    /// Room for `count` elements, not constructed. Throws std::bad_alloc.
+    /// Returns uninitialised memory for `count` elements. Throws std::bad_alloc.
     T* allocate(std::size_t count)
     {
         static_assert(alignof(T) <= alignof(std::max_align_t), "Alloc provides fundamental alignment only");
@@ -89,10 +89,10 @@ public:
         return static_cast<T*>(Alloc::New(static_cast<unsigned int>(count * elementBytes)));
     }
 
-    /// Takes back a block that allocate() gave.
+    /// Frees a block that allocate() returned.
     void deallocate(T* block, std::size_t) noexcept { Alloc::Delete(block); }
 
-    /// Always true: each can free what another has allocated.
+    /// Always true: each can free the blocks of any other.
     template<class U>
     bool operator==(const EngineAllocator<U>&) const noexcept
     {

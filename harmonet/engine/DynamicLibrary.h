@@ -26,12 +26,12 @@ public:
 
     /// Loads the library of that file name, after closing the current one.
     ///
-    /// A name without a folder is looked for in the host's driver folders, then in the folder `harmonet`
-    /// beside the engine library, then beside that library, and what cannot be loaded is skipped; if there is
-    /// no such file, the platform's loader looks by its own rules. A name with a folder is taken as it
-    /// stands. A file that is no library, or only the first part of one, is refused. False if nothing could
-    /// be loaded; then the object holds nothing. May block on the disk, and runs the code that the library
-    /// has for its start.
+    /// A name without a folder is searched for in the host's driver folders, then in the folder `harmonet`
+    /// next to the engine library, then in the engine library's own folder; files that cannot be loaded are
+    /// skipped. If there is no such file, the platform's loader searches by its own rules. A name with a
+    /// folder is used unchanged. A file that is not a library, or is truncated, is refused. Returns false if
+    /// nothing could be loaded; no library is open then. May block on the disk, and runs the library's
+    /// initialisation.
     virtual bool Open(const char* name);
 
     /// Unloads the library; does nothing if there is none. Its code, objects and texts must not be used

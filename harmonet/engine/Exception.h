@@ -13,8 +13,8 @@
 namespace Quon
 {
 
-/// What the engine throws. The place and the text are not copied: they must live as long as the exception, as
-/// literals do.
+/// The exceptions of the engine. File name and text are not copied and must outlive the exception; use
+/// literals.
 class HARMONET_ENGINE_API Exception : public std::exception
 {
 public:

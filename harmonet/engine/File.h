@@ -24,8 +24,8 @@ enum class FileSeek
 /// Identifies a version of a file without reading its content.
 struct FileStamp
 {
-    /// When it was last changed, its size in bytes, and a number of the file itself, which
-    /// is another one after the file has been replaced. 0 for what is not known.
+    /// The time of the last change, the size in bytes, and a number that identifies the file and differs
+    /// after the file has been replaced. 0 if unknown.
     std::int64_t modifiedNs = 0;
     std::uint64_t size = 0;
     std::uint64_t identity = 0;
@@ -64,7 +64,7 @@ public:
         NotReadable = 6,
         /// The file is empty.
         Empty = 7,
-        /// The file has 2 GiB or more.
+        /// The file is 2 GiB or larger.
         TooLarge = 8,
         /// The mode is not `modeRead`.
         BadMode = 9,

@@ -71,8 +71,8 @@ public:
 
     /// Adds the names of all files whose names begin with \p folder and a `/`, or of all files if it is
     /// empty, in any order. The names are relative to the root, in the form that Open() receives. Returns
-    /// File::NotFound for a folder that does not exist. The default returns File::NotListed: what is in the
-    /// source can then be opened by name, and not be asked for as a folder.
+    /// File::NotFound for a folder that does not exist. The default returns File::NotListed: files can then
+    /// be opened by name, but folders cannot be listed.
     virtual Result List(std::string_view folder, EngineVector<EngineString>& names);
 };
 

@@ -5,11 +5,11 @@
 namespace Quon
 {
 
-/// A 3 by 3 matrix, a plain record written row by row. Row i is where the matrix takes axis i: a vector
-/// stands to the left of the matrix.
+/// A 3 by 3 matrix, a plain record written row by row. Row i is the image of axis i: vectors are row vectors,
+/// to the left of the matrix.
 struct Matrix3
 {
-    /// Where the axes X, Y and Z are taken.
+    /// The images of the axes X, Y and Z.
     Vector3 rows[3];
 };
 

@@ -188,8 +188,8 @@ void Particle::MarkMoved() const
 
 void Particle::UpdateGlobal() const
 {
-    // From the highest stale node downwards, as each is only as good as the one above it. A tree that is
-    // deeper than the table is worked off in several rounds: neither the stack nor the heap pays for depth.
+    // From the highest stale node downwards, because each depends on its parent. A tree deeper than the table
+    // is processed in several rounds, which needs neither recursion nor allocation.
     constexpr std::size_t tableLength = 64;
     std::array<const Particle*, tableLength> chain;
     while (globalPositionStale) {
@@ -208,7 +208,8 @@ void Particle::UpdateGlobalPosition() const
 {
     if (parent != nullptr) {
         parent->UpdateGlobalOrientation();
-        // Most parents are not rotated. A position that is not finite is spread by the rotation all the same.
+        // Most parents are not rotated. A position that is not finite is rotated anyway, so that it
+        // propagates.
         const bool isTurned = parent->globallyTurned || !std::isfinite(LengthSquared(position));
         globalPosition =
             parent->globalPosition + (isTurned ? Rotate(parent->globalOrientation, position) : position);

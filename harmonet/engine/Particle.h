@@ -96,7 +96,8 @@ public:
     virtual void OnParentDestroyed();
 
 protected:
-    // What moving a node and asking where it is needs comes first, beside the link to the parent.
+    // The fields that are needed to move a node and to query its position come first, next to the link to the
+    // parent.
     /// In the parent's space.
     Vector3 position;
     /// The position in the world, valid while `globalPositionStale` is not set.
@@ -113,7 +114,7 @@ private:
 
 protected:
     /// The sphere around the node and all below it, its centre in the parent's space. Nodes are not drawn or
-    /// culled here: whoever needs the sphere computes it when the flag is set, and clears the flag.
+    /// culled here: code that needs the sphere computes it when the flag is set, and clears the flag.
     mutable Vector3 boundingCenter;
     /// Of the sphere, in world units.
     mutable float boundingRadius = 0.0F;

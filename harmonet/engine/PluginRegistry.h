@@ -17,7 +17,7 @@ public:
     /// The list of types.
     using Types = std::list<const PluginType*, EngineAllocator<const PluginType*>>;
 
-    /// The one registry, made at the first call.
+    /// The only registry, created at the first call.
     static PluginRegistry& Get();
 
     /// Adds a type and a reference to it. Called by PluginType's constructor.

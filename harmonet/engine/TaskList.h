@@ -17,7 +17,7 @@ class Task;
 class HARMONET_ENGINE_API TaskList
 {
 public:
-    /// The one list, made at the first call.
+    /// The only list, created at the first call.
     static TaskList& Get();
 
     /// Updates the active tasks in their order, each with the seconds since its last update.

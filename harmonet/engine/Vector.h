@@ -12,7 +12,7 @@ struct Vector2
 };
 
 /// A position or direction: a plain record of floats. No operation here checks for NaN or infinity; callers
-/// look at numbers where they enter.
+/// check numbers where they enter the system.
 struct Vector3
 {
     /// In world units; right-handed, Y up.

@@ -81,9 +81,9 @@ public:
     /// Reads all of the sound data into memory, releases the file and returns the data. If the file holds
     /// fewer bytes than it states, returns null, and the reader continues to read from the file.
     virtual unsigned char* Load();
-    /// A copy of all the sound data that the file holds, also where it states more, in a block from Alloc
-    /// that the caller owns; `bytes` is how many there are. Null if they cannot be read or are too large for
-    /// one block. For a reader on an open file, whose place it leaves alone.
+    /// Returns a copy of all the sound data that the file contains, even if it states more, in a block from
+    /// Alloc that the caller owns. Stores its size in `bytes`. Returns null if the data cannot be read or are
+    /// too large for one block. For a reader on an open file, whose position it does not change.
     unsigned char* CopyData(unsigned long& bytes) const;
 
 protected:
@@ -164,7 +164,7 @@ public:
     int GetPassEnd() const { return currentSample <= GetLoopEnd() ? GetLoopEnd() : soundSamples; }
     /// Begins the next pass of a loop.
     void RewindLoop();
-    /// Maps a position that counts on past the end of the loop to its position in the file.
+    /// Maps a position that is counted beyond the end of the loop to its position in the file.
     int WrapToLoop(std::int64_t position) const;
 
 protected:
@@ -189,9 +189,9 @@ protected:
     unsigned long CalcRemainLength(Snd_FileType type) const;
     unsigned long CalcCurrentLength(Snd_FileType type) const;
 
-    // What moving a virtual sound on reads comes first, together, right after the format.
-    /// The fields of a reader, each as its getter above says; `data` and `dataOffset` are where the sound
-    /// data begin, in memory and in the file.
+    // The fields that are read to advance a virtual sound come first, right after the format.
+    /// The fields of a reader; see the getters above. `data` and `dataOffset` are where the sound data begin,
+    /// in memory and in the file.
     Snd_FileType fileType = FileNone;
     int currentSample = 0;
     unsigned long size = 0;

@@ -11,17 +11,17 @@
 namespace Quon
 {
 
-/// Bytes in front of the samples of a RIFF/WAVE file of PCM.
+/// Bytes before the samples of a RIFF/WAVE file of PCM.
 inline constexpr std::size_t waveHeaderBytes = 44;
 
-/// The most bytes of samples that a header can state: its sizes have 32 bits, and one counts the rest of the
-/// header and the padding too.
+/// The maximum number of bytes of samples that a header can state: its sizes have 32 bits, and one of them
+/// includes the rest of the header and the padding.
 inline constexpr std::uint64_t maxWaveDataBytes = 0xFFFFFFFFU - waveHeaderBytes;
 
 /// Makes the header of a RIFF/WAVE file of PCM: `format` without its length, followed by `dataBytes` of
-/// samples, at most `maxWaveDataBytes`. An odd number of them has to be padded with a byte of 0.
+/// samples, at most `maxWaveDataBytes`. An odd number must be padded with a byte of 0.
 ///
-/// A pure function, for whoever writes such files: recordings, rendered output, sounds made by a program.
+/// A pure function, for code that writes such files: recordings, rendered output, generated sounds.
 inline std::array<unsigned char, waveHeaderBytes> MakeWaveHeader(
     const SoundFormat& format, std::uint64_t dataBytes)
 {

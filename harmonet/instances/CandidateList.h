@@ -16,8 +16,8 @@ class CandidateList
 public:
     void Add(const SndPolyline::SoundPoint& point);
 
-    /// Ends the adding. Afterwards TakeNearest() returns one after the other, those at equal distance in the
-    /// order in which they were added; null after the last.
+    /// Ends adding. Afterwards TakeNearest() returns the candidates one by one, those at equal distance in
+    /// the order in which they were added; null after the last.
     void Arrange();
     const SndPolyline::SoundPoint* TakeNearest();
 

@@ -19,8 +19,8 @@ class HARMONET_API Microphone : public Particle
 public:
     /// Constructs an inactive microphone.
     Microphone();
-    /// Copies the node and all fields, `active` included. The copy never becomes the sound system's listener
-    /// by that, whatever its IsActive() returns.
+    /// Copies the node and all fields, `active` included. Copying never makes the copy the sound system's
+    /// listener, whatever its IsActive() returns.
     Microphone(const Microphone& other) = default;
     Microphone& operator=(const Microphone& other) = default;
     /// If this microphone is active, the sound system continues without a listener.
@@ -45,7 +45,7 @@ public:
     void SetRolloffFactor(float factor);
     float GetRolloffFactor() const;
 
-    /// Sets the room: a record, its quality, and a number that is passed to the driver as it is. An active
+    /// Sets the room: a record, its quality, and a number that is passed to the driver unchanged. An active
     /// microphone sends the room to the driver at once and returns the driver's result; an inactive one
     /// stores it until it is activated and returns true. Without a running sound system it returns false and
     /// stores nothing.

@@ -47,7 +47,7 @@ public:
     /// Observers stay with the handle to which they were added, and are notified of the pieces that it
     /// starts.
     Music(const Music& other);
-    /// Steers the same piece as `other` from now on; the piece that it steered before plays on.
+    /// Controls the same piece as `other` from now on. The piece that it controlled before continues to play.
     Music& operator=(const Music& other);
     /// Calls Stop() and delivers its notifications, then calls the observers' OnMusicShutDown(). The handle
     /// cannot start pieces meanwhile.
@@ -117,7 +117,7 @@ private:
     friend class SndBase;
 
     SndBase* FindLive() const;
-    /// Throws when out of memory.
+    /// Throws std::bad_alloc if memory runs out.
     bool StartPiece(SndBase& instance, bool isNew, const PString& name, const ResourceDatabase* db,
         const Settings& settings);
     static void GiveWay(const SndBase& instance);

@@ -63,14 +63,14 @@ public:
 protected:
     ~ObserverSubject() = default;
 
-    /// Calls `tell` for each active observer, including observers added during the notification.
-    template<class Tell>
-    void Notify(Tell tell)
+    /// Calls `notify` for each active observer, including observers added during the notification.
+    template<class Call>
+    void Notify(Call notify)
     {
         ++notifyDepth;
         for (auto place = entries.GetBegin(); place.IsValid(); place.MoveOn()) {
             if (place->active) {
-                tell(*place->observer);
+                notify(*place->observer);
             }
         }
         if (--notifyDepth == 0) {

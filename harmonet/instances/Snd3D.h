@@ -60,7 +60,7 @@ public:
     /// Uses the node's velocity unless the sound is not movable. A sound along a line has no Doppler effect,
     /// since its sources jump.
     void UpdatePitch(SndChannel& channel, bool isNew) override;
-    /// Works out the place in the world, so that the next CalcDistSqr() has it.
+    /// Computes the position in the world for the next CalcDistSqr().
     void UpdatePlace();
 
     /// Sends the node's position to the channel, and its direction if the cone is in use, so that a plain

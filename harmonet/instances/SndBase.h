@@ -42,11 +42,11 @@ enum SndFlags : std::uint32_t
     FlagCompete = 0x00008000, ///< With FlagImmediately: competes at the next update if there is no channel.
     FlagPaused = 0x08000000, ///< Paused by the game itself, not by its group or PauseAll().
     FlagPolylineSource = 0x10000000, ///< A source of a sound along a line.
-    FlagInPause = 0x20000000, ///< Left out of everything until released.
+    FlagInPause = 0x20000000, ///< Excluded from all updates until released.
     FlagPlaying = 0x40000000 ///< Has started.
 };
 
-/// What a sound has at hand of its row in the kernel's table (SoundRow).
+/// The fields of the row in the kernel's table (SoundRow) that a sound accesses directly.
 struct SoundRowHead
 {
     std::uint32_t flags = 0; ///< SndFlags.
@@ -353,7 +353,7 @@ protected:
 private:
     friend class SndKernel;
 
-    /// Of a positional sound: asks its node where it is.
+    /// For a positional sound: gets the position of its node.
     static void UpdatePlace(SoundRow& row);
     bool AddEffect(SndFX effect, const void* record, unsigned long size, long quality);
     void NotifyEnd();

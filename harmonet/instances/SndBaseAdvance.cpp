@@ -115,7 +115,8 @@ void SndBase::ApplyLoopRegion(SndFile& file) const
 {
     if (!file.SetLoopRegion(loopStart, loopEnd)) {
         Report(MessageLevel::Error, "sound file '", fileName, "' loops as a whole: of its ",
-            file.GetSoundSamples(), " sample frames nothing is from ", loopStart, " to ", loopEnd);
+            file.GetSoundSamples(), " sample frames none are in the region from ", loopStart, " to ",
+            loopEnd);
     }
 }
 
@@ -164,7 +165,7 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
     return !hasRunOut;
 }
 
-// Of an emulated sound, if it can be done.
+// Starts counting for a virtual sound, if possible.
 void SndBase::StartCounting()
 {
     if (Row().HasMark(RowCounted) || !IsPlaying() || IsAudible() || !sndFile) {
@@ -204,7 +205,7 @@ void SndBase::CatchUpFile() const
 void SndBase::CountLoop(std::uint32_t samples)
 {
     SoundRow& row = Row();
-    // As a file is moved: a step of the whole length is none.
+    // Same as for a file: a step of the whole length has no effect.
     if (!sndFile->HasLoopRegion()) {
         samples %= static_cast<std::uint32_t>(countedSamples);
         if (row.CountSamples(samples)) {

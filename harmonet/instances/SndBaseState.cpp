@@ -61,7 +61,7 @@ const char* DescribeReason(SoundReason reason)
 {
     switch (reason) {
     case SoundReason::None:
-        return "nothing has been decided yet";
+        return "no decision has been made yet";
     case SoundReason::Won:
         return "it has a channel";
     case SoundReason::Protected:
@@ -71,7 +71,7 @@ const char* DescribeReason(SoundReason reason)
     case SoundReason::LostByDistance:
         return "all channels went to sounds that are nearer";
     case SoundReason::LostAsDuplicate:
-        return "like sounds are nearer";
+        return "duplicates of it are nearer";
     case SoundReason::BeyondReach:
         return "the listener is outside its audible range";
     case SoundReason::NoListener:
@@ -79,7 +79,7 @@ const char* DescribeReason(SoundReason reason)
     case SoundReason::Paused:
         return "it is paused";
     case SoundReason::Delayed:
-        return "its delay is not over";
+        return "its delay has not elapsed";
     case SoundReason::Settling:
         return "it has lost its channel, or has started, less than 200 ms ago";
     case SoundReason::TooShort:

@@ -39,14 +39,14 @@ public:
     struct Segment
     {
         Vector3 start; ///< In the world.
-        Vector3 direction; ///< Along the piece, of length 1.
+        Vector3 direction; ///< Along the segment, of length 1.
         float length; ///< World units, at least `shortest`.
     };
 
     /// A position for a source.
     struct SoundPoint
     {
-        Segment* segment; ///< The piece on which it lies.
+        Segment* segment; ///< The segment that contains it.
         Vector3 position; ///< In the world.
         float distance; ///< From the listener.
     };
@@ -85,7 +85,7 @@ public:
 
     /// Removes a source from the ids; later ones move up. An index out of range is ignored.
     void RemoveSnd(int index);
-    /// The sources that there are now, and the id of one.
+    /// The current number of sources, and the id of one.
     int GetNumSounds() const { return static_cast<int>(soundIDs.size()); }
     unsigned int GetSourceID(int index) const { return soundIDs[static_cast<std::size_t>(index)]; }
     /// Stores at most `maxPlaces` positions of sources that are not paused, the nearest first, and returns

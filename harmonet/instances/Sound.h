@@ -121,10 +121,10 @@ public:
     /// A non-positional sound.
     int Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay);
     int Play2DSound(void* data, unsigned long size, WaveFormatEx* format, int flags, int priority, int delay);
-    /// A positional sound. Hangs it below the node called `nodeName` in the scene below `parent`.
+    /// A positional sound, attached to the node named `nodeName` in the scene below `parent`.
     int Play3DSound(Particle* parent, const PString& nodeName, const PString& name,
         const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay);
-    /// The same at a place, with the identity as its orientation unless one is given.
+    /// The same at a position, with the identity as its orientation unless one is given.
     int Play3DSound(const Vector3& position, const Quaternion& orientation, const PString& name,
         const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay);
     int Play3DSound(const Vector3& position, const PString& name, const ResourceDatabase* db, int flags,
@@ -139,7 +139,7 @@ public:
     bool StartSound(int id, int flags);
     /// Ends the sound, notifies the observers and reports its blocks of memory.
     void StopSound(int id);
-    /// Ends the sound without notifying observers; the caller has its memory back at once.
+    /// Ends the sound without notifying observers. The caller may reuse its memory immediately.
     void DeleteSound(int id);
     /// Pauses a sound: time stops for it. A delay does not count down, fades do not progress, the sound
     /// neither ends nor continues with the next file of its queue, and its channel is free for others. An
@@ -147,10 +147,10 @@ public:
     /// A sound is paused while it, its group (Pause()) or everything (SoundSystem::PauseAll()) is paused;
     /// each of these is on or off and does not count calls.
     ///
-    /// A pause begins and ends in the next full update, so go on calling TaskList::Update(). A paused sound
-    /// can be changed like a virtual sound. StopSound() and the like end it, and FadeOutSound() ends it at
-    /// once, since it is not audible. A sound that is started while paused waits; a line does so without its
-    /// sources.
+    /// A pause begins and ends in the next full update, so keep calling TaskList::Update(). A paused sound
+    /// can be changed like a virtual sound. StopSound() and DeleteSound() end it, and FadeOutSound() ends it
+    /// at once, since it is not audible. A sound that is started while paused waits; a line does so without
+    /// its sources.
     void PauseSound(int id);
     void ResumeSound(int id);
     /// Whether the sound, its group or everything is paused.
@@ -216,8 +216,8 @@ public:
     /// For positional sounds, including those along a line; world units.
     void SetSoundMinMaxDistance(int id, float minDistance, float maxDistance, bool cutout);
 
-    /// These are for positional sounds that are not along a line. The place is in world units, in the space
-    /// of the node to which the sound is attached. The angles are in degrees, the gain is linear.
+    /// These are for positional sounds that are not along a line. The position is in world units, in the
+    /// space of the node to which the sound is attached. The angles are in degrees, the gain is linear.
     void SetSoundCone(int id, float inner, float outer, float coneGain);
     /// Factor on the sound's Doppler effect, in addition to SoundSystem::SetDopplerFactor(): clamped to
     /// 0.0..10.0; NaN is ignored. Initially 1.0; the getter returns 0.0 for any other sound.

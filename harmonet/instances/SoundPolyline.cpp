@@ -134,7 +134,7 @@ bool Sound::StartPolyline(SndPolyline& line)
     for (int i = 0; i < line.GetNumSounds(); ++i) {
         const int sourceID = static_cast<int>(line.GetSourceID(i));
         SndBase* source = FindSound(sourceID);
-        // It is already running if an earlier start has failed half-way.
+        // It is already running if an earlier start failed partway.
         if (!source || source->IsPlaying()) {
             continue;
         }

@@ -41,8 +41,8 @@ SndNode* Hold(SndNodeCache& cache, const PString& owner, const PString& fileName
         return cache.Hold(owner, fileName);
     }
     catch (const FileEx&) {
-        Report(MessageLevel::Error, "sound file '", fileName, "' of owner '", owner,
-            "' does not tell its length");
+        Report(
+            MessageLevel::Error, "sound file '", fileName, "' of owner '", owner, "' has an unknown length");
         return nullptr;
     }
 }

@@ -65,7 +65,7 @@ public:
 
     /// Starts the output, from the file's current position.
     virtual void Play() = 0;
-    /// Keeps its place in the table of operations; the library never calls it.
+    /// Reserved for the layout of the virtual table; the library never calls it.
     virtual void Spare1() = 0;
     /// Ends the output at once. The channel returns to the driver, which must not access the file any more.
     virtual void Stop() = 0;
@@ -75,7 +75,7 @@ public:
     virtual void FadeOut(int ms) = 0;
     /// Milliseconds left of the file currently playing, without the files queued after it.
     virtual unsigned long GetRemainLength() = 0;
-    /// Keeps its place in the table of operations; the library never calls it.
+    /// Reserved for the layout of the virtual table; the library never calls it.
     virtual void Spare2() = 0;
     /// Linear factor from 0.0 to 1.0. A new channel starts at 1.0; the call is omitted if that is the gain.
     virtual void SetGain(float gain) = 0;
@@ -85,7 +85,7 @@ public:
     /// beyond `maxDistance`, or silence there if `cutout` is set. 0 and 0 without cutout mean that no range
     /// was set, and the driver chooses one.
     virtual void SetMinMaxDistance(float minDistance, float maxDistance, bool cutout) = 0;
-    /// Keeps its place in the table of operations; the library never calls it.
+    /// Reserved for the layout of the virtual table; the library never calls it.
     virtual void Spare3() = 0;
     /// Full angles in degrees; `outerGain` is the linear factor outside the outer cone. Angles and gain of 0
     /// mean that no cone was set; the sound is omnidirectional.
@@ -140,7 +140,7 @@ public:
     virtual void SetPitch(float factor);
 
 protected:
-    /// As the getters say.
+    /// See the getters.
     int type = 0;
     SndFile* sndFile = nullptr;
     CriticalSection chanLock;

@@ -92,7 +92,7 @@ public:
     virtual void SetListenerPosition(const Vector3& position) = 0;
     /// The listener's front and up directions: two unit vectors.
     virtual void SetListenerOrientation(const Vector3& front, const Vector3& top) = 0;
-    /// Keeps its place in the table of operations; the library never calls it.
+    /// Reserved for the layout of the virtual table; the library never calls it.
     virtual void Spare1() = 0;
     /// How fast gain falls with distance; 1.0 is the natural law, 0.0 disables the attenuation.
     virtual void SetRolloffFactor(float factor) = 0;

@@ -26,7 +26,7 @@ public:
     int GetSoundSamples() const { return soundSamples; }
 
 protected:
-    /// As the getters say.
+    /// See the getters.
     int bytesPerSample = 0;
     int sampleFrequency = 0;
     int channels = 0;

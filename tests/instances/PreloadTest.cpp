@@ -172,7 +172,7 @@ TEST_F(Preload, LoadsTheRestAndTellsWhatItCouldNot)
     EXPECT_EQ(log.Take(), "E folder '../level' is outside its root\n");
     source->statedSize = -1;
     EXPECT_FALSE(level.Add("other.wav", nullptr));
-    EXPECT_EQ(log.Take(), "E sound file 'other.wav' of owner '' does not tell its length\n");
+    EXPECT_EQ(log.Take(), "E sound file 'other.wav' of owner '' has an unknown length\n");
     source->statedSize = 0;
     source->isListed = false;
     EXPECT_FALSE(level.AddFolder("level", &database));

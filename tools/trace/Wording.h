@@ -14,7 +14,7 @@ std::string NameOf(const Quon::SoundState& state);
 const char* DescribeKind(Quon::SoundKind kind);
 /// For example "heard" or "virtual".
 const char* NameOfPhase(const Quon::SoundState& state);
-/// Returns the phase and the reason, for example "virtual: like sounds are nearer".
+/// Returns the phase and the reason, for example "virtual: duplicates of it are nearer".
 std::string DescribeState(const Quon::SoundState& state);
 
 /// Returns why a sound ended early; null if it reached its end or was stopped.
