@@ -1,7 +1,7 @@
-"""Draws the time of a full update by the number of sounds, ours beside the plain form, and prints it as a table.
+"""Plots the time of a full update against the number of sounds, with the naive form, and prints a table.
 
-Usage: plot_full_update.py RESULT.json PICTURE. The first is what run_benchmarks.py writes; the picture's ending
-says what kind it is.
+Usage: plot_full_update.py RESULT.json PICTURE. RESULT.json is written by run_benchmarks.py; the extension of PICTURE
+selects its format.
 """
 import json
 import sys
@@ -19,7 +19,7 @@ SERIES = [("us_per_update", "Harmonet", "o-"), ("naive_us_per_update", "plain fo
 
 
 def read(result):
-    """The counters by kind and number of sounds."""
+    """Returns the counters by kind and number of sounds."""
     table = defaultdict(dict)
     for benchmark in json.loads(Path(result).read_text())["benchmarks"]:
         words = benchmark["name"].split("/")

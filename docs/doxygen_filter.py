@@ -1,8 +1,8 @@
-"""Doxygen's input filter: prints one header so that Doxygen reads comments as the headers mean them.
+"""Doxygen's input filter: prints one header in a form in which Doxygen reads the comments as intended.
 
 A comment describes all declarations that follow it without a blank line in between, so the filter repeats its first
-paragraph before each of them. Members that are `= default` or `= delete` need no comment; the filter leaves them out.
-Line numbers stay the same, so that Doxygen's warnings name the right line.
+paragraph before each of them. Members that are `= default` or `= delete` need no comment; the filter omits them. Line
+numbers do not change, so that the warnings of Doxygen name the right line.
 """
 import re
 import sys
@@ -23,9 +23,9 @@ def first_paragraph(comment):
 
 class Filter:
     def __init__(self):
-        self.comment = []        # The run's comment, line by line.
-        self.is_own = False      # Whether the comment stands directly above.
-        self.statement = ""      # What has been read of a declaration that is not complete.
+        self.comment = []        # The comment of the current declarations, line by line.
+        self.is_own = False      # Whether the comment is directly above.
+        self.statement = ""      # The part of an incomplete declaration read so far.
         self.depth = 0           # Of braces within that declaration: a body.
 
     def end_run(self):
@@ -60,7 +60,7 @@ class Filter:
         self.statement += bare + " "
         if OPENS_SCOPE.match(self.statement.strip()) and "(" not in self.statement.split("{")[0].replace("alignas(", ""):
             if bare.endswith("{") or not bare.endswith((";", "}")):
-                # The members, from the brace on, are declarations of their own.
+                # The members, from the brace on, are separate declarations.
                 self.statement = ""
                 self.end_run()
                 return line

@@ -1,6 +1,6 @@
-"""Runs all benchmark programs of a folder and puts their results into one JSON file.
+"""Runs all benchmark programs in a folder and writes their results to one JSON file.
 
-Usage: run_benchmarks.py FOLDER RESULT.json FILTER. The filter is Google Benchmark's: a regular expression.
+Usage: run_benchmarks.py FOLDER RESULT.json FILTER. The filter is a regular expression of Google Benchmark.
 """
 import json
 import subprocess

@@ -1,4 +1,4 @@
-"""Draws the spectrograms of sounds on one sheet with axes: plot_spectrograms.py FOLDER OUT.png NAME..."""
+"""Plots the spectrograms of sounds in one picture: plot_spectrograms.py FOLDER OUT.png NAME..."""
 import sys
 import wave
 

@@ -12,7 +12,7 @@ namespace
 
 constexpr std::int64_t smallestTooLarge = std::int64_t{1} << 31;
 
-Result JudgeSize(std::int64_t size)
+Result CheckSize(std::int64_t size)
 {
     if (size == 0) {
         return File::Empty;
@@ -34,26 +34,26 @@ Result SourceFile::Open(
         return File::SystemError;
     }
     const std::int64_t size = stream->GetSize();
-    const Result judged = JudgeSize(size);
-    if (judged.IsOk()) {
+    const Result sizeResult = CheckSize(size);
+    if (sizeResult.IsOk()) {
         file.reset(new SourceFile(source, std::move(stream), size));
     }
-    return judged;
+    return sizeResult;
 }
 
 Result SourceFile::GetStamp(FileSource& source, std::string_view name, FileStamp& stamp)
 {
     FileStamp found;
-    const Result told = source.GetStamp(name, found);
-    if (!told.IsOk()) {
-        return told;
+    const Result result = source.GetStamp(name, found);
+    if (!result.IsOk()) {
+        return result;
     }
     constexpr auto maximum = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-    const Result judged = JudgeSize(static_cast<std::int64_t>(std::min(found.size, maximum)));
-    if (judged.IsOk()) {
+    const Result sizeResult = CheckSize(static_cast<std::int64_t>(std::min(found.size, maximum)));
+    if (sizeResult.IsOk()) {
         stamp = found;
     }
-    return judged;
+    return sizeResult;
 }
 
 SourceFile::SourceFile(

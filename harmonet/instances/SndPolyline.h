@@ -8,10 +8,10 @@ namespace Quon
 
 class CandidateList;
 
-/// The number of sources of a line beside the first, and their minimum angle in degrees.
+/// The number of additional sources of a line, and their minimum angle in degrees.
 struct SourceLimits
 {
-    unsigned int numAddSounds; ///< Sources beside the first.
+    unsigned int numAddSounds; ///< Sources in addition to the first.
     float minAngle; ///< Degrees.
 };
 

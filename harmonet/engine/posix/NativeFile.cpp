@@ -17,7 +17,7 @@ constexpr off_t smallestTooLarge = off_t{1} << 31;
 /// The maximum that every platform can read in one call.
 constexpr std::size_t longestRead = std::size_t{1} << 30;
 
-Result Judge(const struct stat& status)
+Result CheckStatus(const struct stat& status)
 {
     if (!S_ISREG(status.st_mode)) {
         return File::NotAFile;
@@ -38,7 +38,7 @@ Result ResultOfOpenError()
 /// Examines the file without opening it: opening a pipe or a device could block forever.
 Result Examine(const EngineString& path, struct stat& status)
 {
-    return stat(path.c_str(), &status) == 0 ? Judge(status) : ResultOfOpenError();
+    return stat(path.c_str(), &status) == 0 ? CheckStatus(status) : ResultOfOpenError();
 }
 
 std::uint64_t MixedIdentity(const struct stat& status)
@@ -78,14 +78,14 @@ Result Open(const EngineString& path, Handle& handle)
     if (descriptor < 0) {
         return ResultOfOpenError();
     }
-    const Result judged = fstat(descriptor, &status) == 0 ? Judge(status) : Result(File::SystemError);
-    if (judged.IsOk()) {
+    const Result checked = fstat(descriptor, &status) == 0 ? CheckStatus(status) : Result(File::SystemError);
+    if (checked.IsOk()) {
         handle = descriptor;
     }
     else {
         close(descriptor);
     }
-    return judged;
+    return checked;
 }
 
 std::int64_t Seek(Handle handle, std::int64_t offset, FileSeek origin)

@@ -1,4 +1,4 @@
-// Written by tables/generate_tables.py from the CSV files beside it. To change a number, change the CSV file
+// Written by tables/generate_tables.py from the CSV files next to it. To change a number, change the CSV file
 // and run the script again.
 // clang-format off
 

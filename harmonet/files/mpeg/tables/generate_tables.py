@@ -18,7 +18,7 @@ def rows(name):
 
 
 def wrapped(items, width=104):
-    """The items as comma-separated lines of at most `width` columns."""
+    """Returns the items as comma-separated lines of at most `width` columns."""
     lines, line = [], ""
     for item in items:
         if line and len(line) + 2 + len(item) > width:
@@ -34,7 +34,7 @@ def table_index(name):
 
 
 def huffman_codes():
-    """All codes, table by table, and for each of the 34 tables its first code and their number."""
+    """Returns all codes, table by table, and the first code and the number of codes of each of the 34 tables."""
     codes, ranges = [], {}
     for row in rows("huffman"):
         table = table_index(row["table"])
@@ -45,7 +45,7 @@ def huffman_codes():
             second = 0
         assert len(row["code"]) == int(row["length"])
         start, count = ranges.get(table, (len(codes), 0))
-        assert start + count == len(codes), "the codes of a table stand together"
+        assert start + count == len(codes), "the codes of a table are contiguous"
         ranges[table] = (start, count + 1)
         codes.append("{%d, %d, %s, 0x%x}" % (first, second, row["length"], int(row["code"], 2)))
     return codes, ranges
@@ -109,7 +109,7 @@ def main():
     lengths = rows("scalefac_lengths")
     bitrates = [{"mpeg1_kbps": "0", "mpeg2_kbps": "0"}] + rows("bitrates")
     pretab = ", ".join(row["pretab"] for row in rows("pretab"))
-    text = f"""// Written by tables/generate_tables.py from the CSV files beside it. To change a number, change the CSV file
+    text = f"""// Written by tables/generate_tables.py from the CSV files next to it. To change a number, change the CSV file
 // and run the script again.
 // clang-format off
 
