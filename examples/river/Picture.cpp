@@ -111,8 +111,7 @@ std::string Draw(const std::vector<Quon::Vector3>& river, const std::vector<Step
     }
     svg.Add(
         "<text x=\"20\" y=\"%d\" fill=\"#444444\">A listener walks from 1 to %d. At each step the river is "
-        "heard from the points of the same colour: the nearest, filled, at full gain; the others, hollow, at "
-        "half "
+        "heard from the points of its colour: the nearest (filled) at full gain, the others (hollow) at half "
         "gain.</text>\n",
         height - 16, static_cast<int>(steps.size()));
     return svg.Finish();
