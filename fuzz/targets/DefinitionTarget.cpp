@@ -79,10 +79,10 @@ private:
     std::size_t length = 0;
 };
 
-/// What holds for any definition, loaded or not.
+/// Checks what must hold for any definition, loaded or not.
 void CheckSettings(const SoundResource& sound)
 {
-    Require(sound.GetNumPoints() == 0 || sound.GetNumPoints() >= 2, "a line has two points");
+    Require(sound.GetNumPoints() == 0 || sound.GetNumPoints() >= 2, "a line has at least two points");
     Require((sound.GetNumPoints() == 0) == (sound.GetPolyline() == nullptr), "no points, no line");
     for (int i = 0; i < sound.GetNumPoints(); ++i) {
         const Vector3& point = sound.GetPolyline()[i];
