@@ -25,7 +25,7 @@ fs::path Canonical(const std::string& shown)
     std::error_code error;
     fs::path path = fs::canonical(ToPath(shown), error);
     if (error) {
-        throw ToolError("cannot reach '" + shown + "': " + error.message(), ExitCode::NoInput);
+        throw ToolError("cannot access '" + shown + "': " + error.message(), ExitCode::NoInput);
     }
     return path;
 }

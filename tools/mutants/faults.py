@@ -1,4 +1,4 @@
-"""The faults that can be planted in one line of C++."""
+"""Generates the faults that can be inserted into one line of C++."""
 
 import re
 
@@ -12,14 +12,14 @@ SWAPS = {
 SWAP = re.compile("|".join(rf"\b{text}\b" if text[0].isalpha() else re.escape(text) for text in SWAPS))
 NUMBER = re.compile(r"(?<![\w.])\d+(?:\.\d+)?(?=f?\b)(?!\.)")
 
-# A whole statement: an assignment to something that exists, or a call whose result is not used.
+# A complete statement: an assignment to an existing object, or a call whose result is not used.
 ASSIGNMENT = re.compile(r"\*?[a-z][\w.\[\]]*(?:(?:->|\.|::)\w[\w\[\]]*)*(?:\(\))? [-+*/|&]?= .*;")
 CALL = re.compile(r"(?!return\b|throw\b|delete\b)[A-Za-z]\w*(?:<[\w: ]+>)?(?:(?:->|\.|::)~?\w+|\[\w+\]|\(\))*\(.*\);")
 STEP = re.compile(r"(?:\+\+|--)[\w.>\[\]-]+;|break;|continue;|return;")
 CONDITION = re.compile(r"((?:\} else )?if |while )\((?!.*;)(.*)\) ?(\{?)")
 RESULT = re.compile(r"return (?!true;|false;|\{\};|nullptr;|0;|\*this;)(.*);")
 
-# Messages, and what the compiler or the tests' own tools decide.
+# Messages, and code whose effect is visible only to the compiler or the test tools.
 SKIPPED = re.compile(
     r"#|//|/\*|\*|static_assert|assert\(|using |namespace |template|friend |public:|private:|protected:|case |"
     r".*\b(?:Report\w*|Write|Explain\w*|Print\w*|Describe\w*|Warn\w*|Note|ToolError)\(|.*MessageLevel|.*operator|.*HARMONET_")
@@ -28,7 +28,7 @@ DATA = re.compile(r"[\s{}\d.,;eEfFuUlLxX+-]*")
 
 
 def blank_texts(line):
-    """The line with the content of strings, characters and comments replaced, at the same positions."""
+    """Returns the line with strings, characters and comments blanked out; positions do not change."""
     hidden = re.sub(r'"(?:\\.|[^"\\])*"|\'(?:\\.|[^\'\\])*\'', lambda match: "_" * len(match.group()), line)
     comment = hidden.find("//")
     return hidden if comment < 0 else hidden[:comment].rstrip()
@@ -44,7 +44,7 @@ def is_balanced(text):
 
 
 def of_text(text):
-    """Each line that can be mutated, without its indentation, and the lines that a fault can make of it."""
+    """Yields each line that can be mutated, without its indentation, and its mutations."""
     raw_end = None
     for line in map(str.strip, text.splitlines()):
         if raw_end is None:

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
-"""Measures the tests: plants one small fault at a time in a copy of the sources and runs the tests on it.
+"""Mutation testing: inserts one small fault at a time into a copy of the sources and runs the tests on it.
 
-A random sample of such mutants is judged. The share that the tests find says more about them than the lines that they
-reach. The copy and its build are in build/mutants/; the working tree is only read.
+Tests a random sample of such mutants. The share that the tests detect says more about their quality than line coverage.
+The copy and its build are in build/mutants/; the working tree is only read.
 """
 
 import argparse
@@ -29,19 +29,19 @@ COPY = WORK / "tree"
 BUILD = WORK / "build"
 ROOMS = ("harmonet/", "drivers/", "tools/")
 
-# A test that takes longer is left out: what it alone finds is not worth its time here.
+# Slower tests are left out: the faults that only they detect are not worth the time.
 SLOWEST_TEST_SECONDS = 5.0
-# A header that more object files include is left out: to build it anew takes minutes.
+# Headers that more object files include are left out, because rebuilding takes minutes.
 WIDEST_HEADER = 12
-# A mutant that allocates or writes without end must not take the machine with it. Loops end by the processor's time,
-# which other work on the machine does not use up; only what waits for ever ends by the clock.
+# Limits for mutants that allocate or write without end. Infinite loops are ended by processor time, which does not depend on
+# other load on the machine; only a mutant that waits forever is ended by elapsed time.
 MEMORY_LIMIT = 6 << 30
 FILE_SIZE_LIMIT = 4 << 30
 WAIT_LIMIT_SECONDS = 180
 
 
 def room_of(path):
-    """harmonet/files/mpeg, drivers/openal, drivers/openal/effects, tools/harmonet and so on."""
+    """Returns the room of a file, such as harmonet/files/mpeg or drivers/openal."""
     parts = path.split("/")[:-1]
     if parts[0] == "tools":
         return "tools"
@@ -51,7 +51,7 @@ def room_of(path):
 # --- The copy and its build -----------------------------------------------------------------------------------
 
 def copy_sources(revision):
-    """Brings the copy up to date; files that are the same keep their time, so that they are not built again."""
+    """Updates the copy. Unchanged files keep their time stamps, so that they are not rebuilt."""
     with tempfile.TemporaryDirectory() as folder:
         if revision:
             archive = subprocess.run(["git", "archive", revision], cwd=TREE, check=True, stdout=subprocess.PIPE).stdout
@@ -76,7 +76,7 @@ def copy_sources(revision):
 
 def configure():
     launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
-    # Assertions are on, as in ./dev test. Warnings are off: a mutant may well have an unused variable.
+    # Assertions are enabled, as in ./dev test. Warnings are disabled, because a mutant may have an unused variable.
     subprocess.run(["cmake", "-S", COPY, "-B", BUILD, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS=-w",
                     "-DCMAKE_CXX_FLAGS_DEBUG=-O1", "-DHARMONET_BUILD_BENCH=OFF", "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON",
                     "-DCMAKE_EXPORT_COMPILE_COMMANDS=ON", *launcher], check=True, stdout=subprocess.DEVNULL)
@@ -87,7 +87,7 @@ def build(jobs):
 
 
 def outputs():
-    """What the programs of the tests consist of: the content of each program and library, by its path."""
+    """Returns a hash of each program and library of the tests, by path."""
     found = {}
     for folder in ("bin", "test-drivers"):
         for path in (BUILD / folder).iterdir():
@@ -99,7 +99,7 @@ def outputs():
 # --- The tests ------------------------------------------------------------------------------------------------
 
 class Program:
-    """One program of the tests, or one of CTest's tests that is none of GoogleTest's."""
+    """A test program, or a CTest test that does not use GoogleTest."""
 
     def __init__(self, name, command, executables):
         self.name = name
@@ -109,7 +109,7 @@ class Program:
         self.left_out = []
 
     def run(self, report=None, only=None):
-        """The exit code, or None if the time was up, and the output."""
+        """Runs the program. Returns the exit code, or None on timeout, and the output."""
         environment = dict(os.environ, GTEST_FAIL_FAST="1", GTEST_BRIEF="1")
         seconds = 20 + 10 * self.seconds if self.seconds else 600
         if only or self.left_out:
@@ -129,7 +129,7 @@ class Program:
             return None, ""
 
     def uses(self, changed):
-        """Whether a change of these outputs can matter: one of its own programs, or any shared library."""
+        """Returns whether a change of these outputs can affect the program: its own executables, or a shared library."""
         return any(path in self.executables or ".so" in path for path in changed)
 
 
@@ -158,8 +158,8 @@ def find_programs():
 
 
 def processor_seconds(program, only=None):
-    """The exit code of a run without a mutant and the processor's time that it took, which other work on the machine
-    does not change."""
+    """Runs without a mutant. Returns the exit code and the processor time, which does not depend on other load on the
+    machine."""
     before = resource.getrusage(resource.RUSAGE_CHILDREN)
     code = program.run(only=only)[0]
     after = resource.getrusage(resource.RUSAGE_CHILDREN)
@@ -167,7 +167,7 @@ def processor_seconds(program, only=None):
 
 
 def tests_by_time(program):
-    """The seconds by the clock that each test of a program of GoogleTest's takes; infinity for one that fails."""
+    """Returns the elapsed seconds of each test of a GoogleTest program; infinity for a test that fails."""
     report = WORK / "report.json"
     report.unlink(missing_ok=True)
     program.run(report)
@@ -180,7 +180,7 @@ def tests_by_time(program):
 
 
 def prepare(programs):
-    """Leaves out tests that are slow or fail without a mutant; returns the programs that remain."""
+    """Excludes tests that are slow or fail without a mutant. Returns the remaining programs."""
     ready = []
     for program in programs:
         for test, seconds in tests_by_time(program).items():
@@ -198,14 +198,14 @@ def prepare(programs):
 
 
 class Judge:
-    """Runs the programs on one mutant after another, those first that have found most in the mutant's room."""
+    """Runs the programs on one mutant after another, beginning with those that detected the most in the mutant's room."""
 
     def __init__(self, programs):
         self.programs = programs
         self.finds = collections.Counter()
 
     def judge(self, room, changed):
-        """('killed' or 'timed out' or 'survived', what found it)"""
+        """Returns 'killed', 'timed out' or 'survived', and the test that detected the mutant."""
         affected = [program for program in self.programs if program.uses(changed)]
         affected.sort(key=lambda program: (-self.finds[room, program.name], program.seconds))
         for program in affected:
@@ -220,19 +220,19 @@ class Judge:
 # --- The mutants ----------------------------------------------------------------------------------------------
 
 Mutant = collections.namedtuple("Mutant", "path nth before after")
-"""The nth line of the file that reads `before`, without its indentation, reads `after`. A line is identified by its text,
-so that the same mutant is found again when lines move."""
+"""Replaces the nth line with the text `before`, without its indentation, by `after`. A line is identified by its text, so
+that the same mutant is found again after lines have moved."""
 
 
 def included_by():
-    """How many object files include each header."""
+    """Returns how many object files include each header."""
     listed = subprocess.run(["ninja", "-C", BUILD, "-t", "deps"], check=True, capture_output=True, text=True).stdout
     paths = (line.strip() for line in listed.splitlines() if line.startswith("    "))
     return collections.Counter(os.path.relpath(os.path.join(BUILD, path), COPY) for path in paths)
 
 
 def candidates():
-    """The files that are built on this machine and take a short time to build."""
+    """Yields the files that are built on this machine and are quick to build."""
     compiled = {os.path.relpath(unit["file"], COPY) for unit in json.loads((BUILD / "compile_commands.json").read_text())}
     counts = included_by()
     for path in sorted(str(path.relative_to(COPY)) for path in COPY.rglob("*")):
@@ -242,7 +242,7 @@ def candidates():
 
 
 def sample(count, seed):
-    """As many mutants in a random order: each line that can be mutated is as likely as any other."""
+    """Returns mutants in random order. All lines that can be mutated are equally likely."""
     lines = []
     for path in candidates():
         seen = collections.Counter()
@@ -255,7 +255,7 @@ def sample(count, seed):
 
 
 def plant(mutant):
-    """The text of the file with the mutant in it, or None if it has no such line any more."""
+    """Returns the text of the file with the mutant, or None if the line no longer exists."""
     path = COPY / mutant.path
     lines = path.read_text().split("\n") if path.exists() else []
     found = [number for number, line in enumerate(lines) if line.strip() == mutant.before]
@@ -274,7 +274,7 @@ def read_list(path):
 # --- The run --------------------------------------------------------------------------------------------------
 
 def run(mutants, enough, jobs, result):
-    """Judges the mutants one by one until enough have counted; yields them with their outcomes."""
+    """Tests the mutants one by one until enough have counted. Yields them with their outcomes."""
     plain = outputs()
     judge = Judge(prepare(find_programs()))
     counted = 0
@@ -321,18 +321,18 @@ def summary(judged):
         total = found + rooms[name]["survived"]
         print(f"| {name} | {total} | {found} | {total - found} | {100 * found / total if total else 0:.0f} % |")
     every = rooms["all"]
-    print(f"\nOf those found, {every['timed out']} made a test run without end. Not counted: {every['did not build']} did "
+    print(f"\nOf those found, {every['timed out']} caused a timeout. Not counted: {every['did not build']} did "
           f"not compile, {every['no difference']} compiled to the same code, {every['gone']} are gone.")
 
 
 def main():
     arguments = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     arguments.add_argument("count", nargs="?", type=int, default=150, help="mutants that count (default: 150)")
-    arguments.add_argument("seed", nargs="?", type=int, default=1, help="chooses the sample (default: 1)")
-    arguments.add_argument("--list", metavar="FILE", help="judges the mutants of this result of an earlier run")
-    arguments.add_argument("--revision", metavar="REV", help="takes sources and tests from this commit")
+    arguments.add_argument("seed", nargs="?", type=int, default=1, help="seed of the sample (default: 1)")
+    arguments.add_argument("--list", metavar="FILE", help="test the mutants in the result of an earlier run")
+    arguments.add_argument("--revision", metavar="REV", help="use the sources and tests of this commit")
     arguments.add_argument("--result", metavar="FILE", default=WORK / "result.tsv", help="default: build/mutants/result.tsv")
-    arguments.add_argument("--jobs", type=int, default=os.cpu_count(), help="compile jobs at a time")
+    arguments.add_argument("--jobs", type=int, default=os.cpu_count(), help="number of parallel compile jobs")
     options = arguments.parse_args()
 
     os.nice(10)
@@ -342,7 +342,7 @@ def main():
     configure()
     if not build(options.jobs):
         sys.exit("mutants: the tree does not build")
-    # Some mutants do not count, so the sample is larger than what is asked for.
+    # Some mutants do not count, so the sample is larger than requested.
     mutants = earlier or sample(2 * options.count, options.seed)
     with open(options.result, "w") as result:
         result.write("# path, occurrence of the line in it, line, line with the fault, outcome, found by\n")
