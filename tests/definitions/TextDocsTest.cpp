@@ -86,11 +86,11 @@ protected:
 
 TEST_F(TextDocs, ExamplesLoadAsDocumented)
 {
-    EXPECT_EQ(Load(GetExample("## A definition from top to bottom")),
+    EXPECT_EQ(Load(GetExample("## Example")),
         "0: engine_loop.wav, looping 1, gain 0.8, delay 250, min 5, max 120, cutout 0, inner 60, outer 120, "
         "conegain 0.25, echo(30 40 250 310 0)");
     Forget();
-    EXPECT_EQ(LoadBlock(GetExample("### A sound along a line")),
+    EXPECT_EQ(LoadBlock(GetExample("### Sounds along a line")),
         "0: a.wav, line(3 60: -110 0 -20 -92 0 -6 -75 0 12)");
     EXPECT_EQ(LoadBlock(GetExample("### Variation and limits")),
         "0: a.wav, or step2.wav step3.wav, dB -4 to 0, rate 0.92 to 1.08, instances 3 quietest, interval "
@@ -101,7 +101,7 @@ TEST_F(TextDocs, ExamplesLoadAsDocumented)
 // what it holds is what the prefix says.
 TEST_F(TextDocs, EveryTruncationOfAnExampleLoadsOnceTheFileIsNamed)
 {
-    const std::string text = GetExample("## A definition from top to bottom");
+    const std::string text = GetExample("## Example");
     const std::string name = "engine_loop.wav";
     const std::size_t nameAt = text.find(name);
     for (std::size_t kept = 1; kept <= text.size(); ++kept) {
@@ -120,7 +120,7 @@ TEST_F(TextDocs, EveryTruncationOfAnExampleLoadsOnceTheFileIsNamed)
 TEST_F(TextDocs, DefaultSettingsMatchTheLibrary)
 {
     int count = 0;
-    for (const char* heading : {"## The sound", "### A sound with a place", "### Variation and limits"}) {
+    for (const char* heading : {"## The sound", "### Positional sounds", "### Variation and limits"}) {
         for (const Lines& row : GetRows(heading)) {
             if (row[0] == "*FILE" || row[0] == "*VARIANT") {
                 continue;
