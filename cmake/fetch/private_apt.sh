@@ -8,7 +8,7 @@ begin_apt() {
 }
 
 private_apt() {
-    timeout 300 apt-get -q -o "Dir::Etc::SourceParts=$apt_folder/sources" -o Dir::Etc::SourceList=/dev/null \
+    timeout 180 apt-get -q -o "Dir::Etc::SourceParts=$apt_folder/sources" -o Dir::Etc::SourceList=/dev/null \
         -o "Dir::State::Lists=$apt_folder/lists" -o "Dir::Cache=$apt_folder/cache" -o APT::Sandbox::User= \
         -o Acquire::Languages=none -o Acquire::Retries=3 -o Acquire::http::Timeout=30 "$@"
 }

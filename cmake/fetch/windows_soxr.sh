@@ -18,7 +18,7 @@ done
 cd "$apt_folder"
 private_apt update || true
 private_apt source --download-only --only-source libsoxr
-archive=$(ls libsoxr_*.orig.tar.*)
+archive=$(ls libsoxr_*.orig.tar.[gx]z)
 cmake -E tar xf "$archive"
 mv soxr-*/ source
 
