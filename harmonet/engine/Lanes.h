@@ -1,9 +1,9 @@
 #pragma once
 
 /// The compiler-dependent parts of vectorised code: the vector types, their operations that are not
-/// operators, and forced inlining. No other file of the library uses extensions for these. A compiler without
-/// vector types uses `PlainLanes` instead, with the same operators; so does any compiler with
-/// HARMONET_PLAIN_LANES defined.
+/// operators, and forced inlining. No other file of the library uses extensions for these, except the kernels
+/// for AVX2, which are built only with a compiler that has them. A compiler without vector types uses
+/// `PlainLanes` instead, with the same operators; so does any compiler with HARMONET_PLAIN_LANES defined.
 
 #include <cstddef>
 

@@ -4,16 +4,23 @@
 namespace Quon
 {
 
+#if defined(HARMONET_MPEG_AVX2)
+
 const DecoderKernels* Avx2Kernels()
 {
-#if defined(HARMONET_MPEG_AVX2)
     const bool supported = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma") &&
         __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2");
     return supported ? &compiledAvx2Kernels : nullptr;
-#else
-    return nullptr;
-#endif
 }
+
+#else
+
+const DecoderKernels* Avx2Kernels()
+{
+    return nullptr;
+}
+
+#endif
 
 const DecoderKernels& SelectKernels()
 {
