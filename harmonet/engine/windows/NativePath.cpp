@@ -114,20 +114,22 @@ bool HasLink(const std::wstring& path, std::size_t rootUnits)
 }
 
 /// The path of the open file. If the system cannot determine it, as Wine for a long path, the path by which
-/// it was opened if that contains no link.
-EngineString FindPlace(HANDLE handle, const EngineString& opened, const EngineString& root)
+/// it was opened if that contains no link after its first \p rootUnits.
+EngineString FindPlace(HANDLE handle, const std::wstring& opened, std::size_t rootUnits)
 {
     const std::wstring place = FinalPath(handle);
     if (!place.empty()) {
         return ToUtf8(place);
     }
-    return HasLink(ExtendedPath(opened.c_str()), ExtendedPath(root.c_str()).size()) ? EngineString() : opened;
+    return HasLink(opened, rootUnits) ? EngineString() : ToUtf8(opened);
 }
 
 EngineString FindFolder(const std::wstring& path)
 {
+    constexpr std::size_t driveUnits = 6; // "\\?\C:"
     const ScopedHandle folder(OpenExisting(path, FILE_READ_ATTRIBUTES));
-    return folder.IsValid() && IsFolder(folder.Get()) ? ToUtf8(FinalPath(folder.Get())) : EngineString();
+    return folder.IsValid() && IsFolder(folder.Get()) ? FindPlace(folder.Get(), path, driveUnits)
+                                                      : EngineString();
 }
 
 } // namespace
@@ -163,13 +165,14 @@ Result Resolve(const EngineString& root, std::string_view name, EngineString& pa
 {
     const EngineString inside = root.ends_with('\\') ? root : root + '\\';
     const EngineString whole = inside + Joined(name, '\\');
-    const ScopedHandle file(OpenExisting(ExtendedPath(whole.c_str()), FILE_READ_ATTRIBUTES));
+    const std::wstring extended = ExtendedPath(whole.c_str());
+    const ScopedHandle file(OpenExisting(extended, FILE_READ_ATTRIBUTES));
     if (!file.IsValid()) {
         const Result result = ResultOfLastError();
         return FindFolder(ExtendedPath(root.c_str())).empty() ? Result(File::NoRoot) : result;
     }
     // The name itself cannot leave the root, but a link in the path can.
-    const EngineString resolved = FindPlace(file.Get(), whole, root);
+    const EngineString resolved = FindPlace(file.Get(), extended, ExtendedPath(root.c_str()).size());
     if (!resolved.starts_with(inside)) {
         return resolved == root ? File::NotAFile : File::OutsideRoot;
     }

@@ -83,6 +83,11 @@ TEST_F(Files, NamesAndRootsAreUtf8AndMayBeLong)
         EXPECT_EQ(file.Size(), 10U);
         file.Close();
     }
+    File::RemoveRoot(owner);
+    const auto deepText = (root / deep).u8string();
+    ASSERT_TRUE(File::AddRoot(owner, reinterpret_cast<const char*>(deepText.c_str())));
+    ASSERT_EQ(Open(greekName), File::Opened);
+    file.Close();
     const std::filesystem::path extended =
         L"\\\\?\\" + std::filesystem::path(folder.GetPath()).make_preferred().wstring();
     std::error_code ignored;
