@@ -277,33 +277,25 @@ TEST_F(Rooms, SourcePropertiesAttenuateDirectSoundAndSend)
     }
     SetRoom(&fxEnvReverbGeneric);
     SndChannel* const inRoom = PlayTone(100, &onlyRoom);
+    inRoom->SetMinMaxDistance(1, 100, false);
     rig->StepTimes(40, 50);
     const double plain = GetLevel(500);
-    const std::pair<FXEnvReverbSourceProperties, int> roomRows[] = {
-        {{-10000, 0, -900, 0, 0, 0, 0, 0, 0}, -900}, {{-10000, 0, 0, 0, 0, -5000, 1, 0, 0}, 0},
-        {{-10000, 0, -300, 0, 0, 0, 0, -1000, 0.5F}, -800}};
-    for (const auto& [properties, expected] : roomRows) {
-        inRoom->SetFXEnvReverbSourceProperties(&properties);
+    struct RoomRow
+    {
+        FXEnvReverbSourceProperties properties;
+        float distance;
+        double expected;
+    };
+    const RoomRow roomRows[] = {{{-10000, 0, -900, 0, 0, 0, 0, 0, 0}, 1, -900},
+        {{-10000, 0, 0, 0, 0, -5000, 1, 0, 0}, 1, 0}, {{-10000, 0, -300, 0, 0, 0, 0, -1000, 0.5F}, 1, -800},
+        // The room's level falls with the distance only with a room rolloff.
+        {onlyRoom, 8, 0}, {{-10000, 0, 0, 0, 1.0F, 0, 0, 0, 0}, 8, 2000 * std::log10(1.0 / 8)}};
+    for (const RoomRow& row : roomRows) {
+        inRoom->SetFXEnvReverbSourceProperties(&row.properties);
+        inRoom->SetPosition({0, 0, -row.distance});
         rig->StepTimes(60, 50);
-        EXPECT_NEAR(2000 * std::log10(GetLevel(500) / plain), expected, 60);
+        EXPECT_NEAR(2000 * std::log10(GetLevel(500) / plain), row.expected, 60) << "row " << &row - roomRows;
     }
-}
-
-TEST_F(Rooms, RoomLevelIgnoresDistanceWithoutARoomRolloff)
-{
-    SetRoom(&fxEnvReverbGeneric);
-    SndChannel* const channel = PlayTone(100, &onlyRoom);
-    channel->SetMinMaxDistance(1, 100, false);
-    rig->StepTimes(40, 50);
-    const double near = GetLevel(500);
-    channel->SetPosition({0, 0, -8});
-    rig->StepTimes(60, 50);
-    EXPECT_NEAR(GetLevel(500) / near, 1.0, 0.02);
-    FXEnvReverbSourceProperties falling = onlyRoom;
-    falling.roomRolloffFactor = 1.0F;
-    channel->SetFXEnvReverbSourceProperties(&falling);
-    rig->StepTimes(60, 50);
-    EXPECT_NEAR(GetLevel(500) / near, 1.0 / 8, 0.01);
 }
 
 // As a sound card does it: time goes on in steps of 10 ms, and now and then the device mixes what is due.

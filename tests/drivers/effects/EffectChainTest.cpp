@@ -59,15 +59,6 @@ TEST_F(Chain, ProcessesInListOrderAndSkipsRoomsAndInvalidRecords)
     EXPECT_EQ(Through(chain, noise), expected);
 }
 
-TEST_F(Chain, IsRebuiltForAnotherRateWithoutTheList)
-{
-    Build(OwnedList().Add(SndFXEcho, echo));
-    chain.SetRate(2 * rateHz);
-    const Pcm out = Through(chain, MakeImpulse(rateHz));
-    EXPECT_EQ(out[1600], 0.5F); // 100 ms
-    EXPECT_EQ(out[800], 0.0F);
-}
-
 // An echo of 100 ms halves each time: the ninth, of 0.5 ^ 9, is the last above -60 dB. Behind it the tail
 // waits for the delay and for 20 ms more.
 TEST_F(Chain, GivesATailUntilSilentAndAgainAfterMoreSound)
