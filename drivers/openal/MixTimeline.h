@@ -34,15 +34,20 @@ public:
     }
 
     /// When to observe next besides the regular observations, for a device that mixes `period` nanoseconds at
-    /// once: often at first, then once per period, just before the device is expected to mix, if it has not
-    /// yet mixed then. Needs a first Observe().
+    /// once: often at first, then just before and just after the device is expected to mix. Needs a first
+    /// Observe().
     std::int64_t GetNextObservation(std::int64_t now, std::int64_t period) const
     {
         if (now - first < learningTime) {
             return now + learningInterval;
         }
-        const std::int64_t next = now + (last + period - ToMixed(now)) - margin;
-        return next > now ? next : now + period;
+        const std::int64_t expected = now + last + period - ToMixed(now);
+        for (const std::int64_t next : {expected - margin, expected + margin}) {
+            if (next > now) {
+                return next;
+            }
+        }
+        return now + period;
     }
 
     /// The device's clock at a time of the machine. Needs a first Observe().

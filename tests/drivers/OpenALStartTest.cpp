@@ -176,24 +176,25 @@ TEST(StartTimes, LatencyIsTheLongestUsualTimeBetweenUpdates)
 TEST(MixTimeline, EstimatesWhatAnEvenDeviceWouldHaveMixed)
 {
     constexpr std::int64_t ms = 1000000;
-    const auto toMixed = [](std::int64_t now) {
-        return now / (102 * ms / 10) * (102 * ms / 10) * 10001 / 10000 / (20 * ms) * 20 * ms;
-    };
-    MixTimeline timeline;
-    std::int64_t next = 0;
-    for (std::int64_t round = 10 * ms; round < 30000 * ms; round += 10 * ms) {
-        for (std::int64_t now = std::min(next, round);; now = std::min(next, round)) {
-            timeline.Observe(now, toMixed(now));
-            next = timeline.GetNextObservation(now, 20 * ms);
+    constexpr std::int64_t look = 102 * ms / 10;
+    for (const double speed : {0.9999, 1.0001}) {
+        const auto mix = [speed](std::int64_t now) {
+            return static_cast<std::int64_t>(static_cast<double>(now / look * look) * speed) / (20 * ms) *
+                20 * ms;
+        };
+        MixTimeline timeline;
+        std::int64_t now = 0;
+        for (std::int64_t round = 10 * ms; round < 30000 * ms;) {
+            timeline.Observe(now, mix(now));
+            const std::int64_t next = timeline.GetNextObservation(now, 20 * ms);
             ASSERT_GT(next, now);
-            if (now > 4000 * ms) {
+            if (now > 2100 * ms) {
                 ASSERT_NEAR(
-                    static_cast<double>(timeline.ToMixed(now)), static_cast<double>(now) * 1.0001, 1.0 * ms)
+                    static_cast<double>(timeline.ToMixed(now)), static_cast<double>(now) * speed, 1.0 * ms)
                     << now;
             }
-            if (now == round) {
-                break;
-            }
+            now = std::min(next, round);
+            round += now == round ? 10 * ms : 0;
         }
     }
 }
