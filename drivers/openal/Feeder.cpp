@@ -103,11 +103,8 @@ bool Feeder::WaitForRound()
     std::unique_lock lock(mutex);
     for (std::int64_t now = GetSteadyNanoseconds(); !isWoken && !isEnding && now < end;
          now = GetSteadyNanoseconds()) {
-        const std::int64_t next = std::min(device.GetNextObservation(), end);
+        const std::int64_t next = std::min(device.ObserveMixClock(), end);
         wake.wait_for(lock, nanoseconds(next - now), [this] { return isWoken || isEnding; });
-        if (next < end) {
-            device.ObserveMixClock();
-        }
     }
     isWoken = false;
     return !isEnding;

@@ -108,13 +108,16 @@ std::int64_t OutputDevice::GetMixLag(std::int64_t time) const
     return timeline.ToMixed(time) - mixed;
 }
 
-std::int64_t OutputDevice::GetNextObservation() const
+std::int64_t OutputDevice::ObserveMixClock() const
 {
-    const std::int64_t now = GetSteadyNanoseconds();
     if (!session || !session->HasMixClock()) {
-        return now + nanosecondsPerSecond;
+        return GetSteadyNanoseconds() + nanosecondsPerSecond;
     }
     const std::scoped_lock lock(timelineMutex);
+    // Read before the time: the device could mix in between.
+    const std::int64_t mixed = session->GetMixClock();
+    const std::int64_t now = GetSteadyNanoseconds();
+    timeline.Observe(now, mixed);
     return timeline.GetNextObservation(now, session->GetPeriod());
 }
 

@@ -77,10 +77,8 @@ public:
     /// The lag of the device's clock against continuous mixing, in nanoseconds, at a time of the machine,
     /// which can be in the future. 0 for a loopback device and without a device.
     std::int64_t GetMixLag(std::int64_t time) const;
-    /// Samples the clock. Call it regularly, and at the time of the machine that GetNextObservation()
-    /// returns.
-    void ObserveMixClock() const { GetMixLag(0); }
-    std::int64_t GetNextObservation() const;
+    /// Samples the clock, and returns the time of the machine at which to do so again, besides regular calls.
+    std::int64_t ObserveMixClock() const;
 
     /// Settings of sources and listener made between these two calls take effect together.
     void DeferUpdates();
