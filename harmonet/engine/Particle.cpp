@@ -174,6 +174,11 @@ void Particle::LocalToGlobal(Quaternion& localOrientation) const
 {
     UpdateGlobal();
     UpdateGlobalOrientation();
+    // The product of two identities is one, with positive zeros.
+    if (!globallyTurned && localOrientation == Quaternion()) {
+        localOrientation = Quaternion();
+        return;
+    }
     localOrientation = Normalized(globalOrientation * localOrientation);
 }
 
