@@ -17,13 +17,13 @@ float SndBase::GetOutputLowPass() const
     const Sound* group = GetParentSound();
     const Music* music = GetParentMusic();
     const float ofParent = group ? group->GetLowPass() : music ? music->GetLowPass() : 1.0F;
-    return (theKernel ? theKernel->GetLowPass() : 1.0F) * ofParent * lowPass;
+    return (theKernel ? theKernel->GetLowPass() : 1.0F) * ofParent * GetLowPass();
 }
 
 void SndBase::SetLowPass(float gainHF)
 {
     if (gainHF >= 0.0F && gainHF <= 1.0F) {
-        lowPass = gainHF;
+        SetExtra(&Extras::lowPass, gainHF);
     }
     for (SndChannel* channel : {sndChannel, fadeOutChannel}) {
         if (channel) {

@@ -146,15 +146,17 @@ void Snd3D::Play(SndFile* file)
 
 void SndBase::UpdatePlace(SoundRow& row)
 {
-    static_cast<Snd3D*>(row.sound)->UpdatePlace();
+    static_cast<Snd3D*>(row.sound)->UpdatePlace(row);
 }
 
-void Snd3D::UpdatePlace()
+void Snd3D::UpdatePlace(SoundRow& row)
 {
-    SoundRow& row = Row();
     row.SetPlace(GetGlobalPosition());
-    if (theKernel) {
-        theKernel->GetDoppler().Follow(motion, row.place);
+    if (theKernel && theKernel->GetDoppler().IsFollowing()) {
+        if (!motion) {
+            motion = std::make_unique<Motion>();
+        }
+        theKernel->GetDoppler().Follow(*motion, row.place);
     }
 }
 
@@ -174,9 +176,9 @@ void Snd3D::UpdatePitch(SndChannel& channel, bool isNew)
         return;
     }
     if (!Row().HasMark(RowPlaceKnown)) {
-        UpdatePlace();
+        UpdatePlace(Row());
     }
-    const Vector3 velocity = IsMovable() ? effect.GetVelocity(motion) : Vector3();
+    const Vector3 velocity = IsMovable() && motion ? effect.GetVelocity(*motion) : Vector3();
     const float pitch = effect.CalcPitch(Row().place, velocity, doppler);
     if (pitch != sentPitch && (pitch == 1.0F || std::abs(pitch - sentPitch) > Doppler::minShift)) {
         sentPitch = pitch;
@@ -188,7 +190,7 @@ void Snd3D::CalcDistSqr(const Vector3& listener)
 {
     SoundRow& row = Row();
     if (!row.HasMark(RowPlaceKnown)) {
-        UpdatePlace();
+        UpdatePlace(row);
     }
     MeasureDistance(row, listener);
 }

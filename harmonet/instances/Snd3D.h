@@ -4,6 +4,8 @@
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/kernel/Motion.h"
 
+#include <memory>
+
 namespace Quon
 {
 
@@ -60,8 +62,8 @@ public:
     /// Uses the node's velocity unless the sound is not movable. A sound along a line has no Doppler effect,
     /// since its sources jump.
     void UpdatePitch(SndChannel& channel, bool isNew) override;
-    /// Computes the position in the world for the next CalcDistSqr().
-    void UpdatePlace();
+    /// Computes the position in the world for the next CalcDistSqr(). `row` is this sound's.
+    void UpdatePlace(SoundRow& row);
 
     /// Sends the node's position to the channel, and its direction if the cone is in use, so that a plain
     /// source costs one call. Needs a channel.
@@ -92,7 +94,7 @@ private:
     int axis = defaultAxis;
     float doppler = 1.0F;
     float sentPitch = 1.0F; ///< The last pitch sent to the channel.
-    Motion motion; ///< While the Doppler effect is on.
+    std::unique_ptr<Motion> motion; ///< Since the Doppler effect was on.
 };
 
 } // namespace Quon

@@ -42,16 +42,13 @@ SndBase::SndBase(const SndBase& other)
     , substName(other.substName)
     , definitionName(other.definitionName)
     , newFrequency(other.newFrequency)
-    , frequencyFactor(other.frequencyFactor)
     , soundLength(other.soundLength)
-    , loopStart(other.loopStart)
-    , loopEnd(other.loopEnd)
     , fadeDuration(other.fadeDuration)
     , gain(other.gain)
-    , lowPass(other.lowPass)
 {
     Row().flags = other.Row().flags;
     Row().priority = other.Row().priority;
+    CopyExtras(other);
     SndBase::SetDelay(other.delay);
 }
 
@@ -74,20 +71,40 @@ SndBase& SndBase::operator=(const SndBase& other)
     definitionName = other.definitionName;
     SetSndFile(other.GetSndFile());
     startSample = other.startSample;
-    startOffsetMs = other.startOffsetMs;
-    loopStart = other.loopStart;
-    loopEnd = other.loopEnd;
+    SetExtra(&Extras::startOffsetMs, other.GetExtras().startOffsetMs);
     SetSoundLength(other.soundLength);
     fadeDuration = other.fadeDuration;
     gain = other.gain;
-    lowPass = other.lowPass;
     SndBase::SetDelay(other.delay);
     newFrequency = other.newFrequency;
-    frequencyFactor = other.frequencyFactor;
+    CopyExtras(other);
     fxList = other.fxList;
     sndChannel = other.sndChannel;
     fadeOutChannel = other.fadeOutChannel;
     return *this;
+}
+
+const SndBase::Extras& SndBase::GetExtras() const
+{
+    static constexpr Extras defaults;
+    return extras ? *extras : defaults;
+}
+
+SndBase::Extras& SndBase::UseExtras()
+{
+    if (!extras) {
+        extras = std::make_unique<Extras>();
+    }
+    return *extras;
+}
+
+// The settings, but no state of the other sound.
+void SndBase::CopyExtras(const SndBase& other)
+{
+    SetExtra(&Extras::loopStart, other.GetExtras().loopStart);
+    SetExtra(&Extras::loopEnd, other.GetExtras().loopEnd);
+    SetExtra(&Extras::frequencyFactor, other.GetExtras().frequencyFactor);
+    SetExtra(&Extras::lowPass, other.GetLowPass());
 }
 
 SndBase::~SndBase()
@@ -119,7 +136,9 @@ void SndBase::Done()
     SndFile* file = sndFile;
     TakeFile(nullptr);
     CloseAndDelete(file);
-    CloseAndDelete(std::exchange(fadingOut.file, nullptr));
+    if (extras) {
+        CloseAndDelete(std::exchange(extras->fadingOut.file, nullptr));
+    }
     if (!HasAnyFlag(FlagSharedFXList)) {
         fxList.Clear();
     }
@@ -128,8 +147,8 @@ void SndBase::Done()
 // It does not count any more, so that an observer of its end can start another.
 void SndBase::LeaveLimits()
 {
-    if (limitedBy) {
-        limitedBy->Leave(soundID);
+    if (DefinitionState* definition = GetLimitedBy()) {
+        definition->Leave(soundID);
     }
 }
 
@@ -239,7 +258,7 @@ bool SndBase::Emulate()
     if (fadeOutChannel) {
         ReleaseFadeOutChannel();
     }
-    fadeInPassed = 0;
+    SetExtra(&Extras::fadeInPassed, 0U);
     Row().SetMark(RowReturns, false);
     SetStateTime(0);
     return IsPolyline() || sndFile;
@@ -269,9 +288,10 @@ bool SndBase::HoldsChannel() const
 void SndBase::StopChannel()
 {
     if (sndChannel) {
-        std::exchange(sndChannel, nullptr)->Stop();
         const auto longest = static_cast<std::uint32_t>(std::max(fadeDuration, 0));
-        fadeInPassed = std::min(fadeInPassed + std::min(Row().stateTimeMs, longest), longest);
+        const std::uint32_t passed = GetExtras().fadeInPassed + std::min(Row().stateTimeMs, longest);
+        SetExtra(&Extras::fadeInPassed, std::min(passed, longest));
+        std::exchange(sndChannel, nullptr)->Stop();
     }
 }
 
@@ -280,10 +300,11 @@ void SndBase::PauseOutput()
 {
     StopChannel();
     if (fadeOutChannel) {
+        FadeOutState& fade = UseExtras().fadingOut;
         SndChannel* channel = std::exchange(fadeOutChannel, nullptr);
         channel->Stop();
-        fadingOut.file = channel->GetSndFile();
-        fadingOut.since = theKernel->GetClockMs() - fadingOut.since;
+        fade.file = channel->GetSndFile();
+        fade.since = theKernel->GetClockMs() - fade.since;
         channel->SetSndFile(nullptr);
     }
 }
@@ -304,8 +325,9 @@ bool SndBase::FadeOut(int ms)
     SndChannel* channel = sndChannel;
     fadeOutChannel = channel;
     sndChannel = nullptr;
-    fadeInPassed = 0;
-    fadingOut = {nullptr, GetChannelFlags(), GetOutputGain(), ms, theKernel ? theKernel->GetClockMs() : 0};
+    SetExtra(&Extras::fadeInPassed, 0U);
+    UseExtras().fadingOut = {
+        nullptr, GetChannelFlags(), GetOutputGain(), ms, theKernel ? theKernel->GetClockMs() : 0};
     TakeFile(nullptr);
     {
         NotificationScope notification(*this);
@@ -341,8 +363,8 @@ void SndBase::SetGain(float newGain)
     if (newGain >= 0.0F && newGain <= 1.0F) {
         gain = newGain;
     }
-    if (!sndChannel && !sndFile) {
-        fadingOut.gain = GetOutputGain();
+    if (extras && !sndChannel && !sndFile) {
+        extras->fadingOut.gain = GetOutputGain();
     }
     if (SndChannel* channel = sndChannel ? sndChannel : fadeOutChannel) {
         channel->SetGain(GetOutputGain());
@@ -375,7 +397,7 @@ unsigned long SndBase::GetFrequency() const
 
 unsigned long SndBase::GetRemainLength() const
 {
-    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || fadeOutChannel || fadingOut.file)) {
+    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || fadeOutChannel || GetExtras().fadingOut.file)) {
         return unknownLength;
     }
     if (sndChannel) {
@@ -384,8 +406,8 @@ unsigned long SndBase::GetRemainLength() const
     if (fadeOutChannel) {
         return fadeOutChannel->GetRemainLength();
     }
-    if (fadingOut.file && !sndFile) {
-        return fadingOut.file->GetRemainLength();
+    if (SndFile* fading = GetExtras().fadingOut.file; fading && !sndFile) {
+        return fading->GetRemainLength();
     }
     if (HasAnyFlag(FlagFadeOut)) {
         return static_cast<std::uint32_t>(fadeDuration);
@@ -405,8 +427,8 @@ unsigned long SndBase::GetCurrentLength() const
     else if (fadeOutChannel) {
         remaining = fadeOutChannel->GetRemainLength();
     }
-    else if (fadingOut.file && !sndFile) {
-        remaining = fadingOut.file->GetRemainLength();
+    else if (SndFile* fading = GetExtras().fadingOut.file; fading && !sndFile) {
+        remaining = fading->GetRemainLength();
     }
     else if (sndFile) {
         remaining = CalcFileRemain();
@@ -421,7 +443,7 @@ std::uint32_t SndBase::LessStartOffset(std::uint32_t ms) const
     if (IsPlaying() || ms == unknownLength) {
         return ms;
     }
-    return ms - std::min(ms, startOffsetMs);
+    return ms - std::min(ms, GetExtras().startOffsetMs);
 }
 
 bool SndBase::SeekTo(unsigned long ms)

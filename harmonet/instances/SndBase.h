@@ -7,6 +7,7 @@
 #include "harmonet/instances/SoundReason.h"
 
 #include <cstdint>
+#include <memory>
 
 namespace Quon
 {
@@ -204,7 +205,10 @@ public:
     void SetSndFile(SndFile* file);
     void SetStartSample(int samples) { startSample = samples; }
     /// The start position in milliseconds, in addition to the start samples.
-    void SetStartOffset(unsigned long ms) { startOffsetMs = static_cast<std::uint32_t>(ms); }
+    void SetStartOffset(unsigned long ms)
+    {
+        SetExtra(&Extras::startOffsetMs, static_cast<std::uint32_t>(ms));
+    }
     /// The loop region of its file, in sample frames: see SndFile::SetLoopRegion(). Call it before the sound
     /// starts.
     void SetLoopRegion(int start, int end);
@@ -218,7 +222,7 @@ public:
     /// Sets the length of the fade-in, and FlagFadeIn.
     void SetFadeIn(int ms);
     float GetGain() const { return gain; }
-    float GetLowPass() const { return lowPass; }
+    float GetLowPass() const { return GetExtras().lowPass; }
     int GetPriority() const;
     float GetMultiplier() const;
     void SetMultiplier(float factor);
@@ -227,7 +231,7 @@ public:
     void SetNewFrequency(unsigned long hz);
     /// Multiplies the rate of the file by `factor` when the file is opened, unless SetNewFrequency() sets a
     /// rate before.
-    void SetFrequencyFactor(float factor) { frequencyFactor = factor; }
+    void SetFrequencyFactor(float factor) { SetExtra(&Extras::frequencyFactor, factor); }
     SndChannel* GetSndChannel() const { return sndChannel; }
     void SetSndChannel(SndChannel* channel) { sndChannel = channel; }
     /// Whether it plays through a channel, or will do so again after a pause.
@@ -279,8 +283,8 @@ public:
     /// The name of the resource that it was created from, for tools; empty for none.
     void SetDefinitionName(const PString& name) { definitionName = name; }
     /// The definition whose limits apply to its start, null for none. Owned by the kernel.
-    void SetLimitedBy(DefinitionState* state) { limitedBy = state; }
-    DefinitionState* GetLimitedBy() const { return limitedBy; }
+    void SetLimitedBy(DefinitionState* state) { SetExtra(&Extras::limitedBy, state); }
+    DefinitionState* GetLimitedBy() const { return GetExtras().limitedBy; }
 
     /// The SndChannelFlags for a channel of this sound.
     unsigned int GetChannelFlags() const;
@@ -353,6 +357,43 @@ protected:
 private:
     friend class SndKernel;
 
+    /// What the channel that fades out needs to resume after a pause.
+    struct FadeOutState
+    {
+        SndFile* file = nullptr; ///< Set during a pause only.
+        unsigned int flags = 0;
+        float gain = 1.0F; ///< As sent.
+        int ms = 0;
+        std::uint32_t since = 0; ///< On the kernel's clock; during a pause, the milliseconds elapsed.
+    };
+    /// What few sounds need, allocated when it is first set.
+    struct Extras : Allocated
+    {
+        DefinitionState* limitedBy = nullptr;
+        std::uint32_t startOffsetMs = 0;
+        float lowPass = 1.0F;
+        int loopStart = 0; ///< As requested, in sample frames.
+        int loopEnd = 0; ///< 0: the end of the file.
+        float frequencyFactor = 1.0F; ///< For the rate of a file that is not open yet.
+        FadeOutState fadingOut;
+        std::uint32_t fadeInPassed = 0; ///< Milliseconds of the fade-in played before a pause.
+        std::uint32_t pausedMoves = 0; ///< How often the listener had moved when the pause began,
+        std::uint32_t pausedStateMs = 0; ///< Its state time then,
+        std::uint32_t pausedSince = 0; ///< and when that was on the kernel's clock.
+    };
+
+    const Extras& GetExtras() const;
+    Extras& UseExtras();
+    /// Allocates nothing for a default value.
+    template<class T>
+    void SetExtra(T Extras::*field, const T& value)
+    {
+        if (GetExtras().*field != value) {
+            UseExtras().*field = value;
+        }
+    }
+    void CopyExtras(const SndBase& other);
+
     /// For a positional sound: gets the position of its node.
     static void UpdatePlace(SoundRow& row);
     bool AddEffect(SndFX effect, const void* record, unsigned long size, long quality);
@@ -400,18 +441,12 @@ private:
     PString fileName;
     PString substName;
     PString definitionName;
-    DefinitionState* limitedBy = nullptr;
     std::uint32_t newFrequency = 0;
-    float frequencyFactor = 1.0F; ///< For the rate of a file that is not open yet.
     std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
     int delay = 0;
     int startSample = 0;
-    std::uint32_t startOffsetMs = 0;
-    int loopStart = 0; ///< As requested, in sample frames.
-    int loopEnd = 0; ///< 0: the end of the file.
     int fadeDuration = 0;
     float gain = 1.0F;
-    float lowPass = 1.0F;
     std::int64_t startGameTime = 0; ///< When it is to begin, on the kernel's StartClock,
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t startSerial = 0; ///< Serial number of this start among all sounds; 0 before the first.
@@ -419,20 +454,7 @@ private:
     int countedSamples = 0; ///< While Row() counts: the position in the file at which that ends.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the current reason was set.
     std::uint32_t startedAt = 0; ///< On the kernel's clock.
-    /// What the channel that fades out needs to resume after a pause.
-    struct FadeOutState
-    {
-        SndFile* file = nullptr; ///< Set during a pause only.
-        unsigned int flags = 0;
-        float gain = 1.0F; ///< As sent.
-        int ms = 0;
-        std::uint32_t since = 0; ///< On the kernel's clock; during a pause, the milliseconds elapsed.
-    };
-    FadeOutState fadingOut;
-    std::uint32_t fadeInPassed = 0; ///< Milliseconds of the fade-in played before a pause.
-    std::uint32_t pausedMoves = 0; ///< How often the listener had moved when the pause began,
-    std::uint32_t pausedStateMs = 0; ///< Its state time then,
-    std::uint32_t pausedSince = 0; ///< and when that was on the kernel's clock.
+    std::unique_ptr<Extras> extras;
 
 protected:
     /// The effects. The block is this sound's own unless FlagSharedFXList is set.

@@ -96,7 +96,9 @@ void SndBase::SkipSamples(int samples)
 int SndBase::TakeStartSamples()
 {
     std::int64_t samples = std::exchange(startSample, 0);
-    if (const std::uint32_t offsetMs = std::exchange(startOffsetMs, 0); offsetMs > 0 && sndFile) {
+    const std::uint32_t offsetMs = GetExtras().startOffsetMs;
+    SetExtra(&Extras::startOffsetMs, 0U);
+    if (offsetMs > 0 && sndFile) {
         samples += std::int64_t{offsetMs} * sndFile->GetSampleFrequency() / static_cast<int>(msPerSecond);
     }
     return static_cast<int>(std::min<std::int64_t>(samples, std::numeric_limits<int>::max()));
@@ -104,19 +106,20 @@ int SndBase::TakeStartSamples()
 
 void SndBase::SetLoopRegion(int start, int end)
 {
-    loopStart = start;
-    loopEnd = end;
+    SetExtra(&Extras::loopStart, start);
+    SetExtra(&Extras::loopEnd, end);
     if (sndFile) {
+        CatchUpFile();
         ApplyLoopRegion(*sndFile);
     }
 }
 
 void SndBase::ApplyLoopRegion(SndFile& file) const
 {
-    if (!file.SetLoopRegion(loopStart, loopEnd)) {
+    if (!file.SetLoopRegion(GetExtras().loopStart, GetExtras().loopEnd)) {
         Report(MessageLevel::Error, "sound file '", fileName, "' loops as a whole: of its ",
-            file.GetSoundSamples(), " sample frames none are in the region from ", loopStart, " to ",
-            loopEnd);
+            file.GetSoundSamples(), " sample frames none are in the region from ", GetExtras().loopStart,
+            " to ", GetExtras().loopEnd);
     }
 }
 
@@ -178,6 +181,7 @@ void SndBase::StartCounting()
     countedSamples = IsLooping() ? sndFile->GetPassEnd() : sndFile->GetSoundSamples();
     Row().samplesLeft = std::max(countedSamples - sndFile->GetCurrentSample(), 0);
     Row().SetMark(RowCounted, true);
+    Row().SetMark(RowLoopsWhole, IsLooping() && !sndFile->HasLoopRegion());
     NoteRate();
 }
 
@@ -206,11 +210,14 @@ void SndBase::CountLoop(std::uint32_t samples)
 {
     SoundRow& row = Row();
     // Same as for a file: a step of the whole length has no effect.
-    if (!sndFile->HasLoopRegion()) {
+    if (row.HasMark(RowLoopsWhole)) {
         samples %= static_cast<std::uint32_t>(countedSamples);
-        if (row.CountSamples(samples)) {
-            return;
+        if (!row.CountSamples(samples)) {
+            const int beyond = static_cast<int>(samples) - row.samplesLeft;
+            row.samplesLeft = beyond > 0 ? countedSamples - beyond : 0;
+            row.SetMark(RowRewound, beyond > 0 || row.HasMark(RowRewound));
         }
+        return;
     }
     samples -= static_cast<std::uint32_t>(row.samplesLeft);
     row.samplesLeft = 0;

@@ -52,8 +52,8 @@ void SndBase::SetSndFile(SndFile* file)
 void SndBase::TakeFile(SndFile* file)
 {
     sndFile = file;
-    if (file && frequencyFactor != 1.0F) {
-        SetNewFrequency(ScaleFrequency(file->GetSampleFrequency(), frequencyFactor));
+    if (const float factor = GetExtras().frequencyFactor; file && factor != 1.0F) {
+        SetNewFrequency(ScaleFrequency(file->GetSampleFrequency(), factor));
     }
     Row().SetMark(RowCounted | RowRewound, false);
     if (theKernel) {
@@ -123,7 +123,7 @@ void SndBase::SetDelay(int ms)
 void SndBase::SetNewFrequency(unsigned long hz)
 {
     newFrequency = static_cast<std::uint32_t>(hz);
-    frequencyFactor = 1.0F;
+    SetExtra(&Extras::frequencyFactor, 1.0F);
     if (Row().HasMark(RowCounted)) {
         NoteRate();
     }

@@ -29,6 +29,8 @@ public:
     void BeginUpdate();
     void EndUpdate() { isFollowing = false; }
 
+    /// Whether an update with the effect is running.
+    bool IsFollowing() const { return isFollowing; }
     /// Records the position of a node; does nothing outside an update or while the effect is off.
     void Follow(Motion& motion, const Vector3& place) const
     {

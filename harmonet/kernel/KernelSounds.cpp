@@ -212,7 +212,7 @@ void SndKernel::DeleteInaudible(SndBase& sound)
 // A sound that resumes from a pause continues its fade-in.
 void SndKernel::BeginFadeIn(const SndBase& sound, SndChannel& channel)
 {
-    const auto passed = static_cast<int>(sound.fadeInPassed);
+    const auto passed = static_cast<int>(sound.GetExtras().fadeInPassed);
     if (!sound.IsFadeIn() || (passed > 0 && passed >= sound.fadeDuration)) {
         return;
     }
@@ -282,7 +282,7 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
     const bool isBeginning = !sound.IsPlaying();
     sound.Play(file);
     if (sound.Row().HasMark(RowReturns)) {
-        sound.SetStateTime(sound.pausedStateMs);
+        sound.SetStateTime(sound.GetExtras().pausedStateMs);
         sound.Row().SetMark(RowReturns, false);
     }
     if (sound.newFrequency != 0) {
@@ -315,10 +315,10 @@ bool SndKernel::StartMusic(SndBase& instance)
 
 void SndKernel::GiveUpFile(SndBase& instance)
 {
-    if (!instance.fadeOutChannel && !instance.fadingOut.file) {
+    if (!instance.fadeOutChannel && !instance.GetExtras().fadingOut.file) {
         Unlist(instance);
     }
-    instance.fadeInPassed = 0;
+    instance.SetExtra(&SndBase::Extras::fadeInPassed, 0U);
     SndFile* file = instance.sndFile;
     instance.TakeFile(nullptr);
     instance.CloseAndDelete(file);

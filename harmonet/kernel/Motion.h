@@ -1,6 +1,7 @@
 #pragma once
 
 #include "harmonet/Export.h"
+#include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/Vector.h"
 
 namespace Quon
@@ -21,7 +22,7 @@ struct UpdateInterval
 ///
 /// Relocating a point is not a motion: a velocity far from both the previous and the smoothed one is a leap
 /// and counts as 0 until the next interval confirms it.
-class HARMONET_API Motion
+class HARMONET_API Motion : public Allocated
 {
 public:
     /// Records the point's position at the end of the interval; a point that is not moved in an interval has

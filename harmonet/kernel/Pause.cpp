@@ -73,12 +73,13 @@ int SndKernel::MoveToPausedAndBack(const UpdateStep& step)
 void SndKernel::Pause(SndBase& sound)
 {
     SoundRow& row = sound.Row();
+    SndBase::Extras& extras = sound.UseExtras();
     row.SetMark(RowWasHeard, row.list == ListID::Playing);
     row.SetMark(RowWasWaiting, row.list == ListID::Waiting);
     Unlist(sound);
     sound.PauseOutput();
-    sound.pausedMoves = listenerMoves;
-    sound.pausedSince = clockMs;
+    extras.pausedMoves = listenerMoves;
+    extras.pausedSince = clockMs;
     Insert(sound, ListID::Paused);
     SetReason(row, SoundReason::Paused);
 }
@@ -91,7 +92,7 @@ void SndKernel::StartPaused(SndBase& sound, std::uint16_t mark)
     row.SetMark(RowWasHeard | RowWasWaiting, false);
     row.SetMark(mark, true);
     sound.SetStateTime(waitingStateTimeMs);
-    sound.pausedSince = clockMs;
+    sound.UseExtras().pausedSince = clockMs;
     Unlist(sound);
     Insert(sound, ListID::Paused);
     SetReason(row, SoundReason::Paused);
@@ -119,7 +120,7 @@ bool SndKernel::StartPausedMusic(SndBase& instance)
 void SndKernel::DelayStart(SndBase& sound) const
 {
     constexpr std::int64_t microsecondsPerMs = 1000;
-    const std::int64_t length = std::int64_t{clockMs - sound.pausedSince} * microsecondsPerMs;
+    const std::int64_t length = std::int64_t{clockMs - sound.GetExtras().pausedSince} * microsecondsPerMs;
     sound.startGameTime += length;
     sound.startMachineTime += length;
 }
@@ -128,7 +129,7 @@ void SndKernel::DelayStart(SndBase& sound) const
 int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
 {
     SoundRow& row = sound.Row();
-    const bool listenerMoved = sound.pausedMoves != listenerMoves;
+    const bool listenerMoved = sound.GetExtras().pausedMoves != listenerMoves;
     Unlist(sound);
     DelayStart(sound);
     if (row.HasAnyFlag(FlagPolyline)) {
@@ -159,7 +160,7 @@ int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
 void SndKernel::ResumeHeard(SndBase& sound)
 {
     SoundRow& row = sound.Row();
-    if (sound.fadingOut.file) {
+    if (sound.GetExtras().fadingOut.file) {
         ResumeFadeOut(sound);
     }
     if (sound.fadeOutChannel) {
@@ -178,7 +179,7 @@ void SndKernel::ResumeHeard(SndBase& sound)
     }
     row.flags = (row.flags | FlagDistLTMax) & ~FlagDistGTMax;
     // A protected sound would exceed the limit, and its channel may be in use by another.
-    sound.pausedStateMs = row.stateTimeMs;
+    sound.UseExtras().pausedStateMs = row.stateTimeMs;
     row.SetMark(RowReturns, true);
     sound.SetStateTime(std::max<unsigned long>(sound.GetStateTime(), settledMs));
     Insert(sound, ListID::Playing);
@@ -187,7 +188,7 @@ void SndKernel::ResumeHeard(SndBase& sound)
 
 void SndKernel::ResumeFadeOut(SndBase& sound)
 {
-    SndBase::FadeOutState& fade = sound.fadingOut;
+    SndBase::FadeOutState& fade = sound.UseExtras().fadingOut;
     SndFile* file = std::exchange(fade.file, nullptr);
     SndChannel* channel = driver->CreateChannel(fade.flags, file, sound.fxList);
     if (!channel) {

@@ -33,6 +33,7 @@ enum RowMarks : std::uint16_t
     RowRewound = 0x0010, ///< Counting has passed the end of the loop.
     RowOwnRate = 0x0020, ///< Its rate differs from that of its file.
     RowPlaced = 0x0040, ///< Its place has been computed before.
+    RowLoopsWhole = 0x0080, ///< While it counts: its loop is the whole file.
     RowReturns = 0x0200, ///< On the playing list without a channel: it resumes from a pause.
     RowWasHeard = 0x0400, ///< On the paused list: it had a channel, or gets one at once.
     RowWasWaiting = 0x0800, ///< On the paused list: it was waiting to start.

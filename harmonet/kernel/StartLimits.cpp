@@ -24,7 +24,7 @@ void ReportNotStarted(const SndBase& sound, const DefinitionState& definition, c
 
 bool SndKernel::AdmitStart(SndBase& sound)
 {
-    DefinitionState& definition = *sound.limitedBy;
+    DefinitionState& definition = *sound.GetLimitedBy();
     const SoundLimits& limits = definition.limits;
     const int id = sound.GetSoundID();
     const std::int64_t now = startClock.GetGameTime(GetGatheredMicroseconds(), 0);
