@@ -50,7 +50,7 @@ void Orchestra::Play(int frameMs)
         const auto angle = static_cast<float>(playedMs) * 0.001F + static_cast<float>(i);
         group.SetSoundPosition(ids[i], {5.0F * std::cos(angle), 0.0F, 5.0F * std::sin(angle)});
     }
-    // A little more, so that the library, which counts whole milliseconds, counts all of them.
+    // Slightly more, so that the library, which truncates to whole milliseconds, counts all of them.
     Quon::TaskList::Get().Update((static_cast<float>(frameMs) + 0.01F) / 1000.0F);
 }
 

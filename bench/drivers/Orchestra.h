@@ -12,8 +12,8 @@
 namespace Bench
 {
 
-/// A sound system on the OpenAL driver at 44.1 kHz with many looping sounds, every other one with a place in
-/// the world, all of them read from one file while they play. Nothing is kept in the cache.
+/// A sound system on the OpenAL driver at 44.1 kHz with many looping sounds that stream from one file. Every
+/// other sound is positional. The data cache is disabled.
 class Orchestra
 {
 public:
@@ -21,19 +21,19 @@ public:
 
     using OptionValues = std::vector<std::pair<const char*, const char*>>;
 
-    /// Renders into the file `renderPath`; live if that is empty.
+    /// Renders to the file `renderPath`; plays live if it is empty.
     Orchestra(const std::string& fileName, int players, const std::string& renderPath,
         const OptionValues& others = {});
     ~Orchestra();
     Orchestra(const Orchestra&) = delete;
     Orchestra& operator=(const Orchestra&) = delete;
 
-    /// One game frame, in which those with a place move.
+    /// Runs one game frame, in which the positional sounds move.
     void Play(int frameMs);
 
     void StopAll();
 
-    /// Whether all of them are being read.
+    /// Returns whether all sounds are being read.
     bool IsComplete();
 
 private:

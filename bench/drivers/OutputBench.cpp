@@ -1,9 +1,9 @@
-// Render/FORM/GRADE: 64 sounds that are read while they play, rendered into a file at 44.1 kHz, in times real
-// time by the clock and by the processor time of all threads. FORM is wave or mp3, both mono at 22.05 kHz, or
-// one of them in stereo at 44.1 kHz; GRADE that of "OpenALResampling". RenderThreads/FORM: with the grade
-// "fast", how many times as fast two threads are as one, in turns in the same run, which write the same
-// bytes. Live/FORM: 24 of the sounds on a device that takes sound at the speed of a sound card;
-// percent_of_a_core is the processor time of all threads over the time that went by.
+// Render/FORM/GRADE: 64 streaming sounds, rendered to a file at 44.1 kHz, as a multiple of real time, by
+// elapsed time and by the processor time of all threads. FORM is wave or mp3, mono at 22.05 kHz, or either
+// with -stereo, at 44.1 kHz; GRADE is the value of "OpenALResampling". RenderThreads/FORM: the speed of two
+// threads relative to one, with the grade "fast", alternating in the same run; both must write the same
+// bytes. Live/FORM: 24 streaming sounds on a null device that runs in real time; percent_of_a_core is the
+// processor time of all threads relative to the elapsed time.
 
 #include "Orchestra.h"
 
@@ -39,8 +39,8 @@ double GetProcessorSeconds()
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
 }
 
-/// The root of the mean square of the first second of a rendered file, in parts of full scale. The music has
-/// quiet places, and where a run ends depends on the machine.
+/// Returns the RMS level of the first second of a rendered file, relative to full scale. Later parts of the
+/// music can be quiet, and where a run ends depends on the machine.
 double GetLevelAtStart(const std::filesystem::path& path)
 {
     std::vector<std::int16_t> samples(2 * Bench::Orchestra::rateHz);
@@ -89,7 +89,7 @@ void Render(benchmark::State& state, const char* fileName, const char* grade)
     }
 }
 
-/// The time in which ten seconds are rendered, and a hash of what is.
+/// The time to render ten seconds, and a hash of the output.
 struct Rendered
 {
     double seconds;
@@ -136,7 +136,7 @@ void RenderThreads(benchmark::State& state, const char* fileName)
     state.counters["times_as_fast"] = ratios[ratios.size() / 2];
 }
 
-// What a stop costs in the middle of ten minutes of MP3, where the file is set back to what was heard.
+// The cost of a stop in the middle of ten minutes of MP3, where the file is moved back to what was heard.
 void StopMp3(benchmark::State& state)
 {
     const std::filesystem::path path = GetRenderPath();
@@ -177,7 +177,7 @@ void Live(benchmark::State& state, const char* fileName)
 
 int main(int argc, char** argv)
 {
-    // Before OpenAL is used: a device that plays to nobody.
+    // Must be set before OpenAL is initialised: a device without output.
     setenv("ALSOFT_DRIVERS", "null", 1);
     constexpr struct
     {

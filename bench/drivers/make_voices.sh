@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes sounds for the benchmarks of the drivers out of the music of the decoder benchmarks: mono at 22.05 kHz, as games
-# have them, stereo at 44.1 kHz, and a long one.
+# Makes the sounds of the driver benchmarks from the music of the decoder benchmarks: mono at 22.05 kHz, typical of games,
+# stereo at 44.1 kHz, and a long one.
 # Usage: make_voices.sh FOLDER MUSIC_FOLDER.
 set -eu
 folder=$1 music=$2
