@@ -1,10 +1,10 @@
 #include "fuzz/FuzzTarget.h"
+#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <random>
 #include <vector>
@@ -24,12 +24,6 @@ Files FilesOf(const std::filesystem::path& folder)
     }
     std::sort(files.begin(), files.end());
     return files;
-}
-
-std::vector<unsigned char> ReadBytes(const std::filesystem::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 } // namespace

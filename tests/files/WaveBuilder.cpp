@@ -1,8 +1,5 @@
 #include "tests/files/WaveBuilder.h"
 
-#include <fstream>
-#include <iterator>
-
 const std::vector<std::pair<int, int>> usualPairs = {
     {256, 0}, {512, -256}, {0, 0}, {192, 64}, {240, 0}, {460, -208}, {392, -232}};
 
@@ -61,12 +58,6 @@ Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples
     std::optional<std::uint32_t> statedSize)
 {
     return Wave(Chunk("fmt ", PcmFormat(channels, rateHz, bits)) + Chunk("data", samples, statedSize));
-}
-
-Bytes ReadBytes(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 Bytes Counting(std::size_t count)

@@ -35,8 +35,5 @@ Bytes Wave(const Bytes& chunks);
 Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples,
     std::optional<std::uint32_t> statedSize = {});
 
-/// All that a file holds.
-Bytes ReadBytes(const std::string& path);
-
 /// `count` bytes 1, 2, 3 ... that repeat after a prime number, so that no two places look alike.
 Bytes Counting(std::size_t count);

@@ -2,8 +2,6 @@
 
 #include "tests/instances/HeardTest.h"
 
-#include <fstream>
-#include <iterator>
 #include <random>
 
 namespace Quon
@@ -181,9 +179,7 @@ TEST_F(PositionHeard, AnMpegStreamIsRightToTheSampleFrameToo)
 {
     constexpr int mpegHz = 44100;
     constexpr unsigned long offsetMs = 400;
-    const std::string streamPath = HARMONET_FILE_TESTS "/mpeg/streams/joint-44100.mp3";
-    std::ifstream file(streamPath, std::ios::binary);
-    const std::string once((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    const std::vector<unsigned char> once = ReadBytes(HARMONET_FILE_TESTS "/mpeg/streams/joint-44100.mp3");
     ASSERT_FALSE(once.empty());
     std::vector<unsigned char> stream;
     for (int i = 0; i < 6; ++i) {

@@ -12,9 +12,6 @@
 #include "tests/support/MessageLog.h"
 #include "tests/support/SoundTest.h"
 
-#include <fstream>
-#include <iterator>
-
 namespace Quon
 {
 namespace
@@ -27,22 +24,15 @@ protected:
     {
         source->files["level/a.wav"] = BuildWave({2000});
         source->files["level/b.wav"] = BuildWave({1000});
-        source->files["level/adpcm.wav"] = ReadTestFile("adpcm/sox-mono.wav");
-        source->files["level/mpeg.mp3"] = ReadTestFile("mpeg/streams/joint-22050.mp3");
-        source->files["level/wrapped.wav"] = ReadTestFile("mpeg/streams/wrapped-44100.wav");
+        source->files["level/adpcm.wav"] = ReadBytes(HARMONET_FILE_TESTS "/adpcm/sox-mono.wav");
+        source->files["level/mpeg.mp3"] = ReadBytes(HARMONET_FILE_TESTS "/mpeg/streams/joint-22050.mp3");
+        source->files["level/wrapped.wav"] = ReadBytes(HARMONET_FILE_TESTS "/mpeg/streams/wrapped-44100.wav");
         Define("level/step.sound", "*FILE level/a.wav\n*VARIANT level/b.wav\n*VARIANT_ORDER sequence");
         Define("level/deep/ring.sound.txt", "*FILE level/mpeg.mp3\n*LOOPING true");
         source->files["level/read.me"] = {1, 2, 3};
         source->files["other.wav"] = BuildWave({500});
         EXPECT_TRUE(database.AddFolder("pak", source));
         EXPECT_TRUE(File::AddRoot(PString(), source));
-    }
-
-    static MemorySource::Bytes ReadTestFile(const std::string& name)
-    {
-        std::ifstream file(HARMONET_FILE_TESTS "/" + name, std::ios::binary);
-        EXPECT_TRUE(file) << name;
-        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     void Define(const std::string& name, const std::string& keywords)

@@ -1,11 +1,18 @@
 #include "tests/support/TempFolder.h"
 
 #include <fstream>
+#include <iterator>
 #include <random>
 #include <stdexcept>
 
 namespace Quon
 {
+
+std::vector<unsigned char> ReadBytes(const std::filesystem::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 TempFolder::TempFolder()
 {

@@ -8,6 +8,9 @@
 namespace Quon
 {
 
+/// All that a file holds; nothing if it cannot be read.
+std::vector<unsigned char> ReadBytes(const std::filesystem::path& path);
+
 /// A new folder of the operating system, which goes with all that is in it at the end of its life.
 class TempFolder
 {

@@ -1,36 +1,18 @@
 #include "tests/support/WaveBytes.h"
 
-#include <cstdint>
-#include <string_view>
+#include "harmonet/files/WaveHeader.h"
 
 namespace Quon
 {
-
-namespace
-{
-
-void Put(std::vector<unsigned char>& bytes, std::string_view text)
-{
-    for (const char character : text) {
-        bytes.push_back(static_cast<unsigned char>(character));
-    }
-}
-
-void Put(std::vector<unsigned char>& bytes, std::uint32_t value, int count)
-{
-    for (int i = 0; i < count; ++i) {
-        bytes.push_back(static_cast<unsigned char>(value >> (8 * i)));
-    }
-}
-
-} // namespace
 
 std::vector<unsigned char> BuildPcm(const PcmForm& form)
 {
     std::vector<unsigned char> bytes;
     for (int frame = 0; frame < form.frames; ++frame) {
         for (int channel = 0; channel < form.channels; ++channel) {
-            Put(bytes, static_cast<std::uint32_t>(frame), form.bitsPerSample / 8);
+            for (int bit = 0; bit < form.bitsPerSample; bit += 8) {
+                bytes.push_back(static_cast<unsigned char>(bit < 32 ? frame >> bit : 0));
+            }
         }
     }
     return bytes;
@@ -38,21 +20,11 @@ std::vector<unsigned char> BuildPcm(const PcmForm& form)
 
 std::vector<unsigned char> BuildWave(const PcmForm& form)
 {
+    SoundFormat format;
+    format.SetFormat(form.bitsPerSample / 8, form.rateHz, form.frames, form.channels);
     const std::vector<unsigned char> pcm = BuildPcm(form);
-    const auto frameBytes = static_cast<std::uint32_t>(form.channels * form.bitsPerSample / 8);
-    std::vector<unsigned char> bytes;
-    Put(bytes, "RIFF");
-    Put(bytes, static_cast<std::uint32_t>(36 + pcm.size()), 4);
-    Put(bytes, "WAVEfmt ");
-    Put(bytes, 16, 4);
-    Put(bytes, waveTagPcm, 2);
-    Put(bytes, static_cast<std::uint32_t>(form.channels), 2);
-    Put(bytes, static_cast<std::uint32_t>(form.rateHz), 4);
-    Put(bytes, static_cast<std::uint32_t>(form.rateHz) * frameBytes, 4);
-    Put(bytes, frameBytes, 2);
-    Put(bytes, static_cast<std::uint32_t>(form.bitsPerSample), 2);
-    Put(bytes, "data");
-    Put(bytes, static_cast<std::uint32_t>(pcm.size()), 4);
+    const auto header = MakeWaveHeader(format, pcm.size());
+    std::vector<unsigned char> bytes(header.begin(), header.end());
     bytes.insert(bytes.end(), pcm.begin(), pcm.end());
     return bytes;
 }

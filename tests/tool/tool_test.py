@@ -800,6 +800,8 @@ class DefinitionsTest(ToolCase):
             """)
         done = self.run_tool("info", "a.sound", "a.wav")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
+        line = json.loads(self.succeed("info", "--json", "a.sound"))["line"]
+        self.assertEqual((line["points"], line["additionalSounds"]), ([[1, 2, 3], [4, 5, 6]], 0))
         shown = {" ".join(line.split()) for line in done.stdout.splitlines()}
         self.assertLessEqual({
             "a.sound", "sound file a.wav", "looping no", "gain 0.25", "delay 40 ms", "distances 10 to 500",

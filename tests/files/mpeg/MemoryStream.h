@@ -3,6 +3,7 @@
 #include "harmonet/files/SndNode.h"
 #include "harmonet/files/mpeg/SndFileMP3.h"
 #include "tests/files/WaveBuilder.h"
+#include "tests/support/TempFolder.h"
 
 #include <memory>
 

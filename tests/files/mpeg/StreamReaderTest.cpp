@@ -121,7 +121,10 @@ TEST(MpegReader, JunkBetweenFramesIsSkipped)
             junk[i] = i % 3 == 0 ? 0xFF : static_cast<unsigned char>(i % 0xE0);
         }
         junk.back() = 0;
-        EXPECT_EQ(DecodeAll(frames[0] + junk + frames[1] + junk), expected) << junkBytes << " bytes";
+        SCOPED_TRACE(testing::Message() << junkBytes << " bytes");
+        MemoryStream file(frames[0] + junk + frames[1] + junk);
+        EXPECT_EQ(file.ReadAll(), expected);
+        EXPECT_TRUE(file.ReadAll().empty()) << "what has ended stays so";
     }
 }
 
