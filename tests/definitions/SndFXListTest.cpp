@@ -16,7 +16,6 @@ namespace
 
 constexpr FXChorus chorus = {10.0F, 20.0F, 30.0F, 4.0F, 1, 5.0F, 2};
 constexpr FXGargle gargle = {50, 1};
-constexpr FXEcho echo = {1.0F, 2.0F, 3.0F, 4.0F, 1};
 
 /// The words of a list's block, as a driver in another library sees them.
 std::vector<std::uint32_t> GetWords(const SndFXList& list)
@@ -29,18 +28,6 @@ std::vector<std::uint32_t> GetWords(const SndFXList& list)
         std::memcpy(words.data(), block, bytes);
     }
     return words;
-}
-
-std::vector<SndFX> GetOrder(const SndFXList& list)
-{
-    std::vector<SndFX> order;
-    const unsigned char* place = list.GetEffectsArr();
-    for (unsigned long left = list.GetNumEffects(); left > 0; --left) {
-        const auto* desc = reinterpret_cast<const SndFXDesc*>(place);
-        order.push_back(desc->effect);
-        place += sizeof *desc + desc->size;
-    }
-    return order;
 }
 
 class FXLists : public testing::Test
@@ -75,39 +62,6 @@ TEST_F(FXLists, TheBlockHasSizeCountAndUnpaddedEntries)
     EXPECT_TRUE(std::ranges::equal(
         std::span(words).subspan(15, 4), std::vector{0U, 52U, 3U, static_cast<std::uint32_t>(-1000)}));
     EXPECT_EQ(std::memcmp(list.GetFXDesc(SndFXEnvReverb)->GetRecord(), &fxEnvReverbCave, 48), 0);
-}
-
-TEST_F(FXLists, AnExistingEffectIsOverwrittenInPlace)
-{
-    list.AddFX(SndFXGargle, &gargle, sizeof gargle, 0);
-    list.AddFX(SndFXEcho, &echo, sizeof echo, 0);
-    const void* block = list.GetBlock();
-    constexpr FXGargle other = {70, 0};
-    list.AddFX(SndFXGargle, &other, sizeof other, 0);
-    EXPECT_EQ(list.GetBlock(), block);
-    std::vector<std::uint32_t> words = GetWords(list);
-    words.resize(6);
-    EXPECT_EQ(words, (std::vector{52U, 2U, 7U, 8U, 70U, 0U}));
-}
-
-TEST_F(FXLists, TheMaskRemovesEffectsAndKeepsTheOrder)
-{
-    list.AddFX(SndFXEcho, &echo, sizeof echo, 0);
-    list.AddFX(SndFXEnvReverb, &fxEnvReverbForest, 52, 7);
-    list.AddFX(SndFXChorus, &chorus, sizeof chorus, 0);
-    const std::pair<unsigned long, std::vector<SndFX>> rows[] = {
-        {0x1FF, {SndFXEcho, SndFXEnvReverb, SndFXChorus}}, {0x1FE, {SndFXEcho, SndFXChorus}},
-        {0x1FD, {SndFXEcho, SndFXEnvReverb}}, {0x001, {SndFXEnvReverb}}, {0x000, {}}};
-    for (const auto& [mask, expected] : rows) {
-        SCOPED_TRACE(mask);
-        SndFXList kept = list.DuplicateFiltered(mask);
-        EXPECT_EQ(GetOrder(kept), expected);
-        if (const SndFXDesc* room = kept.GetFXDesc(SndFXEnvReverb)) {
-            EXPECT_EQ(room->GetQuality(), 7);
-            EXPECT_EQ(std::memcmp(room->GetRecord(), &fxEnvReverbForest, 48), 0);
-        }
-        kept.Clear();
-    }
 }
 
 // A size that does not even hold the quality comes from a broken caller; the sanitizer watches the edges.

@@ -23,29 +23,6 @@ protected:
     SndNodeCache cache;
 };
 
-TEST_F(NodeCache, SoundsOfOneFileShareBytesWithTheirOwnPosition)
-{
-    const Bytes block = Counting(40);
-    for (const Bytes& wave : {PcmWave(1, 8000, 16, block),
-             Wave(Chunk("fmt ", AdpcmFormat(1, 8000, 40, usualPairs)) + Chunk("data", block + block))}) {
-        const Bytes expected = ReadAll(*OpenGood(wave));
-        cache.Clear();
-        cache.SetLimit(1000);
-        const auto first = OpenSound("sound");
-        EXPECT_EQ(openFiles.GetCount(), 0) << "a cached sound needs no open file";
-        folder.Remove("sound");
-        const auto second = OpenSound("sound");
-        ASSERT_NE(second, nullptr);
-        EXPECT_EQ(second->GetFileName(), PString("sound"));
-        EXPECT_EQ(second->FileType(), first->FileType());
-        EXPECT_EQ(second->GetSoundLength(), first->GetSoundLength());
-        EXPECT_EQ(second->Load(), first->Load());
-        EXPECT_EQ(first->SkipSamples(15), 15);
-        EXPECT_EQ(ReadAll(*second, 7), expected);
-        EXPECT_EQ(ReadAll(*first), Bytes(expected.begin() + 2 * 15, expected.end()));
-    }
-}
-
 TEST_F(NodeCache, TruncatedFilesStreamAndInvalidFilesAreNotKept)
 {
     constexpr unsigned long room = std::numeric_limits<unsigned long>::max();

@@ -1,6 +1,8 @@
 #include "harmonet/engine/TaskList.h"
 #include "tests/support/SoundTest.h"
 
+#include <functional>
+
 namespace Quon
 {
 namespace
@@ -18,53 +20,34 @@ protected:
 // `subject` names one group at most, so that it cannot be what the destructor goes by.
 TEST_F(ObserverTest, LeavesEveryGroupWhenDestroyed)
 {
-    constexpr int groupCount = 5;
-    enum Case
-    {
-        Added,
-        RemovedFromOne,
-        OneDestroyed,
-        AddedAgain,
-        AssignedOver,
-        CopyOutlives,
-        InHandler,
-        CaseCount
+    std::vector<std::unique_ptr<Sound>> groups;
+    std::unique_ptr<LoggingObserver> watcher;
+    std::unique_ptr<SoundObserver> copy;
+    SoundObserver elsewhere;
+    group->AddObserver(&elsewhere);
+    const std::pair<const char*, std::function<void()>> cases[] = {
+        {"added", [] {}},
+        {"removed from one", [&] { groups[2]->RemoveObserver(watcher.get()); }},
+        {"one is destroyed", [&] { groups.erase(groups.begin() + 2); }},
+        {"added again",
+            [&] {
+                groups[2]->RemoveObserver(watcher.get());
+                groups[2]->AddObserver(watcher.get());
+            }},
+        {"assigned over", [&] { static_cast<SoundObserver&>(*watcher) = elsewhere; }},
+        {"a copy outlives it", [&] { copy = std::make_unique<SoundObserver>(*watcher); }},
+        {"in its handler", [&] { watcher->react = [&](const Note&) { watcher.reset(); }; }},
     };
-    for (int which = 0; which < CaseCount; ++which) {
-        SCOPED_TRACE(which);
-        std::vector<std::unique_ptr<Sound>> groups;
-        auto watcher = std::make_unique<LoggingObserver>(*names, "A ");
-        for (int i = 0; i < groupCount; ++i) {
+    for (const auto& [what, act] : cases) {
+        SCOPED_TRACE(what);
+        groups.clear();
+        watcher = std::make_unique<LoggingObserver>(*names, "A ");
+        for (int i = 0; i < 5; ++i) {
             groups.push_back(std::make_unique<Sound>());
             groups.back()->AddObserver(watcher.get());
         }
-        SoundObserver elsewhere;
-        group->AddObserver(&elsewhere);
-        std::unique_ptr<SoundObserver> copy;
         const SoundObserver* const watched = watcher.get();
-        switch (which) {
-        case RemovedFromOne:
-            groups[2]->RemoveObserver(watcher.get());
-            break;
-        case OneDestroyed:
-            groups.erase(groups.begin() + 2);
-            break;
-        case AddedAgain:
-            groups[2]->RemoveObserver(watcher.get());
-            groups[2]->AddObserver(watcher.get());
-            break;
-        case AssignedOver:
-            static_cast<SoundObserver&>(*watcher) = elsewhere;
-            break;
-        case CopyOutlives:
-            copy = std::make_unique<SoundObserver>(*watcher);
-            break;
-        case InHandler:
-            watcher->react = [&](const Note&) { watcher.reset(); };
-            break;
-        default:
-            break;
-        }
+        act();
         groups.back()->StopSound(groups.back()->New2DSound(file, nullptr));
         watcher.reset();
         TakeLog();

@@ -183,6 +183,7 @@ void* AllocateWatched(std::size_t bytes)
 TEST_F(PlayInterfaceTest, TheQueueChangesUnderTheLockOfTheChannel)
 {
     const int id = Play(file, Sound::StartImmediately | Sound::StartQueued);
+    EXPECT_EQ(Sound::GetState(id).reason, SoundReason::Won);
     MemoryBlock& block = NewBlock("block", {100});
     watchedLock = Find(id)->GetSndChannel()->GetChanLock();
     HostMemory::SetFunctions(AllocateWatched, std::free);

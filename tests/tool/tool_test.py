@@ -343,6 +343,12 @@ class SoundsTest(ToolCase):
         self.assertIn(b"\r\033[K0:00.5, 1 playing", shown)
 
 
+# Half a second of a constant, coded by FFmpeg.
+FLAC = bytes.fromhex(
+    "664c6143800000220900090000000b00000d056220f000002b116f5abffa98536e809ba50fba1eeb9f10fff8460800d9010009d672"
+    "fff8460801de010009ba0afff8460802d70100090e82fff8460803d001000962fafff87608040710e101000918f1")
+
+
 def extensible(channels, bits, pcm, mask):
     """A wave file whose format chunk has the long form, which the library does not read."""
     frame = channels * bits // 8
@@ -364,10 +370,11 @@ class ConvertTest(ToolCase):
         tone = sine(440, 0.2, 0.5)
         stream = (STREAMS / "mono-48000.mp3").read_bytes()
         self.write_24_bits("deep.wav", tone)
+        (self.folder / "sound.flac").write_bytes(FLAC)
         (self.folder / "tagged.mp3").write_bytes(
             b"ID3\x03\0\0\0\0\0\x14" + b"TIT2\0\0\0\x0a\0\0\0A title..".ljust(20, b"\0") + stream
             + b"TAG".ljust(128, b"\0"))
-        for name, said, mended in [("deep.wav", "24 bit PCM", "deep-converted.wav"),
+        for name, said, mended in [("deep.wav", "24 bit PCM", "deep-converted.wav"), ("sound.flac", "FLAC", "sound.wav"),
                                    ("tagged.mp3", "a tag or other bytes", "tagged-converted.mp3")]:
             with self.subTest(name):
                 done = self.run_tool("info", name)
@@ -437,12 +444,9 @@ class ConvertTest(ToolCase):
         self.write_24_bits("deep.wav", sine(440, 0.2, 0.5))
         (self.folder / "text.wav").write_text("This is no sound.")
         (self.folder / "cut.wav").write_bytes((self.folder / "deep.wav").read_bytes()[:-900])
-        # Half a second of a constant, coded by FFmpeg. Its decoder loses its way where this one is cut.
-        flac = bytes.fromhex(
-            "664c6143800000220900090000000b00000d056220f000002b116f5abffa98536e809ba50fba1eeb9f10fff8460800d9010009d672"
-            "fff8460801de010009ba0afff8460802d70100090e82fff8460803d001000962fafff87608040710e101000918f1")
-        (self.folder / "cut.flac").write_bytes(flac[:70])
-        (self.folder / "head.flac").write_bytes(flac[:44])
+        # The decoder loses its way where this one is cut.
+        (self.folder / "cut.flac").write_bytes(FLAC[:70])
+        (self.folder / "head.flac").write_bytes(FLAC[:44])
         for code, arguments, said in [
             (3, ["missing.flac", "out.wav"], "there is no file 'missing.flac'"),
             (4, ["text.wav", "out.wav"], "is not a sound file of a known type"),

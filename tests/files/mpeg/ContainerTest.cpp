@@ -27,23 +27,6 @@ protected:
     }
 
     static std::vector<int> ReadValues(SndFile& file) { return ToValues(ReadAll(file, frame)); }
-
-    /// Fills blocks of 1024 sample frames as a driver does, with two channels for one, and takes 0 for the
-    /// end.
-    static std::vector<int> FillBlocks(SndFile& file)
-    {
-        std::vector<int> all;
-        for (int wanted = 1024, given = 1; given > 0; wanted = wanted > given ? wanted - given : 1024) {
-            Bytes buffer(static_cast<std::size_t>(wanted * 2 * file.GetChannels()));
-            given = file.ReadSamples(buffer.data(), wanted);
-            const int channels = file.GetChannels();
-            buffer.resize(static_cast<std::size_t>(given * 2 * channels));
-            for (const int value : ToValues(buffer)) {
-                all.insert(all.end(), static_cast<std::size_t>(channels == 1 ? 2 : 1), value);
-            }
-        }
-        return all;
-    }
 };
 
 Bytes Format(int tag, int bitsPerSample, std::size_t chunkBytes = 30)
@@ -75,24 +58,6 @@ TEST_F(MpegFiles, StreamsAreCountedAndPlayAsFromMemory)
         ASSERT_EQ(file->Load() != nullptr, file->Size() == stream.size());
         file->Rewind();
         EXPECT_EQ(ReadValues(*file), expected);
-    }
-}
-
-TEST_F(MpegFiles, StreamsThatChangeChannelsPlayToTheEnd)
-{
-    for (const std::string form : {"ssmm", "mmssm", "smsms", "msm"}) {
-        SCOPED_TRACE(form);
-        Bytes stream;
-        for (const char channels : form) {
-            stream = stream + ReadFrames(channels == 'm' ? "random-mono" : "random-stereo", 1);
-        }
-        const auto file = OpenGood(stream);
-        const std::vector<int> fromFile = FillBlocks(*file);
-        EXPECT_EQ(fromFile.size(), 2U * form.size() * frame);
-        EXPECT_EQ(file->GetCurrentSample(), file->GetSoundSamples());
-        EXPECT_EQ(FillBlocks(*MemoryStream(stream).Get()), fromFile);
-        file->Rewind();
-        EXPECT_EQ(FillBlocks(*file), fromFile);
     }
 }
 
