@@ -44,6 +44,25 @@ TEST_F(PlayInterfaceTest, AGainOutOfRangeIsNotSent)
     EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 1", "c1 SetGain 1"}));
 }
 
+TEST_F(PlayInterfaceTest, EveryGainMultipliesForTheSoundsThatPlay)
+{
+    const int flat = Play(file, Sound::StartImmediately);
+    EXPECT_NE(Play3D(file, 1.0F), 0);
+    Step(40);
+    TakeLog();
+    group->SetGain(0.5F);
+    EXPECT_EQ(TakeLog(), (Lines{"c1 SetGain 0.5", "c2 SetGain 0.5"}));
+    SoundSystem::Set2DMainGain(0.5F);
+    EXPECT_EQ(TakeLog(), Lines{"c1 SetGain 0.25"});
+    SoundSystem::Set3DMainGain(0.25F);
+    EXPECT_EQ(TakeLog(), Lines{"c2 SetGain 0.125"});
+    group->SetSoundGain(flat, 0.5F);
+    EXPECT_EQ(TakeLog(), Lines{"c1 SetGain 0.125"});
+    Sound elsewhere;
+    elsewhere.SetGain(0.75F);
+    EXPECT_EQ(TakeLog(), Lines());
+}
+
 TEST_F(PlayInterfaceTest, ValuesThatAreNotFiniteNeverReachTheDriver)
 {
     for (const float value : {notANumber, infinite, -infinite}) {

@@ -406,12 +406,13 @@ class ConvertTest(ToolCase):
 
     def test_a_folder_is_converted_where_it_has_changed(self):
         self.write_24_bits("in/one.wav", sine(440, 0.1, 0.5))
-        self.write_24_bits("in/two.wav", sine(440, 0.2, 0.5))
+        self.write_24_bits("in/quiet/two.wav", sine(440, 0.2, 0.5))
+        self.write_24_bits("in/.hidden/three.wav", sine(440, 0.2, 0.5))
         (self.folder / "in/readme.txt").write_text("This is no sound.")
         for options, expected in [([], (2, 0)), ([], (0, 2)), (["--all"], (2, 0)), (["--format", "adpcm"], (2, 0))]:
             said = self.succeed("convert", "in", "out", *options)
             self.assertIn("%d converted, %d unchanged, 1 skipped" % expected, said)
-        self.assertIn("Microsoft ADPCM wave", self.succeed("info", "out/two.wav"))
+        self.assertIn("Microsoft ADPCM wave", self.succeed("info", "out/quiet/two.wav"))
         self.write_24_bits("in/one.wav", sine(440, 0.3, 0.5))
         lines = self.succeed("convert", "--json", "in", "out", "--format", "adpcm").splitlines()
         self.assertEqual([(Path(line["output"]).name, line["action"]) for line in map(json.loads, lines)],
@@ -419,11 +420,12 @@ class ConvertTest(ToolCase):
 
     def test_the_preview_shows_length_level_spectrum_and_remarks(self):
         self.write_wave("tone.wav", sine(1000, 1.0, 0.5))
-        (self.folder / "sounds").mkdir()
+        (self.folder / "a&b").mkdir()
         for name, block in [("a", "*FILE tone.wav\n*GAIN 0.5"), ("b", "*FILE lost.wav\n*LOUD 1"), ("c", "</script>")]:
-            (self.folder / f"sounds/{name}.sound").write_text(f"*SOUND_DEFINITION {{ {block} }}")
-        self.assertIn("3 definitions, 2 with findings", self.succeed("preview", "sounds", "out.html", "--root", "."))
+            (self.folder / f"a&b/{name}.sound").write_text(f"*SOUND_DEFINITION {{ {block} }}")
+        self.assertIn("3 definitions, 2 with findings", self.succeed("preview", "a&b", "out.html", "--root", "."))
         page = (self.folder / "out.html").read_text()
+        self.assertIn("<h1>Sounds of a&amp;b</h1>", page)
         good, lost, broken = json.loads(re.search(r'id="records">(.*?)</script>', page, re.DOTALL).group(1))
         self.assertEqual([record["name"] for record in (good, lost, broken)], ["a.sound", "b.sound", "c.sound"])
         self.assertAlmostEqual(good["seconds"], 1, delta=0.001)
