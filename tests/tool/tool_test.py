@@ -219,7 +219,7 @@ class SoundsTest(ToolCase):
         for options, is_standard in [([], False), (["--option", "MpegStandard=1"], True),
                                      (["--option", "MpegStandard=2"], False)]:
             with self.subTest(options):
-                self.succeed("decode", "in.mp3", "out.wav", *options)
+                self.succeed("decode", *options, "in.mp3", "out.wav")
                 with wave.open(str(self.folder / "out.wav")) as out:
                     samples = array.array("h", out.readframes(out.getnframes()))[::11]
                 largest = max(abs(a - b) for a, b in zip(samples, standard, strict=True))

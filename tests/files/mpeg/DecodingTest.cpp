@@ -21,13 +21,16 @@ constexpr std::size_t stride = 11;
 template<class Action>
 void OnAllKernels(Action action)
 {
+    int count = 0;
     for (const DecoderKernels* kernels : {&BaselineKernels(), &PlainKernels(), Avx2Kernels()}) {
         if (kernels != nullptr) {
             SCOPED_TRACE(kernels->name);
             SndFileMP3::UseKernels(kernels);
             action(*kernels);
+            ++count;
         }
     }
+    EXPECT_GE(count, 2) << "all but those for AVX2 are always there";
     SndFileMP3::UseKernels(nullptr);
 }
 
