@@ -66,7 +66,7 @@ TEST_F(PlacedHeard, OnlyWhereASoundIsFromTheListenerCounts)
     const Rendering expected = render({0.0F, 0.0F, 0.0F});
     EXPECT_GT(expected.Level(0, expected.GetFrames(), 0), 0.005);
     for (const Vector3& away :
-        {Vector3{8.0F, 0.0F, 0.0F}, Vector3{0.0F, -16.0F, 0.0F}, Vector3{0.0F, 0.0F, 32.0F}}) {
+        {Vector3{80.0F, 0.0F, 0.0F}, Vector3{0.0F, -160.0F, 0.0F}, Vector3{0.0F, 0.0F, 320.0F}}) {
         SCOPED_TRACE(testing::Message() << away.x << ' ' << away.y << ' ' << away.z);
         const Rendering heard = render(away);
         ASSERT_EQ(heard.samples.size(), expected.samples.size());

@@ -9,6 +9,8 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 using namespace Quon;
 
@@ -292,6 +294,33 @@ TEST(Tables, IntensityPositionsWithoutAFiniteFactorAreSilent)
         EXPECT_NEAR(factors.mpeg1Left[position] + factors.mpeg1Right[position], position == 9 ? 0 : 1, 1e-6);
         EXPECT_LT(std::abs(factors.mpeg1Left[position]), 3);
     }
+}
+
+// Each row: table, v, w, x, y, length, code; the pairs have no v and w.
+TEST(Tables, HoldTheHuffmanCodesOfTheList)
+{
+    std::ifstream list(MPEG_TABLES "/huffman.csv");
+    std::string row;
+    std::getline(list, row);
+    int count = 0;
+    for (; std::getline(list, row); ++count) {
+        SCOPED_TRACE(row);
+        ASSERT_LT(count, huffmanCodeCount);
+        std::vector<std::string> cells;
+        std::istringstream stream(row);
+        for (std::string cell; std::getline(stream, cell, ',');) {
+            cells.push_back(cell);
+        }
+        ASSERT_EQ(cells.size(), 7U);
+        const bool isPair = cells[1].empty();
+        const std::string quadruple = cells[1] + cells[2] + cells[3] + cells[4];
+        const HuffmanCode& code = huffmanCodes[count];
+        EXPECT_EQ(code.first, isPair ? std::stoi(cells[3]) : std::stoi(quadruple, nullptr, 2));
+        EXPECT_EQ(code.second, isPair ? std::stoi(cells[4]) : 0);
+        EXPECT_EQ(code.length, std::stoi(cells[5]));
+        EXPECT_EQ(static_cast<int>(code.code), std::stoi(cells[6], nullptr, 2));
+    }
+    EXPECT_EQ(count, huffmanCodeCount);
 }
 
 TEST(Tables, HoldTheNumbersOfTheStandard)
