@@ -118,7 +118,7 @@ TEST_F(MicrophoneTest, SoundsBelowItTurnWithIt)
     const int id = group->Play3DSound(
         microphone.get(), PString(), WriteWave("a.wav", {2000}), nullptr, Sound::StartImmediately, 0, {}, 0);
     group->SetSoundPosition(id, {0.0F, 0.0F, -2.0F});
-    Step(40);
+    StepTimes(3, 40);
     microphone->SetOrientation({1.0F, 0.0F, 0.0F}, {0.0F, 1.0F, 0.0F});
     Step(40);
     ExpectNear(recording.channels.at(1).position, {2.0F, 0.0F, 0.0F});

@@ -240,6 +240,11 @@ TEST_F(RunningTest, TheUpdateRunsAtItsPlaceAmongTheTasks)
     const MarkTask before(recording, "before", 6.9F);
     Step(40);
     EXPECT_EQ(TakeLog({"before", "BeginUpdate", "after"}), (Lines{"before", "BeginUpdate 40", "after"}));
+    // By its name a host can hold it back.
+    TaskList::Get().SetMinimumStep("HarmonetTask", 0.1F);
+    StepTimes(2, 40);
+    EXPECT_EQ(TakeLog({"BeginUpdate"}), Lines());
+    TaskList::Get().SetMinimumStep("HarmonetTask", 0.0F);
 }
 
 // The samples of a step are counted in 32 bits, as on every other machine.

@@ -1,6 +1,7 @@
 // What a sound takes over from a definition, and the effects that it can be given.
 
 #include "harmonet/engine/Particle.h"
+#include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
 #include "tests/instances/WithResources.h"
 #include "tests/support/SoundTest.h"
@@ -19,7 +20,8 @@ protected:
     SoundResources()
     {
         folder.Write("horn.sound",
-            "*SOUND_DEFINITION\n{\n*FILE a.wav\n*GAIN 0.5\n*LOOPING true\n*DELAY 300\n*FREQUENCY 2000\n"
+            "*SOUND_DEFINITION\n{\n*FILE a.wav\n*GAIN 0.5\n*LOOPING true\n*LOOP_END 600\n"
+            "*DELAY 300\n*FREQUENCY 2000\n"
             "*DISABLE_ENV_FX true\n*MIN_DISTANCE 3\n*MAX_DISTANCE 40\n*INNER_CONE_ANGLE 60\n"
             "*OUTER_CONE_ANGLE 120\n*CONE_GAIN 0.25\n*POSITION 1 2 3\n}\n");
         folder.Write("fx.sound", "*SOUND_DEFINITION {\n*FILE a.wav\n*FX_ECHO\n*FX_GARGLE\n}\n");
@@ -130,6 +132,9 @@ TEST_F(SoundResources, EveryWayToStartGivesTheDriverTheSettings)
         const int id = row.start();
         ASSERT_NE(id, 0);
         EXPECT_EQ(TakeChannelCalls(id), row.told);
+        const SndBase& sound = *Find(id);
+        EXPECT_EQ(sound.GetSndFile()->GetPassEnd(), sound.IsLooping() ? 600 : 2000);
+        EXPECT_EQ(sound.IsDisableMicFX(), sound.IsLooping() && sound.Is3D());
         group->StopSound(id);
     }
 }
