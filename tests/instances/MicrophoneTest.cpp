@@ -122,6 +122,10 @@ TEST_F(MicrophoneTest, SoundsBelowItTurnWithIt)
     microphone->SetOrientation({1.0F, 0.0F, 0.0F}, {0.0F, 1.0F, 0.0F});
     Step(40);
     ExpectNear(recording.channels.at(1).position, {2.0F, 0.0F, 0.0F});
+    // Half a turn from where it began.
+    microphone->SetOrientation(Quaternion{0.0F, 1.0F, 0.0F, 0.0F});
+    Step(40);
+    ExpectNear(recording.channels.at(1).position, {0.0F, 0.0F, 2.0F});
 }
 
 TEST_F(MicrophoneTest, IsNotTheListenerOfALaterSystem)
