@@ -27,9 +27,10 @@ public:
     /// at once.
     std::int64_t GetLatency() const { return isUpdating ? latencyMs * microsecondsPerMs : 0; }
 
-    /// The time of the machine at which something that is done now takes place, in nanoseconds: the beginning of
-    /// the update, or `now` outside an update. The library moves virtual sounds on from update to update, so a
-    /// sound that loses its channel in one and regains it in another is right to the duration between the two.
+    /// The time of the machine at which something that is done now takes place, in nanoseconds: the beginning
+    /// of the update, or `now` outside an update. The library moves virtual sounds on from update to update,
+    /// so a sound that loses its channel in one and regains it in another is right to the duration between
+    /// the two.
     std::int64_t GetMachineTime(std::int64_t now) const { return isUpdating ? updateTime : now; }
 
 private:
