@@ -156,8 +156,9 @@ public:
     /// device's clock. Does nothing if `mayWait` is false and the channel's lock is held elsewhere.
     void Pump(const PumpTargets& ahead, std::int64_t time, bool mayWait);
 
-    /// Reads a sound that has begun `microseconds` ahead of the queue. Any thread, without a ContextScope.
-    void ReadAhead(std::int64_t microseconds);
+    /// Reads a sound that has begun `microseconds` ahead of the queue. Returns false if it has yet to begin.
+    /// Any thread, without a ContextScope.
+    bool ReadAhead(std::int64_t microseconds);
 
 private:
     enum class State

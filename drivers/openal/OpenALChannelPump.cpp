@@ -74,14 +74,14 @@ void OpenALChannel::PumpRound(const PumpTargets& ahead, std::int64_t time)
     }
 }
 
-void OpenALChannel::ReadAhead(std::int64_t microseconds)
+bool OpenALChannel::ReadAhead(std::int64_t microseconds)
 {
     if (!isPumped) {
-        return;
+        return true;
     }
     const SyncLock lock(chanLock);
     if (!isPumped || !feed.GetReader().HasBegun()) {
-        return;
+        return !isPumped;
     }
     std::unique_lock outputLock(outputMutex);
     const std::int64_t sampleFrames =
@@ -90,6 +90,7 @@ void OpenALChannel::ReadAhead(std::int64_t microseconds)
     feed.ReadAhead(*this, sampleFrames);
     outputLock.lock();
     TakeSteps();
+    return true;
 }
 
 void OpenALChannel::BeginSound()

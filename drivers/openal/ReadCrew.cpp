@@ -41,6 +41,12 @@ void ReadCrew::Finish()
     Work();
     std::unique_lock lock(mutex);
     done.wait(lock, [this] { return working == 0; });
+    // The renderer has begun these sounds in the meantime.
+    if (isIncomplete.exchange(false)) {
+        for (const auto& channel : channels) {
+            channel->ReadAhead(microseconds);
+        }
+    }
 }
 
 // From the last channel on: the renderer pumps them from the first one on at the same time, and would wait
@@ -48,7 +54,9 @@ void ReadCrew::Finish()
 void ReadCrew::Work()
 {
     for (std::size_t i = next++; i < channels.size(); i = next++) {
-        channels[channels.size() - 1 - i]->ReadAhead(microseconds);
+        if (!channels[channels.size() - 1 - i]->ReadAhead(microseconds)) {
+            isIncomplete = true;
+        }
     }
 }
 

@@ -37,6 +37,7 @@ private:
     Channels channels; ///< These two change only while no helper thread works.
     std::int64_t microseconds = 0;
     std::atomic<std::size_t> next = 0; ///< The next channel to read.
+    std::atomic<bool> isIncomplete = false; ///< A sound had not begun when its turn came. Publishes nothing.
 
     std::mutex mutex; ///< Guards the members below.
     std::condition_variable wake;
