@@ -129,11 +129,16 @@ TEST_F(Placed, ConeGainIsLinearFromInnerToOuterAngle)
     Play();
     // By the angle between the cone's axis and the way to the listener; the cone's angles are whole openings.
     const std::pair<double, double> rows[] = {{29, 1.0}, {45, 0.6}, {52.5, 0.4}, {61, 0.2}, {180, 0.2}};
-    for (const auto& [degrees, gain] : rows) {
-        const double radians = degrees * std::numbers::pi / 180;
-        channel->SetDirection(
-            {static_cast<float>(std::sin(radians)), 0, static_cast<float>(std::cos(radians))});
-        EXPECT_NEAR(Gain(), gain, 0.002) << degrees;
+    // With the listener anywhere.
+    for (const Vector3& listener : {Vector3{0, 0, 0}, Vector3{40, -80, 60}}) {
+        driver.SetListenerPosition(listener);
+        channel->SetPosition(listener + Vector3{0, 0, -1});
+        for (const auto& [degrees, gain] : rows) {
+            const double radians = degrees * std::numbers::pi / 180;
+            channel->SetDirection(
+                {static_cast<float>(std::sin(radians)), 0, static_cast<float>(std::cos(radians))});
+            EXPECT_NEAR(Gain(), gain, 0.002) << degrees;
+        }
     }
     // Clamped to 360 degrees and a gain of 1.
     channel->SetCone(400.0F, 90.0F, 2.0F);

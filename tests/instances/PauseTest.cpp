@@ -117,6 +117,11 @@ TEST_F(PauseTest, SoundsStartedDuringAPauseWaitForItsEnd)
     EXPECT_EQ(Waiting(), Ids{delayed});
     StepTimes(2, 40);
     EXPECT_NE(ChannelOf(delayed), 0);
+    // A piece that is lost during a pause leaves nothing.
+    music.Pause();
+    Step(40);
+    EXPECT_FALSE(music.CrossFade("none", 1000, true));
+    EXPECT_EQ(CountPaused(), 0);
 }
 
 // The fixture sees whether anything is left.
@@ -139,31 +144,6 @@ TEST_F(PauseTest, PausedSoundsCanBeEnded)
         EXPECT_EQ(CountPaused(), 0);
         Step(40);
     }
-}
-
-// The channel that fades out is given up, and made again where it was; both pieces of a cross-fade.
-TEST_F(PauseTest, FadesContinueWhereTheyWere)
-{
-    music.FadeIn(file, 1000, true);
-    StepTimes(5, 40);
-    music.CrossFade(brief, 1000, true);
-    StepTimes(10, 40);
-    music.Pause();
-    Step(40);
-    EXPECT_EQ(CountPaused(), 1);
-    TakeLog();
-    StepTimes(50, 40);
-    EXPECT_EQ(TakeLog({"c"}), Lines());
-    music.Resume();
-    Step(40);
-    EXPECT_EQ(TakeLog({"c3", "c4"}),
-        (Lines{"c3 Play", "c3 FadeOut 1000", "c3 SkipFade 440", "c4 FadeIn 1000", "c4 SkipFade 440",
-            "c4 Play"}));
-    // One that ends, or loses its piece, during a pause leaves nothing.
-    music.Pause();
-    Step(40);
-    EXPECT_FALSE(music.CrossFade("none", 1000, true));
-    EXPECT_EQ(CountPaused(), 0);
 }
 
 TEST_F(PauseTest, ALineIsPausedWithItsSources)

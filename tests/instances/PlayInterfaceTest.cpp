@@ -2,6 +2,7 @@
 #include "harmonet/engine/Particle.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/files/SndNodeCache.h"
+#include "harmonet/instances/Music.h"
 #include "harmonet/instances/SndBase.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/output/SndChannel.h"
@@ -9,6 +10,7 @@
 #include "tests/support/SoundTest.h"
 
 #include <cstdlib>
+#include <functional>
 #include <limits>
 
 namespace Quon
@@ -61,6 +63,50 @@ TEST_F(PlayInterfaceTest, EveryGainMultipliesForTheSoundsThatPlay)
     Sound elsewhere;
     elsewhere.SetGain(0.75F);
     EXPECT_EQ(TakeLog(), Lines());
+}
+
+TEST_F(PlayInterfaceTest, LowPassFactorsMultiplyForEveryKindOfSoundAndOutlastItsChannel)
+{
+    struct Row
+    {
+        float own, parent, all;
+        float sent, sentToMusic;
+        bool losesChannel = false;
+    };
+    const Row rows[] = {{1, 1, 1, 1, 1}, {0.5F, 1, 1, 0.5F, 1}, {0.5F, 0.5F, 1, 0.25F, 0.5F},
+        {0.5F, 0.5F, 0.5F, 0.125F, 0.25F}, {0.25F, 1, 0.5F, 0.125F, 0.5F, true}, {7, 1, 1, 1, 1},
+        {1, -1, 1, 0, 0}};
+    const Vector3 points[] = {{3, 0, -3}, {3, 0, 3}};
+    Music music;
+    const std::function<int()> kinds[] = {[&] { return Play(file, Sound::StartLooping); },
+        [&] { return Play3D(file, 3.0F); },
+        [&] {
+            const int id = group->New3DSound(points, 2, file, nullptr, 0, 0.0F);
+            return group->StartSound(id, 0) ? id : 0;
+        },
+        [&] { return music.Play(file, true) ? -1 : 0; }};
+    for (const auto& play : kinds) {
+        const int id = play();
+        // A line is heard from the first move on.
+        microphone->SetPosition({0.0F, 0.0F, 0.01F * static_cast<float>(id)});
+        for (const Row& row : rows) {
+            SCOPED_TRACE(testing::Message() << "kind " << &play - kinds << ", row " << &row - rows);
+            if (row.losesChannel) {
+                SoundSystem::PauseAll();
+                Step(40);
+                EXPECT_TRUE(recording.channels.empty());
+            }
+            group->SetSoundLowPass(id, row.own);
+            group->SetLowPass(row.parent);
+            music.SetLowPass(row.parent);
+            SoundSystem::SetLowPass(row.all);
+            SoundSystem::ResumeAll();
+            StepTimes(2, 40);
+            ASSERT_EQ(recording.channels.size(), 1U);
+            EXPECT_EQ(recording.channels.begin()->second.lowPass, id > 0 ? row.sent : row.sentToMusic);
+        }
+        SoundSystem::StopAll();
+    }
 }
 
 TEST_F(PlayInterfaceTest, ValuesThatAreNotFiniteNeverReachTheDriver)

@@ -88,69 +88,6 @@ TEST_F(RunningTest, StartSamplesAreSkippedAlongTheQueueOrLoop)
     }
 }
 
-// A sound that begins without a channel is at its offset then, and goes round its loop region by the time
-// that passes, be it counted or, in a file that is shorter than it states, moved at each update.
-TEST_F(RunningTest, AVirtualSoundBeginsAtItsOffsetAndGoesRoundItsLoopRegion)
-{
-    struct Row
-    {
-        unsigned long offset;
-        int loopStart;
-        int loopEnd;
-        bool isLoop = true;
-    };
-    constexpr int frames = 4000;
-    constexpr int steps[] = {40, 63, 100, 137, 1000, 40, 2500, 9001, 500};
-    std::vector<unsigned char> shorter = BuildWave({frames});
-    shorter.resize(shorter.size() - 600);
-    folder.Write("shorter.wav", shorter);
-    for (const PString& file : {FileOf(frames), PString("shorter.wav")}) {
-        for (const Row& row : {Row{500, 0, 0}, Row{0, 700, 3000}, Row{3500, 700, 3000}, Row{9000, 0, 3000},
-                 Row{1200, 1000, 1010}, Row{0, 2000, 2001}, Row{250, 5000, 6000}, Row{250, 3000, 700},
-                 Row{250, -5, 700}, Row{700, 0, 0, false}}) {
-            SCOPED_TRACE(testing::Message() << file.GetText() << ", offset " << row.offset << ", region "
-                                            << row.loopStart << " to " << row.loopEnd);
-            const bool isValid = row.loopStart >= 0 && row.loopStart < row.loopEnd && row.loopStart < frames;
-            const int start = isValid ? row.loopStart : 0;
-            const int end = isValid ? std::min(row.loopEnd, frames) : frames;
-            if (file == "shorter.wav" && end == frames) {
-                continue;
-            }
-            const int id = group->New2DSound(file, nullptr);
-            group->SetSoundStartOffset(id, row.offset);
-            group->SetSoundLoopRegion(id, row.loopStart, row.loopEnd);
-            Displace(id, row.isLoop ? Sound::StartLooping : 0);
-            EXPECT_EQ(group->GetRemainLength(id), row.isLoop ? unknownLength : frames - row.offset);
-            long place = static_cast<long>(row.offset);
-            const auto isThere = [&](long current, long tolerance) {
-                while (place > end) {
-                    place -= end - start;
-                }
-                // The end of a pass is the start of the next.
-                const long atSeam = place == end ? start : place == start ? end : place;
-                return std::abs(current - place) <= tolerance || std::abs(current - atSeam) <= tolerance;
-            };
-            for (const int step : steps) {
-                // Milliseconds are cut off.
-                const auto current = static_cast<long>(group->GetCurrentLength(id));
-                EXPECT_TRUE(isThere(current, 1)) << current << ", not " << place << ", before " << step;
-                if (row.isLoop || place + 2 * step < frames) {
-                    Step(step);
-                    place += step;
-                }
-            }
-            // Its channel goes on from there.
-            system.SetMaxAudibleSounds(20);
-            Step(40);
-            place += 40;
-            EXPECT_NE(ChannelOf(id), 0);
-            const int current = Find(id)->GetSndFile()->GetCurrentSample();
-            EXPECT_TRUE(isThere(current, 0)) << current << ", not " << place;
-            group->StopSound(id);
-        }
-    }
-}
-
 // Along the queue; at the end, a sound ends as one that has run out.
 TEST_F(RunningTest, TheStartOffsetCountsAlongTheQueueAndBeyondItsEndTheSoundEnds)
 {
@@ -240,11 +177,6 @@ TEST_F(RunningTest, TheUpdateRunsAtItsPlaceAmongTheTasks)
     const MarkTask before(recording, "before", 6.9F);
     Step(40);
     EXPECT_EQ(TakeLog({"before", "BeginUpdate", "after"}), (Lines{"before", "BeginUpdate 40", "after"}));
-    // By its name a host can hold it back.
-    TaskList::Get().SetMinimumStep("HarmonetTask", 0.1F);
-    StepTimes(2, 40);
-    EXPECT_EQ(TakeLog({"BeginUpdate"}), Lines());
-    TaskList::Get().SetMinimumStep("HarmonetTask", 0.0F);
 }
 
 // The samples of a step are counted in 32 bits, as on every other machine.

@@ -38,6 +38,8 @@ struct ChannelRecord
     unsigned int flags = 0;
     State state = Made;
     float gain = 1.0F;
+    float lowPass = 1.0F;
+    float pitch = 1.0F;
     Vector3 position;
     unsigned long frequencyHz = 0; ///< What GetFrequency() answers; 0 until a rate is set and told.
     std::optional<std::int64_t> startTime; ///< In game time, as SetStartTime() tells it.

@@ -81,6 +81,20 @@ void RecordingChannel::SetGain(float gain)
     }
 }
 
+void RecordingChannel::SetLowPass(float gainHF)
+{
+    if (ChannelRecord* record = Called("SetLowPass " + ToText(gainHF))) {
+        record->lowPass = gainHF;
+    }
+}
+
+void RecordingChannel::SetPitch(float factor)
+{
+    if (ChannelRecord* record = Called("SetPitch " + ToText(factor))) {
+        record->pitch = factor;
+    }
+}
+
 void RecordingChannel::SetPosition(const Vector3& position)
 {
     recording.Require(IsFinite(position), name + " SetPosition, not finite");

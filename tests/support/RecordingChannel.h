@@ -32,8 +32,8 @@ public:
     void SetDirection(const Vector3& direction) override;
     bool SetFrequency(unsigned long hz) override;
     unsigned long GetFrequency() override;
-    void SetLowPass(float gainHF) override { Called("SetLowPass " + ToText(gainHF)); }
-    void SetPitch(float factor) override { Called("SetPitch " + ToText(factor)); }
+    void SetLowPass(float gainHF) override;
+    void SetPitch(float factor) override;
     /// Not logged.
     void SetStartTime(std::int64_t gameMicroseconds, std::int64_t agoMicroseconds) override;
     bool SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* properties) override;
