@@ -2,6 +2,8 @@
 
 #include "harmonet/files/WaveHeader.h"
 
+#include <algorithm>
+
 namespace Quon
 {
 
@@ -24,8 +26,8 @@ std::vector<unsigned char> BuildWave(const PcmForm& form)
     format.SetFormat(form.bitsPerSample / 8, form.rateHz, form.frames, form.channels);
     const std::vector<unsigned char> pcm = BuildPcm(form);
     const auto header = MakeWaveHeader(format, pcm.size());
-    std::vector<unsigned char> bytes(header.begin(), header.end());
-    bytes.insert(bytes.end(), pcm.begin(), pcm.end());
+    std::vector<unsigned char> bytes(header.size() + pcm.size());
+    std::copy(pcm.begin(), pcm.end(), std::copy(header.begin(), header.end(), bytes.begin()));
     return bytes;
 }
 
