@@ -201,25 +201,6 @@ TEST_F(OpenALCard, OpensWithoutADeviceOnlyForSilenceOrRendering)
     EXPECT_EQ(rendered.Heard().GetFrames(), 44100U);
 }
 
-TEST_F(OpenALCard, RemainingLengthNeverGrowsWhileTheDeviceIsLost)
-{
-    ASSERT_TRUE(rig.Open(rateHz, 4));
-    SndChannel* const channel = rig.Play(rig.Make({3 * rateHz / 4}, Constant(0.1)));
-    unsigned long last = 750;
-    bool hasEnded = false;
-    rig.onEvent = [&](const DriverEvent&) { hasEnded = true; };
-    EXPECT_TRUE(rig.StepUntil([&] {
-        const unsigned long now = channel->GetRemainLength();
-        EXPECT_LE(now, last);
-        if (now / 100 != last / 100) {
-            machine.hasGoneOnce = true;
-        }
-        last = now;
-        return hasEnded || HasFailure();
-    }));
-    EXPECT_GT(machine.timesOpened, 2);
-}
-
 // The sound's height tells where in the sound one is.
 TEST_F(OpenALCard, ANewDevicePlaysFromTheCurrentPositionWithAllSettings)
 {

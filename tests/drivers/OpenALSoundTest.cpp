@@ -143,6 +143,9 @@ TEST_F(Placed, ConeGainIsLinearFromInnerToOuterAngle)
     // Clamped to 360 degrees and a gain of 1.
     channel->SetCone(400.0F, 90.0F, 2.0F);
     EXPECT_NEAR(Gain(), 1.0, 0.002);
+    // None set: no cone.
+    channel->SetCone(0.0F, 0.0F, 0.0F);
+    EXPECT_NEAR(Gain(), 1.0, 0.002);
 }
 
 TEST_F(Placed, ASoundIsLouderOnItsSide)

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <memory>
-#include <thread>
 
 namespace Quon
 {
@@ -65,23 +64,6 @@ TEST_F(Locks, AreRecursive)
     EXPECT_FALSE(IsFreeForAnotherThread(held));
     held.Unlock();
     EXPECT_TRUE(IsFreeForAnotherThread(held));
-}
-
-TEST_F(Locks, ExcludeOtherThreads)
-{
-    for (SyncObject* const lock : all) {
-        int counter = 0;
-        const auto work = [lock, &counter] {
-            for (int i = 0; i < 2000; ++i) {
-                const SyncLock guard(*lock);
-                counter = counter + 1;
-            }
-        };
-        std::thread other(work);
-        work();
-        other.join();
-        EXPECT_EQ(counter, 4000);
-    }
 }
 
 TEST(ExceptionHandler, ReturnsTheResultAndCatchesEveryException)

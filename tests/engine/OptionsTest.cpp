@@ -70,20 +70,10 @@ TEST(Options, IterateAListOnceAndAgainAfterTheSeparatorsChange)
         EXPECT_EQ(Items(options, "Sound"), row.items);
         options.Set("Sound", row.text);
         EXPECT_EQ(Items(options, "Sound"), row.items);
+        options.Set("Sound", nullptr);
+        EXPECT_EQ(Items(options, "Sound"), List());
+        EXPECT_EQ(Items(options, nullptr), List());
     }
-}
-
-TEST(Options, AreEmptyWhenNotSet)
-{
-    Options options;
-    options.SetSeperators("Sound", ",");
-    options.Set("Sound", "a");
-    options.Set("Sound", nullptr);
-    String text;
-    EXPECT_FALSE(options.GetNext("Sound", text));
-    EXPECT_FALSE(options.GetNext(nullptr, text));
-    EXPECT_FALSE(options.Get("Sound", text, "default"));
-    EXPECT_STREQ(text.GetText(), "default");
 }
 
 /// Each key with what it is set to; "-" if it is not.

@@ -104,27 +104,20 @@ TEST_F(WaveReader, MemoryIsReadInPlaceAndTheReaderCanBeReopened)
 TEST_F(WaveReader, MemoryInOtherFormatsIsRefused)
 {
     Bytes block = Counting(16);
-    struct Row
-    {
-        const char* what;
-        void* data;
-        unsigned long size;
-        WaveFormatEx format;
-    } rows[] = {
-        {"ADPCM", block.data(), 16, {2, 1, 8000, 0, 0, 4, 0}},
-        {"MPEG", block.data(), 16, {85, 1, 8000, 0, 0, 16, 0}},
-        {"no channels", block.data(), 16, {1, 0, 8000, 0, 0, 16, 0}},
-        {"no rate", block.data(), 16, {1, 1, 0, 0, 0, 16, 0}},
-        {"four bits", block.data(), 16, {1, 1, 8000, 0, 0, 4, 0}},
-        {"no block", nullptr, 16, {1, 1, 8000, 0, 0, 16, 0}},
+    std::pair<const char*, WaveFormatEx> rows[] = {
+        {"ADPCM", {2, 1, 8000, 0, 0, 4, 0}},
+        {"MPEG", {85, 1, 8000, 0, 0, 16, 0}},
+        {"no channels", {1, 0, 8000, 0, 0, 16, 0}},
+        {"no rate", {1, 1, 0, 0, 0, 16, 0}},
+        {"four bits", {1, 1, 8000, 0, 0, 4, 0}},
     };
-    for (Row& row : rows) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(SndFile::OpenFile(row.data, row.size, &row.format), nullptr);
+    for (auto& [what, format] : rows) {
+        EXPECT_EQ(SndFile::OpenFile(block.data(), 16, &format), nullptr) << what;
     }
+    WaveFormatEx format = {1, 1, 8000, 0, 0, 16, 0};
+    EXPECT_EQ(SndFile::OpenFile(nullptr, 16, &format), nullptr);
     EXPECT_EQ(SndFile::OpenFile(block.data(), 16, nullptr), nullptr);
     if constexpr (sizeof(unsigned long) > sizeof(std::uint32_t)) {
-        WaveFormatEx format = {1, 1, 8000, 0, 0, 16, 0};
         const auto bytes = static_cast<unsigned long>(std::uint64_t{1} << 32);
         EXPECT_EQ(SndFile::OpenFile(block.data(), bytes, &format), nullptr);
     }

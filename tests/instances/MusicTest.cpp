@@ -167,15 +167,13 @@ TEST_F(MusicResources, AResourceMayStopThePieceOrStartAnother)
     new ResourceType<WilfulResource>(PString("wilful"), UId("6B7E2199-3F4C-41A7-8C2D-5E19A07C33D1"),
         UId("6B7E2180-3F4C-41A7-8C2D-5E19A07C33D1"));
     WriteWave("a.wilful", {5000});
-    WilfulResource::act = [](Music& handle) { handle.Stop(); };
-    EXPECT_FALSE(music.Play("a.wilful", &database, false));
-    EXPECT_TRUE(TakeLog().empty());
-    WilfulResource::act = [](Music& handle) { handle.FadeOut(10); };
-    EXPECT_FALSE(music.Play("a.wilful", &database, false));
-    EXPECT_TRUE(TakeLog().empty());
-    WilfulResource::act = [](Music& handle) { handle = Music(); };
-    EXPECT_FALSE(music.Play("a.wilful", &database, false));
-    EXPECT_TRUE(TakeLog().empty());
+    const std::function<void(Music&)> ways[] = {[](Music& handle) { handle.Stop(); },
+        [](Music& handle) { handle.FadeOut(10); }, [](Music& handle) { handle = Music(); }};
+    for (const auto& end : ways) {
+        WilfulResource::act = end;
+        EXPECT_FALSE(music.Play("a.wilful", &database, false));
+        EXPECT_TRUE(TakeLog().empty());
+    }
     WilfulResource::act = [](Music& handle) { EXPECT_TRUE(handle.Play("b", true)); };
     EXPECT_TRUE(music.Play("a.wilful", &database, false));
     EXPECT_EQ(TakeLog(), (Lines{"CreateChannel c1 2 b@0 fx", "c1 Play"}));

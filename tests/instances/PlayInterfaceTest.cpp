@@ -283,17 +283,6 @@ TEST_F(PlayInterfaceTest, SettingsOfTheStartAreIgnoredWhileASoundRuns)
     EXPECT_EQ(Find(id)->GetSndFile()->GetPassEnd(), 2000);
 }
 
-TEST_F(PlayInterfaceTest, ASoundInMemoryMustBePcm)
-{
-    MemoryBlock block({700});
-    for (const bool isPcm : {true, false}) {
-        EXPECT_EQ(group->New2DSound(block.GetData(), block.GetSize(), &block.format) != 0, isPcm);
-        EXPECT_EQ(group->New3DSound(block.GetData(), block.GetSize(), &block.format) != 0, isPcm);
-        block.format.formatTag = waveTagAdpcm;
-    }
-    EXPECT_EQ(group->Play2DSound(nullptr, 100, nullptr, 0, 0, 0), 0);
-}
-
 TEST_F(PlayInterfaceTest, AFailedStartLeavesNothing)
 {
     recording.channelLimit = 0;

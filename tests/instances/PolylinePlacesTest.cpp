@@ -246,6 +246,16 @@ TEST_F(PolylinePlaces, ALineIsHeardOnlyWithinItsReach)
         EXPECT_EQ(!Places(id).empty(), row.isHeard);
         group->StopSound(id);
     }
+    // Without distances a driver takes those of a definition that sets none.
+    const Vector3 points[] = {{2.0F, 0.0F, 0.0F}, {2.0F, 0.0F, 9.0F}};
+    const int bare = group->New3DSound(points, 2, file, nullptr, 1, 45.0F);
+    EXPECT_TRUE(group->StartSound(bare, 0));
+    TakeLog();
+    Listen(origin);
+    EXPECT_FALSE(Places(bare).empty());
+    for (const std::string& line : TakeLog({"c"})) {
+        EXPECT_TRUE(line.find("SetMinMaxDistance") == std::string::npos || line.ends_with(" 0 0 0")) << line;
+    }
 }
 
 TEST_F(PolylinePlaces, ALineOfLengthZeroIsAPointAndNonFiniteOnesAreSilent)

@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <limits>
+#include <numeric>
 #include <optional>
 
 namespace Quon
@@ -51,12 +52,14 @@ protected:
     }
 };
 
-TEST_F(RunningTest, StartSamplesAreSkippedAlongTheQueueOrLoop)
+// A start sample and, since a sample frame is a millisecond, a start offset. A sound that starts at the end
+// ends as one that has run out.
+TEST_F(RunningTest, AStartIsCountedAlongTheQueueOrLoop)
 {
     struct Row
     {
         std::vector<int> lengths;
-        int startSample;
+        unsigned long start;
         bool isLooping;
         const char* expected;
     };
@@ -66,53 +69,43 @@ TEST_F(RunningTest, StartSamplesAreSkippedAlongTheQueueOrLoop)
         {{1000, 600, 700}, 1000, false, "0 of 600+"},
         {{1000, 600, 700}, 1601, false, "1 of 700"},
         {{1000, 0, 700}, 1000, false, "0 of 700"},
-        {{1000, 600, 700}, 9999, false, "700 of 700"},
+        {{1000, 600, 700}, 2147483647, false, "700 of 700"},
         {{1000}, 999, true, "999 of 1000"},
         {{1000}, 1000, true, "0 of 1000"},
         {{1000}, 2147483647, true, "647 of 1000"},
         {{0}, 700, true, "0 of 0"},
     };
     for (const Row& row : rows) {
-        SCOPED_TRACE(std::to_string(row.startSample) + " of " + std::to_string(row.lengths[0]));
-        // One that already loops: a queue of one file takes the flag at the start.
-        const int id = NewQueue(row.lengths);
-        Find(id)->SetStartSample(row.startSample);
-        TakeLog();
-        EXPECT_TRUE(
-            group->StartSound(id, Sound::StartImmediately | (row.isLooping ? Sound::StartLooping : 0)));
-        // The driver has seen the head at its beginning, and by now has the file that the sound is on.
-        EXPECT_NE(TakeLog({"CreateChannel"}).at(0).find("@0 fx"), std::string::npos);
-        EXPECT_EQ(Where(id), row.expected);
-        EXPECT_EQ(Find(id)->GetSndChannel()->GetSndFile(), Find(id)->GetSndFile());
-        group->StopSound(id);
-    }
-}
-
-// Along the queue; at the end, a sound ends as one that has run out.
-TEST_F(RunningTest, TheStartOffsetCountsAlongTheQueueAndBeyondItsEndTheSoundEnds)
-{
-    struct Row
-    {
-        unsigned long offset;
-        const char* expected;
-    };
-    for (const Row& row : {Row{0, "0 of 1000+"}, Row{999, "999 of 1000+"}, Row{1600, "600 of 700"},
-             Row{1700, "700 of 700"}, Row{4000000000, "700 of 700"}}) {
-        SCOPED_TRACE(row.offset);
-        const int id = NewQueue({1000, 700});
-        group->SetSoundStartOffset(id, row.offset);
-        const unsigned long left = row.offset < 1700 ? 1700 - row.offset : 0;
-        EXPECT_EQ(group->GetRemainLength(id), left);
-        TakeLog();
-        EXPECT_TRUE(group->StartSound(id, Sound::StartImmediately));
-        EXPECT_EQ(Where(id), row.expected);
-        EXPECT_EQ(group->GetRemainLength(id), left);
-        EXPECT_EQ(group->GetCurrentLength(id), 1700 - left);
-        // It runs already.
-        group->SetSoundStartOffset(id, 5);
-        EXPECT_EQ(group->GetCurrentLength(id), 1700 - left);
-        StepWithEnd(ChannelOf(id));
-        EXPECT_EQ(TakeLog({"end"}).size(), left == 0 ? 1U : 0U);
+        for (const bool isOffset : {false, true}) {
+            SCOPED_TRACE(
+                testing::Message() << row.start << " of " << row.lengths[0] << ", offset " << isOffset);
+            const auto total = std::accumulate(row.lengths.begin(), row.lengths.end(), 0UL);
+            const unsigned long left = total - std::min(row.start, total);
+            // One that already loops: a queue of one file takes the flag at the start.
+            const int id = NewQueue(row.lengths);
+            if (isOffset) {
+                group->SetSoundStartOffset(id, row.start);
+                EXPECT_EQ(group->GetRemainLength(id), row.lengths.size() > 1 ? left : unknownLength);
+            }
+            else {
+                Find(id)->SetStartSample(static_cast<int>(row.start));
+            }
+            TakeLog();
+            EXPECT_TRUE(
+                group->StartSound(id, Sound::StartImmediately | (row.isLooping ? Sound::StartLooping : 0)));
+            // The driver has seen the head at its beginning, and by now has the file that the sound is on.
+            EXPECT_NE(TakeLog({"CreateChannel"}).at(0).find("@0 fx"), std::string::npos);
+            EXPECT_EQ(Where(id), row.expected);
+            EXPECT_EQ(Find(id)->GetSndChannel()->GetSndFile(), Find(id)->GetSndFile());
+            if (row.isLooping) {
+                group->StopSound(id);
+                continue;
+            }
+            EXPECT_EQ(group->GetRemainLength(id), left);
+            EXPECT_EQ(group->GetCurrentLength(id), total - left);
+            StepWithEnd(ChannelOf(id));
+            EXPECT_EQ(TakeLog({"end"}).size(), left == 0 ? 1U : 0U);
+        }
     }
 }
 
@@ -141,14 +134,10 @@ TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
     const int id = Play(FileOf(5000));
     Step(40);
     system.SetMaxAudibleSounds(0);
-    for (int i = 0; i < 8; ++i) {
-        Step(40);
-    }
+    StepTimes(8, 40);
     ASSERT_EQ(Emulated(), Ids{id});
     system.SetMaxAudibleSounds(20);
-    for (int i = 0; i < 8; ++i) {
-        Step(40);
-    }
+    StepTimes(8, 40);
     EXPECT_EQ(told(id), std::nullopt) << "it comes back";
 }
 
@@ -188,6 +177,9 @@ TEST_F(RunningTest, ALongStepWrapsAsIn32Bits)
     Step(50000);
     EXPECT_EQ(100000U * 50000U / 1000U % 3000, 32U);
     EXPECT_EQ(Where(id), "32 of 3000");
+    for (const float seconds : {4294967.5F, std::numeric_limits<float>::infinity()}) {
+        EXPECT_TRUE(Find(id)->SndUpdate(seconds, origin, false)) << seconds;
+    }
 }
 
 TEST_F(RunningTest, RemainingAndPlayedTimeFollowTheState)
@@ -225,15 +217,6 @@ TEST_F(RunningTest, RemainingAndPlayedTimeFollowTheState)
     group->StartSound(loop, Sound::StartImmediately);
     group->FadeOutSound(loop, 300);
     EXPECT_EQ(group->GetRemainLength(loop), 0xFFFFFFFFU);
-}
-
-TEST_F(RunningTest, ALoopContinuesAfterAStepOfAnyLength)
-{
-    const int id = NewQueue({1000});
-    Displace(id, Sound::StartLooping);
-    for (const float seconds : {4294967.5F, std::numeric_limits<float>::infinity()}) {
-        EXPECT_TRUE(Find(id)->SndUpdate(seconds, origin, false)) << seconds;
-    }
 }
 
 // A file that is torn while it plays is the end of the sound, not of the program: what has vanished is still

@@ -162,13 +162,6 @@ class SoundsTest(ToolCase):
         checked = json.loads(self.run_tool("check", "--json", "a.sound").stdout)
         self.assertEqual((checked["errors"], checked["findings"][0]["line"]), (1, 4))
 
-    def test_info_goes_on_behind_a_bad_file(self):
-        tone = self.write_wave("tone.wav", sine(440, 0.5, 0.5))
-        done = self.run_tool("info", "missing.wav", tone)
-        self.assertEqual(done.returncode, 3)
-        for words in ["PCM wave", f"{RATE_HZ} Hz", "500 ms", f"{RATE_HZ // 2} sample frames"]:
-            self.assertIn(words, done.stdout)
-
     def test_decoding_a_wave_gives_its_own_bytes(self):
         data = bytes(range(256)) * 12
         for channels, width in [(1, 1), (2, 1), (1, 2), (2, 2), (2, 3), (2, 4)]:
@@ -243,15 +236,6 @@ class SoundsTest(ToolCase):
                 self.assertFalse((self.folder / "out.wav").exists())
 
     @needs_rendering
-    def test_a_rendered_sound_has_its_length_and_level(self):
-        tone = self.write_wave("tone.wav", sine(441, 1.0, 0.5))
-        self.succeed("play", tone, "--gain", "0.5", "--render", "out.wav")
-        for samples in self.read_wave("out.wav"):
-            # Up to a game frame may follow the end.
-            self.assertAlmostEqual(len(samples) / RATE_HZ, 1.0, delta=0.1)
-            self.assertAlmostEqual(rms(samples[:RATE_HZ]), 0.25 / math.sqrt(2), delta=0.002)
-
-    @needs_rendering
     def test_a_rendered_file_that_is_cut_off_is_an_error(self):
         tone = self.write_wave("tone.wav", sine(441, 1.0, 0.5))
 
@@ -299,13 +283,6 @@ class SoundsTest(ToolCase):
         # One is heard to its end; the others run on unheard until hardly anything is left.
         self.assertEqual(said.count("ended"), 1, said)
         self.assertEqual(said.count("cut off"), 2, said)
-
-    def test_options_may_stand_before_the_files(self):
-        tone = self.write_wave("tone.wav", sine(440, 0.1, 0.5))
-        for options in [["--at", "3,0,-2"], ["--option", "MaxSounds=2"], ["--channels", "508"],
-                        ["--option", "MaxSounds=2", "--option", "StreamLength=500"]]:
-            with self.subTest(options):
-                self.assertIn(f"started {tone}\n", self.succeed("play", *options, tone, "--driver", "HarmonetNull"))
 
     def test_names_and_output_are_utf8(self):
         tone = self.write_wave("\u0394\u03ad\u03bb\u03c4\u03b1/t\u00f3n \U0001d11e.wav", sine(440, 0.1, 0.5))
@@ -498,7 +475,7 @@ class TraceTest(ToolCase):
     def play(self, *options):
         self.write_wave("a.wav", sine(440, 1.5, 0.5))
         self.write_wave("b.wav", sine(440, 1.5, 0.5))
-        self.succeed("play", "--driver", "HarmonetNull", "--channels", 1, "--at", "3,0,0", *options, "a.wav",
+        self.succeed("play", "--driver", "HarmonetNull", "--channels", 1, "--at", "3,0,-2", *options, "a.wav",
                      "b.wav")
 
     def test_each_sound_of_a_trace_has_its_states_and_ends(self):
@@ -527,7 +504,7 @@ class TraceTest(ToolCase):
         data = json.loads(re.search(r'id="data">(.*?)</script>', page, re.DOTALL)[1])
         self.assertEqual(len(data["sounds"]), 2)
         for sound in data["sounds"]:
-            self.assertEqual(sound["places"][1:], [3, 0])
+            self.assertEqual(sound["places"][1:], [3, -2])
             self.assertEqual(sound["states"][::2], sorted(sound["states"][::2]))
         # The one without a channel ends when less than half a second is left.
         self.assertEqual(sorted(sound["outcome"] for sound in data["sounds"]),
@@ -642,11 +619,9 @@ class DefinitionsTest(ToolCase):
             ("*SET_FREQUENCY true", 4, "error", "spelt *SET_FRQUENCY"),
             ("*GAIN 0.5 0.6", 4, "error", "extra values are ignored"),
             ("*GAIN loud", 4, "error", "expected a number, got 'loud'; reading stops here"),
-            ("*GAIN", 4, "error", "got nothing"),
             ("*DELAY -1", 4, "error", "*DELAY -1 is below 0; reading stops here"),
             ("*DELAY -1\n*LOOPING true", 5, "error", "*LOOPING is lost"),
             ("*FREQUENCY 99", 4, "error", "*FREQUENCY 99 is outside 100 to 100000 and is ignored"),
-            ("*GAIN 1.5", 4, "error", "*GAIN 1.5 is outside 0 to 1 and is ignored"),
             ("*LOW_PASS 2", 4, "error", "*LOW_PASS 2 is outside 0 to 1 and is ignored: the sound is not filtered"),
             ("*CONE_GAIN 2\n*INNER_CONE_ANGLE 90", 4, "warning", "*CONE_GAIN 2 is outside 0 to 1"),
             ("*FX_PARAMEQ {\n*GAIN 20\n}", 5, "warning", "*GAIN 20 is outside -15 to 15"),
@@ -660,7 +635,6 @@ class DefinitionsTest(ToolCase):
             ("*CONE_GAIN 0.5\n*INNER_CONE_ANGLE 90\n*OUTER_CONE_ANGLE 60", 6, "warning", "below the inner one"),
             ("*POLYLINE", 4, "error", "*POLYLINE has no block"),
             ("*POLYLINE { *POINT 1 2 3 }", 4, "error", "needs two points"),
-            ("*POLYLINE { *NUM_ADD_SOUNDS -2 }", 4, "error", "*NUM_ADD_SOUNDS -2 is below 0"),
             ("*LINE\n*POSITION 1 2 3", 9, "warning", "*POSITION is ignored"),
             ("*LINE\n*LOOPING false", 9, "warning", "always loops"),
             ("*LINE\n*FX_ECHO", 9, "warning", "*FX_ECHO is not heard"),
@@ -668,7 +642,6 @@ class DefinitionsTest(ToolCase):
              "room for 3 additional sounds, not 9"),
             ("*VARIANT a.wav\n*VARIANT missing.wav", 5, "error", "the sound file 'missing.wav' does not exist"),
             ("*VARIANT_ORDER sequence", 4, "warning", "*VARIANT_ORDER has no effect without *VARIANT"),
-            ("*VARIANT_ORDER shuffle", 4, "error", "*VARIANT_ORDER: expected random or sequence, got 'shuffle'"),
             ("*STEALING none", 4, "warning", "*STEALING has no effect without *MAX_INSTANCES"),
             ("*GAIN 0.5\n*GAIN_RANGE 0 7", 5, "warning", "the range exceeds gain 1"),
             ("*FREQUENCY_RANGE 1 20", 4, "error", "20 is outside 0.1 to 10 and is ignored: there is no variation"),
@@ -755,8 +728,12 @@ class DefinitionsTest(ToolCase):
     def test_gain_room_and_walk_are_heard(self):
         self.write_wave("tone.wav", sine(441, 1.0, 0.5))
         self.write("tone.sound", "*FILE tone.wav\n*GAIN 0.5")
-        self.succeed("play", "tone.sound", "--render", "out.wav")
-        self.assertAlmostEqual(rms(self.read_wave("out.wav")[0][:RATE_HZ]), 0.25 / math.sqrt(2), delta=0.002)
+        for arguments in ["tone.sound"], ["tone.wav", "--gain", "0.5"]:
+            self.succeed("play", *arguments, "--render", "out.wav")
+            for samples in self.read_wave("out.wav"):
+                # Up to a game frame may follow the end.
+                self.assertAlmostEqual(len(samples) / RATE_HZ, 1.0, delta=0.1)
+                self.assertAlmostEqual(rms(samples[:RATE_HZ]), 0.25 / math.sqrt(2), delta=0.002)
         # The room is heard when the sound has ended.
         self.succeed("play", "tone.wav", "--at", "0,0,-1", "--room", "cave", "--render", "out.wav")
         self.assertGreater(rms(self.read_wave("out.wav")[0][int(1.5 * RATE_HZ):2 * RATE_HZ]), 0.001)
@@ -813,7 +790,7 @@ class DefinitionsTest(ToolCase):
             "a.sound", "sound file a.wav", "looping no", "gain 0.25", "delay 40 ms", "distances 10 to 500",
             "rate same as the file", "line 2 points, 0 additional sounds, angle 45", "1 2 3", "4 5 6",
             "variants b.wav, c.wav, at random", "gain range -3 to 1.5 dB", "instances at most 2, stealing oldest",
-            "*FX_GARGLE *RATEHZ 7 *WAVEFORM 0", "a.wav", "type PCM wave"}, shown)
+            "*FX_GARGLE *RATEHZ 7 *WAVEFORM 0", "a.wav", "type PCM wave", f"rate {RATE_HZ} Hz"}, shown)
 
 
 if __name__ == "__main__":
