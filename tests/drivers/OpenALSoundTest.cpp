@@ -125,6 +125,7 @@ TEST_F(Placed, CutoutSilencesASoundBeyondItsMaximum)
 TEST_F(Placed, ConeGainIsLinearFromInnerToOuterAngle)
 {
     channel->SetCone(60.0F, 120.0F, 0.2F);
+    channel->SetMinMaxDistance(1.0F, 50.0F, true);
     channel->SetPosition({0, 0, -1});
     Play();
     // By the angle between the cone's axis and the way to the listener; the cone's angles are whole openings.

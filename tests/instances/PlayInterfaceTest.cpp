@@ -228,6 +228,7 @@ TEST_F(PlayInterfaceTest, AFileOfAnotherFormatIsNotAppended)
     }
     MemoryBlock block({100});
     block.format.formatTag = waveTagAdpcm;
+    EXPECT_EQ(group->New2DSound(block.GetData(), block.GetSize(), &block.format), 0);
     EXPECT_FALSE(group->CatSound(id, block.GetData(), block.GetSize(), &block.format));
     EXPECT_EQ(group->GetQueueLength(id), 1);
     EXPECT_EQ(group->GetSoundLength(id), 2900U);
