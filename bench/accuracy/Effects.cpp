@@ -34,7 +34,7 @@ void PrintEcho()
     const double first = FindPeak(heard, 4000, 8000);
     const double second = FindPeak(heard, 16000, 20000);
     const double third = FindPeak(heard, 29500, 33500);
-    const auto at = [&](double place) { return heard[static_cast<std::size_t>(place + 0.5)]; };
+    const auto at = [&](double place) { return heard[static_cast<std::size_t>(std::llround(place))]; };
     PrintRow("echo of 300 ms", 300.0, (second - first) / 44.1, "ms");
     PrintRow("each echo at 40 %", ToDecibels(0.4), ToDecibels(at(third) / at(second)), "dB");
 }
