@@ -69,7 +69,7 @@ public:
         driver->SetMaxChannels(maxChannels);
         return true;
     }
-    /// Deletes the driver, whatever plays.
+    /// Deletes the driver, even while sounds play.
     void Close() { driver.reset(); }
 
     SndDriver& GetDriver() { return *driver; }
@@ -121,7 +121,7 @@ public:
             Step(ms);
         }
     }
-    /// Updates until the condition holds, as fast as they go. False if it takes an age.
+    /// Updates without waiting until the condition holds. False after two minutes.
     bool StepUntil(const std::function<bool()>& condition)
     {
         const auto giveUp = std::chrono::steady_clock::now() + std::chrono::minutes(2);

@@ -47,7 +47,7 @@ TEST_P(EveryDriver, RatesOutOfRangeAreRefusedAndChangeNothing)
     EXPECT_EQ(channel->GetFrequency(), 44100U);
 }
 
-// A read that comes short is not the end by itself: a coded stream that changes its channels half-way ends a
+// A read that comes short is not the end by itself: a coded stream that changes its channels midway ends a
 // read at the change.
 TEST_P(EveryDriver, TruncatedFilesPlayTheirDataAndAnEmptyLoopEnds)
 {

@@ -27,7 +27,7 @@ public:
 
     std::atomic<int> timesOpened = 0;
     std::atomic<bool> isThere = true;
-    std::atomic<bool> hasGoneOnce = false; ///< It goes away and is back at once.
+    std::atomic<bool> hasGoneOnce = false; ///< It is removed and available again at once.
 };
 
 } // namespace Quon

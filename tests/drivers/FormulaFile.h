@@ -69,7 +69,7 @@ public:
 
     /// Sample frames that have been handed out.
     long GetFramesRead() const { return framesRead; }
-    /// Waits until that many have been handed out, from any thread. False if it takes an age.
+    /// Waits until that many have been handed out, from any thread. False if it takes too long.
     bool WaitUntilRead(long sampleFrames)
     {
         std::unique_lock lock(mutex);
@@ -160,7 +160,7 @@ inline FormulaFile::Formula Sine(double hz, double amplitude, int rateHz)
     };
 }
 
-/// Looks like noise, is different in each channel, and uses all of the range.
+/// Noise-like, different in each channel, over the full range.
 inline FormulaFile::Formula Scatter()
 {
     return [](int sampleFrame, int channel) {

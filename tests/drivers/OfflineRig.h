@@ -21,7 +21,7 @@ struct Rendering
     double At(size_t sampleFrame, int side = 0) const;
     /// The largest step from one sample frame to the next within [begin, end), on either side.
     double LargestStep(size_t begin, size_t end) const;
-    /// The largest difference of one such step and the next: a click that no step betrays.
+    /// The largest difference of one such step and the next: a click that no step shows.
     double LargestBend(size_t begin, size_t end) const;
     /// Root of the mean square over [begin, end).
     double Level(size_t begin, size_t end, int side) const;
@@ -35,7 +35,7 @@ Rendering ReadRendering(const std::string& path);
 /// reaches a program that links this.
 const std::filesystem::path& GetTestFolder();
 
-/// The OpenAL driver rendering into a file of its own, which goes away with it.
+/// The OpenAL driver, rendering to its own file, which is removed with it.
 class OfflineRig : public DriverRig
 {
 public:
@@ -48,7 +48,7 @@ public:
         const OptionValues& others = {});
     ~OfflineRig() override;
 
-    /// All that has been rendered so far. It goes on being rendered.
+    /// All that has been rendered so far. Rendering continues.
     Rendering Heard() const { return ReadRendering(path); }
 
 private:

@@ -33,7 +33,7 @@ bool SetUpCard()
 
 const bool isCard = SetUpCard();
 
-/// The driver on a machine whose sound card goes away and comes back. Nothing asks how long a thing took.
+/// The driver on a machine whose sound card is removed and returns. No test depends on elapsed time.
 class OpenALCard : public testing::Test
 {
 protected:
@@ -108,7 +108,7 @@ int CountGaps(const Rendering& heard, double risePerFrame, double tolerance = 64
             continue;
         }
         if (i > last + 1) {
-            // Where it goes on it first rises for some milliseconds.
+            // Where it continues, it first fades in for some milliseconds.
             constexpr size_t rise = 441;
             const double step = heard.At(i + rise) - heard.At(last);
             EXPECT_NEAR(step / risePerFrame, rise + 1.0, tolerance) << "lost or heard twice";
@@ -201,7 +201,7 @@ TEST_F(OpenALCard, OpensWithoutADeviceOnlyForSilenceOrRendering)
     EXPECT_EQ(rendered.Heard().GetFrames(), 44100U);
 }
 
-// The sound's height tells where in the sound one is.
+// The level encodes the position in the sound.
 TEST_F(OpenALCard, ANewDevicePlaysFromTheCurrentPositionWithAllSettings)
 {
     constexpr int length = 20 * rateHz;
@@ -219,7 +219,7 @@ TEST_F(OpenALCard, ANewDevicePlaysFromTheCurrentPositionWithAllSettings)
     const Rendering heard = WaitForCard(rateHz);
     const size_t begin = heard.FindFirst(0.01, 0);
     ASSERT_LT(begin + rateHz / 10, heard.GetFrames());
-    // Behind the first few milliseconds, in which it rises.
+    // After the first few milliseconds, in which it fades in.
     const double place = (heard.At(begin + 441) / 0.25 - 0.5) / 0.5 * length - 441;
     EXPECT_GT(place, length - static_cast<double>(leftBefore + 1) * rateHz / 1000);
     EXPECT_LT(place, ramp.GetFramesRead());

@@ -1,4 +1,4 @@
-// Sounds that lose their channel and come back: where they are then, and how they go and come.
+// Sounds that lose their channel and return: their positions and fades.
 
 #include "tests/drivers/OfflineRig.h"
 #include "tests/drivers/effects/OwnedList.h"

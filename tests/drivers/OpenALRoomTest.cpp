@@ -30,7 +30,7 @@ constexpr FXEnvReverbSourceProperties onlyRoom = {-10000, 0, 0, 0, 0.0F, 0, 0.0F
 /// Of each side, for a sound straight ahead.
 constexpr double frontGain = 0.5957;
 
-/// A loop around the listener or a click, heard in whatever is set.
+/// A loop around the listener or a click, with the current settings.
 class Rooms : public testing::Test
 {
 protected:
@@ -99,7 +99,7 @@ protected:
     std::unique_ptr<OfflineRig> rig = std::make_unique<OfflineRig>();
 };
 
-// OpenAL does not bear every fall of high frequencies.
+// OpenAL fails with some decay ratios of high frequencies.
 TEST_F(Rooms, AcceptAnyTimesThatTheirFieldsAllow)
 {
     PlayTone(440);
@@ -117,7 +117,7 @@ TEST_F(Rooms, AcceptAnyTimesThatTheirFieldsAllow)
     EXPECT_GT(GetLevel(), 0.01);
 }
 
-// OpenAL fades a new room in by blocks, and bears not every length of them.
+// OpenAL fades a new room in by blocks, and fails with some block lengths.
 TEST_F(Rooms, CanBeSetBeforeStepsOfAnyLengthAtAnyRate)
 {
     for (const int outputHz : {8000, 11025, 22050, 44100}) {

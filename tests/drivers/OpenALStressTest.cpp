@@ -23,7 +23,7 @@ constexpr int maxSounds = 6;
 
 /// A game that plays, fades, appends, steers and stops sounds at random, from its frames and from inside the
 /// events of its sounds, while the driver's thread plays them. Many more than there are channels, so that
-/// they come and go unheard, too.
+/// they start and end as virtual voices, too.
 class StressGame : public HostTest, public SoundObserver
 {
 protected:

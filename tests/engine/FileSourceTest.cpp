@@ -45,7 +45,7 @@ std::vector<unsigned long> WalkOver(File& file, unsigned int seed)
     return seen;
 }
 
-// Whoever reads cannot tell where a file comes from.
+// A reader does not depend on where a file comes from.
 TEST_F(FileSources, ReadTheSameAsAFolder)
 {
     TempFolder folder;

@@ -12,7 +12,7 @@
 namespace Quon
 {
 
-/// A root with files in it, and files outside of it that no name may reach.
+/// A root with files, and files outside the root that no name may reach.
 class Files : public testing::Test
 {
 protected:

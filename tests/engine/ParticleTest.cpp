@@ -136,7 +136,7 @@ struct ModelNode
     Quaternion orientation;
 };
 
-// Every node below one that has moved is told so, also one that is stale already, and no other.
+// Every node below one that has moved is marked, even if it is stale already, and no other node.
 TEST(Particle, AgreesWithAPlainModelOfRandomScenes)
 {
     std::mt19937 random(3);

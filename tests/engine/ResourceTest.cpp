@@ -219,7 +219,7 @@ TEST_F(Resources, AreDroppedWhenUnusedAndOutliveTheirDatabaseWhileReferenced)
         (Log{"unload shot.wav", "delete shot.wav", "delete type wav"}));
 }
 
-/// Writes down what it hears, and answers a load if it is told to.
+/// Records its notifications, and responds to a load if requested.
 class LoggingObserver : public ResourceObserver
 {
 public:

@@ -45,7 +45,7 @@ TEST(AllocationFailures, AnActionWithoutMemoryFailsWithoutLeaking)
     }
 }
 
-// Whatever is left of an update without memory is left for the next one.
+// What an update could not do without memory is done in the next one.
 TEST(AllocationFailures, AnUpdateWithoutMemoryEndsEarlyAndTheNextRuns)
 {
     GameFolder folder;

@@ -37,7 +37,7 @@ struct FallibleAction
     const char* name;
     /// Whether the system runs already, which it then does without a failure.
     bool needsSystem;
-    /// What has been played before, and lies in the cache.
+    /// Played before, and in the cache.
     const char* playedBefore;
     bool (*run)(SmallGame& game);
 };

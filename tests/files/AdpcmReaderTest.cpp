@@ -125,7 +125,7 @@ TEST_F(AdpcmReader, MatchesThePlainDecoderOnWildBlocks)
     }
 }
 
-// What has been promised cannot be kept: the position comes back to where the data ended.
+// The stated length cannot be reached: the position returns to the end of the data.
 TEST_F(AdpcmReader, ASkipBeyondTheLastBlockStopsAtTheEnd)
 {
     const Bytes format = Chunk("fmt ", AdpcmFormat(1, 8000, 20, usualPairs));

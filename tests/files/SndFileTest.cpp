@@ -15,7 +15,7 @@ namespace
 
 using Freed = std::vector<std::pair<int, void*>>;
 
-/// Writes down which blocks come back to which sound, and answers if it is told to.
+/// Records which blocks are returned to which sound, and responds if requested.
 class Witness : public SoundObserver
 {
 public:

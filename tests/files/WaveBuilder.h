@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-/// Wave files put together byte by byte, right ones and wrong ones.
+/// Builds valid and invalid wave files byte by byte.
 
 using Bytes = std::vector<unsigned char>;
 

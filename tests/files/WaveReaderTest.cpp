@@ -122,7 +122,7 @@ TEST_F(WaveReader, MemoryInOtherFormatsIsRefused)
     }
 }
 
-// A node of coded data that does not say how to decode them is none either.
+// Coded data without the parameters for decoding are refused, too.
 TEST_F(WaveReader, ANodeOfAnotherTypeIsRefusedAndUnchanged)
 {
     SndFileWav pcm;

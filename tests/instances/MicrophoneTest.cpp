@@ -22,7 +22,7 @@ protected:
         Vector3 top;
     };
 
-    /// What the next update tells the driver of the listener's orientation.
+    /// The listener's orientation that the next update sends to the driver.
     Heard StepAndHear()
     {
         Heard heard;

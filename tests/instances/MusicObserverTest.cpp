@@ -1,4 +1,4 @@
-// What observers are told of pieces of music, and what they may do then.
+// Notifications of music, and what observers may do in them.
 
 #include "harmonet/instances/MusicObserver.h"
 #include "harmonet/instances/Music.h"
@@ -12,7 +12,7 @@ namespace Quon
 namespace
 {
 
-/// Writes down what it is told, and then does what the test asks for.
+/// Records its notifications, and then does what the test requests.
 class MusicLog : public MusicObserver
 {
 public:

@@ -111,7 +111,7 @@ TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsThenNotifiesShutDown)
     };
     LoggingObserver last(*names, "B ");
     group->AddObserver(&last);
-    // There is nothing left to come back to.
+    // Nothing is left to return to.
     last.react = [&, ending = group.get()](const Note& note) {
         if (note.kind == Note::ShutDown) {
             ending->AddObserver(&last);

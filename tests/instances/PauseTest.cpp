@@ -21,7 +21,7 @@ protected:
     Music music;
 };
 
-// One sound in each state; the one that is heard is too short to go on without a channel.
+// One sound in each state; the audible one is too short to continue as a virtual voice.
 TEST_F(PauseTest, NothingMovesIsLostOrNotified)
 {
     system.SetMaxAudibleSounds(1);
@@ -108,7 +108,7 @@ TEST_F(PauseTest, SoundsStartedDuringAPauseWaitForItsEnd)
     EXPECT_EQ(CountPaused(), 4);
     group->Resume();
     music.Resume();
-    // A pause that has not been seen by any update is none.
+    // A pause that no update has seen has no effect.
     group->Pause();
     group->Resume();
     Step(40);

@@ -123,7 +123,7 @@ TEST_F(PlayInterfaceTest, ValuesThatAreNotFiniteNeverReachTheDriver)
         group->SetSoundOrientation(id, {value, 0.0F, 0.0F, 1.0F});
         Step(40);
         EXPECT_EQ(Emulated(), Ids{id});
-        // A listener that is nowhere hears nothing of what has a place, and comes back.
+        // A listener without a position hears no positional sounds until it has one again.
         const int still = Play3D(file, 2.0F);
         microphone->SetPosition({value, 0.0F, 0.0F});
         StepTimes(2, 40);

@@ -18,7 +18,7 @@ namespace
 class PolylinePlaces : public PolylineTest
 {
 protected:
-    /// The line is told of a listener that no microphone would pass on.
+    /// The line gets a listener that no microphone would pass on.
     void ListenAnywhere(int id, const Vector3& place) { GetLine(id).SndUpdate(0.04F, place, true); }
 };
 

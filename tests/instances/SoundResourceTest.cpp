@@ -29,7 +29,7 @@ protected:
         folder.Write("bad.sound", "*SOUND_DEFINITION { *GAIN 1 }");
     }
 
-    /// What the channel of a sound was told since the last call, from its creation on, with "c" as its name.
+    /// The calls on the channel of a sound since the last time, from its creation, with "c" as its name.
     Lines TakeChannelCalls(int id)
     {
         const std::string name = 'c' + std::to_string(ChannelOf(id)) + ' ';

@@ -241,7 +241,7 @@ TEST_F(Variation, RefusesAStartThatFollowsTooClosely)
     EXPECT_EQ(Start(), 0);
     Step(1);
     EXPECT_NE(Start(), 0);
-    // A start that fails is none.
+    // A start that fails does not count.
     StepTimes(3, 40);
     folder.Remove("a.wav");
     Define("c.sound", "*FILE c.wav\n*MIN_INTERVAL 100");

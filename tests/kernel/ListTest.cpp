@@ -15,7 +15,7 @@ namespace Quon
 namespace
 {
 
-/// A sound that tells where its row is.
+/// A sound that gives access to its row.
 class ListedSound : public Snd2D
 {
 public:

@@ -42,7 +42,7 @@ struct ChannelRecord
     float pitch = 1.0F;
     Vector3 position;
     unsigned long frequencyHz = 0; ///< What GetFrequency() answers; 0 until a rate is set and told.
-    std::optional<std::int64_t> startTime; ///< In game time, as SetStartTime() tells it.
+    std::optional<std::int64_t> startTime; ///< In game time, as set by SetStartTime().
     std::optional<unsigned long> remainMs; ///< What GetRemainLength() answers in place of the file's rest.
 };
 
@@ -53,7 +53,7 @@ public:
     // (GetGain, GetRemainLength and so on) are not logged. Observers may add lines of their own.
 
     Lines lines;
-    /// Calls that break the contract with a driver, whatever a test looks for.
+    /// Calls that break the contract with a driver, checked in every test.
     Lines violations;
 
     // What the driver refuses and answers. All of it stands until Reset().
@@ -76,14 +76,14 @@ public:
     // What the driver has: its channels by their numbers, which count from 1. Those that are over are gone.
 
     std::map<int, ChannelRecord> channels;
-    int maxChannels = 0; ///< As told by SetMaxChannels().
+    int maxChannels = 0; ///< As set by SetMaxChannels().
 
     // What the driver can be made to do. Events belong inside an update: see above.
 
     /// Reads up to so many sample frames from the channel's file, and from its start again if the channel
     /// loops; returns how many there were. Stays on the file.
     virtual int Read(int channel, int sampleFrames) = 0;
-    /// Goes on to the next file of the channel's queue, as a driver's own thread would, and reports it.
+    /// Continues with the next file of the channel's queue, as a driver's own thread would, and reports it.
     virtual void StepFile(int channel) = 0;
     /// Reports that the channel has ended, and forgets it.
     virtual void End(int channel) = 0;

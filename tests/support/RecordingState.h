@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-/// The inside of the recording driver's library.
+/// Internal state of the recording driver's library.
 
 namespace Quon
 {

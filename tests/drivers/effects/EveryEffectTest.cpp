@@ -1,4 +1,4 @@
-// What holds for each of the effects, whatever it does to a sound.
+// Properties that every effect has.
 
 #include "drivers/openal/effects/CompressorEffect.h"
 #include "drivers/openal/effects/DistortionEffect.h"

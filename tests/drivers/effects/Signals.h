@@ -63,7 +63,7 @@ inline Pcm TakeSide(const Pcm& stereo, int side)
     return pcm;
 }
 
-/// What comes out of an effect, or of whatever processes PCM, given all at once.
+/// The output of an effect, or anything else that processes PCM, for the whole input at once.
 template<class Processor>
 Pcm Through(Processor&& processor, Pcm pcm)
 {

@@ -22,7 +22,7 @@ std::vector<int> ToValues(const Bytes& pcm);
 void ExpectSameSound(
     const std::vector<int>& decoded, const std::vector<int>& expected, std::size_t stride = 1);
 
-/// A reader on a stream that lies in memory, as in the data cache.
+/// A reader of a stream in memory, as in the data cache.
 class MemoryStream
 {
 public:
