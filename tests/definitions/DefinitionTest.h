@@ -22,9 +22,9 @@ protected:
     ~DefinitionTest() override;
 
     /// Writes the definition and loads it anew: "code" and, if that is 0, the settings. A load that fails
-    /// gives the code and the settings all the same, since a later load goes on from them.
+    /// returns the code and the settings too, because a later load starts from them.
     std::string Load(const std::string& text);
-    /// The same for what stands between the braces of a definition with a file, "a.wav".
+    /// The same for the content of the braces of a definition with a file, "a.wav".
     std::string LoadBlock(const std::string& keywords);
 
     const SoundDefResource& GetDefinition() const { return *definition; }

@@ -32,9 +32,8 @@ struct DriverEvent
     bool operator==(const DriverEvent&) const = default;
 };
 
-/// A driver, loaded by name as the library does it, and a host for it: opens it, turns its clock by hand,
-/// takes its events, and does with each event's files and channel what the library would do. The test owns
-/// it.
+/// A driver, loaded by name as in the library, and its host: opens it, advances its clock manually, receives
+/// its events, and handles the files and channel of each event as the library would. Owned by the test.
 class DriverRig
 {
 public:

@@ -298,7 +298,7 @@ TEST_F(Rooms, SourcePropertiesAttenuateDirectSoundAndSend)
     }
 }
 
-// As a sound card does it: time goes on in steps of 10 ms, and now and then the device mixes what is due.
+// Like a sound card: time advances in steps of 10 ms, and from time to time the device mixes what is due.
 TEST(RoomParts, AChangeOfRoomDoesNotClickWithLongMixPeriods)
 {
     OutputDevice device(DeviceSource::GetMachine());

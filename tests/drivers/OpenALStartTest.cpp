@@ -170,9 +170,8 @@ TEST(StartTimes, LatencyIsTheLongestUsualTimeBetweenUpdates)
     EXPECT_EQ(times.GetMachineTime(77), 77);
 }
 
-// A device that mixes 20 ms at a time, when it looks at the clock: every 10.2 ms, so that it is late by up to
-// as much and seldom punctual; by a clock that goes wrong by a ten-thousandth. A feeder looks at it every 10
-// ms.
+// A device that mixes 20 ms at a time, when it reads the clock: every 10.2 ms, so that it is usually late, by
+// up to as much; its clock is off by a ten-thousandth. A feeder observes it every 10 ms.
 TEST(MixTimeline, EstimatesWhatAnEvenDeviceWouldHaveMixed)
 {
     constexpr std::int64_t ms = 1000000;

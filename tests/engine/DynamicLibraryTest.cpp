@@ -66,7 +66,7 @@ TEST(DynamicLibrary, SearchesDriverFoldersInOrderThenTheEngineFolder)
     EXPECT_TRUE(moduleName.ends_with(dynamicLibrarySuffix));
 }
 
-// The loader could find a file again that was refused, and would not look at it as closely.
+// The loader could find a refused file again, and would check it less strictly.
 TEST(DynamicLibrary, FallsBackToTheSystemLoader)
 {
     OS os;
@@ -115,8 +115,8 @@ TEST(DynamicLibrary, RefusesFilesThatAreNotLibraries)
     EXPECT_FALSE(MakeLibrary(os)->Open(nullptr));
 }
 
-// The platform's loader maps a torn library without a look at its length and dies of it, so each prefix must
-// be refused before, or be enough to run.
+// The platform's loader maps a truncated library without checking its length and crashes, so each prefix must
+// be refused before, or be complete enough to run.
 TEST(DynamicLibrary, RefusesTruncatedLibraries)
 {
     const TempFolder folder;

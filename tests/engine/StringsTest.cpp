@@ -66,9 +66,9 @@ TEST(PString, DoesNotTouchItsNodeWithoutACache)
     cache->Destroy(node);
 }
 
-/// Works on four threads at once, each with a number of its own. The thread sanitizer watches; the counts
-/// tell what got lost. The vectors of these tests do not come from Alloc, so that only nodes can be missing.
-/// The work returns how many texts were not what they should be.
+/// Runs the work on four threads, each with its own number. The thread sanitizer finds races; the counts show
+/// lost strings. The vectors of these tests do not come from Alloc, so that only nodes can be missing. The
+/// work returns the number of wrong texts.
 template<class Work>
 void WorkOnFourThreads(Work work)
 {

@@ -45,10 +45,10 @@ struct FallibleAction
 /// Opening and starting in every way, and start-up.
 extern const std::vector<FallibleAction> fallibleActions;
 
-/// Runs the action again and again, with its first, second, third step failing, until it gets by without a
-/// failure, and then it has to succeed. `arm` is told which step is to fail, counted from 1; `disarm` ends
-/// that and tells whether the step has come up. An action that fails says so and leaves the game as it was:
-/// with the sounds it had, a later try succeeds, and at the end no memory is left.
+/// Repeats the action with its first, second, third step failing, until no step is left to fail; then it has
+/// to succeed. `arm` gets the step that fails, counted from 1; `disarm` ends that and returns whether the step
+/// was reached. An action that fails reports it and leaves the game as it was: with the same sounds, a later
+/// try succeeds, and at the end no memory is left.
 void FailEachStep(const FallibleAction& action, void (*arm)(int step), bool (*disarm)());
 
 } // namespace Quon

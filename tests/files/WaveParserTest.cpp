@@ -170,8 +170,8 @@ void PlayThrough(SndFile& file)
     }
 }
 
-/// The files of these tests lie in memory: there are more than a hundred thousand, and to write each takes
-/// some systems a millisecond.
+/// The files of these tests are in memory: there are more than a hundred thousand, and writing each takes a
+/// millisecond on some systems.
 class WaveParser : public SoundFolder
 {
 protected:

@@ -18,7 +18,7 @@ constexpr int rateHz = 22050;
 constexpr int stepMs = 40;
 constexpr std::size_t stepFrames = rateHz * stepMs / 1000;
 constexpr int sceneSteps = 60;
-// A sound that goes, or comes back, takes the handover fade of 30 ms and the block that is mixed then.
+// A sound that is displaced or returns takes the handover fade of 30 ms and the block mixed at that time.
 constexpr std::size_t rampFrames = stepFrames;
 constexpr int numParts = 7;
 

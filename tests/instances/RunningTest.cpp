@@ -1,5 +1,5 @@
 // How a sound runs along its files: the samples it skips at its start, its steps without a channel, and the
-// times it tells.
+// lengths it reports.
 
 #include "harmonet/engine/Task.h"
 #include "harmonet/engine/TaskList.h"

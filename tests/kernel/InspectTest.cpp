@@ -162,8 +162,8 @@ public:
     std::uint32_t lastMs = 0;
 };
 
-// After each update the trace must have told exactly what a look shows: a state that is set without a report
-// shows here, whichever path of the kernel set it.
+// After each update the trace must agree with what inspection shows: a state that any path of the kernel sets
+// without a report is found here.
 TEST_F(InspectTest, TraceAgreesWithInspectionAfterEachUpdate)
 {
     auto trace = std::make_unique<FollowingTrace>();

@@ -32,7 +32,7 @@ public:
 
 } // namespace
 
-// Whatever comes, goes and changes its importance, the list is what sorted insertion into a plain one gives.
+// After any insertions, removals and changes of importance, the list equals one made by sorted insertion.
 TEST(SndList, MatchesSortedInsertion)
 {
     std::mt19937 random(1);

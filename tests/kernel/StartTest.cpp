@@ -20,7 +20,7 @@ using StartTest = HostTest;
 const Lines openedLines = {"Open 2 22050 2 0 500 0", "SetCallback", "SetMaxChannels 24"};
 const Lines refusedLines = {"Open 2 22050 2 0 500 0", "Delete"};
 
-// Whatever stands in the way of one name, the next one gets its turn; the last tells the code of the failure.
+// If one driver fails for any reason, the next one is tried; the last determines the code of the failure.
 TEST_F(StartTest, TheFirstDriverThatOpensWins)
 {
     struct Row

@@ -40,8 +40,8 @@ struct Note
     int id = 0;
 };
 
-/// Writes what it is told into the recording driver's log, so that calls and notifications stand there in
-/// their common order, and then does what the test has asked for.
+/// Records its notifications in the recording driver's log, so that calls and notifications are in one order,
+/// and then does what the test requests.
 class LoggingObserver : public SoundObserver
 {
 public:

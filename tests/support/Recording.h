@@ -11,9 +11,9 @@
 #include <vector>
 
 /// What the recording driver and a test have in common: the log of all calls on the driver and its channels,
-/// what the driver is to refuse, and what it does when it is told to.
+/// what the driver refuses, and what it does on request.
 ///
-/// The recording driver makes no sound and does nothing by itself. It lies in a library of its own, which
+/// The recording driver makes no sound and does nothing by itself. It is in its own library, which
 /// exports the one object of this class as "GetRecording"; the object outlives the drivers and lives until
 /// that library is unloaded. One thread.
 

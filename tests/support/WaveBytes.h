@@ -8,8 +8,8 @@
 namespace Quon
 {
 
-/// PCM of which each sample frame tells its own number: the samples of frame n are n in as many bits as there
-/// are, in every channel.
+/// PCM in which each sample frame encodes its number: the samples of frame n are n, in all their bits and in
+/// every channel.
 struct PcmForm
 {
     int frames = 0;

@@ -59,8 +59,8 @@ TEST_F(Chain, ProcessesInListOrderAndSkipsRoomsAndInvalidRecords)
     EXPECT_EQ(Through(chain, noise), expected);
 }
 
-// An echo of 100 ms halves each time: the ninth, of 0.5 ^ 9, is the last above -60 dB. Behind it the tail
-// waits for the delay and for 20 ms more.
+// An echo of 100 ms halves each time: the ninth, of 0.5 ^ 9, is the last above -60 dB. After it the tail
+// waits for the delay and another 20 ms.
 TEST_F(Chain, GivesATailUntilSilentAndAgainAfterMoreSound)
 {
     for (const std::size_t blockFrames : {1U, 7U, 80U, 100000U}) {
