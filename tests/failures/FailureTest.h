@@ -46,9 +46,9 @@ struct FallibleAction
 extern const std::vector<FallibleAction> fallibleActions;
 
 /// Repeats the action with its first, second, third step failing, until no step is left to fail; then it has
-/// to succeed. `arm` gets the step that fails, counted from 1; `disarm` ends that and returns whether the step
-/// was reached. An action that fails reports it and leaves the game as it was: with the same sounds, a later
-/// try succeeds, and at the end no memory is left.
+/// to succeed. `arm` gets the step that fails, counted from 1; `disarm` ends that and returns whether the
+/// step was reached. An action that fails reports it and leaves the game as it was: with the same sounds, a
+/// later try succeeds, and at the end no memory is left.
 void FailEachStep(const FallibleAction& action, void (*arm)(int step), bool (*disarm)());
 
 } // namespace Quon
