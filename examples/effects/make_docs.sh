@@ -7,6 +7,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 program=${1:-build/release/bin/harmonet_effects}
+. docs/insert_table.sh
 
 if ! command -v "$program" >/dev/null; then
     echo "make_docs.sh: '$program' is missing; harmonet_effects is a target of the build" >&2
@@ -26,22 +27,5 @@ order=(dry chorus flanger echo distortion compressor equaliser gargle wavesrever
 
 # --- The tables ------------------------------------------------------------------------------------------------------
 
-# insert_table MARK PAGE: replaces the table after MARK in the page with the one that the program prints.
-insert_table() {
-    local mark=$1 page=$2
-    "$program" "$mark" "$work" >"$work/$mark.md"
-    awk -v mark="<!-- $mark -->" -v table="$work/$mark.md" '
-        $0 == "<!-- end -->" { inside = 0 }
-        !inside { print }
-        $0 == mark {
-            inside = 1
-            print ""
-            while ((getline line < table) > 0)
-                print line
-            print ""
-        }' "$page" >"$work/page.md"
-    cp "$work/page.md" "$page"
-}
-
-insert_table rooms docs/effects.md
-insert_table places docs/3d.md
+insert_table rooms docs/effects.md "$program" rooms "$work"
+insert_table places docs/3d.md "$program" places "$work"
