@@ -20,16 +20,21 @@ if [ "${1:-}" = --stop ]; then
 fi
 
 # Debian installs it in a folder that is not in PATH.
-wine=$(command -v wine64 || echo /usr/lib/wine/wine64)
+wine=("$(command -v wine64 || echo /usr/lib/wine/wine64)")
+# Wine maps a page at a fixed address, where one start in some thousands finds the heap of its loader, which Linux puts at a
+# random address: the start then fails with exit code 1. A container may not allow this.
+if setarch -R true 2>/dev/null; then
+    wine=(setarch -R "${wine[@]}")
+fi
 mkdir -p "$(dirname "$WINEPREFIX")"
 
 # Wine's services keep running while a program runs, which makes the next one start ten times faster. This one waits for a
 # line.
 if [ "${1:-}" = --start ]; then
-    "$wine" wineboot -i
+    "${wine[@]}" wineboot -i
     rm -f "$WINEPREFIX/nothing"
     mkfifo "$WINEPREFIX/nothing"
-    "$wine" cmd <>"$WINEPREFIX/nothing" >/dev/null 2>&1 &
+    "${wine[@]}" cmd <>"$WINEPREFIX/nothing" >/dev/null 2>&1 &
     exit 0
 fi
 
@@ -43,4 +48,4 @@ if ! [ -e "$(dirname "$1")/libstdc++-6.dll" ]; then
     export WINEPATH
 fi
 
-exec "$wine" "$@"
+exec "${wine[@]}" "$@"
