@@ -47,6 +47,12 @@ float GetLateDecibels(float decaySeconds)
     return from.decibels + share * (after->decibels - from.decibels);
 }
 
+/// By how much faster the high frequencies decay than the others, relative to the maximum.
+float GetDifference(float hfRatio, float decaySeconds)
+{
+    return (1.0F / hfRatio - 1.0F) / decaySeconds / maxDifference;
+}
+
 float GetSafeHFRatio(float hfRatio, float decaySeconds)
 {
     return std::max(hfRatio, 1.0F / (1.0F + maxDifference * decaySeconds));
@@ -86,7 +92,7 @@ float GetHFDecibels(float decaySeconds, float hfRatio, float lineLength)
 {
     constexpr float maxLoss = 12.0F;
     constexpr float shortSeconds = 0.5F;
-    const float difference = std::max((1.0F / hfRatio - 1.0F) / decaySeconds, 0.0F) / maxDifference;
+    const float difference = std::max(GetDifference(hfRatio, decaySeconds), 0.0F);
     const float share = std::min(std::pow(decaySeconds / shortSeconds, 1.5F), 1.0F);
     return GetExpectedDecibels(decaySeconds, hfRatio, lineLength) -
         maxLoss * std::pow(difference, 3.0F) * share * lineLength;
@@ -111,13 +117,20 @@ float GetOldLateDecibels(const FXEnvReverb& room, float decaySeconds, float hfRa
         GetHFDecibels(decaySeconds, hfRatio, lineLength) + GetRoomHFDecibels(static_cast<float>(room.roomHF));
 }
 
-/// The decay time to set for one that is to be heard.
-float GetDecayTime(float decaySeconds, float hfRatio)
+/// By how much more slowly the late reverb decays than is set.
+float GetExcess(float decaySeconds, float hfRatio)
 {
-    constexpr float excess = 0.1F;
+    constexpr float maxExcess = 0.15F;
     const float share =
-        std::clamp(std::min((decaySeconds - 0.3F) / 0.05F, (1.0F - decaySeconds) / 0.35F), 0.0F, 1.0F);
-    return decaySeconds * (1.0F - excess * share * std::min(hfRatio, 1.0F));
+        std::clamp(std::min((decaySeconds - 0.3F) / 0.1F, (1.0F - decaySeconds) / 0.35F), 0.0F, 1.0F);
+    return maxExcess * share * std::min(hfRatio, 1.0F);
+}
+
+/// How much of the level and the decay is compensated. Where high frequencies cannot decay as fast as in the
+/// record, it is nothing: a louder late reverb would be heard with the wrong decay.
+float GetCompensation(const FXEnvReverb& room)
+{
+    return std::clamp(2.0F - GetDifference(room.decayHFRatio, room.decayTime), 0.0F, 1.0F);
 }
 
 } // namespace
@@ -125,9 +138,11 @@ float GetDecayTime(float decaySeconds, float hfRatio)
 ReverbParameters GetReverbParameters(const FXEnvReverb& room, SoftVersion version)
 {
     const bool isOld = version == SoftVersion::Old;
-    const float decayTime = GetDecayTime(room.decayTime, room.decayHFRatio);
+    const float compensation = GetCompensation(room);
+    const float decayTime =
+        room.decayTime * (1.0F - compensation * GetExcess(room.decayTime, room.decayHFRatio));
     const float hfRatio = GetSafeHFRatio(room.decayHFRatio, decayTime);
-    const float level = isOld ? GetOldLateDecibels(room, decayTime, hfRatio)
+    const float level = isOld ? compensation * GetOldLateDecibels(room, decayTime, hfRatio)
                               : newLateDecibels + GetExpectedDecibels(decayTime, hfRatio, 1.0F);
     const float lateGain = ToGain(static_cast<float>(room.reverb)) * ToFactor(-level);
     const float gain = ToGain(static_cast<float>(room.room));

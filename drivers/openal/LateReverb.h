@@ -29,9 +29,11 @@ struct ReverbParameters
 /// Newer versions have the same level at any decay time and density, but for the ratio (measured with 1.24).
 ///
 /// *Decay.* Between 0.3 and 1 s OpenAL Soft decays up to 17 % more slowly than set, since its lines are about
-/// as long; a decay of less than 0.24 s is not possible. In 1.19 high frequencies cannot decay so much faster
-/// than the others that the reciprocal times, in seconds, differ by 7.92 or more: its filter would have to
-/// close, and it terminates the process. This raises the ratio of three of the presets.
+/// as long; the decay time is shortened by as much. A decay of less than 0.24 s is not possible. In 1.19 high
+/// frequencies cannot decay so much faster than the others that the reciprocal times, in seconds, differ by
+/// 7.92 or more: its filter would have to close, and it terminates the process. This raises the ratio of
+/// three of the presets. Their level is not compensated: a click in them decays as fast as the reflections,
+/// and would decay up to 2.5 times as slowly with a louder late reverb.
 ReverbParameters GetReverbParameters(const FXEnvReverb& room, SoftVersion version);
 
 } // namespace Quon
