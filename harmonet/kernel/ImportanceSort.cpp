@@ -20,11 +20,15 @@ constexpr std::uint64_t LowBits(int count)
 
 void SortByComparison(std::span<Item> items, Keys keys, std::uint32_t first)
 {
-    std::sort(items.begin(), items.end(), [keys, first](const Item& left, const Item& right) {
+    const auto isBefore = [keys, first](const Item& left, const Item& right) {
         const std::uint64_t leftKey = keys[left.number - first];
         const std::uint64_t rightKey = keys[right.number - first];
         return leftKey != rightKey ? leftKey < rightKey : left.number < right.number;
-    });
+    };
+    // Often many keys are equal, and their items are in order.
+    if (!std::is_sorted(items.begin(), items.end(), isBefore)) {
+        std::sort(items.begin(), items.end(), isBefore);
+    }
 }
 
 void SortEqualDigits(std::span<Item> items, Keys keys, std::uint32_t first)
