@@ -155,9 +155,9 @@ public:
     static void SetCompareUsingMultiplier(bool use);
     static bool useMultiplier;
 
-    /// Effects. A setter returns false while the sound plays, since effects are fixed when it starts; else it
-    /// stores the record and gives up any change of rate, which no sound with effects can have. A getter asks
-    /// the channel for the live values and answers with the stored record when there are none; false when
+    /// Effects. A setter returns false while the sound plays, since effects are fixed when it starts.
+    /// Otherwise it stores the record and discards any change of rate: a sound with effects cannot have one.
+    /// A getter returns the live values of the channel, or the stored record if there are none, or false if
     /// there is no record either. `quality` is the quality word of an environmental reverb.
     bool SetFXEnvReverbListenerProperties(const FXEnvReverb* record, long quality);
     bool GetFXEnvReverbListenerProperties(FXEnvReverb* record);

@@ -195,7 +195,7 @@ void SndKernel::CountEmulated(const UpdateStep& step)
             return;
         }
         if (!row.IsHeldBack()) {
-            // What stands still keeps its range, which may have been set otherwise.
+            // A sound that has not moved keeps its range, which other code may have set.
             if ((step.listenerMoved || row.HasMark(RowMoved)) && row.HasAnyFlag(Flag3D)) {
                 row.Measure(step.listener);
             }

@@ -9,14 +9,14 @@
 namespace Quon
 {
 
-/// A hash table of numbers, with linear probing. What a number stands for is the caller's: he has a hash for
-/// each, of which the high bits count.
+/// A hash table of numbers, with linear probing. The caller knows what each number refers to, and computes
+/// its hash, whose high bits must be well distributed.
 class HashIndex
 {
 public:
     static constexpr std::uint32_t none = 0xFFFFFFFF;
 
-    /// The number with that hash that matches, or none.
+    /// Returns the number with that hash for which `matches` is true, or none.
     template<class Matches>
     std::uint32_t Find(std::uint32_t hash, Matches matches) const
     {
@@ -31,7 +31,8 @@ public:
         return none;
     }
 
-    /// Makes room for one more, so that Add() cannot fail. Shrinks the table if it is nearly empty.
+    /// Allocates memory for one more number, so that Add() cannot fail. Shrinks the table if it is nearly
+    /// empty.
     template<class HashOf>
     void Reserve(HashOf hashOf)
     {
@@ -43,14 +44,14 @@ public:
             Resize(slots.size() / 2, hashOf);
         }
     }
-    /// After Reserve(), a number that is not in the table.
+    /// Adds a number that is not in the table. Call Reserve() before.
     void Add(std::uint32_t number, std::uint32_t hash)
     {
         ++count;
         Enter(number, hash);
     }
-    /// A number that is in the table. Closes the gap: whatever stands after it and would no longer be found
-    /// from its home moves forward.
+    /// Removes a number that is in the table, and moves later numbers into the gap that a search would
+    /// otherwise not reach.
     template<class HashOf>
     void Remove(std::uint32_t number, HashOf hashOf)
     {

@@ -104,8 +104,8 @@ bool SndKernel::FindLength(SndBase& sound)
     return file != nullptr;
 }
 
-// A running update ignores the sound until the next one. `isNow` says that it is to have a channel at
-// once: the machine's clock, which takes longer to read than all the rest, is not asked then.
+// A running update ignores the sound until the next one. With `isNow` it gets a channel at once; the
+// machine's clock is then not read, because that would take longer than everything else.
 void SndKernel::MarkStarted(SndBase& sound, bool isNow)
 {
     sound.startSerial = ++startCounter;

@@ -87,7 +87,7 @@ private:
         std::uint64_t key;
         Entry entry;
     };
-    /// Since then, by sorted insertion into a list in order: whatever changes a key asks for the merge first.
+    /// Sorted insertions into a list in order. They are merged before any key changes.
     EngineVector<Added> added;
     std::size_t count = 0;
     bool isInOrder = true;

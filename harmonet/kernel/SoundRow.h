@@ -49,7 +49,7 @@ struct UpdateStep
     std::uint32_t minEmulationMs; ///< A virtual sound with less than this plus the step left ends.
     Vector3 listener;
     bool listenerMoved;
-    bool onlyCounts = false; ///< All that the step takes for the virtual sounds is counting.
+    bool onlyCounts = false; ///< Counting is enough to advance all virtual sounds.
     bool anyMoved = false; ///< One of them has moved.
 };
 
@@ -107,7 +107,7 @@ struct alignas(64) SoundRow : SoundRowHead
         return std::isnan(squared) ? std::numeric_limits<float>::infinity() : squared;
     }
 
-    /// Takes its distance from its place, and whether it is in range. Lists are no longer in order then.
+    /// Computes its distance and whether it is in range. The order of its list may be invalid afterwards.
     void Measure(const Vector3& listener)
     {
         distSqr = CalcDistSqr(listener);
@@ -129,7 +129,7 @@ struct alignas(64) SoundRow : SoundRowHead
     bool IsUnplaced() const { return HasAnyFlag(Flag3D) && !HasMark(RowPlaceKnown); }
     bool IsHeldBack() const { return (flags & (Flag3D | FlagInPause)) == (Flag3D | FlagInPause); }
 
-    /// Whether a step takes no more for this virtual sound than counting: it neither ends, nor comes to the
+    /// Whether counting is enough to advance this virtual sound by a step: it neither ends, nor reaches the
     /// end of its file, nor may have too little left.
     bool CanCount(const UpdateStep& step) const
     {

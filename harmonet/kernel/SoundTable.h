@@ -8,12 +8,12 @@
 namespace Quon
 {
 
-/// The table of all existing sounds, started or not, whatever list they are on, as row numbers. It finds
-/// sounds by id, and bulk operations iterate over it. Task thread only.
+/// The table of all existing sounds, started or not, as row numbers. It finds sounds by id, and bulk
+/// operations iterate over it. Task thread only.
 ///
-/// The sounds stand in 32 buckets by the low bits of their ids; ids are handed out in sequence and so spread
-/// evenly. Beside the buckets an index by id makes a look-up, an entry and a removal cost the same however
-/// many sounds there are.
+/// The sounds are in 32 buckets by the low bits of their ids; ids are sequential, which distributes them
+/// evenly. With an index by id, the cost of a search, an addition and a removal does not depend on the number
+/// of sounds.
 class SoundTable
 {
 public:
@@ -21,7 +21,7 @@ public:
 
     /// Adds a sound that is not in the table; returns its place.
     std::uint32_t Add(std::uint32_t row);
-    /// Takes the sound in that row out of its place, into which another may move: returns that one or null.
+    /// Removes the sound in that row from its place. Returns the sound that has moved there instead, or null.
     SndBase* Remove(std::uint32_t row, std::uint32_t place);
     /// Returns the sound with that id, or null.
     SndBase* Find(int id) const

@@ -6,12 +6,12 @@
 namespace Quon
 {
 
-/// The game time of the sound system between its full updates, for drivers that keep the time between two
-/// starts; beside it the clock of the machine. In microseconds. A plain value of the kernel's.
+/// The game time of the sound system between its full updates, and the machine's clock, for drivers that keep
+/// the time between two starts. In microseconds.
 class StartClock
 {
 public:
-    /// In place of a machine time: there is nothing to wait for.
+    /// A machine time that means "at once".
     static constexpr std::int64_t now = 0;
 
     /// Begins a full update, `elapsedMs` after the last one.
@@ -21,7 +21,8 @@ public:
         update += static_cast<std::int64_t>(elapsedMs) * microsecondsPerMs;
     }
 
-    /// The game time `delayMs` from now. `gathered` has passed since the last full update; 0 during one.
+    /// Returns the game time `delayMs` from now. `gathered` is the time since the last full update; 0 during
+    /// one.
     std::int64_t GetGameTime(std::int64_t gathered, int delayMs) const
     {
         return update + gathered + ToMicroseconds(delayMs);
@@ -33,12 +34,12 @@ public:
             ToMicroseconds(delayMs);
     }
 
-    /// What SndChannel::SetStartTime() needs of a game time.
+    /// Converts a game time to the first argument of SndChannel::SetStartTime().
     std::int64_t GetSinceUpdate(std::int64_t gameTime, bool isUpdating) const
     {
         return gameTime - (isUpdating ? previousUpdate : update);
     }
-    /// How long ago that machine time was.
+    /// Returns the time since that machine time.
     static std::int64_t GetAge(std::int64_t machineTime)
     {
         return machineTime != now ? GetMachineTime(0) - machineTime : 0;
