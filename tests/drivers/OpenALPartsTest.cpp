@@ -100,8 +100,8 @@ TEST(WavSink, TheFileIsValidAfterEveryCommitAndWhenTheDiskIsFull)
 }
 #endif
 
-// The position is reported as the length that remains, which must not grow. The device mixes more at once
-// than the machine's clock says, and starves the source in the end.
+// The position is reported as the remaining length, which must not grow. The device mixes more at once than
+// the machine's clock has advanced, and starves the source at the end.
 TEST(Voice, ItsPositionNeverGoesBackWhenItsDeviceGoesAndComes)
 {
     OutputDevice device(DeviceSource::GetMachine());
@@ -131,6 +131,17 @@ TEST(Voice, ItsPositionNeverGoesBackWhenItsDeviceGoesAndComes)
         expectNotLess("with more");
         device.Render(out.data(), 20000);
         EXPECT_EQ(voice.GetFramesHeard(), 10000);
+        // The blocks played before the underrun have not been reclaimed.
+        voice.Queue(std::vector<float>(2000, 0.5F).data(), 2000, 1, OfflineRig::rateHz);
+        device.Render(out.data(), 1000);
+        EXPECT_EQ(voice.GetFramesHeard(), 11000);
+        EXPECT_GT(out[1000], 0.1F);
+        voice.GoSilent();
+        // At this pitch the rest takes less than a nanosecond.
+        voice.SetPitch(1e9F);
+        for (const std::int64_t now = GetSteadyNanoseconds(); GetSteadyNanoseconds() == now;) {
+        }
+        EXPECT_EQ(voice.GetFramesHeard(), 12000);
     }
 }
 
@@ -149,7 +160,7 @@ TEST(SilentClock, KeepsItsSpeedSinceTheLastSet)
 TEST(RateConverter, AChangeOfRateDoesNotDependOnHowFarTheSoundHasBeenRead)
 {
     constexpr int rateHz = 44100;
-    const auto convert = [](int readAhead) {
+    const auto convert = [](int readAhead, int firstFrames) {
         PcmFifo input;
         input.Start(1);
         RateConverter converter;
@@ -157,7 +168,8 @@ TEST(RateConverter, AChangeOfRateDoesNotDependOnHowFarTheSoundHasBeenRead)
         std::vector<float> heard;
         for (const double hz : {1.0 * rateHz, 1.1 * rateHz, 0.9 * rateHz}) {
             converter.SetRate(hz, 50);
-            const std::size_t end = heard.size() + rateHz / 10;
+            const std::size_t end =
+                heard.size() + static_cast<std::size_t>(heard.empty() ? firstFrames : rateHz / 10);
             while (heard.size() < end) {
                 std::vector<float> block(std::min<std::size_t>(end - heard.size(), 441));
                 const int given = converter.Convert(input, false, block);
@@ -174,12 +186,14 @@ TEST(RateConverter, AChangeOfRateDoesNotDependOnHowFarTheSoundHasBeenRead)
         }
         return heard;
     };
-    const std::vector<float> expected = convert(2 * rateHz);
-    for (const int readAhead : {64, 100, 3000}) {
-        const std::vector<float> heard = convert(readAhead);
-        ASSERT_EQ(heard.size(), expected.size());
-        for (std::size_t i = 0; i < heard.size(); ++i) {
-            ASSERT_NEAR(heard[i], expected[i], 1e-5) << i << ", read " << readAhead << " at a time";
+    for (const int firstFrames : {1, rateHz / 10}) {
+        const std::vector<float> expected = convert(2 * rateHz, firstFrames);
+        for (const int readAhead : {64, 100, 3000}) {
+            const std::vector<float> heard = convert(readAhead, firstFrames);
+            ASSERT_EQ(heard.size(), expected.size());
+            for (std::size_t i = 0; i < heard.size(); ++i) {
+                ASSERT_NEAR(heard[i], expected[i], 1e-5) << i << ", read " << readAhead << " at a time";
+            }
         }
     }
 }

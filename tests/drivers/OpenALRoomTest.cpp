@@ -163,7 +163,7 @@ TEST_F(Rooms, AClickDecaysAsWithoutCompensation)
     OwnedList list;
     list.Add(SndFXEnvReverbSource, onlyRoom);
     for (const Row& row : rows) {
-        // The room stands before there are channels, and is the last of several.
+        // The room is set before there are channels, and is the last of several.
         rig = std::make_unique<OfflineRig>(0);
         SetRoom(&fxEnvReverbSewerPipe);
         SetRoom(&fxEnvReverbCave);
@@ -180,7 +180,7 @@ TEST_F(Rooms, AClickDecaysAsWithoutCompensation)
     }
 }
 
-// A record's level means what is heard in a steady sound, however long the room rings.
+// A record's level is that of a steady sound, regardless of the decay time.
 TEST_F(Rooms, LateReverbHasItsLevelAtAnyDecayTime)
 {
     struct Row
@@ -323,6 +323,10 @@ TEST(RoomParts, AChangeOfRoomDoesNotClickWithLongMixPeriods)
     voice.SetPosition({0, 0, -1});
     SourceAcoustics source(acoustics);
     source.Begin(voice.GetSource(), true, false, SndFXList());
+    OwnedList list;
+    list.Add(SndFXEnvReverb, fxEnvReverbCave);
+    SourceAcoustics withOwnRoom(acoustics);
+    withOwnRoom.Begin(0, false, false, list.Get());
     std::vector<float> tone;
     for (int i = 0; i < 10 * rateHz; ++i) {
         const double rise = std::min(static_cast<double>(i) / rateHz, 1.0);
@@ -352,6 +356,11 @@ TEST(RoomParts, AChangeOfRoomDoesNotClickWithLongMixPeriods)
     EXPECT_GT(heard.LargestStep(1, heard.GetFrames()), 0.0018) << "that of the tone alone is 0.0017";
     voice.GoSilent();
     acoustics.Destroy();
+    const auto isSlot =
+        reinterpret_cast<LPALISAUXILIARYEFFECTSLOT>(alGetProcAddress("alIsAuxiliaryEffectSlot"));
+    for (ALuint slot = 1; slot <= 64; ++slot) {
+        EXPECT_FALSE(isSlot(slot)) << slot << " is left for the next device";
+    }
 }
 
 /// OpenAL's slots, of which there is only one.
@@ -391,7 +400,7 @@ TEST(RoomParts, WithASingleSlotTheNextRoomWaitsForSilence)
     room.Destroy();
 }
 
-/// A click in a room that the sound brings with it.
+/// A click in the sound's own room.
 class OwnRoom : public Rooms
 {
 protected:
@@ -424,7 +433,7 @@ TEST_F(OwnRoom, RingsOutAfterTheSoundHasEnded)
 
 TEST_F(OwnRoom, IsAttenuatedLikeItsSound)
 {
-    double levels[2];
+    double levels[2] = {};
     for (const int far : {0, 1}) {
         SndChannel* const channel = PlayIn(fxEnvReverbCave, ChanPositional);
         channel->SetMinMaxDistance(1, 100, false);
@@ -452,9 +461,9 @@ TEST_F(OwnRoom, StopEndsItWithoutAClick)
 
 TEST_F(OwnRoom, EqualRoomsAreSharedAndTheNinthIsNotApplied)
 {
-    std::vector<SndChannel*> channels;
-    for (int i = 0; i < 4; ++i) {
-        channels.push_back(PlayIn(fxEnvReverbCave));
+    SndChannel* channels[4] = {};
+    for (SndChannel*& channel : channels) {
+        channel = PlayIn(fxEnvReverbCave);
     }
     for (SndChannel* const channel : channels) {
         EXPECT_TRUE(channel->GetFXEnvReverbListenerProperties(&live));

@@ -1,4 +1,4 @@
-// The effects that take a sound by its samples' level or by fixed delays, against what their formulas give.
+// Effects of level and of fixed delays, compared with their formulas.
 
 #include "drivers/openal/effects/CompressorEffect.h"
 #include "drivers/openal/effects/DistortionEffect.h"
@@ -21,8 +21,8 @@ namespace
 constexpr int rateHz = 44100;
 constexpr double pi = std::numbers::pi;
 
-/// A compressor's doing, sample frame by sample frame: the level is that of an RC circuit, and what it rises
-/// above the threshold is divided by the ratio.
+/// A simple compressor: the level is that of an RC circuit, and its excess over the threshold is divided by
+/// the ratio.
 Pcm CompressPlainly(const FXCompressor& record, const Pcm& stereo)
 {
     const auto ahead = static_cast<std::size_t>(std::lround(record.predelay * rateHz / 1000));
@@ -64,8 +64,7 @@ TEST(Compressor, MatchesItsFormula)
     }
 }
 
-// The analogue filters that the digital ones stand for, at the frequency that the bilinear transform puts in
-// the place of `hz`.
+// The gain of the analogue prototypes at the frequency to which the bilinear transform maps `hz`.
 double GetLowPassGain(double hz, double cutoffHz)
 {
     const double w = std::tan(pi * hz / rateHz) / std::tan(pi * cutoffHz / rateHz);
@@ -78,7 +77,7 @@ double GetBandPassGain(double hz, double centerHz, double bandwidthHz)
     return 1 / std::hypot(1, centerHz / bandwidthHz * (w - 1 / w));
 }
 
-/// The amplitude of a harmonic of a bent sine, by integrating over a period.
+/// The amplitude of a harmonic of a distorted sine, integrated over a period.
 double GetHarmonic(double amplitude, double bend, int harmonic)
 {
     constexpr int steps = 20000;
@@ -93,7 +92,7 @@ double GetHarmonic(double amplitude, double bend, int harmonic)
 
 TEST(Distortion, HasTheHarmonicsOfItsCurveAfterItsFilters)
 {
-    // So that no harmonic that is folded down falls on another one.
+    // Chosen so that no aliased harmonic coincides with another one.
     constexpr int sineHz = 301;
     constexpr float amplitude = 0.5F;
     const FXDistortion records[] = {{-18.0F, 15.0F, 2400.0F, 2400.0F, 7350.0F},
@@ -147,10 +146,12 @@ TEST(Echo, FollowsFeedbackMixAndPan)
 TEST(Gargle, StartsSilentAsATriangleAndFullAsASquare)
 {
     constexpr int gargleHz = 50;
-    constexpr std::size_t period = 20000 / gargleHz;
+    // So many sample frames that a half is exact in binary.
+    constexpr std::size_t period = 512;
+    constexpr int rate = gargleHz * period;
     const Pcm one(20 * period, 1.0F);
-    GargleEffect triangle({gargleHz, 0}, {20000, 1});
-    GargleEffect square({gargleHz, 1}, {20000, 1});
+    GargleEffect triangle({gargleHz, 0}, {rate, 1});
+    GargleEffect square({gargleHz, 1}, {rate, 1});
     const Pcm risen = Through(triangle, one);
     const Pcm switched = Through(square, one);
     for (std::size_t i = 0; i < one.size(); ++i) {
@@ -168,7 +169,7 @@ TEST(ParamEq, HasItsGainAtTheCentreAndHalfAtTheEdges)
         constexpr float amplitude = 0.5F;
         ParamEqEffect equaliser(record, {rateHz, 1});
         const Pcm sine = MakeSine(hz, amplitude, rateHz, rateHz);
-        // Until everything that does not last has died away.
+        // Until transients have decayed.
         Through(equaliser, sine);
         return ToDecibels(GetAmplitude(Through(equaliser, sine), hz, rateHz) / amplitude);
     };
