@@ -51,7 +51,7 @@ void PrintEqualiser()
     }
 }
 
-// The gain goes through its shape 50 times a second, from silence on.
+// The gain repeats its shape 50 times a second, beginning with silence.
 void PrintGargle()
 {
     const std::pair<const char*, int> shapes[] = {{"triangle", 0}, {"square", 1}};

@@ -103,8 +103,8 @@ double MeasureStarts(const Bench::SoundFolder& folder, const char* keepsStartTim
     return *(begin + (latencies.end() - begin) * 19 / 20) - *begin;
 }
 
-/// The height of the sound says where in it one is. How far a sound that loses its channel so many times for
-/// 200 ms is from where it would have been after a return, in ms; the worst of all returns.
+/// The largest position error after a return, in ms, of a sound that loses its channel so many times for 200
+/// ms. Its level encodes the position.
 double MeasureReturns(const Bench::SoundFolder& folder, int losses, double soundFrames)
 {
     constexpr int stepMs = 50;

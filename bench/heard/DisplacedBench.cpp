@@ -5,13 +5,12 @@
 #include <random>
 #include <stdexcept>
 
-// Displaced/KIND/STEP: a sound of noise is displaced by a more important one after 6 s, comes back 5 s later,
-// and is compared with a run in which nothing has displaced it. The counter error_frames tells by how many
-// sample frames it is ahead of where it would have been; a negative number means that it is late. Nothing is
-// timed.
+// Displaced/KIND/STEP: a sound of noise is displaced by a more important one after 6 s, returns 5 s later,
+// and is compared with an undisturbed run. The counter error_frames is the number of sample frames by which
+// it is ahead; negative if it is late. Nothing is timed.
 //
-// STEP is how much time the host hands to the task list at once: 40 ms, or frames of 16 ms that it does not
-// gather. An update takes place when 40 ms have come together, and moves unheard sounds on by the last step.
+// STEP is the time that the host passes to the task list at once: 40 ms, or game frames of 16 ms that it does
+// not accumulate. An update runs when 40 ms have accumulated, and advances virtual sounds by the last step.
 
 namespace
 {
@@ -103,8 +102,7 @@ double Difference(
     return sum / static_cast<double>(count);
 }
 
-/// Where in `undisturbed` stands what stands in `displaced` at that place; as far ahead of it as the result
-/// says.
+/// By how many sample frames `displaced` is ahead of `undisturbed` at that place.
 long FindLag(const Samples& undisturbed, const Samples& displaced, std::size_t place)
 {
     constexpr std::size_t window = 400;

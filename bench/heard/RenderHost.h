@@ -32,8 +32,8 @@ enum class Coding
     Mp3
 };
 
-/// A folder for the sound files of a run and what is rendered; it goes with the object. There is one at a
-/// time, and plain file names are looked up in it.
+/// A temporary folder for the sound files and output of a run, and the root of plain file names. At most one
+/// instance may exist.
 class SoundFolder
 {
 public:

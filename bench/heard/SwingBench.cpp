@@ -11,8 +11,8 @@
 
 // Swing: two equal sounds 10 m away, one channel for both, and a listener who swings by 5 cm to one side and
 // the other, so that with each of 1 000 updates another one is nearer. Counters: channel_changes, how often
-// the channel goes from one sound to the other; steepest_step, the greatest change from a sample to the next
-// in what is rendered; own_steepest_step, the same while the listener stands still and nothing changes;
+// the channel changes from one sound to the other; steepest_step, the largest difference of successive
+// samples of the output; own_steepest_step, the same while the listener is at rest and nothing changes;
 // lowest_db and highest_db, the level of both sides in windows of ten periods of the tone, relative to that
 // while nothing changes. Swing/cut has no handover fades, Swing/faded those of the default. Nothing is timed.
 

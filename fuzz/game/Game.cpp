@@ -133,7 +133,7 @@ void Game::Restart()
 }
 
 // After the operation, the calling witness may have been destroyed.
-void Game::Hear(Note note, int id, const PString& fileName, int remaining)
+void Game::Notify(Note note, int id, const PString& fileName, int remaining)
 {
     ++notificationCount;
     digest.Add(static_cast<int>(note));
@@ -158,7 +158,7 @@ void Witness::OnBufferFree(int soundID, void* buffer)
         }
         ++number;
     }
-    game.Hear(Game::Note::Free, soundID, PString(), number);
+    game.Notify(Game::Note::Free, soundID, PString(), number);
 }
 
 int Game::PickID()

@@ -62,7 +62,7 @@ private:
 
     void Start();
     void RunOperation(bool isInner);
-    void Hear(Note note, int id, const PString& fileName, int remaining);
+    void Notify(Note note, int id, const PString& fileName, int remaining);
 
     // Outside of handlers.
     void ReplaceGroup();

@@ -16,18 +16,18 @@ public:
     {
     }
 
-    void OnShutDown() override { game.Hear(Game::Note::ShutDown, 0, PString(), 0); }
+    void OnShutDown() override { game.Notify(Game::Note::ShutDown, 0, PString(), 0); }
     void OnSoundBegin(int soundID, const PString& fileName) override
     {
-        game.Hear(Game::Note::Begin, soundID, fileName, 0);
+        game.Notify(Game::Note::Begin, soundID, fileName, 0);
     }
     void OnSoundAbort(int soundID, const PString& fileName, int remaining) override
     {
-        game.Hear(Game::Note::Abort, soundID, fileName, remaining);
+        game.Notify(Game::Note::Abort, soundID, fileName, remaining);
     }
     void OnSoundEnd(int soundID, const PString& fileName) override
     {
-        game.Hear(Game::Note::End, soundID, fileName, 0);
+        game.Notify(Game::Note::End, soundID, fileName, 0);
     }
     void OnBufferFree(int soundID, void* buffer) override;
 

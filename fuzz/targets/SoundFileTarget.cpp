@@ -59,7 +59,8 @@ int Left(const SndFile& file)
 int ReadPiece(SndFile& file, int wanted, Pcm& pcm, bool isExact)
 {
     const int frameBytes = FrameBytes(file);
-    std::vector<unsigned char> buffer(static_cast<std::size_t>(wanted * frameBytes));
+    std::vector<unsigned char> buffer(
+        static_cast<std::size_t>(wanted) * static_cast<std::size_t>(frameBytes));
     const int before = file.GetCurrentSample();
     const int given = file.ReadSamples(buffer.data(), wanted);
     Require(given >= 0 && given <= wanted, "a read returns at most the requested sample frames");

@@ -10,7 +10,7 @@ namespace Quon
 {
 
 /// Settings as a text: the file's name, and then what differs from the documented defaults, in the order of
-/// the documentation. Effects stand as "echo(50 50 500 500 0)", a line as "line(additional angle: x,y,z
+/// the documentation. Effects are written as "echo(50 50 500 500 0)", a line as "line(additional angle: x,y,z
 /// ...)".
 std::string Describe(const SoundResource& sound);
 

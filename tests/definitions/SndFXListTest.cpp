@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstring>
 #include <span>
 #include <vector>
@@ -55,16 +57,17 @@ TEST_F(FXLists, TheBlockHasSizeCountAndUnpaddedEntries)
     // Its last field, and then the gargle.
     EXPECT_TRUE(std::ranges::equal(std::span(words).last(5), std::vector{2U, 7U, 8U, 50U, 1U}));
 
-    // The quality stands in front of the room alone.
+    // Only a room is preceded by its quality.
     list.AddFX(SndFXEnvReverb, &fxEnvReverbCave, 52, 3);
     words = GetWords(list);
     ASSERT_EQ(words.size(), (60U + 60U) / 4);
     EXPECT_TRUE(std::ranges::equal(
         std::span(words).subspan(15, 4), std::vector{0U, 52U, 3U, static_cast<std::uint32_t>(-1000)}));
-    EXPECT_EQ(std::memcmp(list.GetFXDesc(SndFXEnvReverb)->GetRecord(), &fxEnvReverbCave, 48), 0);
+    EXPECT_TRUE(std::ranges::equal(
+        std::span(words).last(12), std::bit_cast<std::array<std::uint32_t, 12>>(fxEnvReverbCave)));
 }
 
-// A size that does not even hold the quality comes from a broken caller; the sanitizer watches the edges.
+// A size too small for the quality is a fault of the caller; the address sanitizer detects overruns.
 TEST_F(FXLists, AnEmptyRoomStoresNothing)
 {
     list.AddFX(SndFXEnvReverb, &fxEnvReverbCave, 2, 3);

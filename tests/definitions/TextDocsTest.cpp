@@ -1,4 +1,4 @@
-// What the documentation says of definitions, held against the library.
+// Compares the documentation of definitions with the library.
 
 #include "harmonet/definitions/EffectKeywords.h"
 #include "tests/definitions/DefinitionTest.h"
@@ -159,7 +159,7 @@ TEST_F(TextDocs, EveryEffectIsDocumentedWithRangesAndDefaults)
         }
         const std::string written = LoadBlock(defaults + '}');
         EXPECT_EQ(written, LoadBlock(name));
-        // The paper goes through a record from its first field to its last.
+        // The page lists the fields of a record in their order.
         const std::string filled = LoadBlock(numbered + '}');
         EXPECT_TRUE(filled.ends_with('(' + numbers.substr(1) + ')')) << filled;
     }

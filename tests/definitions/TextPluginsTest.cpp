@@ -1,4 +1,4 @@
-// The plug-in door, taken as an engine takes it: the library is loaded at run time and asked for its types.
+// The plug-in entry point: the library is loaded at run time, as by an engine, and registers its types.
 
 #include "harmonet/engine/DynamicLibrary.h"
 #include "harmonet/engine/PluginRegistry.h"
@@ -62,7 +62,7 @@ TEST_F(TextPlugins, FourTypesLeadFromTheNamesInAFolderToSettings)
         resource->Unlock();
         resource->ReleaseReference();
     }
-    // Those that were in use go in the second round.
+    // Resources that were in use are dropped in the second pass.
     database.DropUnused();
     database.DropUnused();
     PluginRegistry::Get().ReleaseAll();

@@ -1,4 +1,4 @@
-// A definition as text in: its settings out, and what a listener hears of it.
+// Definitions as text: the settings they give, and the remarks that a listener receives.
 
 #include "tests/definitions/DefinitionTest.h"
 
@@ -54,8 +54,8 @@ struct Row
 class TextSettings : public DefinitionTest
 {
 protected:
-    /// Loads each as what stands in a definition after "a.wav", from line 3 on, and expects success, the
-    /// settings that stand after the file's name, and the remarks.
+    /// Loads each as the rest of a definition after "a.wav", from line 3 on, and expects success, the
+    /// settings after the file's name, and the remarks.
     void CheckBlocks(const std::vector<Row>& rows)
     {
         for (const Row& row : rows) {
@@ -155,7 +155,7 @@ TEST_F(TextSettings, AnEffectHasOneEntryInOrderOfFirstAppearance)
     fxEnvReverbDefault = before;
 }
 
-TEST_F(TextSettings, WhatVariesAndItsLimitsAreReadAndWhatIsOutOfRangeIsLeftOut)
+TEST_F(TextSettings, VariationsAndLimitsAreReadAndValuesOutOfRangeIgnored)
 {
     CheckBlocks({
         {"*VARIANT b.wav\n*VARIANT_ORDER sequence\n*VARIANT \"c d.wav\"", "then b.wav c d.wav"},

@@ -120,7 +120,7 @@ public:
             Step(ms);
         }
     }
-    /// Updates without waiting until the condition holds. False after two minutes.
+    /// Updates without waiting until the condition is true. False after two minutes.
     bool StepUntil(const std::function<bool()>& condition)
     {
         const auto giveUp = std::chrono::steady_clock::now() + std::chrono::minutes(2);

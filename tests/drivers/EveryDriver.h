@@ -8,8 +8,8 @@
 namespace Quon
 {
 
-/// What every driver owes the library, on one driver after the other: each program that links these tests
-/// gives them the makers of those that it has.
+/// Requirements on every driver. Each program that links these tests passes functions that create its
+/// drivers.
 class EveryDriver : public testing::TestWithParam<std::unique_ptr<DriverRig> (*)(int maxChannels)>
 {
 protected:

@@ -8,7 +8,7 @@
 namespace Quon
 {
 
-/// A machine whose sound card comes and goes as the test says. It must outlive the driver. Any thread.
+/// A machine whose sound card the test removes and restores. It must outlive the driver. Any thread.
 class FickleMachine : public DeviceSource
 {
 public:

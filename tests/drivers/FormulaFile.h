@@ -47,23 +47,22 @@ public:
             static_cast<double>(Quantise(formula(sampleFrame, channel))), 1 - 8 * bytesPerSample);
     }
 
-    // What it is like. All of it before it plays.
+    // Its properties, to be set before it plays.
 
     /// The data end before the sample frames that the form states.
     void BreakOffAt(int sampleFrame) { dataEnd = sampleFrame; }
-    /// A read that would pass this sample frame ends in front of it, as at a change of form; the next goes
-    /// on.
+    /// A read that would pass this sample frame ends before it, as at a change of format; the next continues.
     void PauseAt(int sampleFrame) { pauseAt = sampleFrame; }
-    /// What the form says of the rate turns out to be wrong at the first read.
+    /// The first read finds another rate than the form states.
     void TurnOutToHave(int newRateHz) { trueRateHz = newRateHz; }
-    /// Each read of so many takes a while, as from a disk that has gone to sleep.
+    /// One of so many reads is slow, as from a disk that was in standby.
     void BeSlow(int newReadsPerSlowOne, std::chrono::milliseconds newSlowness)
     {
         readsPerSlowOne = newReadsPerSlowOne;
         slowness = newSlowness;
     }
 
-    /// From now on nobody may call any operation; GetForbiddenTouches() counts those who do.
+    /// From now on any call is forbidden; GetForbiddenTouches() counts such calls.
     void Forbid() { forbidden = true; }
     int GetForbiddenTouches() const { return forbiddenTouches; }
 

@@ -8,10 +8,12 @@
 #include <algorithm>
 #include <cmath>
 
-// OpenAL is not built with the sanitizer, which cannot see how its threads agree among themselves. What it
-// does with memory of its own is left out; all of ours is watched.
+// OpenAL is not built with the sanitizer, which cannot see how its threads synchronise. Its own memory is
+// excluded; all of ours is checked.
+// NOLINTBEGIN(bugprone-reserved-identifier): the sanitizer looks for this name.
 extern "C" __attribute__((visibility("default"))) const char* __tsan_default_suppressions();
 extern "C" const char* __tsan_default_suppressions()
+// NOLINTEND(bugprone-reserved-identifier)
 {
     return "race:libopenal.so";
 }

@@ -97,8 +97,8 @@ TEST_F(OpenALCard, StoppedAndResumedSoundsDoNotClick)
     EXPECT_LT(clicks, stops / 2);
 }
 
-/// How often a sound whose height grows all the time breaks off. A machine that is busy with other things can
-/// make gaps, but nothing of the sound may fall into them.
+/// How often a steadily rising sound is interrupted. A busy machine can cause gaps, but none of the sound may
+/// be lost in them.
 int CountGaps(const Rendering& heard, double risePerFrame, double tolerance = 64.0)
 {
     int gaps = 0;
@@ -142,7 +142,7 @@ TEST_F(OpenALCard, ASlowDiskCausesUnderrunsWithoutLoss)
     EXPECT_GE(CountGaps(heard, 0.25 / length), 1) << "the disk was not slow";
 }
 
-// What is read ahead never gets to where it should be; Stop() waits for one read all the same.
+// The read-ahead never reaches its target; Stop() still waits for one read only.
 TEST_F(OpenALCard, ASoundOnATooSlowDiskCanBeStopped)
 {
     constexpr int length = 10 * rateHz;
@@ -170,7 +170,7 @@ TEST_F(OpenALCard, ALongGameFrameLosesNothingAndReportsInOneUpdate)
     rig.Play(*parts[0]);
     rig.Play(beside);
     rig.Step(40);
-    // Until the last sample frame has certainly been heard.
+    // Long enough that the last sample frame has been heard.
     ASSERT_TRUE(parts[2]->WaitUntilRead(length));
     ASSERT_TRUE(beside.WaitUntilRead(beside.GetFramesRead() + rateHz));
     EXPECT_TRUE(rig.TakeEvents().empty());
@@ -187,7 +187,7 @@ TEST_F(OpenALCard, ALongGameFrameLosesNothingAndReportsInOneUpdate)
 
 TEST_F(OpenALCard, OpensWithoutADeviceOnlyForSilenceOrRendering)
 {
-    // OpenAL cannot write to a folder: to it there is no card.
+    // OpenAL cannot write to a folder, so it finds no card.
     fs::create_directory(cardPath);
     const std::pair<const char*, bool> rows[] = {{nullptr, false}, {"0", false}, {"2", false}, {"1", true}};
     for (const auto& [option, opens] : rows) {
@@ -227,7 +227,7 @@ TEST_F(OpenALCard, ANewDevicePlaysFromTheCurrentPositionWithAllSettings)
     CountGaps(heard, 0.25 * 0.5 / length, 200.0);
 }
 
-// Clicks with half a second between them, which a room fills.
+// Clicks half a second apart, which a room fills.
 TEST_F(OpenALCard, ARoomSetWithoutADeviceIsAppliedToTheFirstOne)
 {
     FormulaFile& clicks = rig.Make({rateHz / 2}, [](int i, int) { return i < 441 ? 0.9 : 0.0; });
@@ -254,12 +254,12 @@ TEST_F(OpenALCard, ARoomSetWithoutADeviceIsAppliedToTheFirstOne)
         reverberant += std::abs(heard.At(i)) > 0.001 ? 1 : 0;
         ASSERT_LT(std::abs(heard.At(i)), 0.4) << "the direct sound is off";
     }
-    // A click and the room after it, many times as long: a machine that is busy can swallow the others.
+    // One click and its reverberation, which is many times as long: a busy machine can lose the others.
     EXPECT_GT(reverberant, 441 * 5U);
 }
 
 #if !defined(_WIN32)
-// The card's file begins on a full disk, so that the first block that reaches the disk breaks it.
+// The card's file is on a full disk, so that the first block that is written breaks the device.
 TEST_F(OpenALCard, ABrokenDeviceIsReplacedWithHrtfKept)
 {
     fs::create_symlink("/dev/full", cardPath);

@@ -22,7 +22,7 @@ namespace
 
 constexpr int rateHz = 44100;
 
-// An output of OpenAL that takes sound at the speed of a sound card and plays it to nobody.
+// An output of OpenAL that takes sound at the speed of a sound card and discards it.
 const bool isQuietOutput = SetEnvironment("ALSOFT_DRIVERS", "null");
 
 template<class Function>
@@ -34,7 +34,7 @@ Function GetFunction(const char* name)
 const auto setThreadContext = GetFunction<PFNALCSETTHREADCONTEXTPROC>("alcSetThreadContext");
 const auto getThreadContext = GetFunction<PFNALCGETTHREADCONTEXTPROC>("alcGetThreadContext");
 
-/// What a host has of OpenAL for itself: a device with a context, whose listener has a gain.
+/// The host's own use of OpenAL: a device with a context, whose listener has a gain.
 class HostsOwn
 {
 public:

@@ -18,7 +18,7 @@ namespace
 
 constexpr int rateHz = 44100;
 
-// An output of OpenAL that takes sound at the speed of a sound card and plays it to nobody.
+// An output of OpenAL that takes sound at the speed of a sound card and discards it.
 const bool isQuietOutput = SetEnvironment("ALSOFT_DRIVERS", "null");
 
 /// The driver on its own thread. Time is the machine's here, so nothing asks how long a thing took: a test
@@ -78,7 +78,7 @@ protected:
             }
         };
         const std::function<void()> ways[] = {append, append, append, append,
-            [&] { channel->SetFrequency(static_cast<unsigned long>(100 + Draw(99901))); },
+            [&] { channel->SetFrequency(100UL + static_cast<unsigned long>(Draw(99901))); },
             [&] { channel->FadeOut(Draw(100)); },
             [&] { channel->SetGain(0.01F * static_cast<float>(Draw(100))); },
             [&] { channel->SetLowPass(0.01F * static_cast<float>(Draw(101))); },

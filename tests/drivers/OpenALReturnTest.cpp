@@ -21,19 +21,19 @@ struct Row
     const char* name;
     std::vector<int> lengths; ///< Of a queue; one is a loop.
     int fileHz;
-    unsigned long playedHz;
     unsigned int flags;
+    unsigned long playedHz;
     double tolerance; ///< In the last bits of the output, where the rate is converted.
 };
 
 const Row rows[] = {{"one file", {20 * rateHz, 1}, rateHz, 0, 0, 0.0},
     {"a queue", {25000, 3, 30000, 0, 100, 60000, 20 * rateHz}, rateHz, 0, 0, 0.0},
-    {"a loop", {30011}, rateHz, 0, ChanLooping, 0.0},
-    {"a loop of less than is read ahead", {441}, rateHz, 0, ChanLooping, 0.0},
+    {"a loop", {30011}, rateHz, ChanLooping, 0, 0.0},
+    {"a loop of less than is read ahead", {441}, rateHz, ChanLooping, 0, 0.0},
     {"half the rate", {10000, 20 * rateHz}, 22050, 0, 0, 2e-4},
-    {"a loop at half the rate", {15007}, 22050, 0, ChanLooping, 2e-4},
-    {"another rate than the file's", {50000, 20 * rateHz}, 22050, 33075, 0, 2e-4},
-    {"positional", {20 * rateHz, 1}, 22050, 0, ChanPositional, 2e-4}};
+    {"a loop at half the rate", {15007}, 22050, ChanLooping, 0, 2e-4},
+    {"another rate than the file's", {50000, 20 * rateHz}, 22050, 0, 33075, 2e-4},
+    {"positional", {20 * rateHz, 1}, 22050, ChanPositional, 0, 2e-4}};
 
 /// A sound that plays while its channel is taken from it and given back, as the library does it.
 class Sound
@@ -108,8 +108,8 @@ Rendering RenderUndisturbed(const Row& row)
     return rig.Heard();
 }
 
-// A library moves a sound without a channel on by the time that goes by, from where the driver has left its
-// file. So after any number of losses what is heard is what is heard without them.
+// The library advances a virtual sound by the elapsed time, from where the driver has left its file. After
+// any number of losses the output is therefore the same as without them.
 TEST(OpenALReturn, ResumesAtTheRightSampleAfterAnyNumberOfLosses)
 {
     for (const Row& row : rows) {

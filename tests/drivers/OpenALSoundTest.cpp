@@ -258,7 +258,7 @@ TEST(OpenALSound, AChangeOfRateLeavesNoGap)
     }
 }
 
-// Each sample says where in the file it stands.
+// Each sample encodes its position in the file.
 TEST(OpenALSound, PitchGlidesWithoutAClickAndTheFileIsPutBackToWhatWasHeard)
 {
     constexpr int frames = 20 * rateHz;

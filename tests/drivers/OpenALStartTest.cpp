@@ -1,4 +1,4 @@
-// Sounds that a game starts at any time are heard in its rhythm, and not in that of the updates.
+// Sounds that a game starts between updates keep their spacing.
 
 #include "drivers/openal/MixTimeline.h"
 #include "drivers/openal/StartTimes.h"
@@ -98,10 +98,9 @@ TEST(OpenALStart, KeepsTheSpacingOfStartsToTheSampleFrame)
             }
             // As far after an update as they were asked for after the one before; at once they need no
             // update.
-            const double latency =
-                immediately ? 0.0 : static_cast<double>((39 + gameFrameMs) / gameFrameMs * gameFrameMs);
+            const long latencyMs = immediately ? 0 : (39 + gameFrameMs) / gameFrameMs * gameFrameMs;
             for (const double measured : game.GetLatencies()) {
-                ASSERT_NEAR(measured, latency, frameMs);
+                ASSERT_NEAR(measured, static_cast<double>(latencyMs), frameMs);
             }
         }
     }
@@ -178,8 +177,8 @@ TEST(MixTimeline, EstimatesWhatAnEvenDeviceWouldHaveMixed)
     constexpr std::int64_t look = 102 * ms / 10;
     for (const double speed : {0.9999, 1.0001}) {
         const auto mix = [speed](std::int64_t now) {
-            return static_cast<std::int64_t>(static_cast<double>(now / look * look) * speed) / (20 * ms) *
-                20 * ms;
+            const std::int64_t read = now / look * look;
+            return static_cast<std::int64_t>(static_cast<double>(read) * speed) / (20 * ms) * 20 * ms;
         };
         MixTimeline timeline;
         std::int64_t now = 0;

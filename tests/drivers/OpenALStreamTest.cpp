@@ -80,7 +80,7 @@ TEST(OpenALStream, AnyNumberOfThreadsRendersTheSame)
             SndChannel* const channel = rig.Play(file, i % 4 == 0 ? ChanLooping : 0U);
             // A sound that is displaced in the first update after its start fades out of what has been read.
             const auto displace = [&] { channel->Stop(); };
-            rig.Step(static_cast<unsigned long>(40 + i), i % 3 == 0 ? displace : std::function<void()>());
+            rig.Step(40UL + static_cast<unsigned long>(i), i % 3 == 0 ? displace : std::function<void()>());
         }
         rig.Step(1000);
         const Rendering heard = rig.Heard();
@@ -114,7 +114,7 @@ TEST(OpenALFade, FadesAreLinearAndAFadeOutEndsTheSound)
         const Rendering heard = rig.Heard();
         for (size_t i = 0; i < heard.GetFrames(); ++i) {
             const double ms = 1000.0 * static_cast<double>(i) / rateHz;
-            // Within a block the gain goes over to the new one.
+            // The gain changes within a block.
             if (ms < 400 || ms > 410) {
                 const double level = std::min({ms / 80, 1.0, std::max(1 - (ms - 100) / 500, 0.0)});
                 ASSERT_NEAR(heard.At(i), (ms < 400 ? 0.8 : 0.4) * level, 2e-4) << i;
@@ -123,8 +123,7 @@ TEST(OpenALFade, FadesAreLinearAndAFadeOutEndsTheSound)
     }
 }
 
-// A tone of 100 Hz that is taken up at any place of its wave and stopped at any other, after steps of several
-// lengths.
+// A tone of 100 Hz that is resumed and stopped at different phases, after steps of several lengths.
 TEST(OpenALClick, AResumedSoundFadesInAndAStopDoesNotClick)
 {
     struct Row

@@ -12,7 +12,7 @@ Rendering ReadRendering(const std::string& path)
     SF_INFO info = {};
     SNDFILE* const file = sf_open(path.c_str(), SFM_READ, &info);
     if (!file) {
-        ADD_FAILURE() << path << " is no sound file: " << sf_strerror(nullptr);
+        ADD_FAILURE() << path << " is not a sound file: " << sf_strerror(nullptr);
         return read;
     }
     read.rateHz = info.samplerate;

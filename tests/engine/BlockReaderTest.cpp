@@ -226,8 +226,8 @@ TEST_F(BlockReaders, LimitTheDepthOfBlocks)
     std::string text = "*BOTTOM 1 { *UNSEEN }";
     std::string tree = "*BOTTOM(1 ";
     for (int depth = 0; depth < BlockReader::maxDepth; ++depth) {
-        text = "*B { " + text + " }\n*C";
-        tree = "*B{" + tree + "} *C ";
+        text.insert(0, "*B { ").append(" }\n*C");
+        tree.insert(0, "*B{").append("} *C ");
     }
     EXPECT_EQ(TreeOf(text), tree);
     const std::string deep(1000000, '{');

@@ -99,7 +99,7 @@ TEST_F(FileSources, RefuseTheSameSizesAsAFolder)
     EXPECT_EQ(file.Read(&byte, 1, 1), 0U);
 }
 
-// A pak on a disk that fails, or one that is shorter than its directory says.
+// An archive on a failing disk, or one that is shorter than its directory states.
 TEST_F(FileSources, EndOnAStreamErrorAndContinueAfterIt)
 {
     source->files["a.bin"] = {1, 2, 3, 4};

@@ -76,8 +76,8 @@ TEST(ExceptionHandler, ReturnsTheResultAndCatchesEveryException)
     const auto failing = [](void*) -> int { throw FileEx("place.cpp", 12, "it broke"); };
     EXPECT_EQ(ExceptionHandler::Main(failing, nullptr), +ExceptionHandler::failed);
     EXPECT_EQ(ExceptionHandler::Main([](void*) -> int { throw 5; }, nullptr), +ExceptionHandler::failed);
-    const std::string told = testing::internal::GetCapturedStderr();
-    EXPECT_NE(told.find("it broke (place.cpp:12)"), std::string::npos) << told;
+    const std::string message = testing::internal::GetCapturedStderr();
+    EXPECT_NE(message.find("it broke (place.cpp:12)"), std::string::npos) << message;
 }
 
 TEST(UId, ReadsItsTextFormAndNothingElse)

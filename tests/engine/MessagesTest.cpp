@@ -21,7 +21,7 @@ TEST(MessageHooks, ReceiveFormattedMessagesWhileTheirOwnerLives)
     const MessageHook hook = [](MessageLevel level, const char* text, void* user) {
         *static_cast<std::string*>(user) += std::to_string(static_cast<int>(level)) + text + ';';
     };
-    Report(MessageLevel::Error, "nobody hears this");
+    Report(MessageLevel::Error, "no hook is set");
     first->SetMessageHook(hook, &heard);
     second.SetMessageHook(nullptr);
     Report(MessageLevel::Warning, "a ", PString("b"), " c ", -3, 1U, " ", 1.5F);
@@ -29,7 +29,7 @@ TEST(MessageHooks, ReceiveFormattedMessagesWhileTheirOwnerLives)
     first.reset();
     Report(MessageLevel::Note, "still here");
     second.SetMessageHook(nullptr);
-    Report(MessageLevel::Error, "nobody hears this");
+    Report(MessageLevel::Error, "no hook is set");
     EXPECT_EQ(heard, "1a b c -31 1.5;0still here;");
     EXPECT_FALSE(Messages::AreWanted());
 }

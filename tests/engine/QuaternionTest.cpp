@@ -1,4 +1,4 @@
-// What a listener or a sound that turns does not show.
+// Properties that tests of listeners and sounds do not show.
 
 #include "harmonet/engine/Quaternion.h"
 

@@ -198,7 +198,7 @@ TEST_F(Resources, AreReloadedWhenTheirFileChangesAndKeptWhileItIsMissing)
     }
 }
 
-// A type is used by its resources, and goes with the last of them.
+// A type is deleted with the last of its resources.
 TEST_F(Resources, AreDroppedWhenUnusedAndOutliveTheirDatabaseWhileReferenced)
 {
     const Resource* const held = Find("shot.wav");

@@ -34,7 +34,7 @@ public:
         log.push_back(GetName().GetText());
         steps.push_back(passed);
         const UpdateCode code = result;
-        // Last: the task may be gone after it.
+        // Last, because it may delete the task.
         if (onUpdate) {
             onUpdate();
         }
@@ -118,8 +118,8 @@ TEST_F(Tasks, RunOncePerUpdateWhenNestedAndAgainAfterAnException)
     EXPECT_EQ(Updated(), (Log{"restless", "other"}));
 }
 
-// Three game frames a step, which no float holds exactly, for some hours: a loss of the same kind in each
-// step would add up.
+// Three game frames a step, whose sum no float represents exactly, for some hours: rounding errors in one
+// direction would add up.
 TEST_F(Tasks, WithAnIntervalGetTheAccumulatedTimeWithoutLoss)
 {
     TaskList::Get().SetMinimumStep("held", 0.05F);

@@ -109,7 +109,7 @@ void SmallGame::Step(int ms)
 namespace
 {
 
-/// One try in a game of its own. Returns whether the step that was to fail has come up.
+/// One attempt in a game of its own. Returns whether the step that was to fail was reached.
 bool TryOnce(const FallibleAction& action, GameFolder& folder, int step, void (*arm)(int), bool (*disarm)())
 {
     SmallGame game(folder);
@@ -120,7 +120,7 @@ bool TryOnce(const FallibleAction& action, GameFolder& folder, int step, void (*
         other = game.group.Play2DSound("long.wav", nullptr, Sound::StartLooping, 0, 0);
         if (action.playedBefore) {
             game.group.StopSound(game.group.Play2DSound(action.playedBefore, nullptr, 0, 0, 0));
-            // So that the name is asked for anew.
+            // So that the name is looked up again.
             SmallGame::Step(50);
         }
     }

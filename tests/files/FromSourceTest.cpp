@@ -29,8 +29,8 @@ protected:
     OS os;
 };
 
-// A file that is cut off holds less than it states, and plays as far from memory as from itself.
-TEST_F(FromSource, WhatIsHeldReadsAsTheFileDoesAndNeedsItNoMore)
+// A truncated file contains less than it states, and plays equally far from memory and from disk.
+TEST_F(FromSource, HeldDataReadTheSameWithoutTheFile)
 {
     const std::string streams = ADPCM_STREAMS;
     const Bytes whole[] = {PcmWave(2, 8000, 16, Counting(4000)), ReadBytes(streams + "/sox-stereo.wav"),

@@ -45,7 +45,7 @@ TEST_F(OpenFiles, AFileIsOpenedOncePerOwnerAndClosedWithItsLastUse)
     File::RemoveRoot(other);
 }
 
-// Readers can have been opened before the sound system started and put its own list in place.
+// Readers may have been opened before the sound system started and installed its own list.
 TEST_F(OpenFiles, AFileOfAnotherListStaysOpenForItsOtherReaders)
 {
     folder.Write("long", PcmWave(1, 8000, 8, Counting(20)));

@@ -90,13 +90,13 @@ TEST_F(SndFileBase, AQueueOfAnyLengthIsFreedWithoutRecursion)
 
 TEST_F(SndFileBase, ABlockIsReturnedOnceToItsOwner)
 {
-    const std::unique_ptr<SndFile> told(OpenBlock(0));
-    told->CloseFile(9, &sound);
-    told->CloseFile(9, &sound);
-    EXPECT_EQ(told->FileType(), SndFile::FileNone);
-    const std::unique_ptr<SndFile> untold(OpenBlock(1));
-    untold->CloseFile(9, nullptr);
-    untold->CloseFile(9, &sound);
+    const std::unique_ptr<SndFile> withOwner(OpenBlock(0));
+    withOwner->CloseFile(9, &sound);
+    withOwner->CloseFile(9, &sound);
+    EXPECT_EQ(withOwner->FileType(), SndFile::FileNone);
+    const std::unique_ptr<SndFile> withoutOwner(OpenBlock(1));
+    withoutOwner->CloseFile(9, nullptr);
+    withoutOwner->CloseFile(9, &sound);
     EXPECT_EQ(witness.freed, (Freed{{9, blocks[0]}}));
 }
 

@@ -102,7 +102,7 @@ struct PlainCache
         }
     }
 
-    /// False if it goes at once.
+    /// False if it is dropped at once.
     bool Release(int name)
     {
         const auto found = Find(name);

@@ -21,7 +21,7 @@ protected:
     ~SoundFolder() override;
 
     std::unique_ptr<Quon::SndFile> Open(const std::string& name) const;
-    /// Writes the bytes under a name that says nothing of them, and opens that.
+    /// Writes the bytes to a file without an extension, and opens it.
     std::unique_ptr<Quon::SndFile> OpenBytes(const Bytes& bytes) const;
     /// The same for what has to open: the test ends if it does not.
     std::unique_ptr<Quon::SndFile> OpenGood(const Bytes& bytes) const;

@@ -25,13 +25,13 @@ Bytes AdpcmFormat(
 /// The seven usual pairs.
 extern const std::vector<std::pair<int, int>> usualPairs;
 
-/// One chunk with the pad byte after an odd content; `statedSize` is what its size field says.
+/// One chunk with the pad byte after an odd content; `statedSize` is the value of its size field.
 Bytes Chunk(const std::string& id, const Bytes& content, std::optional<std::uint32_t> statedSize = {});
 
 /// The 12 bytes of a head and then the chunks.
 Bytes Wave(const Bytes& chunks);
 
-/// A plain PCM file; `statedSize` is what the size field of its data says.
+/// A plain PCM file; `statedSize` is the value of the size field of its data.
 Bytes PcmWave(int channels, std::uint32_t rateHz, int bits, const Bytes& samples,
     std::optional<std::uint32_t> statedSize = {});
 

@@ -1,5 +1,4 @@
-// What the probe and the two parsers make of wave files, right ones, damaged ones and such as nobody writes,
-// beside a parser that is written down in the plainest way.
+// Compares the probe and the two parsers with a simple parser: on valid, damaged and unusual wave files.
 
 #include "tests/files/SoundFolder.h"
 
@@ -19,7 +18,7 @@ namespace
 constexpr int pcmTag = 1;
 constexpr int adpcmTag = 2;
 
-/// A little-endian number; what the file does not hold is 0.
+/// A little-endian number; bytes after the end of the file are 0.
 long long Number(const Bytes& file, long long at, int count)
 {
     long long number = 0;
@@ -35,7 +34,7 @@ bool IsAt(const Bytes& file, long long at, std::string_view text)
         std::equal(text.begin(), text.end(), file.begin() + at);
 }
 
-/// Where the heads of the chunks stand.
+/// The offsets of the chunk headers.
 std::vector<long long> FindChunks(const Bytes& file)
 {
     std::vector<long long> chunks;
@@ -54,7 +53,7 @@ bool HasFormatSize(const Bytes& file, long long chunk)
     return size >= 16 && size <= 50;
 }
 
-/// The tag of the first format wherever it stands.
+/// The tag of the first format chunk.
 long long PlainProbe(const Bytes& file)
 {
     for (const long long chunk : FindChunks(file)) {
@@ -146,8 +145,7 @@ bool IsFrontOf(const Bytes& part, const Bytes& whole)
     return part.size() <= whole.size() && std::equal(part.begin(), part.end(), whole.begin());
 }
 
-/// All that a sound does with a reader; what comes out the second time has to be what came out the first
-/// time.
+/// Everything that a sound does with a reader. A second pass must give the same PCM as the first.
 void PlayThrough(SndFile& file)
 {
     const Bytes pcm = ReadAll(file, 7);
@@ -251,7 +249,7 @@ TEST_F(WaveParser, AcceptsChunksInAnyOrder)
         Wave(pcmFormat + Chunk("fmt ", Bytes(14)) + data),
         Wave(pcmFormat + Chunk("fact", Little32(3)) + Chunk("fact", Little32(2)) + data),
         Wave(pcmFormat + Chunk("data", {}, 1000)), withJunk(0xFFFFFFFF),
-        // Its next chunk would stand at the walk's start once more if offsets had 32 bits.
+        // With 32-bit offsets, its next chunk would be at the start of the walk again.
         withJunk(0xFFFFFFF8),
         // Each step leads on by a chunk's head at least.
         Wave(Bytes(80'000)), Wave(Chunk("fmt ", FormatBytes(1, 65535, 8000, 2, 65535)) + data)};
@@ -291,10 +289,10 @@ TEST_F(WaveParser, RefusesEveryTruncationOrPlaysItShort)
 // Each byte by itself with the values that count, then several at once.
 TEST_F(WaveParser, RefusesOrPlaysAfterAnyChange)
 {
-    constexpr unsigned char telling[] = {0, 1, 2, 3, 7, 16, 0x7F, 0x80, 0xFE, 0xFF};
+    constexpr unsigned char edgeValues[] = {0, 1, 2, 3, 7, 16, 0x7F, 0x80, 0xFE, 0xFF};
     for (const Bytes& sample : samples) {
         for (std::size_t offset = 0; offset < sample.size(); ++offset) {
-            for (const unsigned char value : telling) {
+            for (const unsigned char value : edgeValues) {
                 SCOPED_TRACE("sample " + std::to_string(&sample - samples) + ", byte " +
                     std::to_string(offset) + " is " + std::to_string(value));
                 Bytes bytes = sample;
@@ -308,8 +306,8 @@ TEST_F(WaveParser, RefusesOrPlaysAfterAnyChange)
         SCOPED_TRACE("round " + std::to_string(round));
         Bytes bytes = samples[round % 3];
         for (int change = 0; change < 4; ++change) {
-            bytes[random() % bytes.size()] =
-                round % 2 == 0 ? static_cast<unsigned char>(random()) : telling[random() % sizeof telling];
+            bytes[random() % bytes.size()] = round % 2 == 0 ? static_cast<unsigned char>(random())
+                                                            : edgeValues[random() % sizeof edgeValues];
         }
         Check(bytes);
     }

@@ -36,8 +36,8 @@ TEST_F(WaveReader, ASizeBeyondTheEndIsKeptAndReadsEndWithTheFile)
     }
 }
 
-// A caller who asks for more than the sound samples gets what follows in the file; the sum of skips stays
-// put.
+// A caller who reads beyond the stated samples gets the data that follow in the file; skips end at the
+// stated length.
 TEST_F(WaveReader, SkipsEndWithTheSoundAndReadsWithTheData)
 {
     const auto file = OpenGood(Wave(
@@ -70,7 +70,7 @@ TEST_F(WaveReader, TimesAreTruncatedMilliseconds)
         {44100, 44100, 44, 1000, 0, 999},
         {44100, 45, 45, 1, 1, 0},
         {1, 60000, 59999, 60000000, 59999000, 1000},
-        // What 32 bits of milliseconds cannot hold has no known length.
+        // A length that exceeds 32 bits of milliseconds is unknown.
         {1, 5000000, 0, 0xFFFFFFFF, 0, 0xFFFFFFFF},
     };
     for (const auto& row : rows) {
@@ -144,7 +144,7 @@ TEST_F(WaveReader, ANodeOfAnotherTypeIsRefusedAndUnchanged)
     EXPECT_FALSE(adpcm.OpenMemory(nullptr, 0, nullptr));
 }
 
-// The disk is full, the share is gone, somebody truncates: what has been promised at the open is not there.
+// A file may be truncated after it was opened: data that it stated are missing.
 TEST_F(WaveReader, AFileThatShrinksEndsEarly)
 {
     constexpr std::size_t headBytes = 44;

@@ -95,7 +95,7 @@ TEST_F(MicrophoneTest, OnlyTheActiveOneSendsAndOnlyChanges)
         Step(40);
     }
     EXPECT_EQ(TakeLog({"SetListener"}), Lines());
-    // They go, and that is no loss.
+    // Destroying them has no effect on the active one.
     microphone.reset();
     other.SetPosition({1.0F, 2.0F, 3.0F});
     Step(40);

@@ -71,7 +71,7 @@ TEST_F(MusicObserverTest, EachPieceThatBeginsEndsInOneWay)
     {
         const char* what;
         std::function<void()> act;
-        Lines told;
+        Lines notes;
     };
     const Row rows[] = {
         {"runs out", [this] { RunOut(1); }, {"end a"}},
@@ -130,11 +130,11 @@ TEST_F(MusicObserverTest, EachPieceThatBeginsEndsInOneWay)
         ASSERT_TRUE(music->Play("a", false));
         EXPECT_EQ(log.Take(), Lines{"begin a"});
         row.act();
-        EXPECT_EQ(log.Take(), row.told);
+        EXPECT_EQ(log.Take(), row.notes);
     }
 }
 
-TEST_F(MusicObserverTest, ALoopIsToldOfWhetherItIsHeardOrNot)
+TEST_F(MusicObserverTest, EachLoopIsReportedAudibleOrVirtual)
 {
     ASSERT_TRUE(music->Play("a", true));
     log.Take();
@@ -144,7 +144,7 @@ TEST_F(MusicObserverTest, ALoopIsToldOfWhetherItIsHeardOrNot)
     recording.Read(1, 300);
     Step(40);
     EXPECT_EQ(log.Take(), Lines{"loop a"});
-    // A jump is no loop.
+    // A change of position does not count as a loop.
     EXPECT_TRUE(music->SetPosition(4000));
     Step(40);
     EXPECT_TRUE(music->SetPosition(1000));

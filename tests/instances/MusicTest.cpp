@@ -1,4 +1,4 @@
-// Pieces of music: what the driver hears of them.
+// Pieces of music: the calls on the driver.
 
 #include "harmonet/instances/Music.h"
 #include "harmonet/definitions/SoundResource.h"

@@ -17,7 +17,7 @@ protected:
     const PString file = WriteWave("a.wav", {2000});
 };
 
-// `subject` names one group at most, so that it cannot be what the destructor goes by.
+// `subject` refers to one group at most, so the destructor cannot rely on it.
 TEST_F(ObserverTest, LeavesEveryGroupWhenDestroyed)
 {
     std::vector<std::unique_ptr<Sound>> groups;

@@ -18,7 +18,7 @@ constexpr int rateHz = 22050;
 constexpr int stepMs = 40;
 constexpr std::size_t stepFrames = rateHz * stepMs / 1000;
 constexpr int sceneSteps = 60;
-// A sound that is displaced or returns takes the handover fade of 30 ms and the block mixed at that time.
+// A sound that is displaced or returns fades for 30 ms and the block that is being mixed.
 constexpr std::size_t rampFrames = stepFrames;
 constexpr int numParts = 7;
 
@@ -141,7 +141,7 @@ private:
     };
 };
 
-/// The sound with the silence of a pause put in.
+/// The sound with the silence of a pause inserted.
 std::vector<double> Insert(std::vector<double> sound, const Halt& halt)
 {
     if (halt.length > 0) {

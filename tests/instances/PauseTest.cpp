@@ -124,7 +124,7 @@ TEST_F(PauseTest, SoundsStartedDuringAPauseWaitForItsEnd)
     EXPECT_EQ(CountPaused(), 0);
 }
 
-// The fixture sees whether anything is left.
+// The fixture detects leaks.
 TEST_F(PauseTest, PausedSoundsCanBeEnded)
 {
     const std::function<void(int)> ways[] = {[&](int id) { group->StopSound(id); },
@@ -168,7 +168,7 @@ TEST_F(PauseTest, ALineIsPausedWithItsSources)
     EXPECT_EQ(Find(Playing()[0])->GetDistSqr(), 25.0F);
 }
 
-// Each start, end and block that a handler hears of turns the pause of its group or of everything on or off.
+// Each notification pauses or resumes the group or everything.
 TEST_F(PauseTest, HandlersMayPauseAndResume)
 {
     int calls = 0;

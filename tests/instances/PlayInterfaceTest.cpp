@@ -30,7 +30,7 @@ protected:
 
 TEST_F(PlayInterfaceTest, AGainOutOfRangeIsNotSent)
 {
-    // Above 1.0 by no fault of the game: what a resource says goes to the sound as it stands.
+    // A gain above 1 can come from a resource, whose value is passed on unchanged.
     const int id = group->New2DSound(file, nullptr);
     for (const float gain : {1.5F, -1.0F, infinite, -infinite, notANumber}) {
         group->SetSoundGain(id, gain);
@@ -150,7 +150,7 @@ TEST_F(PlayInterfaceTest, ASoundThatFindsNoChannelCompetesIfItMay)
     StepWithEnd(ChannelOf(second));
     Step(40);
     EXPECT_EQ(Playing(), Ids{first});
-    // Not even a short one is lost for want of a listener.
+    // Without a listener, even a short sound is kept.
     microphone.reset();
     const int placed = group->New3DSound(WriteWave("short.wav", {100}), nullptr);
     EXPECT_TRUE(group->StartSound(placed, Sound::StartNowOrCompete));
@@ -208,7 +208,7 @@ TEST_F(PlayInterfaceTest, ADriverCanRefuseARate)
     }
     EXPECT_EQ(group->GetFrequency(id), 4000U);
     group->StartSound(id, Sound::StartImmediately);
-    recording.tellFrequency = true;
+    recording.reportsFrequency = true;
     EXPECT_TRUE(group->SetFrequency(id, 3000));
     EXPECT_EQ(group->GetFrequency(id), 3000U);
     recording.refuseFrequency = true;
@@ -303,7 +303,7 @@ TEST_F(PlayInterfaceTest, LengthsAreAvailableWithoutASound)
     EXPECT_EQ(Sound::CalcSoundLength(other, nullptr), 900U);
     EXPECT_EQ(Sound::CalcSoundLength(PString("missing.wav"), nullptr), 0U);
     EXPECT_EQ(GetRunningKernel()->GetDataCache()->GetCount(), 0U) << "nothing is loaded for it";
-    // Of a like sound it is known, queue and all.
+    // For a file that is playing it is known, without its queue.
     const int id = Play(file, 0, 0, 500);
     EXPECT_TRUE(group->CatSound(id, other, nullptr));
     folder.Remove("a.wav");

@@ -99,7 +99,7 @@ TEST_F(PolylineLife, SettingsGoToAllSources)
     EXPECT_TRUE(group->SetFXGargle(SourceIds(id)[1], &gargle));
     EXPECT_FALSE(group->SetFrequency(id, 3000));
     EXPECT_EQ(GetSource(id, 2).GetNewFrequency(), 3000U);
-    // Neither a place nor a parent is the line's to have.
+    // A line has neither a position nor a parent.
     Particle world;
     EXPECT_FALSE(group->AttachSound(id, &world, PString()));
     group->SetSoundPosition(id, {1.0F, 2.0F, 3.0F});
@@ -126,9 +126,9 @@ TEST_F(PolylineLife, FlagsAndFadeInOfTheStartDoNotReachTheSources)
             Sound::StartDisableMicFX));
     EXPECT_EQ(TakeLog({"CreateChannel"}), Lines());
     Listen(nearby);
-    Lines told = TakeLog({"CreateChannel", "c1 FadeIn"});
-    EXPECT_EQ(
-        told, (Lines{"CreateChannel c1 7 w@0 fx", "CreateChannel c2 7 w@0 fx", "CreateChannel c3 7 w@0 fx"}));
+    Lines calls = TakeLog({"CreateChannel", "c1 FadeIn"});
+    EXPECT_EQ(calls,
+        (Lines{"CreateChannel c1 7 w@0 fx", "CreateChannel c2 7 w@0 fx", "CreateChannel c3 7 w@0 fx"}));
     system.SetMaxAudibleSounds(0);
     StepTimes(6, 40);
     EXPECT_EQ(Emulated().size(), 4U);
@@ -167,7 +167,7 @@ TEST_F(PolylineLife, EveryWayToEndALineEndsItsSources)
     {
         const char* name;
         std::function<void(int)> end;
-        bool isTold;
+        bool isNotified;
     };
     const EndRow rows[] = {
         {"stop", [this](int id) { group->StopSound(id); }, true},
@@ -184,7 +184,7 @@ TEST_F(PolylineLife, EveryWayToEndALineEndsItsSources)
         TakeLog();
         row.end(id);
         EXPECT_EQ(TakeLog({"begin", "abort", "end"}),
-            row.isTold ? Lines{"abort " + names->GetName(id) + " w -1"} : Lines());
+            row.isNotified ? Lines{"abort " + names->GetName(id) + " w -1"} : Lines());
         for (int gone = id - 1; gone <= id + 2; ++gone) {
             EXPECT_EQ(Find(gone), nullptr) << gone - id;
         }
@@ -229,21 +229,21 @@ TEST_F(PolylineLife, ANotificationAboutASourceCannotEndItsLine)
     EXPECT_EQ(Find(id), nullptr);
 }
 
-// The handler is called out of the destruction of the line, when the id still finds it.
+// The handler is called while the line is being destroyed, when its id is still valid.
 TEST_F(PolylineLife, ALineCanBeQueriedDuringItsEndNotification)
 {
     const int id = PlayLine(LineOfThree());
     Listen(nearby);
     EXPECT_EQ(Places(id).size(), 3U);
-    bool wasTold = false;
+    bool wasNotified = false;
     observer->react = [&](const Note& note) {
-        wasTold = note.kind == Note::Abort && note.id == id;
+        wasNotified = note.kind == Note::Abort && note.id == id;
         EXPECT_LE(Places(id).size(), 3U);
         group->SetSoundGain(id, 0.5F);
         group->SetSoundMinMaxDistance(id, 1.0F, 50.0F, true);
     };
     group->StopSound(id);
-    EXPECT_TRUE(wasTold);
+    EXPECT_TRUE(wasNotified);
 }
 
 /// Lines from definitions.
@@ -279,8 +279,8 @@ TEST_F(PolylineResources, ADefinitionWithALineStartsALineUnlessPointsAreGiven)
     EXPECT_EQ(Places(given), (std::vector<Vector3>{{0.0F, 0.0F, 100.0F}}));
 }
 
-// What a line's sources bring along from the resource is dropped at the start. A block moves with each record
-// that is added to it: whoever holds it must not be left with the old one; the address sanitizer looks on.
+// Effects that a line's sources have from the resource are dropped at the start. A block is reallocated with
+// each record that is added: no source may keep the old one, which the address sanitizer detects.
 TEST_F(PolylineResources, SourcesHaveTheEffectsOfTheirLine)
 {
     const int id = group->New3DSound("river.sound", &database);

@@ -1,5 +1,5 @@
-// Where the sources of a line stand: by the rules for any line and listener, and in cases computed by hand;
-// also for lines that are points and numbers that are NaN.
+// The positions of a line's sources: by the rules for any line and listener, and in cases computed by hand;
+// also for lines of length zero and for NaN.
 
 #include "harmonet/instances/FastLength.h"
 #include "tests/instances/PolylineTest.h"
@@ -78,8 +78,8 @@ float ToRadians(float degrees)
     return degrees * std::numbers::pi_v<float> / 180.0F;
 }
 
-/// The rules for the places of sources, held against points close together on the line. Lengths are exact to
-/// a thousandth only.
+/// The rules for the positions of sources, checked with closely spaced points on the line. Lengths are exact
+/// to a thousandth.
 class LineRules
 {
 public:
@@ -311,7 +311,7 @@ TEST_F(PolylinePlaces, AnyDistancesKeepSourcesOnTheLine)
     }
 }
 
-// A tangle of pieces all around the listener gives far more candidates than fit on the stack.
+// Many segments all around the listener give far more candidates than fit on the stack.
 TEST_F(PolylinePlaces, ThousandsOfCandidatesUseTheHeap)
 {
     LineSettings settings;

@@ -15,7 +15,7 @@ constexpr int stepMs = 40;
 constexpr int stepFrames = rateHz * stepMs / 1000;
 constexpr int noiseFrames = 2 * rateHz;
 constexpr int sceneSteps = 75;
-// A sound that goes, or comes in, takes the handover fade of 30 ms and the block that is mixed then.
+// A sound that is displaced or returns fades for 30 ms and the block that is being mixed.
 constexpr int rampFrames = stepFrames;
 
 /// A way through a file: from a place on, and round a loop.
@@ -147,7 +147,7 @@ TEST_F(PositionHeard, MusicGoesOnAtThePositionThatItIsSetTo)
             .positionMs = way.offsetMs,
             .loopStart = way.loopStart,
             .loopEnd = way.loopEnd};
-        // A place after the region's end counts round it.
+        // A position after the end of the region wraps around.
         const auto wrap = [&](int place) {
             const bool isAfter = way.isLoop && way.loopEnd > 0 && place >= way.loopEnd;
             return isAfter ? way.loopStart + (place - way.loopEnd) % (way.loopEnd - way.loopStart) : place;

@@ -109,7 +109,7 @@ TEST_F(Preload, LeavesNothingToReadForAnyStart)
     EXPECT_EQ(source->opened, std::vector<std::string>{"level/missing.wav"});
 }
 
-TEST_F(Preload, LetsGoOfWhatNoSetHolds)
+TEST_F(Preload, ReleasesWhatNoSetHolds)
 {
     const unsigned long budget = Cache().GetFreeBytes();
     SoundPreload first;
@@ -125,7 +125,7 @@ TEST_F(Preload, LetsGoOfWhatNoSetHolds)
     database.DropUnused();
     database.DropUnused();
     EXPECT_EQ(database.GetCount(), 1U);
-    // What has been released counts as cached now, and can be dropped; what is held cannot.
+    // Released data count as cached and can be dropped; preloaded data cannot.
     EXPECT_LT(Cache().GetFreeBytes(), budget);
     Cache().Evict(1000000);
     EXPECT_EQ(Cache().GetFreeBytes(), budget);
@@ -142,7 +142,7 @@ TEST_F(Preload, LetsGoOfWhatNoSetHolds)
     EXPECT_EQ(group->Play2DSound("level/a.wav", &database, Sound::StartImmediately, 0, 0), 0);
 }
 
-TEST_F(Preload, LoadsTheRestAndTellsWhatItCouldNot)
+TEST_F(Preload, LoadsTheRestAndReportsFailures)
 {
     source->files["level/bad.wav"] = {'R', 'I', 'F', 'F'};
     Define("level/lost.sound", "*FILE level/a.wav\n*VARIANT level/none.wav");

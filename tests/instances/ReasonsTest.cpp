@@ -1,4 +1,4 @@
-// What a host hears of calls that fail.
+// The messages for calls that fail.
 
 #include "tests/instances/WithResources.h"
 #include "tests/support/MessageLog.h"

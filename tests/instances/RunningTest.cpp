@@ -34,7 +34,7 @@ protected:
 
     PString FileOf(int frames) { return WriteWave(std::to_string(frames) + ".wav", {frames}); }
 
-    /// Starts it and puts it under pressure, so that it runs without a channel.
+    /// Starts it while no channel is available, so that it is virtual.
     void Displace(int id, int flags = 0)
     {
         system.SetMaxAudibleSounds(0);
@@ -109,10 +109,10 @@ TEST_F(RunningTest, AStartIsCountedAlongTheQueueOrLoop)
     }
 }
 
-// From the full update before, also across time that the task list holds back, with the delay of the sound.
+// Counted from the previous full update, including time that the task list accumulates and the sound's delay.
 TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
 {
-    const auto told = [this](int id) { return recording.channels.at(ChannelOf(id)).startTime; };
+    const auto getStartTime = [this](int id) { return recording.channels.at(ChannelOf(id)).startTime; };
     for (const bool isHeldBack : {false, true}) {
         SCOPED_TRACE(isHeldBack);
         TaskList::Get().SetMinimumStep("HarmonetTask", isHeldBack ? 0.05F : 0.0F);
@@ -122,12 +122,12 @@ TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
         const int second = Play(FileOf(3000));
         const int delayed = Play(FileOf(3000), 0, 0, 15);
         const int immediate = Play(FileOf(3000), Sound::StartImmediately);
-        EXPECT_NEAR(static_cast<double>(*told(immediate)), 20000.0, 2.0);
+        EXPECT_NEAR(static_cast<double>(*getStartTime(immediate)), 20000.0, 2.0);
         Step(20);
         Step(20);
-        EXPECT_EQ(told(first), 0);
-        EXPECT_NEAR(static_cast<double>(*told(second)), 20000.0, 2.0);
-        EXPECT_NEAR(static_cast<double>(*told(delayed)), 35000.0, 2.0);
+        EXPECT_EQ(getStartTime(first), 0);
+        EXPECT_NEAR(static_cast<double>(*getStartTime(second)), 20000.0, 2.0);
+        EXPECT_NEAR(static_cast<double>(*getStartTime(delayed)), 35000.0, 2.0);
         SoundSystem::StopAll();
     }
     TaskList::Get().SetMinimumStep("HarmonetTask", 0.0F);
@@ -138,7 +138,7 @@ TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
     ASSERT_EQ(Emulated(), Ids{id});
     system.SetMaxAudibleSounds(20);
     StepTimes(8, 40);
-    EXPECT_EQ(told(id), std::nullopt) << "it comes back";
+    EXPECT_EQ(getStartTime(id), std::nullopt) << "it comes back";
 }
 
 /// Writes its name into the log.
@@ -193,7 +193,7 @@ TEST_F(RunningTest, RemainingAndPlayedTimeFollowTheState)
     recording.Read(1, 300);
     EXPECT_EQ(group->GetRemainLength(id), 1600U);
     EXPECT_EQ(group->GetCurrentLength(id), 300U);
-    // What the driver says of its file comes before what has been read.
+    // The driver's answer takes precedence over what has been read.
     recording.channels.at(1).remainMs = 750;
     EXPECT_EQ(group->GetRemainLength(id), 1650U);
     EXPECT_EQ(group->GetCurrentLength(id), 250U);

@@ -61,7 +61,7 @@ TEST_F(Snd3DTest, TheRangeHasABandInWhichASoundStaysAsItIs)
     EXPECT_TRUE(sound.IsDistLTMax());
 }
 
-// From the top, as a scene goes: the node has leapt when its turn comes.
+// The scene is destroyed from the top, so the node has already moved when it is destroyed.
 TEST_F(Snd3DTest, ASoundStaysWhereItWasHeardWhenItsNodeIsDestroyed)
 {
     auto world = std::make_unique<Particle>();
@@ -102,15 +102,15 @@ TEST_F(Snd3DTest, OnlyAConeInUseCostsCalls)
         TakeLog();
         EXPECT_TRUE(group->StartSound(id, Sound::StartImmediately));
         const std::string channel = 'c' + std::to_string(ChannelOf(id));
-        const Lines told = TakeLog({(channel + " SetCone").c_str(), (channel + " SetDirection").c_str()});
-        EXPECT_EQ(told.size(), row.isInUse ? 2U : 0U);
-        // The setter does not ask.
+        const Lines calls = TakeLog({(channel + " SetCone").c_str(), (channel + " SetDirection").c_str()});
+        EXPECT_EQ(calls.size(), row.isInUse ? 2U : 0U);
+        // The setter always calls the driver.
         group->SetSoundCone(id, 180.0F, 170.0F, 1.0F);
         EXPECT_EQ(TakeLog(), Lines{channel + " SetCone 180 170 1"});
     }
 }
 
-// Turns by right angles, whose results one can see in front of oneself.
+// Turns by right angles, whose results are easy to check.
 TEST_F(Snd3DTest, TheConePointsAlongTheChosenAxisOfTheNode)
 {
     struct Row
@@ -143,7 +143,7 @@ TEST_F(Snd3DTest, TheConePointsAlongTheChosenAxisOfTheNode)
     }
     group->StopSound(id);
     const int later = group->New3DSound(file, nullptr);
-    // -3 is not passed on, wherever the axis has got to.
+    // -3 is not passed on.
     group->BindSoundAxisToDirection(later, -3);
     group->StartSound(later, Sound::StartImmediately);
     EXPECT_EQ(ReadDirection(TakeLog()), axisY);
@@ -162,7 +162,7 @@ TEST_F(Snd3DTest, ASoundFollowsTheNodesAboveIt)
     TakeLog();
     Step(40);
     Step(40);
-    // The first update after the start looks once more; then a sound at rest costs nothing.
+    // The first update after the start sends them once more; then a sound at rest causes no calls.
     EXPECT_EQ(TakeLog({"c1"}), (Lines{"c1 SetPosition 10 0 -2", "c1 SetDirection 0 0 -1"}));
     body.SetOrientation(TurnAbout(axisY, 90));
     Step(40);

@@ -1,4 +1,4 @@
-// What a sound takes over from a definition, and the effects that it can be given.
+// The settings that a sound takes from a definition, and its effects.
 
 #include "harmonet/engine/Particle.h"
 #include "harmonet/files/SndFile.h"
@@ -96,7 +96,7 @@ TEST_F(SoundResources, EveryWayToStartGivesTheDriverTheSettings)
     {
         const char* what;
         std::function<int()> start;
-        Lines told;
+        Lines calls;
     };
     const Row rows[] = {
         {"a definition in 2D", [&] { return group->Play2DSound("horn.sound", &database, now, 0, 0); },
@@ -131,7 +131,7 @@ TEST_F(SoundResources, EveryWayToStartGivesTheDriverTheSettings)
         TakeLog();
         const int id = row.start();
         ASSERT_NE(id, 0);
-        EXPECT_EQ(TakeChannelCalls(id), row.told);
+        EXPECT_EQ(TakeChannelCalls(id), row.calls);
         const SndBase& sound = *Find(id);
         EXPECT_EQ(sound.GetSndFile()->GetPassEnd(), sound.IsLooping() ? 600 : 2000);
         EXPECT_EQ(sound.IsDisableMicFX(), sound.IsLooping() && sound.Is3D());

@@ -200,7 +200,7 @@ TEST_F(Variation, OfOneSoundGivesWayAsTheDefinitionSays)
     }
 }
 
-TEST_F(Variation, CountsWhatRunsAndTellsWhyAStartIsRefused)
+TEST_F(Variation, CountsRunningSoundsAndReportsWhyAStartIsRefused)
 {
     Define("a.sound", "*MAX_INSTANCES 2\n*STEALING none");
     const int prepared = group->New2DSound("a.sound", &database);
@@ -272,7 +272,7 @@ TEST_F(Variation, SurvivesObserversThatActWhenASoundGivesWay)
     });
     EXPECT_EQ(Start(), 0);
     EXPECT_EQ(count(), 2);
-    // The new sound is taken away.
+    // The new sound is deleted.
     int prepared = group->New2DSound("a.sound", &database);
     react([&] { group->DeleteSound(prepared); });
     EXPECT_FALSE(group->StartSound(prepared, 0));
@@ -282,7 +282,7 @@ TEST_F(Variation, SurvivesObserversThatActWhenASoundGivesWay)
     react([] { SoundSystem::StopAll(); });
     Start();
     EXPECT_LE(count(), 2);
-    // The group goes.
+    // The group is destroyed.
     SoundSystem::StopAll();
     observer->react = nullptr;
     Sound keeper;

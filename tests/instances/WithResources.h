@@ -24,7 +24,7 @@ protected:
     {
         this->group.reset();
         this->system.Done();
-        // What nobody has used for two rounds goes.
+        // Resources that were unused for two passes are dropped.
         database.DropUnused();
         database.DropUnused();
         PluginRegistry::Get().ReleaseAll();

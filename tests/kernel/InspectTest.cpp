@@ -212,7 +212,7 @@ TEST_F(InspectTest, TraceAgreesWithInspectionAfterEachUpdate)
         stillOpen += count;
     }
     EXPECT_EQ(stillOpen, 2);
-    // A trace that has gone is not called any more.
+    // A destroyed trace is no longer called.
     trace.reset();
     Step(100);
 }

@@ -93,7 +93,7 @@ void PlainDecision::InsertSorted(List& list, std::uint32_t number) const
 
 void PlainDecision::Sort(List& list) const
 {
-    // Each of equals goes in front of those after it.
+    // Equal contenders keep their order.
     List sorted;
     for (; !list.empty(); list.pop_back()) {
         InsertSorted(sorted, list.back());

@@ -101,7 +101,7 @@ TEST_F(StartTest, OptionsReachTheDriverAndInvalidOnesAreHarmless)
 
 TEST_F(StartTest, TheLibraryIsUnloadedAfterTheDriver)
 {
-    // Under a name of its own, so that nobody else holds it.
+    // Under a name of its own, so that no other code keeps it loaded.
     const std::string suffix = dynamicLibrarySuffix;
     const auto copy = folder.GetPath() / ("HarmonetCopy" + suffix);
     std::filesystem::copy_file(
@@ -128,7 +128,7 @@ TEST_F(StartTest, TheSystemRestartsAndIdsContinue)
         lastID = id;
         Step(40);
         TakeLog();
-        // The engine's end is the system's too, and its dead task is no hindrance.
+        // The end of the engine ends the system too, and its ended task does not prevent a restart.
         if (life == 1) {
             TaskList::Get().Done();
         }

@@ -1,4 +1,4 @@
-"""Fails on an include that goes against the table in rooms.txt, and on a public header that leans on a hidden one.
+"""Fails on an include that violates the table in rooms.txt, and on a public header that includes a hidden one.
 
 Usage: check_rooms.py ROOT. Prints one line for each violation as FILE:LINE: TEXT.
 """
@@ -59,7 +59,7 @@ def includes_of(path):
 
 def source_files(root):
     for folder, folders, files in os.walk(root):
-        # What is built, and what is hidden, is nobody's room.
+        # Build and hidden folders belong to no room.
         folders[:] = sorted(name for name in folders if name != "build" and not name.startswith("."))
         for name in sorted(files):
             if Path(name).suffix in SOURCES:

@@ -42,8 +42,8 @@ public:
 /// A host with a folder for files and a sound system that has not been started. Its options name the
 /// recording driver.
 ///
-/// What a derived fixture or a test has must be gone with it: at the end of the fixture's life nothing of the
-/// system's memory may be left.
+/// A derived fixture or test must destroy its own objects: at the end of the fixture none of the system's
+/// memory may be left.
 class HostTest : public testing::Test
 {
 protected:

@@ -27,7 +27,7 @@ LoggingObserver::LoggingObserver(const SoundNames& newNames, std::string newPref
 }
 
 // The reaction may destroy this object: it is not used after it.
-void LoggingObserver::Tell(const std::string& line, const Note& note)
+void LoggingObserver::Record(const std::string& line, const Note& note)
 {
     GetRecording().lines.push_back(prefix + line);
     if (const std::function<void(const Note&)> reaction = react) {
@@ -42,27 +42,27 @@ std::string LoggingObserver::Describe(int soundID, const PString& fileName) cons
 
 void LoggingObserver::OnSoundBegin(int soundID, const PString& fileName)
 {
-    Tell("begin " + Describe(soundID, fileName), {Note::Begin, soundID});
+    Record("begin " + Describe(soundID, fileName), {Note::Begin, soundID});
 }
 
 void LoggingObserver::OnSoundAbort(int soundID, const PString& fileName, int remaining)
 {
-    Tell("abort " + Describe(soundID, fileName) + ' ' + std::to_string(remaining), {Note::Abort, soundID});
+    Record("abort " + Describe(soundID, fileName) + ' ' + std::to_string(remaining), {Note::Abort, soundID});
 }
 
 void LoggingObserver::OnSoundEnd(int soundID, const PString& fileName)
 {
-    Tell("end " + Describe(soundID, fileName), {Note::End, soundID});
+    Record("end " + Describe(soundID, fileName), {Note::End, soundID});
 }
 
 void LoggingObserver::OnBufferFree(int soundID, void* buffer)
 {
-    Tell("free " + names.GetName(soundID) + ' ' + names.GetName(buffer), {Note::Free, soundID});
+    Record("free " + names.GetName(soundID) + ' ' + names.GetName(buffer), {Note::Free, soundID});
 }
 
 void LoggingObserver::OnShutDown()
 {
-    Tell("shutdown", {Note::ShutDown});
+    Record("shutdown", {Note::ShutDown});
 }
 
 } // namespace Quon

@@ -57,7 +57,7 @@ public:
     void OnShutDown() override;
 
 private:
-    void Tell(const std::string& line, const Note& note);
+    void Record(const std::string& line, const Note& note);
     std::string Describe(int soundID, const PString& fileName) const;
 
     const SoundNames& names;

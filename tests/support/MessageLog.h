@@ -8,14 +8,14 @@
 namespace Quon
 {
 
-/// Hears the messages of an OS for as long as it lives.
+/// Collects the messages of an OS during its lifetime.
 class MessageLog
 {
 public:
     explicit MessageLog(OS& newOs)
         : os(newOs)
     {
-        os.SetMessageHook(Hear, this);
+        os.SetMessageHook(Add, this);
     }
     ~MessageLog() { os.SetMessageHook(nullptr); }
     MessageLog(const MessageLog&) = delete;
@@ -25,7 +25,7 @@ public:
     std::string Take() { return std::exchange(text, {}); }
 
 private:
-    static void Hear(MessageLevel level, const char* message, void* user)
+    static void Add(MessageLevel level, const char* message, void* user)
     {
         static_cast<MessageLog*>(user)->text +=
             std::string(1, "NWE"[static_cast<int>(level)]) + ' ' + message + '\n';

@@ -41,7 +41,7 @@ struct ChannelRecord
     float lowPass = 1.0F;
     float pitch = 1.0F;
     Vector3 position;
-    unsigned long frequencyHz = 0; ///< What GetFrequency() answers; 0 until a rate is set and told.
+    unsigned long frequencyHz = 0; ///< The result of GetFrequency(); 0 until a rate is set and reported.
     std::optional<std::int64_t> startTime; ///< In game time, as set by SetStartTime().
     std::optional<unsigned long> remainMs; ///< What GetRemainLength() answers in place of the file's rest.
 };
@@ -56,14 +56,14 @@ public:
     /// Calls that break the contract with a driver, checked in every test.
     Lines violations;
 
-    // What the driver refuses and answers. All of it stands until Reset().
+    // The driver's refusals and answers, until Reset().
 
     bool giveNoDriver = false;
     bool refuseOpen = false;
     /// Channels at once beyond which CreateChannel() gives null.
     int channelLimit = std::numeric_limits<int>::max();
     bool refuseFrequency = false;
-    bool tellFrequency = false; ///< GetFrequency() answers with the rate that was set last.
+    bool reportsFrequency = false; ///< GetFrequency() answers with the rate that was set last.
     bool refuseFX = false; ///< For the room and for source properties.
     bool hasLiveFX = false; ///< The getters of the effects give records full of `liveFXByte`.
     static constexpr int liveFXByte = 0x3F;
@@ -73,7 +73,7 @@ public:
     std::vector<std::function<void()>> atBegin;
     std::vector<std::function<void()>> atEnd;
 
-    // What the driver has: its channels by their numbers, which count from 1. Those that are over are gone.
+    // The driver's channels by their numbers, which count from 1. Channels that have ended are removed.
 
     std::map<int, ChannelRecord> channels;
     int maxChannels = 0; ///< As set by SetMaxChannels().

@@ -133,7 +133,7 @@ bool RecordingChannel::SetFrequency(unsigned long hz)
     if (!record || recording.refuseFrequency) {
         return false;
     }
-    if (recording.tellFrequency) {
+    if (recording.reportsFrequency) {
         record->frequencyHz = hz;
     }
     return true;

@@ -9,8 +9,8 @@
 namespace Quon
 {
 
-/// Writes down what is done with it, and whether that breaks the contract. Its record in the state stands for
-/// as long as the library may use it.
+/// Records its calls and whether they break the contract. Its record in the state exists as long as the
+/// library may use it.
 class RecordingChannel final : public SndChannel
 {
 public:

@@ -93,7 +93,7 @@ void RecordingDriver::BeginUpdate(unsigned long elapsedMs)
     DoOnce(recording.atBegin);
 }
 
-// Who still uses a channel that was over at the last update reads freed memory.
+// Using a channel that had ended at the last update is a use after free.
 void RecordingDriver::DropUnused()
 {
     std::erase_if(channels, [](const std::unique_ptr<RecordingChannel>& channel) {

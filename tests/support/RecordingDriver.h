@@ -7,7 +7,7 @@
 namespace Quon
 {
 
-/// Writes down what is done with it, and whether that breaks the contract.
+/// Records its calls and whether they break the contract.
 class RecordingDriver final : public SndDriver
 {
 public:

@@ -51,7 +51,7 @@ void RecordingState::StepFile(int channel)
 void RecordingState::End(int channel)
 {
     SndChannel* const ended = channels.at(channel).channel;
-    // Nobody may call it from here on.
+    // It must not be called from here on.
     channels.erase(channel);
     driver->Send(SndChannelEnded, ended);
 }
@@ -60,7 +60,7 @@ void RecordingState::Reset()
 {
     lines.clear();
     violations.clear();
-    giveNoDriver = refuseOpen = refuseFrequency = tellFrequency = refuseFX = hasLiveFX = false;
+    giveNoDriver = refuseOpen = refuseFrequency = reportsFrequency = refuseFX = hasLiveFX = false;
     channelLimit = std::numeric_limits<int>::max();
     caps = 0;
     atBegin.clear();

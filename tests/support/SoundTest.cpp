@@ -18,7 +18,7 @@ SoundTest::SoundTest()
     TakeLog();
 }
 
-// What a test has asked of the observer speaks of things that are gone by now.
+// The test's reaction refers to objects that have been destroyed.
 SoundTest::~SoundTest()
 {
     if (observer) {

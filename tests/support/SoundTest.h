@@ -34,19 +34,19 @@ protected:
     /// Prepares a block of memory that is called `name` in the log.
     MemoryBlock& NewBlock(const std::string& name, const PcmForm& form);
 
-    /// The sounds that hold a channel, those that run without one, and those that wait: ids, the least
-    /// important first.
+    /// The ids of the sounds with a channel, of the virtual ones and of those that wait, the least important
+    /// first.
     Ids Playing() const;
     Ids Emulated() const;
     Ids Waiting() const;
-    /// Null for an id whose sound is gone.
+    /// Null if the sound has ended.
     SndBase* Find(int id) const;
     /// The number of the channel through which the sound is heard; 0 if it is not.
     int ChannelOf(int id) const;
 
     /// An update in which the driver reports the end of a channel.
     void StepWithEnd(int channel);
-    /// An update in which the driver reports that the channel has gone on to the next file of its queue.
+    /// An update in which the driver reports that the channel continues with the next file of its queue.
     void StepWithNextFile(int channel);
 
 private:

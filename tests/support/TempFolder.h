@@ -8,10 +8,10 @@
 namespace Quon
 {
 
-/// All that a file holds; nothing if it cannot be read.
+/// The content of a file; empty if it cannot be read.
 std::vector<unsigned char> ReadBytes(const std::filesystem::path& path);
 
-/// A new folder of the operating system, which goes with all that is in it at the end of its life.
+/// A new temporary folder. The destructor removes it with its content.
 class TempFolder
 {
 public:
@@ -21,7 +21,7 @@ public:
     TempFolder& operator=(const TempFolder&) = delete;
 
     const std::filesystem::path& GetPath() const { return path; }
-    /// Where something of that name stands in the folder.
+    /// The path of a file in the folder.
     std::string Path(const std::string& name) const { return (path / name).string(); }
     /// Writes a file, in place of one that is there and with the folders on its way; returns its path.
     std::string Write(const std::string& name, const std::vector<unsigned char>& bytes) const;

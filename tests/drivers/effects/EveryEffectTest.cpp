@@ -49,7 +49,7 @@ void SetField(Record& record, const EffectField& field, double value)
     std::memcpy(place, field.isInt ? static_cast<const void*>(&whole) : &number, 4);
 }
 
-/// At a rate at which no filter is held below its range.
+/// At a rate at which no filter is limited by the rate.
 template<class AnyEffect, class Record, SndFX kind>
 void ExpectHeld()
 {
@@ -141,7 +141,7 @@ TEST(Filters, KeepBelowAThirdOfTheRate)
 TEST_P(EveryEffect, IsIndependentOfBlockSizesAndResets)
 {
     for (const int channels : {1, 2}) {
-        const Pcm noise = MakeNoise(static_cast<std::size_t>(rateHz * channels), 0.8F);
+        const Pcm noise = MakeNoise(static_cast<std::size_t>(channels) * rateHz, 0.8F);
         const auto effect = Make(channels);
         const Pcm whole = Through(*effect, noise);
         effect->Reset();

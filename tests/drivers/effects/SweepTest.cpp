@@ -27,7 +27,7 @@ double Interpolate(const std::array<double, 4>& points, double place)
     return sum;
 }
 
-/// One side of a sound through a sweep that is so far ahead, sample frame by sample frame.
+/// One side of a sound through a sweep with this phase, computed directly.
 template<class Record>
 std::vector<double> SweepPlainly(const Record& record, const Pcm& dry, double turnsAhead)
 {

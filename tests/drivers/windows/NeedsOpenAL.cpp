@@ -8,7 +8,7 @@ namespace Quon
 namespace
 {
 
-/// Skips all tests of a program where there is no OpenAL.
+/// Skips all tests of a program where OpenAL is not installed.
 class NeedsOpenAL : public testing::Environment
 {
 public:

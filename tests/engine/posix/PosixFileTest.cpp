@@ -49,7 +49,7 @@ TEST_F(Files, RefusePipesAndDanglingLinksAsLibraries)
     }
 }
 
-// The superuser may read everything, so that the look is taken by a child process that is nobody.
+// The superuser may read everything, so a child process opens the file as an unprivileged user.
 TEST_F(Files, WithoutPermissionAreNotReadable)
 {
     testing::FLAGS_gtest_death_test_style = "fast";

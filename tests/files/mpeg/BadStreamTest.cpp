@@ -1,5 +1,5 @@
-// Streams that somebody has damaged. The address sanitizer and the guard bytes of MemoryStream watch the
-// edges; what is asked here is that the counts hold and that a rewind gives the same again.
+// Damaged streams. The address sanitizer and the guard bytes of MemoryStream detect overruns; these tests
+// check the counts, and that a rewind gives the same PCM again.
 
 #include "MemoryStream.h"
 

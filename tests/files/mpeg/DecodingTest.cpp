@@ -17,7 +17,7 @@ using namespace Quon;
 namespace
 {
 
-/// The references hold every 11th value.
+/// The references contain every 11th value.
 constexpr std::size_t stride = 11;
 
 template<class Action>
@@ -205,7 +205,7 @@ TEST(Decoding, MatchesTheReferenceOfEverySyntax)
     EXPECT_GT(streams, 50);
 }
 
-// Each of these streams holds one departure from the standard (streams/make_departures.py).
+// Each of these streams contains one departure from the standard (streams/make_departures.py).
 TEST(Decoding, DepartsFromTheStandardOnlyAsDocumented)
 {
     for (const std::string name : {"24000-bands", "22050-intensity", "22050-mixed", "32000-short"}) {

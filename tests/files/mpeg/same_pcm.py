@@ -63,7 +63,7 @@ def run_tool(command, arguments, folder):
 
 
 def compare(make, commands, stream, folder):
-    """Whether the samples are alike, and a line that says so."""
+    """Whether the samples are alike, and a line for the report."""
     (form, samples), (other_form, other_samples) = (make(command, stream, folder) for command in commands)
     if form != other_form or len(samples) != len(other_samples):
         return False, f"{form}, {len(samples)} samples, but {other_form}, {len(other_samples)} samples"
@@ -74,7 +74,7 @@ def compare(make, commands, stream, folder):
 
 
 def scenes_of(file, folder):
-    """The name of each scene and what the tool is told to play."""
+    """The name of each scene and the arguments of the tool."""
     file = Path(file)
     definition = Path(folder) / "effects.sound.txt"
     shutil.copy(file, folder)
