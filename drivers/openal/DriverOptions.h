@@ -34,7 +34,7 @@ struct DriverOptions
     /// "OpenALHandoverFade", 0 to 100: the duration of the fade-out of a displaced sound, and of the fade-in
     /// of a resumed one.
     int handoverFadeMs = 30;
-    int renderThreads = 2; ///< "OpenALRenderThreads", 1 to 16: threads that read and decode.
+    int renderThreads = 2; ///< "OpenALRenderThreads", 1 to 16: threads that read, decode and resample.
     bool keepsStartTimes = true; ///< Unless "OpenALKeepStartTimes" is 0.
 };
 

@@ -116,7 +116,7 @@ void Feeder::Round()
     device.ObserveMixClock();
     acoustics.Tick(device.GetTime());
     for (const auto& channel : channels) {
-        channel->Pump(targets, device.GetTime(), false);
+        channel->Pump(targets, device.GetTime());
     }
     voices.Tick(device.GetTime());
 }

@@ -15,6 +15,8 @@ constexpr std::int64_t microsecondsPerSecond = 1000000;
 constexpr std::int64_t minBlockMicroseconds = 5000;
 /// The maximum data read ahead for the fade-out of a displaced sound.
 constexpr std::int64_t heldMicroseconds = 110000;
+/// The number of sample frames to resample that is worth waking other threads.
+constexpr int minSharedFrames = 16384;
 constexpr int slicesPerSecond = 20;
 constexpr int fallsPerSecond = 200;
 constexpr int blocksPerSecond = 100;
@@ -51,8 +53,11 @@ void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
         const auto largest = static_cast<std::uint64_t>(rate / slicesPerSecond) + 1;
         const std::uint64_t slices = (left + largest - 1) / largest;
         const std::uint64_t slice = (left + slices - 1) / slices;
-        // To the end of the next slice, which then finds all that it needs, plus the data for a fade-out.
-        crew.Begin(channels, 2 * microsecondsPerSecond / slicesPerSecond + heldMicroseconds);
+        // Without resampling by all threads, other threads read during the whole slice.
+        isReading = false;
+        if (!isShared) {
+            BeginReading(channels);
+        }
         RenderSlice(slice, isFirst, channels);
         crew.Finish();
         isFirst = false;
@@ -60,6 +65,13 @@ void OfflineRenderer::Render(std::uint32_t elapsedMs, Channels channels)
     }
     voices.Tick(device.GetTime());
     sink.Commit();
+}
+
+// To the end of the next slice, which then finds all that it needs, plus the data for a fade-out.
+void OfflineRenderer::BeginReading(Channels channels)
+{
+    crew.Begin(channels, 2 * microsecondsPerSecond / slicesPerSecond + heldMicroseconds);
+    isReading = true;
 }
 
 void OfflineRenderer::RenderSlice(std::uint64_t left, bool isFirst, Channels channels)
@@ -71,7 +83,7 @@ void OfflineRenderer::RenderSlice(std::uint64_t left, bool isFirst, Channels cha
         // Blocks of equal size: one of a few sample frames would be too short for a change of gain.
         const std::uint64_t blocks = (left + largest - 1) / largest;
         const std::uint64_t sampleFrames = (left + blocks - 1) / blocks;
-        RenderBlock(static_cast<int>(sampleFrames), channels);
+        RenderBlock(static_cast<int>(sampleFrames), left == sampleFrames, channels);
         left -= sampleFrames;
     }
 }
@@ -98,7 +110,7 @@ bool OfflineRenderer::IsAnythingChanging(Channels channels) const
     });
 }
 
-void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)
+void OfflineRenderer::RenderBlock(int sampleFrames, bool isLast, Channels channels)
 {
     // Rounded up; otherwise a block could be one sample frame short.
     const std::int64_t blockMicroseconds = (sampleFrames * microsecondsPerSecond + rate - 1) / rate;
@@ -107,8 +119,21 @@ void OfflineRenderer::RenderBlock(int sampleFrames, Channels channels)
     const std::int64_t blockEnd = device.GetTime() + sampleFrames;
     acoustics.Tick(blockEnd);
     voices.Tick(blockEnd);
+    int resampled = 0;
     for (const auto& channel : channels) {
-        channel->Pump(ahead, blockEnd, true);
+        resampled += channel->BeginRound(ahead, blockEnd) ? sampleFrames : 0;
+    }
+    isShared = resampled >= minSharedFrames;
+    if (isShared) {
+        crew.Resample(channels);
+    }
+    if (isLast && !isReading) {
+        BeginReading(channels);
+    }
+    if (resampled > 0) {
+        for (const auto& channel : channels) {
+            channel->EndRound(ahead);
+        }
     }
     block.resize(static_cast<std::size_t>(sampleFrames) * channelsOut);
     device.Render(block.data(), sampleFrames);

@@ -14,14 +14,15 @@ namespace Quon
 /// number of calls the sample frames add up to the floor of the total time. Owned by the driver; task thread.
 ///
 /// Blocks of at most 40 ms are mixed at a time; of 10 ms at the beginning of a call, and while a sound fades
-/// or a room changes; and of 5 ms while a stopped sound fades out. During mixing other threads read and
-/// decode ahead: to the end of the next 50 ms, plus the data for a fade-out after it.
+/// or a room changes; and of 5 ms while a stopped sound fades out. Other threads help to resample before a
+/// block is mixed. During mixing they read and decode ahead: to the end of the next 50 ms, plus the data for
+/// a fade-out after it.
 class OfflineRenderer : public Allocated
 {
 public:
     using Channels = std::span<const std::unique_ptr<OpenALChannel>>;
 
-    /// `threads` is the number of threads that read and decode, including the calling one.
+    /// `threads` is the number of threads that read, decode and resample, including the calling one.
     OfflineRenderer(
         OutputDevice& outputDevice, VoicePool& voicePool, Acoustics& driverAcoustics, int threads);
 
@@ -37,8 +38,9 @@ public:
 private:
     bool IsAnythingChanging(Channels channels) const;
     int GetLargestBlock(bool isFirst, Channels channels) const;
+    void BeginReading(Channels channels);
     void RenderSlice(std::uint64_t left, bool isFirst, Channels channels);
-    void RenderBlock(int sampleFrames, Channels channels);
+    void RenderBlock(int sampleFrames, bool isLast, Channels channels);
 
     OutputDevice& device;
     VoicePool& voices;
@@ -49,6 +51,8 @@ private:
     WavSink sink;
     EngineVector<float> block;
     ReadCrew crew;
+    bool isReading = false; ///< The crew has begun to read ahead in this slice.
+    bool isShared = false; ///< All threads have resampled the last block.
 };
 
 } // namespace Quon

@@ -10,6 +10,7 @@
 
 #include <atomic>
 #include <mutex>
+#include <optional>
 
 namespace Quon
 {
@@ -153,8 +154,14 @@ public:
     void OnDeviceChanged();
 
     /// Reads and queues missing data, continues playback, and sets the level of a fade for `time` on the
-    /// device's clock. Does nothing if `mayWait` is false and the channel's lock is held elsewhere.
-    void Pump(const PumpTargets& ahead, std::int64_t time, bool mayWait);
+    /// device's clock. Does nothing if the channel's lock is held elsewhere.
+    void Pump(const PumpTargets& ahead, std::int64_t time);
+
+    /// The same, but waits for the lock and stops before data are resampled: it then returns true. Resample()
+    /// does that, on any thread and without a ContextScope, or else EndRound(), which must follow.
+    bool BeginRound(const PumpTargets& ahead, std::int64_t time);
+    void Resample();
+    void EndRound(const PumpTargets& ahead);
 
     /// Reads a sound that has begun `microseconds` ahead of the queue. Returns false if it has yet to begin.
     /// Any thread, without a ContextScope.
@@ -172,9 +179,9 @@ private:
     /// The size of the next block in sample frames, and how it is played.
     struct Wanted
     {
-        int sampleFrames;
+        int sampleFrames = 0;
         Playback playback;
-        std::int64_t missing; ///< In total, for this block and further ones.
+        std::int64_t missing = 0; ///< In total, for this block and further ones.
     };
 
     template<class Record>
@@ -190,9 +197,10 @@ private:
 
     void BeginSound();
     void PlaceStart();
-    void PumpRound(const PumpTargets& ahead, std::int64_t time);
     void StartRound(std::int64_t time);
     Wanted CountWanted(const PumpTargets& ahead);
+    int FillBlock();
+    void QueueBlocks(const PumpTargets& ahead);
     void QueueBlock(int sampleFrames, bool exhausted);
     void AppendToVoice(int sampleFrames);
     void TakeSteps();
@@ -221,6 +229,8 @@ private:
 
     // Guarded by the channel's lock.
     PcmFeed feed;
+    Wanted wantedNext; ///< The next block of this round.
+    std::optional<int> filled; ///< The size of that block, once the feed has produced it.
 
     /// Whether there is anything to pump. Lets the pumping thread skip channels; it checks again under the
     /// lock. Publishes no other data.

@@ -33,16 +33,15 @@ int ToBlockFrames(std::int64_t microseconds, double rateHz)
 
 } // namespace
 
-void OpenALChannel::Pump(const PumpTargets& ahead, std::int64_t time, bool mayWait)
+void OpenALChannel::Pump(const PumpTargets& ahead, std::int64_t time)
 {
-    constexpr int noLimit = -1;
-    if (!isPumped || !chanLock.Lock(mayWait ? noLimit : 0)) {
-        return;
+    constexpr int noWait = 0;
+    if (isPumped && chanLock.Lock(noWait)) {
+        if (BeginRound(ahead, time)) {
+            QueueBlocks(ahead);
+        }
+        chanLock.Unlock();
     }
-    if (isPumped) {
-        PumpRound(ahead, time);
-    }
-    chanLock.Unlock();
 }
 
 bool OpenALChannel::IsChanging()
@@ -51,27 +50,60 @@ bool OpenALChannel::IsChanging()
     return voice && (fadeOut.IsRunning() || acoustics.IsOutdated());
 }
 
-void OpenALChannel::PumpRound(const PumpTargets& ahead, std::int64_t time)
+bool OpenALChannel::BeginRound(const PumpTargets& ahead, std::int64_t time)
 {
+    if (!isPumped) {
+        return false;
+    }
+    const SyncLock lock(chanLock);
+    if (!isPumped) {
+        return false;
+    }
     StartRound(time);
     if (!feed.GetReader().HasBegun()) {
         BeginSound();
     }
+    wantedNext = CountWanted(ahead);
+    filled.reset();
+    if (feed.IsResampling(wantedNext.playback)) {
+        return wantedNext.sampleFrames > 0;
+    }
+    QueueBlocks(ahead);
+    return false;
+}
+
+void OpenALChannel::Resample()
+{
+    const SyncLock lock(chanLock);
+    if (isPumped && wantedNext.sampleFrames > 0) {
+        FillBlock();
+    }
+}
+
+void OpenALChannel::EndRound(const PumpTargets& ahead)
+{
+    const SyncLock lock(chanLock);
+    QueueBlocks(ahead);
+}
+
+void OpenALChannel::QueueBlocks(const PumpTargets& ahead)
+{
     // With a disk slower than the sound the target is never reached. Stop() must wait for the current read
     // only, and other channels for a few at most.
-    for (int blocks = 0; isPumped && blocks < Voice::bufferCount; ++blocks) {
-        const Wanted wanted = CountWanted(ahead);
-        if (wanted.sampleFrames == 0) {
-            break;
-        }
-        const int given = feed.Fill(*this, wanted.sampleFrames, wanted.playback);
-        const bool exhausted = given < wanted.sampleFrames;
+    for (int blocks = 0; isPumped && wantedNext.sampleFrames > 0 && blocks < Voice::bufferCount; ++blocks) {
+        const int given = filled ? *filled : FillBlock();
+        const bool exhausted = given < wantedNext.sampleFrames;
         QueueBlock(given, exhausted);
         // Querying OpenAL again would cost more than it could gain.
-        if (exhausted || wanted.missing <= given) {
-            break;
-        }
+        wantedNext = exhausted || wantedNext.missing <= given ? Wanted() : CountWanted(ahead);
+        filled.reset();
     }
+}
+
+int OpenALChannel::FillBlock()
+{
+    filled = feed.Fill(*this, wantedNext.sampleFrames, wantedNext.playback);
+    return *filled;
 }
 
 bool OpenALChannel::ReadAhead(std::int64_t microseconds)

@@ -87,6 +87,11 @@ public:
 
     /// Whether blocks have the rate of the output; otherwise they have that of the sound.
     bool IsConverting() const { return sound.grade != RateGrade::Fast; }
+    /// Whether the next block, with this playback, has another rate than the sound.
+    bool IsResampling(const Playback& playback) const
+    {
+        return IsConverting() && playback.GetPlayedHz(reader.GetRateHz()) != sound.outputHz;
+    }
     int GetBlockHz() const { return IsConverting() ? sound.outputHz : reader.GetRateHz(); }
 
     /// The sound's sample frame at the end of the last block.

@@ -36,6 +36,13 @@ void ReadCrew::Begin(Channels newChannels, std::int64_t newMicroseconds)
     wake.notify_all();
 }
 
+void ReadCrew::Resample(Channels newChannels)
+{
+    Finish();
+    Begin(newChannels, 0);
+    Finish();
+}
+
 void ReadCrew::Finish()
 {
     Work();
@@ -54,7 +61,11 @@ void ReadCrew::Finish()
 void ReadCrew::Work()
 {
     for (std::size_t i = next++; i < channels.size(); i = next++) {
-        if (!channels[channels.size() - 1 - i]->ReadAhead(microseconds)) {
+        OpenALChannel& channel = *channels[channels.size() - 1 - i];
+        if (microseconds == 0) {
+            channel.Resample();
+        }
+        else if (!channel.ReadAhead(microseconds)) {
             isIncomplete = true;
         }
     }

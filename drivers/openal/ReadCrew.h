@@ -12,9 +12,9 @@
 namespace Quon
 {
 
-/// Threads that read and decode for all channels while the output is rendered. Owned by the OfflineRenderer;
-/// they work between Begin() and Finish() only, and the data read after Finish() do not depend on the number
-/// of threads.
+/// Threads that read, decode and resample for all channels while the output is rendered. Owned by the
+/// OfflineRenderer; they work between Begin() and Finish() and in Resample() only, and the output does not
+/// depend on their number.
 class ReadCrew : public Allocated
 {
 public:
@@ -30,13 +30,17 @@ public:
     /// Takes part in the work and returns when all has been read.
     void Finish();
 
+    /// Lets all threads resample for the channels' current round, after the reading, and returns when that is
+    /// done.
+    void Resample(Channels newChannels);
+
 private:
     void Run();
     void Work();
 
     Channels channels; ///< These two change only while no helper thread works.
-    std::int64_t microseconds = 0;
-    std::atomic<std::size_t> next = 0; ///< The next channel to read.
+    std::int64_t microseconds = 0; ///< 0: to resample.
+    std::atomic<std::size_t> next = 0; ///< The next channel.
     std::atomic<bool> isIncomplete = false; ///< A sound had not begun when its turn came. Publishes nothing.
 
     std::mutex mutex; ///< Guards the members below.

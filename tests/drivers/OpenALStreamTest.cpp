@@ -67,20 +67,22 @@ TEST(OpenALStream, AQueueAndALoopRenderBitExactWithoutASeam)
     }
 }
 
-// What is read beside the mixing depends on nothing that the machine does.
+// What other threads read and resample depends on nothing that the machine does.
 TEST(OpenALStream, AnyNumberOfThreadsRendersTheSame)
 {
     std::vector<double> rendered;
     for (const char* const threads : {"1", "2", "5"}) {
-        OfflineRig rig(24, rateHz, nullptr, {{"OpenALRenderThreads", threads}});
-        for (int i = 0; i < 20; ++i) {
-            FormulaFile& file = rig.Make({3000 + 997 * i, i % 2 ? 22050 : rateHz, 1 + i % 3 / 2},
+        OfflineRig rig(40, rateHz, nullptr, {{"OpenALRenderThreads", threads}});
+        // Enough of them are resampled for other threads to take part.
+        for (int i = 0; i < 40; ++i) {
+            FormulaFile& file = rig.Make({3000 + 997 * i, i % 4 ? 22050 : rateHz, 1 + i % 3 / 2},
                 [i](int frame, int side) { return 0.05 * Scatter()(frame + i, side); });
             file.Add(&rig.Make({5000, file.GetSampleFrequency(), file.GetChannels()}, Scatter()));
-            SndChannel* const channel = rig.Play(file, i % 4 == 0 ? ChanLooping : 0U);
+            SndChannel* const channel = rig.Play(file, i % 5 == 0 ? ChanLooping : 0U);
             // A sound that is displaced in the first update after its start fades out of what has been read.
             const auto displace = [&] { channel->Stop(); };
-            rig.Step(40UL + static_cast<unsigned long>(i), i % 3 == 0 ? displace : std::function<void()>());
+            const auto ms = static_cast<unsigned long>(i) % 20UL + 40UL;
+            rig.Step(ms, i % 3 == 0 ? displace : std::function<void()>());
         }
         rig.Step(1000);
         const Rendering heard = rig.Heard();
