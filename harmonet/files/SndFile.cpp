@@ -148,7 +148,7 @@ bool SndFile::Open(SndNode* newNode)
 {
     static_cast<SoundFormat&>(*this) = newNode->format;
     fileType = newNode->fileType;
-    size = newNode->size;
+    size = static_cast<std::uint32_t>(newNode->size);
     data = newNode->data;
     node = newNode;
     return true;
@@ -187,7 +187,7 @@ bool SndFile::TakeHandle(SndFileHandle* newHandle)
     if (!newHandle->GetFile().IsOpen()) {
         return false;
     }
-    size = newHandle->GetFile().Size();
+    size = static_cast<std::uint32_t>(newHandle->GetFile().Size());
     handle = newHandle;
     return true;
 }
@@ -210,11 +210,11 @@ unsigned char* SndFile::Load()
     }
     // The size is only stated by the file: do not allocate memory before checking it.
     const std::uint64_t end = std::uint64_t{dataOffset} + size;
-    if (size > static_cast<unsigned long>(std::numeric_limits<int>::max()) ||
+    if (size > static_cast<std::uint32_t>(std::numeric_limits<int>::max()) ||
         end > handle->GetFile().Size()) {
         return nullptr;
     }
-    auto* const block = static_cast<unsigned char*>(Alloc::New(static_cast<unsigned int>(size)));
+    auto* const block = static_cast<unsigned char*>(Alloc::New(size));
     const int bytes = static_cast<int>(size);
     if (handle->ReadAt(block, bytes, dataOffset) != bytes) {
         Alloc::Delete(block);
@@ -235,7 +235,7 @@ unsigned char* SndFile::CopyData(unsigned long& bytes) const
         return nullptr;
     }
     const unsigned long fileBytes = handle->GetFile().Size();
-    bytes = std::min(size, fileBytes - std::min(dataOffset, fileBytes));
+    bytes = std::min<unsigned long>(size, fileBytes - std::min<unsigned long>(dataOffset, fileBytes));
     if (bytes > static_cast<unsigned long>(std::numeric_limits<int>::max())) {
         return nullptr;
     }
@@ -312,7 +312,7 @@ int SndFile::Read(unsigned char* buffer, int bytes, int position)
         return static_cast<int>(count);
     }
     // Files end below 2 GiB, and an unsigned long may have 32 bits.
-    const std::uint64_t offset = dataOffset + start;
+    const std::uint64_t offset = std::uint64_t{dataOffset} + start;
     if (handle == nullptr || offset > static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) {
         return 0;
     }
@@ -369,13 +369,13 @@ int SndFile::ClampSamples(std::uint64_t samples)
     return static_cast<int>(std::min<std::uint64_t>(samples, std::numeric_limits<int>::max()));
 }
 
-unsigned long SndFile::CalcLength(int samples) const
+std::uint32_t SndFile::CalcLength(int samples) const
 {
     if (samples <= 0 || sampleFrequency <= 0) {
         return 0;
     }
     const std::uint64_t lengthMs = static_cast<std::uint64_t>(samples) * 1000 / sampleFrequency;
-    return std::min<std::uint64_t>(lengthMs, unknownLengthMs);
+    return static_cast<std::uint32_t>(std::min<std::uint64_t>(lengthMs, unknownLengthMs));
 }
 
 unsigned long SndFile::CalcRemainLength(Snd_FileType type) const

@@ -169,9 +169,9 @@ public:
 
 protected:
     /// The maximum size or position in sound data, which have 32 bits.
-    static constexpr unsigned long maxDataBytes = 0xFFFFFFFF;
+    static constexpr std::uint32_t maxDataBytes = 0xFFFFFFFF;
     /// The length of data that last longer than 32 bits of milliseconds.
-    static constexpr unsigned long unknownLengthMs = 0xFFFFFFFF;
+    static constexpr std::uint32_t unknownLengthMs = 0xFFFFFFFF;
 
     /// Closes the open data and takes a file in their place; `size` is that of the whole file. Returns false
     /// and takes nothing if the file is not open. Throws FileEx, and takes nothing, if the system cannot
@@ -184,26 +184,27 @@ protected:
     static int ClampSamples(std::uint64_t samples);
     /// Duration of `samples` sample frames at this reader's rate in milliseconds, truncated; 0 without a
     /// rate.
-    unsigned long CalcLength(int samples) const;
+    std::uint32_t CalcLength(int samples) const;
     /// The results of GetRemainLength() and GetCurrentLength() while a file of `type` is open; 0 otherwise.
     unsigned long CalcRemainLength(Snd_FileType type) const;
     unsigned long CalcCurrentLength(Snd_FileType type) const;
 
-    // The fields that are read to advance a virtual sound come first, right after the format.
+    // The fields that are read to advance a virtual sound come first, right after the format. Sizes, offsets
+    // and lengths have 32 bits: files end below 2 GiB.
     /// The fields of a reader; see the getters above. `data` and `dataOffset` are where the sound data begin,
     /// in memory and in the file.
     Snd_FileType fileType = FileNone;
     int currentSample = 0;
-    unsigned long size = 0;
+    std::uint32_t size = 0;
+    std::uint32_t soundLength = 0;
     SndFile* next = nullptr;
     unsigned char* data = nullptr;
     SndFileHandle* handle = nullptr;
-    unsigned long dataOffset = 0;
     SndNode* node = nullptr;
-    unsigned long soundLength = 0;
-    bool userMemory = false;
+    std::uint32_t dataOffset = 0;
     int loopStart = 0;
     int loopEnd = 0; ///< 0: the end of the sound samples.
+    bool userMemory = false;
 };
 
 } // namespace Quon

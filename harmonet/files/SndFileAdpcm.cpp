@@ -89,7 +89,7 @@ bool SndFileAdpcm::ParseWaveAdpcm()
         return false;
     }
     fileType = FileAdpcm;
-    dataOffset = found.offset;
+    dataOffset = static_cast<std::uint32_t>(found.offset);
     size = found.bytes;
     soundSamples = ClampSamples(found.LimitSamples(CountSamples(size)));
     soundLength = CalcLength(soundSamples);

@@ -18,10 +18,10 @@ bool SndFileWav::OpenMemory(void* newData, unsigned long newSize, WaveFormatEx* 
         return false;
     }
     fileType = FileWav;
-    size = newSize;
+    size = static_cast<std::uint32_t>(newSize);
     data = static_cast<unsigned char*>(newData);
     userMemory = true;
-    soundSamples = ClampSamples(size / static_cast<unsigned long>(BytesPerFrame()));
+    soundSamples = ClampSamples(size / static_cast<std::uint32_t>(BytesPerFrame()));
     soundLength = CalcLength(soundSamples);
     currentSample = 0;
     return true;
@@ -62,9 +62,9 @@ bool SndFileWav::ParseWave()
         return false;
     }
     fileType = FileWav;
-    dataOffset = found.offset;
+    dataOffset = static_cast<std::uint32_t>(found.offset);
     size = found.bytes;
-    soundSamples = ClampSamples(found.LimitSamples(size / static_cast<unsigned long>(BytesPerFrame())));
+    soundSamples = ClampSamples(found.LimitSamples(size / static_cast<std::uint32_t>(BytesPerFrame())));
     soundLength = CalcLength(soundSamples);
     return true;
 }

@@ -58,7 +58,7 @@ bool SndFileMP3::ParseContainer()
             factCount = static_cast<int>(walk.ReadNumber());
         }
         else if (walk.Is("data")) {
-            dataOffset = walk.GetContentOffset();
+            dataOffset = static_cast<std::uint32_t>(walk.GetContentOffset());
             hasData = true;
         }
     }

@@ -139,7 +139,7 @@ bool SndFileMP3::OpenHandle(SndFileHandle* newHandle)
     AllocateBuffers();
     Rewind();
     handle = newHandle;
-    size = fileBytes;
+    size = static_cast<std::uint32_t>(fileBytes);
     ParseContainer();
     if (!ReadHeader()) {
         Abandon();
