@@ -37,7 +37,7 @@ public:
     void Reserve(HashOf hashOf)
     {
         constexpr std::size_t sparse = 16;
-        if (2 * (count + 1) > slots.size()) {
+        if (4 * (count + 1) > 3 * slots.size()) {
             Resize(2 * slots.size(), hashOf);
         }
         else if (sparse * (count + 1) < slots.size()) {
@@ -101,7 +101,7 @@ private:
         }
     }
 
-    EngineVector<std::uint32_t> slots; ///< At most half full; their number is a power of two.
+    EngineVector<std::uint32_t> slots; ///< At most three quarters full; their number is a power of two.
     std::size_t count = 0;
     int shift = 0; ///< Leaves as many bits of a hash as there are slots.
 };
