@@ -57,9 +57,14 @@ protected:
     {
         ITree* links = child;
         links->parent = static_cast<T*>(this);
-        links->previousSibling = lastChild;
-        (lastChild != nullptr ? Links(lastChild).nextSibling : firstChild) = child;
-        lastChild = child;
+        if (firstChild == nullptr) {
+            firstChild = child;
+        }
+        else {
+            links->previousSibling = Links(firstChild).previousSibling;
+            Links(links->previousSibling).nextSibling = child;
+        }
+        Links(firstChild).previousSibling = child;
     }
 
     /// Removes \p child, which must be a child of this node.
@@ -68,8 +73,10 @@ protected:
         ITree* links = child;
         T* const previous = links->previousSibling;
         T* const next = links->nextSibling;
-        (previous != nullptr ? Links(previous).nextSibling : firstChild) = next;
-        (next != nullptr ? Links(next).previousSibling : lastChild) = previous;
+        (child != firstChild ? Links(previous).nextSibling : firstChild) = next;
+        if (firstChild != nullptr) {
+            Links(next != nullptr ? next : firstChild).previousSibling = previous;
+        }
         links->parent = nullptr;
         links->previousSibling = nullptr;
         links->nextSibling = nullptr;
@@ -79,8 +86,7 @@ private:
     static ITree& Links(T* node) { return *node; }
 
     T* firstChild = nullptr;
-    T* lastChild = nullptr;
-    T* previousSibling = nullptr;
+    T* previousSibling = nullptr; ///< Of the first child: the last one.
     T* nextSibling = nullptr;
 
 protected:

@@ -4,10 +4,26 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 
 namespace Quon
 {
+
+namespace
+{
+
+/// Bit by bit, since a negative zero has to be stored.
+bool IsDefault(const Quaternion& orientation)
+{
+    using Bits = std::array<std::uint32_t, 4>;
+    return std::bit_cast<Bits>(orientation) == std::bit_cast<Bits>(Quaternion());
+}
+
+} // namespace
+
+const Quaternion Particle::identity;
 
 Particle::Particle() = default;
 
@@ -18,15 +34,13 @@ Particle::Particle(const Particle& other)
     , boundingSphereStale(other.boundingSphereStale)
     , boundingCenter(other.boundingCenter)
     , boundingRadius(other.boundingRadius)
-    , particleName(other.particleName)
-    , orientation(other.orientation)
 {
+    CopyDetails(other);
 }
 
 Particle& Particle::operator=(const Particle& other)
 {
-    particleName = other.particleName;
-    orientation = other.orientation;
+    CopyDetails(other);
     position = other.position;
     boundingCenter = other.boundingCenter;
     boundingRadius = other.boundingRadius;
@@ -52,9 +66,34 @@ int Particle::GetID() const
     return 0;
 }
 
+const Particle::Details& Particle::GetDetails() const
+{
+    static constinit const Details defaults;
+    return details ? *details : defaults;
+}
+
+Particle::Details& Particle::UseDetails() const
+{
+    if (!details) {
+        details = std::make_unique<Details>();
+    }
+    return *details;
+}
+
+void Particle::CopyDetails(const Particle& other)
+{
+    if (details || other.details) {
+        Details& copy = UseDetails();
+        copy.name = other.GetName();
+        copy.orientation = other.GetOrientation();
+    }
+}
+
 void Particle::SetName(const PString& newName)
 {
-    particleName = newName;
+    if (details || !newName.IsEmpty()) {
+        UseDetails().name = newName;
+    }
 }
 
 void Particle::SetPosition(const Vector3& newPosition)
@@ -73,11 +112,14 @@ void Particle::SetPositionXY(const Vector2& newPosition)
 
 void Particle::SetOrientation(const Quaternion& newOrientation)
 {
+    const Quaternion before = GetOrientation();
+    if (details || !IsDefault(newOrientation)) {
+        UseDetails().orientation = newOrientation;
+    }
     if (!boundingSphereStale) {
-        const Vector3 offset = Rotate(Inverse(orientation), boundingCenter - position);
+        const Vector3 offset = Rotate(Inverse(before), boundingCenter - position);
         boundingCenter = Rotate(newOrientation, offset) + position;
     }
-    orientation = newOrientation;
     MarkMoved();
 }
 
@@ -139,7 +181,7 @@ bool Particle::Add(Particle* child)
 bool Particle::Add(const PString& nodeName, Particle* child)
 {
     Particle* node = this;
-    while (node != nullptr && !nodeName.IsEmpty() && !(node->particleName == nodeName)) {
+    while (node != nullptr && !nodeName.IsEmpty() && !(node->GetName() == nodeName)) {
         node = node->GetNextBelow(this);
     }
     return node != nullptr && node->Add(child);
@@ -179,7 +221,7 @@ void Particle::LocalToGlobal(Quaternion& localOrientation) const
         localOrientation = Quaternion();
         return;
     }
-    localOrientation = Normalized(globalOrientation * localOrientation);
+    localOrientation = Normalized(GetDetails().globalOrientation * localOrientation);
 }
 
 void Particle::OnParentDestroyed() {}
@@ -216,8 +258,8 @@ void Particle::UpdateGlobalPosition() const
         // Most parents are not rotated. A position that is not finite is rotated anyway, so that it
         // propagates.
         const bool isTurned = parent->globallyTurned || !std::isfinite(LengthSquared(position));
-        globalPosition =
-            parent->globalPosition + (isTurned ? Rotate(parent->globalOrientation, position) : position);
+        globalPosition = parent->globalPosition +
+            (isTurned ? Rotate(parent->GetDetails().globalOrientation, position) : position);
     }
     else {
         globalPosition = position;
@@ -232,12 +274,15 @@ void Particle::UpdateGlobalOrientation() const
     if (!globalOrientationStale) {
         return;
     }
-    globalOrientation = Normalized(orientation);
-    if (parent != nullptr) {
-        globalOrientation = Normalized(parent->globalOrientation * globalOrientation);
+    Quaternion turn;
+    if (details || (parent != nullptr && parent->globallyTurned)) {
+        turn = Normalized(GetDetails().orientation);
+        if (parent != nullptr) {
+            turn = Normalized(parent->GetDetails().globalOrientation * turn);
+        }
+        UseDetails().globalOrientation = turn;
     }
-    const Quaternion& turn = globalOrientation;
-    globallyTurned = turn.w != 1.0F || turn.x != 0.0F || turn.y != 0.0F || turn.z != 0.0F;
+    globallyTurned = !(turn == Quaternion());
     globalOrientationStale = false;
 }
 

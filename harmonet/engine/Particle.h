@@ -6,6 +6,8 @@
 #include "harmonet/engine/Quaternion.h"
 #include "harmonet/engine/Vector.h"
 
+#include <memory>
+
 namespace Quon
 {
 
@@ -37,7 +39,8 @@ public:
     /// Returns the node type; 0 for a plain node.
     virtual int GetID() const;
 
-    /// The name by which Add() and a sound find the node. It need not be unique.
+    /// The name by which Add() and a sound find the node. It need not be unique. The first name or rotation
+    /// of a node allocates.
     virtual void SetName(const PString& newName);
 
     /// Each marks the node and its descendants as stale, even if the value is unchanged, and the spheres
@@ -75,10 +78,10 @@ public:
     virtual void RemoveAllChildren();
 
     /// As set by SetName(); empty at first.
-    const PString& GetName() const { return particleName; }
+    const PString& GetName() const { return GetDetails().name; }
     /// In the parent's space.
     const Vector3& GetPosition() const { return position; }
-    const Quaternion& GetOrientation() const { return orientation; }
+    const Quaternion& GetOrientation() const { return details ? details->orientation : identity; }
     /// In world units; recomputed first if stale.
     const Vector3& GetGlobalPosition() const
     {
@@ -88,7 +91,8 @@ public:
         return globalPosition;
     }
 
-    /// Transforms an orientation from this node's space to world space; the result has length 1.
+    /// Transforms an orientation from this node's space to world space; the result has length 1. May allocate
+    /// for a node below a rotated one.
     void LocalToGlobal(Quaternion& localOrientation) const;
 
     /// The parent is about to be destroyed, and this node becomes a root. An override must not change the
@@ -118,19 +122,28 @@ protected:
     mutable Vector3 boundingCenter;
     /// Of the sphere, in world units.
     mutable float boundingRadius = 0.0F;
-    /// As set by SetName().
-    PString particleName;
-    /// In the parent's space.
-    Quaternion orientation;
 
 private:
+    /// What most nodes do not need, allocated when it is first set.
+    struct Details : Allocated
+    {
+        PString name;
+        Quaternion orientation; ///< In the parent's space.
+        Quaternion globalOrientation; ///< The identity while the node is not `globallyTurned`.
+    };
+
+    static const Quaternion identity;
+
+    const Details& GetDetails() const;
+    Details& UseDetails() const;
+    void CopyDetails(const Particle& other);
     /// Marks the node as moved within the tree.
     void MarkMoved() const;
     void UpdateGlobal() const;
     void UpdateGlobalPosition() const;
     void UpdateGlobalOrientation() const;
 
-    mutable Quaternion globalOrientation;
+    mutable std::unique_ptr<Details> details;
 };
 
 } // namespace Quon

@@ -25,7 +25,7 @@ void SndBase::SetLowPass(float gainHF)
     if (gainHF >= 0.0F && gainHF <= 1.0F) {
         SetExtra(&Extras::lowPass, gainHF);
     }
-    for (SndChannel* channel : {sndChannel, fadeOutChannel}) {
+    for (SndChannel* channel : {sndChannel, GetFadeOutChannel()}) {
         if (channel) {
             channel->SetLowPass(GetOutputLowPass());
         }

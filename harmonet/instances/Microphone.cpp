@@ -94,7 +94,7 @@ void Microphone::SndUpdate()
     if (driver && IsFinite(place)) {
         driver->SetListenerPosition(place);
     }
-    Quaternion q = orientation;
+    Quaternion q = GetOrientation();
     if (GetParent()) {
         GetParent()->LocalToGlobal(q);
     }
@@ -130,21 +130,7 @@ void Microphone::SetOrientation(const Vector3& front, const Vector3& top)
 
 void Microphone::SetOrientation(const Quaternion& newOrientation)
 {
-    TurnBoundingSphere(newOrientation);
-    orientation = newOrientation;
-    ResetGlobalBoundingCenter();
-    ResetParentSpheres();
-    ResetChildGlobalBoundingCenters();
-}
-
-// The sphere's centre is in the parent's space, so it must rotate with the node.
-void Microphone::TurnBoundingSphere(const Quaternion& newOrientation)
-{
-    if (boundingSphereStale) {
-        return;
-    }
-    const Vector3 unturned = Rotate(Inverse(orientation), boundingCenter - position);
-    boundingCenter = Rotate(newOrientation, unturned) + position;
+    Particle::SetOrientation(newOrientation);
 }
 
 void Microphone::SetRolloffFactor(float factor)

@@ -61,7 +61,6 @@ private:
     void SetActive(bool on);
     void SndUpdate();
     Vector3 GetGlobalPosition();
-    void TurnBoundingSphere(const Quaternion& newOrientation);
     void ResetGlobalBoundingCenter() const override;
 
     bool active : 1;

@@ -1,6 +1,8 @@
 #include "harmonet/instances/Snd3D.h"
 
 #include "harmonet/instances/Axes.h"
+#include "harmonet/instances/OrNothing.h"
+#include "harmonet/kernel/Motion.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
@@ -16,6 +18,24 @@ namespace
 
 constexpr int nodeID = 16;
 
+Vector3 ImageOfAxis(const Quaternion& rotation, int axis)
+{
+    switch (axis) {
+    case 1:
+        return ImageOfX(rotation);
+    case 2:
+        return ImageOfY(rotation);
+    case 3:
+        return ImageOfZ(rotation);
+    case -1:
+        return -ImageOfX(rotation);
+    case -2:
+        return -ImageOfY(rotation);
+    default:
+        return -ImageOfZ(rotation);
+    }
+}
+
 } // namespace
 
 float Snd3D::silenceValue = -30.0F;
@@ -29,14 +49,9 @@ Snd3D::Snd3D()
 Snd3D::Snd3D(const Snd3D& other)
     : Particle()
     , SndBase(other)
-    , minDistance(other.minDistance)
-    , innerConeAngle(other.innerConeAngle)
-    , outerConeAngle(other.outerConeAngle)
-    , coneGain(other.coneGain)
-    , axis(other.axis)
-    , doppler(other.doppler)
 {
     AddFlags(Flag3D);
+    CopyCone(other);
     InitMinMaxDistance(other.minDistance, other.GetMaxDistance(), other.GetCutout());
 }
 
@@ -44,10 +59,8 @@ Snd3D& Snd3D::operator=(const Snd3D& other)
 {
     Particle::operator=(other);
     SndBase::operator=(other);
-    InitCone(other.innerConeAngle, other.outerConeAngle, other.coneGain);
+    CopyCone(other);
     InitMinMaxDistance(other.minDistance, other.GetMaxDistance(), other.GetCutout());
-    axis = other.axis;
-    doppler = other.doppler;
     SetHasMoved(other.Row().HasMark(RowMoved));
     return *this;
 }
@@ -72,12 +85,16 @@ void Snd3D::ResetGlobalBoundingCenter() const
 
 void Snd3D::OnParentDestroyed()
 {
-    // The ancestors may already have been destroyed.
-    const Vector3 place = Row().HasMark(RowPlaced) ? globalPosition : GetGlobalPosition();
-    Quaternion turned = orientation;
-    GetParent()->LocalToGlobal(turned);
-    SetOrientation(turned);
-    SetPosition(place);
+    // A destructor calls this: if memory for the rotation runs out, the sound keeps its local values.
+    OrNothing([this] {
+        // The ancestors may already have been destroyed.
+        const Vector3 place = Row().HasMark(RowPlaced) ? globalPosition : GetGlobalPosition();
+        Quaternion turned = GetOrientation();
+        GetParent()->LocalToGlobal(turned);
+        SetOrientation(turned);
+        SetPosition(place);
+        return true;
+    });
 }
 
 void Snd3D::SetHasMoved(bool on)
@@ -97,14 +114,30 @@ float Snd3D::GetMaxDistance() const
 
 void Snd3D::BindAxisToDirection(int newAxis)
 {
-    axis = newAxis;
+    const bool isValid = newAxis >= -3 && newAxis <= 3;
+    coneAxis = static_cast<std::int8_t>(isValid ? newAxis : defaultAxis);
 }
 
 void Snd3D::InitCone(float inner, float outer, float newConeGain)
 {
-    innerConeAngle = inner;
-    outerConeAngle = outer;
-    coneGain = newConeGain;
+    const bool hasEffect = inner < 180.0F && newConeGain < 1.0F;
+    if (hasEffect) {
+        SetExtra(&Extras::innerConeAngle, inner);
+        SetExtra(&Extras::outerConeAngle, outer);
+        SetExtra(&Extras::coneGain, newConeGain);
+    }
+    isConeInUse = hasEffect;
+}
+
+void Snd3D::CopyCone(const Snd3D& other)
+{
+    const Extras& from = other.GetExtras();
+    SetExtra(&Extras::innerConeAngle, from.innerConeAngle);
+    SetExtra(&Extras::outerConeAngle, from.outerConeAngle);
+    SetExtra(&Extras::coneGain, from.coneGain);
+    SetExtra(&Extras::doppler, from.doppler);
+    isConeInUse = other.isConeInUse;
+    coneAxis = other.coneAxis;
 }
 
 void Snd3D::SetCone(float inner, float outer, float newConeGain)
@@ -133,8 +166,9 @@ void Snd3D::SetMinMaxDistance(float newMinDistance, float newMaxDistance, bool n
 void Snd3D::Play(SndFile* file)
 {
     if (SndChannel* channel = GetSndChannel()) {
-        if (IsConeInUse()) {
-            channel->SetCone(innerConeAngle, outerConeAngle, coneGain);
+        if (isConeInUse) {
+            const Extras& cone = GetExtras();
+            channel->SetCone(cone.innerConeAngle, cone.outerConeAngle, cone.coneGain);
         }
         channel->SetMinMaxDistance(minDistance, GetMaxDistance(), GetCutout());
         UpdatePosition();
@@ -153,6 +187,7 @@ void Snd3D::UpdatePlace(SoundRow& row)
 {
     row.SetPlace(GetGlobalPosition());
     if (theKernel && theKernel->GetDoppler().IsFollowing()) {
+        std::unique_ptr<Motion>& motion = UseExtras().motion;
         if (!motion) {
             motion = std::make_unique<Motion>();
         }
@@ -164,24 +199,28 @@ void Snd3D::SetDoppler(float factor)
 {
     constexpr float most = 10.0F;
     if (!std::isnan(factor)) {
-        doppler = std::clamp(factor, 0.0F, most);
+        SetExtra(&Extras::doppler, std::clamp(factor, 0.0F, most));
     }
 }
 
 void Snd3D::UpdatePitch(SndChannel& channel, bool isNew)
 {
     const Doppler& effect = theKernel->GetDoppler();
-    sentPitch = isNew ? 1.0F : sentPitch;
-    if ((!effect.IsOn() && sentPitch == 1.0F) || HasAnyFlag(FlagPolylineSource)) {
+    if (isNew) {
+        SetExtra(&Extras::sentPitch, 1.0F);
+    }
+    if ((!effect.IsOn() && GetExtras().sentPitch == 1.0F) || HasAnyFlag(FlagPolylineSource)) {
         return;
     }
     if (!Row().HasMark(RowPlaceKnown)) {
         UpdatePlace(Row());
     }
-    const Vector3 velocity = IsMovable() && motion ? effect.GetVelocity(*motion) : Vector3();
-    const float pitch = effect.CalcPitch(Row().place, velocity, doppler);
-    if (pitch != sentPitch && (pitch == 1.0F || std::abs(pitch - sentPitch) > Doppler::minShift)) {
-        sentPitch = pitch;
+    const Extras& extra = GetExtras();
+    const Vector3 velocity = IsMovable() && extra.motion ? effect.GetVelocity(*extra.motion) : Vector3();
+    const float pitch = effect.CalcPitch(Row().place, velocity, extra.doppler);
+    const float sent = extra.sentPitch;
+    if (pitch != sent && (pitch == 1.0F || std::abs(pitch - sent) > Doppler::minShift)) {
+        SetExtra(&Extras::sentPitch, pitch);
         channel.SetPitch(pitch);
     }
 }
@@ -219,7 +258,7 @@ bool Snd3D::SndUpdate(float seconds, const Vector3& listener, bool listenerMoved
     }
     const bool hasMoved = Row().HasMark(RowMoved);
     if (listenerMoved || hasMoved) {
-        CalcDistSqr(listener);
+        Snd3D::CalcDistSqr(listener);
     }
     if (hasMoved && IsMovable() && GetSndChannel()) {
         UpdatePosition();
@@ -238,34 +277,20 @@ void Snd3D::UpdatePosition()
     if (IsFinite(globalPosition)) {
         channel->SetPosition(globalPosition);
     }
-    if (!IsConeInUse()) {
-        return;
-    }
-    const Vector3 direction = CalcDirection();
-    if (IsFinite(direction)) {
-        channel->SetDirection(direction);
+    if (isConeInUse) {
+        SendDirection(*channel);
     }
 }
 
-Vector3 Snd3D::CalcDirection() const
+void Snd3D::SendDirection(SndChannel& channel) const
 {
-    Quaternion global = orientation;
+    Quaternion global = GetOrientation();
     if (GetParent()) {
         GetParent()->LocalToGlobal(global);
     }
-    switch (axis) {
-    case 1:
-        return ImageOfX(global);
-    case 2:
-        return ImageOfY(global);
-    case 3:
-        return ImageOfZ(global);
-    case -1:
-        return -ImageOfX(global);
-    case -2:
-        return -ImageOfY(global);
-    default:
-        return -ImageOfZ(global);
+    const Vector3 direction = ImageOfAxis(global, coneAxis);
+    if (IsFinite(direction)) {
+        channel.SetDirection(direction);
     }
 }
 
@@ -274,8 +299,7 @@ bool Snd3D::SetFXEnvReverbSourceProperties(const FXEnvReverbSourceProperties* pr
     if (!theKernel || !theKernel->CanSetEnvReverbSource()) {
         return false;
     }
-    OwnFXList();
-    fxList.AddFX(SndFXEnvReverbSource, properties, sizeof *properties, defaultEnvReverbQuality);
+    OwnFXList().AddFX(SndFXEnvReverbSource, properties, sizeof *properties, defaultEnvReverbQuality);
     SndChannel* channel = GetSndChannel();
     return !channel || channel->SetFXEnvReverbSourceProperties(properties);
 }

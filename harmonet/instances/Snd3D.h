@@ -2,9 +2,8 @@
 
 #include "harmonet/engine/Particle.h"
 #include "harmonet/instances/SndBase.h"
-#include "harmonet/kernel/Motion.h"
 
-#include <memory>
+#include <cstdint>
 
 namespace Quon
 {
@@ -71,7 +70,7 @@ public:
     void SetHasMoved(bool on);
     /// Factor on the sound's Doppler effect, clamped to 0.0..10.0; NaN is ignored.
     void SetDoppler(float factor);
-    float GetDoppler() const { return doppler; }
+    float GetDoppler() const { return GetExtras().doppler; }
     bool GetCutout() const;
     float GetMinDistance() const { return minDistance; }
     float GetMaxDistance() const;
@@ -84,17 +83,10 @@ public:
     static float silenceValue;
 
 private:
-    bool IsConeInUse() const { return innerConeAngle < 180.0F && coneGain < 1.0F; }
-    Vector3 CalcDirection() const;
+    void CopyCone(const Snd3D& other);
+    void SendDirection(SndChannel& channel) const;
 
     float minDistance = 0.0F;
-    float innerConeAngle = 0.0F;
-    float outerConeAngle = 0.0F;
-    float coneGain = 0.0F;
-    int axis = defaultAxis;
-    float doppler = 1.0F;
-    float sentPitch = 1.0F; ///< The last pitch sent to the channel.
-    std::unique_ptr<Motion> motion; ///< Since the Doppler effect was on.
 };
 
 } // namespace Quon

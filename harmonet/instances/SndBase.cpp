@@ -2,9 +2,11 @@
 
 #include "harmonet/engine/Vector.h"
 #include "harmonet/files/SndFile.h"
+#include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/kernel/DefinitionState.h"
+#include "harmonet/kernel/Motion.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
@@ -34,22 +36,19 @@ SndBase::SndBase(bool music)
     }
 }
 
+// The delegation makes the destructor return the row if memory for the extras runs out.
 SndBase::SndBase(const SndBase& other)
-    : rowNumber(SoundRows::Take(*this))
-    , soundID(NextSoundID())
-    , rowHead(&SoundRows::At(rowNumber))
-    , fileName(other.fileName)
-    , substName(other.substName)
-    , definitionName(other.definitionName)
-    , newFrequency(other.newFrequency)
-    , soundLength(other.soundLength)
-    , fadeDuration(other.fadeDuration)
-    , gain(other.gain)
+    : SndBase(false)
 {
+    CopyExtras(other);
+    SndBase::SetDelay(other.GetDelay());
+    fileName = other.fileName;
+    substName = other.substName;
+    definitionName = other.definitionName;
+    soundLength = other.soundLength;
+    gain = other.gain;
     Row().flags = other.Row().flags;
     Row().priority = other.Row().priority;
-    CopyExtras(other);
-    SndBase::SetDelay(other.delay);
 }
 
 SndBase& SndBase::operator=(const SndBase& other)
@@ -70,23 +69,23 @@ SndBase& SndBase::operator=(const SndBase& other)
     SetSubstName(other.substName);
     definitionName = other.definitionName;
     SetSndFile(other.GetSndFile());
-    startSample = other.startSample;
+    SetStartSample(other.GetExtras().startSample);
     SetExtra(&Extras::startOffsetMs, other.GetExtras().startOffsetMs);
     SetSoundLength(other.soundLength);
-    fadeDuration = other.fadeDuration;
     gain = other.gain;
-    SndBase::SetDelay(other.delay);
-    newFrequency = other.newFrequency;
+    SndBase::SetDelay(other.GetDelay());
     CopyExtras(other);
-    fxList = other.fxList;
+    if (extras || other.extras) {
+        UseExtras().fxList = other.GetThisFXList();
+    }
     sndChannel = other.sndChannel;
-    fadeOutChannel = other.fadeOutChannel;
+    SetFadeOutChannel(other.GetFadeOutChannel());
     return *this;
 }
 
 const SndBase::Extras& SndBase::GetExtras() const
 {
-    static constexpr Extras defaults;
+    static constinit const Extras defaults;
     return extras ? *extras : defaults;
 }
 
@@ -103,7 +102,9 @@ void SndBase::CopyExtras(const SndBase& other)
 {
     SetExtra(&Extras::loopStart, other.GetExtras().loopStart);
     SetExtra(&Extras::loopEnd, other.GetExtras().loopEnd);
+    SetExtra(&Extras::newFrequency, other.GetExtras().newFrequency);
     SetExtra(&Extras::frequencyFactor, other.GetExtras().frequencyFactor);
+    SetExtra(&Extras::fadeDuration, other.GetFadeDuration());
     SetExtra(&Extras::lowPass, other.GetLowPass());
 }
 
@@ -127,7 +128,7 @@ void SndBase::Done()
             sndChannel->Stop();
             sndChannel = nullptr;
         }
-        if (fadeOutChannel) {
+        if (GetFadeOutChannel()) {
             ReleaseFadeOutChannel();
         }
         theKernel->RemoveSound(this);
@@ -138,9 +139,9 @@ void SndBase::Done()
     CloseAndDelete(file);
     if (extras) {
         CloseAndDelete(std::exchange(extras->fadingOut.file, nullptr));
-    }
-    if (!HasAnyFlag(FlagSharedFXList)) {
-        fxList.Clear();
+        if (!HasAnyFlag(FlagSharedFXList)) {
+            extras->fxList.Clear();
+        }
     }
 }
 
@@ -218,8 +219,7 @@ void SndBase::CloseAndDelete(SndFile* file)
 
 void SndBase::ReleaseFadeOutChannel()
 {
-    SndChannel* channel = fadeOutChannel;
-    fadeOutChannel = nullptr;
+    SndChannel* channel = std::exchange(extras->fadeOutChannel, nullptr);
     channel->Stop();
     SndFile* file = channel->GetSndFile();
     if (!file) {
@@ -255,7 +255,7 @@ bool SndBase::Emulate()
         sndChannel->Stop();
         sndChannel = nullptr;
     }
-    if (fadeOutChannel) {
+    if (GetFadeOutChannel()) {
         ReleaseFadeOutChannel();
     }
     SetExtra(&Extras::fadeInPassed, 0U);
@@ -288,7 +288,7 @@ bool SndBase::HoldsChannel() const
 void SndBase::StopChannel()
 {
     if (sndChannel) {
-        const auto longest = static_cast<std::uint32_t>(std::max(fadeDuration, 0));
+        const auto longest = static_cast<std::uint32_t>(std::max(GetFadeDuration(), 0));
         const std::uint32_t passed = GetExtras().fadeInPassed + std::min(Row().stateTimeMs, longest);
         SetExtra(&Extras::fadeInPassed, std::min(passed, longest));
         std::exchange(sndChannel, nullptr)->Stop();
@@ -299,9 +299,9 @@ void SndBase::StopChannel()
 void SndBase::PauseOutput()
 {
     StopChannel();
-    if (fadeOutChannel) {
-        FadeOutState& fade = UseExtras().fadingOut;
-        SndChannel* channel = std::exchange(fadeOutChannel, nullptr);
+    if (GetFadeOutChannel()) {
+        FadeOutState& fade = extras->fadingOut;
+        SndChannel* channel = std::exchange(extras->fadeOutChannel, nullptr);
         channel->Stop();
         fade.file = channel->GetSndFile();
         fade.since = theKernel->GetClockMs() - fade.since;
@@ -311,22 +311,25 @@ void SndBase::PauseOutput()
 
 bool SndBase::FadeOut(int ms)
 {
-    AddFlags(FlagFadeOut);
-    LeaveLimits();
     if (!sndChannel) {
+        AddFlags(FlagFadeOut);
+        LeaveLimits();
         delete this;
         return false;
     }
-    if (fadeOutChannel) {
+    Extras& used = UseExtras();
+    AddFlags(FlagFadeOut);
+    LeaveLimits();
+    if (GetFadeOutChannel()) {
         ReleaseFadeOutChannel();
     }
     // Pass the file to the fading channel before deleting the queue, so that a handler of a freed block finds
     // no queue to append to.
     SndChannel* channel = sndChannel;
-    fadeOutChannel = channel;
+    used.fadeOutChannel = channel;
     sndChannel = nullptr;
-    SetExtra(&Extras::fadeInPassed, 0U);
-    UseExtras().fadingOut = {
+    used.fadeInPassed = 0;
+    used.fadingOut = {
         nullptr, GetChannelFlags(), GetOutputGain(), ms, theKernel ? theKernel->GetClockMs() : 0};
     TakeFile(nullptr);
     {
@@ -366,17 +369,18 @@ void SndBase::SetGain(float newGain)
     if (extras && !sndChannel && !sndFile) {
         extras->fadingOut.gain = GetOutputGain();
     }
-    if (SndChannel* channel = sndChannel ? sndChannel : fadeOutChannel) {
+    if (SndChannel* channel = sndChannel ? sndChannel : GetFadeOutChannel()) {
         channel->SetGain(GetOutputGain());
     }
 }
 
 bool SndBase::SetFrequency(unsigned long hz)
 {
-    if (fxList.GetNumEffects() > 0 || (IsPlaying() && !IsChgFrequency())) {
+    if (GetThisFXList().GetNumEffects() > 0 || (IsPlaying() && !IsChgFrequency())) {
         return false;
     }
-    if (sndChannel && !sndChannel->SetFrequency(hz)) {
+    // The extras come first: if there is no memory for them, the channel must keep its rate.
+    if (!OrNothing([this] { return &UseExtras(); }) || (sndChannel && !sndChannel->SetFrequency(hz))) {
         return false;
     }
     SetNewFrequency(hz);
@@ -389,28 +393,28 @@ unsigned long SndBase::GetFrequency() const
     if (const unsigned long hz = sndChannel ? sndChannel->GetFrequency() : 0) {
         return hz;
     }
-    if (newFrequency != 0) {
-        return newFrequency;
+    if (const unsigned long hz = GetNewFrequency()) {
+        return hz;
     }
     return sndFile ? static_cast<unsigned long>(sndFile->GetSampleFrequency()) : 0;
 }
 
 unsigned long SndBase::GetRemainLength() const
 {
-    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || fadeOutChannel || GetExtras().fadingOut.file)) {
+    if (IsLooping() && (!HasAnyFlag(FlagFadeOut) || GetFadeOutChannel() || GetExtras().fadingOut.file)) {
         return unknownLength;
     }
     if (sndChannel) {
         return static_cast<std::uint32_t>(sndChannel->GetRemainLength() + CalcQueueLength());
     }
-    if (fadeOutChannel) {
-        return fadeOutChannel->GetRemainLength();
+    if (GetFadeOutChannel()) {
+        return extras->fadeOutChannel->GetRemainLength();
     }
     if (SndFile* fading = GetExtras().fadingOut.file; fading && !sndFile) {
         return fading->GetRemainLength();
     }
     if (HasAnyFlag(FlagFadeOut)) {
-        return static_cast<std::uint32_t>(fadeDuration);
+        return static_cast<std::uint32_t>(GetFadeDuration());
     }
     if (sndFile) {
         return LessStartOffset(CalcFileRemain() + CalcQueueLength());
@@ -424,8 +428,8 @@ unsigned long SndBase::GetCurrentLength() const
     if (sndChannel) {
         remaining = sndChannel->GetRemainLength();
     }
-    else if (fadeOutChannel) {
-        remaining = fadeOutChannel->GetRemainLength();
+    else if (GetFadeOutChannel()) {
+        remaining = extras->fadeOutChannel->GetRemainLength();
     }
     else if (SndFile* fading = GetExtras().fadingOut.file; fading && !sndFile) {
         remaining = fading->GetRemainLength();

@@ -13,6 +13,7 @@ namespace Quon
 {
 
 class DefinitionState;
+class Motion;
 class Music;
 class SndChannel;
 class SndFile;
@@ -179,12 +180,15 @@ public:
     bool GetFXWavesReverb(FXWavesReverb* record);
 
     /// Stores the list itself; the sound takes ownership of the block unless FlagSharedFXList is set. A block
-    /// that the sound owned before is freed.
+    /// that the sound owned before is freed. If memory runs out, throws, and frees a block of which it was to
+    /// take ownership.
     void SetThisFXList(const SndFXList& list);
+    /// Allocates what SetThisFXList() needs, which then cannot fail.
+    void ReserveExtras() { UseExtras(); }
     /// Stores a copy of the list's block; an empty list is ignored.
     void SetCopyFXList(const SndFXList& list);
     /// Returns the list without copying the block.
-    SndFXList GetThisFXList() const { return fxList; }
+    SndFXList GetThisFXList() const { return extras ? extras->fxList : SndFXList(); }
 
     /// The fields. Each of these reads or writes one and does nothing else.
     int GetSoundID() const { return soundID; }
@@ -203,7 +207,7 @@ public:
     /// The file, moved to the sound's playback position first.
     SndFile* GetSndFile() const;
     void SetSndFile(SndFile* file);
-    void SetStartSample(int samples) { startSample = samples; }
+    void SetStartSample(int samples) { SetExtra(&Extras::startSample, samples); }
     /// The start position in milliseconds, in addition to the start samples.
     void SetStartOffset(unsigned long ms)
     {
@@ -218,7 +222,7 @@ public:
     /// Milliseconds in 32 bits.
     void SetSoundLength(unsigned long ms);
     unsigned long GetSoundLength() const { return soundLength; }
-    int GetFadeDuration() const { return fadeDuration; }
+    int GetFadeDuration() const { return GetExtras().fadeDuration; }
     /// Sets the length of the fade-in, and FlagFadeIn.
     void SetFadeIn(int ms);
     float GetGain() const { return gain; }
@@ -226,8 +230,8 @@ public:
     int GetPriority() const;
     float GetMultiplier() const;
     void SetMultiplier(float factor);
-    int GetDelay() const { return delay; }
-    unsigned long GetNewFrequency() const { return newFrequency; }
+    int GetDelay() const { return GetExtras().delay; }
+    unsigned long GetNewFrequency() const { return GetExtras().newFrequency; }
     void SetNewFrequency(unsigned long hz);
     /// Multiplies the rate of the file by `factor` when the file is opened, unless SetNewFrequency() sets a
     /// rate before.
@@ -236,8 +240,8 @@ public:
     void SetSndChannel(SndChannel* channel) { sndChannel = channel; }
     /// Whether it plays through a channel, or will do so again after a pause.
     bool HoldsChannel() const;
-    SndChannel* GetFadeOutChannel() const { return fadeOutChannel; }
-    void SetFadeOutChannel(SndChannel* channel) { fadeOutChannel = channel; }
+    SndChannel* GetFadeOutChannel() const { return extras ? extras->fadeOutChannel : nullptr; }
+    void SetFadeOutChannel(SndChannel* channel) { SetExtra(&Extras::fadeOutChannel, channel); }
 
     /// The flags of SndFlags, one each.
     bool Is3D() const { return HasAnyFlag(Flag3D); }
@@ -269,7 +273,7 @@ public:
     int IsPlaying() const { return static_cast<int>(GetSndFlags() & FlagPlaying); }
     void SetIsPlaying(bool on) { SetFlags(FlagPlaying, on); }
     /// Whether a driver channel plays it, including a fade-out.
-    bool IsAudible() const { return sndChannel || fadeOutChannel; }
+    bool IsAudible() const { return sndChannel || GetFadeOutChannel(); }
     void AddFlags(std::uint32_t mask) { rowHead->flags |= mask; }
     void ClearFlags(std::uint32_t mask) { rowHead->flags &= ~mask; }
     /// Overwrites all flags.
@@ -335,8 +339,8 @@ protected:
 
     /// Advances the file by `samples` sample frames, around a loop or along the queue.
     void SkipSamples(int samples);
-    /// Replaces a list owned by another instance by a copy that this sound owns and may change.
-    void OwnFXList();
+    /// Returns the effects to change them. A list owned by another instance is replaced by a copy first.
+    SndFXList& OwnFXList();
 
     /// Sets or clears the flags in the mask.
     void SetFlags(std::uint32_t mask, bool on) { on ? AddFlags(mask) : ClearFlags(mask); }
@@ -347,15 +351,12 @@ protected:
         if (sndChannel && (sndChannel->*getter)(record)) {
             return true;
         }
-        const SndFXDesc* desc = fxList.GetFXDesc(effect);
+        const SndFXDesc* desc = GetExtras().fxList.GetFXDesc(effect);
         if (desc) {
             *record = *static_cast<const Record*>(desc->GetRecord());
         }
         return desc != nullptr;
     }
-
-private:
-    friend class SndKernel;
 
     /// What the channel that fades out needs to resume after a pause.
     struct FadeOutState
@@ -366,25 +367,39 @@ private:
         int ms = 0;
         std::uint32_t since = 0; ///< On the kernel's clock; during a pause, the milliseconds elapsed.
     };
-    /// What few sounds need, allocated when it is first set.
+    /// What few sounds need, allocated when it is first set. Setting a default value does not allocate.
     struct Extras : Allocated
     {
         DefinitionState* limitedBy = nullptr;
+        /// The effects. The block is this sound's own unless FlagSharedFXList is set.
+        SndFXList fxList;
+        std::uint32_t newFrequency = 0;
+        int delay = 0;
+        int startSample = 0;
         std::uint32_t startOffsetMs = 0;
+        int fadeDuration = 0;
         float lowPass = 1.0F;
         int loopStart = 0; ///< As requested, in sample frames.
         int loopEnd = 0; ///< 0: the end of the file.
         float frequencyFactor = 1.0F; ///< For the rate of a file that is not open yet.
+        SndChannel* fadeOutChannel = nullptr;
         FadeOutState fadingOut;
         std::uint32_t fadeInPassed = 0; ///< Milliseconds of the fade-in played before a pause.
         std::uint32_t pausedMoves = 0; ///< How often the listener had moved when the pause began,
         std::uint32_t pausedStateMs = 0; ///< Its state time then,
         std::uint32_t pausedSince = 0; ///< and when that was on the kernel's clock.
+
+        // Of a positional sound.
+        float innerConeAngle = 0.0F; ///< This and the next two describe the cone while it is in use.
+        float outerConeAngle = 0.0F;
+        float coneGain = 0.0F;
+        float doppler = 1.0F; ///< Factor on the Doppler effect.
+        float sentPitch = 1.0F; ///< The last pitch sent to the channel.
+        std::unique_ptr<Motion> motion; ///< Since the Doppler effect was on.
     };
 
     const Extras& GetExtras() const;
     Extras& UseExtras();
-    /// Allocates nothing for a default value.
     template<class T>
     void SetExtra(T Extras::*field, const T& value)
     {
@@ -392,6 +407,10 @@ private:
             UseExtras().*field = value;
         }
     }
+
+private:
+    friend class SndKernel;
+
     void CopyExtras(const SndBase& other);
 
     /// For a positional sound: gets the position of its node.
@@ -431,40 +450,37 @@ private:
     static int NextSoundID();
     static constexpr std::uint32_t noTablePlace = 0xFFFFFFFF;
 
+    // What an update and a look-up read comes first, next to the position of a positional sound.
     const std::uint32_t rowNumber; ///< Of Row().
     int soundID;
     SoundRowHead* const rowHead; ///< Row() itself.
-    SndFile* sndFile = nullptr; ///< Lags the sound's playback position while that is counted.
     SndChannel* sndChannel = nullptr;
-    SndChannel* fadeOutChannel = nullptr;
-    void* parent = nullptr;
-    PString fileName;
-    PString substName;
-    PString definitionName;
-    std::uint32_t newFrequency = 0;
-    std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
-    int delay = 0;
-    int startSample = 0;
-    int fadeDuration = 0;
-    float gain = 1.0F;
-    std::int64_t startGameTime = 0; ///< When it is to begin, on the kernel's StartClock,
-    std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
-    std::uint32_t startSerial = 0; ///< Serial number of this start among all sounds; 0 before the first.
-    std::uint32_t tablePlace = noTablePlace; ///< Its index in the kernel's table.
-    int countedSamples = 0; ///< While Row() counts: the position in the file at which that ends.
-    std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the current reason was set.
-    std::uint32_t startedAt = 0; ///< On the kernel's clock.
-    std::unique_ptr<Extras> extras;
-
-protected:
-    /// The effects. The block is this sound's own unless FlagSharedFXList is set.
-    SndFXList fxList;
-
-private:
     std::uint16_t traced = 0; ///< The state last reported to the trace; 0 for none.
     bool inNotification = false;
     bool ended = false; ///< Done() has begun.
     bool hasRunOut = false; ///< It has reached its end as a virtual sound.
+
+protected:
+    /// Of a positional sound: whether its cone has an effect, and the axis of the node that is its direction.
+    bool isConeInUse = true;
+    std::int8_t coneAxis = -3;
+
+private:
+    SndFile* sndFile = nullptr; ///< Lags the sound's playback position while that is counted.
+    void* parent = nullptr;
+    PString fileName;
+    PString substName;
+    PString definitionName;
+    std::unique_ptr<Extras> extras;
+    std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
+    float gain = 1.0F;
+    std::uint32_t startSerial = 0; ///< Serial number of this start among all sounds; 0 before the first.
+    std::uint32_t tablePlace = noTablePlace; ///< Its index in the kernel's table.
+    std::int64_t startGameTime = 0; ///< When it is to begin, on the kernel's StartClock,
+    std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
+    std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the current reason was set.
+    std::uint32_t startedAt = 0; ///< On the kernel's clock.
+    int countedSamples = 0; ///< While Row() counts: the position in the file at which that ends.
 
     static int lastSoundID;
 };

@@ -95,8 +95,9 @@ void SndBase::SkipSamples(int samples)
 // The start position of the sound in its files.
 int SndBase::TakeStartSamples()
 {
-    std::int64_t samples = std::exchange(startSample, 0);
+    std::int64_t samples = GetExtras().startSample;
     const std::uint32_t offsetMs = GetExtras().startOffsetMs;
+    SetStartSample(0);
     SetExtra(&Extras::startOffsetMs, 0U);
     if (offsetMs > 0 && sndFile) {
         samples += std::int64_t{offsetMs} * sndFile->GetSampleFrequency() / static_cast<int>(msPerSecond);

@@ -13,8 +13,7 @@ bool SndBase::AddEffect(SndFX effect, const void* record, unsigned long size, lo
         return false;
     }
     return OrNothing([&] {
-        OwnFXList();
-        fxList.AddFX(effect, record, size, quality);
+        OwnFXList().AddFX(effect, record, size, quality);
         ClearFlags(FlagChgFrequency);
         SetNewFrequency(0);
         return true;
@@ -121,22 +120,32 @@ bool SndBase::GetFXEnvReverbSourceProperties(FXEnvReverbSourceProperties*)
     return false;
 }
 
-void SndBase::OwnFXList()
+SndFXList& SndBase::OwnFXList()
 {
-    if (!HasAnyFlag(FlagSharedFXList)) {
-        return;
+    SndFXList& fxList = UseExtras().fxList;
+    if (HasAnyFlag(FlagSharedFXList)) {
+        fxList = fxList.Duplicate();
+        ClearFlags(FlagSharedFXList);
     }
-    fxList = fxList.Duplicate();
-    ClearFlags(FlagSharedFXList);
+    return fxList;
 }
 
 void SndBase::SetThisFXList(const SndFXList& newList)
 {
-    const bool isOwnBlock = !HasAnyFlag(FlagSharedFXList) && fxList.GetBlock() != newList.GetBlock();
-    if (isOwnBlock) {
-        fxList.Clear();
+    if (GetThisFXList().GetBlock() == newList.GetBlock()) {
+        return;
     }
-    fxList = newList;
+    const bool isOwner = !HasAnyFlag(FlagSharedFXList);
+    if (!OrNothing([this] { return &UseExtras(); })) {
+        if (isOwner) {
+            SndFXList(newList).Clear();
+        }
+        throw std::bad_alloc();
+    }
+    if (isOwner) {
+        extras->fxList.Clear();
+    }
+    extras->fxList = newList;
 }
 
 void SndBase::SetCopyFXList(const SndFXList& newList)

@@ -11,7 +11,7 @@ namespace Quon
 
 void SndBase::SetFadeIn(int ms)
 {
-    fadeDuration = ms;
+    SetExtra(&Extras::fadeDuration, ms);
     AddFlags(FlagFadeIn);
 }
 
@@ -116,13 +116,13 @@ float SndBase::GetDistSqr() const
 
 void SndBase::SetDelay(int ms)
 {
-    delay = ms;
+    SetExtra(&Extras::delay, ms);
     Row().SetMark(RowDelayed, ms > 0);
 }
 
 void SndBase::SetNewFrequency(unsigned long hz)
 {
-    newFrequency = static_cast<std::uint32_t>(hz);
+    SetExtra(&Extras::newFrequency, static_cast<std::uint32_t>(hz));
     SetExtra(&Extras::frequencyFactor, 1.0F);
     if (Row().HasMark(RowCounted)) {
         NoteRate();

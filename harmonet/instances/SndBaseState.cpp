@@ -114,7 +114,7 @@ void SndBase::FillOwnState(SoundState& state) const
     Assign(state.definition, definitionName);
     Assign(state.fileName, fileName);
     state.priority = row.priority;
-    state.delayMs = delay;
+    state.delayMs = GetDelay();
     state.distance = std::sqrt(row.distSqr);
     state.maxDistance = row.maxDistance;
     state.multiplier = row.multiplier;

@@ -226,7 +226,8 @@ bool Sound::IsSoundPaused(int id) const
 bool Sound::FadeOutSound(int id, unsigned int ms)
 {
     SndBase* sound = FindSound(id);
-    return sound && !sound->IsInNotification() && sound->FadeOut(static_cast<int>(ms));
+    return sound && !sound->IsInNotification() &&
+        OrNothing([&] { return sound->FadeOut(static_cast<int>(ms)); });
 }
 
 int Sound::Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay)
@@ -292,14 +293,17 @@ int Sound::Play(int id, int flags, int priority, int delay, SetUp setUp)
     if (!sound) {
         return 0;
     }
-    if (priority != 0) {
-        sound->SetPriority(priority);
-    }
-    if (delay != 0 && !sound->IsPlaying()) {
-        sound->SetDelay(delay);
-    }
-    setUp(*sound);
-    if (StartSound(*sound, flags)) {
+    const bool isSetUp = OrNothing([&] {
+        if (priority != 0) {
+            sound->SetPriority(priority);
+        }
+        if (delay != 0 && !sound->IsPlaying()) {
+            sound->SetDelay(delay);
+        }
+        setUp(*sound);
+        return true;
+    });
+    if (isSetUp && StartSound(*sound, flags)) {
         return id;
     }
     DeleteSound(id);

@@ -115,12 +115,13 @@ int Sound::MakePolyline(
     main.SetLimitedBy(nullptr);
     main.AddFlags(FlagLooping | FlagSharedFXList | FlagPolylineSource | FlagInPause);
     made->AdoptSourceFX(main.GetThisFXList());
+    main.ReserveExtras();
     sources.ids[0] = static_cast<unsigned int>(main.GetSoundID());
     for (unsigned int i = 1; i < numSources; ++i) {
-        auto* copy = new Snd3D(main);
+        auto copy = std::make_unique<Snd3D>(main);
         copy->SetThisFXList(main.GetThisFXList());
         copy->SetStartSample(samplesApart * static_cast<int>(i));
-        sources.ids[sources.count] = static_cast<unsigned int>(AddSound(copy));
+        sources.ids[sources.count] = static_cast<unsigned int>(AddSound(copy.release()));
         ++sources.count;
     }
     made->Init(points, static_cast<int>(numPoints), sources.ids, static_cast<int>(numSources), minAngle);

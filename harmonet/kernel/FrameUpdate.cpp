@@ -148,7 +148,7 @@ int SndKernel::CountDownDelays(const Vector3& listener)
 {
     int due = 0;
     GetList(ListID::Waiting).ForEach([&](SndBase& sound) {
-        const auto left = static_cast<std::int64_t>(sound.delay) - static_cast<std::int64_t>(elapsed);
+        const auto left = std::int64_t{sound.GetDelay()} - static_cast<std::int64_t>(elapsed);
         sound.SetDelay(left > 0 ? static_cast<int>(left) : 0);
         if (left > 0 || sound.GetInPause()) {
             return;

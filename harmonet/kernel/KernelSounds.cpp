@@ -110,7 +110,7 @@ void SndKernel::MarkStarted(SndBase& sound, bool isNow)
 {
     sound.startSerial = ++startCounter;
     sound.startedAt = clockMs;
-    const int delay = sound.IsImmediately() ? 0 : sound.delay;
+    const int delay = sound.IsImmediately() ? 0 : sound.GetDelay();
     sound.startGameTime = startClock.GetGameTime(GetGatheredMicroseconds(), delay);
     sound.startMachineTime = isNow ? StartClock::now : StartClock::GetMachineTime(delay);
     sound.Row().SetMark(RowNewcomer, takesNewcomers);
@@ -213,10 +213,10 @@ void SndKernel::DeleteInaudible(SndBase& sound)
 void SndKernel::BeginFadeIn(const SndBase& sound, SndChannel& channel)
 {
     const auto passed = static_cast<int>(sound.GetExtras().fadeInPassed);
-    if (!sound.IsFadeIn() || (passed > 0 && passed >= sound.fadeDuration)) {
+    if (!sound.IsFadeIn() || (passed > 0 && passed >= sound.GetFadeDuration())) {
         return;
     }
-    channel.FadeIn(sound.fadeDuration);
+    channel.FadeIn(sound.GetFadeDuration());
     if (passed > 0) {
         channel.SkipFade(passed);
     }
@@ -224,7 +224,7 @@ void SndKernel::BeginFadeIn(const SndBase& sound, SndChannel& channel)
 
 bool SndKernel::StartChannel(SndBase* sound)
 {
-    const bool isFull = !sound->fadeOutChannel && GetAudibleCount() >= maxAudible && !sound->IsMusic();
+    const bool isFull = !sound->GetFadeOutChannel() && GetAudibleCount() >= maxAudible && !sound->IsMusic();
     if (!driver || isFull || (sound->Is3D() && !activeMicrophone)) {
         return false;
     }
@@ -237,7 +237,7 @@ bool SndKernel::StartChannel(SndBase* sound)
         }
         sound->SetSoundLength(file->GetSoundLength());
     }
-    SndChannel* channel = driver->CreateChannel(sound->GetChannelFlags(), file, sound->fxList);
+    SndChannel* channel = driver->CreateChannel(sound->GetChannelFlags(), file, sound->GetThisFXList());
     if (!channel) {
         if (isNewFile) {
             delete file;
@@ -285,8 +285,8 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
         sound.SetStateTime(sound.GetExtras().pausedStateMs);
         sound.Row().SetMark(RowReturns, false);
     }
-    if (sound.newFrequency != 0) {
-        channel->SetFrequency(sound.newFrequency);
+    if (const unsigned long hz = sound.GetNewFrequency()) {
+        channel->SetFrequency(hz);
     }
     if (isBeginning) {
         channel->SetStartTime(startClock.GetSinceUpdate(sound.startGameTime, updating),
@@ -315,7 +315,7 @@ bool SndKernel::StartMusic(SndBase& instance)
 
 void SndKernel::GiveUpFile(SndBase& instance)
 {
-    if (!instance.fadeOutChannel && !instance.GetExtras().fadingOut.file) {
+    if (!instance.GetFadeOutChannel() && !instance.GetExtras().fadingOut.file) {
         Unlist(instance);
     }
     instance.SetExtra(&SndBase::Extras::fadeInPassed, 0U);
@@ -428,7 +428,7 @@ SndBase* SndKernel::FindByChannel(const SndChannel* channel)
 {
     SndBase* found = nullptr;
     GetList(ListID::Playing).ForEach([&](SndBase& sound) {
-        if (channel && (sound.sndChannel == channel || sound.fadeOutChannel == channel)) {
+        if (channel && (sound.sndChannel == channel || sound.GetFadeOutChannel() == channel)) {
             found = &sound;
         }
     });
@@ -446,7 +446,7 @@ void SndKernel::OnChannelEnded(SndChannel* channel)
         sound->sndChannel = nullptr;
     }
     else {
-        sound->fadeOutChannel = nullptr;
+        sound->SetFadeOutChannel(nullptr);
         SndFile* file = channel->GetSndFile();
         channel->SetSndFile(nullptr);
         SndBase::NotificationScope notification(*sound);

@@ -163,11 +163,11 @@ void SndKernel::ResumeHeard(SndBase& sound)
     if (sound.GetExtras().fadingOut.file) {
         ResumeFadeOut(sound);
     }
-    if (sound.fadeOutChannel) {
+    if (sound.GetFadeOutChannel()) {
         Insert(sound, ListID::Playing);
     }
     if (!sound.sndFile || sound.IsMusic()) {
-        const bool goesOn = sound.sndFile ? StartChannel(&sound) : sound.fadeOutChannel != nullptr;
+        const bool goesOn = sound.sndFile ? StartChannel(&sound) : sound.GetFadeOutChannel() != nullptr;
         if (!goesOn) {
             delete &sound;
         }
@@ -190,7 +190,7 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
 {
     SndBase::FadeOutState& fade = sound.UseExtras().fadingOut;
     SndFile* file = std::exchange(fade.file, nullptr);
-    SndChannel* channel = driver->CreateChannel(fade.flags, file, sound.fxList);
+    SndChannel* channel = driver->CreateChannel(fade.flags, file, sound.GetThisFXList());
     if (!channel) {
         SndBase::NotificationScope notification(sound);
         sound.CloseAndDelete(file);
@@ -209,14 +209,14 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
     sound.sndChannel = nullptr;
     sound.SetIsPlaying(hasBegun);
     sound.TakeFile(own);
-    if (sound.newFrequency != 0) {
-        channel->SetFrequency(sound.newFrequency);
+    if (const unsigned long hz = sound.GetNewFrequency()) {
+        channel->SetFrequency(hz);
     }
     SetUpChannel(sound, *channel);
     channel->Play();
     channel->FadeOut(fade.ms);
     channel->SkipFade(static_cast<int>(fade.since));
-    sound.fadeOutChannel = channel;
+    sound.SetFadeOutChannel(channel);
     fade.since = clockMs - fade.since;
 }
 

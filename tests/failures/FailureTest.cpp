@@ -23,6 +23,20 @@ bool PlayResource(SmallGame& game, const char* name, int flags)
     return game.group.Play3DSound(position, name, &game.folder.GetDatabase(), flags, 0, settings, 0) != 0;
 }
 
+// With settings that take memory of their own.
+bool PlayTurned(SmallGame& game)
+{
+    const Quaternion turned{0.0F, 1.0F, 0.0F, 0.0F};
+    Sound::Settings settings;
+    settings.setCone = true;
+    settings.innerConeAngle = 90.0F;
+    const int id =
+        game.group.Play3DSound(Vector3(), turned, "a.wav", nullptr, Sound::StartImmediately, 0, settings, 20);
+    const bool isDone = id != 0 && game.group.FadeOutSound(id, 100);
+    game.group.StopSound(id);
+    return isDone;
+}
+
 bool PlayBlock(SmallGame& game)
 {
     MemoryBlock& block = game.folder.GetBlocks().front();
@@ -71,6 +85,7 @@ const std::vector<FallibleAction> fallibleActions = {
     {"a resource", true, nullptr, [](SmallGame& game) { return PlayResource(game, "a.wav", 0); }},
     {"a definition with effects", true, nullptr,
         [](SmallGame& game) { return PlayResource(game, "hall.sound.txt", Sound::StartImmediately); }},
+    {"a turned sound with a cone and a delay, which fades out", true, nullptr, PlayTurned},
     {"a line", true, nullptr, [](SmallGame& game) { return PlayResource(game, "river.sound.txt", 0); }},
     {"a definition that varies and has limits", true, nullptr,
         [](SmallGame& game) { return PlayResource(game, "steps.sound.txt", 0); }},
