@@ -97,25 +97,6 @@ TEST_F(TextDocs, ExamplesLoadAsDocumented)
         "120");
 }
 
-// A full disk or a broken copy leaves any prefix. It loads as soon as there is a name for the sound file, and
-// what it holds is what the prefix says.
-TEST_F(TextDocs, EveryTruncationOfAnExampleLoadsOnceTheFileIsNamed)
-{
-    const std::string text = GetExample("## Example");
-    const std::string name = "engine_loop.wav";
-    const std::size_t nameAt = text.find(name);
-    for (std::size_t kept = 1; kept <= text.size(); ++kept) {
-        SCOPED_TRACE("kept " + std::to_string(kept) + " bytes");
-        Forget();
-        Load(text.substr(0, kept));
-        const bool isNamed = kept > nameAt;
-        EXPECT_EQ(LoadAgain() == 0, isNamed);
-        const std::size_t nameLength = isNamed ? std::min(kept - nameAt, name.size()) : 0;
-        EXPECT_EQ(GetDefinition().GetFileName().GetView(), name.substr(0, nameLength));
-        EXPECT_EQ(GetDefinition().GetLooping(), kept >= text.find("true") + 4);
-    }
-}
-
 // Each row of a setting: the default, written into a definition, changes nothing.
 TEST_F(TextDocs, DefaultSettingsMatchTheLibrary)
 {

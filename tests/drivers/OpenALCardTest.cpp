@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <numbers>
 
 namespace Quon
 {
@@ -65,37 +64,6 @@ protected:
     FickleMachine machine;
     DriverRig rig{machine.MakeDriver()};
 };
-
-// A machine that is busy with other things starves the device, which cuts the sound off now and then. A stop
-// that clicks does so each time.
-TEST_F(OpenALCard, StoppedAndResumedSoundsDoNotClick)
-{
-    constexpr int stops = 20;
-    constexpr size_t clickFrames = rateHz / 10;
-    FormulaFile& file = rig.Make({100 * rateHz}, Sine(97, 0.8, rateHz));
-    ASSERT_TRUE(rig.Open(rateHz, 8, 1000));
-    for (int i = 0; i < stops; ++i) {
-        SndChannel* channel = nullptr;
-        const auto play = [&] { channel = rig.Play(file); };
-        const auto stop = [&] { channel->Stop(); };
-        // Within an update settings are held back to its end, outside of it they are not.
-        i % 2 == 0 ? rig.Step(40, play) : play();
-        ASSERT_TRUE(file.WaitUntilRead(file.GetFramesRead() + rateHz / 3 + i * 41));
-        i % 3 == 0 ? rig.Step(40, stop) : stop();
-    }
-    const Rendering heard = CloseAndRead();
-    EXPECT_GT(heard.Level(0, heard.GetFrames(), 0), 0.1);
-    const double steepest = 2 * 0.8 * 2 * std::numbers::pi * 97 / rateHz;
-    int clicks = 0;
-    for (size_t i = 1; i < heard.GetFrames(); ++i) {
-        if (heard.LargestStep(i, i + 1) > steepest) {
-            ++clicks;
-            i += clickFrames;
-        }
-    }
-    RecordProperty("clicks", clicks);
-    EXPECT_LT(clicks, stops / 2);
-}
 
 /// How often a steadily rising sound is interrupted. A busy machine can cause gaps, but none of the sound may
 /// be lost in them.

@@ -3,7 +3,6 @@
 #include "harmonet/files/SndNodeCache.h"
 
 #include <algorithm>
-#include <limits>
 #include <random>
 #include <tuple>
 
@@ -22,26 +21,6 @@ protected:
 
     SndNodeCache cache;
 };
-
-TEST_F(NodeCache, TruncatedFilesStreamAndInvalidFilesAreNotKept)
-{
-    constexpr unsigned long room = std::numeric_limits<unsigned long>::max();
-    cache.SetLimit(room);
-    for (const std::uint32_t stated : {60U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
-        SCOPED_TRACE(stated);
-        folder.Write("sound", PcmWave(1, 8000, 8, Counting(50), stated));
-        const auto file = OpenSound("sound");
-        ASSERT_NE(file, nullptr);
-        EXPECT_FALSE(file->IsCached());
-        EXPECT_EQ(ReadAll(*file), Counting(50));
-    }
-    folder.Write("noise", Counting(50));
-    EXPECT_EQ(OpenSound("noise"), nullptr);
-    EXPECT_EQ(OpenSound("missing"), nullptr);
-    EXPECT_EQ(cache.GetCount(), 0);
-    EXPECT_EQ(cache.GetFreeBytes(), room);
-    EXPECT_EQ(openFiles.GetCount(), 0);
-}
 
 constexpr unsigned long limit = 120;
 

@@ -21,37 +21,6 @@ protected:
     Music music;
 };
 
-// One sound in each state; the audible one is too short to continue as a virtual voice.
-TEST_F(PauseTest, NothingMovesIsLostOrNotified)
-{
-    system.SetMaxAudibleSounds(1);
-    const int heard = Play(brief, 0, 2);
-    Step(40);
-    const int virtualSound = Play(file, 0, 1);
-    const int waiting = Play(file, 0, 0, 500);
-    StepTimes(2, 40);
-    EXPECT_EQ(Emulated(), Ids{virtualSound});
-    SoundSystem::PauseAll();
-    Step(40);
-    const auto read = [&] {
-        return std::vector<unsigned long>{group->GetRemainLength(heard), group->GetRemainLength(virtualSound),
-            static_cast<unsigned long>(Find(waiting)->GetDelay())};
-    };
-    const std::vector<unsigned long> before = read();
-    EXPECT_EQ(before[2], 500U - 3 * 40);
-    TakeLog();
-    StepTimes(100, 40);
-    EXPECT_EQ(CountPaused(), 3);
-    EXPECT_EQ(ChannelOf(heard), 0);
-    SoundSystem::ResumeAll();
-    Step(40);
-    EXPECT_EQ(read(), before);
-    EXPECT_EQ(Playing(), Ids{heard});
-    EXPECT_EQ(Emulated(), Ids{virtualSound});
-    EXPECT_EQ(Waiting(), Ids{waiting});
-    EXPECT_EQ(TakeLog({"begin", "end", "abort"}), Lines());
-}
-
 TEST_F(PauseTest, ThePausedSoundsChannelIsFreeForOthers)
 {
     system.SetMaxAudibleSounds(1);

@@ -219,35 +219,6 @@ TEST_F(RunningTest, RemainingAndPlayedTimeFollowTheState)
     EXPECT_EQ(group->GetRemainLength(loop), 0xFFFFFFFFU);
 }
 
-// A file that is torn while it plays is the end of the sound, not of the program: what has vanished is still
-// open, what has shrunk delivers what there is.
-TEST_F(RunningTest, FilesMayVanishOrShrinkWhilePlaying)
-{
-    SetOption("SoundCacheSize", "0");
-    system.Done();
-    EXPECT_TRUE(Start());
-    for (const bool vanishes : {true, false}) {
-        const int id = NewQueue({1000, 900});
-        const int late = group->Play2DSound(FileOf(1000), nullptr, 0, 0, 500);
-        group->StartSound(id, Sound::StartImmediately);
-        const int channel = ChannelOf(id);
-        EXPECT_EQ(recording.Read(channel, 100), 100);
-        if (vanishes) {
-            folder.Remove("1000.wav");
-        }
-        else {
-            folder.Resize("1000.wav", 44 + 300);
-        }
-        EXPECT_EQ(recording.Read(channel, 900), vanishes ? 900 : 50);
-        folder.Remove("900.wav");
-        StepWithNextFile(channel);
-        StepWithEnd(channel);
-        EXPECT_EQ(Find(id), nullptr);
-        StepTimes(20, 40);
-        group->StopSound(late);
-    }
-}
-
 // Sounds whose data are coded run through the whole system as plain waves do, round a loop or along a queue.
 TEST_F(RunningTest, CompressedFilesResumeAtTheRightSampleAfterBeingVirtual)
 {

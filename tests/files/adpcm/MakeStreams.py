@@ -3,9 +3,9 @@
 
 Run by hand, with sox installed; the results are kept in the tree. The sound of sox-* is a chord that swells into noise
 and clips, so that several coefficient pairs and all codes occur; the expected PCM is what sox decodes. The codes of
-wild-* are random, and large in every other block on average. There sox and FFmpeg differ from each other in rounding
-and clamping, so the expected PCM is that of decode_block(), which follows the published formulas. The last block is
-incomplete.
+wild-* are random, in every other block on average first large and then small. sox and FFmpeg differ from each other in
+rounding and clamping there, so the expected PCM is that of decode_block(), which follows the published formulas. The
+last block is incomplete.
 """
 
 import pathlib
@@ -53,7 +53,11 @@ def make_wild(name, channels, align, seed):
     blocks = []
     for size in [align] * 40 + [7 * channels + (align - 7 * channels) // 2]:
         large = dice.random() < 0.5
-        codes = [0x88 - 0x11 * dice.randrange(2) if large else dice.randrange(256) for _ in range(size - channels)]
+        codes = [dice.randrange(256) for _ in range(size - channels)]
+        if large:
+            # The delta rises to its limit and falls again.
+            ends = [0x88 - 0x11 * dice.randrange(2) for _ in codes[:10 * channels]]
+            codes = ends + [code & 0x11 for code in codes[10 * channels:]]
         blocks.append(bytes([dice.randrange(7) for _ in range(channels)] + codes))
     frames = 2 + (align - 7 * channels) * 2 // channels
     form = struct.pack("<HHIIHHHHH", 2, channels, RATE_HZ, RATE_HZ * align // frames, align, 4, 32, frames, 7)

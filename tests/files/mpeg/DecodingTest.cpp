@@ -73,68 +73,6 @@ void ExpectConformance(const std::vector<int>& pcm, const std::vector<int>& refe
     EXPECT_LE(std::sqrt(squares / static_cast<double>(reference.size())), 0.80);
 }
 
-/// Reads bit by bit; after the end it reads 0.
-struct Bits
-{
-    int Take(int count)
-    {
-        int result = 0;
-        for (; count > 0; --count, ++position) {
-            const bool isThere = position / 8 < std::ssize(bytes);
-            result = 2 * result + (isThere ? bytes[position / 8] >> (7 - position % 8) & 1 : 0);
-        }
-        return result;
-    }
-
-    /// One code of a table, found by comparing with each code of the list; returns its two values.
-    std::array<int, 2> TakeCode(int table)
-    {
-        const HuffmanSource& source = huffmanSources[table];
-        const int start = position;
-        for (int i = source.firstCode; i < source.firstCode + source.codeCount; ++i) {
-            position = start;
-            if (Take(huffmanCodes[i].length) == static_cast<int>(huffmanCodes[i].code)) {
-                return {huffmanCodes[i].first, huffmanCodes[i].second};
-            }
-        }
-        return {};
-    }
-
-    int Finish(int value, int linbits)
-    {
-        if (value == 15) {
-            value += Take(linbits);
-        }
-        return value != 0 && Take(1) != 0 ? -value : value;
-    }
-
-    const Bytes& bytes;
-    int position = 0;
-};
-
-/// The spectrum of four pairs of one table and then of quadruples, up to the end of the budget of bits. The
-/// last quadruple is dropped if it goes beyond.
-std::vector<int> WalkThroughCodes(const Bytes& bytes, int table, int budget)
-{
-    Bits bits{bytes};
-    std::vector<int> values;
-    while (values.size() < 8 && bits.position < budget) {
-        for (const int value : bits.TakeCode(table)) {
-            values.push_back(bits.Finish(value, huffmanSources[table].linbits));
-        }
-    }
-    while (bits.position < budget) {
-        const int quadruple = bits.TakeCode(count1TableBase)[0];
-        for (int shift = 3; shift >= 0; --shift) {
-            values.push_back(bits.Finish(quadruple >> shift & 1, 0));
-        }
-    }
-    if (bits.position > budget && values.size() >= 4) {
-        values.resize(values.size() - 4);
-    }
-    return values;
-}
-
 } // namespace
 
 TEST(Decoding, MatchesAnotherDecoder)
@@ -225,40 +163,6 @@ TEST(Decoding, DepartsFromTheStandardOnlyAsDocumented)
         // One of the references lacks the last frames.
         standard.resize(std::min(standard.size(), stride * reference.size()));
         ExpectSameSound(standard, reference, stride);
-    }
-}
-
-// One code, then ones: full linbits and negative signs, on to
-// whatever that gives.
-TEST(Decoding, ReadsEveryHuffmanCode)
-{
-    constexpr int budget = 60;
-    for (int table = 1; table < count1TableBase; ++table) {
-        const HuffmanSource& source = huffmanSources[table];
-        GranuleInfo info = {};
-        info.big_values = 4;
-        info.region1Start = info.region2Start = linesPerGranule;
-        info.table_select[0] = table;
-        for (int i = source.firstCode; i < source.firstCode + source.codeCount; ++i) {
-            SCOPED_TRACE("table " + std::to_string(table) + ", code " + std::to_string(i));
-            Bytes bytes(2308, 0xFF);
-            const unsigned long long code = static_cast<unsigned long long>(huffmanCodes[i].code + 1)
-                << (64 - huffmanCodes[i].length);
-            for (int byte = 0; byte < 8; ++byte) {
-                bytes[byte] = static_cast<unsigned char>((code - 1) >> (56 - 8 * byte));
-            }
-            const std::vector<int> values = WalkThroughCodes(bytes, table, budget);
-            const int lineCount = static_cast<int>(values.size());
-            OnAllKernels([&](const DecoderKernels& kernels) {
-                float lines[spectrumStride];
-                ASSERT_EQ(kernels.decodeLines(Tables(), info, bytes.data(), 0, budget, lines), lineCount);
-                for (int line = 0; line < linesPerGranule; ++line) {
-                    const int value = line < lineCount ? values[line] : 0;
-                    const auto power = static_cast<float>(std::pow(std::abs(value), 4.0 / 3.0));
-                    ASSERT_FLOAT_EQ(lines[line], value < 0 ? -power : power) << "line " << line;
-                }
-            });
-        }
     }
 }
 
