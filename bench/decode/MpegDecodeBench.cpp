@@ -36,7 +36,7 @@ std::vector<std::span<const unsigned char>> SplitFrames(const Bytes& stream)
         if (!Quon::IsPlayable(header)) {
             break;
         }
-        const auto bytes = static_cast<std::size_t>(Quon::FrameBytes(header) + Quon::frameHeaderBytes);
+        const std::size_t bytes = static_cast<std::size_t>(Quon::FrameBytes(header)) + Quon::frameHeaderBytes;
         if (position + bytes > stream.size()) {
             break;
         }

@@ -55,7 +55,8 @@ public:
             files.back()->OpenMemory(pcm.data(), pcm.size() * sizeof pcm[0], &wave);
             auto* const channel =
                 driver->CreateChannel(Quon::ChanPositional | Quon::ChanLooping, files.back().get(), effects);
-            channel->SetPosition({static_cast<float>(i - soundCount / 2), 0.0F, -2.0F});
+            const int place = i - soundCount / 2;
+            channel->SetPosition({static_cast<float>(place), 0.0F, -2.0F});
             channel->Play();
         }
     }

@@ -66,7 +66,7 @@ int ReadPiece(SndFile& file, int wanted, Pcm& pcm, bool isExact)
     Require(given >= 0 && given <= wanted, "a read returns at most the requested sample frames");
     Require(!isExact || file.GetCurrentSample() == before + given, "the position advances by what was read");
     pcm.isPlain = pcm.isPlain && given == wanted && FrameBytes(file) == frameBytes;
-    buffer.resize(static_cast<std::size_t>(given * FrameBytes(file)));
+    buffer.resize(static_cast<std::size_t>(given) * static_cast<std::size_t>(FrameBytes(file)));
     pcm.bytes.insert(pcm.bytes.end(), buffer.begin(), buffer.end());
     pcm.sampleFrames += given;
     return given;
