@@ -1,5 +1,6 @@
 // Allocation of channels when more sounds compete than may be audible: gather, decide, apply.
 
+#include "harmonet/kernel/Growth.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundWalk.h"
 
@@ -75,7 +76,7 @@ std::size_t SndKernel::GatherContenders(ListID id)
 {
     constexpr std::uint32_t maxStateTime = 0xFFFF;
     const std::size_t first = contenders.size();
-    contenders.resize(first + static_cast<std::size_t>(GetList(id).GetCount()));
+    ResizeTo(contenders, first + static_cast<std::size_t>(GetList(id).GetCount()));
     Contender* contender = contenders.data() + first;
     GetList(id).Compact([&](const SoundRow& row) {
         *contender++ = {row.priority, row.distSqr, row.nameNumber,

@@ -1,5 +1,6 @@
 #include "harmonet/kernel/Decide.h"
 
+#include "harmonet/kernel/Growth.h"
 #include "harmonet/kernel/Importance.h"
 
 #include <algorithm>
@@ -231,9 +232,9 @@ void Decide(
     std::span<const Contender> contenders, const ContenderCounts& counts, int limit, Decision& decision)
 {
     decision.chosen.clear();
-    decision.ranking.resize(contenders.size());
-    decision.multipliers.resize(contenders.size());
-    decision.keys.resize(contenders.size());
+    ResizeTo(decision.ranking, contenders.size());
+    ResizeTo(decision.multipliers, contenders.size());
+    ResizeTo(decision.keys, contenders.size());
     decision.reasons.assign(contenders.size(), SoundReason::None);
     RankPlainly(contenders, decision);
     RateDuplicates(contenders, decision);

@@ -1,5 +1,7 @@
 #include "harmonet/kernel/SndList.h"
 
+#include "harmonet/kernel/Growth.h"
+
 #include <algorithm>
 #include <cassert>
 
@@ -131,7 +133,7 @@ void SndList::Merge()
         return left.key != right.key ? left.key < right.key : IsAfter(left.entry.serial, right.entry.serial);
     });
     std::size_t end = order.size();
-    order.resize(end + added.size());
+    ResizeTo(order, end + added.size());
     std::size_t gap = order.size();
     for (; !added.empty(); added.pop_back()) {
         const std::size_t place = FindPlace(end, added.back().key);
