@@ -65,7 +65,6 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/kernel/HarmonetStrings.h
     harmonet/kernel/HarmonetTask.h
     harmonet/kernel/QuonGetPlugins.h
-    harmonet/kernel/Motion.h
     harmonet/kernel/SoundState.h
     harmonet/kernel/SoundSystem.h
     harmonet/kernel/SoundTrace.h

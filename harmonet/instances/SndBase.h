@@ -362,44 +362,47 @@ protected:
     struct FadeOutState
     {
         SndFile* file = nullptr; ///< Set during a pause only.
-        unsigned int flags = 0;
+        unsigned int flags = 0; ///< Of the channel: SndChannelFlags.
         float gain = 1.0F; ///< As sent.
-        int ms = 0;
+        int ms = 0; ///< Length of the fade.
         std::uint32_t since = 0; ///< On the kernel's clock; during a pause, the milliseconds elapsed.
     };
     /// What few sounds need, allocated when it is first set. Setting a default value does not allocate.
     struct Extras : Allocated
     {
-        DefinitionState* limitedBy = nullptr;
+        DefinitionState* limitedBy = nullptr; ///< See SetLimitedBy().
         /// The effects. The block is this sound's own unless FlagSharedFXList is set.
         SndFXList fxList;
-        std::uint32_t newFrequency = 0;
-        int delay = 0;
-        int startSample = 0;
-        std::uint32_t startOffsetMs = 0;
-        int fadeDuration = 0;
-        float lowPass = 1.0F;
+        std::uint32_t newFrequency = 0; ///< Hz; 0: that of the file.
+        int delay = 0; ///< Milliseconds.
+        int startSample = 0; ///< Sample frames.
+        std::uint32_t startOffsetMs = 0; ///< In addition to them.
+        int fadeDuration = 0; ///< Of the fade-in, milliseconds.
+        float lowPass = 1.0F; ///< Gain of the high frequencies.
         int loopStart = 0; ///< As requested, in sample frames.
         int loopEnd = 0; ///< 0: the end of the file.
         float frequencyFactor = 1.0F; ///< For the rate of a file that is not open yet.
-        SndChannel* fadeOutChannel = nullptr;
-        FadeOutState fadingOut;
+        SndChannel* fadeOutChannel = nullptr; ///< The channel that fades out, or null.
+        FadeOutState fadingOut; ///< Of that channel.
         std::uint32_t fadeInPassed = 0; ///< Milliseconds of the fade-in played before a pause.
         std::uint32_t pausedMoves = 0; ///< How often the listener had moved when the pause began,
         std::uint32_t pausedStateMs = 0; ///< Its state time then,
         std::uint32_t pausedSince = 0; ///< and when that was on the kernel's clock.
 
         // Of a positional sound.
-        float innerConeAngle = 0.0F; ///< This and the next two describe the cone while it is in use.
-        float outerConeAngle = 0.0F;
-        float coneGain = 0.0F;
+        float innerConeAngle = 0.0F; ///< Of the cone while it is in use: see Snd3D::SetCone().
+        float outerConeAngle = 0.0F; ///< The same.
+        float coneGain = 0.0F; ///< The same.
         float doppler = 1.0F; ///< Factor on the Doppler effect.
         float sentPitch = 1.0F; ///< The last pitch sent to the channel.
         std::unique_ptr<Motion> motion; ///< Since the Doppler effect was on.
     };
 
+    /// Returns the extras, or their defaults while none are set.
     const Extras& GetExtras() const;
+    /// Allocates the extras at the first call.
     Extras& UseExtras();
+    /// Sets a field of the extras. A value equal to the present one does not allocate.
     template<class T>
     void SetExtra(T Extras::*field, const T& value)
     {
