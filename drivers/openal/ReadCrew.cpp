@@ -24,23 +24,29 @@ ReadCrew::~ReadCrew()
 
 void ReadCrew::Begin(Channels newChannels, std::int64_t newMicroseconds)
 {
-    {
-        // A thread that woke up late for the last round may still be looking for work.
-        std::unique_lock lock(mutex);
-        done.wait(lock, [this] { return working == 0; });
-        channels = newChannels;
-        microseconds = newMicroseconds;
-        next = 0;
-        ++round;
-    }
-    wake.notify_all();
+    StartRound(newChannels, false, newMicroseconds);
 }
 
 void ReadCrew::Resample(Channels newChannels)
 {
     Finish();
-    Begin(newChannels, 0);
+    StartRound(newChannels, true, 0);
     Finish();
+}
+
+void ReadCrew::StartRound(Channels newChannels, bool resample, std::int64_t newMicroseconds)
+{
+    {
+        // A thread that woke up late for the last round may still be looking for work.
+        std::unique_lock lock(mutex);
+        done.wait(lock, [this] { return working == 0; });
+        channels = newChannels;
+        isResampling = resample;
+        microseconds = newMicroseconds;
+        next = 0;
+        ++round;
+    }
+    wake.notify_all();
 }
 
 void ReadCrew::Finish()
@@ -62,7 +68,7 @@ void ReadCrew::Work()
 {
     for (std::size_t i = next++; i < channels.size(); i = next++) {
         OpenALChannel& channel = *channels[channels.size() - 1 - i];
-        if (microseconds == 0) {
+        if (isResampling) {
             channel.Resample();
         }
         else if (!channel.ReadAhead(microseconds)) {

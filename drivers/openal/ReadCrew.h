@@ -35,11 +35,13 @@ public:
     void Resample(Channels newChannels);
 
 private:
+    void StartRound(Channels newChannels, bool resample, std::int64_t newMicroseconds);
     void Run();
     void Work();
 
-    Channels channels; ///< These two change only while no helper thread works.
-    std::int64_t microseconds = 0; ///< 0: to resample.
+    Channels channels; ///< These three change only while no helper thread works.
+    bool isResampling = false; ///< The work of this round; otherwise it is reading.
+    std::int64_t microseconds = 0; ///< How far to read ahead.
     std::atomic<std::size_t> next = 0; ///< The next channel.
     std::atomic<bool> isIncomplete = false; ///< A sound had not begun when its turn came. Publishes nothing.
 
