@@ -22,13 +22,12 @@ void NaiveCrowd::MoveHalf()
 
 void NaiveCrowd::Update()
 {
-    constexpr std::uint16_t longAgo = 1000;
-    std::vector<Quon::Contender> contenders;
+    std::vector<Quon::Contender> contenders; // All are in range and settled.
     for (int i = 0; i < plan.GetCount(); ++i) {
         const Quon::Vector3& place = positions[static_cast<std::size_t>(i)];
         const float x = place.x - listenerX;
         contenders.push_back({plan.GetPlace(i).priority, x * x + place.y * place.y + place.z * place.z,
-            static_cast<std::uint32_t>(i % fileCount), longAgo, Quon::TraitInRange});
+            static_cast<std::uint32_t>(i % fileCount)});
     }
     const std::size_t count = contenders.size();
     heard =

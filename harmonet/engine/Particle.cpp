@@ -156,9 +156,13 @@ void Particle::ResetChildGlobalBoundingCenters() const
 
 void Particle::RecalculateGlobalBoundingCenter() const
 {
-    // Usually only this node is stale.
-    if (globalPositionStale && (parent == nullptr || !parent->globalPositionStale)) {
-        UpdateGlobalPosition();
+    // Usually only this node is stale, and its parent is not rotated.
+    const bool isPlain = parent != nullptr && !parent->globalPositionStale &&
+        !parent->globalOrientationStale && !parent->globallyTurned;
+    if (isPlain && std::isfinite(LengthSquared(position))) {
+        globalPosition = parent->globalPosition + position;
+        globalPositionStale = false;
+        globalOrientationStale = true;
         return;
     }
     UpdateGlobal();

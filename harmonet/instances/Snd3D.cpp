@@ -44,6 +44,7 @@ Snd3D::Snd3D()
     : SndBase(false)
 {
     AddFlags(Flag3D);
+    Row().NoteMove();
 }
 
 Snd3D::Snd3D(const Snd3D& other)
@@ -51,6 +52,7 @@ Snd3D::Snd3D(const Snd3D& other)
     , SndBase(other)
 {
     AddFlags(Flag3D);
+    Row().NoteMove();
     CopyCone(other);
     InitMinMaxDistance(other.minDistance, other.GetMaxDistance(), other.GetCutout());
 }
@@ -78,8 +80,7 @@ int Snd3D::GetID() const
 
 void Snd3D::ResetGlobalBoundingCenter() const
 {
-    Row().SetMark(RowMoved, true);
-    Row().SetMark(RowPlaceKnown, false);
+    Row().NoteMove();
     globalPositionStale = true;
 }
 
@@ -109,7 +110,7 @@ bool Snd3D::GetCutout() const
 
 float Snd3D::GetMaxDistance() const
 {
-    return Row().maxDistance;
+    return Row().MaxDistance();
 }
 
 void Snd3D::BindAxisToDirection(int newAxis)
@@ -151,7 +152,7 @@ void Snd3D::SetCone(float inner, float outer, float newConeGain)
 void Snd3D::InitMinMaxDistance(float newMinDistance, float newMaxDistance, bool newCutout)
 {
     minDistance = newMinDistance;
-    Row().maxDistance = newMaxDistance;
+    Row().MaxDistance() = newMaxDistance;
     Row().SetMark(RowCutout, newCutout);
 }
 
@@ -178,12 +179,36 @@ void Snd3D::Play(SndFile* file)
     SndBase::Play(file);
 }
 
-void SndBase::UpdatePlace(SoundRow& row)
+void SndBase::UpdatePlace(SoundRow row)
 {
-    static_cast<Snd3D*>(row.sound)->UpdatePlace(row);
+    static_cast<Snd3D*>(row.GetSound())->UpdatePlace(row);
 }
 
-void Snd3D::UpdatePlace(SoundRow& row)
+void SndBase::UpdatePlaces(SoundBlock& block)
+{
+    const bool isFollowing = theKernel && theKernel->GetDoppler().IsFollowing();
+    block.ForEachUnplaced([&block, isFollowing](std::uint32_t lane) {
+        const SoundRow row(block, lane);
+        auto* sound = static_cast<Snd3D*>(row.GetSound());
+        if (isFollowing) {
+            sound->UpdatePlace(row);
+        }
+        else {
+            row.SetPlace(sound->GetGlobalPosition());
+        }
+    });
+}
+
+void SndBase::SendMove(SoundRow row)
+{
+    auto* sound = static_cast<Snd3D*>(row.GetSound());
+    if (sound->IsMovable() && sound->GetSndChannel()) {
+        sound->UpdatePosition();
+    }
+    row.SetMark(RowMoved, false);
+}
+
+void Snd3D::UpdatePlace(SoundRow row)
 {
     row.SetPlace(GetGlobalPosition());
     if (theKernel && theKernel->GetDoppler().IsFollowing()) {
@@ -191,7 +216,7 @@ void Snd3D::UpdatePlace(SoundRow& row)
         if (!motion) {
             motion = std::make_unique<Motion>();
         }
-        theKernel->GetDoppler().Follow(*motion, row.place);
+        theKernel->GetDoppler().Follow(*motion, row.GetPlace());
     }
 }
 
@@ -212,12 +237,12 @@ void Snd3D::UpdatePitch(SndChannel& channel, bool isNew)
     if ((!effect.IsOn() && GetExtras().sentPitch == 1.0F) || HasAnyFlag(FlagPolylineSource)) {
         return;
     }
-    if (!Row().HasMark(RowPlaceKnown)) {
+    if (Row().IsUnplaced()) {
         UpdatePlace(Row());
     }
     const Extras& extra = GetExtras();
     const Vector3 velocity = IsMovable() && extra.motion ? effect.GetVelocity(*extra.motion) : Vector3();
-    const float pitch = effect.CalcPitch(Row().place, velocity, extra.doppler);
+    const float pitch = effect.CalcPitch(Row().GetPlace(), velocity, extra.doppler);
     const float sent = extra.sentPitch;
     if (pitch != sent && (pitch == 1.0F || std::abs(pitch - sent) > Doppler::minShift)) {
         SetExtra(&Extras::sentPitch, pitch);
@@ -227,8 +252,8 @@ void Snd3D::UpdatePitch(SndChannel& channel, bool isNew)
 
 void Snd3D::CalcDistSqr(const Vector3& listener)
 {
-    SoundRow& row = Row();
-    if (!row.HasMark(RowPlaceKnown)) {
+    const SoundRow row = Row();
+    if (row.IsUnplaced()) {
         UpdatePlace(row);
     }
     MeasureDistance(row, listener);

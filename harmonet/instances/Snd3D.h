@@ -62,7 +62,7 @@ public:
     /// since its sources jump.
     void UpdatePitch(SndChannel& channel, bool isNew) override;
     /// Computes the position in the world for the next CalcDistSqr(). `row` is this sound's.
-    void UpdatePlace(SoundRow& row);
+    void UpdatePlace(SoundRow row);
 
     /// Sends the node's position to the channel, and its direction if the cone is in use, so that a plain
     /// source costs one call. Needs a channel.

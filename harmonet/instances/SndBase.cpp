@@ -29,7 +29,7 @@ int SndBase::NextSoundID()
 SndBase::SndBase(bool music)
     : rowNumber(SoundRows::Take(*this))
     , soundID(NextSoundID())
-    , rowHead(&SoundRows::At(rowNumber))
+    , sndFlags(&SoundRows::At(rowNumber).Flags())
 {
     if (music) {
         AddFlags(FlagMusic);
@@ -47,22 +47,22 @@ SndBase::SndBase(const SndBase& other)
     definitionName = other.definitionName;
     soundLength = other.soundLength;
     gain = other.gain;
-    Row().flags = other.Row().flags;
-    Row().priority = other.Row().priority;
+    Row().Flags() = other.Row().Flags();
+    Row().Priority() = other.Row().Priority();
 }
 
 SndBase& SndBase::operator=(const SndBase& other)
 {
-    const SoundRow& from = other.Row();
-    SoundRow& row = Row();
+    const SoundRow from = other.Row();
+    const SoundRow row = Row();
     if (theKernel) {
         theKernel->ForgetOrder(row);
     }
-    row.flags = from.flags;
-    row.priority = from.priority;
-    row.distSqr = from.distSqr;
-    row.multiplier = from.multiplier;
-    row.stateTimeMs = from.stateTimeMs;
+    row.Flags() = from.Flags();
+    row.Priority() = from.Priority();
+    row.DistSqr() = from.DistSqr();
+    row.Multiplier() = from.Multiplier();
+    row.StateTimeMs() = from.StateTimeMs();
     soundID = other.soundID;
     parent = other.parent;
     SetFileName(other.fileName);
@@ -280,7 +280,7 @@ bool SndBase::IsPaused() const
 
 bool SndBase::HoldsChannel() const
 {
-    return sndChannel || (Row().list == ListID::Paused && Row().HasMark(RowWasHeard) && sndFile);
+    return sndChannel || (Row().List() == ListID::Paused && Row().HasMark(RowWasHeard) && sndFile);
 }
 
 // Takes the sound off the driver, which resets the files to the playback position, and stores the progress of
@@ -289,7 +289,7 @@ void SndBase::StopChannel()
 {
     if (sndChannel) {
         const auto longest = static_cast<std::uint32_t>(std::max(GetFadeDuration(), 0));
-        const std::uint32_t passed = GetExtras().fadeInPassed + std::min(Row().stateTimeMs, longest);
+        const std::uint32_t passed = GetExtras().fadeInPassed + std::min(Row().StateTimeMs(), longest);
         SetExtra(&Extras::fadeInPassed, std::min(passed, longest));
         std::exchange(sndChannel, nullptr)->Stop();
     }

@@ -19,7 +19,8 @@ class SndChannel;
 class SndFile;
 class SndKernel;
 class Sound;
-struct SoundRow;
+class SoundRow;
+struct SoundBlock;
 struct SoundState;
 struct Vector3;
 
@@ -46,12 +47,6 @@ enum SndFlags : std::uint32_t
     FlagPolylineSource = 0x10000000, ///< A source of a sound along a line.
     FlagInPause = 0x20000000, ///< Excluded from all updates until released.
     FlagPlaying = 0x40000000 ///< Has started.
-};
-
-/// The fields of the row in the kernel's table (SoundRow) that a sound accesses directly.
-struct SoundRowHead
-{
-    std::uint32_t flags = 0; ///< SndFlags.
 };
 
 /// The length in milliseconds of a sound without end, or of one whose length is not known yet.
@@ -198,7 +193,7 @@ public:
     /// The owning `Music`; null for any other sound.
     Music* GetParentMusic() const { return IsMusic() ? static_cast<Music*>(parent) : nullptr; }
     void SetParentMusic(Music* newParent) { parent = newParent; }
-    std::uint32_t GetSndFlags() const { return rowHead->flags; }
+    std::uint32_t GetSndFlags() const { return *sndFlags; }
     bool HasAnyFlag(std::uint32_t mask) const { return (GetSndFlags() & mask) != 0; }
     const PString& GetFileName() const { return fileName; }
     void SetFileName(const PString& name);
@@ -274,10 +269,10 @@ public:
     void SetIsPlaying(bool on) { SetFlags(FlagPlaying, on); }
     /// Whether a driver channel plays it, including a fade-out.
     bool IsAudible() const { return sndChannel || GetFadeOutChannel(); }
-    void AddFlags(std::uint32_t mask) { rowHead->flags |= mask; }
-    void ClearFlags(std::uint32_t mask) { rowHead->flags &= ~mask; }
+    void AddFlags(std::uint32_t mask) { *sndFlags |= mask; }
+    void ClearFlags(std::uint32_t mask) { *sndFlags &= ~mask; }
     /// Overwrites all flags.
-    void ResetFlags(std::uint32_t flags) { rowHead->flags = flags; }
+    void ResetFlags(std::uint32_t flags) { *sndFlags = flags; }
 
     /// Why it is audible or not, as last decided, and for how many milliseconds of the kernel's clock.
     SoundReason GetReason() const;
@@ -335,7 +330,7 @@ protected:
 
     /// The part of this sound that an update reads and writes; the kernel stores the rows of all sounds
     /// together.
-    SoundRow& Row() const;
+    SoundRow Row() const;
 
     /// Advances the file by `samples` sample frames, around a loop or along the queue.
     void SkipSamples(int samples);
@@ -416,8 +411,14 @@ private:
 
     void CopyExtras(const SndBase& other);
 
-    /// For a positional sound: gets the position of its node.
-    static void UpdatePlace(SoundRow& row);
+    // For positional sounds, by their rows.
+
+    /// Gets the position of the node.
+    static void UpdatePlace(SoundRow row);
+    /// The same for all nodes of a block that have moved.
+    static void UpdatePlaces(SoundBlock& block);
+    /// Sends the position to the channel, if any.
+    static void SendMove(SoundRow row);
     bool AddEffect(SndFX effect, const void* record, unsigned long size, long quality);
     void NotifyEnd();
     void NotifyMusicBegin();
@@ -438,7 +439,7 @@ private:
     void StartCounting();
     void NoteRate();
     void CatchUpFile() const;
-    void CountLoop(std::uint32_t samples);
+    void CountLoop(std::int32_t samples);
     bool AdvanceEmulated(std::uint32_t samples);
     bool AdvanceLooping(int samples);
     bool AdvanceInRegion(std::uint32_t samples);
@@ -456,7 +457,7 @@ private:
     // What an update and a look-up read comes first, next to the position of a positional sound.
     const std::uint32_t rowNumber; ///< Of Row().
     int soundID;
-    SoundRowHead* const rowHead; ///< Row() itself.
+    std::uint32_t* const sndFlags; ///< In Row().
     SndChannel* sndChannel = nullptr;
     std::uint16_t traced = 0; ///< The state last reported to the trace; 0 for none.
     bool inNotification = false;
@@ -483,7 +484,6 @@ private:
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the current reason was set.
     std::uint32_t startedAt = 0; ///< On the kernel's clock.
-    int countedSamples = 0; ///< While Row() counts: the position in the file at which that ends.
 
     static int lastSoundID;
 };

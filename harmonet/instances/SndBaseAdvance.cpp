@@ -152,10 +152,10 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
         hasRunOut = true;
         return false;
     }
-    SoundRow& row = Row();
+    const SoundRow row = Row();
     StartCounting();
     if (row.HasMark(RowCounted)) {
-        const std::uint32_t samples = row.CalcSamples(step);
+        const std::int32_t samples = row.CalcSamples(step);
         if (row.CountSamples(samples)) {
             return true;
         }
@@ -179,8 +179,8 @@ void SndBase::StartCounting()
     if (!IsCountable(*sndFile) || mayGoRound || HasAnyFlag(FlagFadeOut)) {
         return;
     }
-    countedSamples = IsLooping() ? sndFile->GetPassEnd() : sndFile->GetSoundSamples();
-    Row().samplesLeft = std::max(countedSamples - sndFile->GetCurrentSample(), 0);
+    Row().CountedSamples() = IsLooping() ? sndFile->GetPassEnd() : sndFile->GetSoundSamples();
+    Row().SamplesLeft() = std::max(Row().CountedSamples() - sndFile->GetCurrentSample(), 0);
     Row().SetMark(RowCounted, true);
     Row().SetMark(RowLoopsWhole, IsLooping() && !sndFile->HasLoopRegion());
     NoteRate();
@@ -188,14 +188,14 @@ void SndBase::StartCounting()
 
 void SndBase::NoteRate()
 {
-    Row().rateHz = static_cast<std::uint32_t>(GetFrequency());
-    Row().SetMark(RowOwnRate, Row().rateHz != static_cast<std::uint32_t>(sndFile->GetSampleFrequency()));
+    Row().RateHz() = static_cast<std::uint32_t>(GetFrequency());
+    Row().SetMark(RowOwnRate, Row().RateHz() != static_cast<std::uint32_t>(sndFile->GetSampleFrequency()));
 }
 
 // Moves the file to the sound's playback position.
 void SndBase::CatchUpFile() const
 {
-    SoundRow& row = Row();
+    const SoundRow row = Row();
     if (!row.HasMark(RowCounted)) {
         return;
     }
@@ -203,39 +203,39 @@ void SndBase::CatchUpFile() const
         sndFile->Rewind();
     }
     row.SetMark(RowCounted | RowRewound, false);
-    sndFile->SkipSamples(countedSamples - row.samplesLeft - sndFile->GetCurrentSample());
+    sndFile->SkipSamples(row.CountedSamples() - row.SamplesLeft() - sndFile->GetCurrentSample());
 }
 
 // Advances around the loop, which has no end, by at least the rest of the pass.
-void SndBase::CountLoop(std::uint32_t samples)
+void SndBase::CountLoop(std::int32_t samples)
 {
-    SoundRow& row = Row();
+    const SoundRow row = Row();
     // Same as for a file: a step of the whole length has no effect.
     if (row.HasMark(RowLoopsWhole)) {
-        samples %= static_cast<std::uint32_t>(countedSamples);
+        samples %= row.CountedSamples();
         if (!row.CountSamples(samples)) {
-            const int beyond = static_cast<int>(samples) - row.samplesLeft;
-            row.samplesLeft = beyond > 0 ? countedSamples - beyond : 0;
+            const int beyond = samples - row.SamplesLeft();
+            row.SamplesLeft() = beyond > 0 ? row.CountedSamples() - beyond : 0;
             row.SetMark(RowRewound, beyond > 0 || row.HasMark(RowRewound));
         }
         return;
     }
-    samples -= static_cast<std::uint32_t>(row.samplesLeft);
-    row.samplesLeft = 0;
+    samples -= row.SamplesLeft();
+    row.SamplesLeft() = 0;
     if (samples == 0) {
         return;
     }
-    countedSamples = sndFile->GetLoopEnd();
-    const int passLength = countedSamples - sndFile->GetLoopStart();
-    const auto inPass = static_cast<std::int32_t>((samples - 1) % static_cast<std::uint32_t>(passLength)) + 1;
-    row.samplesLeft = passLength - inPass;
+    row.CountedSamples() = sndFile->GetLoopEnd();
+    const int passLength = row.CountedSamples() - sndFile->GetLoopStart();
+    const int inPass = (samples - 1) % passLength + 1;
+    row.SamplesLeft() = passLength - inPass;
     row.SetMark(RowRewound, true);
 }
 
 // Milliseconds left of the current file, as the file would report them.
 std::uint32_t SndBase::CalcFileRemain() const
 {
-    const SoundRow& row = Row();
+    const SoundRow row = Row();
     if (!row.HasMark(RowCounted)) {
         return static_cast<std::uint32_t>(sndFile->GetRemainLength());
     }
@@ -243,7 +243,7 @@ std::uint32_t SndBase::CalcFileRemain() const
         return 0;
     }
     const double samplesLeft =
-        static_cast<double>(row.samplesLeft) + sndFile->GetSoundSamples() - countedSamples;
+        static_cast<double>(row.SamplesLeft()) + sndFile->GetSoundSamples() - row.CountedSamples();
     const double seconds = samplesLeft / sndFile->GetSampleFrequency();
     return static_cast<std::uint32_t>(std::min(seconds * msPerSecond, 4294967295.0));
 }

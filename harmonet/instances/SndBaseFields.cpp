@@ -71,12 +71,12 @@ void SndBase::SetSoundLength(unsigned long ms)
 
 void SndBase::SetStateTime(unsigned long ms)
 {
-    Row().stateTimeMs = static_cast<std::uint32_t>(ms);
+    Row().StateTimeMs() = static_cast<std::uint32_t>(ms);
 }
 
 unsigned long SndBase::GetStateTime() const
 {
-    return Row().stateTimeMs;
+    return Row().StateTimeMs();
 }
 
 void SndBase::SetPriority(int newPriority)
@@ -84,12 +84,12 @@ void SndBase::SetPriority(int newPriority)
     if (theKernel) {
         theKernel->ForgetOrder(Row());
     }
-    Row().priority = newPriority;
+    Row().Priority() = newPriority;
 }
 
 int SndBase::GetPriority() const
 {
-    return Row().priority;
+    return Row().Priority();
 }
 
 void SndBase::SetMultiplier(float factor)
@@ -97,12 +97,12 @@ void SndBase::SetMultiplier(float factor)
     if (theKernel) {
         theKernel->ForgetOrder(Row());
     }
-    Row().multiplier = factor;
+    Row().Multiplier() = factor;
 }
 
 float SndBase::GetMultiplier() const
 {
-    return Row().multiplier;
+    return Row().Multiplier();
 }
 
 void SndBase::CalcDistSqr(const Vector3&) {}
@@ -111,7 +111,7 @@ void SndBase::UpdatePitch(SndChannel&, bool) {}
 
 float SndBase::GetDistSqr() const
 {
-    return Row().distSqr;
+    return Row().DistSqr();
 }
 
 void SndBase::SetDelay(int ms)
@@ -131,7 +131,7 @@ void SndBase::SetNewFrequency(unsigned long hz)
 
 SoundReason SndBase::GetReason() const
 {
-    return Row().reason;
+    return Row().Reason();
 }
 
 unsigned long SndBase::GetReasonAge() const

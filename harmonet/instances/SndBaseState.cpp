@@ -102,24 +102,24 @@ void SndBase::FillState(SoundState& state) const
 
 void SndBase::FillOwnState(SoundState& state) const
 {
-    const SoundRow& row = Row();
+    const SoundRow row = Row();
     state.id = soundID;
     state.kind = KindOf(*this);
-    state.phase = PhaseOf(*this, row.list);
-    state.reason = row.reason;
+    state.phase = PhaseOf(*this, row.List());
+    state.reason = row.Reason();
     state.hasChannel = IsAudible();
     state.isFadingOut = HasAnyFlag(FlagFadeOut);
     state.isLooping = IsLooping();
     state.isCutOut = row.HasMark(RowCutout);
     Assign(state.definition, definitionName);
     Assign(state.fileName, fileName);
-    state.priority = row.priority;
+    state.priority = row.Priority();
     state.delayMs = GetDelay();
-    state.distance = std::sqrt(row.distSqr);
-    state.maxDistance = row.maxDistance;
-    state.multiplier = row.multiplier;
+    state.distance = std::sqrt(row.DistSqr());
+    state.maxDistance = row.MaxDistance();
+    state.multiplier = row.Multiplier();
     state.gain = GetOutputGain();
-    state.place = row.place;
+    state.place = row.GetPlace();
     state.positionMs = static_cast<std::uint32_t>(GetCurrentLength());
     state.lengthMs = soundLength;
     const std::uint32_t clockMs = theKernel ? theKernel->GetClockMs() : 0;

@@ -5,6 +5,7 @@
 #include "harmonet/kernel/SoundWalk.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace Quon
 {
@@ -14,50 +15,29 @@ namespace
 
 constexpr ListID contenderLists[] = {ListID::Playing, ListID::Emulated, ListID::Waiting};
 
-// All traits but one have the same bits as the flags and marks.
-std::uint16_t GetTraits(const SoundRow& row)
-{
-    constexpr std::uint32_t asFlags = TraitMusic | TraitInRange | TraitLine;
-    constexpr std::uint32_t asMarks = TraitDelayed | TraitNewcomer;
-    constexpr int pausedShift = 29;
-    static_assert(asFlags == (FlagMusic | FlagDistLTMax | FlagPolyline));
-    static_assert(asMarks == (RowDelayed | RowNewcomer));
-    static_assert(TraitPaused == FlagInPause >> pausedShift);
-    return static_cast<std::uint16_t>(
-        (row.flags & asFlags) | (row.marks & asMarks) | (row.flags >> pausedShift & TraitPaused));
-}
-
 } // namespace
 
 void SndKernel::Allocate()
 {
     // The following sorted insertions must compare with the multipliers, even if that has been disabled.
     SndBase::SetCompareUsingMultiplier(true);
-    contenders.clear();
-    ContenderCounts counts{};
+    Contenders contenders;
+    std::ranges::transform(
+        contenderLists, contenders.begin(), [this](ListID id) { return GetList(id).Compact(); });
+    Decide(SoundRows::GetBlocks(), contenders, maxAudible, decision);
+    NoteReasons();
+    for (const std::uint32_t row : decision.chosen) {
+        Unlist(*SoundRows::At(row).GetSound());
+    }
+    std::span<const ImportanceSort::Item> ranking = decision.ranking;
     for (std::size_t list = 0; list < numContenderLists; ++list) {
-        counts[list] = GatherContenders(contenderLists[list]);
+        const std::size_t count = contenders[list].size();
+        GetList(contenderLists[list]).SetOrder(ranking.first(count), decision.runnersUp[list]);
+        ranking = ranking.subspan(count);
     }
-    Decide(contenders, counts, maxAudible, decision);
-    const auto toRow = [&](std::uint32_t& number) {
-        std::size_t list = 0;
-        for (; list + 1 < numContenderLists && number >= counts[list]; ++list) {
-            number -= static_cast<std::uint32_t>(counts[list]);
-        }
-        number = GetList(contenderLists[list]).Compact()[number].row;
-    };
-    std::ranges::for_each(decision.chosen, toRow);
-    for (std::uint32_t& runnerUp : decision.runnersUp) {
-        if (runnerUp != Decision::nobody) {
-            toRow(runnerUp);
-        }
+    for (const std::uint32_t row : decision.chosen) {
+        GetList(ListID::Chosen).Append(row, ListID::Chosen);
     }
-    std::size_t first = 0;
-    for (std::size_t list = 0; list < numContenderLists; ++list) {
-        TakeOver(contenderLists[list], first);
-        first += counts[list];
-    }
-    TakeChosen();
 
     // If an exception is thrown, running sounds that have not been handled return to the lists.
     struct ChosenScope
@@ -71,60 +51,27 @@ void SndKernel::Allocate()
     EmulateWaiting();
 }
 
-// Appends the sounds of that list; returns their number.
-std::size_t SndKernel::GatherContenders(ListID id)
+void SndKernel::NoteReasons()
 {
-    constexpr std::uint32_t maxStateTime = 0xFFFF;
-    const std::size_t first = contenders.size();
-    ResizeTo(contenders, first + static_cast<std::size_t>(GetList(id).GetCount()));
-    Contender* contender = contenders.data() + first;
-    GetList(id).Compact([&](const SoundRow& row) {
-        *contender++ = {row.priority, row.distSqr, row.nameNumber,
-            static_cast<std::uint16_t>(std::min(row.stateTimeMs, maxStateTime)), GetTraits(row)};
-    });
-    return contenders.size() - first;
-}
-
-// Applies the decisions to the sounds of a list, whose first contender is `first`, and sorts them.
-void SndKernel::TakeOver(ListID id, std::size_t first)
-{
-    const std::span<SndList::Entry> entries = GetList(id).Compact();
-    for (std::size_t i = 0; i < entries.size(); ++i) {
-        SoundRow& row = entries[i].GetRow();
-        row.multiplier = decision.multipliers[first + i];
-        SetReason(row, decision.reasons[first + i]);
-    }
-    const std::span ranked = std::span(decision.ranking).subspan(first, entries.size());
-    const std::size_t begin = walkMemory.size();
-    walkMemory.insert(walkMemory.end(), entries.begin(), entries.end());
-    std::ranges::transform(ranked, entries.begin(),
-        [&](const ImportanceSort::Item& item) { return walkMemory[begin + item.number - first]; });
-    walkMemory.resize(begin);
-    GetList(id).SetInOrder();
-}
-
-// Removes the chosen sounds from their lists, and moves the best of the others before their equals.
-void SndKernel::TakeChosen()
-{
-    for (const std::uint32_t row : decision.chosen) {
-        Unlist(*SoundRows::At(row).sound);
-        GetList(ListID::Chosen).Append(row, ListID::Chosen);
-    }
-    for (const std::uint32_t row : decision.runnersUp) {
-        if (row == Decision::nobody) {
-            continue;
+    const SoundReason* reasons = decision.reasons.data();
+    for (SoundBlock* block : SoundRows::GetBlocks()) {
+        // Few differ.
+        for (std::uint32_t begin = 0; begin < block->end; begin += SoundBlock::laneGroup) {
+            if (std::memcmp(&block->reason[begin], &reasons[begin], SoundBlock::laneGroup) == 0) {
+                continue;
+            }
+            for (std::uint32_t lane = begin; lane < begin + SoundBlock::laneGroup; ++lane) {
+                SetReason({*block, lane}, reasons[lane]);
+            }
         }
-        SndList& list = GetList(SoundRows::At(row).list);
-        const ListID id = SoundRows::At(row).list;
-        list.Remove(SoundRows::At(row));
-        list.InsertSorted(row, id);
+        reasons += SoundBlock::numLanes;
     }
 }
 
 void SndKernel::GiveBackChosen()
 {
     for (const SndList::Entry& entry : GetList(ListID::Chosen).Compact()) {
-        SndBase& sound = *entry.GetRow().sound;
+        SndBase& sound = *entry.GetRow().GetSound();
         Unlist(sound);
         Insert(sound, sound.IsAudible() ? ListID::Playing : ListID::Waiting);
     }
@@ -135,8 +82,8 @@ void SndKernel::GiveBackChosen()
 void SndKernel::EmulateLosers()
 {
     SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
-    while (const SoundRow* row = walk.Next()) {
-        SndBase& sound = *row->sound;
+    while (const SoundRow row = walk.Next()) {
+        SndBase& sound = *row.GetSound();
         Unlist(sound);
         if (sound.IsEmulation() && IsLongEnough(sound) && sound.Emulate()) {
             Insert(sound, ListID::Emulated);
@@ -150,8 +97,8 @@ void SndKernel::EmulateLosers()
 void SndKernel::StartChosen()
 {
     SoundWalk walk(*this, ListID::Chosen, SoundWalk::FromHead, SoundWalk::Visit);
-    while (const SoundRow* row = walk.Next()) {
-        SndBase& sound = *row->sound;
+    while (const SoundRow row = walk.Next()) {
+        SndBase& sound = *row.GetSound();
         if (!sound.IsAudible()) {
             StartOrDelete(sound);
             continue;
@@ -166,11 +113,11 @@ void SndKernel::StartChosen()
 void SndKernel::EmulateWaiting()
 {
     SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
-    while (const SoundRow* row = walk.Next()) {
-        if (row->HasMark(RowDelayed)) {
+    while (const SoundRow row = walk.Next()) {
+        if (row.HasMark(RowDelayed)) {
             continue;
         }
-        SndBase& sound = *row->sound;
+        SndBase& sound = *row.GetSound();
         Unlist(sound);
         const bool isWanted = !sound.IsEmulation() || IsLongEnough(sound);
         if (!isWanted || !EmulateSound(&sound)) {

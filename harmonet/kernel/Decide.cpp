@@ -4,6 +4,7 @@
 #include "harmonet/kernel/Importance.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
 
 namespace Quon
@@ -14,43 +15,23 @@ namespace
 
 constexpr float duplicateFactor = 1.3F;
 
-bool IsMusic(const Contender& contender)
-{
-    return (contender.traits & TraitMusic) != 0;
-}
-
-bool IsEligible(const Contender& contender)
-{
-    constexpr unsigned int barred = TraitPaused | TraitLine | TraitDelayed | TraitNewcomer;
-    return (contender.traits & (barred | TraitInRange)) == TraitInRange && contender.stateTimeMs >= settledMs;
-}
-
-SoundReason WhyIneligible(const Contender& contender)
-{
-    if (contender.traits & TraitLine) {
-        return SoundReason::None;
-    }
-    if (contender.traits & TraitPaused) {
-        return SoundReason::Paused;
-    }
-    if (contender.traits & TraitDelayed) {
-        return SoundReason::Delayed;
-    }
-    return contender.traits & TraitInRange ? SoundReason::Settling : SoundReason::BeyondReach;
-}
+using Item = ImportanceSort::Item;
 
 /// A decision in progress.
 struct Allocation
 {
-    std::span<const Contender> contenders;
+    std::span<SoundBlock* const> blocks;
     Decision& decision;
 
-    std::uint64_t KeyOf(std::uint32_t number) const { return decision.keys[number]; }
-
-    void Choose(std::uint32_t number, SoundReason reason)
+    SoundRow RowAt(std::uint32_t row) const { return Quon::RowAt(blocks, row); }
+    std::uint64_t KeyOf(std::uint32_t row) const { return RowAt(row).GetWeightedKey(); }
+    bool IsMusic(std::uint32_t row) const { return RowAt(row).HasAnyFlag(FlagMusic); }
+    bool IsEligible(std::uint32_t row) const
     {
-        decision.chosen.push_back(number);
-        decision.reasons[number] = reason;
+        constexpr std::uint32_t flags = FlagInPause | FlagPolyline | FlagDistLTMax;
+        const SoundRow values = RowAt(row);
+        return (values.Flags() & flags) == FlagDistLTMax && !values.HasMark(RowDelayed | RowNewcomer) &&
+            values.StateTimeMs() >= settledMs;
     }
 };
 
@@ -58,12 +39,11 @@ struct Allocation
 class Candidates
 {
 public:
-    /// `newListed` are the contenders of the list; `newRanked` is their sorted order.
-    Candidates(const Allocation& newAllocation, std::span<const Contender> newListed,
-        std::span<const ImportanceSort::Item> newRanked)
+    /// `newRanked` is the sorted list.
+    Candidates(const Allocation& newAllocation, std::span<const Item> newRanked, bool hasMusic)
         : allocation(newAllocation)
         , ranked(newRanked)
-        , musicPlace(std::ranges::any_of(newListed, IsMusic) ? 0 : newRanked.size())
+        , musicPlace(hasMusic ? 0 : newRanked.size())
         , runBegin(newRanked.size())
         , runEnd(newRanked.size())
         , place(newRanked.size())
@@ -78,26 +58,20 @@ public:
     {
         best = FindMusic();
         while (best == Decision::nobody && (place < runEnd || BeginRun())) {
-            const std::uint32_t number = ranked[place++].number;
-            if (IsEligible(number, false)) {
-                best = number;
+            const std::uint32_t row = ranked[place++].row;
+            if (!allocation.IsMusic(row) && allocation.IsEligible(row)) {
+                best = row;
             }
         }
     }
 
 private:
-    bool IsEligible(std::uint32_t number, bool music) const
-    {
-        const Contender& contender = allocation.contenders[number];
-        return IsMusic(contender) == music && Quon::IsEligible(contender);
-    }
-
     std::uint32_t FindMusic()
     {
         while (musicPlace < ranked.size()) {
-            const std::uint32_t number = ranked[musicPlace++].number;
-            if (IsEligible(number, true)) {
-                return number;
+            const std::uint32_t row = ranked[musicPlace++].row;
+            if (allocation.IsMusic(row) && allocation.IsEligible(row)) {
+                return row;
             }
         }
         return Decision::nobody;
@@ -110,8 +84,8 @@ private:
             return false;
         }
         runEnd = runBegin--;
-        const std::uint64_t key = allocation.KeyOf(ranked[runBegin].number);
-        while (runBegin > 0 && allocation.KeyOf(ranked[runBegin - 1].number) == key) {
+        const std::uint64_t key = allocation.KeyOf(ranked[runBegin].row);
+        while (runBegin > 0 && allocation.KeyOf(ranked[runBegin - 1].row) == key) {
             --runBegin;
         }
         place = runBegin;
@@ -119,7 +93,7 @@ private:
     }
 
     const Allocation& allocation;
-    std::span<const ImportanceSort::Item> ranked; ///< The least important first.
+    std::span<const Item> ranked; ///< The least important first.
     std::size_t musicPlace; ///< Start of the search for music, towards the tail.
     std::size_t runBegin;
     std::size_t runEnd;
@@ -127,79 +101,71 @@ private:
     std::uint32_t best = Decision::nobody;
 };
 
-// The most important first, by priority and plain distance.
-void RankPlainly(std::span<const Contender> contenders, Decision& decision)
+/// What Decide() finds out about all contenders.
+struct Crowd
 {
-    std::uint64_t* key = decision.keys.data();
-    std::uint32_t lastName = 0;
-    for (const Contender& contender : contenders) {
-        *key++ = ~ImportanceKey(contender.priority, contender.distSqr);
-        lastName = std::max(lastName, contender.name);
-    }
-    decision.lossesByName.assign(lastName + std::size_t{1}, 0);
-    decision.sort.Sort(decision.ranking, decision.keys, 0);
-}
+    ImportanceRange range;
+    std::uint32_t nameBits; ///< No name has other bits.
+    std::uint32_t flags; ///< All that one of them has.
+};
 
-// In that order a sound has lost to all like sounds before it. Leaves the keys with the weighted distances.
-void RateDuplicates(std::span<const Contender> contenders, Decision& decision)
+Crowd LookAt(std::span<SoundBlock* const> blocks)
 {
-    std::uint32_t* const lossesByName = decision.lossesByName.data();
-    float* const multipliers = decision.multipliers.data();
-    std::uint64_t* const keys = decision.keys.data();
-    for (const ImportanceSort::Item& item : decision.ranking) {
-        const Contender& contender = contenders[item.number];
-        const std::uint32_t losses = lossesByName[contender.name]++;
-        while (decision.factors.size() <= losses) {
-            decision.factors.push_back(
-                decision.factors.empty() ? 1.0F : decision.factors.back() * duplicateFactor);
-        }
-        const float multiplier = decision.factors[losses];
-        multipliers[item.number] = multiplier;
-        keys[item.number] = ImportanceKey(contender.priority, WeightDistance(contender.distSqr, multiplier));
-    }
-}
-
-void ProtectYoung(Allocation& allocation, std::span<const ImportanceSort::Item> playing)
-{
-    for (const ImportanceSort::Item& item : playing) {
-        if (allocation.contenders[item.number].stateTimeMs < settledMs) {
-            allocation.Choose(item.number, SoundReason::Protected);
+    constexpr ImportanceRange none;
+    auto [lowest, highest, nearest, farthest] = none;
+    std::uint32_t nameBits = 0;
+    std::uint32_t flags = 0;
+    for (const SoundBlock* block : blocks) {
+        for (std::uint32_t lane = 0, end = block->end; lane < end; ++lane) {
+            const std::uint32_t mask = Mask(IsContender(block->list[lane]));
+            const std::int32_t priority = block->priority[lane];
+            const auto distance = std::bit_cast<std::int32_t>(block->distSqr[lane]);
+            lowest = std::min(lowest, Select(mask, priority, none.lowest));
+            highest = std::max(highest, Select(mask, priority, none.highest));
+            nearest = std::min(nearest, Select(mask, distance, none.nearest));
+            farthest = std::max(farthest, Select(mask, distance, none.farthest));
+            nameBits |= block->name[lane] & mask;
+            flags |= block->flags[lane] & mask;
         }
     }
+    return {{lowest, highest, nearest, farthest}, nameBits, flags};
 }
 
-/// Sets the reasons of the losers, compared with the least important winner.
-void ExplainLosses(Allocation& allocation, std::uint32_t lastWinner)
+// In the plain order a sound has lost to all like sounds before it. Returns the greatest multiplier.
+float RateDuplicates(const Allocation& allocation, std::uint32_t nameBits)
 {
     Decision& decision = allocation.decision;
-    const bool anyWon = lastWinner != Decision::nobody;
-    const std::int32_t priority =
-        anyWon ? allocation.contenders[lastWinner].priority : std::numeric_limits<std::int32_t>::max();
-    const float distance = anyWon
-        ? WeightDistance(allocation.contenders[lastWinner].distSqr, decision.multipliers[lastWinner])
-        : 0.0F;
-    for (std::size_t number = 0; number < allocation.contenders.size(); ++number) {
-        const Contender& contender = allocation.contenders[number];
-        SoundReason& reason = decision.reasons[number];
-        if (reason != SoundReason::None) {
-            continue;
+    decision.lossesByName.assign(nameBits + std::size_t{1}, 0);
+    std::uint32_t* const lossesByName = decision.lossesByName.data();
+    const float* factors = decision.factors.data();
+    std::size_t numFactors = decision.factors.size();
+    std::uint32_t most = 0;
+    for (const Item& item : decision.ranking) {
+        const SoundRow row = allocation.RowAt(item.row);
+        const std::uint32_t losses = lossesByName[row.Name()]++;
+        most = std::max(most, losses);
+        if (losses == numFactors) {
+            decision.factors.push_back(losses == 0 ? 1.0F : factors[losses - 1] * duplicateFactor);
+            factors = decision.factors.data();
+            ++numFactors;
         }
-        if (!IsEligible(contender)) {
-            reason = WhyIneligible(contender);
-            continue;
+        row.Multiplier() = factors[losses];
+    }
+    return factors[most];
+}
+
+void ProtectYoung(const Allocation& allocation, std::span<const Item> playing)
+{
+    for (const Item& item : playing) {
+        if (allocation.RowAt(item.row).StateTimeMs() < settledMs) {
+            allocation.decision.chosen.push_back(item.row);
         }
-        // Branchless: the outcome is unpredictable.
-        const bool isLower = !anyWon | (contender.priority < priority);
-        const bool isNearer = (contender.priority > priority) | (contender.distSqr < distance);
-        const bool isDuplicate = isNearer & (decision.multipliers[number] > 1.0F);
-        const SoundReason lostToEqual =
-            isDuplicate ? SoundReason::LostAsDuplicate : SoundReason::LostByDistance;
-        reason = isLower ? SoundReason::LostByPriority : lostToEqual;
     }
 }
 
-/// Merges the candidates until the limit is reached.
-void ChooseBest(Allocation& allocation, std::span<Candidates, numContenderLists> lists, int limit)
+/// Merges the candidates until the limit is reached; returns the least important winner.
+std::uint32_t ChooseBest(
+    const Allocation& allocation, std::span<Candidates, numContenderLists> lists, int limit)
 {
     Decision& decision = allocation.decision;
     std::uint32_t lastWinner = Decision::nobody;
@@ -213,44 +179,108 @@ void ChooseBest(Allocation& allocation, std::span<Candidates, numContenderLists>
         if (!best) {
             break;
         }
-        const std::uint32_t number = best->GetBest();
-        if (lastWinner == Decision::nobody || allocation.KeyOf(number) < allocation.KeyOf(lastWinner)) {
-            lastWinner = number;
+        const std::uint32_t row = best->GetBest();
+        if (lastWinner == Decision::nobody || allocation.KeyOf(row) < allocation.KeyOf(lastWinner)) {
+            lastWinner = row;
         }
-        allocation.Choose(number, SoundReason::Won);
+        decision.chosen.push_back(row);
         best->MoveOn();
     }
     for (std::size_t list = 0; list < numContenderLists; ++list) {
         decision.runnersUp[list] = lists[list].GetBest();
     }
-    ExplainLosses(allocation, lastWinner);
+    return lastWinner;
+}
+
+/// The least important winner, to which the losers are compared.
+struct Threshold
+{
+    std::uint32_t noWinner; ///< A mask.
+    std::int32_t priority;
+    float distance; ///< Weighted.
+};
+
+std::uint32_t Choose(std::uint32_t mask, SoundReason yes, std::uint32_t no)
+{
+    return Select(mask, static_cast<std::uint32_t>(yes), no);
+}
+
+// The reasons of the losers of a block.
+void ExplainLosses(const SoundBlock& block, const Threshold& last, SoundReason* reasons)
+{
+    for (std::uint32_t lane = 0, end = block.end; lane < end; ++lane) {
+        const std::int32_t priority = block.priority[lane];
+        const std::uint32_t isLower = last.noWinner | Mask(priority < last.priority);
+        const std::uint32_t isNearer =
+            Mask(priority > last.priority) | Mask(block.distSqr[lane] < last.distance);
+        const std::uint32_t isDuplicate = isNearer & Mask(block.multiplier[lane] > 1.0F);
+        const std::uint32_t flags = block.flags[lane];
+        const std::uint32_t marks = block.marks[lane];
+        const std::uint32_t isSettling =
+            Mask(block.stateTimeMs[lane] < settledMs) | Mask((marks & RowNewcomer) != 0);
+        auto reason = static_cast<std::uint32_t>(SoundReason::LostByDistance);
+        reason = Choose(isDuplicate, SoundReason::LostAsDuplicate, reason);
+        reason = Choose(isLower, SoundReason::LostByPriority, reason);
+        // These are not eligible.
+        reason = Choose(isSettling, SoundReason::Settling, reason);
+        reason = Choose(Mask((flags & FlagDistLTMax) == 0), SoundReason::BeyondReach, reason);
+        reason = Choose(Mask((marks & RowDelayed) != 0), SoundReason::Delayed, reason);
+        reason = Choose(Mask((flags & FlagInPause) != 0), SoundReason::Paused, reason);
+        reason = Choose(Mask((flags & FlagPolyline) != 0), SoundReason::None, reason);
+        const auto present = static_cast<std::uint32_t>(block.reason[lane]);
+        reasons[lane] =
+            static_cast<SoundReason>(Select(Mask(IsContender(block.list[lane])), reason, present));
+    }
+}
+
+void ExplainAll(const Allocation& allocation, std::size_t numProtected, std::uint32_t lastWinner)
+{
+    Decision& decision = allocation.decision;
+    Threshold last{Mask(lastWinner == Decision::nobody), 0, 0.0F};
+    if (lastWinner != Decision::nobody) {
+        const SoundRow row = allocation.RowAt(lastWinner);
+        last.priority = row.Priority();
+        last.distance = WeightDistance(row.DistSqr(), row.Multiplier());
+    }
+    SoundReason* reasons = decision.reasons.data();
+    for (const SoundBlock* block : allocation.blocks) {
+        ExplainLosses(*block, last, reasons);
+        reasons += SoundBlock::numLanes;
+    }
+    for (const std::uint32_t& row : decision.chosen) {
+        const bool isProtected = &row < decision.chosen.data() + numProtected;
+        decision.reasons[row] = isProtected ? SoundReason::Protected : SoundReason::Won;
+    }
 }
 
 } // namespace
 
-void Decide(
-    std::span<const Contender> contenders, const ContenderCounts& counts, int limit, Decision& decision)
+void Decide(std::span<SoundBlock* const> blocks, const Contenders& contenders, int limit, Decision& decision)
 {
+    const auto [playing, emulated, waiting] = contenders;
     decision.chosen.clear();
-    ResizeTo(decision.ranking, contenders.size());
-    ResizeTo(decision.multipliers, contenders.size());
-    ResizeTo(decision.keys, contenders.size());
-    decision.reasons.assign(contenders.size(), SoundReason::None);
-    RankPlainly(contenders, decision);
-    RateDuplicates(contenders, decision);
-    Allocation allocation{contenders, decision};
-
-    const auto rank = [&](std::size_t first, std::size_t count) {
-        const std::span ranked = std::span(decision.ranking).subspan(first, count);
-        decision.sort.Sort(
-            ranked, std::span(decision.keys).subspan(first, count), static_cast<std::uint32_t>(first));
-        return Candidates(allocation, contenders.subspan(first, count), ranked);
+    ResizeTo(decision.ranking, playing.size() + emulated.size() + waiting.size());
+    ResizeTo(decision.reasons, blocks.size() * SoundBlock::numLanes);
+    const Allocation allocation{blocks, decision};
+    const Crowd crowd = LookAt(blocks);
+    if (!decision.ranking.empty()) {
+        decision.sort.TakeCodes(blocks, crowd.range, ImportanceSort::ByDistance, 1.0F);
+        decision.sort.Sort(contenders, decision.ranking);
+        const float maxMultiplier = RateDuplicates(allocation, crowd.nameBits);
+        decision.sort.TakeCodes(blocks, crowd.range, ImportanceSort::ByWeightedDistance, maxMultiplier);
+    }
+    std::span<Item> left = decision.ranking;
+    const auto rank = [&](std::span<const ListEntry> list) {
+        const std::span<Item> ranked = left.first(list.size());
+        left = left.subspan(list.size());
+        decision.sort.Sort({&list, 1}, ranked);
+        return Candidates(allocation, ranked, (crowd.flags & FlagMusic) != 0);
     };
-    const std::size_t firstWaiting = counts[FromPlaying] + counts[FromEmulated];
-    Candidates lists[] = {rank(0, counts[FromPlaying]), rank(counts[FromPlaying], counts[FromEmulated]),
-        rank(firstWaiting, counts[FromWaiting])};
-    ProtectYoung(allocation, std::span(decision.ranking).first(counts[FromPlaying]));
-    ChooseBest(allocation, lists, limit);
+    Candidates lists[] = {rank(playing), rank(emulated), rank(waiting)};
+    ProtectYoung(allocation, std::span(decision.ranking).first(playing.size()));
+    const std::size_t numProtected = decision.chosen.size();
+    const std::uint32_t lastWinner = ChooseBest(allocation, lists, limit);
+    ExplainAll(allocation, numProtected, lastWinner);
 }
 
 } // namespace Quon

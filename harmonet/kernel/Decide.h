@@ -2,7 +2,6 @@
 
 #include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/instances/SoundReason.h"
 #include "harmonet/kernel/ImportanceSort.h"
 
 #include <array>
@@ -16,28 +15,7 @@ namespace Quon
 /// get another, so that a sound changes at most once in this time.
 inline constexpr unsigned int settledMs = 200;
 
-/// Properties that make a contender ineligible or privileged.
-enum ContenderTraits : std::uint16_t
-{
-    TraitPaused = 0x0001,
-    TraitMusic = 0x0008, ///< Comes before every other sound of its list.
-    TraitInRange = 0x0100,
-    TraitLine = 0x0800, ///< The head of a sound along a line, which is never played itself.
-    TraitDelayed = 0x1000,
-    TraitNewcomer = 0x2000 ///< Started during the running update, which ignores it.
-};
-
-/// The values of a sound that has a channel or competes for one.
-struct Contender
-{
-    std::int32_t priority; ///< Greater is more important.
-    float distSqr; ///< Squared distance to the listener, not negative and not NaN.
-    std::uint32_t name; ///< Equal for like sounds; a small number.
-    std::uint16_t stateTimeMs; ///< Since it got or lost its channel, clamped to the type's maximum.
-    std::uint16_t traits; ///< ContenderTraits.
-};
-
-/// The lists of contenders: one after the other, each in its current order.
+/// The lists of contenders, each in its current order.
 enum ContenderList
 {
     FromPlaying,
@@ -45,9 +23,9 @@ enum ContenderList
     FromWaiting,
     numContenderLists
 };
-using ContenderCounts = std::array<std::size_t, numContenderLists>;
+using Contenders = std::array<std::span<const ListEntry>, numContenderLists>;
 
-/// The result of a decision. Contenders are identified by their index. Reuse the object for each decision, so
+/// The result of a decision. Contenders are identified by their rows. Reuse the object for each decision, so
 /// that a constant number of sounds does not allocate.
 struct Decision
 {
@@ -55,18 +33,15 @@ struct Decision
 
     /// The contenders that get or keep a channel, in the order of selection.
     EngineVector<std::uint32_t> chosen;
-    /// For each contender. Exactly the chosen ones have the reasons Won and Protected.
+    /// For each row: its reason. Exactly the chosen ones have the reasons Won and Protected.
     EngineVector<SoundReason> reasons;
-    /// For each contender: 1.3 to the power of the number of like sounds that it lost to.
-    EngineVector<float> multipliers;
-    /// The indices of all contenders, list after list, each list in its new order: the least important first.
+    /// All contenders, list after list, each list in its new order: the least important first.
     EngineVector<ImportanceSort::Item> ranking;
     /// The best contender of each list that was not chosen, or nobody. It moves before its equals.
     std::array<std::uint32_t, numContenderLists> runnersUp;
 
     // Working memory.
     ImportanceSort sort;
-    EngineVector<std::uint64_t> keys; ///< For each contender: its importance.
     EngineVector<std::uint32_t> lossesByName;
     EngineVector<float> factors; ///< By the number of losses.
 };
@@ -87,7 +62,11 @@ struct Decision
 ///
 /// *Eligible* is a sound that is in range, settled, and neither paused, delayed, a newcomer nor the head of a
 /// line.
+///
+/// Contenders are exactly the rows of `blocks` that are on the playing, the emulated or the waiting list.
+/// Changes nothing in the rows but the multipliers of the contenders: 1.3 to the power of the number of like
+/// sounds that the sound lost to.
 HARMONET_INTERNAL_API void Decide(
-    std::span<const Contender> contenders, const ContenderCounts& counts, int limit, Decision& decision);
+    std::span<SoundBlock* const> blocks, const Contenders& contenders, int limit, Decision& decision);
 
 } // namespace Quon

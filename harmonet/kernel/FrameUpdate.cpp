@@ -6,6 +6,7 @@
 #include <cassert>
 #include <cmath>
 #include <limits>
+#include <span>
 
 namespace Quon
 {
@@ -89,9 +90,9 @@ void SndKernel::RunFullUpdate(float seconds)
         doppler.FollowListener(step.listener);
     }
 
-    UpdatePlaces(step);
+    const VirtualSounds all = UpdatePlaces(step);
     int due = CountDownDelays(step.listener);
-    UpdateEmulated(step);
+    UpdateEmulated(step, all);
     UpdatePlaying(step);
     due += ApplyPauses(step);
     if (GetList(ListID::Emulated).GetCount() + GetAudibleCount() + due <= maxAudible) {
@@ -123,26 +124,6 @@ Vector3 SndKernel::UpdateListener()
     return activeMicrophone->GetGlobalPosition();
 }
 
-// Queries the nodes in their approximate memory order instead of the order of the lists. This only updates
-// the rows: a sound that an observer moves later is queried again.
-void SndKernel::UpdatePlaces(UpdateStep& step)
-{
-    step.onlyCounts = true;
-    SoundRows::ForEach([&step](SoundRow& row) {
-        if (row.IsUnplaced()) {
-            SndBase::UpdatePlace(row);
-        }
-        if (row.list != ListID::Emulated) {
-            return;
-        }
-        if (!row.HasMark(RowCounted)) {
-            row.sound->StartCounting();
-        }
-        step.onlyCounts = step.onlyCounts && (row.IsHeldBack() || row.CanCount(step));
-        step.anyMoved = step.anyMoved || row.HasMark(RowMoved);
-    });
-}
-
 // Returns the number of waiting sounds that are due. Notifies no observer, so a plain loop is safe.
 int SndKernel::CountDownDelays(const Vector3& listener)
 {
@@ -161,64 +142,48 @@ int SndKernel::CountDownDelays(const Vector3& listener)
 
 // From the tail, so that the head of a sound along a line, which counts as near, comes before its sources and
 // can release them in the same update.
-void SndKernel::UpdateEmulated(const UpdateStep& step)
+void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
 {
     if (GetList(ListID::Emulated).IsEmpty()) {
         return;
     }
-    if (step.onlyCounts) {
-        CountEmulated(step);
+    if (all.onlyCount) {
+        if (step.listenerMoved || all.anyMoved) {
+            GetList(ListID::Emulated).ForgetOrder();
+        }
+        // No observer can be called, so the order makes no difference.
+        for (SoundBlock* block : SoundRows::GetBlocks()) {
+            CountBlock(*block, step);
+        }
         return;
     }
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::SkipNewcomers);
-    while (SoundRow* row = walk.Next()) {
-        if (UpdateVirtual(*row, step)) {
-            row->AddStateTime(elapsed);
+    while (const SoundRow row = walk.Next()) {
+        if (UpdateVirtual(row, step)) {
+            row.AddStateTime(elapsed);
             continue;
         }
         // A line ends with its sources and has no separate reason.
-        if (!row->HasAnyFlag(FlagPolyline)) {
-            SetReason(*row, SoundReason::TooShort);
+        if (!row.HasAnyFlag(FlagPolyline)) {
+            SetReason(row, SoundReason::TooShort);
         }
-        delete row->sound;
+        delete row.GetSound();
     }
 }
 
-// Where no observer can be called, the order makes no difference: that in which the rows lie is the fastest.
-void SndKernel::CountEmulated(const UpdateStep& step)
+void SndKernel::Count(SoundRow row, const UpdateStep& step)
 {
-    if (step.listenerMoved || step.anyMoved) {
-        GetList(ListID::Emulated).ForgetOrder();
-    }
-    SoundRows::ForEach([&](SoundRow& row) {
-        if (row.list != ListID::Emulated) {
-            return;
-        }
-        if (!row.IsHeldBack()) {
-            // A sound that has not moved keeps its range, which other code may have set.
-            if ((step.listenerMoved || row.HasMark(RowMoved)) && row.HasAnyFlag(Flag3D)) {
-                row.Measure(step.listener);
-            }
-            row.SetMark(RowMoved, false);
-            Count(row, step);
-        }
-        row.AddStateTime(elapsed);
-    });
-}
-
-void SndKernel::Count(SoundRow& row, const UpdateStep& step)
-{
-    const std::uint32_t samples = row.CalcSamples(step);
+    const std::int32_t samples = row.CalcSamples(step);
     if (!row.CountSamples(samples)) {
-        row.sound->CountLoop(samples);
+        row.GetSound()->CountLoop(samples);
     }
 }
 
 // What SndUpdate() does, mostly with the row alone. False when the sound has ended.
-bool SndKernel::UpdateVirtual(SoundRow& row, const UpdateStep& step)
+bool SndKernel::UpdateVirtual(SoundRow row, const UpdateStep& step)
 {
     if (row.IsHeldBack() || row.IsUnplaced() || !row.CanCount(step)) {
-        return row.sound->SndUpdate(step.seconds, step.listener, step.listenerMoved);
+        return row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved);
     }
     if (row.HasAnyFlag(Flag3D)) {
         if (step.listenerMoved || row.HasMark(RowMoved)) {
@@ -231,33 +196,52 @@ bool SndKernel::UpdateVirtual(SoundRow& row, const UpdateStep& step)
 }
 
 // The same for a sound that has a channel.
-bool SndKernel::UpdateHeard(SoundRow& row, const UpdateStep& step)
+bool SndKernel::UpdateHeard(SoundRow row, const UpdateStep& step)
 {
-    if (row.HasAnyFlag(FlagPolyline) || (row.HasMark(RowMoved) && row.HasAnyFlag(Flag3D))) {
-        return row.sound->SndUpdate(step.seconds, step.listener, step.listenerMoved);
+    const bool hasMoved = row.HasMark(RowMoved);
+    if (row.HasAnyFlag(FlagPolyline) || (hasMoved && row.HasMark(RowReturns))) {
+        return row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved);
     }
-    if (step.listenerMoved && row.HasAnyFlag(Flag3D) && !row.IsHeldBack()) {
+    if (!row.HasAnyFlag(Flag3D) || row.IsHeldBack()) {
+        return true;
+    }
+    if (row.IsUnplaced()) {
+        SndBase::UpdatePlace(row);
+    }
+    if (step.listenerMoved || hasMoved) {
         MeasureDistance(row, step.listener);
+    }
+    if (hasMoved) {
+        SndBase::SendMove(row);
     }
     return true;
 }
 
 void SndKernel::UpdatePlaying(const UpdateStep& step)
 {
+    // For few sounds in a large crowd the walk is faster.
+    constexpr std::size_t smallShare = 16;
+    const auto numHeard = static_cast<std::size_t>(GetAudibleCount());
+    if (numHeard > SoundRows::GetBlocks().size() * SoundBlock::numLanes / smallShare) {
+        if (const HeardSounds all = LookAtHeard(step); all.stay) {
+            UpdateStaying(step, all.anyMoved);
+            return;
+        }
+    }
     SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
-    while (SoundRow* row = walk.Next()) {
-        if (!UpdateHeard(*row, step)) {
-            SndBase* sound = row->sound;
+    while (const SoundRow row = walk.Next()) {
+        if (!UpdateHeard(row, step)) {
+            SndBase* sound = row.GetSound();
             Unlist(*sound);
             delete sound;
             continue;
         }
-        row->AddStateTime(elapsed);
-        if (const SoundReason reason = WhyInaudible(*row); reason != SoundReason::None) {
-            LeavePlaying(*row->sound, reason);
+        row.AddStateTime(elapsed);
+        if (const SoundReason reason = WhyInaudible(row); reason != SoundReason::None) {
+            LeavePlaying(*row.GetSound(), reason);
         }
         else {
-            row->flags = (row->flags | FlagDistLTMax) & ~FlagDistGTMax;
+            row.Flags() = (row.Flags() | FlagDistLTMax) & ~FlagDistGTMax;
         }
     }
 }
@@ -282,16 +266,16 @@ void SndKernel::LeavePlaying(SndBase& sound, SoundReason reason)
 void SndKernel::StartEmulated()
 {
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
-    while (SoundRow* row = walk.Next()) {
-        if (row->HasAnyFlag(FlagPolyline)) {
+    while (const SoundRow row = walk.Next()) {
+        if (row.HasAnyFlag(FlagPolyline)) {
             continue;
         }
-        const SoundReason reason = WhyNotBack(*row);
+        const SoundReason reason = WhyNotBack(row);
         if (reason == SoundReason::None) {
-            StartOrDelete(*row->sound);
+            StartOrDelete(*row.GetSound());
         }
         else {
-            SetReason(*row, reason);
+            SetReason(row, reason);
         }
     }
 }
@@ -299,19 +283,19 @@ void SndKernel::StartEmulated()
 void SndKernel::StartWaiting()
 {
     SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
-    while (SoundRow* row = walk.Next()) {
-        if (row->HasMark(RowDelayed)) {
-            SetReason(*row, SoundReason::Delayed);
+    while (const SoundRow row = walk.Next()) {
+        if (row.HasMark(RowDelayed)) {
+            SetReason(row, SoundReason::Delayed);
             continue;
         }
-        const SoundReason reason = WhyInaudible(*row);
+        const SoundReason reason = WhyInaudible(row);
         if (reason == SoundReason::None) {
-            StartOrDelete(*row->sound);
+            StartOrDelete(*row.GetSound());
             continue;
         }
-        SetReason(*row, reason);
-        Unlist(*row->sound);
-        EmulateOrDelete(*row->sound);
+        SetReason(row, reason);
+        Unlist(*row.GetSound());
+        EmulateOrDelete(*row.GetSound());
     }
 }
 
@@ -326,7 +310,7 @@ void SndKernel::StartOrDelete(SndBase& sound)
 }
 
 // Returns why a sound, even one with a channel, may not have one; None if it may.
-SoundReason SndKernel::WhyInaudible(const SoundRow& row) const
+SoundReason SndKernel::WhyInaudible(SoundRow row) const
 {
     if (row.HasAnyFlag(FlagInPause)) {
         return SoundReason::Paused;
@@ -338,7 +322,7 @@ SoundReason SndKernel::WhyInaudible(const SoundRow& row) const
 }
 
 // The same for a sound that has lost its channel: it must be well inside its range.
-SoundReason SndKernel::WhyNotBack(const SoundRow& row) const
+SoundReason SndKernel::WhyNotBack(SoundRow row) const
 {
     if (row.HasAnyFlag(FlagInPause)) {
         return SoundReason::Paused;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "harmonet/kernel/Mask.h"
+
 #include <bit>
 #include <cstdint>
 
@@ -9,7 +11,7 @@ namespace Quon
 /// The weighted squared distance. A distance of 0 stays 0, whatever the weight.
 constexpr float WeightDistance(float distSqr, float multiplier)
 {
-    return distSqr == 0.0F ? 0.0F : multiplier * distSqr;
+    return Select(Mask(distSqr == 0.0F), 0.0F, multiplier * distSqr);
 }
 
 /// The importance of a sound as a number: a greater key is more important. A higher priority comes first;

@@ -1,7 +1,10 @@
 #include "harmonet/kernel/ImportanceSort.h"
 
+#include "harmonet/kernel/Growth.h"
+
 #include <algorithm>
 #include <bit>
+#include <limits>
 #include <utility>
 
 namespace Quon
@@ -11,113 +14,176 @@ namespace
 {
 
 using Item = ImportanceSort::Item;
-using Keys = std::span<const std::uint64_t>;
 
-constexpr std::uint64_t LowBits(int count)
+constexpr int wordBits = 32;
+
+constexpr std::uint32_t LowBits(int count)
 {
-    return (std::uint64_t{1} << count) - 1;
+    return static_cast<std::uint32_t>((std::uint64_t{1} << count) - 1);
 }
 
-void SortByComparison(std::span<Item> items, Keys keys, std::uint32_t first)
+std::uint32_t Bits(float distance)
 {
-    const auto isBefore = [keys, first](const Item& left, const Item& right) {
-        const std::uint64_t leftKey = keys[left.number - first];
-        const std::uint64_t rightKey = keys[right.number - first];
-        return leftKey != rightKey ? leftKey < rightKey : left.number < right.number;
+    return std::bit_cast<std::uint32_t>(distance);
+}
+
+} // namespace
+
+void ImportanceSort::TakeCodes(
+    std::span<SoundBlock* const> newBlocks, const ImportanceRange& range, Order newOrder, float maxMultiplier)
+{
+    blocks = newBlocks;
+    order = newOrder;
+    highestPriority = range.highest;
+    const auto priorities =
+        static_cast<std::uint32_t>(range.highest) - static_cast<std::uint32_t>(range.lowest);
+    // The leading bits that are equal in both ends of the range are equal in all values between.
+    const float farthest = WeightDistance(std::bit_cast<float>(range.farthest), maxMultiplier);
+    distanceBits = std::bit_width(static_cast<std::uint32_t>(range.nearest) ^ Bits(farthest));
+    const int allBits = std::bit_width(priorities) + distanceBits;
+    codeBits = std::min(allBits, wordBits);
+    droppedBits = allBits - codeBits;
+    ResizeTo(codes, blocks.size() * SoundBlock::numLanes);
+    std::uint32_t* code = codes.data();
+    for (const SoundBlock* block : blocks) {
+        EncodeBlock(*block, code);
+        code += SoundBlock::numLanes;
+    }
+}
+
+void ImportanceSort::EncodeBlock(const SoundBlock& block, std::uint32_t* code) const
+{
+    const std::uint32_t mask = LowBits(distanceBits);
+    const int dropped = droppedBits;
+    const int keptBits = distanceBits - dropped;
+    const auto highest = static_cast<std::uint32_t>(highestPriority);
+    const auto encode = [&](std::uint32_t lane, float distance) {
+        const std::uint32_t lower = highest - static_cast<std::uint32_t>(block.priority[lane]);
+        code[lane] = lower << keptBits | (Bits(distance) & mask) >> dropped;
     };
+    if (order == ByDistance) {
+        for (std::uint32_t lane = 0, end = block.end; lane < end; ++lane) {
+            encode(lane, block.distSqr[lane]);
+        }
+    }
+    else {
+        for (std::uint32_t lane = 0, end = block.end; lane < end; ++lane) {
+            encode(lane, WeightDistance(block.distSqr[lane], block.multiplier[lane]));
+        }
+    }
+}
+
+void ImportanceSort::Sort(std::span<const std::span<const ListEntry>> lists, std::span<Item> items)
+{
+    constexpr std::size_t fewItems = 48;
+    if (items.size() >= fewItems) {
+        Scatter(lists, items);
+        if (ignoredBits + droppedBits > 0) {
+            SortEqualDigits(items);
+        }
+        return;
+    }
+    Item* next = items.data();
+    for (const std::span<const ListEntry> list : lists) {
+        for (const ListEntry& entry : list) {
+            *next++ = {0, entry.row};
+        }
+    }
+    SortByComparison(items);
+}
+
+// Stable sorts by the lower digit and then by the higher one.
+void ImportanceSort::Scatter(std::span<const std::span<const ListEntry>> lists, std::span<Item> items)
+{
+    // Found by measurement: more values take longer to count, fewer leave more items to compare.
+    const int digitBits = (10 + static_cast<int>(std::bit_width(items.size()))) / 2;
+    const int usedBits = std::min(codeBits, 2 * digitBits);
+    const int lowBits = (usedBits + 1) / 2;
+    const int lowShift = ignoredBits = codeBits - usedBits;
+    const int highShift = lowShift + lowBits;
+    const std::size_t numValues = std::size_t{1} << lowBits;
+    const auto lowMask = static_cast<std::uint32_t>(numValues - 1);
+    scratch.resize(items.size());
+    places.assign(2 * numValues, 0);
+    std::uint32_t* const low = places.data();
+    std::uint32_t* const high = low + numValues;
+    const std::uint32_t flip = order == ByWeightedDistance ? LowBits(codeBits) : 0;
+    const std::uint32_t* const code = codes.data();
+    Item* next = items.data();
+    for (const std::span<const ListEntry> list : lists) {
+        for (const ListEntry& entry : list) {
+            const Item item = *next++ = {code[entry.row] ^ flip, entry.row};
+            ++low[item.code >> lowShift & lowMask];
+            ++high[item.code >> highShift];
+        }
+    }
+    std::uint32_t lowBegin = 0;
+    std::uint32_t highBegin = 0;
+    for (std::size_t value = 0; value < numValues; ++value) {
+        lowBegin += std::exchange(low[value], lowBegin);
+        highBegin += std::exchange(high[value], highBegin);
+    }
+    Item* const target = scratch.data();
+    for (const Item& item : items) {
+        target[low[item.code >> lowShift & lowMask]++] = item;
+    }
+    Item* const sorted = items.data();
+    for (const Item& item : scratch) {
+        sorted[high[item.code >> highShift]++] = item;
+    }
+}
+
+void ImportanceSort::SortEqualDigits(std::span<Item> items) const
+{
+    const auto areEqual = [this, &items](std::size_t one, std::size_t other) {
+        return (items[one].code ^ items[other].code) >> ignoredBits == 0;
+    };
+    for (std::size_t begin = 0, end = 1; end < items.size(); begin = end++) {
+        if (!areEqual(begin, end)) {
+            continue;
+        }
+        while (end < items.size() && areEqual(begin, end)) {
+            ++end;
+        }
+        SortByComparison(items.subspan(begin, end - begin));
+    }
+}
+
+void ImportanceSort::SortByComparison(std::span<Item> items) const
+{
+    constexpr std::size_t veryFewItems = 8;
+    if (items.size() < veryFewItems) {
+        for (std::size_t next = 1; next < items.size(); ++next) {
+            const Item item = items[next];
+            const std::uint64_t key = KeyOf(item);
+            std::size_t place = next;
+            for (; place > 0 && key < KeyOf(items[place - 1]); --place) {
+                items[place] = items[place - 1];
+            }
+            items[place] = item;
+        }
+        return;
+    }
+    const auto isBefore = [this](const Item& left, const Item& right) {
+        const std::uint64_t leftKey = KeyOf(left);
+        const std::uint64_t rightKey = KeyOf(right);
+        return leftKey != rightKey ? leftKey < rightKey : left.code < right.code;
+    };
+    // The codes are not needed any more: numbers in their place make the sort stable.
+    std::uint32_t number = 0;
+    for (Item& item : items) {
+        item.code = number++;
+    }
     // Often many keys are equal, and their items are in order.
     if (!std::is_sorted(items.begin(), items.end(), isBefore)) {
         std::sort(items.begin(), items.end(), isBefore);
     }
 }
 
-void SortEqualDigits(std::span<Item> items, Keys keys, std::uint32_t first)
+std::uint64_t ImportanceSort::KeyOf(const Item& item) const
 {
-    for (std::size_t end = 1; end < items.size(); ++end) {
-        if (items[end].digits != items[end - 1].digits) {
-            continue;
-        }
-        const std::size_t begin = end - 1;
-        while (end < items.size() && items[end].digits == items[begin].digits) {
-            ++end;
-        }
-        SortByComparison(items.subspan(begin, end - begin), keys, first);
-    }
-}
-
-void SumUp(std::uint32_t* counts, std::size_t size)
-{
-    std::uint32_t begin = 0;
-    for (std::size_t value = 0; value < size; ++value) {
-        begin += std::exchange(counts[value], begin);
-    }
-}
-
-} // namespace
-
-void ImportanceSort::Sort(std::span<Item> items, Keys keys, std::uint32_t first)
-{
-    const Digits digits = TakeDigits(items, keys, first);
-    constexpr std::size_t fewItems = 48;
-    if (items.size() < fewItems) {
-        SortByComparison(items, keys, first);
-        return;
-    }
-    Scatter(items, digits);
-    if (!digits.areAll) {
-        SortEqualDigits(items, keys, first);
-    }
-}
-
-// Takes the digits from the keys without the leading bits of each half that are equal in all keys.
-ImportanceSort::Digits ImportanceSort::TakeDigits(std::span<Item> items, Keys keys, std::uint32_t first)
-{
-    constexpr int wordBits = 32;
-    constexpr std::size_t manyItems = 3000;
-    const int digitBits = items.size() < manyItems ? 9 : 11;
-    std::uint64_t differing = 0;
-    for (const std::uint64_t key : keys) {
-        differing |= key ^ keys.front();
-    }
-    const int lowerBits = std::bit_width(static_cast<std::uint32_t>(differing));
-    const int upperBits = std::bit_width(static_cast<std::uint32_t>(differing >> wordBits));
-    const int allBits = lowerBits + upperBits;
-    const int usedBits = std::min(allBits, 2 * digitBits);
-    const std::uint64_t lowerMask = LowBits(lowerBits);
-    const std::uint64_t upperMask = LowBits(upperBits);
-    Item* item = items.data();
-    for (const std::uint64_t key : keys) {
-        const std::uint64_t packed = (key >> wordBits & upperMask) << lowerBits | (key & lowerMask);
-        *item++ = {static_cast<std::uint32_t>(packed >> (allBits - usedBits)), first++};
-    }
-    return {usedBits / 2, usedBits - usedBits / 2, usedBits == allBits};
-}
-
-// Stable sorts by the lower digit and then by the higher one.
-void ImportanceSort::Scatter(std::span<Item> items, const Digits& digits)
-{
-    const int lowBits = digits.lowBits;
-    const auto lowMask = static_cast<std::uint32_t>(LowBits(lowBits));
-    const std::size_t numLow = std::size_t{1} << lowBits;
-    const std::size_t numHigh = std::size_t{1} << digits.highBits;
-    scratch.resize(items.size());
-    places.assign(numLow + numHigh, 0);
-    std::uint32_t* const low = places.data();
-    std::uint32_t* const high = low + numLow;
-    for (const Item& item : items) {
-        ++low[item.digits & lowMask];
-        ++high[item.digits >> lowBits];
-    }
-    SumUp(low, numLow);
-    SumUp(high, numHigh);
-    Item* const target = scratch.data();
-    for (const Item& item : items) {
-        target[low[item.digits & lowMask]++] = item;
-    }
-    Item* const sorted = items.data();
-    for (const Item& item : scratch) {
-        sorted[high[item.digits >> lowBits]++] = item;
-    }
+    const SoundRow row = RowAt(blocks, item.row);
+    return order == ByDistance ? ~ImportanceKey(row.Priority(), row.DistSqr()) : row.GetWeightedKey();
 }
 
 } // namespace Quon

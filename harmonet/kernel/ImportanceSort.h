@@ -1,43 +1,67 @@
 #pragma once
 
 #include "harmonet/engine/Alloc.h"
+#include "harmonet/kernel/SoundRows.h"
 
 #include <cstdint>
+#include <limits>
 #include <span>
 
 namespace Quon
 {
 
-/// Sorts numbered items by 64-bit keys, ascending; equal keys keep the order of their numbers.
+/// The range of the priorities and squared distances of all contenders. The distances are the bits of floats,
+/// which are in the order of the values, since none is negative.
+struct ImportanceRange
+{
+    std::int32_t lowest = std::numeric_limits<std::int32_t>::max();
+    std::int32_t highest = std::numeric_limits<std::int32_t>::min();
+    std::int32_t nearest = std::numeric_limits<std::int32_t>::max();
+    std::int32_t farthest = 0;
+};
+
+/// A stable sort of sounds by importance.
 ///
-/// Two passes of a radix sort over the highest bits in which the keys differ place nearly all items, whatever
-/// has moved; items equal in these bits are sorted by comparison. Keeps its memory, so that a constant number
-/// of items does not allocate.
+/// Two passes of a radix sort over the highest differing bits place nearly all items, whatever has moved;
+/// items equal in these bits are sorted by comparison. Keeps its memory, so that a constant number of sounds
+/// does not allocate.
 class ImportanceSort
 {
 public:
     struct Item
     {
-        std::uint32_t digits; ///< The highest differing bits of the key.
-        std::uint32_t number;
+        std::uint32_t code; ///< Working memory.
+        std::uint32_t row;
+    };
+    enum Order
+    {
+        ByDistance, ///< The most important first, by priority and plain distance.
+        ByWeightedDistance ///< The least important first, by priority and weighted distance.
     };
 
-    /// Fills `items`, which must have the size of `keys`, with the numbers of the keys in order. The first
-    /// key has the number `first`.
-    void Sort(std::span<Item> items, std::span<const std::uint64_t> keys, std::uint32_t first);
+    /// Takes the present importance of all contenders. Multipliers are at most `maxMultiplier`.
+    void TakeCodes(std::span<SoundBlock* const> newBlocks, const ImportanceRange& range, Order newOrder,
+        float maxMultiplier);
+    /// Sorts the sounds of the lists, which must be contenders, into `items`, which must have their number.
+    void Sort(std::span<const std::span<const ListEntry>> lists, std::span<Item> items);
 
 private:
-    /// The two radix digits: the lower and the higher bits of Item::digits.
-    struct Digits
-    {
-        int lowBits;
-        int highBits;
-        bool areAll; ///< The keys differ in these bits only.
-    };
+    void EncodeBlock(const SoundBlock& block, std::uint32_t* code) const;
+    void Scatter(std::span<const std::span<const ListEntry>> lists, std::span<Item> items);
+    void SortEqualDigits(std::span<Item> items) const;
+    void SortByComparison(std::span<Item> items) const;
+    std::uint64_t KeyOf(const Item& item) const;
 
-    static Digits TakeDigits(std::span<Item> items, std::span<const std::uint64_t> keys, std::uint32_t first);
-    void Scatter(std::span<Item> items, const Digits& digits);
-
+    std::span<SoundBlock* const> blocks;
+    Order order = ByDistance;
+    /// For each row: its priority below the highest one, then its distance, without the leading bits that are
+    /// equal in all contenders and, if they do not fit, without the last bits of the distance.
+    EngineVector<std::uint32_t> codes;
+    std::int32_t highestPriority = 0;
+    int distanceBits = 0; ///< The number of those that can differ.
+    int droppedBits = 0; ///< Of the distance.
+    int codeBits = 0;
+    int ignoredBits = 0; ///< Last bits of the code that Scatter() ignored.
     EngineVector<Item> scratch;
     EngineVector<std::uint32_t> places; ///< Start positions of the values of both digits.
 };

@@ -92,7 +92,7 @@ bool SndKernel::PlaySound(SndBase* sound)
 bool SndKernel::FindLength(SndBase& sound)
 {
     UseName(sound);
-    if (const auto length = FindLikeLength(sound.Row().nameNumber, &sound)) {
+    if (const auto length = FindLikeLength(sound.Row().Name(), &sound)) {
         sound.SetSoundLength(*length);
         return true;
     }
@@ -140,10 +140,10 @@ void SndKernel::ForgetNewcomers()
     newcomers.clear();
 }
 
-void SndKernel::ChangeReason(SoundRow& row, SoundReason reason)
+void SndKernel::ChangeReason(SoundRow row, SoundReason reason)
 {
-    row.reason = reason;
-    row.sound->reasonSince = clockMs;
+    row.Reason() = reason;
+    row.GetSound()->reasonSince = clockMs;
 }
 
 bool SndKernel::StartImmediately(SndBase& sound)
@@ -298,7 +298,7 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
 
 void SndKernel::EnterPlaying(SndBase& sound)
 {
-    if (sound.Row().list == ListID::Playing) {
+    if (sound.Row().List() == ListID::Playing) {
         return;
     }
     // Music that an observer has restarted can be among the chosen sounds.
@@ -308,7 +308,7 @@ void SndKernel::EnterPlaying(SndBase& sound)
 
 bool SndKernel::StartMusic(SndBase& instance)
 {
-    const bool waits = instance.IsPaused() || instance.Row().list == ListID::Paused;
+    const bool waits = instance.IsPaused() || instance.Row().List() == ListID::Paused;
     MarkStarted(instance, !waits);
     return Traced(instance, waits ? StartPausedMusic(instance) : StartNow(instance));
 }
@@ -376,9 +376,9 @@ void SndKernel::DeleteListed(Matches matches)
 {
     for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
         SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
-        while (const SoundRow* row = walk.Next()) {
-            SndBase* sound = row->sound;
-            if (!matches(*row) || sound->IsInNotification()) {
+        while (const SoundRow row = walk.Next()) {
+            SndBase* sound = row.GetSound();
+            if (!matches(row) || sound->IsInNotification()) {
                 continue;
             }
             Unlist(*sound);
@@ -392,7 +392,7 @@ void SndKernel::StopAll()
     const bool refusedBefore = refusesSounds;
     {
         const SndBase::MusicHold hold;
-        DeleteListed([](const SoundRow&) { return true; });
+        DeleteListed([](SoundRow) { return true; });
         // Sounds that observers have started in response end too. From here on they cannot start any more, so
         // this loop terminates and no sound is left.
         refusesSounds = true;
@@ -403,13 +403,13 @@ void SndKernel::StopAll()
 
 void SndKernel::StopAll2D()
 {
-    DeleteListed([](const SoundRow& row) { return !row.HasAnyFlag(Flag3D | FlagMusic); });
+    DeleteListed([](SoundRow row) { return !row.HasAnyFlag(Flag3D | FlagMusic); });
     DeleteAllSounds(2);
 }
 
 void SndKernel::StopAll3D()
 {
-    DeleteListed([](const SoundRow& row) { return row.HasAnyFlag(Flag3D); });
+    DeleteListed([](SoundRow row) { return row.HasAnyFlag(Flag3D); });
     DeleteAllSounds(3);
 }
 

@@ -13,9 +13,9 @@ namespace
 constexpr float applyAgain = -1.0F;
 
 // Whether a sound is on a list that is searched for like sounds.
-bool IsFindable(const SoundRow& row)
+bool IsFindable(SoundRow row)
 {
-    return row.list != ListID::None && row.list != ListID::Chosen;
+    return row.List() != ListID::None && row.List() != ListID::Chosen;
 }
 
 } // namespace
@@ -48,47 +48,47 @@ void SndKernel::Insert(SndBase& sound, ListID id)
 {
     UseName(sound);
     GetList(id).InsertSorted(sound.rowNumber, id);
-    names.Enter(sound.Row().nameNumber, GetOwnLength(sound));
+    names.Enter(sound.Row().Name(), GetOwnLength(sound));
 }
 
 void SndKernel::Unlist(SndBase& sound)
 {
-    SoundRow& row = sound.Row();
+    const SoundRow row = sound.Row();
     if (IsFindable(row)) {
-        names.Leave(row.nameNumber);
+        names.Leave(row.Name());
     }
-    if (row.list != ListID::None) {
-        GetList(row.list).Remove(row);
+    if (row.List() != ListID::None) {
+        GetList(row.List()).Remove(row);
     }
 }
 
 void SndKernel::GiveUpName(SndBase& sound)
 {
-    SoundRow& row = sound.Row();
+    const SoundRow row = sound.Row();
     if (IsFindable(row)) {
-        names.Leave(row.nameNumber);
+        names.Leave(row.Name());
     }
-    if (row.nameNumber != NameIndex::none) {
-        names.GiveUp(std::exchange(row.nameNumber, NameIndex::none));
+    if (row.Name() != NameIndex::none) {
+        names.GiveUp(std::exchange(row.Name(), NameIndex::none));
     }
 }
 
 void SndKernel::UseName(SndBase& sound)
 {
-    SoundRow& row = sound.Row();
-    if (row.nameNumber != NameIndex::none) {
+    const SoundRow row = sound.Row();
+    if (row.Name() != NameIndex::none) {
         return;
     }
-    row.nameNumber = names.Use(sound.fileName, sound.substName);
+    row.Name() = names.Use(sound.fileName, sound.substName);
     if (IsFindable(row)) {
-        names.Enter(row.nameNumber, GetOwnLength(sound));
+        names.Enter(row.Name(), GetOwnLength(sound));
     }
 }
 
 void SndKernel::NoteLength(const SndBase& sound)
 {
     if (IsFindable(sound.Row())) {
-        names.SetLength(sound.Row().nameNumber, GetOwnLength(sound));
+        names.SetLength(sound.Row().Name(), GetOwnLength(sound));
     }
 }
 
@@ -113,9 +113,9 @@ std::optional<std::uint32_t> SndKernel::FindLikeLength(std::uint32_t number, con
     // The lengths differ, as with the rest of a queue: use the first one.
     for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
         for (const SndList::Entry& entry : GetList(id).GetEntries()) {
-            const SoundRow& row = entry.GetRow();
-            if (!entry.IsStale() && row.nameNumber == number && row.sound != except) {
-                return GetOwnLength(*row.sound);
+            const SoundRow row = entry.GetRow();
+            if (!entry.IsStale() && row.Name() == number && row.GetSound() != except) {
+                return GetOwnLength(*row.GetSound());
             }
         }
     }

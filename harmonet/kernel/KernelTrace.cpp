@@ -68,10 +68,10 @@ void SndKernel::TraceChange(SndBase& sound)
     if (!trace || !IsListed(sound)) {
         return;
     }
-    const SoundRow& row = sound.Row();
+    const SoundRow row = sound.Row();
     SoundState state;
-    auto phase = static_cast<unsigned int>(row.list);
-    auto reason = static_cast<unsigned int>(row.reason);
+    auto phase = static_cast<unsigned int>(row.List());
+    auto reason = static_cast<unsigned int>(row.Reason());
     const bool isLine = row.HasAnyFlag(FlagPolyline);
     // The row of a line's head does not change; the state of its sources does.
     if (isLine) {

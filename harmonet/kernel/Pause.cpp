@@ -16,9 +16,9 @@ namespace
 {
 
 // Whether this update has counted the sound as due, or would have.
-bool IsDue(const SoundRow& row)
+bool IsDue(SoundRow row)
 {
-    return row.list == ListID::Waiting && !row.HasMark(RowDelayed | RowNewcomer) &&
+    return row.List() == ListID::Waiting && !row.HasMark(RowDelayed | RowNewcomer) &&
         !row.HasAnyFlag(FlagInPause);
 }
 
@@ -52,19 +52,19 @@ int SndKernel::MoveToPausedAndBack(const UpdateStep& step)
     int due = 0;
     for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
         SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
-        while (const SoundRow* row = walk.Next()) {
-            if (!row->sound->IsPaused()) {
+        while (const SoundRow row = walk.Next()) {
+            if (!row.GetSound()->IsPaused()) {
                 continue;
             }
-            due -= IsDue(*row) ? 1 : 0;
-            Pause(*row->sound);
+            due -= IsDue(row) ? 1 : 0;
+            Pause(*row.GetSound());
         }
     }
     // From the tail, so that the head of a sound along a line comes before its sources.
     SoundWalk walk(*this, ListID::Paused, SoundWalk::FromTail, SoundWalk::Visit);
-    while (const SoundRow* row = walk.Next()) {
-        if (!row->sound->IsPaused()) {
-            due += Resume(*row->sound, step);
+    while (const SoundRow row = walk.Next()) {
+        if (!row.GetSound()->IsPaused()) {
+            due += Resume(*row.GetSound(), step);
         }
     }
     return due;
@@ -72,10 +72,10 @@ int SndKernel::MoveToPausedAndBack(const UpdateStep& step)
 
 void SndKernel::Pause(SndBase& sound)
 {
-    SoundRow& row = sound.Row();
+    const SoundRow row = sound.Row();
     SndBase::Extras& extras = sound.UseExtras();
-    row.SetMark(RowWasHeard, row.list == ListID::Playing);
-    row.SetMark(RowWasWaiting, row.list == ListID::Waiting);
+    row.SetMark(RowWasHeard, row.List() == ListID::Playing);
+    row.SetMark(RowWasWaiting, row.List() == ListID::Waiting);
     Unlist(sound);
     sound.PauseOutput();
     extras.pausedMoves = listenerMoves;
@@ -85,9 +85,9 @@ void SndKernel::Pause(SndBase& sound)
 }
 
 // Starts a sound while it is paused. `mark` determines its state after the pause.
-void SndKernel::StartPaused(SndBase& sound, std::uint16_t mark)
+void SndKernel::StartPaused(SndBase& sound, std::uint32_t mark)
 {
-    SoundRow& row = sound.Row();
+    const SoundRow row = sound.Row();
     MarkStarted(sound, false);
     row.SetMark(RowWasHeard | RowWasWaiting, false);
     row.SetMark(mark, true);
@@ -107,7 +107,7 @@ bool SndKernel::StartPausedMusic(SndBase& instance)
     if (!file) {
         return false;
     }
-    if (instance.Row().list == ListID::Playing) {
+    if (instance.Row().List() == ListID::Playing) {
         Pause(instance);
     }
     instance.TakeFile(file);
@@ -128,7 +128,7 @@ void SndKernel::DelayStart(SndBase& sound) const
 // Returns 1 if the sound is waiting and due, otherwise 0.
 int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
 {
-    SoundRow& row = sound.Row();
+    const SoundRow row = sound.Row();
     const bool listenerMoved = sound.GetExtras().pausedMoves != listenerMoves;
     Unlist(sound);
     DelayStart(sound);
@@ -159,7 +159,7 @@ int SndKernel::Resume(SndBase& sound, const UpdateStep& step)
 // gets a channel in this update's decision.
 void SndKernel::ResumeHeard(SndBase& sound)
 {
-    SoundRow& row = sound.Row();
+    const SoundRow row = sound.Row();
     if (sound.GetExtras().fadingOut.file) {
         ResumeFadeOut(sound);
     }
@@ -177,9 +177,9 @@ void SndKernel::ResumeHeard(SndBase& sound)
         LeavePlaying(sound, reason);
         return;
     }
-    row.flags = (row.flags | FlagDistLTMax) & ~FlagDistGTMax;
+    row.Flags() = (row.Flags() | FlagDistLTMax) & ~FlagDistGTMax;
     // A protected sound would exceed the limit, and its channel may be in use by another.
-    sound.UseExtras().pausedStateMs = row.stateTimeMs;
+    sound.UseExtras().pausedStateMs = row.StateTimeMs();
     row.SetMark(RowReturns, true);
     sound.SetStateTime(std::max<unsigned long>(sound.GetStateTime(), settledMs));
     Insert(sound, ListID::Playing);
@@ -226,8 +226,8 @@ void SndKernel::StartReturned()
         return;
     }
     SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
-    while (const SoundRow* row = walk.Next()) {
-        SndBase& sound = *row->sound;
+    while (const SoundRow row = walk.Next()) {
+        SndBase& sound = *row.GetSound();
         if (sound.IsAudible()) {
             continue;
         }

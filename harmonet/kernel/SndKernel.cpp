@@ -84,9 +84,9 @@ SndKernel::~SndKernel()
     Done();
     for (SndList& list : lists) {
         while (!list.IsEmpty()) {
-            SoundRow& row = list.Compact().front().GetRow();
+            const SoundRow row = list.Compact().front().GetRow();
             list.Remove(row);
-            delete row.sound;
+            delete row.GetSound();
         }
     }
     SoundRows::Trim();
@@ -290,7 +290,7 @@ bool SndKernel::IsConsistent()
         int count = 0;
         bool isGood = true;
         GetList(id).ForEach([&](const SndBase& sound) {
-            isGood = isGood && sound.Row().list == id && soundTable.Find(sound.GetSoundID()) == &sound;
+            isGood = isGood && sound.Row().List() == id && soundTable.Find(sound.GetSoundID()) == &sound;
             ++count;
         });
         if (!isGood || count != GetList(id).GetCount()) {

@@ -193,13 +193,13 @@ public:
     // The lists, and changes that sounds report.
 
     SndList& GetList(ListID id) { return lists[static_cast<std::size_t>(id)]; }
-    bool IsListed(const SndBase& sound) const { return sound.Row().list != ListID::None; }
+    bool IsListed(const SndBase& sound) const { return sound.Row().List() != ListID::None; }
     /// The sounds that hold a channel.
     int GetAudibleCount() const { return lists[static_cast<std::size_t>(ListID::Playing)].GetCount(); }
     /// Call it before a sound's importance, or the comparison of all sounds, changes.
-    void ForgetOrder(const SoundRow& row)
+    void ForgetOrder(SoundRow row)
     {
-        if (SndList& list = GetList(row.list); list.IsInOrder()) {
+        if (SndList& list = GetList(row.List()); list.IsInOrder()) {
             list.ForgetOrder();
         }
     }
@@ -249,19 +249,36 @@ private:
     }
     void TraceEnd(SndBase& sound);
     Vector3 UpdateListener();
-    static void UpdatePlaces(UpdateStep& step);
+    /// What an update finds out about the virtual sounds before it advances them.
+    struct VirtualSounds
+    {
+        bool onlyCount = true; ///< Counting is enough to advance all of them.
+        bool anyMoved = false;
+    };
+    static VirtualSounds UpdatePlaces(const UpdateStep& step);
+    static void PrepareBlock(SoundBlock& block, const UpdateStep& step, VirtualSounds& all);
     int CountDownDelays(const Vector3& listener);
-    void UpdateEmulated(const UpdateStep& step);
-    void CountEmulated(const UpdateStep& step);
-    static void Count(SoundRow& row, const UpdateStep& step);
-    static bool UpdateVirtual(SoundRow& row, const UpdateStep& step);
-    static bool UpdateHeard(SoundRow& row, const UpdateStep& step);
+    void UpdateEmulated(const UpdateStep& step, const VirtualSounds& all);
+    void CountBlock(SoundBlock& block, const UpdateStep& step) const;
+    static void MeasureBlock(
+        SoundBlock& block, const SoundBlock::Column<std::uint32_t>& isActive, const UpdateStep& step);
+    static void Count(SoundRow row, const UpdateStep& step);
+    static bool UpdateVirtual(SoundRow row, const UpdateStep& step);
+    static bool UpdateHeard(SoundRow row, const UpdateStep& step);
+    /// What an update finds out about the sounds with channels before it moves them.
+    struct HeardSounds
+    {
+        bool stay; ///< None leaves the playing list.
+        bool anyMoved;
+    };
+    HeardSounds LookAtHeard(const UpdateStep& step) const;
+    void UpdateStaying(const UpdateStep& step, bool anyMoved);
     void UpdatePlaying(const UpdateStep& step);
     void LeavePlaying(SndBase& sound, SoundReason reason);
     int ApplyPauses(const UpdateStep& step);
     int MoveToPausedAndBack(const UpdateStep& step);
     void Pause(SndBase& sound);
-    void StartPaused(SndBase& sound, std::uint16_t mark);
+    void StartPaused(SndBase& sound, std::uint32_t mark);
     bool StartPausedMusic(SndBase& instance);
     void DelayStart(SndBase& sound) const;
     int Resume(SndBase& sound, const UpdateStep& step);
@@ -273,9 +290,7 @@ private:
     void StartOrDelete(SndBase& sound);
 
     void Allocate();
-    std::size_t GatherContenders(ListID id);
-    void TakeOver(ListID id, std::size_t first);
-    void TakeChosen();
+    void NoteReasons();
     void GiveBackChosen();
     void EmulateLosers();
     void StartChosen();
@@ -297,15 +312,15 @@ private:
     /// Sends the low-pass and the pitch to a new channel.
     static void SetUpChannel(SndBase& sound, SndChannel& channel);
     void UpdatePitches();
-    SoundReason WhyInaudible(const SoundRow& row) const;
-    SoundReason WhyNotBack(const SoundRow& row) const;
-    void SetReason(SoundRow& row, SoundReason reason)
+    SoundReason WhyInaudible(SoundRow row) const;
+    SoundReason WhyNotBack(SoundRow row) const;
+    void SetReason(SoundRow row, SoundReason reason)
     {
-        if (row.reason != reason) {
+        if (row.Reason() != reason) {
             ChangeReason(row, reason);
         }
     }
-    void ChangeReason(SoundRow& row, SoundReason reason);
+    void ChangeReason(SoundRow row, SoundReason reason);
     bool EmulateOrDelete(SndBase& sound);
     void DeleteInaudible(SndBase& sound);
     bool FindLength(SndBase& sound);
@@ -344,7 +359,6 @@ private:
     Doppler doppler;
     SoundCaps caps;
     NameIndex names;
-    EngineVector<Contender> contenders;
     Decision decision;
     EngineVector<SndList::Entry> walkMemory;
 
@@ -372,9 +386,9 @@ extern SndKernel* theKernel;
 HARMONET_INTERNAL_API SndKernel* GetRunningKernel();
 
 /// Computes a sound's distance to the listener from its place, and whether it is in range.
-inline void MeasureDistance(SoundRow& row, const Vector3& listener)
+inline void MeasureDistance(SoundRow row, const Vector3& listener)
 {
-    if (theKernel && row.CalcDistSqr(listener) != row.distSqr) {
+    if (theKernel && row.CalcDistSqr(listener) != row.DistSqr()) {
         theKernel->ForgetOrder(row);
     }
     row.Measure(listener);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <iterator>
 
 namespace Quon
 {
@@ -23,8 +24,8 @@ std::uint32_t SndList::lastSerial = 0;
 
 SndList::Entry SndList::Enter(std::uint32_t row, ListID id)
 {
-    SoundRow& entered = SoundRows::At(row);
-    assert(entered.list == ListID::None);
+    const SoundRow entered = SoundRows::At(row);
+    assert(entered.List() == ListID::None);
     constexpr std::size_t fewEntries = 64;
     if (order.size() + added.size() > 2 * count + fewEntries) {
         DropStale();
@@ -32,10 +33,10 @@ SndList::Entry SndList::Enter(std::uint32_t row, ListID id)
     if (++lastSerial == 0) {
         ++lastSerial;
     }
-    entered.serial = lastSerial;
-    entered.list = id;
+    entered.Serial() = lastSerial;
+    entered.List() = id;
     ++count;
-    return {row, entered.serial};
+    return {row, entered.Serial()};
 }
 
 void SndList::DropStale()
@@ -81,10 +82,10 @@ void SndList::InsertSorted(std::uint32_t row, ListID id)
     order.insert(place, entry);
 }
 
-void SndList::Remove(SoundRow& row)
+void SndList::Remove(SoundRow row)
 {
-    row.serial = 0;
-    row.list = ListID::None;
+    row.Serial() = 0;
+    row.List() = ListID::None;
     if (--count == 0) {
         order.clear();
         added.clear();
@@ -104,13 +105,34 @@ std::span<const SndList::Entry> SndList::GetEntries()
     return order;
 }
 
-std::span<SndList::Entry> SndList::Compact()
+std::span<const SndList::Entry> SndList::Compact()
 {
     Merge();
     if (order.size() != count) {
         DropStale();
     }
     return order;
+}
+
+void SndList::SetOrder(std::span<const ImportanceSort::Item> ranking, std::uint32_t first)
+{
+    if (count == 0) {
+        return;
+    }
+    Entry* end = order.data();
+    for (const ImportanceSort::Item& item : ranking) {
+        *end = {item.row, SoundRows::At(item.row).Serial()};
+        end += end->serial != 0;
+    }
+    order.resize(count);
+    const auto place = std::ranges::find(order, first, &Entry::row);
+    if (place != order.end()) {
+        const std::uint64_t key = place->GetRow().GetKey();
+        const auto equals = std::find_if(std::make_reverse_iterator(place), order.rend(),
+            [key](const Entry& other) { return other.GetRow().GetKey() != key; });
+        std::rotate(equals.base(), place, place + 1);
+    }
+    isInOrder = true;
 }
 
 // From the most to the least important: each is inserted at its position, and each later entry moves only

@@ -2,6 +2,7 @@
 
 #include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
+#include "harmonet/kernel/ImportanceSort.h"
 #include "harmonet/kernel/SoundRows.h"
 
 #include <cstdint>
@@ -19,14 +20,7 @@ namespace Quon
 class HARMONET_INTERNAL_API SndList
 {
 public:
-    struct Entry
-    {
-        std::uint32_t row;
-        std::uint32_t serial;
-
-        SoundRow& GetRow() const { return SoundRows::At(row); }
-        bool IsStale() const { return GetRow().serial != serial; }
-    };
+    using Entry = ListEntry;
 
     bool IsEmpty() const { return count == 0; }
     int GetCount() const { return static_cast<int>(count); }
@@ -36,30 +30,18 @@ public:
     void Append(std::uint32_t row, ListID id);
     /// Inserts before the first sound, from the head, that is not less important: first among equals.
     void InsertSorted(std::uint32_t row, ListID id);
-    void Remove(SoundRow& row);
+    void Remove(SoundRow row);
     /// Call it before the importance of a sound changes: the list may not be in order afterwards.
     void ForgetOrder();
 
     /// All entries from the head, including stale ones. Valid until the list changes.
     std::span<const Entry> GetEntries();
-    /// The same without stale ones; calls `visit` for the row of each.
-    template<class Visit>
-    std::span<Entry> Compact(Visit visit)
-    {
-        Merge();
-        auto end = order.begin();
-        for (const Entry& entry : order) {
-            if (const SoundRow& row = entry.GetRow(); row.serial == entry.serial) {
-                *end++ = entry;
-                visit(row);
-            }
-        }
-        order.erase(end, order.end());
-        return order;
-    }
-    std::span<Entry> Compact();
-    /// Records that the entries returned by Compact() have been sorted.
-    void SetInOrder() { isInOrder = true; }
+    /// The same without stale ones.
+    std::span<const Entry> Compact();
+    /// Sorts the list: `ranking` is the new order of the entries returned by Compact(), the least important
+    /// first. Sounds removed since then are left out; they must not be on another list yet. The sound in row
+    /// `first`, if any, moves before its equals.
+    void SetOrder(std::span<const ImportanceSort::Item> ranking, std::uint32_t first);
 
     /// Calls `visit` for every sound, from the head. The list must not change meanwhile.
     template<class Visit>
@@ -67,7 +49,7 @@ public:
     {
         for (const Entry& entry : GetEntries()) {
             if (!entry.IsStale()) {
-                visit(*entry.GetRow().sound);
+                visit(*entry.GetRow().GetSound());
             }
         }
     }

@@ -1,32 +1,49 @@
 #include "harmonet/kernel/SoundRows.h"
 
 #include "harmonet/engine/Alloc.h"
+#include "harmonet/kernel/NameIndex.h"
 #include "harmonet/kernel/SndKernel.h"
 
 #include <algorithm>
-#include <memory>
+#include <new>
+#include <utility>
 
 namespace Quon
 {
 
-namespace
+void SoundRow::Reset(SndBase* sound) const
 {
-
-template<class T>
-T* Grow(T* old, std::uint32_t count, std::uint32_t newCapacity)
-{
-    auto* grown = static_cast<T*>(Alloc::New(static_cast<unsigned int>(newCapacity * sizeof(T))));
-    std::copy_n(old, count, grown);
-    Alloc::Delete(old);
-    return grown;
+    constexpr std::uint32_t longAgo = 1000;
+    SetPlace(Vector3());
+    Flags() = 0;
+    Marks() = RowMoved;
+    Priority() = 0;
+    DistSqr() = 0.0F;
+    Multiplier() = 1.0F;
+    StateTimeMs() = longAgo;
+    Name() = NameIndex::none;
+    Serial() = 0;
+    MaxDistance() = 0.0F;
+    SamplesLeft() = 0;
+    RateHz() = 0;
+    CountedSamples() = 0;
+    List() = ListID::None;
+    Reason() = SoundReason::None;
+    block->sound[lane] = sound;
 }
 
-} // namespace
+bool SoundRow::CanCount(const UpdateStep& step) const
+{
+    if (!HasMark(RowCounted) || HasAnyFlag(FlagPolyline | FlagLooping)) {
+        return HasMark(RowCounted) && !HasAnyFlag(FlagPolyline);
+    }
+    const std::uint64_t leftMs = std::uint64_t{1000} * static_cast<std::uint32_t>(SamplesLeft());
+    const std::uint64_t neededMs = std::uint64_t{step.minEmulationMs} + step.ms + 1;
+    return !HasMark(RowOwnRate) && leftMs >= neededMs * RateHz() && CalcSamples(step) < SamplesLeft();
+}
 
-SoundRow** SoundRows::chunks = nullptr;
-void** SoundRows::blocks = nullptr;
-std::uint32_t* SoundRows::useCounts = nullptr;
-std::uint32_t SoundRows::numChunks = 0;
+SoundBlock** SoundRows::blocks = nullptr;
+std::uint32_t SoundRows::numBlocks = 0;
 std::uint32_t SoundRows::capacity = 0;
 std::uint32_t SoundRows::firstFree = noRow;
 std::uint32_t SoundRows::numUsed = 0;
@@ -34,13 +51,15 @@ std::uint32_t SoundRows::numUsed = 0;
 std::uint32_t SoundRows::Take(SndBase& sound)
 {
     if (firstFree == noRow) {
-        AddChunk();
+        AddBlock();
     }
     const std::uint32_t row = firstFree;
-    firstFree = At(row).samplesLeft >= 0 ? static_cast<std::uint32_t>(At(row).samplesLeft) : noRow;
-    At(row) = SoundRow();
-    At(row).sound = &sound;
-    ++useCounts[row / chunkRows];
+    firstFree = At(row).Name();
+    At(row).Reset(&sound);
+    constexpr std::uint32_t step = SoundBlock::laneGroup;
+    SoundBlock& block = *blocks[row / SoundBlock::numLanes];
+    block.end = std::max(block.end, (row % SoundBlock::numLanes / step + 1) * step);
+    ++block.numUsed;
     ++numUsed;
     return row;
 }
@@ -48,36 +67,32 @@ std::uint32_t SoundRows::Take(SndBase& sound)
 // The serial shows remaining references to the row that the sound no longer exists.
 void SoundRows::GiveBack(std::uint32_t row)
 {
-    At(row) = SoundRow();
-    At(row).samplesLeft = firstFree != noRow ? static_cast<std::int32_t>(firstFree) : -1;
-    firstFree = row;
-    --useCounts[row / chunkRows];
+    At(row).Reset(nullptr);
+    At(row).Name() = std::exchange(firstFree, row);
+    SoundBlock& block = *blocks[row / SoundBlock::numLanes];
+    block.end = --block.numUsed > 0 ? block.end : 0;
     --numUsed;
     if (!theKernel) {
         Trim();
     }
 }
 
-void SoundRows::AddChunk()
+void SoundRows::AddBlock()
 {
     constexpr std::uint32_t minCapacity = 16;
-    if (numChunks == capacity) {
+    if (numBlocks == capacity) {
         const std::uint32_t newCapacity = std::max(minCapacity, 2 * capacity);
-        chunks = Grow(chunks, numChunks, newCapacity);
-        blocks = Grow(blocks, numChunks, newCapacity);
-        useCounts = Grow(useCounts, numChunks, newCapacity);
+        auto** grown = static_cast<SoundBlock**>(
+            Alloc::New(static_cast<unsigned int>(newCapacity * sizeof(SoundBlock*))));
+        std::copy_n(blocks, numBlocks, grown);
+        Alloc::Delete(std::exchange(blocks, grown));
         capacity = newCapacity;
     }
-    std::size_t space = (chunkRows + 1) * sizeof(SoundRow);
-    void* place = blocks[numChunks] = Alloc::New(static_cast<unsigned int>(space));
-    std::align(alignof(SoundRow), chunkRows * sizeof(SoundRow), place, space);
-    chunks[numChunks] = static_cast<SoundRow*>(place);
-    std::uninitialized_default_construct_n(chunks[numChunks], chunkRows);
-    useCounts[numChunks] = 0;
-    const std::uint32_t first = numChunks++ * chunkRows;
-    for (std::uint32_t row = first + chunkRows; row-- > first;) {
-        At(row).samplesLeft = firstFree != noRow ? static_cast<std::int32_t>(firstFree) : -1;
-        firstFree = row;
+    blocks[numBlocks] = new (Alloc::New(sizeof(SoundBlock))) SoundBlock;
+    std::uint32_t row = ++numBlocks * SoundBlock::numLanes;
+    for (std::uint32_t lane = 0; lane < SoundBlock::numLanes; ++lane) {
+        At(--row).Reset(nullptr);
+        At(row).Name() = std::exchange(firstFree, row);
     }
 }
 
@@ -86,14 +101,9 @@ void SoundRows::Trim()
     if (numUsed > 0) {
         return;
     }
-    std::for_each_n(blocks, numChunks, Alloc::Delete);
-    Alloc::Delete(chunks);
-    Alloc::Delete(blocks);
-    Alloc::Delete(useCounts);
-    chunks = nullptr;
-    blocks = nullptr;
-    useCounts = nullptr;
-    numChunks = 0;
+    std::for_each_n(blocks, numBlocks, Alloc::Delete);
+    Alloc::Delete(std::exchange(blocks, nullptr));
+    numBlocks = 0;
     capacity = 0;
     firstFree = noRow;
 }

@@ -27,8 +27,8 @@ public:
     SndBase* Find(int id) const
     {
         const std::uint32_t row = index.Find(Spread(id),
-            [id](std::uint32_t number) { return SoundRows::At(number).sound->GetSoundID() == id; });
-        return row != HashIndex::none ? SoundRows::At(row).sound : nullptr;
+            [id](std::uint32_t number) { return SoundRows::At(number).GetSound()->GetSoundID() == id; });
+        return row != HashIndex::none ? SoundRows::At(row).GetSound() : nullptr;
     }
     /// Calls `visit` for every sound. The table must not change meanwhile.
     template<class Visit>
@@ -36,7 +36,7 @@ public:
     {
         for (const auto& bucket : buckets) {
             for (const std::uint32_t row : bucket) {
-                visit(*SoundRows::At(row).sound);
+                visit(*SoundRows::At(row).GetSound());
             }
         }
     }
@@ -50,7 +50,10 @@ private:
         constexpr std::uint32_t goldenRatio = 0x9E3779B1;
         return static_cast<std::uint32_t>(id) * goldenRatio;
     }
-    static std::uint32_t HashOf(std::uint32_t row) { return Spread(SoundRows::At(row).sound->GetSoundID()); }
+    static std::uint32_t HashOf(std::uint32_t row)
+    {
+        return Spread(SoundRows::At(row).GetSound()->GetSoundID());
+    }
 
     EngineVector<std::uint32_t> buckets[numBuckets];
     HashIndex index; ///< Of row numbers, by id.

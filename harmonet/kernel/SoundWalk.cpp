@@ -11,7 +11,7 @@ SoundWalk::SoundWalk(SndKernel& kernel, ListID id, Direction newDirection, Newco
     , begin(first)
     , end(first)
     , direction(newDirection)
-    , skippedMark(newcomers == SkipNewcomers ? RowNewcomer : 0)
+    , skippedMark(newcomers == SkipNewcomers ? std::uint32_t{RowNewcomer} : 0U)
 {
     const std::span<const SndList::Entry> entries = kernel.GetList(id).GetEntries();
     memory.insert(memory.end(), entries.begin(), entries.end());

@@ -36,17 +36,17 @@ public:
     SoundWalk& operator=(const SoundWalk&) = delete;
     ~SoundWalk() { memory.resize(first); }
 
-    /// Returns the next sound's row, or null at the end.
-    SoundRow* Next()
+    /// Returns the next sound's row, or none at the end.
+    SoundRow Next()
     {
         while (begin < end) {
             const SndList::Entry entry = memory[direction == FromHead ? begin++ : --end];
-            SoundRow& row = entry.GetRow();
-            if (row.serial == entry.serial && !row.HasMark(skippedMark)) {
-                return &row;
+            const SoundRow row = entry.GetRow();
+            if (row.Serial() == entry.serial && !row.HasMark(skippedMark)) {
+                return row;
             }
         }
-        return nullptr;
+        return {};
     }
 
 private:
@@ -55,7 +55,7 @@ private:
     std::size_t begin;
     std::size_t end;
     const Direction direction;
-    const std::uint16_t skippedMark; ///< The mark of sounds to skip, or none.
+    const std::uint32_t skippedMark; ///< The mark of sounds to skip, or none.
 };
 
 } // namespace Quon

@@ -102,7 +102,7 @@ SndBase* SndKernel::FindToGiveWay(const SndBase& newcomer, const DefinitionState
 
 float SndKernel::CalcLevel(const SndBase& sound) const
 {
-    const bool isVirtual = sound.Row().list == ListID::Emulated && !sound.IsPolyline();
+    const bool isVirtual = sound.Row().List() == ListID::Emulated && !sound.IsPolyline();
     if (isVirtual) {
         return 0.0F;
     }

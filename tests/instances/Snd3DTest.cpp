@@ -2,7 +2,10 @@
 #include "harmonet/engine/Particle.h"
 #include "tests/support/SoundTest.h"
 
+#include <algorithm>
 #include <cmath>
+#include <string>
+#include <vector>
 
 namespace Quon
 {
@@ -82,6 +85,56 @@ TEST_F(Snd3DTest, ASoundStaysWhereItWasHeardWhenItsNodeIsDestroyed)
     EXPECT_EQ(group->GetSoundPosition(id).x, heardAt);
     EXPECT_NEAR(Find(id)->GetDistSqr(), heardAt * heardAt, 1e-4);
     EXPECT_NEAR(group->GetSoundOrientation(id).z, std::sqrt(0.5), 1e-6);
+}
+
+// With many heard sounds an update goes through them in memory order, with few in the order of the list. Idle
+// sounds make the same ones few.
+TEST_F(Snd3DTest, ManyHeardSoundsAreUpdatedLikeAFew)
+{
+    constexpr int numHeard = 40;
+    system.SetMaxAudibleSounds(2 * numHeard);
+    const auto run = [this](int numIdle) {
+        std::vector<int> ids;
+        for (int i = 0; i < numIdle; ++i) {
+            group->New3DSound(file, nullptr);
+        }
+        for (int i = 0; i < numHeard; ++i) {
+            ids.push_back(Play3D(file, 1.0F + static_cast<float>(i)));
+        }
+        Lines lines;
+        for (int update = 0; update < 12; ++update) {
+            if (update % 4 == 1) {
+                microphone->SetPosition({0.0F, static_cast<float>(update), 0.0F});
+            }
+            for (std::size_t i = update % 3; update % 4 != 3 && i < ids.size(); i += 3) {
+                // One goes out of reach and comes back, one stays at the edge.
+                const bool isFar = i == 7 && update > 2 && update < 10;
+                const float x = isFar ? 200.0F : i == 8 ? 100.0F : 9.0F;
+                group->SetSoundPosition(ids[i], {x, static_cast<float>(update) / 2.0F, 1.0F});
+            }
+            Step(50);
+            for (const std::string& line : TakeLog()) {
+                if (line.find("Set") != std::string::npos) {
+                    lines.push_back(line.substr(line.find(' ')));
+                }
+            }
+            for (const int id : ids) {
+                const SoundState state = Sound::GetState(id);
+                lines.push_back(ToText(state.distance) + ' ' + DescribeReason(state.reason) + ' ' +
+                    std::to_string(Find(id)->GetStateTime()) + ' ' + std::to_string(Find(id)->GetSndFlags()));
+            }
+        }
+        system.StopAll();
+        microphone->SetPosition(origin);
+        Step(50);
+        TakeLog();
+        return lines;
+    };
+    const Lines many = run(0);
+    EXPECT_GT(std::ranges::count_if(many,
+                  [](const std::string& line) { return line.find("SetPosition") != std::string::npos; }),
+        100);
+    EXPECT_EQ(many, run(2000));
 }
 
 TEST_F(Snd3DTest, OnlyAConeInUseCostsCalls)

@@ -22,12 +22,12 @@ public:
     std::uint32_t GetRowNumber()
     {
         std::uint32_t number = 0;
-        while (&SoundRows::At(number) != &Row()) {
+        while (SoundRows::At(number) != Row()) {
             ++number;
         }
         return number;
     }
-    SoundRow& GetRow() { return Row(); }
+    SoundRow GetRow() { return Row(); }
 };
 
 } // namespace
@@ -44,7 +44,7 @@ TEST(SndList, MatchesSortedInsertion)
     std::list<const SndBase*> plain;
     for (int step = 0; step < 20000; ++step) {
         ListedSound& sound = *sounds[random() % sounds.size()];
-        const bool isListed = sound.GetRow().list != ListID::None;
+        const bool isListed = sound.GetRow().List() != ListID::None;
         if (isListed && random() % 4 == 0) {
             // Some change their importance, after which the list is only as good as the last comparison.
             list.ForgetOrder();

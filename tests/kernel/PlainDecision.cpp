@@ -64,14 +64,14 @@ bool PlainDecision::IsLess(std::uint32_t left, std::uint32_t right, bool weighte
 bool PlainDecision::IsEligible(std::uint32_t number) const
 {
     const Contender& contender = contenders[number];
-    const auto has = [&](ContenderTraits trait) { return (contender.traits & trait) != 0; };
-    return has(TraitInRange) && !has(TraitPaused) && !has(TraitLine) && !has(TraitDelayed) &&
-        !has(TraitNewcomer) && contender.stateTimeMs >= 200;
+    const bool isBarred = (contender.flags & (FlagInPause | FlagPolyline)) != 0 ||
+        (contender.marks & (RowDelayed | RowNewcomer)) != 0;
+    return (contender.flags & FlagDistLTMax) != 0 && !isBarred && contender.stateTimeMs >= 200;
 }
 
 bool PlainDecision::IsMusic(std::uint32_t number) const
 {
-    return (contenders[number].traits & TraitMusic) != 0;
+    return (contenders[number].flags & FlagMusic) != 0;
 }
 
 void PlainDecision::RateDuplicates()

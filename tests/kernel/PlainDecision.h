@@ -9,8 +9,20 @@
 namespace Quon
 {
 
+/// A sound that has a channel or competes for one.
+struct Contender
+{
+    std::int32_t priority = 0;
+    float distSqr = 0.0F;
+    std::uint32_t name = 0;
+    std::uint32_t stateTimeMs = 1000;
+    std::uint32_t flags = FlagDistLTMax; ///< SndFlags.
+    std::uint32_t marks = 0; ///< RowMarks.
+};
+using ContenderCounts = std::array<std::size_t, numContenderLists>;
+
 /// The kernel's decision in its plainest form: lists that are searched, compared pair by pair and sorted by
-/// insertion. Slow, and shares nothing with Decide() but the contenders.
+/// insertion. Slow, and shares nothing with Decide().
 struct PlainDecision
 {
     using List = std::list<std::uint32_t>;

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <bit>
+#include <cstdint>
+
+// Selection without branches, which compilers turn into vector instructions.
+
+namespace Quon
+{
+
+/// All bits if the condition holds, otherwise none.
+constexpr std::uint32_t Mask(bool condition)
+{
+    return 0U - static_cast<std::uint32_t>(condition);
+}
+
+constexpr std::uint32_t Select(std::uint32_t mask, std::uint32_t yes, std::uint32_t no)
+{
+    return (yes & mask) | (no & ~mask);
+}
+
+constexpr std::int32_t Select(std::uint32_t mask, std::int32_t yes, std::int32_t no)
+{
+    return static_cast<std::int32_t>(
+        Select(mask, static_cast<std::uint32_t>(yes), static_cast<std::uint32_t>(no)));
+}
+
+constexpr float Select(std::uint32_t mask, float yes, float no)
+{
+    return std::bit_cast<float>(
+        Select(mask, std::bit_cast<std::uint32_t>(yes), std::bit_cast<std::uint32_t>(no)));
+}
+
+} // namespace Quon
