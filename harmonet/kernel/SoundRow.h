@@ -8,6 +8,7 @@
 
 #include <array>
 #include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <span>
@@ -96,7 +97,7 @@ constexpr std::uint32_t AddClamped(std::uint32_t value, std::uint32_t more)
 /// What a full update reads and writes of a number of sounds: an array for each value, indexed by the lane of
 /// the sound. An update reads only the arrays that it needs, in memory order, and can use vector
 /// instructions.
-struct alignas(16) SoundBlock
+struct alignas(std::max_align_t) SoundBlock
 {
     static constexpr std::uint32_t numLanes = 512;
     static constexpr std::uint32_t laneGroup = 16; ///< A multiple of the length of vectors.
