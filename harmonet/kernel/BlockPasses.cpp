@@ -20,6 +20,8 @@ SndKernel::VirtualSounds SndKernel::UpdatePlaces(const UpdateStep& step)
     return all;
 }
 
+// Starts counting where possible, and finds out about the virtual sounds of a block. Only those that are no
+// counted loops need a closer look.
 void SndKernel::PrepareBlock(SoundBlock& block, const UpdateStep& step, VirtualSounds& all)
 {
     SoundBlock::Column<std::uint32_t> mayEnd;
@@ -96,7 +98,8 @@ void SndKernel::MeasureBlock(
     }
 }
 
-// Whether no sound can leave the playing list in this update, so that no observer can be called.
+// Finds out whether any sound with a channel can leave the playing list in this update, which can call
+// observers.
 SndKernel::HeardSounds SndKernel::LookAtHeard(const UpdateStep& step) const
 {
     const std::uint32_t barredFlags = FlagInPause | FlagPolyline | (activeMicrophone ? 0U : Flag3D);
@@ -116,7 +119,7 @@ SndKernel::HeardSounds SndKernel::LookAtHeard(const UpdateStep& step) const
             leaves |= isHeard & (isBarred | (range & FlagDistGTMax));
             moved |= isHeard & marks;
         }
-        // An observer has moved it in this update.
+        // One that an observer has moved in this update needs its place first.
         block->ForEachUnplaced(
             [&](std::uint32_t lane) { leaves |= Mask(block->list[lane] == ListID::Playing); });
     }

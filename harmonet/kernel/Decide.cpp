@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <limits>
 
 namespace Quon
 {

@@ -6,7 +6,6 @@
 #include <cassert>
 #include <cmath>
 #include <limits>
-#include <span>
 
 namespace Quon
 {
