@@ -179,11 +179,6 @@ void Snd3D::Play(SndFile* file)
     SndBase::Play(file);
 }
 
-void SndBase::UpdatePlace(SoundRow row)
-{
-    static_cast<Snd3D*>(row.GetSound())->UpdatePlace(row);
-}
-
 void SndBase::UpdatePlaces(SoundBlock& block)
 {
     const bool isFollowing = theKernel && theKernel->GetDoppler().IsFollowing();

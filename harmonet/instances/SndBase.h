@@ -413,9 +413,7 @@ private:
 
     // For positional sounds, by their rows.
 
-    /// Gets the position of the node.
-    static void UpdatePlace(SoundRow row);
-    /// The same for all nodes of a block that have moved.
+    /// Gets the positions of all nodes of a block that have moved.
     static void UpdatePlaces(SoundBlock& block);
     /// Sends the position to the channel, if any.
     static void SendMove(SoundRow row);

@@ -147,13 +147,13 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
         return true;
     }
     const UpdateStep step = theKernel->MakeStep(seconds);
-    const unsigned long left = GetRemainLength();
+    const SoundRow row = Row();
+    StartCounting();
+    const unsigned long left = row.CanCount(step) ? unknownLength : GetRemainLength();
     if (left != unknownLength && left < std::uint64_t{step.minEmulationMs} + step.ms) {
         hasRunOut = true;
         return false;
     }
-    const SoundRow row = Row();
-    StartCounting();
     if (row.HasMark(RowCounted)) {
         const std::int32_t samples = row.CalcSamples(step);
         if (row.CountSamples(samples)) {

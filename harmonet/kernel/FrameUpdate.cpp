@@ -158,7 +158,7 @@ void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
     }
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::SkipNewcomers);
     while (const SoundRow row = walk.Next()) {
-        if (UpdateVirtual(row, step)) {
+        if (row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved)) {
             row.AddStateTime(elapsed);
             continue;
         }
@@ -168,52 +168,6 @@ void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
         }
         delete row.GetSound();
     }
-}
-
-void SndKernel::Count(SoundRow row, const UpdateStep& step)
-{
-    const std::int32_t samples = row.CalcSamples(step);
-    if (!row.CountSamples(samples)) {
-        row.GetSound()->CountLoop(samples);
-    }
-}
-
-// What SndUpdate() does, mostly with the row alone. False when the sound has ended.
-bool SndKernel::UpdateVirtual(SoundRow row, const UpdateStep& step)
-{
-    if (row.IsHeldBack() || row.IsUnplaced() || !row.CanCount(step)) {
-        return row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved);
-    }
-    if (row.HasAnyFlag(Flag3D)) {
-        if (step.listenerMoved || row.HasMark(RowMoved)) {
-            MeasureDistance(row, step.listener);
-        }
-        row.SetMark(RowMoved, false);
-    }
-    Count(row, step);
-    return true;
-}
-
-// The same for a sound that has a channel.
-bool SndKernel::UpdateHeard(SoundRow row, const UpdateStep& step)
-{
-    const bool hasMoved = row.HasMark(RowMoved);
-    if (row.HasAnyFlag(FlagPolyline) || (hasMoved && row.HasMark(RowReturns))) {
-        return row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved);
-    }
-    if (!row.HasAnyFlag(Flag3D) || row.IsHeldBack()) {
-        return true;
-    }
-    if (row.IsUnplaced()) {
-        SndBase::UpdatePlace(row);
-    }
-    if (step.listenerMoved || hasMoved) {
-        MeasureDistance(row, step.listener);
-    }
-    if (hasMoved) {
-        SndBase::SendMove(row);
-    }
-    return true;
 }
 
 void SndKernel::UpdatePlaying(const UpdateStep& step)
@@ -229,15 +183,15 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
     }
     SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
     while (const SoundRow row = walk.Next()) {
-        if (!UpdateHeard(row, step)) {
-            SndBase* sound = row.GetSound();
+        SndBase* sound = row.GetSound();
+        if (!sound->SndUpdate(step.seconds, step.listener, step.listenerMoved)) {
             Unlist(*sound);
             delete sound;
             continue;
         }
         row.AddStateTime(elapsed);
         if (const SoundReason reason = WhyInaudible(row); reason != SoundReason::None) {
-            LeavePlaying(*row.GetSound(), reason);
+            LeavePlaying(*sound, reason);
         }
         else {
             row.Flags() = (row.Flags() | FlagDistLTMax) & ~FlagDistGTMax;

@@ -262,9 +262,6 @@ private:
     void CountBlock(SoundBlock& block, const UpdateStep& step) const;
     static void MeasureBlock(
         SoundBlock& block, const SoundBlock::Column<std::uint32_t>& isActive, const UpdateStep& step);
-    static void Count(SoundRow row, const UpdateStep& step);
-    static bool UpdateVirtual(SoundRow row, const UpdateStep& step);
-    static bool UpdateHeard(SoundRow row, const UpdateStep& step);
     /// What an update finds out about the sounds with channels before it moves them.
     struct HeardSounds
     {
