@@ -450,7 +450,6 @@ private:
     void FillOwnState(SoundState& state) const;
 
     static int NextSoundID();
-    static constexpr std::uint32_t noTablePlace = 0xFFFFFFFF;
 
     // What an update and a look-up read comes first, next to the position of a positional sound.
     const std::uint32_t rowNumber; ///< Of Row().
@@ -477,7 +476,6 @@ private:
     std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
     float gain = 1.0F;
     std::uint32_t startSerial = 0; ///< Serial number of this start among all sounds; 0 before the first.
-    std::uint32_t tablePlace = noTablePlace; ///< Its index in the kernel's table.
     std::int64_t startGameTime = 0; ///< When it is to begin, on the kernel's StartClock,
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the current reason was set.

@@ -22,18 +22,12 @@ bool IsFindable(SoundRow row)
 
 void SndKernel::AddSound(SndBase* sound)
 {
-    sound->tablePlace = soundTable.Add(sound->rowNumber);
+    soundTable.Add(sound->soundID, sound->rowNumber);
 }
 
 void SndKernel::UnregisterSound(SndBase* sound)
 {
-    if (sound->tablePlace == SndBase::noTablePlace) {
-        return;
-    }
-    if (SndBase* moved = soundTable.Remove(sound->rowNumber, sound->tablePlace)) {
-        moved->tablePlace = sound->tablePlace;
-    }
-    sound->tablePlace = SndBase::noTablePlace;
+    soundTable.Remove(sound->Row());
 }
 
 void SndKernel::RemoveSound(SndBase* sound)

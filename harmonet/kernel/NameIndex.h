@@ -3,9 +3,10 @@
 #include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/PString.h"
-#include "harmonet/kernel/HashIndex.h"
 
 #include <cstdint>
+#include <functional>
+#include <unordered_map>
 
 namespace Quon
 {
@@ -16,15 +17,21 @@ namespace Quon
 class HARMONET_INTERNAL_API NameIndex
 {
 public:
-    static constexpr std::uint32_t none = HashIndex::none;
+    static constexpr std::uint32_t none = 0xFFFFFFFF;
 
-    struct Name
+    /// The identities of two names.
+    struct Key
     {
         const void* file;
         const void* owner;
+        bool operator==(const Key&) const = default;
+    };
+    struct Name
+    {
+        Key key;
         std::uint32_t numUsers;
         std::uint32_t numListed;
-        std::uint32_t lengthMs; ///< Of those that are listed.
+        std::uint32_t lengthMs; ///< Of those that are listed. Of an unused number: the next unused one.
         bool isUniform; ///< Whether all have that length.
     };
 
@@ -41,9 +48,21 @@ public:
     void Leave(std::uint32_t number) { --names[number].numListed; }
 
 private:
+    struct Hash
+    {
+        std::size_t operator()(const Key& key) const noexcept
+        {
+            constexpr std::size_t factor = 31;
+            const std::hash<const void*> hash;
+            return hash(key.file) * factor + hash(key.owner);
+        }
+    };
+
     EngineVector<Name> names;
-    EngineVector<std::uint32_t> freeNumbers;
-    HashIndex index;
+    std::uint32_t firstUnused = none;
+    std::unordered_map<Key, std::uint32_t, Hash, std::equal_to<Key>,
+        EngineAllocator<std::pair<const Key, std::uint32_t>>>
+        numbers;
 };
 
 } // namespace Quon

@@ -1,29 +1,40 @@
 #include "harmonet/kernel/SoundTable.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace Quon
 {
 
-std::uint32_t SoundTable::Add(std::uint32_t row)
+void SoundTable::Add(int id, std::uint32_t row)
 {
-    auto& bucket = buckets[BucketOf(SoundRows::At(row).GetSound()->GetSoundID())];
-    // Allocations come first.
-    index.Reserve(HashOf);
-    bucket.push_back(row);
-    index.Add(row, HashOf(row));
-    return static_cast<std::uint32_t>(bucket.size() - 1);
+    auto& bucket = buckets[BucketOf(id)];
+    bucket.insert(std::ranges::upper_bound(bucket, id, {}, &Entry::id), {id, row});
+    SoundRows::At(row).TableID() = id;
+    ++numSounds;
 }
 
-SndBase* SoundTable::Remove(std::uint32_t row, std::uint32_t place)
+void SoundTable::Remove(SoundRow row)
 {
-    index.Remove(row, HashOf);
-    auto& bucket = buckets[BucketOf(SoundRows::At(row).GetSound()->GetSoundID())];
-    const std::uint32_t last = bucket.back();
-    bucket.pop_back();
-    if (place == bucket.size()) {
-        return nullptr;
+    if (std::exchange(row.TableID(), 0) == 0) {
+        return;
     }
-    bucket[place] = last;
-    return SoundRows::At(last).GetSound();
+    constexpr std::size_t fewEntries = 64;
+    if (++numStale <= --numSounds + fewEntries) {
+        return;
+    }
+    for (auto& bucket : buckets) {
+        std::erase_if(bucket, [](const Entry& entry) { return entry.IsStale(); });
+    }
+    numStale = 0;
+}
+
+SndBase* SoundTable::Find(int id) const
+{
+    const auto& bucket = buckets[BucketOf(id)];
+    const auto entry = std::ranges::lower_bound(bucket, id, {}, &Entry::id);
+    const bool isFound = entry != bucket.end() && entry->id == id && !entry->IsStale();
+    return isFound ? SoundRows::At(entry->row).GetSound() : nullptr;
 }
 
 } // namespace Quon
