@@ -41,13 +41,10 @@ SndList::Entry SndList::Enter(std::uint32_t row, ListID id)
 
 void SndList::DropStale()
 {
-    std::erase_if(order, [](const Entry& entry) { return entry.IsStale(); });
-    DropStaleAdded();
-}
-
-void SndList::DropStaleAdded()
-{
-    std::erase_if(added, [](const Added& other) { return other.entry.IsStale(); });
+    if (order.size() + added.size() > count) {
+        std::erase_if(order, [](const Entry& entry) { return entry.IsStale(); });
+        std::erase_if(added, [](const Added& other) { return other.entry.IsStale(); });
+    }
 }
 
 // Before Enter(): a sound must not be marked as listed if adding its entry fails.
@@ -108,9 +105,7 @@ std::span<const SndList::Entry> SndList::GetEntries()
 std::span<const SndList::Entry> SndList::Compact()
 {
     Merge();
-    if (order.size() != count) {
-        DropStale();
-    }
+    DropStale();
     return order;
 }
 
@@ -142,54 +137,21 @@ void SndList::Merge()
     if (added.empty()) {
         return;
     }
-    // Entries that were added and removed again get no position. Few of the others are stale then.
-    constexpr std::size_t staleShare = 8;
-    if (order.size() + added.size() - count > order.size() / staleShare) {
-        DropStale();
-    }
-    else {
-        DropStaleAdded();
-    }
+    DropStale();
     // Among equals the latest comes first.
     std::ranges::sort(added, [](const Added& left, const Added& right) {
         return left.key != right.key ? left.key < right.key : IsAfter(left.entry.serial, right.entry.serial);
     });
-    std::size_t end = order.size();
-    ResizeTo(order, end + added.size());
-    std::size_t gap = order.size();
-    for (; !added.empty(); added.pop_back()) {
-        const std::size_t place = FindPlace(end, added.back().key);
-        gap -= end - place;
-        std::move_backward(order.begin() + static_cast<std::ptrdiff_t>(place),
-            order.begin() + static_cast<std::ptrdiff_t>(end),
-            order.begin() + static_cast<std::ptrdiff_t>(gap + (end - place)));
+    const std::size_t before = order.size();
+    ResizeTo(order, before + added.size());
+    auto end = order.begin() + static_cast<std::ptrdiff_t>(before);
+    for (auto gap = order.end(); !added.empty(); added.pop_back()) {
+        const auto place = std::ranges::lower_bound(order.begin(), end, added.back().key, {},
+            [](const Entry& entry) { return entry.GetRow().GetKey(); });
+        gap = std::move_backward(place, end, gap);
+        *--gap = added.back().entry;
         end = place;
-        order[--gap] = added.back().entry;
     }
-}
-
-// Returns the first entry before `end` that is not stale and not less important; `end` if there is none.
-std::size_t SndList::FindPlace(std::size_t end, std::uint64_t key) const
-{
-    std::size_t begin = 0;
-    std::size_t place = end;
-    while (begin < end) {
-        const std::size_t half = begin + (end - begin) / 2;
-        std::size_t middle = half;
-        while (middle < end && order[middle].IsStale()) {
-            ++middle;
-        }
-        if (middle < end && order[middle].GetRow().GetKey() < key) {
-            begin = middle + 1;
-        }
-        else if (middle < end) {
-            place = middle, end = half;
-        }
-        else {
-            end = half;
-        }
-    }
-    return place;
 }
 
 } // namespace Quon

@@ -57,11 +57,9 @@ public:
 private:
     Entry Enter(std::uint32_t row, ListID id);
     void DropStale();
-    void DropStaleAdded();
     template<class T>
     static void MakeRoom(EngineVector<T>& entries);
     void Merge();
-    std::size_t FindPlace(std::size_t end, std::uint64_t key) const;
 
     EngineVector<Entry> order;
     struct Added
