@@ -223,7 +223,7 @@ void SndKernel::StartEmulated()
         if (row.HasAnyFlag(FlagPolyline)) {
             continue;
         }
-        const SoundReason reason = WhyNotBack(row);
+        const SoundReason reason = WhyInaudible(row);
         if (reason == SoundReason::None) {
             StartOrDelete(*row.GetSound());
         }
@@ -262,31 +262,20 @@ void SndKernel::StartOrDelete(SndBase& sound)
     delete &sound;
 }
 
-// Returns why a sound, even one with a channel, may not have one; None if it may.
+// Returns why a sound may not have a channel; None if it may. A sound that has lost its channel must be well
+// inside its range.
 SoundReason SndKernel::WhyInaudible(SoundRow row) const
 {
     if (row.HasAnyFlag(FlagInPause)) {
         return SoundReason::Paused;
     }
+    const bool isVirtual = row.List() == ListID::Emulated;
     if (row.HasAnyFlag(Flag3D) && !activeMicrophone) {
         return SoundReason::NoListener;
     }
-    return row.HasAnyFlag(FlagDistGTMax) ? SoundReason::BeyondReach : SoundReason::None;
-}
-
-// The same for a sound that has lost its channel: it must be well inside its range.
-SoundReason SndKernel::WhyNotBack(SoundRow row) const
-{
-    if (row.HasAnyFlag(FlagInPause)) {
-        return SoundReason::Paused;
-    }
-    if (!row.HasAnyFlag(Flag3D)) {
-        return SoundReason::None;
-    }
-    if (!activeMicrophone) {
-        return SoundReason::NoListener;
-    }
-    return row.HasAnyFlag(FlagDistLTMax) ? SoundReason::None : SoundReason::BeyondReach;
+    const bool isOut = isVirtual ? row.HasAnyFlag(Flag3D) && !row.HasAnyFlag(FlagDistLTMax)
+                                 : row.HasAnyFlag(FlagDistGTMax);
+    return isOut ? SoundReason::BeyondReach : SoundReason::None;
 }
 
 } // namespace Quon

@@ -9,6 +9,7 @@
 #include "harmonet/output/SndDriver.h"
 
 #include <cmath>
+#include <memory>
 
 namespace Quon
 {
@@ -34,20 +35,20 @@ constexpr const char* noChannel =
 
 SndFile* SndKernel::OpenFileOf(SndBase& sound)
 {
-    SndFile* file = OpenWholeFileOf(sound);
+    SndFile* file = sound.IsMusic()
+        ? OpenStream(sound.substName, sound.fileName)
+        : dataCache->OpenSound(sound.substName, sound.fileName, sound.GetPriority());
     if (file) {
         sound.ApplyLoopRegion(*file);
+        sound.SetSoundLength(file->GetSoundLength());
     }
     return file;
 }
 
-SndFile* SndKernel::OpenWholeFileOf(SndBase& sound)
+SndFile* SndKernel::OpenStream(const PString& substName, const PString& fileName)
 {
-    if (sound.IsMusic()) {
-        SndFile* const held = dataCache->OpenHeld(sound.substName, sound.fileName);
-        return held ? held : SndFile::OpenFile(sound.substName, sound.fileName);
-    }
-    return dataCache->OpenSound(sound.substName, sound.fileName, sound.GetPriority());
+    SndFile* held = dataCache->OpenHeld(substName, fileName);
+    return held ? held : SndFile::OpenFile(substName, fileName);
 }
 
 bool SndKernel::PlaySound(SndBase* sound)
@@ -99,7 +100,6 @@ bool SndKernel::FindLength(SndBase& sound)
     SndFile* file = OpenFileOf(sound);
     if (file) {
         sound.TakeFile(file);
-        sound.SetSoundLength(file->GetSoundLength());
     }
     return file != nullptr;
 }
@@ -228,20 +228,13 @@ bool SndKernel::StartChannel(SndBase* sound)
     if (!driver || isFull || (sound->Is3D() && !activeMicrophone)) {
         return false;
     }
-    SndFile* file = sound->GetSndFile();
-    const bool isNewFile = !file;
-    if (isNewFile) {
-        file = OpenFileOf(*sound);
-        if (!file) {
-            return false;
-        }
-        sound->SetSoundLength(file->GetSoundLength());
+    std::unique_ptr<SndFile> opened(sound->sndFile ? nullptr : OpenFileOf(*sound));
+    SndFile* file = opened ? opened.get() : sound->GetSndFile();
+    if (!file) {
+        return false;
     }
     SndChannel* channel = driver->CreateChannel(sound->GetChannelFlags(), file, sound->GetThisFXList());
     if (!channel) {
-        if (isNewFile) {
-            delete file;
-        }
         return false;
     }
     BeginFadeIn(*sound, *channel);
@@ -250,15 +243,12 @@ bool SndKernel::StartChannel(SndBase* sound)
         EnterPlaying(*sound);
     }
     catch (...) {
-        // If memory for its entry runs out, it has no channel, and the file has no owner.
+        // If memory for its entry runs out, it has no channel.
         channel->Stop();
         sound->sndChannel = nullptr;
-        if (isNewFile) {
-            delete file;
-        }
         throw;
     }
-    PlayOnChannel(*sound, file);
+    PlayOnChannel(*sound, opened ? opened.release() : file);
     return true;
 }
 
@@ -344,7 +334,6 @@ bool SndKernel::EmulateSound(SndBase* sound)
         if (!file) {
             return false;
         }
-        sound->SetSoundLength(file->GetSoundLength());
     }
     sound->Play(file);
     const bool goesOn = sound->Emulate();
@@ -359,26 +348,17 @@ unsigned long SndKernel::GetLength(const PString& substName, const PString& file
     if (const auto length = FindLikeLength(names.Find(fileName, substName), nullptr)) {
         return *length;
     }
-    SndFile* file = dataCache->OpenHeld(substName, fileName);
-    if (!file) {
-        file = SndFile::OpenFile(substName, fileName);
-    }
-    if (!file) {
-        return 0;
-    }
-    const unsigned long length = file->GetSoundLength();
-    delete file;
-    return length;
+    const std::unique_ptr<SndFile> file(OpenStream(substName, fileName));
+    return file ? file->GetSoundLength() : 0;
 }
 
-template<class Matches>
-void SndKernel::DeleteListed(Matches matches)
+void SndKernel::DeleteListed(int kind)
 {
     for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
         SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
         while (const SoundRow row = walk.Next()) {
             SndBase* sound = row.GetSound();
-            if (!matches(row) || sound->IsInNotification()) {
+            if (!IsOfKind(*sound, kind) || sound->IsInNotification()) {
                 continue;
             }
             Unlist(*sound);
@@ -392,7 +372,7 @@ void SndKernel::StopAll()
     const bool refusedBefore = refusesSounds;
     {
         const SndBase::MusicHold hold;
-        DeleteListed([](SoundRow) { return true; });
+        DeleteListed(0);
         // Sounds that observers have started in response end too. From here on they cannot start any more, so
         // this loop terminates and no sound is left.
         refusesSounds = true;
@@ -403,13 +383,13 @@ void SndKernel::StopAll()
 
 void SndKernel::StopAll2D()
 {
-    DeleteListed([](SoundRow row) { return !row.HasAnyFlag(Flag3D | FlagMusic); });
+    DeleteListed(2);
     DeleteAllSounds(2);
 }
 
 void SndKernel::StopAll3D()
 {
-    DeleteListed([](SoundRow row) { return row.HasAnyFlag(Flag3D); });
+    DeleteListed(3);
     DeleteAllSounds(3);
 }
 

@@ -144,21 +144,16 @@ void SndKernel::DeleteSounds(Sound* parent)
 
 void SndKernel::DeleteAllSounds(int kind)
 {
+    DeleteFromTable([kind](const SndBase& sound) { return IsOfKind(sound, kind); });
+}
+
+bool SndKernel::IsOfKind(const SndBase& sound, int kind)
+{
     constexpr int kindAll = 0;
     constexpr int kind2D = 2;
     constexpr int kind3D = 3;
-    DeleteFromTable([kind](const SndBase& sound) {
-        switch (kind) {
-        case kindAll:
-            return true;
-        case kind2D:
-            return !sound.HasAnyFlag(Flag3D | FlagMusic);
-        case kind3D:
-            return sound.Is3D();
-        default:
-            return false;
-        }
-    });
+    return kind == kindAll || (kind == kind3D && sound.Is3D()) ||
+        (kind == kind2D && !sound.HasAnyFlag(Flag3D | FlagMusic));
 }
 
 template<class Matches>

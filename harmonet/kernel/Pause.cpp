@@ -111,7 +111,6 @@ bool SndKernel::StartPausedMusic(SndBase& instance)
         Pause(instance);
     }
     instance.TakeFile(file);
-    instance.SetSoundLength(file->GetSoundLength());
     StartPaused(instance, RowWasHeard);
     return true;
 }

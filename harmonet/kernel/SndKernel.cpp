@@ -224,12 +224,11 @@ bool SndKernel::GetCaps(SoundCaps& driverCaps)
 
 void SndKernel::SetMicrophone(Microphone* microphone)
 {
-    if (!activeMicrophone) {
+    if (activeMicrophone != microphone) {
         doppler.ForgetListener();
-    }
-    else if (activeMicrophone != microphone) {
-        activeMicrophone->SetActive(false);
-        doppler.ForgetListener();
+        if (activeMicrophone) {
+            activeMicrophone->SetActive(false);
+        }
     }
     activeMicrophone = microphone;
     microphone->SetActive(true);

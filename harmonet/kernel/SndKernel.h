@@ -227,9 +227,10 @@ public:
     void TraceNotice(SoundNotice notice, int soundID, const PString& fileName);
 
 private:
-    /// Opens the file of a sound without an open one: music is streamed, other sounds use the data cache.
+    /// Opens the file of a sound without an open one, and stores its length: music is streamed, other sounds
+    /// use the data cache.
     SndFile* OpenFileOf(SndBase& sound);
-    SndFile* OpenWholeFileOf(SndBase& sound);
+    SndFile* OpenStream(const PString& substName, const PString& fileName);
 
     void ReadOptions(const Options& hostOptions);
     int OpenDriver(OS* os, bool driverFlag);
@@ -310,7 +311,6 @@ private:
     static void SetUpChannel(SndBase& sound, SndChannel& channel);
     void UpdatePitches();
     SoundReason WhyInaudible(SoundRow row) const;
-    SoundReason WhyNotBack(SoundRow row) const;
     void SetReason(SoundRow row, SoundReason reason)
     {
         if (row.Reason() != reason) {
@@ -326,8 +326,8 @@ private:
     void OnChannelEnded(SndChannel* channel);
     void OnFileChanged(const SndFileChange& change);
     SndBase* FindByChannel(const SndChannel* channel);
-    template<class Matches>
-    void DeleteListed(Matches matches);
+    static bool IsOfKind(const SndBase& sound, int kind);
+    void DeleteListed(int kind);
     template<class Matches>
     void DeleteFromTable(Matches matches);
     template<class Matches>
