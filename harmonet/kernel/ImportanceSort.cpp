@@ -74,21 +74,10 @@ void ImportanceSort::EncodeBlock(const SoundBlock& block, std::uint32_t* code) c
 
 void ImportanceSort::Sort(std::span<const std::span<const ListEntry>> lists, std::span<Item> items)
 {
-    constexpr std::size_t fewItems = 48;
-    if (items.size() >= fewItems) {
-        Scatter(lists, items);
-        if (ignoredBits + droppedBits > 0) {
-            SortEqualDigits(items);
-        }
-        return;
+    Scatter(lists, items);
+    if (ignoredBits + droppedBits > 0) {
+        SortEqualDigits(items);
     }
-    Item* next = items.data();
-    for (const std::span<const ListEntry> list : lists) {
-        for (const ListEntry& entry : list) {
-            *next++ = {0, entry.row};
-        }
-    }
-    SortByComparison(items);
 }
 
 // Stable sorts by the lower digit and then by the higher one.
@@ -150,19 +139,6 @@ void ImportanceSort::SortEqualDigits(std::span<Item> items) const
 
 void ImportanceSort::SortByComparison(std::span<Item> items) const
 {
-    constexpr std::size_t veryFewItems = 8;
-    if (items.size() < veryFewItems) {
-        for (std::size_t next = 1; next < items.size(); ++next) {
-            const Item item = items[next];
-            const std::uint64_t key = KeyOf(item);
-            std::size_t place = next;
-            for (; place > 0 && key < KeyOf(items[place - 1]); --place) {
-                items[place] = items[place - 1];
-            }
-            items[place] = item;
-        }
-        return;
-    }
     const auto isBefore = [this](const Item& left, const Item& right) {
         const std::uint64_t leftKey = KeyOf(left);
         const std::uint64_t rightKey = KeyOf(right);
