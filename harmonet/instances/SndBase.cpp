@@ -1,11 +1,11 @@
 #include "harmonet/instances/SndBase.h"
 
+#include "harmonet/definitions/DefinitionState.h"
 #include "harmonet/engine/Vector.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
-#include "harmonet/kernel/DefinitionState.h"
 #include "harmonet/kernel/Motion.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundRows.h"

@@ -1,8 +1,8 @@
 // The fields of a sound that are stored in its row, or whose changes the kernel tracks.
 
+#include "harmonet/definitions/DefinitionState.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
-#include "harmonet/kernel/DefinitionState.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundRows.h"
 

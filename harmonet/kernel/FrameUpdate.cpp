@@ -273,8 +273,8 @@ SoundReason SndKernel::WhyInaudible(SoundRow row) const
     if (row.HasAnyFlag(Flag3D) && !activeMicrophone) {
         return SoundReason::NoListener;
     }
-    const bool isOut = isVirtual ? row.HasAnyFlag(Flag3D) && !row.HasAnyFlag(FlagDistLTMax)
-                                 : row.HasAnyFlag(FlagDistGTMax);
+    const bool isOut =
+        isVirtual ? row.HasAnyFlag(Flag3D) && !row.HasAnyFlag(FlagDistLTMax) : row.HasAnyFlag(FlagDistGTMax);
     return isOut ? SoundReason::BeyondReach : SoundReason::None;
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "harmonet/Export.h"
+#include "harmonet/definitions/DefinitionState.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/kernel/Decide.h"
-#include "harmonet/kernel/DefinitionState.h"
 #include "harmonet/kernel/Doppler.h"
 #include "harmonet/kernel/NameIndex.h"
 #include "harmonet/kernel/SndList.h"

@@ -11,9 +11,9 @@ namespace Quon
 /// The table of all existing sounds, started or not. It finds sounds by id, and bulk operations iterate over
 /// it. Task thread only.
 ///
-/// The sounds are in 32 buckets by the low bits of their ids, each in the order of the ids. Ids are sequential,
-/// so a new sound nearly always comes last. Removing a sound only clears the table's id in its row; stale entries
-/// are removed when they outnumber the others.
+/// The sounds are in 32 buckets by the low bits of their ids, each in the order of the ids. Ids are
+/// sequential, so a new sound nearly always comes last. Removing a sound only clears the table's id in its
+/// row; stale entries are removed when they outnumber the others.
 class SoundTable
 {
 public:

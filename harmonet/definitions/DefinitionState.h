@@ -1,12 +1,11 @@
 #pragma once
 
+#include "harmonet/definitions/RandomSequence.h"
 #include "harmonet/definitions/SoundVariation.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/PString.h"
-#include "harmonet/kernel/RandomSequence.h"
 
 #include <cstdint>
-#include <memory>
 #include <optional>
 #include <unordered_map>
 
@@ -26,8 +25,8 @@ struct SoundChoice
     float frequencyFactor = 1.0F; ///< For the rate of the definition or of the file.
 };
 
-/// The kernel's state of one sound definition between starts. Task thread only.
-class DefinitionState : public Allocated
+/// The state of one sound definition between starts. Task thread only.
+class DefinitionState
 {
 public:
     DefinitionState(std::uint64_t seed, const PString& newName, const PString& owner);
@@ -79,11 +78,10 @@ private:
             return std::hash<PString>()(key.name) * 31 + std::hash<PString>()(key.owner);
         }
     };
-    using States = std::unordered_map<Key, std::unique_ptr<DefinitionState>, Hash, std::equal_to<Key>,
-        EngineAllocator<std::pair<const Key, std::unique_ptr<DefinitionState>>>>;
-
     std::uint64_t seed = 0;
-    States states;
+    std::unordered_map<Key, DefinitionState, Hash, std::equal_to<Key>,
+        EngineAllocator<std::pair<const Key, DefinitionState>>>
+        states;
 };
 
 } // namespace Quon

@@ -1,4 +1,4 @@
-#include "harmonet/kernel/DefinitionState.h"
+#include "harmonet/definitions/DefinitionState.h"
 
 #include "harmonet/definitions/SoundResource.h"
 
@@ -90,18 +90,9 @@ float DefinitionState::ChooseGain(const SoundResource& resource)
 
 DefinitionState& DefinitionStates::Get(const SoundResource& resource)
 {
-    const auto [place, isNew] = states.try_emplace(Key{resource.GetName(), resource.GetOwnerName()});
-    if (isNew) {
-        try {
-            place->second =
-                std::make_unique<DefinitionState>(seed, resource.GetName(), resource.GetOwnerName());
-        }
-        catch (...) {
-            states.erase(place);
-            throw;
-        }
-    }
-    return *place->second;
+    const PString& name = resource.GetName();
+    const PString& owner = resource.GetOwnerName();
+    return states.try_emplace(Key{name, owner}, seed, name, owner).first->second;
 }
 
 SoundChoice DefinitionStates::Choose(const SoundResource& resource)
