@@ -68,11 +68,13 @@ bool SndKernel::PlaySound(SndBase* sound)
         if (!IsListed(*sound)) {
             StartPaused(*sound, RowWasWaiting);
         }
-        return Traced(*sound, true);
+        TraceChange(*sound);
+        return true;
     }
     if (sound->IsImmediately() && !sound->GetInPause()) {
         if (StartImmediately(*sound)) {
-            return Traced(*sound, true);
+            TraceChange(*sound);
+            return true;
         }
         // Otherwise it may have been deleted.
         if (!competes) {
@@ -152,21 +154,15 @@ bool SndKernel::StartImmediately(SndBase& sound)
     Unlist(sound);
     MarkStarted(sound, true);
     const bool competes = sound.HasAnyFlag(FlagCompete);
-    if (!sound.Is3D()) {
-        return competes ? StartChannel(&sound) : StartNow(sound);
-    }
-    if (activeMicrophone && (sound.GetChannelFlags() & ChanCutOut)) {
+    const bool hasReach = (sound.GetChannelFlags() & ChanCutOut) != 0;
+    if (hasReach && activeMicrophone) {
         sound.CalcDistSqr(activeMicrophone->GetGlobalPosition());
     }
-    if (!activeMicrophone) {
-        SetReason(sound.Row(), SoundReason::NoListener);
-    }
-    else if ((sound.GetChannelFlags() & ChanCutOut) && sound.IsDistGTMax()) {
-        SetReason(sound.Row(), SoundReason::BeyondReach);
-    }
-    else {
+    const SoundReason reason = WhyInaudible(sound.Row());
+    if (reason == SoundReason::None || (reason == SoundReason::BeyondReach && !hasReach)) {
         return competes ? StartChannel(&sound) : StartNow(sound);
     }
+    SetReason(sound.Row(), reason);
     if (competes) {
         return false;
     }
@@ -300,7 +296,11 @@ bool SndKernel::StartMusic(SndBase& instance)
 {
     const bool waits = instance.IsPaused() || instance.Row().List() == ListID::Paused;
     MarkStarted(instance, !waits);
-    return Traced(instance, waits ? StartPausedMusic(instance) : StartNow(instance));
+    const bool isStarted = waits ? StartPausedMusic(instance) : StartNow(instance);
+    if (isStarted) {
+        TraceChange(instance);
+    }
+    return isStarted;
 }
 
 void SndKernel::GiveUpFile(SndBase& instance)

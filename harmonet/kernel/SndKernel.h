@@ -240,14 +240,6 @@ private:
     void RunFullUpdate(float seconds);
     void RunTraced(float seconds);
     void TraceChange(SndBase& sound);
-    /// Calls TraceChange() if the sound has been started; returns `isStarted`.
-    bool Traced(SndBase& sound, bool isStarted)
-    {
-        if (isStarted) {
-            TraceChange(sound);
-        }
-        return isStarted;
-    }
     void TraceEnd(SndBase& sound);
     Vector3 UpdateListener();
     /// What an update finds out about the virtual sounds before it advances them.
