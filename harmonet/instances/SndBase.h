@@ -475,6 +475,7 @@ private:
     std::unique_ptr<Extras> extras;
     std::uint32_t soundLength = static_cast<std::uint32_t>(unknownLength);
     float gain = 1.0F;
+    int tableID = 0; ///< The id under which it is in the kernel's table; 0 if it is not.
     std::uint32_t startSerial = 0; ///< Serial number of this start among all sounds; 0 before the first.
     std::int64_t startGameTime = 0; ///< When it is to begin, on the kernel's StartClock,
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.

@@ -22,12 +22,13 @@ bool IsFindable(SoundRow row)
 
 void SndKernel::AddSound(SndBase* sound)
 {
-    soundTable.Add(sound->soundID, sound->rowNumber);
+    soundTable.Add(sound->soundID, *sound);
+    sound->tableID = sound->soundID;
 }
 
 void SndKernel::UnregisterSound(SndBase* sound)
 {
-    soundTable.Remove(sound->Row());
+    soundTable.Remove(std::exchange(sound->tableID, 0));
 }
 
 void SndKernel::RemoveSound(SndBase* sound)

@@ -115,7 +115,6 @@ struct alignas(std::max_align_t) SoundBlock
     Column<std::uint32_t> stateTimeMs;
     Column<std::uint32_t> name; ///< Number of its file and owner name (NameIndex), or none.
     Column<std::uint32_t> serial; ///< Unique serial of its list entry; 0 if it is on no list.
-    Column<std::int32_t> tableID; ///< The id under which it is in the table; 0 if it is not.
     Column<float> x; ///< World position.
     Column<float> y; ///< The same.
     Column<float> z; ///< The same.
@@ -167,7 +166,6 @@ public:
     std::uint32_t& StateTimeMs() const { return block->stateTimeMs[lane]; }
     std::uint32_t& Name() const { return block->name[lane]; }
     std::uint32_t& Serial() const { return block->serial[lane]; }
-    std::int32_t& TableID() const { return block->tableID[lane]; }
     float& MaxDistance() const { return block->maxDistance[lane]; }
     std::int32_t& SamplesLeft() const { return block->samplesLeft[lane]; }
     std::uint32_t& RateHz() const { return block->rateHz[lane]; }

@@ -23,7 +23,6 @@ void SoundRow::Reset(SndBase* sound) const
     StateTimeMs() = longAgo;
     Name() = NameIndex::none;
     Serial() = 0;
-    TableID() = 0;
     MaxDistance() = 0.0F;
     SamplesLeft() = 0;
     RateHz() = 0;

@@ -1,57 +1,59 @@
 #pragma once
 
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/kernel/SoundRows.h"
 
-#include <cstdint>
+#include <cstddef>
+#include <functional>
+#include <unordered_map>
+#include <utility>
 
 namespace Quon
 {
 
-/// The table of all existing sounds, started or not. It finds sounds by id, and bulk operations iterate over
-/// it. Task thread only.
-///
-/// The sounds are in 32 buckets by the low bits of their ids, each in the order of the ids. Ids are
-/// sequential, so a new sound nearly always comes last. Removing a sound only clears the table's id in its
-/// row; stale entries are removed when they outnumber the others.
+class SndBase;
+
+/// The table of all existing sounds, started or not, by id. Bulk operations iterate over it: the sounds are
+/// in 32 buckets by the low bits of their ids, and their order within a bucket is unspecified. Task thread
+/// only.
 class SoundTable
 {
 public:
     static constexpr std::size_t numBuckets = 32;
 
-    /// Adds a sound that is not in the table.
-    void Add(int id, std::uint32_t row);
-    /// Removes the sound in that row, if it is in the table.
-    void Remove(SoundRow row);
+    /// Adds a sound under an id that is not in the table.
+    void Add(int id, SndBase& sound) { BucketOf(id).emplace(id, &sound); }
+    void Remove(int id) { BucketOf(id).erase(id); }
     /// Returns the sound with that id, or null.
-    SndBase* Find(int id) const;
+    SndBase* Find(int id) const
+    {
+        const Bucket& bucket = buckets[IndexOf(id)];
+        const auto place = bucket.find(id);
+        return place != bucket.end() ? place->second : nullptr;
+    }
     /// Calls `visit` for every sound. The table must not change meanwhile.
     template<class Visit>
     void ForEach(Visit visit) const
     {
-        for (const auto& bucket : buckets) {
-            for (const Entry& entry : bucket) {
-                if (!entry.IsStale()) {
-                    visit(*SoundRows::At(entry.row).GetSound());
-                }
+        for (const Bucket& bucket : buckets) {
+            for (const auto& [id, sound] : bucket) {
+                visit(*sound);
             }
         }
     }
 
 private:
-    struct Entry
+    // The low bits are equal in a bucket.
+    struct Hash
     {
-        int id;
-        std::uint32_t row;
-
-        bool IsStale() const { return SoundRows::At(row).TableID() != id; }
+        std::size_t operator()(int id) const noexcept { return static_cast<unsigned int>(id) / numBuckets; }
     };
+    using Bucket = std::unordered_map<int, SndBase*, Hash, std::equal_to<int>,
+        EngineAllocator<std::pair<const int, SndBase*>>>;
 
-    static std::size_t BucketOf(int id) { return static_cast<std::size_t>(id) & (numBuckets - 1); }
+    static std::size_t IndexOf(int id) { return static_cast<unsigned int>(id) % numBuckets; }
+    Bucket& BucketOf(int id) { return buckets[IndexOf(id)]; }
 
-    EngineVector<Entry> buckets[numBuckets];
-    std::size_t numSounds = 0;
-    std::size_t numStale = 0;
+    Bucket buckets[numBuckets];
 };
 
 } // namespace Quon
