@@ -158,7 +158,8 @@ void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
     }
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::SkipNewcomers);
     while (const SoundRow row = walk.Next()) {
-        if (row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved)) {
+        if (CountVirtual(row, step) ||
+            row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved)) {
             row.AddStateTime(elapsed);
             continue;
         }
@@ -168,6 +169,23 @@ void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
         }
         delete row.GetSound();
     }
+}
+
+// SndUpdate() for a sound of which counting the row is enough; otherwise returns false and changes nothing.
+bool SndKernel::CountVirtual(SoundRow row, const UpdateStep& step)
+{
+    if (row.IsHeldBack() || row.IsUnplaced() || !row.CanCount(step)) {
+        return false;
+    }
+    if (row.HasAnyFlag(Flag3D) && (step.listenerMoved || row.HasMark(RowMoved))) {
+        MeasureDistance(row, step.listener);
+    }
+    row.SetMark(RowMoved, false);
+    const std::int32_t samples = row.CalcSamples(step);
+    if (!row.CountSamples(samples)) {
+        row.GetSound()->CountLoop(samples);
+    }
+    return true;
 }
 
 void SndKernel::UpdatePlaying(const UpdateStep& step)

@@ -255,6 +255,7 @@ private:
     void CountBlock(SoundBlock& block, const UpdateStep& step) const;
     static void MeasureBlock(
         SoundBlock& block, const SoundBlock::Column<std::uint32_t>& isActive, const UpdateStep& step);
+    static bool CountVirtual(SoundRow row, const UpdateStep& step);
     /// What an update finds out about the sounds with channels before it moves them.
     struct HeardSounds
     {
