@@ -39,6 +39,14 @@ void Crowd::Start(const CrowdPlan::Place& place)
     ids.push_back(id);
 }
 
+void Crowd::AddLine()
+{
+    const Vector3 points[] = {plan.AnyPosition(), plan.AnyPosition()};
+    const int id = group.New3DSound(points, 2, files.GetName(0), nullptr, 0, 0.0F);
+    group.SetSoundPriority(id, -1);
+    group.StartSound(id, Sound::StartLooping);
+}
+
 void Crowd::MoveHalf()
 {
     for (std::size_t i = 0; i < ids.size(); i += 2) {

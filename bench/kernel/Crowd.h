@@ -16,6 +16,8 @@ public:
 
     /// Starts further sounds of the plan until `count` are running.
     void Grow(int count);
+    /// Starts a sound along a line, less important than the others.
+    void AddLine();
     void MoveHalf();
     int CountHeard() const;
 

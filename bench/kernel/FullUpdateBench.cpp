@@ -15,7 +15,9 @@
 // FullUpdate/within/N and FullUpdate/over/N: one full update with N looping positional sounds of 200 files.
 // Half of the sounds and the listener move. Within: a channel for each sound. Over: 64 channels.
 // FullUpdate/still/N is "within" without movement; FullUpdate/names/N is "over" with a different file for
-// each sound. Only the update is timed, not the game's own movement, and the driver does nothing.
+// each sound; FullUpdate/line/N is "over" with a sound along a line, so that the update cannot advance the
+// virtual sounds in memory order. Only the update is timed, not the game's own movement, and the driver does
+// nothing.
 //
 // Counters: us_per_update, the median; us_at_best, the 10th percentile; ratio_soloud, Harmonet's 10th
 // percentile divided by SoLoud's, updated alternately; naive_us_per_update, the decision alone in a naive
@@ -36,7 +38,8 @@ enum class Kind
     Within,
     Still,
     Over,
-    Names
+    Names,
+    Line
 };
 
 struct Size
@@ -91,7 +94,7 @@ private:
 
 int CountChannels(Kind kind, int sounds)
 {
-    return kind == Kind::Over || kind == Kind::Names ? scarceChannels : sounds;
+    return kind == Kind::Within || kind == Kind::Still ? sounds : scarceChannels;
 }
 
 double MeasureNaive(const Size& size, int& heard)
@@ -124,6 +127,10 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
     if (size.sounds > 2 * fileCount) {
         state.counters["bytes_per_sound"] =
             static_cast<double>(UsedBytes() - bytesBefore) / (size.sounds - fileCount);
+    }
+
+    if (kind == Kind::Line) {
+        crowd.AddLine();
     }
 
     float x = 0.0F;
@@ -176,7 +183,7 @@ void FullUpdate(benchmark::State& state, Kind kind, const Size& size)
 const bool registered = [] {
     constexpr std::pair<const char*, Kind> kinds[] = {{"FullUpdate/within/", Kind::Within},
         {"FullUpdate/still/", Kind::Still}, {"FullUpdate/over/", Kind::Over},
-        {"FullUpdate/names/", Kind::Names}};
+        {"FullUpdate/names/", Kind::Names}, {"FullUpdate/line/", Kind::Line}};
     constexpr int maxFiles = 10'000;
     for (const auto& [name, kind] : kinds) {
         for (const Size& size : sizes) {
