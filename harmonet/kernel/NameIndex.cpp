@@ -5,11 +5,22 @@
 namespace Quon
 {
 
+namespace
+{
+
+constexpr std::size_t fewNames = 64;
+
+} // namespace
+
 std::uint32_t NameIndex::Use(const PString& fileName, const PString& substName)
 {
     if (firstUnused == none) {
         names.push_back({{}, 0, 0, none, true});
         firstUnused = static_cast<std::uint32_t>(names.size() - 1);
+    }
+    constexpr std::size_t sparse = 16;
+    if (numbers.bucket_count() > sparse * (numbers.size() + fewNames)) {
+        numbers.rehash(0);
     }
     const Key key{fileName.GetIdentity(), substName.GetIdentity()};
     const auto [place, isNew] = numbers.try_emplace(key, firstUnused);
@@ -30,7 +41,6 @@ void NameIndex::GiveUp(std::uint32_t number)
     }
     numbers.erase(name.key);
     name.lengthMs = std::exchange(firstUnused, number);
-    constexpr std::size_t fewNames = 64;
     if (numbers.empty() && names.size() > fewNames) {
         *this = {};
     }
