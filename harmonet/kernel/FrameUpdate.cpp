@@ -220,8 +220,8 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
 void SndKernel::UpdatePitches()
 {
     GetList(ListID::Playing).ForEach([](SndBase& sound) {
-        if (sound.sndChannel) {
-            sound.UpdatePitch(*sound.sndChannel, false);
+        if (sound.GetSndChannel()) {
+            sound.UpdatePitch(*sound.GetSndChannel(), false);
         }
     });
 }

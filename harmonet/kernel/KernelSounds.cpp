@@ -36,8 +36,8 @@ constexpr const char* noChannel =
 SndFile* SndKernel::OpenFileOf(SndBase& sound)
 {
     SndFile* file = sound.IsMusic()
-        ? OpenStream(sound.substName, sound.fileName)
-        : dataCache->OpenSound(sound.substName, sound.fileName, sound.GetPriority());
+        ? OpenStream(sound.GetSubstName(), sound.GetFileName())
+        : dataCache->OpenSound(sound.GetSubstName(), sound.GetFileName(), sound.GetPriority());
     if (file) {
         sound.ApplyLoopRegion(*file);
         sound.SetSoundLength(file->GetSoundLength());
@@ -234,14 +234,14 @@ bool SndKernel::StartChannel(SndBase* sound)
         return false;
     }
     BeginFadeIn(*sound, *channel);
-    sound->sndChannel = channel;
+    sound->SetSndChannel(channel);
     try {
         EnterPlaying(*sound);
     }
     catch (...) {
         // If memory for its entry runs out, it has no channel.
         channel->Stop();
-        sound->sndChannel = nullptr;
+        sound->SetSndChannel(nullptr);
         throw;
     }
     PlayOnChannel(*sound, opened ? opened.release() : file);
@@ -259,7 +259,7 @@ void SndKernel::SetUpChannel(SndBase& sound, SndChannel& channel)
 void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
 {
     SetReason(sound.Row(), SoundReason::Won);
-    SndChannel* channel = sound.sndChannel;
+    SndChannel* channel = sound.GetSndChannel();
     // A new channel already has a gain of 1.0.
     const float outputGain = sound.GetOutputGain();
     if (outputGain >= 0.0F && outputGain < 1.0F) {
@@ -316,7 +316,7 @@ void SndKernel::GiveUpFile(SndBase& instance)
 
 bool SndKernel::MoveTo(SndBase& sound, int sample)
 {
-    const bool isHeard = sound.sndChannel;
+    const bool isHeard = sound.GetSndChannel();
     sound.StopChannel();
     sound.GetSndFile()->SeekTo(sample);
     if (!isHeard || StartChannel(&sound)) {
@@ -408,7 +408,7 @@ SndBase* SndKernel::FindByChannel(const SndChannel* channel)
 {
     SndBase* found = nullptr;
     GetList(ListID::Playing).ForEach([&](SndBase& sound) {
-        if (channel && (sound.sndChannel == channel || sound.GetFadeOutChannel() == channel)) {
+        if (channel && (sound.GetSndChannel() == channel || sound.GetFadeOutChannel() == channel)) {
             found = &sound;
         }
     });
@@ -421,9 +421,9 @@ void SndKernel::OnChannelEnded(SndChannel* channel)
     if (!sound) {
         return;
     }
-    if (sound->sndChannel == channel) {
+    if (sound->GetSndChannel() == channel) {
         channel->SetSndFile(nullptr);
-        sound->sndChannel = nullptr;
+        sound->SetSndChannel(nullptr);
     }
     else {
         sound->SetFadeOutChannel(nullptr);
@@ -444,7 +444,7 @@ void SndKernel::OnFileChanged(const SndFileChange& change)
         return;
     }
     SndBase::NotificationScope notification(*sound);
-    if (sound->sndChannel == change.channel) {
+    if (sound->GetSndChannel() == change.channel) {
         sound->MoveOnTo(change.newFile);
     }
     else if (change.oldFile) {

@@ -22,8 +22,8 @@ bool IsFindable(SoundRow row)
 
 void SndKernel::AddSound(SndBase* sound)
 {
-    soundTable.Add(sound->soundID, *sound);
-    sound->tableID = sound->soundID;
+    soundTable.Add(sound->GetSoundID(), *sound);
+    sound->tableID = sound->GetSoundID();
 }
 
 void SndKernel::UnregisterSound(SndBase* sound)
@@ -74,7 +74,7 @@ void SndKernel::UseName(SndBase& sound)
     if (row.Name() != NameIndex::none) {
         return;
     }
-    row.Name() = names.Use(sound.fileName, sound.substName);
+    row.Name() = names.Use(sound.GetFileName(), sound.GetSubstName());
     if (IsFindable(row)) {
         names.Enter(row.Name(), GetOwnLength(sound));
     }
@@ -123,7 +123,7 @@ void SndKernel::DeleteFromTable(Matches matches)
     const std::size_t begin = walkMemory.size();
     soundTable.ForEach([&](const SndBase& sound) {
         if (matches(sound)) {
-            walkMemory.push_back({static_cast<std::uint32_t>(sound.soundID), 0});
+            walkMemory.push_back({static_cast<std::uint32_t>(sound.GetSoundID()), 0});
         }
     });
     const std::size_t end = walkMemory.size();

@@ -203,9 +203,9 @@ void SndKernel::ResumeFadeOut(SndBase& sound)
     SndFile* own = sound.sndFile;
     const bool hasBegun = sound.IsPlaying();
     sound.SetIsPlaying(true);
-    sound.sndChannel = channel;
+    sound.SetSndChannel(channel);
     sound.Play(file);
-    sound.sndChannel = nullptr;
+    sound.SetSndChannel(nullptr);
     sound.SetIsPlaying(hasBegun);
     sound.TakeFile(own);
     if (const unsigned long hz = sound.GetNewFrequency()) {
