@@ -22,7 +22,8 @@ SndKernel::VirtualSounds SndKernel::UpdatePlaces(const UpdateStep& step)
 
 // Starts counting where possible, and finds out about the virtual sounds of a block. Only those that are no
 // counted loops need a closer look.
-void SndKernel::PrepareBlock(SoundBlock& block, const UpdateStep& step, VirtualSounds& all)
+HARMONET_VECTOR_CLONES void SndKernel::PrepareBlock(
+    SoundBlock& block, const UpdateStep& step, VirtualSounds& all)
 {
     SoundBlock::Column<std::uint32_t> mayEnd;
     std::uint32_t anyMayEnd = 0;
@@ -46,7 +47,7 @@ void SndKernel::PrepareBlock(SoundBlock& block, const UpdateStep& step, VirtualS
 }
 
 // Advances the virtual sounds of a block, all of which can be counted.
-void SndKernel::CountBlock(SoundBlock& block, const UpdateStep& step) const
+HARMONET_VECTOR_CLONES void SndKernel::CountBlock(SoundBlock& block, const UpdateStep& step) const
 {
     SoundBlock::Column<std::uint32_t> isActive;
     SoundBlock::Column<std::uint32_t> isLeft;
@@ -83,7 +84,7 @@ void SndKernel::CountBlock(SoundBlock& block, const UpdateStep& step) const
 }
 
 // Computes distances and ranges. A sound that has not moved keeps its range, which other code may have set.
-void SndKernel::MeasureBlock(
+HARMONET_VECTOR_CLONES void SndKernel::MeasureBlock(
     SoundBlock& block, const SoundBlock::Column<std::uint32_t>& isActive, const UpdateStep& step)
 {
     const std::uint32_t listenerMoved = Mask(step.listenerMoved);
@@ -100,7 +101,7 @@ void SndKernel::MeasureBlock(
 
 // Finds out whether any sound with a channel can leave the playing list in this update, which can call
 // observers.
-SndKernel::HeardSounds SndKernel::LookAtHeard(const UpdateStep& step) const
+HARMONET_VECTOR_CLONES SndKernel::HeardSounds SndKernel::LookAtHeard(const UpdateStep& step) const
 {
     const std::uint32_t barredFlags = FlagInPause | FlagPolyline | (activeMicrophone ? 0U : Flag3D);
     const std::uint32_t listenerMoved = Mask(step.listenerMoved);
@@ -127,7 +128,7 @@ SndKernel::HeardSounds SndKernel::LookAtHeard(const UpdateStep& step) const
 }
 
 // UpdatePlaying() if all stay, with as much as possible in memory order.
-void SndKernel::UpdateStaying(const UpdateStep& step, bool anyMoved)
+HARMONET_VECTOR_CLONES void SndKernel::UpdateStaying(const UpdateStep& step, bool anyMoved)
 {
     if (step.listenerMoved || anyMoved) {
         GetList(ListID::Playing).ForgetOrder();

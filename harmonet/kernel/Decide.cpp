@@ -108,7 +108,7 @@ struct Crowd
     std::uint32_t flags; ///< All that one of them has.
 };
 
-Crowd LookAt(std::span<SoundBlock* const> blocks)
+HARMONET_VECTOR_CLONES Crowd LookAt(std::span<SoundBlock* const> blocks)
 {
     constexpr ImportanceRange none;
     auto [lowest, highest, nearest, farthest] = none;
@@ -205,7 +205,8 @@ std::uint32_t Choose(std::uint32_t mask, SoundReason yes, std::uint32_t no)
 }
 
 // The reasons of the losers of a block.
-void ExplainLosses(const SoundBlock& block, const Threshold& last, SoundReason* reasons)
+HARMONET_VECTOR_CLONES void ExplainLosses(
+    const SoundBlock& block, const Threshold& last, SoundReason* reasons)
 {
     for (std::uint32_t lane = 0, end = block.end; lane < end; ++lane) {
         const std::int32_t priority = block.priority[lane];

@@ -50,7 +50,7 @@ void ImportanceSort::TakeCodes(
     }
 }
 
-void ImportanceSort::EncodeBlock(const SoundBlock& block, std::uint32_t* code) const
+HARMONET_VECTOR_CLONES void ImportanceSort::EncodeBlock(const SoundBlock& block, std::uint32_t* code) const
 {
     const std::uint32_t mask = LowBits(distanceBits);
     const int dropped = droppedBits;
@@ -135,7 +135,8 @@ void ImportanceSort::SortEqualDigits(std::span<Item> items) const
 }
 
 // Returns the first item from `begin` on that has the same digits as the next one; otherwise the last item.
-std::size_t ImportanceSort::FindEqualDigits(std::span<const Item> items, std::size_t begin) const
+HARMONET_VECTOR_CLONES std::size_t ImportanceSort::FindEqualDigits(
+    std::span<const Item> items, std::size_t begin) const
 {
     constexpr std::size_t groupSize = 16;
     for (; begin + groupSize < items.size(); begin += groupSize) {

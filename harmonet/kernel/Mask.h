@@ -5,6 +5,15 @@
 
 // Selection without branches, which compilers turn into vector instructions.
 
+/// Compiles a function twice, for processors with AVX2 and for all others; the loader selects one. Both
+/// compute the same. Sanitizers do not support it.
+#if defined(__x86_64__) && defined(__GLIBC__) && defined(__GNUC__) && !defined(__clang__) &&                 \
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define HARMONET_VECTOR_CLONES [[gnu::target_clones("avx2", "default")]]
+#else
+#define HARMONET_VECTOR_CLONES
+#endif
+
 namespace Quon
 {
 
