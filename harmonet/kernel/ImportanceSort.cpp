@@ -123,47 +123,22 @@ void ImportanceSort::Scatter(std::span<const std::span<const ListEntry>> lists, 
 
 void ImportanceSort::SortEqualDigits(std::span<Item> items) const
 {
-    std::size_t begin = FindEqualDigits(items, 0);
-    while (begin + 1 < items.size()) {
-        std::size_t end = begin + 2;
-        while (end < items.size() && HaveEqualDigits(items[begin], items[end])) {
+    const auto areEqual = [this, &items](std::size_t one, std::size_t other) {
+        return (items[one].code ^ items[other].code) >> ignoredBits == 0;
+    };
+    for (std::size_t begin = 0, end = 1; end < items.size(); begin = end++) {
+        if (!areEqual(begin, end)) {
+            continue;
+        }
+        while (end < items.size() && areEqual(begin, end)) {
             ++end;
         }
         SortByComparison(items.subspan(begin, end - begin));
-        begin = FindEqualDigits(items, end);
     }
-}
-
-// Returns the first item from `begin` on that has the same digits as the next one; otherwise the last item.
-HARMONET_VECTOR_CLONES std::size_t ImportanceSort::FindEqualDigits(
-    std::span<const Item> items, std::size_t begin) const
-{
-    constexpr std::size_t groupSize = 16;
-    for (; begin + groupSize < items.size(); begin += groupSize) {
-        const Item* const group = &items[begin];
-        std::uint32_t anyEqual = 0;
-        for (std::size_t i = 0; i < groupSize; ++i) {
-            anyEqual |= Mask((group[i].code ^ group[i + 1].code) >> ignoredBits == 0);
-        }
-        if (anyEqual) {
-            break;
-        }
-    }
-    while (begin + 1 < items.size() && !HaveEqualDigits(items[begin], items[begin + 1])) {
-        ++begin;
-    }
-    return begin;
 }
 
 void ImportanceSort::SortByComparison(std::span<Item> items) const
 {
-    // Nearly always there are two, and their codes are complete.
-    if (items.size() == 2 && droppedBits == 0) {
-        if (items[1].code < items[0].code) {
-            std::swap(items[0], items[1]);
-        }
-        return;
-    }
     const auto isBefore = [this](const Item& left, const Item& right) {
         const std::uint64_t leftKey = KeyOf(left);
         const std::uint64_t rightKey = KeyOf(right);

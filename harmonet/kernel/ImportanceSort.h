@@ -49,11 +49,6 @@ private:
     void EncodeBlock(const SoundBlock& block, std::uint32_t* code) const;
     void Scatter(std::span<const std::span<const ListEntry>> lists, std::span<Item> items);
     void SortEqualDigits(std::span<Item> items) const;
-    std::size_t FindEqualDigits(std::span<const Item> items, std::size_t begin) const;
-    bool HaveEqualDigits(const Item& left, const Item& right) const
-    {
-        return (left.code ^ right.code) >> ignoredBits == 0;
-    }
     void SortByComparison(std::span<Item> items) const;
     std::uint64_t KeyOf(const Item& item) const;
 
