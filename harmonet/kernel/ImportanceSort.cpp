@@ -56,19 +56,12 @@ HARMONET_VECTOR_CLONES void ImportanceSort::EncodeBlock(const SoundBlock& block,
     const int dropped = droppedBits;
     const int keptBits = distanceBits - dropped;
     const auto highest = static_cast<std::uint32_t>(highestPriority);
-    const auto encode = [&](std::uint32_t lane, float distance) {
+    const bool isWeighted = order == ByWeightedDistance;
+    for (std::uint32_t lane = 0, end = block.end; lane < end; ++lane) {
+        const float weight = isWeighted ? block.multiplier[lane] : 1.0F;
+        const std::uint32_t distance = Bits(WeightDistance(block.distSqr[lane], weight));
         const std::uint32_t lower = highest - static_cast<std::uint32_t>(block.priority[lane]);
-        code[lane] = lower << keptBits | (Bits(distance) & mask) >> dropped;
-    };
-    if (order == ByDistance) {
-        for (std::uint32_t lane = 0, end = block.end; lane < end; ++lane) {
-            encode(lane, block.distSqr[lane]);
-        }
-    }
-    else {
-        for (std::uint32_t lane = 0, end = block.end; lane < end; ++lane) {
-            encode(lane, WeightDistance(block.distSqr[lane], block.multiplier[lane]));
-        }
+        code[lane] = lower << keptBits | (distance & mask) >> dropped;
     }
 }
 
