@@ -34,71 +34,33 @@ struct Allocation
     }
 };
 
-/// Iterates over the eligible sounds of one list, the best first.
-class Candidates
+// Collects the eligible sounds of a sorted list, the best first, until there are `most`.
+void CollectBest(const Allocation& allocation, std::span<const Item> ranked, bool hasMusic, std::size_t most,
+    EngineVector<std::uint32_t>& best)
 {
-public:
-    /// `newRanked` is the sorted list.
-    Candidates(const Allocation& newAllocation, std::span<const Item> newRanked, bool hasMusic)
-        : allocation(newAllocation)
-        , ranked(newRanked)
-        , musicPlace(hasMusic ? 0 : newRanked.size())
-        , runBegin(newRanked.size())
-        , runEnd(newRanked.size())
-        , place(newRanked.size())
-    {
-        MoveOn();
-    }
-
-    std::uint32_t GetBest() const { return best; }
-    std::uint64_t GetKey() const { return allocation.KeyOf(best); }
-
-    void MoveOn()
-    {
-        best = FindMusic();
-        while (best == Decision::nobody && (place < runEnd || BeginRun())) {
-            const std::uint32_t row = ranked[place++].row;
-            if (!allocation.IsMusic(row) && allocation.IsEligible(row)) {
-                best = row;
+    best.clear();
+    const auto collect = [&](std::span<const Item> items, bool isMusic) {
+        for (const Item& item : items) {
+            if (best.size() < most && allocation.IsMusic(item.row) == isMusic &&
+                allocation.IsEligible(item.row)) {
+                best.push_back(item.row);
             }
         }
+    };
+    if (hasMusic) {
+        collect(ranked, true);
     }
-
-private:
-    std::uint32_t FindMusic()
-    {
-        while (musicPlace < ranked.size()) {
-            const std::uint32_t row = ranked[musicPlace++].row;
-            if (allocation.IsMusic(row) && allocation.IsEligible(row)) {
-                return row;
-            }
+    // From the tail, but the first of equals first.
+    for (std::size_t end = ranked.size(); end > 0 && best.size() < most;) {
+        std::size_t begin = end - 1;
+        const std::uint64_t key = allocation.KeyOf(ranked[begin].row);
+        while (begin > 0 && allocation.KeyOf(ranked[begin - 1].row) == key) {
+            --begin;
         }
-        return Decision::nobody;
+        collect(ranked.subspan(begin, end - begin), false);
+        end = begin;
     }
-
-    /// Moves to the next run of equals towards the head; returns false if there is none.
-    bool BeginRun()
-    {
-        if (runBegin == 0) {
-            return false;
-        }
-        runEnd = runBegin--;
-        const std::uint64_t key = allocation.KeyOf(ranked[runBegin].row);
-        while (runBegin > 0 && allocation.KeyOf(ranked[runBegin - 1].row) == key) {
-            --runBegin;
-        }
-        place = runBegin;
-        return true;
-    }
-
-    const Allocation& allocation;
-    std::span<const Item> ranked; ///< The least important first.
-    std::size_t musicPlace; ///< Start of the search for music, towards the tail.
-    std::size_t runBegin;
-    std::size_t runEnd;
-    std::size_t place; ///< Position in the current run.
-    std::uint32_t best = Decision::nobody;
-};
+}
 
 /// What Decide() finds out about all contenders.
 struct Crowd
@@ -162,32 +124,33 @@ void ProtectYoung(const Allocation& allocation, std::span<const Item> playing)
     }
 }
 
-/// Merges the candidates until the limit is reached; returns the least important winner.
-std::uint32_t ChooseBest(
-    const Allocation& allocation, std::span<Candidates, numContenderLists> lists, int limit)
+// Gives `numFree` channels to the best of the lists; returns the least important winner.
+std::uint32_t ChooseBest(const Allocation& allocation, std::size_t numFree)
 {
     Decision& decision = allocation.decision;
+    std::array<std::span<const std::uint32_t>, numContenderLists> lists;
+    std::ranges::copy(decision.best, lists.begin());
     std::uint32_t lastWinner = Decision::nobody;
-    while (static_cast<std::int64_t>(decision.chosen.size()) < limit) {
-        Candidates* best = nullptr;
-        for (Candidates& list : lists) {
-            if (list.GetBest() != Decision::nobody && (!best || best->GetKey() < list.GetKey())) {
+    for (; numFree > 0; --numFree) {
+        std::span<const std::uint32_t>* best = nullptr;
+        for (std::span<const std::uint32_t>& list : lists) {
+            if (!list.empty() &&
+                (!best || allocation.KeyOf(best->front()) < allocation.KeyOf(list.front()))) {
                 best = &list;
             }
         }
         if (!best) {
             break;
         }
-        const std::uint32_t row = best->GetBest();
+        const std::uint32_t row = best->front();
         if (lastWinner == Decision::nobody || allocation.KeyOf(row) < allocation.KeyOf(lastWinner)) {
             lastWinner = row;
         }
         decision.chosen.push_back(row);
-        best->MoveOn();
+        *best = best->subspan(1);
     }
-    for (std::size_t list = 0; list < numContenderLists; ++list) {
-        decision.runnersUp[list] = lists[list].GetBest();
-    }
+    std::ranges::transform(lists, decision.runnersUp.begin(),
+        [](const auto& list) { return list.empty() ? Decision::nobody : list.front(); });
     return lastWinner;
 }
 
@@ -257,9 +220,12 @@ void ExplainAll(const Allocation& allocation, std::size_t numProtected, std::uin
 
 void Decide(std::span<SoundBlock* const> blocks, const Contenders& contenders, int limit, Decision& decision)
 {
-    const auto [playing, emulated, waiting] = contenders;
     decision.chosen.clear();
-    ResizeTo(decision.ranking, playing.size() + emulated.size() + waiting.size());
+    std::size_t count = 0;
+    for (const std::span<const ListEntry> list : contenders) {
+        count += list.size();
+    }
+    ResizeTo(decision.ranking, count);
     ResizeTo(decision.reasons, blocks.size() * SoundBlock::numLanes);
     const Allocation allocation{blocks, decision};
     const Crowd crowd = LookAt(blocks);
@@ -270,16 +236,21 @@ void Decide(std::span<SoundBlock* const> blocks, const Contenders& contenders, i
         decision.sort.TakeCodes(blocks, crowd.range, ImportanceSort::ByWeightedDistance, maxMultiplier);
     }
     std::span<Item> left = decision.ranking;
-    const auto rank = [&](std::span<const ListEntry> list) {
-        const std::span<Item> ranked = left.first(list.size());
-        left = left.subspan(list.size());
-        decision.sort.Sort({&list, 1}, ranked);
-        return Candidates(allocation, ranked, (crowd.flags & FlagMusic) != 0);
-    };
-    Candidates lists[] = {rank(playing), rank(emulated), rank(waiting)};
-    ProtectYoung(allocation, std::span(decision.ranking).first(playing.size()));
+    std::array<std::span<Item>, numContenderLists> ranked;
+    for (std::size_t list = 0; list < numContenderLists; ++list) {
+        ranked[list] = left.first(contenders[list].size());
+        decision.sort.Sort({&contenders[list], 1}, ranked[list]);
+        left = left.subspan(ranked[list].size());
+    }
+    ProtectYoung(allocation, ranked[FromPlaying]);
     const std::size_t numProtected = decision.chosen.size();
-    const std::uint32_t lastWinner = ChooseBest(allocation, lists, limit);
+    const auto numFree =
+        static_cast<std::size_t>(std::max<std::int64_t>(limit - static_cast<std::int64_t>(numProtected), 0));
+    for (std::size_t list = 0; list < numContenderLists; ++list) {
+        const bool hasMusic = (crowd.flags & FlagMusic) != 0;
+        CollectBest(allocation, ranked[list], hasMusic, numFree + 1, decision.best[list]);
+    }
+    const std::uint32_t lastWinner = ChooseBest(allocation, numFree);
     ExplainAll(allocation, numProtected, lastWinner);
 }
 

@@ -44,6 +44,8 @@ struct Decision
     ImportanceSort sort;
     EngineVector<std::uint32_t> lossesByName;
     EngineVector<float> factors; ///< By the number of losses.
+    /// The best of each list, as many as can win and one more.
+    std::array<EngineVector<std::uint32_t>, numContenderLists> best;
 };
 
 /// Decides which of the contenders get a channel when there are more than `limit`.
