@@ -96,19 +96,15 @@ HARMONET_VECTOR_CLONES Crowd LookAt(std::span<SoundBlock* const> blocks)
 float RateDuplicates(const Allocation& allocation, std::uint32_t nameBits)
 {
     Decision& decision = allocation.decision;
+    EngineVector<float>& factors = decision.factors;
     decision.lossesByName.assign(nameBits + std::size_t{1}, 0);
-    std::uint32_t* const lossesByName = decision.lossesByName.data();
-    const float* factors = decision.factors.data();
-    std::size_t numFactors = decision.factors.size();
     std::uint32_t most = 0;
     for (const Item& item : decision.ranking) {
         const SoundRow row = allocation.RowAt(item.row);
-        const std::uint32_t losses = lossesByName[row.Name()]++;
+        const std::uint32_t losses = decision.lossesByName[row.Name()]++;
         most = std::max(most, losses);
-        if (losses == numFactors) {
-            decision.factors.push_back(losses == 0 ? 1.0F : factors[losses - 1] * duplicateFactor);
-            factors = decision.factors.data();
-            ++numFactors;
+        if (losses == factors.size()) {
+            factors.push_back(losses == 0 ? 1.0F : factors.back() * duplicateFactor);
         }
         row.Multiplier() = factors[losses];
     }
