@@ -221,27 +221,6 @@ TEST(OpenALSound, HrtfDelaysTheFarEarOfPositionalSounds)
     }
 }
 
-TEST(OpenALSound, TheRateOfAChannelSetsThePlaybackSpeed)
-{
-    // A tone of 500 Hz, recorded at 22050.
-    const std::pair<unsigned long, double> rows[] = {
-        {0, 500}, {44100, 1000}, {11025, 250}, {100000, 500 * 100000.0 / 22050}};
-    for (const auto& [hz, toneHz] : rows) {
-        OfflineRig rig;
-        const auto file = MakeFile({40 * 22050, 22050}, Sine(500, 0.5, 22050));
-        SndChannel* const channel = rig.Play(*file);
-        ASSERT_TRUE(channel->SetFrequency(hz));
-        EXPECT_EQ(channel->GetFrequency(), hz != 0 ? hz : 22050);
-        rig.StepTimes(10, 100);
-        const Rendering heard = rig.Heard();
-        int rising = 0;
-        for (size_t i = 1; i < heard.GetFrames(); ++i) {
-            rising += heard.At(i - 1) < 0.0 && heard.At(i) >= 0.0;
-        }
-        EXPECT_NEAR(rising, toneHz, 1.0) << hz;
-    }
-}
-
 TEST(OpenALSound, AChangeOfRateLeavesNoGap)
 {
     OfflineRig rig;

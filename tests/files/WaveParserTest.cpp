@@ -1,4 +1,4 @@
-// Compares the probe and the two parsers with a simple parser: on valid, damaged and unusual wave files.
+// Which reader takes a wave file and how many sample frames it counts, and what becomes of damaged files.
 
 #include "tests/files/SoundFolder.h"
 
@@ -15,130 +15,7 @@ using namespace Quon;
 namespace
 {
 
-constexpr int pcmTag = 1;
-constexpr int adpcmTag = 2;
-
-/// A little-endian number; bytes after the end of the file are 0.
-long long Number(const Bytes& file, long long at, int count)
-{
-    long long number = 0;
-    for (long long i = at + count; i-- > at;) {
-        number = number * 256 + (i < std::ssize(file) ? file[static_cast<std::size_t>(i)] : 0);
-    }
-    return number;
-}
-
-bool IsAt(const Bytes& file, long long at, std::string_view text)
-{
-    return at + std::ssize(text) <= std::ssize(file) &&
-        std::equal(text.begin(), text.end(), file.begin() + at);
-}
-
-/// The offsets of the chunk headers.
-std::vector<long long> FindChunks(const Bytes& file)
-{
-    std::vector<long long> chunks;
-    const bool isWave = IsAt(file, 0, "RIFF") && IsAt(file, 8, "WAVE");
-    for (long long at = 12; isWave && at + 8 <= std::ssize(file);) {
-        chunks.push_back(at);
-        const long long size = Number(file, at + 4, 4);
-        at += 8 + size + size % 2;
-    }
-    return chunks;
-}
-
-bool HasFormatSize(const Bytes& file, long long chunk)
-{
-    const long long size = Number(file, chunk + 4, 4);
-    return size >= 16 && size <= 50;
-}
-
-/// The tag of the first format chunk.
-long long PlainProbe(const Bytes& file)
-{
-    for (const long long chunk : FindChunks(file)) {
-        if (IsAt(file, chunk, "fmt ")) {
-            const long long tag = Number(file, chunk + 8, 2);
-            return HasFormatSize(file, chunk) && (tag == pcmTag || tag == adpcmTag) ? tag : 0;
-        }
-    }
-    return 0;
-}
-
-/// The sample frames of a block of ADPCM, two of them in its head.
-long long BlockFrames(long long channels, long long bytes)
-{
-    return 2 + (bytes - 7 * channels) * 2 / channels;
-}
-
-struct PlainFormat
-{
-    PlainFormat(const Bytes& file, long long chunk)
-        : tag(Number(file, chunk + 8, 2))
-        , channels(Number(file, chunk + 10, 2))
-        , rateHz(Number(file, chunk + 12, 4))
-        , blockBytes(Number(file, chunk + 20, 2))
-        , sampleBytes(Number(file, chunk + 22, 2) / 8)
-        , pairs(Number(file, chunk + 28, 2))
-        , isWhole(
-              HasFormatSize(file, chunk) && (tag == pcmTag || Number(file, chunk + 4, 4) >= 22 + 4 * pairs))
-    {
-    }
-
-    bool IsPlayable() const
-    {
-        if (!isWhole || channels < 1 || rateHz < 1 || rateHz > 0x7FFFFFFF) {
-            return false;
-        }
-        return tag == pcmTag ? sampleBytes > 0
-                             : channels <= 2 && pairs <= 7 && BlockFrames(channels, blockBytes) > 0;
-    }
-
-    long long CountFrames(long long bytes) const
-    {
-        if (tag == pcmTag) {
-            return bytes / (channels * sampleBytes);
-        }
-        const long long rest = bytes % blockBytes;
-        return bytes / blockBytes * BlockFrames(channels, blockBytes) +
-            (rest > 7 * channels ? BlockFrames(channels, rest) : 0);
-    }
-
-    long long tag;
-    long long channels;
-    long long rateHz;
-    long long blockBytes;
-    long long sampleBytes;
-    long long pairs;
-    bool isWhole;
-};
-
-/// The sample frames that the parser for such formats counts; nothing if it refuses the file. It takes the
-/// last format in front of the data.
-std::optional<long long> PlainCount(const Bytes& file, int tag)
-{
-    std::optional<PlainFormat> format;
-    long long fact = 0;
-    for (const long long chunk : FindChunks(file)) {
-        if (IsAt(file, chunk, "fmt ")) {
-            format.emplace(file, chunk);
-            if (format->tag != tag || !format->IsPlayable()) {
-                return {};
-            }
-        }
-        else if (IsAt(file, chunk, "fact")) {
-            fact = Number(file, chunk + 8, 4);
-        }
-        else if (IsAt(file, chunk, "data")) {
-            if (!format) {
-                return {};
-            }
-            const long long frames = format->CountFrames(Number(file, chunk + 4, 4));
-            return std::min(fact >= 1 ? std::min(fact, frames) : frames, 0x7FFFFFFFLL);
-        }
-    }
-    return {};
-}
+constexpr int refused = -1;
 
 bool IsFrontOf(const Bytes& part, const Bytes& whole)
 {
@@ -187,34 +64,40 @@ protected:
         return Open("sound");
     }
 
+    /// Plays the file if it opens.
     void Check(const Bytes& bytes)
     {
         if (const auto file = OpenBytes(bytes)) {
             PlayThrough(*file);
         }
         ASSERT_EQ(openFiles.GetCount(), 0) << "the file stayed open";
-        if (SndFileHandle* handle = openFiles.Acquire(owner, "sound")) {
-            EXPECT_EQ(ProbeWave(handle), PlainProbe(bytes));
-            SndFileWav pcm;
-            ExpectCount(pcm, PlainCount(bytes, pcmTag));
-            SndFileAdpcm adpcm;
-            ExpectCount(adpcm, PlainCount(bytes, adpcmTag));
-            EXPECT_EQ(handle->GetUseCount(), 1) << "somebody still holds the file";
-            openFiles.Release(handle);
-        }
     }
 
-    void ExpectCount(SndFile& file, std::optional<long long> count)
+    /// The sample frames that a reader counts in a file.
+    template<class Reader>
+    int Count(const Bytes& bytes)
     {
-        SndFileHandle* handle = openFiles.Acquire(owner, "sound");
-        const bool opens = file.OpenHandle(handle);
-        EXPECT_EQ(opens, count.has_value());
-        EXPECT_EQ(file.FileType() != SndFile::FileNone, opens);
-        EXPECT_EQ(opens ? file.GetSoundSamples() : 0, count.value_or(0));
+        source->files["sound"] = bytes;
+        SndFileHandle* const handle = openFiles.Acquire(owner, "sound");
+        Reader reader;
+        const bool opens = reader.OpenHandle(handle);
+        const int count = opens ? reader.GetSoundSamples() : refused;
+        EXPECT_EQ(reader.FileType() != SndFile::FileNone, opens);
+        EXPECT_EQ(handle->GetUseCount(), 1) << "a reader that refuses a file does not keep it";
         if (!opens) {
             openFiles.Release(handle);
         }
-        file.CloseFile(0, nullptr);
+        reader.CloseFile(0, nullptr);
+        return count;
+    }
+
+    int Probe(const Bytes& bytes)
+    {
+        source->files["sound"] = bytes;
+        SndFileHandle* const handle = openFiles.Acquire(owner, "sound");
+        const int type = ProbeWave(handle);
+        openFiles.Release(handle);
+        return type;
     }
 
     const std::shared_ptr<MemorySource> source = std::make_shared<MemorySource>();
@@ -230,11 +113,18 @@ protected:
         Wave(stereoFormat + Chunk("fact", Little32(40)) + Chunk("data", stereoBlocks))};
 };
 
-TEST_F(WaveParser, AcceptsChunksInAnyOrder)
+// A block of ADPCM has a head of 7 bytes for each channel, in which are its first two sample frames, and half
+// a byte for each further sample; the last one can be shorter.
+TEST_F(WaveParser, CountsTheSampleFramesOfValidFilesAndRefusesOthers)
 {
+    constexpr int none = SndFile::FileNone;
+    constexpr int pcm = SndFile::FileWav;
+    constexpr int adpcm = SndFile::FileAdpcm;
     const Bytes data = Chunk("data", blocks);
-    const auto withJunk = [&](std::uint32_t statedSize) {
-        return Wave(Chunk("JUNK", Bytes(4), statedSize) + pcmFormat + data);
+    const auto format = [](const Bytes& bytes) { return Chunk("fmt ", bytes); };
+    const auto fact = [](std::uint32_t count) { return Chunk("fact", Little32(count)); };
+    const auto block = [&](int channels, int bytes) {
+        return format(AdpcmFormat(channels, 8000, bytes, usualPairs));
     };
     // Chunks of all small sizes over more than the reader takes in at once, with a large one in between.
     std::mt19937 random(6);
@@ -244,26 +134,74 @@ TEST_F(WaveParser, AcceptsChunksInAnyOrder)
             Chunk("JUNK", Bytes(random() % 5000 == 0 ? 70'000 : random() % 4 * (random() % 4)));
         crowd.insert(crowd.end(), chunk.begin(), chunk.end());
     }
-    const std::vector<Bytes> files = {Wave(crowd + pcmFormat + crowd + data), Wave(crowd),
-        Wave(data + pcmFormat), Wave(pcmFormat + monoFormat + data), Wave(monoFormat + pcmFormat + data),
-        Wave(pcmFormat + Chunk("fmt ", Bytes(14)) + data),
-        Wave(pcmFormat + Chunk("fact", Little32(3)) + Chunk("fact", Little32(2)) + data),
-        Wave(pcmFormat + Chunk("data", {}, 1000)), withJunk(0xFFFFFFFF),
+    const struct
+    {
+        const char* what;
+        Bytes file;
+        int type;
+        int frames;
+    } rows[] = {
+        {"PCM", Wave(pcmFormat + data), pcm, 10},
+        {"12 bits in a byte", Wave(format(PcmFormat(1, 8000, 12)) + data), pcm, 41},
+        {"ADPCM", Wave(monoFormat + data), adpcm, 18 + 18 + 10},
+        {"ADPCM, only a head", Wave(monoFormat + Chunk("data", Counting(37))), adpcm, 18 + 18},
+        {"stereo ADPCM", Wave(stereoFormat + Chunk("data", stereoBlocks)), adpcm, 12 + 12 + 8},
+        {"stereo ADPCM, only a head", Wave(stereoFormat + Chunk("data", Counting(38))), adpcm, 12},
+        {"blocks of a head", Wave(block(1, 7) + data), adpcm, 5 * 2},
+        {"blocks of less than a head", Wave(block(1, 6) + data), adpcm, refused},
+        {"stereo blocks of one frame", Wave(block(2, 13) + data), adpcm, 3},
+        {"stereo blocks of none", Wave(block(2, 12) + data), adpcm, refused},
+        {"three channels", Wave(block(3, 32) + data), adpcm, refused},
+        {"no ADPCM channels", Wave(format(FormatBytes(2, 0, 8000, 15, 4) + Bytes(6)) + data), adpcm, refused},
+        {"no channels", Wave(format(PcmFormat(0, 8000, 16)) + data), pcm, refused},
+        {"the largest frame", Wave(format(FormatBytes(1, 65535, 8000, 2, 65535)) + data), pcm, 0},
+        {"7 bits", Wave(format(PcmFormat(1, 8000, 7)) + data), pcm, refused},
+        {"no rate", Wave(format(PcmFormat(2, 0, 16)) + data), pcm, refused},
+        {"the highest rate", Wave(format(PcmFormat(2, 0x7FFFFFFF, 16)) + data), pcm, 10},
+        {"a negative rate", Wave(format(PcmFormat(2, 0x80000000, 16)) + data), pcm, refused},
+        {"ADPCM, no rate", Wave(format(AdpcmFormat(1, 0, 15, usualPairs)) + data), adpcm, refused},
+        {"ADPCM, a negative rate", Wave(format(AdpcmFormat(1, 0x80000000, 15, usualPairs)) + data), adpcm,
+            refused},
+        {"another tag", Wave(format(FormatBytes(3, 2, 8000, 4, 16)) + data), none, refused},
+        {"no wave", Bytes{'W'} + Wave(pcmFormat + data), none, refused},
+        {"odd chunks", Wave(Chunk("LIST", Bytes(3)) + pcmFormat + Chunk("JUNK", Bytes(5)) + data), pcm, 10},
+        {"many chunks", Wave(crowd + pcmFormat + crowd + data), pcm, 10},
+        {"only such", Wave(crowd), none, refused},
+        {"zeros", Wave(Bytes(80'000)), none, refused},
+        {"no format", Wave(data), none, refused},
+        {"no data", Wave(pcmFormat), pcm, refused},
+        {"data first", Wave(data + pcmFormat), pcm, refused},
+        {"the second format is ADPCM", Wave(pcmFormat + monoFormat + data), pcm, refused},
+        {"the second format is PCM", Wave(monoFormat + pcmFormat + data), adpcm, refused},
+        {"the last format counts", Wave(pcmFormat + format(PcmFormat(1, 8000, 8)) + data), pcm, 41},
+        {"a short format", Wave(pcmFormat + format(Bytes(14)) + data), pcm, refused},
+        {"a stated size beyond the end", Wave(pcmFormat + Chunk("data", {}, 1000)), pcm, 250},
+        {"the last count counts", Wave(pcmFormat + fact(3) + fact(2) + data), pcm, 2},
+        {"a count of none", Wave(pcmFormat + fact(0) + data), pcm, 10},
+        {"a count beyond the data", Wave(monoFormat + fact(47) + data), adpcm, 46},
+        {"a count after the data", Wave(pcmFormat + data + fact(2)), pcm, 10},
+        {"a chunk to the end", Wave(Chunk("JUNK", Bytes(4), 0xFFFFFFFF) + pcmFormat + data), none, refused},
         // With 32-bit offsets, its next chunk would be at the start of the walk again.
-        withJunk(0xFFFFFFF8),
-        // Each step leads on by a chunk's head at least.
-        Wave(Bytes(80'000)), Wave(Chunk("fmt ", FormatBytes(1, 65535, 8000, 2, 65535)) + data)};
-    for (const Bytes& file : files) {
-        SCOPED_TRACE("file " + std::to_string(&file - files.data()));
-        Check(file);
+        {"a chunk around", Wave(Chunk("JUNK", Bytes(4), 0xFFFFFFF8) + pcmFormat + data), none, refused},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(Probe(row.file), row.type);
+        EXPECT_EQ(Count<SndFileWav>(row.file), row.type == pcm ? row.frames : refused);
+        EXPECT_EQ(Count<SndFileAdpcm>(row.file), row.type == adpcm ? row.frames : refused);
     }
-    for (const Bytes& format : {PcmFormat(2, 8000, 16), AdpcmFormat(1, 8000, 15, usualPairs)}) {
-        for (std::size_t size = 0; size < 60; ++size) {
-            SCOPED_TRACE("format of " + std::to_string(size) + " bytes");
-            Bytes cut = format;
-            cut.resize(size);
-            Check(Wave(Chunk("fmt ", cut) + data));
-        }
+    // A format has 16 to 50 bytes, and at least as many as its one pair of coefficients needs.
+    for (std::size_t size = 0; size < 60; ++size) {
+        SCOPED_TRACE("format of " + std::to_string(size) + " bytes");
+        const auto cut = [&](Bytes bytes) {
+            bytes.resize(size);
+            return Wave(format(bytes) + data);
+        };
+        const Bytes plain = cut(PcmFormat(2, 8000, 16));
+        EXPECT_EQ(Probe(plain), size >= 16 && size <= 50 ? pcm : none);
+        EXPECT_EQ(Count<SndFileWav>(plain), size >= 16 && size <= 50 ? 10 : refused);
+        EXPECT_EQ(Count<SndFileAdpcm>(cut(AdpcmFormat(1, 8000, 15, {{256, 0}}))),
+            size >= 26 && size <= 50 ? 46 : refused);
     }
 }
 
