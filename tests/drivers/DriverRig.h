@@ -81,6 +81,23 @@ public:
         return *files.back();
     }
 
+    /// A queue of files of these lengths, in which the formula continues from file to file.
+    std::vector<FormulaFile*> MakeQueue(
+        const std::vector<int>& lengths, FormulaFile::Form form, const FormulaFile::Formula& formula)
+    {
+        std::vector<FormulaFile*> queue;
+        int offset = 0;
+        for (const int length : lengths) {
+            form.sampleFrames = length;
+            queue.push_back(&Make(form, [=](int frame, int side) { return formula(frame + offset, side); }));
+            offset += length;
+            if (queue.size() > 1) {
+                queue.front()->Add(queue.back());
+            }
+        }
+        return queue;
+    }
+
     /// Null if the driver refuses.
     SndChannel* Create(SndFile& file, unsigned int flags = 0, const SndFXList& fx = {})
     {

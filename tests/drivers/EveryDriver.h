@@ -21,14 +21,7 @@ protected:
     /// Files of these lengths that follow each other.
     std::vector<FormulaFile*> MakeQueue(const std::vector<int>& lengths, int rateHz = 44100)
     {
-        std::vector<FormulaFile*> queue;
-        for (const int length : lengths) {
-            queue.push_back(&Make(length, rateHz));
-            if (queue.size() > 1) {
-                queue.front()->Add(queue.back());
-            }
-        }
-        return queue;
+        return rig->MakeQueue(lengths, {0, rateHz}, Constant(0.1));
     }
 
     std::unique_ptr<DriverRig> rig = GetParam()(4);

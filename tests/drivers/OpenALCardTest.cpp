@@ -126,15 +126,10 @@ TEST_F(OpenALCard, ASoundOnATooSlowDiskCanBeStopped)
 TEST_F(OpenALCard, ALongGameFrameLosesNothingAndReportsInOneUpdate)
 {
     constexpr int length = 7 * rateHz / 10;
-    FormulaFile* parts[3];
-    for (int part = 0; part < 3; ++part) {
-        parts[part] =
-            &rig.Make({length}, [=](int i, int) { return 0.25 + 0.25 * (part * length + i) / (3 * length); });
-    }
+    const std::vector<FormulaFile*> parts = rig.MakeQueue(
+        {length, length, length}, {}, [](int i, int) { return 0.25 + 0.25 * i / (3 * length); });
     FormulaFile& beside = rig.Make({20 * rateHz}, Constant(0.0));
     ASSERT_TRUE(rig.Open(rateHz, 8, 1000));
-    parts[0]->Add(parts[1]);
-    parts[0]->Add(parts[2]);
     rig.Play(*parts[0]);
     rig.Play(beside);
     rig.Step(40);

@@ -80,16 +80,8 @@ protected:
         const std::function<void()> ways[] = {append, append, append, append,
             [&] { channel->SetFrequency(100UL + static_cast<unsigned long>(Draw(99901))); },
             [&] { channel->FadeOut(Draw(100)); },
-            [&] { channel->SetGain(0.01F * static_cast<float>(Draw(100))); },
             [&] { channel->SetLowPass(0.01F * static_cast<float>(Draw(101))); },
             [&] { channel->SetPitch(0.5F + 0.01F * static_cast<float>(Draw(151))); },
-            [&] {
-                channel->SetPosition({static_cast<float>(Draw(20)), 0, 1});
-            },
-            [&] { channel->SetMinMaxDistance(1, 10, Draw(2) == 0); },
-            [&] {
-                driver.SetListenerPosition({static_cast<float>(Draw(20)), 0, 1});
-            },
             [&] { EXPECT_LE(channel->GetRemainLength(), 1000U); },
             [&] { EXPECT_TRUE(driver.SetFXEnvReverb(Draw(2) ? &fxEnvReverbCave : &fxEnvReverbAlley, 2, 0)); },
             [&] { driver.ResetFXEnvReverb(0); }, [&] { channel->SetFXEnvReverbSourceProperties(&dull); }};

@@ -43,20 +43,11 @@ public:
         : rig(driverRig)
         , row(newRow)
     {
-        int offset = 0;
-        for (const int length : row.lengths) {
-            // Not too high for the filters of the conversion.
-            FormulaFile& file = rig.Make({length, row.fileHz}, [=](int i, int) {
-                return 0.3 * std::sin(0.7 * (i + offset)) + 0.3 * std::sin(1e-5 * std::pow(i + offset, 1.7));
-            });
-            offset += length;
-            if (head) {
-                head->Add(&file);
-            }
-            else {
-                head = &file;
-            }
-        }
+        // Not too high for the filters of the conversion.
+        const auto rising = [](int i, int) {
+            return 0.3 * std::sin(0.7 * i) + 0.3 * std::sin(1e-5 * std::pow(i, 1.7));
+        };
+        head = rig.MakeQueue(row.lengths, {0, row.fileHz}, rising).front();
         rig.onEvent = [this](const DriverEvent& event) { head = static_cast<FormulaFile*>(event.newFile); };
     }
 

@@ -37,8 +37,13 @@ protected:
     SndChannel* PlayTone(double hz, const FXEnvReverbSourceProperties* properties = nullptr,
         unsigned int flags = ChanPositional)
     {
-        FormulaFile& tone = rig->Make({rateHz}, Sine(hz, 0.2, rateHz));
-        SndChannel* const channel = rig->Create(tone, flags | ChanLooping);
+        return PlayLoop(rig->Make({rateHz}, Sine(hz, 0.2, rateHz)), properties, flags);
+    }
+
+    SndChannel* PlayLoop(
+        FormulaFile& file, const FXEnvReverbSourceProperties* properties, unsigned int flags = ChanPositional)
+    {
+        SndChannel* const channel = rig->Create(file, flags | ChanLooping);
         EXPECT_TRUE(!properties || channel->SetFXEnvReverbSourceProperties(properties));
         channel->SetPosition({0, 0, -1});
         channel->Play();
@@ -191,10 +196,7 @@ TEST_F(Rooms, LateReverbHasItsLevelAtAnyDecayTime)
             std::tie(row.decayTime, row.hfRatio, row.density, row.room, row.reverb);
         room.reflections = -10000;
         SetRoom(&room);
-        SndChannel* const channel = rig->Create(*noise, ChanPositional | ChanLooping);
-        channel->SetFXEnvReverbSourceProperties(&onlyRoom);
-        channel->SetPosition({0, 0, -1});
-        channel->Play();
+        PlayLoop(*noise, &onlyRoom);
         rig->StepTimes(static_cast<int>(10 * row.decayTime) + 20, 100);
         const double level = GetOctaveLevel(500);
         usual = &row == rows ? level : usual;

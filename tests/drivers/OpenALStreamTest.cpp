@@ -28,24 +28,15 @@ TEST(OpenALStream, AQueueAndALoopRenderBitExactWithoutASeam)
         SCOPED_TRACE(lengths.front());
         OfflineRig rig(8, outputHz, hrtf);
         std::vector<double> expected[2];
-        FormulaFile* head = nullptr;
-        for (const int length : lengths) {
-            const int offset = static_cast<int>(expected[0].size());
-            FormulaFile& file = rig.Make({length, outputHz, 2},
-                [=](int sampleFrame, int channel) { return Scatter()(sampleFrame + offset, channel); });
-            for (int i = 0; i < length; ++i) {
-                expected[0].push_back(file.GetStored(i, 0));
-                expected[1].push_back(file.GetStored(i, 1));
-            }
-            if (head) {
-                head->Add(&file);
-            }
-            else {
-                head = &file;
+        const std::vector<FormulaFile*> queue = rig.MakeQueue(lengths, {0, outputHz, 2}, Scatter());
+        for (const FormulaFile* const file : queue) {
+            for (int i = 0; i < file->GetSoundSamples(); ++i) {
+                expected[0].push_back(file->GetStored(i, 0));
+                expected[1].push_back(file->GetStored(i, 1));
             }
         }
         const bool isLoop = lengths.size() == 1;
-        rig.Play(*head, isLoop ? ChanLooping : 0U);
+        rig.Play(*queue.front(), isLoop ? ChanLooping : 0U);
         for (const unsigned long ms : {41, 97, 62, 400}) {
             rig.Step(ms);
         }

@@ -1,10 +1,9 @@
 #include "harmonet/engine/FileSource.h"
 #include "harmonet/engine/Exception.h"
 
+#include "tests/engine/FilesTest.h"
 #include "tests/support/MemorySource.h"
-#include "tests/support/TempFolder.h"
 
-#include <gtest/gtest.h>
 #include <random>
 
 namespace Quon
@@ -12,19 +11,19 @@ namespace Quon
 namespace
 {
 
-class FileSources : public testing::Test
+/// The files of a source in place of those of the folder.
+class FileSources : public Files
 {
 protected:
     FileSources() { EXPECT_TRUE(File::AddRoot(owner, source)); }
-    ~FileSources() override { File::RemoveRoot(owner); }
 
-    int Open(const char* name) { return file.Open(owner, name, File::modeRead).GetCode(); }
-    int Stamp(const char* name) { return File::GetStamp(owner, name, stamp).GetCode(); }
+    int Stamp(const char* name)
+    {
+        FileStamp stamp;
+        return File::GetStamp(owner, name, stamp).GetCode();
+    }
 
-    const PString owner = "owner of the source tests";
     const std::shared_ptr<MemorySource> source = std::make_shared<MemorySource>();
-    FileStamp stamp;
-    File file;
 };
 
 /// What a random walk over an open file gives.
@@ -48,15 +47,14 @@ std::vector<unsigned long> WalkOver(File& file, unsigned int seed)
 // A reader does not depend on where a file comes from.
 TEST_F(FileSources, ReadTheSameAsAFolder)
 {
-    TempFolder folder;
     MemorySource::Bytes bytes(150);
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         bytes[i] = static_cast<unsigned char>(i);
     }
-    folder.Write("a.bin", bytes);
+    folder.Write("root/a.bin", bytes);
     source->files["a.bin"] = bytes;
     const PString folderOwner("folder of the source tests");
-    ASSERT_TRUE(File::AddRoot(folderOwner, folder.GetPath().string().c_str()));
+    ASSERT_TRUE(File::AddRoot(folderOwner, folder.Path("root").c_str()));
     for (const std::size_t mostPerRead : {std::size_t{1}, std::size_t{7}, std::size_t{1000}}) {
         source->mostPerRead = mostPerRead;
         const auto seed = static_cast<unsigned int>(mostPerRead);
@@ -71,14 +69,9 @@ TEST_F(FileSources, ReadTheSameAsAFolder)
 TEST_F(FileSources, GetCheckedNames)
 {
     source->files["sub/a.bin"] = {1};
-    const std::pair<const char*, int> rows[] = {{"sub/a.bin", File::Opened},
-        {"./sub//.\\a.bin", File::Opened}, {"sub/../sub/a.bin", File::OutsideRoot},
-        {"/sub/a.bin", File::OutsideRoot}, {"C:\\sub\\a.bin", File::OutsideRoot}, {".", File::NotAFile},
-        {"", File::BadName}};
-    for (const auto& [name, code] : rows) {
-        EXPECT_EQ(Open(name), code) << name;
-        EXPECT_EQ(Stamp(name), code) << name;
-    }
+    ExpectCodes({{"sub/a.bin", File::Opened}, {"./sub//.\\a.bin", File::Opened},
+        {"sub/../sub/a.bin", File::OutsideRoot}, {"/sub/a.bin", File::OutsideRoot},
+        {"C:\\sub\\a.bin", File::OutsideRoot}, {".", File::NotAFile}, {"", File::BadName}});
     EXPECT_EQ(source->opened, std::vector<std::string>(4, "sub/a.bin")) << "no other name reaches it";
 }
 

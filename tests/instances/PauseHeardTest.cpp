@@ -2,11 +2,7 @@
 
 #include "tests/instances/HeardTest.h"
 
-#include <algorithm>
-#include <array>
-#include <cmath>
 #include <random>
-#include <tuple>
 
 namespace Quon
 {
@@ -20,7 +16,7 @@ constexpr std::size_t stepFrames = rateHz * stepMs / 1000;
 constexpr int sceneSteps = 60;
 // A sound that is displaced or returns fades for 30 ms and the block that is being mixed.
 constexpr std::size_t rampFrames = stepFrames;
-constexpr int numParts = 7;
+constexpr int numFiles = 9;
 
 /// When everything is paused: before which step, and for how many.
 struct Halt
@@ -34,8 +30,8 @@ class PauseHeard : public HeardTest
 protected:
     PauseHeard()
     {
-        for (int part = 0; part < numParts + 2; ++part) {
-            folder.Write("noise" + std::to_string(part), BuildNoise(part));
+        for (int file = 0; file < numFiles; ++file) {
+            folder.Write("noise" + std::to_string(file), BuildNoise(file));
         }
     }
 
@@ -43,7 +39,7 @@ protected:
     std::vector<double> RenderParts(const Halt& halt)
     {
         const Rendering heard = Render([&](Scene& scene) {
-            Parts played(scene.music);
+            int time = 0; // In steps, without the pause.
             for (int step = 1; step <= sceneSteps + halt.length; ++step) {
                 if (step == halt.step) {
                     SoundSystem::PauseAll();
@@ -51,8 +47,8 @@ protected:
                 if (step == halt.step + halt.length) {
                     SoundSystem::ResumeAll();
                 }
-                for (unsigned int part = 0; part < numParts; ++part) {
-                    played.Act(part, step, halt);
+                if (step <= halt.step || step > halt.step + halt.length) {
+                    Act(scene, ++time);
                 }
                 Step(stepMs);
             }
@@ -78,67 +74,47 @@ private:
     }
 
     /// One sound, or one piece of music, in each state that a pause can meet.
-    struct Parts
+    void Act(Scene& scene, int time)
     {
-        explicit Parts(Music& newMusic)
-            : music(newMusic)
-        {
-        }
-
-        std::array<Sound, numParts> groups;
-        std::array<int, numParts> ids{};
-        Music& music;
-
-        void Act(unsigned int part, int step, const Halt& halt)
-        {
-            if (step <= halt.step) {
-                ActInTime(part, step);
-            }
-            else if (step > halt.step + halt.length) {
-                ActInTime(part, step - halt.length);
+        if (time == 1) {
+            scene.music.FadeIn("noise4", 600, true);
+            for (const int part : {0, 1, 2, 3, 5, 6}) {
+                lastID = StartPart(scene.group, part);
             }
         }
-
-        void ActInTime(unsigned int part, int step)
-        {
-            Sound& group = groups[part];
-            int& id = ids[part];
-            const std::string file = "noise" + std::to_string(part);
-            if (step == 1 && part == 4) {
-                music.FadeIn(file.c_str(), 600, true);
-            }
-            else if (step == 1) {
-                StartSound(part, group, id, file.c_str());
-            }
-            else if (step == 14 && part == 4) {
-                music.CrossFade("noise8", 900, true);
-            }
-            else if (step == 9 && part == 6) {
-                group.FadeOutSound(id, 1000);
-            }
+        else if (time == 9) {
+            scene.group.FadeOutSound(lastID, 1000);
         }
-
-        static void StartSound(unsigned int part, Sound& group, int& id, const char* file)
-        {
-            id = part == 5 ? group.New3DSound(file, nullptr) : group.New2DSound(file, nullptr);
-            group.SetSoundPriority(id, -static_cast<int>(part));
-            if (part == 0) {
-                group.SetSoundFadeIn(id, 1200);
-            }
-            if (part == 1) {
-                group.SetSoundDelay(id, 900);
-            }
-            if (part == 3) {
-                group.CatSound(id, "noise7", nullptr);
-            }
-            if (part == 5) {
-                group.SetSoundCone(id, 360.0F, 360.0F, 1.0F);
-                group.SetSoundMinMaxDistance(id, 10.0F, 100.0F, false);
-                group.SetSoundPosition(id, {1.0F, 0.0F, 0.0F});
-            }
-            group.StartSound(id, part == 0 ? Sound::StartLooping : 0);
+        else if (time == 14) {
+            scene.music.CrossFade("noise8", 900, true);
         }
-    };
+    }
+
+    static int StartPart(Sound& group, int part)
+    {
+        const std::string file = "noise" + std::to_string(part);
+        const int id =
+            part == 5 ? group.New3DSound(file.c_str(), nullptr) : group.New2DSound(file.c_str(), nullptr);
+        group.SetSoundPriority(id, -part);
+        if (part == 0) {
+            group.SetSoundFadeIn(id, 1200);
+        }
+        if (part == 1) {
+            group.SetSoundDelay(id, 900);
+        }
+        if (part == 3) {
+            group.CatSound(id, "noise7", nullptr);
+        }
+        if (part == 5) {
+            group.SetSoundCone(id, 360.0F, 360.0F, 1.0F);
+            group.SetSoundMinMaxDistance(id, 10.0F, 100.0F, false);
+            group.SetSoundPosition(id, {1.0F, 0.0F, 0.0F});
+        }
+        group.StartSound(id, part == 0 ? Sound::StartLooping : 0);
+        return id;
+    }
+
+    int lastID = 0;
 };
 
 /// The sound with the silence of a pause inserted.

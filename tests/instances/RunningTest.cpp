@@ -8,6 +8,7 @@
 #include "harmonet/output/SndChannel.h"
 #include "tests/support/SoundTest.h"
 
+#include <filesystem>
 #include <limits>
 #include <numeric>
 #include <optional>
@@ -216,6 +217,43 @@ TEST_F(RunningTest, RemainingAndPlayedTimeFollowTheState)
     group->StartSound(loop, Sound::StartImmediately);
     group->FadeOutSound(loop, 300);
     EXPECT_EQ(group->GetRemainLength(loop), 0xFFFFFFFFU);
+}
+
+// Sounds whose data are coded run through the whole system as plain waves do, round a loop or along a queue.
+TEST_F(RunningTest, CompressedFilesResumeAtTheRightSampleAfterBeingVirtual)
+{
+    constexpr int stepMs = 50;
+    constexpr int filesAfter = 9;
+    const std::filesystem::path tests = HARMONET_FILE_TESTS;
+    for (const char* path : {"mpeg/streams/mono-48000.mp3", "mpeg/streams/wrapped-44100.wav",
+             "adpcm/sox-mono.wav", "adpcm/sox-stereo.wav"}) {
+        const std::string name = std::filesystem::path(path).filename().string();
+        std::filesystem::copy_file(tests / path, folder.GetPath() / name);
+        for (const bool loops : {true, false}) {
+            SCOPED_TRACE(name + (loops ? ", loop" : ", queue"));
+            const int id = group->New2DSound(name.c_str(), nullptr);
+            for (int i = 0; i < filesAfter && !loops; ++i) {
+                EXPECT_TRUE(group->CatSound(id, name.c_str(), nullptr));
+            }
+            Displace(id, loops ? Sound::StartLooping : Sound::StartQueued);
+            const SndFile& first = *Find(id)->GetSndFile();
+            EXPECT_GT(first.FileType(), SndFile::FileWav);
+            const int total = first.GetSoundSamples();
+            const int perStep = first.GetSampleFrequency() * stepMs / 1000;
+            int passed = first.GetCurrentSample();
+            for (int step = 1; step <= 40; ++step) {
+                if (step == 40) {
+                    system.SetMaxAudibleSounds(1);
+                }
+                Step(stepMs);
+                passed += perStep;
+                ASSERT_EQ(Find(id)->GetSndFile()->GetCurrentSample() % total, passed % total);
+                ASSERT_EQ(group->GetQueueLength(id), loops ? 0 : filesAfter - passed / total);
+            }
+            EXPECT_EQ(Playing(), Ids{id});
+            group->StopSound(id);
+        }
+    }
 }
 
 } // namespace

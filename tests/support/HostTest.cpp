@@ -76,21 +76,16 @@ LifeGuard::~LifeGuard()
     EXPECT_EQ(Alloc::LiveBlocks(), blocksBefore);
 }
 
-FileRoot::FileRoot(const TempFolder& folder)
-{
-    EXPECT_TRUE(File::AddRoot(PString(), folder.GetPath().string().c_str()));
-}
-
-FileRoot::~FileRoot()
-{
-    File::RemoveRoot(PString());
-}
-
 HostTest::HostTest()
     : recording(GetRecording())
-    , root(folder)
 {
+    EXPECT_TRUE(File::AddRoot(PString(), folder.GetPath().string().c_str()));
     NameDriver(os);
+}
+
+HostTest::~HostTest()
+{
+    File::RemoveRoot(PString());
 }
 
 void HostTest::Step(int ms)

@@ -29,18 +29,8 @@ private:
     std::size_t blocksBefore;
 };
 
-/// Makes a folder the root for files with an empty owner, for as long as it lives.
-class FileRoot
-{
-public:
-    explicit FileRoot(const TempFolder& folder);
-    ~FileRoot();
-    FileRoot(const FileRoot&) = delete;
-    FileRoot& operator=(const FileRoot&) = delete;
-};
-
-/// A host with a folder for files and a sound system that has not been started. Its options name the
-/// recording driver.
+/// A host with a folder for the files of the empty owner and a sound system that has not been started. Its
+/// options name the recording driver.
 ///
 /// A derived fixture or test must destroy its own objects: at the end of the fixture none of the system's
 /// memory may be left.
@@ -48,6 +38,7 @@ class HostTest : public testing::Test
 {
 protected:
     HostTest();
+    ~HostTest() override;
 
     void SetOption(const char* name, const char* text) { os.GetOptions()->Set(name, text); }
     bool Start(bool driverFlag = false) { return system.Init(&os, driverFlag); }
@@ -71,9 +62,6 @@ protected:
     TempFolder folder;
     OS os;
     SoundSystem system;
-
-private:
-    FileRoot root;
 };
 
 } // namespace Quon
