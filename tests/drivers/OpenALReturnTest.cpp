@@ -1,7 +1,6 @@
 // Sounds that lose their channel and return: their positions and fades.
 
 #include "tests/drivers/OfflineRig.h"
-#include "tests/drivers/effects/OwnedList.h"
 
 #include <gtest/gtest.h>
 

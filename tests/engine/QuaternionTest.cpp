@@ -4,7 +4,6 @@
 
 #include "harmonet/engine/Matrix.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 

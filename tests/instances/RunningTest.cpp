@@ -145,25 +145,19 @@ TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
 class MarkTask : public Task
 {
 public:
-    MarkTask(Recording& newRecording, const char* name, float place)
-        : Task(name, place, true)
-        , recording(newRecording)
-    {
-    }
+    using Task::Task;
+
     UpdateCode Update(float) override
     {
-        recording.lines.push_back(GetName().GetText());
+        GetRecording().lines.push_back(GetName().GetText());
         return UpdateContinue;
     }
-
-private:
-    Recording& recording;
 };
 
 TEST_F(RunningTest, TheUpdateRunsAtItsPlaceAmongTheTasks)
 {
-    const MarkTask after(recording, "after", 7.1F);
-    const MarkTask before(recording, "before", 6.9F);
+    const MarkTask after("after", 7.1F, true);
+    const MarkTask before("before", 6.9F, true);
     Step(40);
     EXPECT_EQ(TakeLog({"before", "BeginUpdate", "after"}), (Lines{"before", "BeginUpdate 40", "after"}));
 }

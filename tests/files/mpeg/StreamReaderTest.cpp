@@ -111,6 +111,22 @@ TEST(MpegReader, ASeekIsRightToTheSampleFrame)
     }
 }
 
+TEST(MpegReader, EveryTruncationPlaysItsCompleteFrames)
+{
+    const Bytes stream = ReadStream("mono-16000.mp3");
+    constexpr std::size_t frameBytes = 108;
+    const std::vector<int> whole = DecodeAll(stream);
+    Bytes kept;
+    for (const unsigned char next : stream) {
+        SCOPED_TRACE(testing::Message() << kept.size() << " bytes kept");
+        ASSERT_EQ(MemoryStream(kept).Get() != nullptr, kept.size() >= 4);
+        const std::vector<int> pcm = DecodeAll(kept);
+        ASSERT_EQ(pcm.size(), kept.size() / frameBytes * 576);
+        ASSERT_TRUE(std::equal(pcm.begin(), pcm.end(), whole.begin()));
+        kept.push_back(next);
+    }
+}
+
 TEST(MpegReader, JunkBetweenFramesIsSkipped)
 {
     const Bytes frames[2] = {ReadFrames(mono, 3), ReadFrames(otherMono, 2)};
