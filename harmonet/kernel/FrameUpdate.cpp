@@ -287,12 +287,13 @@ SoundReason SndKernel::WhyInaudible(SoundRow row) const
     if (row.HasAnyFlag(FlagInPause)) {
         return SoundReason::Paused;
     }
-    const bool isVirtual = row.List() == ListID::Emulated;
-    if (row.HasAnyFlag(Flag3D) && !activeMicrophone) {
+    const bool isPositional = row.HasAnyFlag(Flag3D);
+    if (isPositional && !activeMicrophone) {
         return SoundReason::NoListener;
     }
+    const bool isVirtual = row.List() == ListID::Emulated;
     const bool isOut =
-        isVirtual ? row.HasAnyFlag(Flag3D) && !row.HasAnyFlag(FlagDistLTMax) : row.HasAnyFlag(FlagDistGTMax);
+        isVirtual ? isPositional && !row.HasAnyFlag(FlagDistLTMax) : row.HasAnyFlag(FlagDistGTMax);
     return isOut ? SoundReason::BeyondReach : SoundReason::None;
 }
 

@@ -372,25 +372,25 @@ void SndKernel::StopAll()
     const bool refusedBefore = refusesSounds;
     {
         const SndBase::MusicHold hold;
-        DeleteListed(0);
+        DeleteListed(kindAll);
         // Sounds that observers have started in response end too. From here on they cannot start any more, so
         // this loop terminates and no sound is left.
         refusesSounds = true;
-        DeleteAllSounds(0);
+        DeleteAllSounds(kindAll);
     }
     refusesSounds = refusedBefore;
 }
 
 void SndKernel::StopAll2D()
 {
-    DeleteListed(2);
-    DeleteAllSounds(2);
+    DeleteListed(kind2D);
+    DeleteAllSounds(kind2D);
 }
 
 void SndKernel::StopAll3D()
 {
-    DeleteListed(3);
-    DeleteAllSounds(3);
+    DeleteListed(kind3D);
+    DeleteAllSounds(kind3D);
 }
 
 int SndKernel::OnDriverEvent(int event, void* data)

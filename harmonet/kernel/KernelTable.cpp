@@ -150,9 +150,6 @@ void SndKernel::DeleteAllSounds(int kind)
 
 bool SndKernel::IsOfKind(const SndBase& sound, int kind)
 {
-    constexpr int kindAll = 0;
-    constexpr int kind2D = 2;
-    constexpr int kind3D = 3;
     return kind == kindAll || (kind == kind3D && sound.Is3D()) ||
         (kind == kind2D && !sound.HasAnyFlag(Flag3D | FlagMusic));
 }

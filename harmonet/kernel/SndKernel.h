@@ -151,7 +151,10 @@ public:
     void RemoveSound(SndBase* sound);
     /// Deletes all sounds of that group.
     void DeleteSounds(Sound* parent);
-    /// Kind 0: all sounds; 2: non-positional sounds except music; 3: positional sounds.
+    static constexpr int kindAll = 0;
+    static constexpr int kind2D = 2; ///< Without music.
+    static constexpr int kind3D = 3;
+    /// Deletes all sounds of a kind.
     void DeleteAllSounds(int kind);
     /// Sends the output gain of all sounds of a kind again. The kind is 0, Flag3D or FlagMusic.
     void RefreshGains(int kind);
