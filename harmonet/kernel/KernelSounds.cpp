@@ -354,7 +354,7 @@ unsigned long SndKernel::GetLength(const PString& substName, const PString& file
 
 void SndKernel::DeleteListed(int kind)
 {
-    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
+    for (const ListID id : regularLists) {
         SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
         while (const SoundRow row = walk.Next()) {
             SndBase* sound = row.GetSound();

@@ -106,7 +106,7 @@ std::optional<std::uint32_t> SndKernel::FindLikeLength(std::uint32_t number, con
         return name.lengthMs;
     }
     // The lengths differ, as with the rest of a queue: use the first one.
-    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
+    for (const ListID id : regularLists) {
         for (const SndList::Entry& entry : GetList(id).GetEntries()) {
             const SoundRow row = entry.GetRow();
             if (!entry.IsStale() && row.Name() == number && row.GetSound() != except) {

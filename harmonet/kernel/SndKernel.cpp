@@ -285,7 +285,7 @@ void SndKernel::ForgetOrder()
 
 bool SndKernel::IsConsistent()
 {
-    for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused}) {
+    for (const ListID id : regularLists) {
         int count = 0;
         bool isGood = true;
         GetList(id).ForEach([&](const SndBase& sound) {

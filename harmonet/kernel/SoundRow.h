@@ -27,6 +27,8 @@ enum class ListID : std::uint8_t
     Paused ///< Time is stopped for it.
 };
 inline constexpr std::size_t numLists = 6;
+/// The lists that sounds can be on between two updates, in the order of a search.
+inline constexpr ListID regularLists[] = {ListID::Playing, ListID::Emulated, ListID::Waiting, ListID::Paused};
 
 /// Whether the sounds of a list have channels or compete for them.
 constexpr bool IsContender(ListID list)
