@@ -85,7 +85,7 @@ std::vector<int> MemoryStream::ReadOnce(int samples)
     const int delivered = file->ReadSamples(buffer.data(), samples);
     EXPECT_LE(delivered, samples);
     EXPECT_EQ(Bytes(buffer.end() - guardBytes, buffer.end()), Bytes(guardBytes, guard));
-    buffer.resize(static_cast<std::size_t>(2 * delivered * file->GetChannels()));
+    buffer.resize(2 * static_cast<std::size_t>(delivered) * static_cast<std::size_t>(file->GetChannels()));
     return ToValues(buffer);
 }
 
