@@ -36,10 +36,8 @@ public:
 TEST(SndList, MatchesSortedInsertion)
 {
     std::mt19937 random(1);
-    std::vector<std::unique_ptr<ListedSound>> sounds;
-    for (int i = 0; i < 100; ++i) {
-        sounds.push_back(std::make_unique<ListedSound>());
-    }
+    std::vector<std::unique_ptr<ListedSound>> sounds(100);
+    std::ranges::generate(sounds, [] { return std::make_unique<ListedSound>(); });
     SndList list;
     std::list<const SndBase*> plain;
     for (int step = 0; step < 20000; ++step) {
@@ -80,10 +78,9 @@ TEST(NameIndex, ReusesNumbersAndMemory)
 {
     NameIndex names;
     const PString owner("owner");
-    std::vector<PString> files;
-    for (int i = 0; i < 3000; ++i) {
-        files.emplace_back(std::to_string(i).c_str());
-    }
+    std::vector<PString> files(3000);
+    std::ranges::generate(
+        files, [number = 0]() mutable { return PString(std::to_string(number++).c_str()); });
     for (const PString& file : files) {
         names.Use(file, owner);
     }
