@@ -107,11 +107,11 @@ int SndKernel::Init(OS* os, bool driverFlag)
     constexpr int audibleLimit = std::numeric_limits<int>::max() - spareChannels;
     driver->SetMaxChannels(std::min(maxAudible, audibleLimit) + spareChannels);
     theKernel = this;
-    dataCache = new SndNodeCache;
+    dataCache = std::make_unique<SndNodeCache>();
     dataCache->SetLimit(static_cast<unsigned long>(options.cacheSize));
-    fileCache = new SndFileCache;
+    fileCache = std::make_unique<SndFileCache>();
     fileCache->ReadOptions(*os->GetOptions());
-    SndFile::SetSndFileCache(fileCache);
+    SndFile::SetSndFileCache(fileCache.get());
     driver->GetCaps(caps);
     if (Messages::AreWanted()) {
         os->GetOptions()->ReportUnread();
@@ -144,7 +144,7 @@ int SndKernel::OpenDriver(OS* os, bool driverFlag)
         Report(MessageLevel::Error, "the sound system does not start: the option Sound names no driver");
         return StartNoDriver;
     }
-    soundLibrary = os->CreateDynamicLibrary();
+    soundLibrary.reset(os->CreateDynamicLibrary());
     int code;
     do {
         name.Ins(dynamicLibrarySuffix, name.GetLength());
@@ -169,7 +169,7 @@ int SndKernel::TryDriver(OS* os, const char* name, bool driverFlag)
         ReportDriver(name, "is not a driver: it does not export CreateSoundDriver");
         return StartNoDriver;
     }
-    driver = reinterpret_cast<CreateSoundDriverFunction>(symbol)();
+    driver.reset(reinterpret_cast<CreateSoundDriverFunction>(symbol)());
     if (!driver) {
         ReportDriver(name, "cannot be created: its CreateSoundDriver returns null");
         return StartNotOpened;
@@ -179,21 +179,18 @@ int SndKernel::TryDriver(OS* os, const char* name, bool driverFlag)
         return StartRunning;
     }
     ReportDriver(name, "does not open its output");
-    delete driver;
-    driver = nullptr;
+    driver.reset();
     return StartNotOpened;
 }
 
 // The library is closed after the driver is deleted, since it holds the driver's code.
 void SndKernel::CloseDriver()
 {
-    delete driver;
-    driver = nullptr;
+    driver.reset();
     if (soundLibrary) {
         soundLibrary->Close();
     }
-    delete soundLibrary;
-    soundLibrary = nullptr;
+    soundLibrary.reset();
 }
 
 void SndKernel::Done()
@@ -206,10 +203,8 @@ void SndKernel::Done()
     if (fileCache) {
         SndFile::SetSndFileCache(nullptr);
     }
-    delete fileCache;
-    fileCache = nullptr;
-    delete dataCache;
-    dataCache = nullptr;
+    fileCache.reset();
+    dataCache.reset();
     CloseDriver();
     // A microphone can outlive the system and must not be taken for the listener of the next one.
     if (activeMicrophone) {

@@ -13,6 +13,7 @@
 #include "harmonet/output/SoundFormat.h"
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -82,8 +83,8 @@ public:
     /// Ends all sounds and releases everything. New sounds are refused from then on.
     void Done();
     bool GetCaps(SoundCaps& driverCaps);
-    SndDriver* GetDriver() const { return driver; }
-    SndNodeCache* GetDataCache() const { return dataCache; }
+    SndDriver* GetDriver() const { return driver.get(); }
+    SndNodeCache* GetDataCache() const { return dataCache.get(); }
     const SoundOptions& GetOptions() const { return options; }
     /// Whether the driver supports the source side of an environmental reverb.
     bool CanSetEnvReverbSource() const { return (caps.GetFlags() & capEnvReverbSource) != 0; }
@@ -334,13 +335,13 @@ private:
     bool IsConsistent();
 
     SoundOptions options;
-    DynamicLibrary* soundLibrary = nullptr;
-    SndDriver* driver = nullptr;
+    std::unique_ptr<DynamicLibrary> soundLibrary;
+    std::unique_ptr<SndDriver> driver;
     Microphone* activeMicrophone = nullptr;
     unsigned long elapsed = 0;
     bool listenerChanged = true;
-    SndNodeCache* dataCache = nullptr;
-    SndFileCache* fileCache = nullptr;
+    std::unique_ptr<SndNodeCache> dataCache;
+    std::unique_ptr<SndFileCache> fileCache;
     unsigned long resourceFX = 0x1FF;
     int maxAudible = 0;
     std::array<SndList, numLists> lists; ///< By ListID; the first is none.
