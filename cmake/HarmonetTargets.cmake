@@ -52,10 +52,18 @@ endfunction()
 
 # A test program test_<name>. Each of its tests is registered with CTest by its own name, or the whole program if starting
 # it is slow (HARMONET_TEST_EACH_PROGRAM). The programs in HARMONET_THREADED_TESTS form the target threaded_tests and have
-# the label "threaded"; those that are also in HARMONET_LIVE_TESTS have the label "threaded_live".
+# the label "threaded"; those that are also in HARMONET_LIVE_TESTS have the label "threaded_live". ROOM links the objects of
+# one room instead of the library.
 function(harmonet_test name)
-    add_executable(test_${name} ${ARGN})
-    target_link_libraries(test_${name} PRIVATE harmonet_test_support harmonet GTest::gtest_main GTest::gmock)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "ROOM" "")
+    add_executable(test_${name} ${arg_UNPARSED_ARGUMENTS})
+    target_link_libraries(test_${name} PRIVATE GTest::gtest_main GTest::gmock)
+    if(arg_ROOM)
+        target_compile_definitions(test_${name} PRIVATE HARMONET_BUILDING_LIBRARY)
+        target_link_libraries(test_${name} PRIVATE harmonet_${arg_ROOM})
+    else()
+        target_link_libraries(test_${name} PRIVATE harmonet_test_support harmonet)
+    endif()
     set(label sequential)
     if(name IN_LIST HARMONET_THREADED_TESTS)
         set(label threaded)

@@ -60,7 +60,6 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/instances/Sound.h
     harmonet/instances/SoundObserver.h
     harmonet/instances/SoundPreload.h
-    harmonet/instances/SoundReason.h
     harmonet/kernel/HarmonetStringList.inl
     harmonet/kernel/HarmonetStrings.h
     harmonet/kernel/HarmonetTask.h
@@ -71,7 +70,9 @@ set(HARMONET_PUBLIC_HEADERS
     harmonet/output/SndChannel.h
     harmonet/output/SndDriver.h
     harmonet/output/SoundCaps.h
-    harmonet/output/SoundFormat.h)
+    harmonet/output/SoundFormat.h
+    harmonet/voices/SndFlags.h
+    harmonet/voices/SoundReason.h)
 
 # Additional headers for authors of output drivers, provided by the target Harmonet::driver_common.
 set(HARMONET_DRIVER_HEADERS

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bench/kernel/CrowdPlan.h"
-#include "tests/kernel/PlainDecision.h"
+#include "tests/voices/PlainDecision.h"
 
 namespace Bench
 {

@@ -2,10 +2,10 @@
 
 #include "harmonet/instances/Axes.h"
 #include "harmonet/instances/OrNothing.h"
-#include "harmonet/kernel/Motion.h"
+#include "harmonet/instances/SndBaseRow.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
+#include "harmonet/voices/Motion.h"
 
 #include <algorithm>
 #include <cmath>

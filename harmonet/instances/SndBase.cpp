@@ -4,13 +4,13 @@
 #include "harmonet/engine/Vector.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/OrNothing.h"
+#include "harmonet/instances/SndBaseRow.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
-#include "harmonet/kernel/Motion.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
+#include "harmonet/voices/Motion.h"
 
 #include <algorithm>
 #include <utility>
@@ -112,6 +112,9 @@ SndBase::~SndBase()
 {
     Done();
     SoundRows::GiveBack(rowNumber);
+    if (!theKernel) {
+        SoundRows::Trim();
+    }
 }
 
 void SndBase::Done()
@@ -497,7 +500,7 @@ bool SndBase::IsInNotification() const
 
 bool SndBase::operator<(const SndBase& other) const
 {
-    return Row().GetKey() < other.Row().GetKey();
+    return GetCompareKey(Row()) < GetCompareKey(other.Row());
 }
 
 void SndBase::SetCompareUsingMultiplier(bool use)

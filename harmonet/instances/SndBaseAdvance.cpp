@@ -3,8 +3,8 @@
 #include "harmonet/engine/Messages.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
+#include "harmonet/instances/SndBaseRow.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundRows.h"
 #include "harmonet/output/SndChannel.h"
 
 #include <algorithm>

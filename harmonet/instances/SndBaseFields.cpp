@@ -3,8 +3,8 @@
 #include "harmonet/definitions/DefinitionState.h"
 #include "harmonet/files/SndFile.h"
 #include "harmonet/instances/SndBase.h"
+#include "harmonet/instances/SndBaseRow.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundRows.h"
 
 namespace Quon
 {

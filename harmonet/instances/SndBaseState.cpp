@@ -1,8 +1,8 @@
 // The state of a sound for tools.
 
+#include "harmonet/instances/SndBaseRow.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundRows.h"
 #include "harmonet/kernel/SoundState.h"
 
 #include <algorithm>
@@ -56,41 +56,6 @@ void Assign(PString& to, const PString& from)
 }
 
 } // namespace
-
-const char* DescribeReason(SoundReason reason)
-{
-    switch (reason) {
-    case SoundReason::None:
-        return "no decision has been made yet";
-    case SoundReason::Won:
-        return "it has a channel";
-    case SoundReason::Protected:
-        return "it keeps its channel, which it has had for less than 200 ms";
-    case SoundReason::LostByPriority:
-        return "all channels went to sounds of a higher priority";
-    case SoundReason::LostByDistance:
-        return "all channels went to sounds that are nearer";
-    case SoundReason::LostAsDuplicate:
-        return "duplicates of it are nearer";
-    case SoundReason::BeyondReach:
-        return "the listener is outside its audible range";
-    case SoundReason::NoListener:
-        return "no microphone is active";
-    case SoundReason::Paused:
-        return "it is paused";
-    case SoundReason::Delayed:
-        return "its delay has not elapsed";
-    case SoundReason::Settling:
-        return "it has lost its channel, or has started, less than 200 ms ago";
-    case SoundReason::TooShort:
-        return "it had no channel, and too little was left to continue as a virtual sound";
-    case SoundReason::NotEmulated:
-        return "it had no channel, and was started with StartNoEmulation";
-    case SoundReason::Refused:
-        return "its file could not be opened, or the driver refused a channel";
-    }
-    return "unknown";
-}
 
 void SndBase::FillState(SoundState& state) const
 {

@@ -1,8 +1,8 @@
 // Allocation of channels when more sounds compete than may be audible: gather, decide, apply.
 
-#include "harmonet/kernel/Growth.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundWalk.h"
+#include "harmonet/voices/Growth.h"
 
 #include <algorithm>
 #include <cstring>

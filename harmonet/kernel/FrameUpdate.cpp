@@ -2,6 +2,7 @@
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/output/SndDriver.h"
+#include "harmonet/voices/BlockPasses.h"
 
 #include <cassert>
 #include <cmath>
@@ -68,7 +69,8 @@ void SndKernel::Update(float seconds)
 UpdateStep SndKernel::MakeStep(float seconds) const
 {
     const std::uint32_t ms = ToMilliseconds(seconds, std::numeric_limits<std::uint32_t>::max());
-    return {seconds, ms, static_cast<std::uint32_t>(options.minEmulationLength), Vector3(), false};
+    return {seconds, ms, static_cast<std::uint32_t>(elapsed),
+        static_cast<std::uint32_t>(options.minEmulationLength), Vector3(), false};
 }
 
 void SndKernel::RunFullUpdate(float seconds)
@@ -139,6 +141,45 @@ int SndKernel::CountDownDelays(const Vector3& listener)
     return due;
 }
 
+// Gets the positions of the nodes that have moved, in their approximate memory order instead of the order of
+// the lists, and starts counting where possible. This only updates the rows: a sound that an observer moves
+// later is queried again.
+SndKernel::VirtualSounds SndKernel::UpdatePlaces(const UpdateStep& step)
+{
+    VirtualSounds all;
+    VirtualLanes found;
+    // By index, since blocks may be added meanwhile.
+    for (std::size_t number = 0; number < SoundRows::GetBlocks().size(); ++number) {
+        SoundBlock& block = *SoundRows::GetBlocks()[number];
+        SndBase::UpdatePlaces(block);
+        LookAtVirtual(block, found);
+        all.anyMoved = all.anyMoved || found.anyMoved;
+        for (std::uint32_t lane = 0, end = block.end; found.anyMayEnd && lane < end; ++lane) {
+            if (found.mayEnd[lane] == 0) {
+                continue;
+            }
+            const SoundRow row(block, lane);
+            row.GetSound()->StartCounting();
+            all.onlyCount = all.onlyCount && (row.IsHeldBack() || row.CanCount(step));
+        }
+    }
+    return all;
+}
+
+// Advances all virtual sounds by counting. No observer can be called, so the order makes no difference.
+void SndKernel::CountEmulated(const UpdateStep& step)
+{
+    SoundBlock::Column<std::uint32_t> isLeft;
+    for (SoundBlock* block : SoundRows::GetBlocks()) {
+        const bool anyLeft = CountVirtual(*block, step, isLeft);
+        for (std::uint32_t lane = 0, end = block->end; anyLeft && lane < end; ++lane) {
+            if (isLeft[lane]) {
+                block->sound[lane]->CountLoop(CalcSamples(block->rateHz[lane], step.ms));
+            }
+        }
+    }
+}
+
 // From the tail, so that the head of a sound along a line, which counts as near, comes before its sources and
 // can release them in the same update.
 void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
@@ -150,15 +191,12 @@ void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
         if (step.listenerMoved || all.anyMoved) {
             GetList(ListID::Emulated).ForgetOrder();
         }
-        // No observer can be called, so the order makes no difference.
-        for (SoundBlock* block : SoundRows::GetBlocks()) {
-            CountBlock(*block, step);
-        }
+        CountEmulated(step);
         return;
     }
     SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::SkipNewcomers);
     while (const SoundRow row = walk.Next()) {
-        if (CountVirtual(row, step) ||
+        if (CountOne(row, step) ||
             row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved)) {
             row.AddStateTime(elapsed);
             continue;
@@ -173,7 +211,7 @@ void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
 
 // SndUpdate() for a virtual sound that only has to be counted, nearly always with its row alone: an update
 // that goes through the list takes half as long. Otherwise returns false and changes nothing.
-bool SndKernel::CountVirtual(SoundRow row, const UpdateStep& step)
+bool SndKernel::CountOne(SoundRow row, const UpdateStep& step)
 {
     if (row.IsHeldBack() || row.IsUnplaced() || !row.CanCount(step)) {
         return false;
@@ -193,9 +231,9 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
 {
     // For few sounds in a large crowd the walk is faster.
     constexpr std::size_t smallShare = 16;
-    const auto numHeard = static_cast<std::size_t>(GetAudibleCount());
-    if (numHeard > SoundRows::GetBlocks().size() * SoundBlock::numLanes / smallShare) {
-        if (const HeardSounds all = LookAtHeard(step); all.stay) {
+    const std::span<SoundBlock* const> blocks = SoundRows::GetBlocks();
+    if (static_cast<std::size_t>(GetAudibleCount()) > blocks.size() * SoundBlock::numLanes / smallShare) {
+        if (const HeardSounds all = LookAtHeard(blocks, step, activeMicrophone != nullptr); all.stay) {
             UpdateStaying(step, all.anyMoved);
             return;
         }
@@ -214,6 +252,27 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
         }
         else {
             row.Flags() = (row.Flags() | FlagDistLTMax) & ~FlagDistGTMax;
+        }
+    }
+}
+
+// UpdatePlaying() if all stay, with as much as possible in memory order.
+void SndKernel::UpdateStaying(const UpdateStep& step, bool anyMoved)
+{
+    SndList& playing = GetList(ListID::Playing);
+    if (step.listenerMoved || anyMoved) {
+        playing.ForgetOrder();
+    }
+    for (SoundBlock* block : SoundRows::GetBlocks()) {
+        UpdateHeard(*block, step);
+    }
+    if (!anyMoved) {
+        return;
+    }
+    for (const SndList::Entry& entry : playing.GetEntries()) {
+        const SoundRow row = entry.GetRow();
+        if (row.HasMark(RowMoved) && row.HasAnyFlag(Flag3D) && !entry.IsStale()) {
+            SndBase::SendMove(row);
         }
     }
 }

@@ -3,14 +3,15 @@
 #include "harmonet/Export.h"
 #include "harmonet/definitions/DefinitionState.h"
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/kernel/Decide.h"
-#include "harmonet/kernel/Doppler.h"
-#include "harmonet/kernel/NameIndex.h"
+#include "harmonet/instances/SndBaseRow.h"
 #include "harmonet/kernel/SndList.h"
 #include "harmonet/kernel/SoundTable.h"
 #include "harmonet/kernel/StartClock.h"
 #include "harmonet/output/SoundCaps.h"
 #include "harmonet/output/SoundFormat.h"
+#include "harmonet/voices/Decide.h"
+#include "harmonet/voices/Doppler.h"
+#include "harmonet/voices/NameIndex.h"
 
 #include <array>
 #include <memory>
@@ -253,20 +254,10 @@ private:
         bool anyMoved = false;
     };
     static VirtualSounds UpdatePlaces(const UpdateStep& step);
-    static void PrepareBlock(SoundBlock& block, const UpdateStep& step, VirtualSounds& all);
     int CountDownDelays(const Vector3& listener);
     void UpdateEmulated(const UpdateStep& step, const VirtualSounds& all);
-    void CountBlock(SoundBlock& block, const UpdateStep& step) const;
-    static void MeasureBlock(
-        SoundBlock& block, const SoundBlock::Column<std::uint32_t>& isActive, const UpdateStep& step);
-    static bool CountVirtual(SoundRow row, const UpdateStep& step);
-    /// What an update finds out about the sounds with channels before it moves them.
-    struct HeardSounds
-    {
-        bool stay; ///< None leaves the playing list.
-        bool anyMoved;
-    };
-    HeardSounds LookAtHeard(const UpdateStep& step) const;
+    static void CountEmulated(const UpdateStep& step);
+    static bool CountOne(SoundRow row, const UpdateStep& step);
     void UpdateStaying(const UpdateStep& step, bool anyMoved);
     void UpdatePlaying(const UpdateStep& step);
     void LeavePlaying(SndBase& sound, SoundReason reason);

@@ -1,6 +1,7 @@
 #include "harmonet/kernel/SndList.h"
 
-#include "harmonet/kernel/Growth.h"
+#include "harmonet/instances/SndBaseRow.h"
+#include "harmonet/voices/Growth.h"
 
 #include <algorithm>
 #include <cassert>
@@ -66,7 +67,7 @@ void SndList::Append(std::uint32_t row, ListID id)
 
 void SndList::InsertSorted(std::uint32_t row, ListID id)
 {
-    const std::uint64_t key = SoundRows::At(row).GetKey();
+    const std::uint64_t key = GetCompareKey(SoundRows::At(row));
     if (isInOrder) {
         MakeRoom(added);
         added.push_back({key, Enter(row, id)});
@@ -74,8 +75,8 @@ void SndList::InsertSorted(std::uint32_t row, ListID id)
     }
     MakeRoom(order);
     const Entry entry = Enter(row, id);
-    const auto place = std::ranges::find_if(
-        order, [key](const Entry& other) { return !other.IsStale() && other.GetRow().GetKey() >= key; });
+    const auto place = std::ranges::find_if(order,
+        [key](const Entry& other) { return !other.IsStale() && GetCompareKey(other.GetRow()) >= key; });
     order.insert(place, entry);
 }
 
@@ -122,9 +123,9 @@ void SndList::SetOrder(std::span<const ImportanceSort::Item> ranking, std::uint3
     order.resize(count);
     const auto place = std::ranges::find(order, first, &Entry::row);
     if (place != order.end()) {
-        const std::uint64_t key = place->GetRow().GetKey();
+        const std::uint64_t key = GetCompareKey(place->GetRow());
         const auto equals = std::find_if(std::make_reverse_iterator(place), order.rend(),
-            [key](const Entry& other) { return other.GetRow().GetKey() != key; });
+            [key](const Entry& other) { return GetCompareKey(other.GetRow()) != key; });
         std::rotate(equals.base(), place, place + 1);
     }
     isInOrder = true;
@@ -147,7 +148,7 @@ void SndList::Merge()
     auto end = order.begin() + static_cast<std::ptrdiff_t>(before);
     for (auto gap = order.end(); !added.empty(); added.pop_back()) {
         const auto place = std::ranges::lower_bound(order.begin(), end, added.back().key, {},
-            [](const Entry& entry) { return entry.GetRow().GetKey(); });
+            [](const Entry& entry) { return GetCompareKey(entry.GetRow()); });
         gap = std::move_backward(place, end, gap);
         *--gap = added.back().entry;
         end = place;

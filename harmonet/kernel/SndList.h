@@ -2,8 +2,8 @@
 
 #include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/kernel/ImportanceSort.h"
-#include "harmonet/kernel/SoundRows.h"
+#include "harmonet/voices/ImportanceSort.h"
+#include "harmonet/voices/SoundRows.h"
 
 #include <cstdint>
 #include <span>

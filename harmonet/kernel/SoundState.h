@@ -2,7 +2,7 @@
 
 #include "harmonet/engine/PString.h"
 #include "harmonet/engine/Vector.h"
-#include "harmonet/instances/SoundReason.h"
+#include "harmonet/voices/SoundReason.h"
 
 #include <cstdint>
 

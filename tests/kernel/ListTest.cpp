@@ -1,5 +1,4 @@
 #include "harmonet/instances/Snd2D.h"
-#include "harmonet/kernel/NameIndex.h"
 #include "harmonet/kernel/SndList.h"
 
 #include <algorithm>
@@ -72,45 +71,6 @@ TEST(SndList, MatchesSortedInsertion)
         ASSERT_EQ(listed, std::vector<const SndBase*>(plain.begin(), plain.end())) << "step " << step;
         ASSERT_EQ(static_cast<std::size_t>(list.GetCount()), plain.size());
     }
-}
-
-TEST(NameIndex, ReusesNumbersAndMemory)
-{
-    NameIndex names;
-    const PString owner("owner");
-    std::vector<PString> files(3000);
-    std::ranges::generate(
-        files, [number = 0]() mutable { return PString(std::to_string(number++).c_str()); });
-    for (const PString& file : files) {
-        names.Use(file, owner);
-    }
-    EXPECT_NE(names.Find(files[7], owner), names.Find(files[7], PString()));
-    for (std::uint32_t number = 1; number < files.size(); ++number) {
-        names.GiveUp(number);
-    }
-    EXPECT_EQ(names.Find(files[7], owner), NameIndex::none);
-    // The first is still there, and new names take numbers that were in use before.
-    EXPECT_EQ(names.Find(files[0], owner), 0U);
-    for (const PString& file : files) {
-        EXPECT_LT(names.Use(file, owner), files.size());
-    }
-}
-
-// Of sounds that differ nothing can be said without looking at them.
-TEST(NameIndex, KnowsWhetherLikeSoundsAgree)
-{
-    NameIndex names;
-    const std::uint32_t number = names.Use(PString("file"), PString());
-    names.Enter(number, 100);
-    names.Enter(number, 100);
-    EXPECT_TRUE(names.At(number).isUniform);
-    names.SetLength(number, 200);
-    EXPECT_FALSE(names.At(number).isUniform);
-    names.Leave(number);
-    names.Leave(number);
-    names.Enter(number, 300);
-    EXPECT_TRUE(names.At(number).isUniform);
-    EXPECT_EQ(names.At(number).lengthMs, 300U);
 }
 
 } // namespace Quon

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "harmonet/kernel/Motion.h"
+#include "harmonet/voices/Motion.h"
 
 namespace Quon
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "harmonet/kernel/Mask.h"
+#include "harmonet/voices/Mask.h"
 
 #include <bit>
 #include <cstdint>

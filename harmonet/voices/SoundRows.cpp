@@ -1,8 +1,7 @@
-#include "harmonet/kernel/SoundRows.h"
+#include "harmonet/voices/SoundRows.h"
 
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/kernel/NameIndex.h"
-#include "harmonet/kernel/SndKernel.h"
+#include "harmonet/voices/NameIndex.h"
 
 #include <algorithm>
 #include <new>
@@ -72,9 +71,6 @@ void SoundRows::GiveBack(std::uint32_t row)
     SoundBlock& block = *blocks[row / SoundBlock::numLanes];
     block.end = --block.numUsed > 0 ? block.end : 0;
     --numUsed;
-    if (!theKernel) {
-        Trim();
-    }
 }
 
 void SoundRows::AddBlock()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "harmonet/kernel/Decide.h"
+#include "harmonet/voices/Decide.h"
 
 #include <array>
 #include <list>

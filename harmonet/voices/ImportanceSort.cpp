@@ -1,6 +1,6 @@
-#include "harmonet/kernel/ImportanceSort.h"
+#include "harmonet/voices/ImportanceSort.h"
 
-#include "harmonet/kernel/Growth.h"
+#include "harmonet/voices/Growth.h"
 
 #include <algorithm>
 #include <bit>
@@ -151,7 +151,7 @@ void ImportanceSort::SortByComparison(std::span<Item> items) const
 std::uint64_t ImportanceSort::KeyOf(const Item& item) const
 {
     const SoundRow row = RowAt(blocks, item.row);
-    return order == ByDistance ? ~ImportanceKey(row.Priority(), row.DistSqr()) : row.GetWeightedKey();
+    return order == ByDistance ? ~row.GetPlainKey() : row.GetWeightedKey();
 }
 
 } // namespace Quon

@@ -1,4 +1,4 @@
-#include "harmonet/kernel/Doppler.h"
+#include "harmonet/voices/Doppler.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,5 @@
-#include "harmonet/kernel/Importance.h"
-#include "tests/kernel/PlainDecision.h"
+#include "harmonet/voices/Importance.h"
+#include "tests/voices/PlainDecision.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "tests/kernel/PlainDecision.h"
+#include "tests/voices/PlainDecision.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "harmonet/Export.h"
-#include "harmonet/kernel/SoundRow.h"
+#include "harmonet/voices/SoundRow.h"
 
 #include <cstdint>
 #include <span>
@@ -19,7 +19,7 @@ public:
     static void GiveBack(std::uint32_t row);
     static SoundRow At(std::uint32_t row) { return RowAt(GetBlocks(), row); }
     static std::span<SoundBlock* const> GetBlocks() { return {blocks, numBlocks}; }
-    /// Frees the memory if no sound exists.
+    /// Frees the memory if no sound has a row.
     static void Trim();
 
 private:
@@ -45,10 +45,5 @@ struct ListEntry
     SoundRow GetRow() const { return SoundRows::At(row); }
     bool IsStale() const { return GetRow().Serial() != serial; }
 };
-
-inline SoundRow SndBase::Row() const
-{
-    return SoundRows::At(rowNumber);
-}
 
 } // namespace Quon

@@ -1,4 +1,4 @@
-#include "harmonet/kernel/Motion.h"
+#include "harmonet/voices/Motion.h"
 
 #include <cmath>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/kernel/SoundRows.h"
+#include "harmonet/voices/SoundRows.h"
 
 #include <cstdint>
 #include <limits>

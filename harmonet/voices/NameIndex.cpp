@@ -1,4 +1,4 @@
-#include "harmonet/kernel/NameIndex.h"
+#include "harmonet/voices/NameIndex.h"
 
 #include <utility>
 

@@ -2,7 +2,7 @@
 
 #include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
-#include "harmonet/kernel/ImportanceSort.h"
+#include "harmonet/voices/ImportanceSort.h"
 
 #include <array>
 #include <cstdint>

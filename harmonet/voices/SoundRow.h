@@ -2,9 +2,10 @@
 
 #include "harmonet/Export.h"
 #include "harmonet/engine/Vector.h"
-#include "harmonet/instances/SndBase.h"
-#include "harmonet/kernel/Importance.h"
-#include "harmonet/kernel/Mask.h"
+#include "harmonet/voices/Importance.h"
+#include "harmonet/voices/Mask.h"
+#include "harmonet/voices/SndFlags.h"
+#include "harmonet/voices/SoundReason.h"
 
 #include <array>
 #include <bit>
@@ -15,6 +16,8 @@
 
 namespace Quon
 {
+
+class SndBase;
 
 /// The kernel's lists; a sound is on one at most.
 enum class ListID : std::uint8_t
@@ -58,6 +61,7 @@ struct UpdateStep
 {
     float seconds;
     std::uint32_t ms; ///< Time by which a virtual sound advances.
+    std::uint32_t elapsedMs; ///< Time that counts for the state times.
     std::uint32_t minEmulationMs; ///< A virtual sound with less than this plus the step left ends.
     Vector3 listener;
     bool listenerMoved;
@@ -204,10 +208,7 @@ public:
     {
         return ImportanceKey(Priority(), WeightDistance(DistSqr(), Multiplier()));
     }
-    std::uint64_t GetKey() const
-    {
-        return SndBase::useMultiplier ? GetWeightedKey() : ImportanceKey(Priority(), DistSqr());
-    }
+    std::uint64_t GetPlainKey() const { return ImportanceKey(Priority(), DistSqr()); }
     void AddStateTime(unsigned long ms) const
     {
         StateTimeMs() = AddClamped(StateTimeMs(), static_cast<std::uint32_t>(ms));

@@ -1,7 +1,7 @@
-#include "harmonet/kernel/Decide.h"
+#include "harmonet/voices/Decide.h"
 
-#include "harmonet/kernel/Growth.h"
-#include "harmonet/kernel/Importance.h"
+#include "harmonet/voices/Growth.h"
+#include "harmonet/voices/Importance.h"
 
 #include <algorithm>
 #include <bit>
