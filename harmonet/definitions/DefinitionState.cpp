@@ -45,6 +45,22 @@ SoundChoice DefinitionState::Choose(const SoundResource& resource)
     return choice;
 }
 
+void DefinitionState::NoteStart(int soundID, std::int64_t now)
+{
+    running.push_back(soundID);
+    startBefore = lastStart;
+    lastStart = now;
+    lastStarted = soundID;
+}
+
+void DefinitionState::CancelStart(int soundID)
+{
+    Leave(soundID);
+    if (lastStarted == soundID) {
+        lastStart = startBefore;
+    }
+}
+
 PString DefinitionState::ChooseFile(const SoundResource& resource)
 {
     const EngineVector<PString>& variants = resource.GetVariation().variants;

@@ -37,10 +37,12 @@ public:
     SoundLimits limits; ///< As of the last sound created.
     EngineVector<int> running; ///< Ids of the counted sounds, in the order of their starts.
     std::optional<std::int64_t> lastStart; ///< Microseconds of game time.
-    std::optional<std::int64_t> startBefore; ///< The previous one, for the case that the last start fails.
-    int lastStarted = 0; ///< The sound of that start.
     bool isGivingWay = false; ///< An instance is being ended for a new one.
 
+    /// Counts a sound that starts.
+    void NoteStart(int soundID, std::int64_t now);
+    /// Undoes NoteStart() after a failed start.
+    void CancelStart(int soundID);
     void Leave(int soundID) { std::erase(running, soundID); }
 
 private:
@@ -49,6 +51,8 @@ private:
 
     const PString name;
     RandomSequence random;
+    std::optional<std::int64_t> startBefore; ///< `lastStart` before the last start, which may fail.
+    int lastStarted = 0; ///< The sound of that start.
     std::optional<std::size_t> lastFile; ///< Index of the file selected last.
 };
 

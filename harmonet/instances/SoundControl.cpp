@@ -1,5 +1,6 @@
 // Starting, stopping and continuing a group's sounds.
 
+#include "harmonet/definitions/DefinitionState.h"
 #include "harmonet/definitions/SoundResource.h"
 #include "harmonet/engine/Messages.h"
 #include "harmonet/engine/Particle.h"
@@ -8,6 +9,7 @@
 #include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
+#include "harmonet/instances/StartLimits.h"
 #include "harmonet/instances/TakenResource.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/output/SndChannel.h"
@@ -151,7 +153,7 @@ bool Sound::StartSound(SndBase& sound, int flags)
         return false;
     }
     DefinitionState* const definition = sound.GetLimitedBy();
-    if (definition && !OrNothing([&] { return theKernel->AdmitStart(sound); })) {
+    if (definition && !OrNothing([&] { return AdmitStart(sound); })) {
         return false;
     }
     ApplyStartFlags(sound, flags);
@@ -161,7 +163,7 @@ bool Sound::StartSound(SndBase& sound, int flags)
     });
     // The definition exists as long as the kernel, which is not deleted during a notification.
     if (definition && !isStarted) {
-        SndKernel::CancelStart(*definition, id);
+        definition->CancelStart(id);
     }
     return isStarted;
 }

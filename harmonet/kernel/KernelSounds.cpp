@@ -113,7 +113,7 @@ void SndKernel::MarkStarted(SndBase& sound, bool isNow)
     sound.startSerial = ++startCounter;
     sound.startedAt = clockMs;
     const int delay = sound.IsImmediately() ? 0 : sound.GetDelay();
-    sound.startGameTime = startClock.GetGameTime(GetGatheredMicroseconds(), delay);
+    sound.startGameTime = GetGameTime(delay);
     sound.startMachineTime = isNow ? StartClock::now : StartClock::GetMachineTime(delay);
     sound.Row().SetMark(RowNewcomer, takesNewcomers);
     if (takesNewcomers) {
@@ -121,17 +121,18 @@ void SndKernel::MarkStarted(SndBase& sound, bool isNow)
     }
 }
 
-// During an update its time has already been passed on.
-std::int64_t SndKernel::GetGatheredMicroseconds() const
+std::int64_t SndKernel::GetGameTime(int delayMs) const
 {
+    // During an update the time has already been passed on.
     if (updating) {
-        return 0;
+        return startClock.GetGameTime(0, delayMs);
     }
     constexpr std::int64_t microsecondsPerMs = 1000;
     constexpr double microsecondsPerSecond = 1e6;
     const double held = task ? task->GetGatheredSeconds() : 0.0;
-    return static_cast<std::int64_t>(elapsed) * microsecondsPerMs +
-        std::llround(held * microsecondsPerSecond);
+    const std::int64_t gathered =
+        static_cast<std::int64_t>(elapsed) * microsecondsPerMs + std::llround(held * microsecondsPerSecond);
+    return startClock.GetGameTime(gathered, delayMs);
 }
 
 void SndKernel::ForgetNewcomers()

@@ -1,6 +1,5 @@
 // The kernel's interface for tools: snapshots and the trace.
 
-#include "harmonet/instances/Microphone.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/kernel/SoundTrace.h"
 
@@ -55,10 +54,8 @@ void SndKernel::RunTraced(float seconds)
         return;
     }
     UpdateRecord record{elapsedMs, cost, GetAudibleCount(), GetList(ListID::Emulated).GetCount(),
-        GetList(ListID::Waiting).GetCount(), maxAudible, activeMicrophone != nullptr, {}};
-    if (activeMicrophone) {
-        record.listener = activeMicrophone->GetGlobalPosition();
-    }
+        GetList(ListID::Waiting).GetCount(), maxAudible, activeMicrophone != nullptr,
+        GetListenerPlace().value_or(Vector3{0.0F, 0.0F, 0.0F})};
     trace->OnUpdate(record);
     soundTable.ForEach([this](SndBase& sound) { TraceChange(sound); });
 }

@@ -230,6 +230,11 @@ void SndKernel::SetMicrophone(Microphone* microphone)
     listenerChanged = true;
 }
 
+std::optional<Vector3> SndKernel::GetListenerPlace() const
+{
+    return activeMicrophone ? std::optional(activeMicrophone->GetGlobalPosition()) : std::nullopt;
+}
+
 void SndKernel::ClearMicrophone(Microphone* microphone)
 {
     if (activeMicrophone != microphone) {

@@ -110,12 +110,6 @@ public:
     /// Starts a sound or adds it to the waiting list. If it returns false, the sound may have been deleted,
     /// or exists but has not started.
     bool PlaySound(SndBase* sound);
-    /// Applies the limits of the sound's definition: returns whether it may start, and counts it from then
-    /// on. Instances that it replaces end here, with their notifications. Also returns false if an observer
-    /// has ended the sound meanwhile.
-    bool AdmitStart(SndBase& sound);
-    /// Undoes AdmitStart() after a failed start; the sound may have been deleted.
-    static void CancelStart(DefinitionState& definition, int soundID);
     DefinitionStates& GetDefinitionStates() { return definitions; }
     /// Gives a sound a channel and adds it to the playing list. Returns false and changes nothing on failure.
     bool StartChannel(SndBase* sound);
@@ -174,6 +168,8 @@ public:
     // Listener and gains.
 
     Microphone* GetMicrophone() const { return activeMicrophone; }
+    /// World position of the active microphone, as its node is now; nullopt without one.
+    std::optional<Vector3> GetListenerPlace() const;
     void SetMicrophone(Microphone* microphone);
     void ClearMicrophone(Microphone* microphone);
     float GetMainGain2D() const { return mainGain2D; }
@@ -199,6 +195,7 @@ public:
 
     SndList& GetList(ListID id) { return lists[static_cast<std::size_t>(id)]; }
     bool IsListed(const SndBase& sound) const { return sound.Row().List() != ListID::None; }
+    bool IsVirtual(const SndBase& sound) const { return sound.Row().List() == ListID::Emulated; }
     /// The sounds that hold a channel.
     int GetAudibleCount() const { return lists[static_cast<std::size_t>(ListID::Playing)].GetCount(); }
     /// Call it before a sound's importance, or the comparison of all sounds, changes.
@@ -218,6 +215,8 @@ public:
     std::uint32_t GetStartSerial(const SndBase& sound) const { return sound.startSerial; }
     /// Milliseconds of full updates. Wraps around.
     std::uint32_t GetClockMs() const { return clockMs; }
+    /// Microseconds of game time, `delayMs` from now: includes the time since the last full update.
+    std::int64_t GetGameTime(int delayMs) const;
     UpdateStep MakeStep(float seconds) const;
     /// For SoundWalk.
     EngineVector<SndList::Entry>& GetWalkMemory() { return walkMemory; }
@@ -282,14 +281,10 @@ private:
     void StartChosen();
     void EmulateWaiting();
 
-    bool MakeRoom(SndBase& sound, DefinitionState& definition);
-    SndBase* FindToGiveWay(const SndBase& newcomer, const DefinitionState& definition) const;
-    float CalcLevel(const SndBase& sound) const;
     bool IsLongEnough(const SndBase& sound) const;
     void EnterPlaying(SndBase& sound);
     void PlayOnChannel(SndBase& sound, SndFile* file);
     void MarkStarted(SndBase& sound, bool isNow);
-    std::int64_t GetGatheredMicroseconds() const;
     void ForgetNewcomers();
     bool StartImmediately(SndBase& sound);
     /// StartChannel() for a sound that does not compete for a channel.
