@@ -9,10 +9,6 @@ namespace Quon
 
 class SoundFormat;
 
-/// The minimum and maximum playback rate of a channel, in Hz.
-inline constexpr unsigned long minRateHz = 100;
-inline constexpr unsigned long maxRateHz = 100000;
-
 /// The part of a channel that is the same in every driver: the spare operations, and getters that report no
 /// live values of effects. A driver that applies an effect overrides its getter. Task thread only.
 class DriverChannel : public SndChannel

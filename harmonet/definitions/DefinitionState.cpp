@@ -1,6 +1,7 @@
 #include "harmonet/definitions/DefinitionState.h"
 
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/output/SndChannel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -22,10 +23,8 @@ double Between(double minimum, double maximum, double part)
 
 unsigned long ScaleFrequency(int hz, float factor)
 {
-    constexpr double minHz = 100.0;
-    constexpr double maxHz = 100000.0;
     const double scaled = std::round(static_cast<double>(hz) * static_cast<double>(factor));
-    return hz > 0 ? static_cast<unsigned long>(std::clamp(scaled, minHz, maxHz)) : 0;
+    return hz > 0 ? static_cast<unsigned long>(std::clamp<double>(scaled, minRateHz, maxRateHz)) : 0;
 }
 
 DefinitionState::DefinitionState(std::uint64_t seed, const PString& newName, const PString& owner)

@@ -8,6 +8,7 @@
 #include "harmonet/engine/File.h"
 #include "harmonet/engine/Messages.h"
 #include "harmonet/kernel/HarmonetStrings.h"
+#include "harmonet/output/SndChannel.h"
 
 #include <cstring>
 #include <limits>
@@ -22,8 +23,6 @@ namespace
 
 using Keys = HarmonetStrings;
 
-constexpr int minFrequencyHz = 100;
-constexpr int maxFrequencyHz = 100000;
 constexpr std::size_t coordinatesPerPoint = 3;
 constexpr std::size_t minPoints = 2;
 
@@ -238,7 +237,7 @@ const SoundDefResource::Setting* SoundDefResource::FindSetting(const PString& ke
         {Keys::innerConeAngle, [](R r) { return r.ReadFloat(r.sound.innerConeAngle, 0, 360); }},
         {Keys::outerConeAngle, [](R r) { return r.ReadFloat(r.sound.outerConeAngle, 0, 360); }},
         {Keys::coneGain, [](R r) { return r.ReadFloat(r.sound.coneGain, 0, 1); }},
-        {Keys::doppler, [](R r) { return r.ReadFloat(r.sound.doppler, 0, 10); }},
+        {Keys::doppler, [](R r) { return r.ReadFloat(r.sound.doppler, 0, maxDopplerFactor); }},
         {Keys::position, [](R r) { return r.sound.ReadPosition(r.reader); }},
         {Keys::set_frquency,
             [](R r) { return ReadFlag(r.reader, [&r](bool on) { r.sound.chgFrequency = on; }); }},
@@ -276,13 +275,15 @@ bool SoundDefResource::ReadFrequency(BlockReader& reader) const
     if (!reader.ReadInt(hz)) {
         return false;
     }
-    if (hz >= minFrequencyHz && hz <= maxFrequencyHz) {
+    constexpr int minimum = minRateHz;
+    constexpr int maximum = maxRateHz;
+    if (hz >= minimum && hz <= maximum) {
         frequency = hz;
         chgFrequency = true;
     }
     // 0 selects the rate of the file, which is the default.
     if (hz != 0) {
-        DefinitionReport(listener).CheckRange(Keys::frequency, reader, hz, minFrequencyHz, maxFrequencyHz);
+        DefinitionReport(listener).CheckRange(Keys::frequency, reader, hz, minimum, maximum);
     }
     return true;
 }

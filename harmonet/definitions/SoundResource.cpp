@@ -7,11 +7,8 @@ namespace Quon
 
 SoundResource::SoundResource(const PString& newName, const ResourceDatabase* database)
     : Resource(newName, database)
-    , cutout(true)
-    , looping(false)
-    , chgFrequency(false)
-    , disableMicFX(false)
 {
+    SoundResource::Init();
 }
 
 SoundResource::~SoundResource()
@@ -55,8 +52,8 @@ void SoundResource::Init() const
     innerConeAngle = 180.0F;
     outerConeAngle = 180.0F;
     coneGain = 1.0F;
-    minDistance = 10.0F;
-    maxDistance = 500.0F;
+    minDistance = defaultMinDistance;
+    maxDistance = defaultMaxDistance;
     frequency = 0;
     delay = 0;
     position = Vector3();

@@ -13,10 +13,16 @@ namespace Quon
 class Music;
 class Sound;
 
+/// The audible range of a positional sound for which none has been set, in world units.
+inline constexpr float defaultMinDistance = 10.0F;
+inline constexpr float defaultMaxDistance = 500.0F;
+/// The maximum of a factor on the Doppler effect.
+inline constexpr float maxDopplerFactor = 10.0F;
+
 /// A sound in the resource database: the settings for playing it and the name of its file. It does not play
 /// the sound and holds no sound data.
 ///
-/// This class represents a plain sound file with the default settings below; SoundDefResource reads them from
+/// This class represents a plain sound file with the default settings; SoundDefResource reads them from
 /// a text file. The database owns it. To read the settings, add a reference, lock, read, unlock and release;
 /// they are valid between lock and unlock. Cannot be copied.
 class HARMONET_API SoundResource : public Resource
@@ -93,32 +99,32 @@ protected:
     /// Frees the points of the line.
     void FreePolyline() const;
 
-    /// The settings; see the getters.
+    /// The settings; see the getters. Init() contains their defaults.
     mutable bool cutout : 1;
     mutable bool looping : 1;
     mutable bool chgFrequency : 1;
     mutable bool disableMicFX : 1;
-    mutable float gain = 1.0F;
-    mutable float innerConeAngle = 180.0F;
-    mutable float outerConeAngle = 180.0F;
-    mutable float coneGain = 1.0F;
-    mutable float minDistance = 10.0F;
-    mutable float maxDistance = 500.0F;
+    mutable float gain;
+    mutable float innerConeAngle;
+    mutable float outerConeAngle;
+    mutable float coneGain;
+    mutable float minDistance;
+    mutable float maxDistance;
     mutable PString fileName;
-    mutable int frequency = 0;
-    mutable int delay = 0;
+    mutable int frequency;
+    mutable int delay;
     mutable Vector3 position;
-    mutable int numAddSounds = 0;
-    mutable float minAngle = 45.0F;
-    mutable int numPoints = 0;
-    mutable Vector3* polyline = nullptr;
+    mutable int numAddSounds;
+    mutable float minAngle;
+    mutable int numPoints;
+    mutable Vector3* polyline;
     mutable SndFXList fxList;
     mutable SoundVariation variation;
     mutable SoundLimits limits;
-    mutable int loopStart = 0;
-    mutable int loopEnd = 0;
-    mutable float lowPass = 1.0F;
-    mutable float doppler = 1.0F;
+    mutable int loopStart;
+    mutable int loopEnd;
+    mutable float lowPass;
+    mutable float doppler;
 };
 
 } // namespace Quon

@@ -71,8 +71,7 @@ void Music::SetLowPass(float gainHF)
     }
     lowPass = std::clamp(gainHF, 0.0F, 1.0F);
     if (SndBase* instance = FindLive()) {
-        constexpr float applyAgain = -1.0F;
-        instance->SetLowPass(applyAgain);
+        instance->SetLowPass(SndBase::applyAgain);
     }
 }
 

@@ -17,9 +17,6 @@ namespace Quon
 namespace
 {
 
-constexpr int lookupMode = 0;
-constexpr float applyGainAgain = -1.0F;
-
 } // namespace
 
 float SndBase::CalcMusicGain() const
@@ -205,7 +202,7 @@ bool Music::StartFile(SndBase& instance, bool isNew, const PString& name, const 
     instance.SetFileName(name);
     instance.SetDefinitionName(PString());
     Adopt(instance, isNew);
-    instance.SetGain(applyGainAgain);
+    instance.SetGain(SndBase::applyAgain);
     return StartOrGiveUp(instance);
 }
 
@@ -215,7 +212,7 @@ bool Music::StartResource(
     const auto exists = [&instance, id = instance.GetSoundID()] {
         return theKernel && theKernel->FindSound(id) == &instance;
     };
-    TakenResource resource(name, db, lookupMode);
+    TakenResource resource(name, db, MusicLookup);
     // An observer of the load may have ended the piece, or used the handle for another.
     if (!theKernel || FindLive() != (isNew ? nullptr : &instance)) {
         if (isNew || exists()) {
@@ -315,7 +312,7 @@ void Music::SetGain(float newGain)
     }
     gain = std::clamp(newGain, 0.0F, 1.0F);
     if (SndBase* instance = FindLive()) {
-        instance->SetGain(applyGainAgain);
+        instance->SetGain(SndBase::applyAgain);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "harmonet/instances/Snd3D.h"
 
+#include "harmonet/definitions/SoundResource.h"
 #include "harmonet/instances/Axes.h"
 #include "harmonet/instances/OrNothing.h"
 #include "harmonet/instances/SndBaseRow.h"
@@ -217,9 +218,8 @@ void Snd3D::UpdatePlace(SoundRow row)
 
 void Snd3D::SetDoppler(float factor)
 {
-    constexpr float most = 10.0F;
     if (!std::isnan(factor)) {
-        SetExtra(&Extras::doppler, std::clamp(factor, 0.0F, most));
+        SetExtra(&Extras::doppler, std::clamp(factor, 0.0F, maxDopplerFactor));
     }
 }
 

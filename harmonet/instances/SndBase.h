@@ -99,9 +99,10 @@ public:
     /// sound's own gain. Without a kernel it is the own gain alone.
     float GetOutputGain() const;
     /// Stores a linear gain from 0.0 to 1.0 and sends the output gain to the channel. Any other value, NaN
-    /// included, keeps the own gain and sends the output gain again; callers pass -1.0 for that. During a
-    /// cross-fade only the new channel receives it.
+    /// included, keeps the own gain and sends the output gain again; callers pass applyAgain for that. During
+    /// a cross-fade only the new channel receives it.
     void SetGain(float newGain);
+    static constexpr float applyAgain = -1.0F;
     /// The low-pass sent to the driver: the product of the low-passes of everything, of the group or the
     /// music, and of the sound.
     float GetOutputLowPass() const;

@@ -165,7 +165,7 @@ bool SndBase::SndUpdate(float seconds, const Vector3&, bool)
         }
         CatchUpFile();
     }
-    hasRunOut = !AdvanceEmulated(static_cast<std::uint32_t>(GetFrequency()) * step.ms / 1000U);
+    hasRunOut = !AdvanceEmulated(CalcSamples(static_cast<std::uint32_t>(GetFrequency()), step.ms));
     return !hasRunOut;
 }
 

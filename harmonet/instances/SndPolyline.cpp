@@ -2,6 +2,7 @@
 
 #include "harmonet/instances/SndPolyline.h"
 
+#include "harmonet/definitions/SoundResource.h"
 #include "harmonet/instances/Axes.h"
 #include "harmonet/instances/FastLength.h"
 #include "harmonet/kernel/SndKernel.h"
@@ -23,8 +24,6 @@ constexpr float minDistanceSpacing = 0.5F;
 constexpr float maxDistanceSpacing = 0.01F;
 constexpr float minDistanceReach = 30.0F; // Of a sound without a cutout.
 // Of a sound without distances: the defaults of a sound defined in text.
-constexpr float defaultMinDistance = 10.0F;
-constexpr float defaultMaxDistance = 500.0F;
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
 float CalcCosine(float degrees)

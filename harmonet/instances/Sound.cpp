@@ -23,8 +23,6 @@ namespace Quon
 namespace
 {
 
-constexpr int lookupMode = 2;
-
 // Applies to the rate of the definition, or otherwise to that of the file when it is opened.
 void ApplyFrequencyFactor(SndBase& sound, float factor)
 {
@@ -211,7 +209,7 @@ int Sound::Make2DSound(const PString& name, const ResourceDatabase* db)
         made->SetFileName(name);
         return AddSound(made.release());
     }
-    TakenResource resource(name, *db, lookupMode);
+    TakenResource resource(name, *db, SoundLookup);
     // An observer of the load may have ended the system.
     if (!resource || !CanMakeSounds()) {
         return 0;
@@ -242,7 +240,7 @@ int Sound::Make3DSound(const PString& name, const ResourceDatabase* db, bool ign
         made->SetFileName(name);
         return AddSound(made.release());
     }
-    TakenResource resource(name, *db, lookupMode);
+    TakenResource resource(name, *db, SoundLookup);
     // An observer of the load may have ended the system.
     if (!resource || !CanMakeSounds()) {
         return 0;
@@ -316,7 +314,7 @@ unsigned long Sound::CalcSoundLength(const PString& name, const ResourceDatabase
         if (!db) {
             return theKernel->GetLength(PString(), name);
         }
-        TakenResource resource(name, *db, lookupMode);
+        TakenResource resource(name, *db, SoundLookup);
         return resource && theKernel ? theKernel->GetLength(resource->GetOwnerName(), resource->GetFileName())
                                      : 0;
     });

@@ -24,8 +24,6 @@ constexpr const char* notStarted = "is not started";
 constexpr const char* notContinued = "is not continued";
 constexpr const char* notQueued = "it has ended, loops, or was started without StartQueued";
 
-constexpr int lookupMode = 2;
-
 // Holds the lock of a channel, if there is one.
 class ChannelLock
 {
@@ -343,7 +341,7 @@ bool Sound::AppendFile(int id, const PString& name, const ResourceDatabase* db)
     PString fileName = name;
     PString ownerName;
     if (db) {
-        TakenResource resource(name, *db, lookupMode);
+        TakenResource resource(name, *db, SoundLookup);
         // An observer of the load may have ended the system, or the sound.
         if (!resource || !theKernel) {
             return false;

@@ -20,8 +20,6 @@ namespace Quon
 namespace
 {
 
-constexpr int lookupMode = 2;
-
 bool IsSoundName(std::string_view name)
 {
     const auto endsWith = [name](std::string_view ending) {
@@ -118,7 +116,7 @@ bool SoundPreload::AddOne(const PString& name, const ResourceDatabase* db)
 
 bool SoundPreload::AddResource(const PString& name, const ResourceDatabase& db)
 {
-    const TakenResource taken(name, db, lookupMode);
+    const TakenResource taken(name, db, SoundLookup);
     // An observer of the load may have ended the system.
     if (!taken || !IsCurrent()) {
         return false;

@@ -4,6 +4,7 @@
 #include "harmonet/instances/SndPolyline.h"
 #include "harmonet/instances/Sound.h"
 #include "harmonet/kernel/SndKernel.h"
+#include "harmonet/output/SndChannel.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,9 +14,6 @@ namespace Quon
 
 namespace
 {
-
-constexpr unsigned long minFrequencyHz = 100;
-constexpr unsigned long maxFrequencyHz = 100000;
 
 } // namespace
 
@@ -119,10 +117,10 @@ bool Sound::SetFrequency(int id, unsigned long hz)
     if (!sound) {
         return false;
     }
-    const bool isSet = (hz == 0 || (hz >= minFrequencyHz && hz <= maxFrequencyHz)) && sound->SetFrequency(hz);
+    const bool isSet = (hz == 0 || (hz >= minRateHz && hz <= maxRateHz)) && sound->SetFrequency(hz);
     if (!isSet) {
-        Report(MessageLevel::Error, "sound ", id, " cannot be set to ", hz, " Hz: the range is ",
-            minFrequencyHz, " to ", maxFrequencyHz,
+        Report(MessageLevel::Error, "sound ", id, " cannot be set to ", hz, " Hz: the range is ", minRateHz,
+            " to ", maxRateHz,
             ", a sound with effects has a fixed rate, and a playing one needs StartChgFrequency");
     }
     return isSet;

@@ -13,8 +13,6 @@ namespace Quon
 namespace
 {
 
-constexpr std::int64_t microsecondsPerMs = 1000;
-
 template<class... Parts>
 void ReportNotStarted(const SndBase& sound, const DefinitionState& definition, const Parts&... parts)
 {
@@ -91,7 +89,8 @@ bool AdmitStart(SndBase& sound)
     const SoundLimits& limits = definition.limits;
     const int id = sound.GetSoundID();
     const std::int64_t now = theKernel->GetGameTime(0);
-    if (definition.lastStart && now - *definition.lastStart < limits.minIntervalMs * microsecondsPerMs) {
+    if (definition.lastStart &&
+        now - *definition.lastStart < limits.minIntervalMs * StartClock::microsecondsPerMs) {
         ReportNotStarted(sound, definition, "less than ", limits.minIntervalMs,
             " ms have passed since the last start of a sound");
         return false;

@@ -8,7 +8,7 @@ namespace Quon
 {
 
 // Delegates to the other constructor, so that the reference is released if the load throws.
-TakenResource::TakenResource(const PString& name, const ResourceDatabase& database, int mode)
+TakenResource::TakenResource(const PString& name, const ResourceDatabase& database, LookupMode mode)
     : TakenResource()
 {
     const Resource* resource = database.Lookup(name, mode);

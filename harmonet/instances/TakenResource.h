@@ -7,13 +7,19 @@ class PString;
 class ResourceDatabase;
 class SoundResource;
 
+/// The modes that are passed to ResourceDatabase::Lookup().
+enum LookupMode
+{
+    MusicLookup = 0,
+    SoundLookup = 2
+};
+
 /// A sound's resource that has been looked up and locked. The destructor unlocks it and releases the
 /// reference. Task thread only.
 class TakenResource
 {
 public:
-    /// `mode` is passed to ResourceDatabase::Lookup().
-    TakenResource(const PString& name, const ResourceDatabase& database, int mode);
+    TakenResource(const PString& name, const ResourceDatabase& database, LookupMode mode);
     ~TakenResource();
     TakenResource(const TakenResource&) = delete;
     TakenResource& operator=(const TakenResource&) = delete;

@@ -127,11 +127,10 @@ std::int64_t SndKernel::GetGameTime(int delayMs) const
     if (updating) {
         return startClock.GetGameTime(0, delayMs);
     }
-    constexpr std::int64_t microsecondsPerMs = 1000;
     constexpr double microsecondsPerSecond = 1e6;
     const double held = task ? task->GetGatheredSeconds() : 0.0;
-    const std::int64_t gathered =
-        static_cast<std::int64_t>(elapsed) * microsecondsPerMs + std::llround(held * microsecondsPerSecond);
+    const std::int64_t gathered = static_cast<std::int64_t>(elapsed) * StartClock::microsecondsPerMs +
+        std::llround(held * microsecondsPerSecond);
     return startClock.GetGameTime(gathered, delayMs);
 }
 

@@ -9,9 +9,6 @@ namespace Quon
 namespace
 {
 
-// Makes a sound send a product again without changing its own factor.
-constexpr float applyAgain = -1.0F;
-
 // Whether a sound is on a list that is searched for like sounds.
 bool IsFindable(SoundRow row)
 {
@@ -159,7 +156,7 @@ void SndKernel::RefreshMatching(Matches matches)
 {
     soundTable.ForEach([&](SndBase& sound) {
         if (matches(sound)) {
-            sound.SetGain(applyAgain);
+            sound.SetGain(SndBase::applyAgain);
         }
     });
 }
@@ -181,7 +178,7 @@ void SndKernel::RefreshLowPass(const Sound* parent)
 {
     soundTable.ForEach([parent](SndBase& sound) {
         if (!parent || sound.GetParentSound() == parent) {
-            sound.SetLowPass(applyAgain);
+            sound.SetLowPass(SndBase::applyAgain);
         }
     });
 }

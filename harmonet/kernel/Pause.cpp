@@ -118,8 +118,8 @@ bool SndKernel::StartPausedMusic(SndBase& instance)
 // Delays the start of a sound by the length of the pause.
 void SndKernel::DelayStart(SndBase& sound) const
 {
-    constexpr std::int64_t microsecondsPerMs = 1000;
-    const std::int64_t length = std::int64_t{clockMs - sound.GetExtras().pausedSince} * microsecondsPerMs;
+    const std::int64_t length =
+        std::int64_t{clockMs - sound.GetExtras().pausedSince} * StartClock::microsecondsPerMs;
     sound.startGameTime += length;
     sound.startMachineTime += length;
 }

@@ -27,7 +27,6 @@ constexpr const char* driverSymbol = "CreateSoundDriver";
 constexpr int defaultBytesPerSample = 2;
 constexpr int defaultSampleFrequency = 22050;
 constexpr int defaultChannels = 2;
-constexpr int defaultSpeedOfSound = 343;
 
 // Music and sounds that fade out may exceed the limit of audible sounds.
 constexpr int spareChannels = 4;
@@ -131,8 +130,8 @@ void SndKernel::ReadOptions(const Options& hostOptions)
     definitions.SetSeed(static_cast<std::uint32_t>(options.seed));
     constexpr float percent = 0.01F;
     doppler.SetFactor(percent * static_cast<float>(ReadOption(hostOptions, PString("SoundDoppler"), 0, 0)));
-    doppler.SetSpeedOfSound(
-        static_cast<float>(ReadOption(hostOptions, PString("SpeedOfSound"), 1, defaultSpeedOfSound)));
+    doppler.SetSpeedOfSound(static_cast<float>(
+        ReadOption(hostOptions, PString("SpeedOfSound"), 1, static_cast<int>(Doppler::defaultSpeed))));
 }
 
 int SndKernel::OpenDriver(OS* os, bool driverFlag)

@@ -38,10 +38,6 @@ struct SndFileChange;
 struct SoundState;
 enum class SoundNotice : std::uint8_t;
 
-/// The state time of a waiting sound: it exceeds settledMs, so that a waiting sound is not treated as having
-/// just lost its channel.
-inline constexpr unsigned long waitingStateTimeMs = 1000;
-
 /// The engine options that the kernel reads at its start. An option takes its default if it is not set, not a
 /// 32-bit number or out of range (below 0; below 1 for the rate).
 struct SoundOptions

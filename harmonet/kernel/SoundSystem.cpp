@@ -1,5 +1,6 @@
 #include "harmonet/kernel/SoundSystem.h"
 
+#include "harmonet/definitions/SoundResource.h"
 #include "harmonet/engine/Messages.h"
 #include "harmonet/kernel/HarmonetStrings.h"
 #include "harmonet/kernel/HarmonetTask.h"
@@ -156,9 +157,8 @@ float SoundSystem::GetLowPass()
 
 void SoundSystem::SetDopplerFactor(float factor)
 {
-    constexpr float most = 10.0F;
     if (theKernel && !std::isnan(factor)) {
-        theKernel->SetDopplerFactor(std::clamp(factor, 0.0F, most));
+        theKernel->SetDopplerFactor(std::clamp(factor, 0.0F, maxDopplerFactor));
     }
 }
 

@@ -11,6 +11,7 @@ namespace Quon
 class StartClock
 {
 public:
+    static constexpr std::int64_t microsecondsPerMs = 1000;
     /// A machine time that means "at once".
     static constexpr std::int64_t now = 0;
 
@@ -46,7 +47,6 @@ public:
     }
 
 private:
-    static constexpr std::int64_t microsecondsPerMs = 1000;
     static std::int64_t ToMicroseconds(int ms) { return ms > 0 ? ms * microsecondsPerMs : 0; }
 
     std::int64_t update = 0; ///< Game time of the last full update.

@@ -12,6 +12,8 @@ class Doppler
 public:
     /// Smaller changes of pitch, below a third of a cent, are ignored.
     static constexpr float minShift = 0.0002F;
+    /// The speed of sound in air, in metres per second.
+    static constexpr float defaultSpeed = 343.0F;
 
     /// 0 turns the effect off.
     void SetFactor(float newFactor);
@@ -54,7 +56,7 @@ private:
     void MoveTo(Motion& motion, const Vector3& place) const;
 
     float factor = 0.0F;
-    float speedOfSound = 343.0F;
+    float speedOfSound = defaultSpeed;
     double gathered = 0.0; ///< Seconds since the last full update.
     UpdateInterval interval;
     double onSince = 0.0; ///< Nodes followed before this time may have moved since.

@@ -39,6 +39,10 @@ constexpr bool IsContender(ListID list)
     return list == ListID::Playing || list == ListID::Emulated || list == ListID::Waiting;
 }
 
+/// The state time of a new or waiting sound: it exceeds settledMs, so that the sound is not treated as having
+/// just lost its channel.
+inline constexpr std::uint32_t waitingStateTimeMs = 1000;
+
 /// The kernel's marks of a sound, besides its flags.
 enum RowMarks : std::uint32_t
 {

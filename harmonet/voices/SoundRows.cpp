@@ -12,14 +12,13 @@ namespace Quon
 
 void SoundRow::Reset(SndBase* sound) const
 {
-    constexpr std::uint32_t longAgo = 1000;
     SetPlace(Vector3());
     Flags() = 0;
     Marks() = RowMoved;
     Priority() = 0;
     DistSqr() = 0.0F;
     Multiplier() = 1.0F;
-    StateTimeMs() = longAgo;
+    StateTimeMs() = waitingStateTimeMs;
     Name() = NameIndex::none;
     Serial() = 0;
     MaxDistance() = 0.0F;
