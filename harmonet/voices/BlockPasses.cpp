@@ -2,6 +2,9 @@
 
 #include "harmonet/voices/Mask.h"
 
+#include <algorithm>
+#include <bit>
+
 // Loops without branches, so that compilers turn them into vector instructions.
 
 namespace Quon
@@ -115,6 +118,28 @@ HARMONET_VECTOR_CLONES void UpdateHeard(SoundBlock& block, const UpdateStep& ste
         const std::uint32_t inRange = (block.flags[lane] | FlagDistLTMax) & ~FlagDistGTMax;
         block.flags[lane] = Select(isHeard[lane], inRange, block.flags[lane]);
     }
+}
+
+HARMONET_VECTOR_CLONES CompetingSounds LookAtContenders(std::span<SoundBlock* const> blocks)
+{
+    constexpr ImportanceRange none;
+    auto [lowest, highest, nearest, farthest] = none;
+    std::uint32_t nameBits = 0;
+    std::uint32_t flags = 0;
+    for (const SoundBlock* block : blocks) {
+        for (std::uint32_t lane = 0, end = block->end; lane < end; ++lane) {
+            const std::uint32_t mask = Mask(IsContender(block->list[lane]));
+            const std::int32_t priority = block->priority[lane];
+            const auto distance = std::bit_cast<std::int32_t>(block->distSqr[lane]);
+            lowest = std::min(lowest, Select(mask, priority, none.lowest));
+            highest = std::max(highest, Select(mask, priority, none.highest));
+            nearest = std::min(nearest, Select(mask, distance, none.nearest));
+            farthest = std::max(farthest, Select(mask, distance, none.farthest));
+            nameBits |= block->name[lane] & mask;
+            flags |= block->flags[lane] & mask;
+        }
+    }
+    return {{lowest, highest, nearest, farthest}, nameBits, flags};
 }
 
 } // namespace Quon

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "harmonet/voices/ImportanceSort.h"
 #include "harmonet/voices/SoundRow.h"
 
 #include <cstdint>
@@ -34,5 +35,14 @@ HeardSounds LookAtHeard(std::span<SoundBlock* const> blocks, const UpdateStep& s
 
 /// Updates the distances, ranges and state times of the sounds with channels, all of which stay.
 void UpdateHeard(SoundBlock& block, const UpdateStep& step);
+
+/// What a pass finds out about the sounds that have channels or compete for them.
+struct CompetingSounds
+{
+    ImportanceRange range;
+    std::uint32_t nameBits; ///< No name has other bits.
+    std::uint32_t flags; ///< All that one of them has.
+};
+CompetingSounds LookAtContenders(std::span<SoundBlock* const> blocks);
 
 } // namespace Quon

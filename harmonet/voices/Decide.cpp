@@ -1,10 +1,10 @@
 #include "harmonet/voices/Decide.h"
 
+#include "harmonet/voices/BlockPasses.h"
 #include "harmonet/voices/Growth.h"
 #include "harmonet/voices/Importance.h"
 
 #include <algorithm>
-#include <bit>
 
 namespace Quon
 {
@@ -60,36 +60,6 @@ void CollectBest(const Allocation& allocation, std::span<const Item> ranked, boo
         collect(ranked.subspan(begin, end - begin), false);
         end = begin;
     }
-}
-
-/// What Decide() finds out about all contenders.
-struct Crowd
-{
-    ImportanceRange range;
-    std::uint32_t nameBits; ///< No name has other bits.
-    std::uint32_t flags; ///< All that one of them has.
-};
-
-HARMONET_VECTOR_CLONES Crowd LookAt(std::span<SoundBlock* const> blocks)
-{
-    constexpr ImportanceRange none;
-    auto [lowest, highest, nearest, farthest] = none;
-    std::uint32_t nameBits = 0;
-    std::uint32_t flags = 0;
-    for (const SoundBlock* block : blocks) {
-        for (std::uint32_t lane = 0, end = block->end; lane < end; ++lane) {
-            const std::uint32_t mask = Mask(IsContender(block->list[lane]));
-            const std::int32_t priority = block->priority[lane];
-            const auto distance = std::bit_cast<std::int32_t>(block->distSqr[lane]);
-            lowest = std::min(lowest, Select(mask, priority, none.lowest));
-            highest = std::max(highest, Select(mask, priority, none.highest));
-            nearest = std::min(nearest, Select(mask, distance, none.nearest));
-            farthest = std::max(farthest, Select(mask, distance, none.farthest));
-            nameBits |= block->name[lane] & mask;
-            flags |= block->flags[lane] & mask;
-        }
-    }
-    return {{lowest, highest, nearest, farthest}, nameBits, flags};
 }
 
 // In the plain order a sound has lost to all like sounds before it. Returns the greatest multiplier.
@@ -224,7 +194,7 @@ void Decide(std::span<SoundBlock* const> blocks, const Contenders& contenders, i
     ResizeTo(decision.ranking, count);
     ResizeTo(decision.reasons, blocks.size() * SoundBlock::numLanes);
     const Allocation allocation{blocks, decision};
-    const Crowd crowd = LookAt(blocks);
+    const CompetingSounds crowd = LookAtContenders(blocks);
     if (!decision.ranking.empty()) {
         decision.sort.TakeCodes(blocks, crowd.range, ImportanceSort::ByDistance, 1.0F);
         decision.sort.Sort(contenders, decision.ranking);

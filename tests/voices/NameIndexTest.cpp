@@ -1,4 +1,5 @@
 #include "harmonet/voices/NameIndex.h"
+#include "harmonet/engine/Alloc.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -10,11 +11,12 @@ namespace Quon
 
 TEST(NameIndex, ReusesNumbersAndMemory)
 {
-    NameIndex names;
     const PString owner("owner");
     std::vector<PString> files(3000);
     std::ranges::generate(
         files, [number = 0]() mutable { return PString(std::to_string(number++).c_str()); });
+    const std::size_t blocksBefore = Alloc::LiveBlocks();
+    NameIndex names;
     for (const PString& file : files) {
         names.Use(file, owner);
     }
@@ -28,6 +30,11 @@ TEST(NameIndex, ReusesNumbersAndMemory)
     for (const PString& file : files) {
         EXPECT_LT(names.Use(file, owner), files.size());
     }
+    names.GiveUp(0);
+    for (std::uint32_t number = 0; number < files.size(); ++number) {
+        names.GiveUp(number);
+    }
+    EXPECT_EQ(Alloc::LiveBlocks(), blocksBefore);
 }
 
 // Of sounds that differ nothing can be said without looking at them.
