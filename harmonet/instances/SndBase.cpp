@@ -13,6 +13,7 @@
 #include "harmonet/voices/Motion.h"
 
 #include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace Quon
@@ -23,7 +24,16 @@ int SndBase::lastSoundID = 0;
 
 int SndBase::NextSoundID()
 {
-    return theKernel ? ++lastSoundID : 0;
+    if (!theKernel) {
+        return 0;
+    }
+    constexpr int maxID = std::numeric_limits<int>::max();
+    static bool anyReused = false;
+    do {
+        anyReused = anyReused || lastSoundID == maxID;
+        lastSoundID = lastSoundID % maxID + 1;
+    } while (anyReused && theKernel->FindSound(lastSoundID));
+    return lastSoundID;
 }
 
 SndBase::SndBase(bool music)

@@ -43,7 +43,8 @@ class HARMONET_API SndBase : public Allocated
 {
 public:
     /// Constructs a sound that has not started, with the next id of the process, or id 0 while no kernel
-    /// exists. `music` sets FlagMusic.
+    /// exists. After 2^31 - 1 the ids begin again at 1, and those still in use are skipped. `music` sets
+    /// FlagMusic.
     explicit SndBase(bool music);
     /// Copies every field, including pointers, links and channels. The object keeps its own places in the
     /// kernel's list and table. Do not use it to duplicate a running sound: both would then own one file.
@@ -308,6 +309,8 @@ protected:
     /// The part of this sound that an update reads and writes; the kernel stores the rows of all sounds
     /// together.
     SoundRow Row() const;
+    /// The last id that was assigned.
+    static int lastSoundID;
 
     /// Advances the file by `samples` sample frames, around a loop or along the queue.
     void SkipSamples(int samples);
@@ -458,8 +461,6 @@ private:
     std::int64_t startMachineTime = 0; ///< and by the clock of the machine.
     std::uint32_t reasonSince = 0; ///< On the kernel's clock, when the current reason was set.
     std::uint32_t startedAt = 0; ///< On the kernel's clock.
-
-    static int lastSoundID;
 };
 
 } // namespace Quon

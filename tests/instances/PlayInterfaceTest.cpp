@@ -3,7 +3,7 @@
 #include "harmonet/files/SndFile.h"
 #include "harmonet/files/SndNodeCache.h"
 #include "harmonet/instances/Music.h"
-#include "harmonet/instances/SndBase.h"
+#include "harmonet/instances/Snd2D.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "harmonet/output/SndChannel.h"
 #include "tests/support/OtherThread.h"
@@ -26,6 +26,12 @@ class PlayInterfaceTest : public SoundTest
 protected:
     const PString file = WriteWave("a.wav", {2000});
     const PString other = WriteWave("b.wav", {900});
+};
+
+class IDCounter : public Snd2D
+{
+public:
+    static void Set(int id) { lastSoundID = id; }
 };
 
 TEST_F(PlayInterfaceTest, AGainOutOfRangeIsNotSent)
@@ -185,6 +191,20 @@ TEST_F(PlayInterfaceTest, UnknownIdsAreIgnored)
         EXPECT_EQ(group->GetSoundOrientation(id), (Quaternion{0.0F, 0.0F, 0.0F, 1.0F}));
     }
     EXPECT_EQ(TakeLog(), Lines());
+}
+
+// A server that starts 100 sounds a second uses up the ids in eight months.
+TEST_F(PlayInterfaceTest, IdsBeginAgainAfterTheLastAndSkipThoseInUse)
+{
+    constexpr int last = std::numeric_limits<int>::max();
+    const int first = group->New2DSound(file, nullptr);
+    IDCounter::Set(last - 1);
+    EXPECT_EQ(group->New2DSound(file, nullptr), last);
+    const int afterLast = group->New2DSound(file, nullptr);
+    EXPECT_TRUE(afterLast == 1 || (first == 1 && afterLast == 2));
+    IDCounter::Set(first - 1);
+    EXPECT_EQ(group->New2DSound(file, nullptr), first + 1);
+    EXPECT_TRUE(Find(first) && Find(last));
 }
 
 TEST_F(PlayInterfaceTest, OnlyASoundWithoutEffectsCanBeStartedForChangesOfItsRate)
