@@ -1,7 +1,6 @@
 // Allocation of channels when more sounds compete than may be audible: gather, decide, apply.
 
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/voices/Growth.h"
 
 #include <algorithm>
@@ -81,7 +80,7 @@ void SndKernel::GiveBackChosen()
 // first, so that a sound started by an observer does not compete with sounds about to be removed.
 void SndKernel::EmulateLosers()
 {
-    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
+    SoundWalk walk = Walk(ListID::Playing);
     while (const SoundRow row = walk.Next()) {
         SndBase& sound = *row.GetSound();
         Unlist(sound);
@@ -96,7 +95,7 @@ void SndKernel::EmulateLosers()
 
 void SndKernel::StartChosen()
 {
-    SoundWalk walk(*this, ListID::Chosen, SoundWalk::FromHead, SoundWalk::Visit);
+    SoundWalk walk = Walk(ListID::Chosen, SoundWalk::Visit);
     while (const SoundRow row = walk.Next()) {
         SndBase& sound = *row.GetSound();
         if (!sound.IsAudible()) {
@@ -112,7 +111,7 @@ void SndKernel::StartChosen()
 // its length; any other must have enough left.
 void SndKernel::EmulateWaiting()
 {
-    SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
+    SoundWalk walk = Walk(ListID::Waiting);
     while (const SoundRow row = walk.Next()) {
         if (row.HasMark(RowDelayed)) {
             continue;

@@ -1,6 +1,5 @@
 #include "harmonet/instances/Microphone.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/output/SndDriver.h"
 #include "harmonet/voices/BlockPasses.h"
 
@@ -194,7 +193,7 @@ void SndKernel::UpdateEmulated(const UpdateStep& step, const VirtualSounds& all)
         CountEmulated(step);
         return;
     }
-    SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromTail, SoundWalk::SkipNewcomers);
+    SoundWalk walk = Walk(ListID::Emulated, SoundWalk::SkipNewcomers, SoundWalk::FromTail);
     while (const SoundRow row = walk.Next()) {
         if (CountOne(row, step) ||
             row.GetSound()->SndUpdate(step.seconds, step.listener, step.listenerMoved)) {
@@ -238,7 +237,7 @@ void SndKernel::UpdatePlaying(const UpdateStep& step)
             return;
         }
     }
-    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
+    SoundWalk walk = Walk(ListID::Playing);
     while (const SoundRow row = walk.Next()) {
         SndBase* sound = row.GetSound();
         if (!sound->SndUpdate(step.seconds, step.listener, step.listenerMoved)) {
@@ -296,7 +295,7 @@ void SndKernel::LeavePlaying(SndBase& sound, SoundReason reason)
 
 void SndKernel::StartEmulated()
 {
-    SoundWalk walk(*this, ListID::Emulated, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
+    SoundWalk walk = Walk(ListID::Emulated);
     while (const SoundRow row = walk.Next()) {
         if (row.HasAnyFlag(FlagPolyline)) {
             continue;
@@ -313,7 +312,7 @@ void SndKernel::StartEmulated()
 
 void SndKernel::StartWaiting()
 {
-    SoundWalk walk(*this, ListID::Waiting, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
+    SoundWalk walk = Walk(ListID::Waiting);
     while (const SoundRow row = walk.Next()) {
         if (row.HasMark(RowDelayed)) {
             SetReason(row, SoundReason::Delayed);

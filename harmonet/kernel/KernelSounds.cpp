@@ -4,7 +4,6 @@
 #include "harmonet/files/SndNodeCache.h"
 #include "harmonet/instances/Microphone.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
 
@@ -236,7 +235,11 @@ bool SndKernel::StartChannel(SndBase* sound)
     BeginFadeIn(*sound, *channel);
     sound->SetSndChannel(channel);
     try {
-        EnterPlaying(*sound);
+        if (sound->Row().List() != ListID::Playing) {
+            // Music that an observer has restarted can be among the chosen sounds.
+            Unlist(*sound);
+            Insert(*sound, ListID::Playing);
+        }
     }
     catch (...) {
         // If memory for its entry runs out, it has no channel.
@@ -280,16 +283,6 @@ void SndKernel::PlayOnChannel(SndBase& sound, SndFile* file)
     }
     SetUpChannel(sound, *channel);
     channel->Play();
-}
-
-void SndKernel::EnterPlaying(SndBase& sound)
-{
-    if (sound.Row().List() == ListID::Playing) {
-        return;
-    }
-    // Music that an observer has restarted can be among the chosen sounds.
-    Unlist(sound);
-    Insert(sound, ListID::Playing);
 }
 
 bool SndKernel::StartMusic(SndBase& instance)
@@ -355,7 +348,7 @@ unsigned long SndKernel::GetLength(const PString& substName, const PString& file
 void SndKernel::DeleteListed(int kind)
 {
     for (const ListID id : regularLists) {
-        SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
+        SoundWalk walk = Walk(id, SoundWalk::Visit);
         while (const SoundRow row = walk.Next()) {
             SndBase* sound = row.GetSound();
             if (!IsOfKind(*sound, kind) || sound->IsInNotification()) {

@@ -2,7 +2,6 @@
 
 #include "harmonet/files/SndFile.h"
 #include "harmonet/kernel/SndKernel.h"
-#include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/output/SndChannel.h"
 #include "harmonet/output/SndDriver.h"
 
@@ -51,7 +50,7 @@ int SndKernel::MoveToPausedAndBack(const UpdateStep& step)
 {
     int due = 0;
     for (const ListID id : {ListID::Playing, ListID::Emulated, ListID::Waiting}) {
-        SoundWalk walk(*this, id, SoundWalk::FromHead, SoundWalk::Visit);
+        SoundWalk walk = Walk(id, SoundWalk::Visit);
         while (const SoundRow row = walk.Next()) {
             if (!row.GetSound()->IsPaused()) {
                 continue;
@@ -61,7 +60,7 @@ int SndKernel::MoveToPausedAndBack(const UpdateStep& step)
         }
     }
     // From the tail, so that the head of a sound along a line comes before its sources.
-    SoundWalk walk(*this, ListID::Paused, SoundWalk::FromTail, SoundWalk::Visit);
+    SoundWalk walk = Walk(ListID::Paused, SoundWalk::Visit, SoundWalk::FromTail);
     while (const SoundRow row = walk.Next()) {
         if (!row.GetSound()->IsPaused()) {
             due += Resume(*row.GetSound(), step);
@@ -224,7 +223,7 @@ void SndKernel::StartReturned()
     if (!std::exchange(hasReturned, false)) {
         return;
     }
-    SoundWalk walk(*this, ListID::Playing, SoundWalk::FromHead, SoundWalk::SkipNewcomers);
+    SoundWalk walk = Walk(ListID::Playing);
     while (const SoundRow row = walk.Next()) {
         SndBase& sound = *row.GetSound();
         if (sound.IsAudible()) {

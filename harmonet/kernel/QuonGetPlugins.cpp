@@ -2,7 +2,7 @@
 
 #include "harmonet/definitions/SoundDefResource.h"
 #include "harmonet/definitions/SoundResource.h"
-#include "harmonet/kernel/ResourceType.h"
+#include "harmonet/engine/ResourceType.h"
 
 namespace Quon
 {

@@ -4,8 +4,8 @@
 #include "harmonet/definitions/DefinitionState.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/instances/SndBaseRow.h"
-#include "harmonet/kernel/SndList.h"
 #include "harmonet/kernel/SoundTable.h"
+#include "harmonet/kernel/SoundWalk.h"
 #include "harmonet/kernel/StartClock.h"
 #include "harmonet/output/SoundCaps.h"
 #include "harmonet/output/SoundFormat.h"
@@ -214,8 +214,6 @@ public:
     /// Microseconds of game time, `delayMs` from now: includes the time since the last full update.
     std::int64_t GetGameTime(int delayMs) const;
     UpdateStep MakeStep(float seconds) const;
-    /// For SoundWalk.
-    EngineVector<SndList::Entry>& GetWalkMemory() { return walkMemory; }
 
     // For tools.
 
@@ -278,7 +276,6 @@ private:
     void EmulateWaiting();
 
     bool IsLongEnough(const SndBase& sound) const;
-    void EnterPlaying(SndBase& sound);
     void PlayOnChannel(SndBase& sound, SndFile* file);
     void MarkStarted(SndBase& sound, bool isNow);
     void ForgetNewcomers();
@@ -311,6 +308,11 @@ private:
     void DeleteFromTable(Matches matches);
     template<class Matches>
     void RefreshMatching(Matches matches);
+    SoundWalk Walk(ListID id, SoundWalk::Newcomers treatment = SoundWalk::SkipNewcomers,
+        SoundWalk::Direction direction = SoundWalk::FromHead)
+    {
+        return {GetList(id), walkMemory, direction, treatment};
+    }
     void Insert(SndBase& sound, ListID id);
     void Unlist(SndBase& sound);
     /// Whether the lists and the table are consistent and each sound is listed at most once. For assertions.

@@ -23,21 +23,17 @@ bool IsAfter(std::uint32_t serial, std::uint32_t other)
 
 std::uint32_t SndList::lastSerial = 0;
 
-SndList::Entry SndList::Enter(std::uint32_t row, ListID id)
+// Marks a sound as listed. Its entry is in the list already, since adding it can fail.
+void SndList::Enter(Entry& entry, ListID id)
 {
-    const SoundRow entered = SoundRows::At(row);
-    assert(entered.List() == ListID::None);
-    constexpr std::size_t fewEntries = 64;
-    if (order.size() + added.size() > 2 * count + fewEntries) {
-        DropStale();
-    }
+    const SoundRow row = entry.GetRow();
+    assert(row.List() == ListID::None);
     if (++lastSerial == 0) {
         ++lastSerial;
     }
-    entered.Serial() = lastSerial;
-    entered.List() = id;
+    row.Serial() = entry.serial = lastSerial;
+    row.List() = id;
     ++count;
-    return {row, entered.Serial()};
 }
 
 void SndList::DropStale()
@@ -48,36 +44,33 @@ void SndList::DropStale()
     }
 }
 
-// Before Enter(): a sound must not be marked as listed if adding its entry fails.
-template<class T>
-void SndList::MakeRoom(EngineVector<T>& entries)
+void SndList::LimitStale()
 {
-    constexpr std::size_t fewEntries = 16;
-    if (entries.size() == entries.capacity()) {
-        entries.reserve(std::max(2 * entries.capacity(), fewEntries));
+    constexpr std::size_t fewEntries = 64;
+    if (order.size() + added.size() > 2 * count + fewEntries) {
+        DropStale();
     }
 }
 
 void SndList::Append(std::uint32_t row, ListID id)
 {
     ForgetOrder();
-    MakeRoom(order);
-    order.push_back(Enter(row, id));
+    LimitStale();
+    Enter(order.emplace_back(Entry{row, 0}), id);
 }
 
 void SndList::InsertSorted(std::uint32_t row, ListID id)
 {
+    LimitStale();
     const std::uint64_t key = GetCompareKey(SoundRows::At(row));
     if (isInOrder) {
-        MakeRoom(added);
-        added.push_back({key, Enter(row, id)});
+        added.push_back({key, {row, 0}});
+        Enter(added.back().entry, id);
         return;
     }
-    MakeRoom(order);
-    const Entry entry = Enter(row, id);
     const auto place = std::ranges::find_if(order,
         [key](const Entry& other) { return !other.IsStale() && GetCompareKey(other.GetRow()) >= key; });
-    order.insert(place, entry);
+    Enter(*order.insert(place, {row, 0}), id);
 }
 
 void SndList::Remove(SoundRow row)

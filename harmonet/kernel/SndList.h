@@ -55,10 +55,9 @@ public:
     }
 
 private:
-    Entry Enter(std::uint32_t row, ListID id);
+    void Enter(Entry& entry, ListID id);
     void DropStale();
-    template<class T>
-    static void MakeRoom(EngineVector<T>& entries);
+    void LimitStale();
     void Merge();
 
     EngineVector<Entry> order;

@@ -7,14 +7,12 @@
 namespace Quon
 {
 
-class SndKernel;
-
-/// An iteration over one of the kernel's lists that stays valid while observers start, stop and delete
-/// sounds. It visits the sounds that were on the list at its start, in their order, and skips those that have
-/// been removed meanwhile.
+/// An iteration over a list that stays valid while observers start, stop and delete sounds. It visits the
+/// sounds that were on the list at its start, in their order, and skips those that have been removed
+/// meanwhile.
 ///
 /// It iterates over a copy of the list's entries, whose serials identify removed sounds. The copies of nested
-/// walks are stored one after the other in memory owned by the kernel.
+/// walks are stored one after the other in the same memory.
 class SoundWalk
 {
 public:
@@ -31,7 +29,18 @@ public:
         Visit
     };
 
-    SoundWalk(SndKernel& kernel, ListID id, Direction newDirection, Newcomers newcomers);
+    SoundWalk(SndList& list, EngineVector<ListEntry>& newMemory, Direction newDirection, Newcomers newcomers)
+        : memory(newMemory)
+        , first(memory.size())
+        , next(first)
+        , last(first)
+        , direction(newDirection)
+        , skippedMark(newcomers == SkipNewcomers ? std::uint32_t{RowNewcomer} : 0U)
+    {
+        const std::span<const ListEntry> entries = list.GetEntries();
+        memory.insert(memory.end(), entries.begin(), entries.end());
+        last = memory.size();
+    }
     SoundWalk(const SoundWalk&) = delete;
     SoundWalk& operator=(const SoundWalk&) = delete;
     ~SoundWalk() { memory.resize(first); }
@@ -39,8 +48,8 @@ public:
     /// Returns the next sound's row, or none at the end.
     SoundRow Next()
     {
-        while (begin < end) {
-            const SndList::Entry entry = memory[direction == FromHead ? begin++ : --end];
+        while (next < last) {
+            const ListEntry entry = memory[direction == FromHead ? next++ : --last];
             const SoundRow row = entry.GetRow();
             if (row.Serial() == entry.serial && !row.HasMark(skippedMark)) {
                 return row;
@@ -50,10 +59,10 @@ public:
     }
 
 private:
-    EngineVector<SndList::Entry>& memory;
+    EngineVector<ListEntry>& memory;
     const std::size_t first;
-    std::size_t begin;
-    std::size_t end;
+    std::size_t next;
+    std::size_t last;
     const Direction direction;
     const std::uint32_t skippedMark; ///< The mark of sounds to skip, or none.
 };

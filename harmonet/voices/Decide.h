@@ -1,6 +1,5 @@
 #pragma once
 
-#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/voices/ImportanceSort.h"
 
@@ -68,7 +67,6 @@ struct Decision
 /// Contenders are exactly the rows of `blocks` that are on the playing, the emulated or the waiting list.
 /// Changes nothing in the rows but the multipliers of the contenders: 1.3 to the power of the number of like
 /// sounds that the sound lost to.
-HARMONET_INTERNAL_API void Decide(
-    std::span<SoundBlock* const> blocks, const Contenders& contenders, int limit, Decision& decision);
+void Decide(std::span<SoundBlock* const> blocks, const Contenders& contenders, int limit, Decision& decision);
 
 } // namespace Quon

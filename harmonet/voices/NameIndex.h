@@ -1,6 +1,5 @@
 #pragma once
 
-#include "harmonet/Export.h"
 #include "harmonet/engine/Alloc.h"
 #include "harmonet/engine/PString.h"
 
@@ -14,7 +13,7 @@ namespace Quon
 /// The kernel's index of like sounds, those with the same file and owner name: a small number for each pair
 /// of names, the count of such sounds on its lists, and their length. Names are compared by identity. A
 /// number is valid while sounds use it; then it is reused. Task thread only.
-class HARMONET_INTERNAL_API NameIndex
+class NameIndex
 {
 public:
     static constexpr std::uint32_t none = 0xFFFFFFFF;

@@ -2,9 +2,9 @@
 
 #include "harmonet/instances/Music.h"
 #include "harmonet/definitions/SoundResource.h"
+#include "harmonet/engine/ResourceType.h"
 #include "harmonet/files/SndNodeCache.h"
 #include "harmonet/instances/SndBase.h"
-#include "harmonet/kernel/ResourceType.h"
 #include "harmonet/kernel/SndKernel.h"
 #include "tests/instances/WithResources.h"
 #include "tests/support/SoundTest.h"
