@@ -1,4 +1,5 @@
 #include "harmonet/instances/Snd2D.h"
+#include "harmonet/instances/SndBaseRow.h"
 #include "harmonet/kernel/SndList.h"
 
 #include <algorithm>
