@@ -35,12 +35,14 @@ endif()
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 
-# One room of the library: an object library named harmonet_<room> that the shared library is linked from.
+# One room of the library: an object library named harmonet_<room> that the shared library is linked from. The global
+# property HARMONET_ROOMS lists all rooms.
 function(harmonet_room room)
     add_library(harmonet_${room} OBJECT ${ARGN})
     target_include_directories(harmonet_${room} PUBLIC "${PROJECT_SOURCE_DIR}")
     target_compile_definitions(harmonet_${room} PRIVATE HARMONET_BUILDING_LIBRARY)
     target_link_libraries(harmonet_${room} PUBLIC harmonet_engine)
+    set_property(GLOBAL APPEND PROPERTY HARMONET_ROOMS harmonet_${room})
 endfunction()
 
 # An output driver: a module whose file name is its name in the option "Sound".
