@@ -125,6 +125,26 @@ TEST_F(ObserverTest, TheEndOfAGroupEndsItsSoundsThenNotifiesShutDown)
     EXPECT_EQ(Playing(), Ids());
 }
 
+TEST_F(ObserverTest, ASoundStartedDuringAnUpdateIsHandledInTheNext)
+{
+    system.SetMaxAudibleSounds(0);
+    Play(file);
+    Step(40);
+    system.SetMaxAudibleSounds(20);
+    Ids started;
+    observer->react = [&](const Note& note) {
+        if (note.kind == Note::Abort) {
+            started = {Play(file)};
+        }
+    };
+    // Too little is left of the virtual sound.
+    Step(1600);
+    EXPECT_EQ(Waiting(), started);
+    EXPECT_EQ(Playing(), Ids());
+    Step(40);
+    EXPECT_EQ(Playing(), started);
+}
+
 // The walk of an update went by what had been there at its start; the end of a group must not.
 TEST_F(ObserverTest, AHandlerCanCreateAndDestroyGroups)
 {

@@ -112,11 +112,22 @@ TEST_F(Snd3DTest, ManyHeardSoundsAreUpdatedLikeAFew)
                 const float x = isFar ? 200.0F : i == 8 ? 100.0F : 9.0F;
                 group->SetSoundPosition(ids[i], {x, static_cast<float>(update) / 2.0F, 1.0F});
             }
+            if (update == 11) {
+                microphone.reset();
+            }
             Step(50);
+            if (update % 4 == 2) {
+                // It is inserted among sounds that have moved since the list was sorted.
+                ids.push_back(Play3D(file, 9.03F));
+                Step(50);
+            }
             for (const std::string& line : TakeLog()) {
                 if (line.find("Set") != std::string::npos) {
                     lines.push_back(line.substr(line.find(' ')));
                 }
+            }
+            for (const int id : Playing()) {
+                lines.push_back("order " + std::to_string(std::ranges::find(ids, id) - ids.begin()));
             }
             for (const int id : ids) {
                 const SoundState state = Sound::GetState(id);
@@ -125,7 +136,8 @@ TEST_F(Snd3DTest, ManyHeardSoundsAreUpdatedLikeAFew)
             }
         }
         system.StopAll();
-        microphone->SetPosition(origin);
+        microphone = std::make_unique<Microphone>();
+        microphone->Activate();
         Step(50);
         TakeLog();
         return lines;
