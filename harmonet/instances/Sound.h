@@ -314,7 +314,7 @@ private:
     void NameData(int id, const PString& fileName, const PString& ownerName);
     bool StartSound(SndBase& sound, int flags);
     template<class SetUp>
-    int Play(int id, int flags, int priority, int delay, SetUp setUp);
+    int Play(SndBase* sound, int flags, int priority, int delay, SetUp setUp);
     void ApplySettings(Snd3D& sound, const Settings& settings);
 
     int defaultAxis = -3;

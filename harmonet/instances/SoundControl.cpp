@@ -128,6 +128,11 @@ bool Append(SndBase& sound, SndFile* file)
     return true;
 }
 
+bool Attach(Snd3D& sound, Particle* parent, const PString& nodeName)
+{
+    return !sound.IsPolyline() && parent && parent->Add(nodeName, &sound);
+}
+
 } // namespace
 
 bool Sound::StartSound(int id, int flags)
@@ -232,36 +237,32 @@ bool Sound::FadeOutSound(int id, unsigned int ms)
 
 int Sound::Play2DSound(const PString& name, const ResourceDatabase* db, int flags, int priority, int delay)
 {
-    return Play(New2DSound(name, db), flags, priority, delay, [](SndBase&) {});
+    return Play(FindSound(New2DSound(name, db)), flags, priority, delay, [](SndBase&) {});
 }
 
 int Sound::Play2DSound(
     void* data, unsigned long size, WaveFormatEx* format, int flags, int priority, int delay)
 {
-    return Play(New2DSound(data, size, format), flags, priority, delay, [](SndBase&) {});
+    return Play(FindSound(New2DSound(data, size, format)), flags, priority, delay, [](SndBase&) {});
 }
 
 int Sound::Play3DSound(Particle* parent, const PString& nodeName, const PString& name,
     const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay)
 {
-    const int id = New3DSound(name, db);
-    if (id == 0) {
-        return 0;
-    }
-    if (!AttachSound(id, parent, nodeName)) {
+    auto* const sound = static_cast<Snd3D*>(FindSound(New3DSound(name, db)));
+    if (sound && !Attach(*sound, parent, nodeName)) {
         Report(MessageLevel::Error, "sound '", name, "' is not started: its node '", nodeName,
             "' is not below the parent, or there is no parent");
-        DeleteSound(id);
+        DeleteSound(sound->GetSoundID());
         return 0;
     }
-    return Play(id, flags, priority, delay,
-        [&](SndBase& sound) { ApplySettings(static_cast<Snd3D&>(sound), settings); });
+    return Play(sound, flags, priority, delay, [&](SndBase&) { ApplySettings(*sound, settings); });
 }
 
 int Sound::Play3DSound(const Vector3& position, const Quaternion& orientation, const PString& name,
     const ResourceDatabase* db, int flags, int priority, const Settings& settings, int delay)
 {
-    return Play(New3DSound(name, db), flags, priority, delay, [&](SndBase& sound) {
+    return Play(FindSound(New3DSound(name, db)), flags, priority, delay, [&](SndBase& sound) {
         auto& placed = static_cast<Snd3D&>(sound);
         ApplySettings(placed, settings);
         if (placed.IsPolyline()) {
@@ -275,7 +276,7 @@ int Sound::Play3DSound(const Vector3& position, const Quaternion& orientation, c
 int Sound::Play3DSound(const Vector3& position, const PString& name, const ResourceDatabase* db, int flags,
     int priority, const Settings& settings, int delay)
 {
-    return Play(New3DSound(name, db), flags, priority, delay, [&](SndBase& sound) {
+    return Play(FindSound(New3DSound(name, db)), flags, priority, delay, [&](SndBase& sound) {
         auto& placed = static_cast<Snd3D&>(sound);
         ApplySettings(placed, settings);
         if (!placed.IsPolyline()) {
@@ -287,12 +288,12 @@ int Sound::Play3DSound(const Vector3& position, const PString& name, const Resou
 // Sets up a new sound and starts it, or deletes it on failure; returns its id or 0. The resource's code may
 // already have ended or started it.
 template<class SetUp>
-int Sound::Play(int id, int flags, int priority, int delay, SetUp setUp)
+int Sound::Play(SndBase* sound, int flags, int priority, int delay, SetUp setUp)
 {
-    SndBase* sound = FindSound(id);
     if (!sound) {
         return 0;
     }
+    const int id = sound->GetSoundID();
     const bool isSetUp = OrNothing([&] {
         if (priority != 0) {
             sound->SetPriority(priority);
@@ -386,8 +387,8 @@ int Sound::GetQueueLength(int id)
 
 bool Sound::AttachSound(int id, Particle* parent, const PString& nodeName)
 {
-    Snd3D* sound = FindPlaced3D(id);
-    return sound && parent && parent->Add(nodeName, sound);
+    Snd3D* sound = Find3D(id);
+    return sound && Attach(*sound, parent, nodeName);
 }
 
 } // namespace Quon
