@@ -39,12 +39,6 @@ bool IsPlayable(const SoundFormat& format);
 /// thread.
 void ReportUnplayable(const SoundFormat* format);
 
-/// Whether SetFrequency() accepts this rate; 0 means the file's own.
-inline bool IsRateAccepted(unsigned long hz)
-{
-    return hz == 0 || (hz >= minRateHz && hz <= maxRateHz);
-}
-
 /// The duration of `sampleFrames` at `rateHz`, in milliseconds, truncated; 0 without a rate or sample frames.
 unsigned long ToMilliseconds(std::int64_t sampleFrames, int rateHz);
 

@@ -8,6 +8,8 @@
 namespace Quon
 {
 
+// What the library needs of a sound's row, apart from SndBase.h because that header is installed.
+
 inline SoundRow SndBase::Row() const
 {
     return SoundRows::At(rowNumber);

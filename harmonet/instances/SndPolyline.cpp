@@ -23,7 +23,6 @@ constexpr float otherGain = 0.5F; // Of all sources but the first.
 constexpr float minDistanceSpacing = 0.5F;
 constexpr float maxDistanceSpacing = 0.01F;
 constexpr float minDistanceReach = 30.0F; // Of a sound without a cutout.
-// Of a sound without distances: the defaults of a sound defined in text.
 constexpr float infinity = std::numeric_limits<float>::infinity();
 
 float CalcCosine(float degrees)

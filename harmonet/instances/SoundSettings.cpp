@@ -12,11 +12,6 @@
 namespace Quon
 {
 
-namespace
-{
-
-} // namespace
-
 SndBase* Sound::FindSound(int id) const
 {
     return theKernel ? theKernel->FindSound(id) : nullptr;
@@ -117,7 +112,7 @@ bool Sound::SetFrequency(int id, unsigned long hz)
     if (!sound) {
         return false;
     }
-    const bool isSet = (hz == 0 || (hz >= minRateHz && hz <= maxRateHz)) && sound->SetFrequency(hz);
+    const bool isSet = IsRateAccepted(hz) && sound->SetFrequency(hz);
     if (!isSet) {
         Report(MessageLevel::Error, "sound ", id, " cannot be set to ", hz, " Hz: the range is ", minRateHz,
             " to ", maxRateHz,

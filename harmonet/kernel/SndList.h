@@ -57,6 +57,7 @@ public:
 private:
     void Enter(Entry& entry, ListID id);
     void DropStale();
+    /// Drops the stale entries if they are more than half, so that the memory depends on the sounds alone.
     void LimitStale();
     void Merge();
 

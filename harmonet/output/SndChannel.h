@@ -22,9 +22,14 @@ struct FXGargle;
 struct FXParamEq;
 struct FXWavesReverb;
 
-/// The range of playback rates, in Hz.
+/// The range of playback rates that a game may request, in Hz.
 inline constexpr unsigned long minRateHz = 100;
 inline constexpr unsigned long maxRateHz = 100000;
+/// Whether a game may request this rate; 0 means the file's own.
+inline bool IsRateAccepted(unsigned long hz)
+{
+    return hz == 0 || (hz >= minRateHz && hz <= maxRateHz);
+}
 
 /// One voice of an output driver: it plays one sound file, and the files queued after it, until it is stopped
 /// or reports its end. An output driver derives from this class.
@@ -96,8 +101,8 @@ public:
     virtual void SetCone(float innerAngle, float outerAngle, float outerGain) = 0;
     /// The axis of the cone, in scene coordinates.
     virtual void SetDirection(const Vector3& direction) = 0;
-    /// Plays at `hz` sample frames per second from now on, from minRateHz to maxRateHz. Returning false
-    /// refuses the change and keeps the old rate.
+    /// Plays at `hz` sample frames per second from now on; 0 is the file's own rate. Returning false refuses
+    /// the change and keeps the old rate. Return false for rates that IsRateAccepted() does not accept.
     virtual bool SetFrequency(unsigned long hz) = 0;
     /// The rate in Hz; 0 if unknown.
     virtual unsigned long GetFrequency() = 0;

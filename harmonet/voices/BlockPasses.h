@@ -10,7 +10,7 @@ namespace Quon
 {
 
 // The parts of a full update that go through the rows of all sounds in memory order. They change rows alone;
-// what a sound object has to do is returned by lane.
+// what a sound object has to do is returned by lane. They do not allocate or fail. Task thread only.
 
 /// What a pass finds out about the virtual sounds of a block.
 struct VirtualLanes
