@@ -113,6 +113,16 @@ TEST_F(RunningTest, AStartIsCountedAlongTheQueueOrLoop)
 TEST_F(RunningTest, TheDriverGetsTheRequestTimeOfAStart)
 {
     const auto getStartTime = [this](int id) { return recording.channels.at(ChannelOf(id)).startTime; };
+    // An observer starts one during an update, whose time has been counted already.
+    int inner = 0;
+    observer->react = [&](const Note&) {
+        observer->react = nullptr;
+        inner = Play(FileOf(3000), Sound::StartImmediately);
+    };
+    Play(FileOf(3000));
+    Step(40);
+    EXPECT_NEAR(static_cast<double>(*getStartTime(inner)), 40000.0, 2.0);
+    SoundSystem::StopAll();
     for (const bool isHeldBack : {false, true}) {
         SCOPED_TRACE(isHeldBack);
         TaskList::Get().SetMinimumStep("HarmonetTask", isHeldBack ? 0.05F : 0.0F);
